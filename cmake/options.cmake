@@ -1,0 +1,24 @@
+# SPDX-License-Identifier: MIT
+# Compiler settings shared by everything that is built here.
+
+add_library(tavelor_options INTERFACE)
+target_compile_options(tavelor_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+  -Woverloaded-virtual -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 14)
+  # g++ 12 sees dangling references and overruns in the standard library's own inlined code.
+  target_compile_options(tavelor_options INTERFACE
+    $<$<CONFIG:Release,RelWithDebInfo>:-Wno-restrict -Wno-maybe-uninitialized -Wno-stringop-overflow -Wno-array-bounds>)
+endif()
+
+if(TAVELOR_SANITIZE)
+  add_compile_options(-fsanitize=${TAVELOR_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${TAVELOR_SANITIZE})
+endif()
+
+find_program(TAVELOR_CCACHE ccache)
+if(TAVELOR_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${TAVELOR_CCACHE})
+  # Precompiled headers are cached only when time macros and their dates are left out of the key.
+  set(ENV{CCACHE_SLOPPINESS} "pch_defines,time_macros,include_file_mtime,include_file_ctime")
+endif()

@@ -1,0 +1,76 @@
+-- Suppliers: the master, its comments and its ledger, in the main database.
+
+-- Suppliers; those with Sub set are subcontractors. Activo is a number used as a flag.
+CREATE TABLE Proveedores (
+  Codigo TEXT(20) NOT NULL,
+  Activo SHORT DEFAULT 0,
+  Nombre TEXT(100),
+  Razon_Social TEXT(100),
+  Contacto TEXT(100),
+  NIF TEXT(20),
+  Direccion TEXT(100),
+  Codigo_Postal TEXT(10),
+  Poblacion TEXT(50),
+  Provincia TEXT(50),
+  Telefono TEXT(30),
+  Telefono_2 TEXT(30),
+  Movil TEXT(30),
+  Fax TEXT(30),
+  E_Mail TEXT(100),
+  Http TEXT(150),
+  Cta_Tesoreria TEXT(20),
+  Cta_Contable TEXT(20),
+  Cta_Contrapartida TEXT(20),
+  IRPF DOUBLE,
+  Impuesto BIT NOT NULL DEFAULT 0,
+  Recargo BIT NOT NULL DEFAULT 0,
+  Divisa TEXT(10),
+  Forma_Pago TEXT(10),
+  Transportista TEXT(10),
+  Banco TEXT(6),
+  Descuento DOUBLE,
+  Descuento_pp DOUBLE,
+  Tarifa TEXT(5),
+  Serie TEXT(1),
+  Bonificacion_1 DOUBLE,
+  Condicion_1 CURRENCY,
+  Concepto TEXT(255),
+  Tipo_Factura_A TEXT(10),
+  Tipo_Factura_B TEXT(10),
+  Tipo_Factura_C TEXT(10),
+  Documento_P TEXT(10),
+  Documento_A TEXT(10),
+  Documento_F TEXT(10),
+  Sub BIT NOT NULL DEFAULT 0,
+  CONSTRAINT PK_Proveedores PRIMARY KEY (Codigo)
+);
+CREATE INDEX IX_Proveedores_Razon_Social ON Proveedores (Razon_Social);
+CREATE INDEX IX_Proveedores_Cta_Contable ON Proveedores (Cta_Contable);
+
+-- Comments of a supplier.
+CREATE TABLE Proveedores_Comentarios (
+  Id LONG NOT NULL,
+  Codigo TEXT(20) NOT NULL,
+  Comentarios MEMO,
+  CONSTRAINT PK_Proveedores_Comentarios PRIMARY KEY (Codigo, Id)
+);
+CREATE INDEX IX_Proveedores_Comentarios_Id ON Proveedores_Comentarios (Id);
+
+-- Running account of a supplier: each entry stores the balance after it. Amounts are fixed-point,
+-- so that adding a movement and taking it off again gives the same balance.
+CREATE TABLE Proveedores_Apuntes_Contables (
+  Id LONG NOT NULL,
+  Serie TEXT(1),
+  Codigo TEXT(20),
+  Fecha DATETIME,
+  Concepto TEXT(255),
+  Debe_Haber TEXT(1),
+  Debe CURRENCY,
+  Haber CURRENCY,
+  Saldo CURRENCY,
+  Estado SHORT,
+  Documento_E DOUBLE,
+  CONSTRAINT PK_Proveedores_Apuntes_Contables PRIMARY KEY (Id)
+);
+CREATE INDEX IX_Proveedores_Apuntes_Codigo_Fecha ON Proveedores_Apuntes_Contables (Codigo, Fecha);
+CREATE INDEX IX_Proveedores_Apuntes_Documento ON Proveedores_Apuntes_Contables (Documento_E, Estado);

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// Money with four decimals.
+#pragma once
+
+#include <compare>
+#include <cstdint>
+
+namespace tavelor {
+
+/// An amount as a 64-bit count of ten-thousandths: exact to four decimals within about
+/// +-922,337,203,685,477.5807.
+///
+/// Errors: every operation whose result does not fit raises error 6 (overflow); nothing wraps.
+/// Rounding: from a double, and in products, to the nearest ten-thousandth, halves to even.
+class Currency {
+ public:
+  static constexpr std::int64_t kScale = 10'000;
+
+  constexpr Currency() = default;
+  /// The amount of `scaled` ten-thousandths.
+  static constexpr Currency fromScaled(std::int64_t scaled) {
+    Currency c;
+    c.scaled_ = scaled;
+    return c;
+  }
+  /// Rounds halves to even on the decimal digits of `amount`. Raises 6 out of range or not a number.
+  static Currency fromDouble(double amount);
+
+  constexpr std::int64_t scaled() const { return scaled_; }
+  double toDouble() const { return static_cast<double>(scaled_) / static_cast<double>(kScale); }
+
+  Currency operator-() const;
+  friend Currency operator+(Currency a, Currency b);
+  friend Currency operator-(Currency a, Currency b);
+  friend Currency operator*(Currency a, Currency b);
+  friend constexpr auto operator<=>(Currency, Currency) = default;
+
+ private:
+  std::int64_t scaled_ = 0;
+};
+
+}  // namespace tavelor

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+// Text as dates.
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "tavelor/platform/date.hpp"
+
+namespace tavelor {
+
+struct Locale;
+
+/// Reads a date, a time, or both, by the locale's order; where that gives no date the other orders
+/// are tried ("13-1-1970" reads anywhere). Years of two digits: 00 to 29 are 2000s, 30 to 99 1900s.
+std::optional<Date> parseDate(std::string_view text, const Locale& locale);
+
+/// Reads what stands between # and # in a statement: month/day/year whatever the locale (day and
+/// month change places where the month would be above 12), yyyy-mm-dd, a time, or both.
+std::optional<Date> parseSqlDate(std::string_view text);
+
+}  // namespace tavelor

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// The platform's format function.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tavelor {
+
+class Variant;
+struct Locale;
+
+/// Writes a value by a mask or a named format. Names (English whatever the locale, case ignored):
+/// General Number, Currency, Fixed, Standard, Percent, Scientific, Yes/No, True/False, On/Off,
+/// General Date, Long Date, Medium Date, Short Date, Long Time, Medium Time, Short Time.
+///
+/// Number masks: 0 # . , % E+ E- and up to four sections (positive;negative;zero;null); a comma
+/// between digits groups, one before the point or at the end divides by a thousand. Date masks:
+/// d to dddd, m to mmmm, yy yyyy, h hh n nn s ss, q w ww, AM/PM; m right after h means minutes.
+/// Text masks: @ & < > !. Backslash and quotes keep characters as they are.
+///
+/// Rounding: halves away from zero on the decimal digits of the number (15 significant): 1.005 by
+/// "0.00" is 1.01. Null gives "". A text that is no number passes a number mask unchanged.
+/// An empty mask prints plainly.
+std::string format(const Variant& value, std::string_view mask, const Locale& locale);
+
+}  // namespace tavelor

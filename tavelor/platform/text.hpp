@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+// UTF-8 text counted, cut and compared by characters.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace tavelor::text {
+
+/// Characters (code points). Bytes that are no UTF-8 count one each, everywhere in this file.
+std::size_t length(std::string_view text);
+std::string_view left(std::string_view text, std::size_t count);
+std::string_view right(std::string_view text, std::size_t count);
+/// `start` counts from 0.
+std::string_view mid(std::string_view text, std::size_t start, std::size_t count = std::string_view::npos);
+/// Cuts to `width` characters or fills with blanks.
+std::string padRight(std::string_view text, std::size_t width, char fill = ' ');
+std::string padLeft(std::string_view text, std::size_t width, char fill = ' ');
+/// Blanks (U+0020) only; tabs stay.
+std::string_view trim(std::string_view text);
+std::string_view trimLeft(std::string_view text);
+std::string_view trimRight(std::string_view text);
+
+/// All letters, not only ASCII.
+std::string upper(std::string_view text);
+std::string lower(std::string_view text);
+/// The form in which texts that differ in case only are equal; accents stay.
+std::string foldCase(std::string_view text);
+bool equalsIgnoreCase(std::string_view a, std::string_view b);
+/// Negative, 0, positive, by folded code points.
+int compareIgnoreCase(std::string_view a, std::string_view b);
+
+bool isValidUtf8(std::string_view text);
+
+/// The entry of `candidates` closest to `name` by edit distance without regard to case, "" when
+/// none is near. For "did you mean" in messages. `candidates` iterates over string-like values.
+std::size_t editDistance(std::string_view a, std::string_view b);
+template <typename Range>
+std::string nearest(std::string_view name, const Range& candidates) {
+  std::string best;
+  std::size_t bestDistance = length(name) / 2 + 1;
+  for (const auto& candidate : candidates) {
+    const std::size_t distance = editDistance(foldCase(name), foldCase(candidate));
+    if (distance < bestDistance) {
+      bestDistance = distance;
+      best = std::string(candidate);
+    }
+  }
+  return best;
+}
+
+}  // namespace tavelor::text

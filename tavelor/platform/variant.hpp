@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+// A value of any of the platform's types, and its conversions.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "tavelor/platform/currency.hpp"
+#include "tavelor/platform/date.hpp"
+
+namespace tavelor {
+
+struct Locale;
+
+/// What a Variant can hold besides values: connections, record sets, controls.
+class Object {
+ public:
+  virtual ~Object();
+  /// "Connection", "Recordset": for messages.
+  virtual std::string typeName() const = 0;
+
+ protected:
+  Object() = default;
+  Object(const Object&) = default;
+  Object& operator=(const Object&) = default;
+};
+
+using Bytes = std::vector<std::byte>;
+using ObjectPtr = std::shared_ptr<Object>;
+
+/// Never assigned. Reads as "" in text and 0 in a number.
+struct Empty {
+  friend constexpr bool operator==(Empty, Empty) = default;
+};
+/// No value in a database column. Reading it as anything raises 94, invalid use of Null.
+struct Null {
+  friend constexpr bool operator==(Null, Null) = default;
+};
+
+enum class VariantType : std::uint8_t {
+  kEmpty,
+  kNull,
+  kBoolean,
+  kInt16,
+  kInt32,
+  kSingle,
+  kDouble,
+  kCurrency,
+  kDate,
+  kText,
+  kBytes,
+  kObject
+};
+
+/// "Empty", "Null", "Boolean", "Integer", "Long", "Single", "Double", "Currency", "Date", "String",
+/// "Byte()", "Object".
+std::string_view typeName(VariantType type);
+
+/// One value. Text is UTF-8.
+///
+/// Conversions follow the classic rules: text is read by the locale ("1.234,5" in Spanish is
+/// 1234.5), numbers become whole by rounding halves to even, True is -1.
+/// Errors: 94 for Null, 13 for a text that does not read as the asked type or for an object,
+/// 6 when the value does not fit.
+class Variant {
+ public:
+  Variant() = default;
+  Variant(Empty) {}
+  Variant(Null n) : value_(n) {}
+  Variant(bool v) : value_(v) {}
+  Variant(std::int16_t v) : value_(v) {}
+  Variant(std::int32_t v) : value_(v) {}
+  /// Becomes a 32-bit integer where it fits, else a double.
+  Variant(std::int64_t v);
+  Variant(float v) : value_(v) {}
+  Variant(double v) : value_(v) {}
+  Variant(Currency v) : value_(v) {}
+  Variant(Date v) : value_(v) {}
+  Variant(std::string v) : value_(std::move(v)) {}
+  Variant(std::string_view v) : value_(std::string(v)) {}
+  Variant(const char* v) : value_(std::string(v)) {}
+  Variant(Bytes v) : value_(std::move(v)) {}
+  Variant(ObjectPtr v) : value_(std::move(v)) {}
+
+  VariantType type() const { return static_cast<VariantType>(value_.index()); }
+  bool isEmpty() const { return type() == VariantType::kEmpty; }
+  bool isNull() const { return type() == VariantType::kNull; }
+  bool isText() const { return type() == VariantType::kText; }
+  /// Boolean, integers, single, double, currency.
+  bool isNumber() const;
+
+  /// The held value itself, without conversion; null when another type is held.
+  template <typename T>
+  const T* getIf() const {
+    return std::get_if<T>(&value_);
+  }
+
+  bool toBoolean(const Locale& locale) const;
+  std::int16_t toInt16(const Locale& locale) const;
+  std::int32_t toInt32(const Locale& locale) const;
+  double toDouble(const Locale& locale) const;
+  Currency toCurrency(const Locale& locale) const;
+  Date toDate(const Locale& locale) const;
+  /// A double prints with at most 15 significant digits and the locale's decimal sign; a date as
+  /// short date, plus the time when there is one; True as the locale's word.
+  std::string toText(const Locale& locale) const;
+
+  /// Same type and same value. No conversion: Variant(1) and Variant("1") differ.
+  friend bool operator==(const Variant&, const Variant&) = default;
+
+ private:
+  std::variant<Empty, Null, bool, std::int16_t, std::int32_t, float, double, Currency, Date,
+               std::string, Bytes, ObjectPtr>
+      value_;
+};
+
+/// The platform's test: a number, a boolean, Empty, or a text that reads as a number by the locale
+/// (" 37 ", "-37,5e2", "&H37", "12 €"). False for Null, "", dates and other text.
+bool isNumeric(const Variant& value, const Locale& locale);
+/// A date, or a text that reads as one by the locale. False for Null and numbers.
+bool isDate(const Variant& value, const Locale& locale);
+
+}  // namespace tavelor

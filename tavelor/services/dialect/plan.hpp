@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+// What a statement of the dialect becomes: text for an engine, its placeholders, its result columns.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tavelor/services/engine/catalogue.hpp"
+
+namespace tavelor::dialect {
+
+using engine::ColumnType;
+
+enum class StatementKind : std::uint8_t { kSelect, kInsert, kUpdate, kDelete, kDdl };
+
+/// How the text of a lifted literal becomes the value of a placeholder.
+enum class Conversion : std::uint8_t {
+  kText,            ///< as it stands
+  kNumber,          ///< a bare number: whole if written without point and exponent and it fits, else double
+  kCurrency,        ///< a number for a money column, rounded to four decimals
+  kDate,            ///< the text between # and #
+  kNumberByLocale,  ///< a quoted text that met a numeric column: '1,5' is 1.5 in Spanish
+  kDateByLocale,    ///< a quoted text that met a date column
+  kBoolean          ///< a number or quoted number for a flag: any non-zero is -1
+};
+
+/// One placeholder of a step, in the order of the engine's text.
+struct Parameter {
+  std::int32_t literal = 0;  ///< index of the lifted literal (or of the caller's own parameter)
+  Conversion conversion = Conversion::kText;
+  ColumnType columnType = ColumnType::kText;  ///< of the column that it goes into, for range checks
+  std::int32_t maxLength = 0;  ///< characters, for a text that goes into a sized column; 0: no limit
+  std::string column;          ///< that column's name, for messages
+};
+
+/// One statement of the engine. All steps of a plan run in one transaction.
+struct Step {
+  std::string sql;
+  std::vector<Parameter> parameters;
+};
+
+struct OutputColumn {
+  std::string name;
+  ColumnType type = ColumnType::kText;
+  std::int32_t definedSize = 0;  ///< characters of text; bytes of the others
+  bool nullable = true;
+  bool autoNumber = false;
+  bool key = false;        ///< part of the base table's primary key
+  bool hidden = false;     ///< added for finding the row again; comes after all others
+  std::string baseTable;   ///< "" for an expression
+  std::string baseColumn;
+};
+
+struct Plan {
+  StatementKind kind = StatementKind::kSelect;
+  std::vector<Step> steps;
+  std::vector<OutputColumn> columns;  ///< of a SELECT
+  /// The table that a record set over this SELECT writes to, or "" when it cannot be written: more
+  /// than one table, DISTINCT, grouping, union, or a table without a key.
+  std::string updateTable;
+};
+
+}  // namespace tavelor::dialect

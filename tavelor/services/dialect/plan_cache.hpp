@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+// Prepared plans by the shape of a statement.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+
+#include "tavelor/services/dialect/plan.hpp"
+
+namespace tavelor {
+class Statement;
+struct Locale;
+}  // namespace tavelor
+
+namespace tavelor::engine {
+class RowStore;
+class Session;
+struct Value;
+}  // namespace tavelor::engine
+
+namespace tavelor::dialect {
+
+class Writer;
+
+/// Runs statements of one session at the speed of prepared ones. The key of a plan is the statement
+/// with its literals lifted out; rows and settings are never cached.
+///
+/// Two roads lead to a plan. A Statement knows which bytes are values: its own text between them is
+/// the key, and each value is checked against the literal that it stands in (no lexer runs). A text
+/// without ranges, or a value that fails that check, goes through the lexer.
+class PlanCache {
+ public:
+  PlanCache(engine::Session& session, std::shared_ptr<const engine::Catalogue> catalogue,
+            std::shared_ptr<const Locale> locale, const Writer& writer);
+  ~PlanCache();
+
+  /// Runs a statement that gives no rows; the number of rows written by its last step. Several
+  /// steps run in one transaction: after an error nothing of the statement is left.
+  std::int64_t run(const Statement& statement);
+
+  /// The plan of a SELECT. The reference is good until the next call of the cache.
+  const Plan& plan(const Statement& statement);
+  /// Runs a SELECT and appends its rows, hidden columns included, to `rows`, which must have the
+  /// column types of plan().
+  void fetch(const Statement& statement, engine::RowStore& rows);
+
+  /// Runs a text with `?` placeholders that the library itself composed (a record set's batch).
+  /// RETURNING gives its rows to `returned` when that is not null.
+  std::int64_t run(std::string_view withPlaceholders, std::span<const engine::Value> values,
+                   engine::RowStore* returned = nullptr);
+
+  /// After a change of schema: forgets every plan and binds on `catalogue` from now on.
+  void reset(std::shared_ptr<const engine::Catalogue> catalogue);
+
+  struct Counters {
+    std::uint64_t translated = 0;  ///< statements that had to be translated
+    std::uint64_t shapeHits = 0;   ///< served by the ranges of a Statement
+    std::uint64_t lexedHits = 0;   ///< served after lexing
+  };
+  Counters counters() const;
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace tavelor::dialect

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+// What tables a database has: the types that the dialect, the engines and the record set share.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace tavelor::engine {
+
+/// A column's type, by the numbers that a record set's Field.Type answers.
+enum class ColumnType : std::uint8_t {
+  kInt16 = 2,
+  kInt32 = 3,
+  kSingle = 4,
+  kDouble = 5,
+  kCurrency = 6,
+  kDate = 7,
+  kBoolean = 11,
+  kByte = 17,
+  kText = 202,   ///< up to `size` characters
+  kMemo = 203,   ///< text without a limit
+  kBinary = 205  ///< bytes without a limit
+};
+
+constexpr bool isText(ColumnType t) { return t == ColumnType::kText || t == ColumnType::kMemo; }
+constexpr bool isWhole(ColumnType t) {
+  return t == ColumnType::kInt16 || t == ColumnType::kInt32 || t == ColumnType::kByte;
+}
+constexpr bool isNumeric(ColumnType t) {
+  return isWhole(t) || t == ColumnType::kSingle || t == ColumnType::kDouble ||
+         t == ColumnType::kCurrency;
+}
+/// The word of the dialect's DDL: "TEXT", "MEMO", "LONG"...
+std::string_view ddlWord(ColumnType type);
+
+struct Column {
+  std::string name;
+  ColumnType type = ColumnType::kText;
+  std::int32_t size = 0;  ///< characters, of kText only
+  bool nullable = true;
+  bool autoNumber = false;
+  std::string defaultText;  ///< the DEFAULT literal as written, or ""
+};
+
+struct Table {
+  std::string name;
+  std::vector<Column> columns;
+  std::vector<std::size_t> key;  ///< positions of the primary key's columns, in key order
+
+  /// Position of a column without regard to case, or -1.
+  int find(std::string_view column) const;
+};
+
+/// The tables of one database. Never changes once made, so threads may share it.
+class Catalogue {
+ public:
+  Catalogue() = default;
+  explicit Catalogue(std::vector<Table> tables);
+
+  /// Without regard to case; null when there is none.
+  const Table* find(std::string_view table) const;
+  const std::vector<Table>& tables() const { return tables_; }
+
+ private:
+  std::vector<Table> tables_;
+  std::unordered_map<std::string, std::size_t> byFoldedName_;
+};
+
+}  // namespace tavelor::engine

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+// Rows in memory, packed: eight bytes a cell.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tavelor/services/engine/catalogue.hpp"
+
+namespace tavelor::engine {
+
+/// The rows of one result. A row is a run of 64-bit words: first the null bits of its cells, then a
+/// word a cell. Numbers and dates lie in the word; a text of up to seven bytes too, a longer one in
+/// an arena. Rows never move, so a view of a text stays good until that cell is written again.
+///
+/// Cells by column type: whole numbers and booleans (-1, 0) as 64-bit integer, currency as
+/// ten-thousandths, single, double and date as double, text, memo and binary as bytes.
+class RowStore {
+ public:
+  using Word = std::uint64_t;
+
+  explicit RowStore(std::vector<ColumnType> columns)
+      : columns_(std::move(columns)),
+        nullWords_((columns_.size() + 63) / 64),
+        stride_(nullWords_ + columns_.size()) {}
+
+  std::size_t rows() const { return rows_; }
+  std::size_t columns() const { return columns_.size(); }
+  ColumnType type(std::size_t column) const { return columns_[column]; }
+
+  /// Appends a row of nulls and gives its number.
+  std::size_t append();
+
+  bool isNull(std::size_t row, std::size_t column) const {
+    return (word(row, column / 64) >> (column % 64) & 1U) != 0;
+  }
+  std::int64_t integer(std::size_t row, std::size_t column) const {
+    return std::bit_cast<std::int64_t>(word(row, nullWords_ + column));
+  }
+  double real(std::size_t row, std::size_t column) const {
+    return std::bit_cast<double>(word(row, nullWords_ + column));
+  }
+  std::string_view text(std::size_t row, std::size_t column) const {
+    return textOf(word(row, nullWords_ + column));
+  }
+
+  void setNull(std::size_t row, std::size_t column) {
+    word(row, column / 64) |= Word{1} << (column % 64);
+  }
+  void setInteger(std::size_t row, std::size_t column, std::int64_t value) {
+    setCell(row, column, std::bit_cast<Word>(value));
+  }
+  void setReal(std::size_t row, std::size_t column, double value) {
+    setCell(row, column, std::bit_cast<Word>(value));
+  }
+  void setText(std::size_t row, std::size_t column, std::string_view value) {
+    setCell(row, column, packText(value));
+  }
+
+  /// Bytes held, arena and unused room included.
+  std::size_t memory() const;
+
+ private:
+  static constexpr std::size_t kInline = 7;
+  static constexpr Word kInlineMark = Word{0x80} << 56;
+  static constexpr std::size_t kFirstChunkRows = 16;
+  static constexpr std::size_t kChunkRows = 1024;
+
+  static_assert(std::endian::native == std::endian::little);
+
+  // Rows lie in chunks: the first one small, as most results are, the others of kChunkRows.
+  const Word& word(std::size_t row, std::size_t index) const {
+    return row < kFirstChunkRows
+               ? chunks_[0][row * stride_ + index]
+               : chunks_[1 + (row - kFirstChunkRows) / kChunkRows]
+                        [(row - kFirstChunkRows) % kChunkRows * stride_ + index];
+  }
+  Word& word(std::size_t row, std::size_t index) {
+    return const_cast<Word&>(std::as_const(*this).word(row, index));
+  }
+  void setCell(std::size_t row, std::size_t column, Word value) {
+    word(row, nullWords_ + column) = value;
+    word(row, column / 64) &= ~(Word{1} << (column % 64));
+  }
+
+  // A text word holds either up to seven bytes with their count below the mark in the top byte, or
+  // the address of a 32-bit length followed by the bytes.
+  static std::string_view textOf(const Word& cell) {
+    if ((cell & kInlineMark) != 0) {
+      return {reinterpret_cast<const char*>(&cell), static_cast<std::size_t>(cell >> 56 & 0x7)};
+    }
+    const char* place = std::bit_cast<const char*>(cell);
+    std::uint32_t length = 0;
+    std::memcpy(&length, place, sizeof length);
+    return {place + sizeof length, length};
+  }
+  Word packText(std::string_view value) {
+    if (value.size() <= kInline) {
+      Word cell = kInlineMark | static_cast<Word>(value.size()) << 56;
+      std::memcpy(&cell, value.data(), value.size());
+      return cell;
+    }
+    return std::bit_cast<Word>(store(value));
+  }
+  const char* store(std::string_view value);
+
+  std::vector<ColumnType> columns_;
+  std::size_t nullWords_;
+  std::size_t stride_;
+  std::size_t rows_ = 0;
+  std::vector<std::unique_ptr<Word[]>> chunks_;
+  std::vector<std::unique_ptr<char[]>> arena_;
+  char* free_ = nullptr;
+  std::size_t freeBytes_ = 0;
+  std::size_t arenaBytes_ = 0;
+};
+
+}  // namespace tavelor::engine
