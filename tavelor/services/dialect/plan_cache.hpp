@@ -40,8 +40,8 @@ class PlanCache {
   /// steps run in one transaction: after an error nothing of the statement is left.
   std::int64_t run(const Statement& statement);
 
-  /// The plan of a SELECT. The reference is good until the next call of the cache.
-  const Plan& plan(const Statement& statement);
+  /// The plan of a SELECT; record sets keep it for their fields.
+  std::shared_ptr<const Plan> plan(const Statement& statement);
   /// Runs a SELECT and appends its rows, hidden columns included, to `rows`, which must have the
   /// column types of plan().
   void fetch(const Statement& statement, engine::RowStore& rows);
