@@ -4,7 +4,7 @@
 -- Delivery notes, by customer.
 CREATE TABLE Albaranes (
   Numero DOUBLE NOT NULL,
-  Serie TEXT(1),
+  Serie TEXT(5),
   Fecha DATETIME,
   Codigo TEXT(20),
   Total CURRENCY DEFAULT 0,
@@ -15,7 +15,7 @@ CREATE INDEX IX_Albaranes_Codigo_Fecha ON Albaranes (Codigo, Fecha);
 -- Invoices, by customer. The rectifying series R counts with A in the annual declaration.
 CREATE TABLE Facturas (
   Numero DOUBLE NOT NULL,
-  Serie TEXT(1),
+  Serie TEXT(5),
   Fecha DATETIME,
   Codigo TEXT(20),
   Total CURRENCY DEFAULT 0,
