@@ -5,6 +5,16 @@
 # (SHALLOW: of the folder itself only). Every floor may use those that were declared before it.
 # tavelor_library() joins all floors into the one library that users link: Tavelor::tavelor.
 
+# One precompiled header for all floors and one for all tests: compiled once, owned by no floor.
+function(tavelor_precompiled name)
+  file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/precompiled/${name}.cpp CONTENT "")
+  add_library(${name} OBJECT ${PROJECT_BINARY_DIR}/precompiled/${name}.cpp)
+  target_precompile_headers(${name} PRIVATE ${ARGN})
+endfunction()
+tavelor_precompiled(tavelor_pch
+  <algorithm> <functional> <memory> <string> <string_view> <unordered_map> <vector>)
+target_link_libraries(tavelor_pch PRIVATE tavelor_options)
+
 set_property(GLOBAL PROPERTY TAVELOR_FLOORS "")
 set_property(GLOBAL PROPERTY TAVELOR_LINKS "")
 
@@ -25,7 +35,7 @@ function(tavelor_floor name)
   add_library(tavelor_${name} OBJECT ${sources})
   target_include_directories(tavelor_${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
   target_link_libraries(tavelor_${name} PRIVATE $<BUILD_INTERFACE:tavelor_options> ${floor_LINK})
-  target_precompile_headers(tavelor_${name} PRIVATE <memory> <string> <string_view> <vector> <algorithm> <unordered_map> <functional>)
+  target_precompile_headers(tavelor_${name} REUSE_FROM tavelor_pch)
   set_property(GLOBAL APPEND PROPERTY TAVELOR_FLOORS ${name})
   set_property(GLOBAL APPEND PROPERTY TAVELOR_LINKS ${floor_LINK})
 endfunction()
@@ -70,6 +80,16 @@ function(tavelor_test floor)
   target_compile_definitions(${floor}_tests PRIVATE TAVELOR_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   target_link_libraries(${floor}_tests PRIVATE
     tavelor_options GTest::gtest GTest::gtest_main GTest::gmock ${links} Threads::Threads ${test_LINK})
-  target_precompile_headers(${floor}_tests PRIVATE <gtest/gtest.h> <gmock/gmock.h> <memory> <string> <vector>)
-  gtest_discover_tests(${floor}_tests TEST_PREFIX "${floor}." DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+  if(NOT TARGET tavelor_test_pch)
+    tavelor_precompiled(tavelor_test_pch <gmock/gmock.h> <gtest/gtest.h> <memory> <string> <vector>)
+    target_link_libraries(tavelor_test_pch PRIVATE tavelor_options GTest::gtest GTest::gmock)
+    set_target_properties(tavelor_test_pch PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+  endif()
+  set_target_properties(${floor}_tests PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+  target_precompile_headers(${floor}_tests REUSE_FROM tavelor_test_pch)
+  # Suites that run several threads say so in their names; the thread sanitizer runs these only.
+  gtest_discover_tests(${floor}_tests TEST_PREFIX "${floor}." TEST_FILTER "-*Thread*"
+    TEST_LIST ${floor}_tests_plain DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+  gtest_discover_tests(${floor}_tests TEST_PREFIX "${floor}." TEST_FILTER "*Thread*"
+    TEST_LIST ${floor}_tests_threads DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300 LABELS threads)
 endfunction()

@@ -18,7 +18,12 @@ endif()
 
 find_program(TAVELOR_CCACHE ccache)
 if(TAVELOR_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${TAVELOR_CCACHE})
-  # Precompiled headers are cached only when time macros and their dates are left out of the key.
-  set(ENV{CCACHE_SLOPPINESS} "pch_defines,time_macros,include_file_mtime,include_file_ctime")
+  # Sources that use a precompiled header are cached only when its date is left out of the key.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+    CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime ${TAVELOR_CCACHE})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    add_compile_options("SHELL:-Xclang -fno-pch-timestamp")
+  else()
+    add_compile_options(-fpch-preprocess)
+  endif()
 endif()
