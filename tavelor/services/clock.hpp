@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+// The time of day, which a test may fix.
+#pragma once
+
+#include <optional>
+
+#include "tavelor/platform/date.hpp"
+
+namespace tavelor {
+
+/// Local time of this computer, to the second.
+class Clock {
+ public:
+  Date now() const;
+  /// now() without its time.
+  Date today() const { return now().dayOnly(); }
+
+  /// From here on it is always `moment`.
+  void fix(Date moment) { fixed_ = moment; }
+  void release() { fixed_.reset(); }
+
+ private:
+  std::optional<Date> fixed_;
+};
+
+}  // namespace tavelor

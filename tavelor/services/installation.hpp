@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+// An installation of the system: one folder with its settings, databases and registry.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavelor {
+
+struct Locale;
+namespace engine {
+class Catalogue;
+class Engine;
+class Session;
+}  // namespace engine
+
+/// Who the component is and where it lives. The registry root is made of it.
+struct VersionRecord {
+  std::filesystem::path folder;
+  std::string company;
+  std::string product;
+  int major = 1;
+  int minor = 0;
+  /// "SOFTWARE\Merivan\Tavelor\1.0", without a backslash at its end.
+  std::string registryRoot() const;
+  /// "SOFTWARE\Merivan\Global\Configuracion\Sesion\": the session tree lies outside the version.
+  std::string sessionRoot() const;
+};
+
+/// One database of the installation.
+struct DatabaseSettings {
+  int selector = 0;
+  std::string label;  ///< "main", "documents"...
+  std::string engine = "sqlite";
+  std::string file;             ///< relative to the installation folder, or absolute
+  bool servesAsServer = false;  ///< the classes then take it for a server's database
+};
+
+/// What the settings file holds. The defaults are those of a new installation.
+struct Settings {
+  std::string company = "Merivan";
+  std::string product = "Tavelor";
+  std::string locale = "es-ES";
+  std::string amountFormat = "#,##0.00";
+  std::string quantityFormat = "#,##0.00";
+  int currencyDecimals = 2;
+
+  std::vector<DatabaseSettings> databases = {{1, "main", "sqlite", "main.db", false},
+                                             {3, "documents", "sqlite", "documents.db", false},
+                                             {4, "historic", "sqlite", "historic.db", false},
+                                             {5, "import", "sqlite", "import.db", false},
+                                             {0, "further", "sqlite", "further.db", false}};
+  std::string registryFile = "registry.db";
+  bool synchronous = true;   ///< false: a power cut may lose the last transactions, never a file
+  int busyTimeoutMs = 5000;  ///< how long a write waits for another writer
+
+  std::string exportFolder =
+      "export";  ///< folders are relative to the installation folder, or absolute
+  std::string documentFolder = "doc";
+  std::string textFolder = "txt";
+  std::string emailTextFolder = "email";
+
+  bool trace = false;     ///< statements are kept from the start of an apartment on
+  std::string traceFile;  ///< and appended to this file; "" for none
+};
+
+/// One folder with a settings file (tavelor.xml), its databases and its registry. Never changes
+/// once open, so the apartments of several threads may share it.
+class Installation {
+ public:
+  static constexpr std::string_view kSettingsFile = "tavelor.xml";
+  /// Folder of reports and pages, always directly below the installation folder.
+  static constexpr std::string_view kReportFolder = "rpt";
+
+  /// Makes a working installation in `folder`, schema included, and opens it. The folder is made
+  /// when it is missing; one that holds an installation already is refused with 75 and left alone.
+  /// The settings file comes last: what is left after a failure is no installation, and create()
+  /// may be run again over it.
+  static std::shared_ptr<Installation> create(const std::filesystem::path& folder,
+                                              const Settings& settings = {});
+  /// Opens one. Databases of an older schema are brought up to date, each in one transaction; one
+  /// of a newer schema is refused and left alone. Errors say which file and, for a settings file
+  /// that does not read, line and column: 53 for a missing one, 75 for one that cannot be read,
+  /// 5 for a wrong value. Nothing is changed by a failure.
+  static std::shared_ptr<Installation> open(const std::filesystem::path& folder);
+
+  ~Installation();
+  Installation(const Installation&) = delete;
+  Installation& operator=(const Installation&) = delete;
+
+  const VersionRecord& version() const { return version_; }
+  const Settings& settings() const { return settings_; }
+  const std::shared_ptr<const Locale>& locale() const { return locale_; }
+  const std::filesystem::path& folder() const { return version_.folder; }
+
+  /// Raises 9 for a selector that the settings do not name.
+  const DatabaseSettings& database(int selector) const;
+  /// Full path of a file-based database.
+  std::filesystem::path databaseFile(int selector) const;
+  const engine::Engine& databaseEngine(int selector) const;
+  std::filesystem::path registryFile() const;
+
+  std::filesystem::path reportFolder() const;
+  std::filesystem::path exportFolder() const;
+  std::filesystem::path documentFolder() const;
+  std::filesystem::path textFolder() const;
+  std::filesystem::path emailTextFolder() const;
+
+  /// Writes changed settings in the place of the old ones: after a crash there is one or the other,
+  /// whole. Those who have the installation open go on with the old ones.
+  static void saveSettings(const std::filesystem::path& folder, const Settings& settings);
+
+  /// The tables of a database, shared by all threads.
+  std::shared_ptr<const engine::Catalogue> catalogue(int selector) const;
+  /// Adds tables and indexes of the application's own to a database, in one transaction: any number
+  /// of CREATE TABLE and CREATE INDEX of the dialect. Connections taken from then on see them.
+  void addToSchema(int selector, std::string_view ddl);
+
+ private:
+  struct Database;
+  Installation(VersionRecord version, Settings settings, std::shared_ptr<const Locale> locale);
+  static std::shared_ptr<Installation> assemble(const std::filesystem::path& folder,
+                                                Settings settings);
+  const Database& entry(int selector) const;
+  void openDatabases(bool create);
+
+  VersionRecord version_;
+  Settings settings_;
+  std::shared_ptr<const Locale> locale_;
+  std::vector<std::unique_ptr<Database>> databases_;
+};
+
+}  // namespace tavelor

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+// A tree of keys with named text values, kept in a file of the installation.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavelor {
+
+/// The registry of an installation: keys such as "SOFTWARE\Merivan\Tavelor\1.0\Seguridad\", and
+/// under each key values by name. One object is one connection, used by one thread; all objects
+/// over one file see at once what any of them, in any process, has written.
+///
+/// Paths: names joined by backslashes; one at the end, and doubled or leading ones, do not matter.
+/// Keys and names do not care about case (all letters, not only ASCII) and keep the writing of
+/// their first use. The empty name is the value of the key itself. Values are kept byte by byte.
+///
+/// A write is there or not there after a crash of the program, never in part. With the setting
+/// "synchronous" off a power cut may lose the last writes.
+///
+/// Errors: those of the engine for a file that is missing, damaged, locked for too long or on a
+/// full disk; 5 for an empty path.
+class RegistryTree {
+ public:
+  struct Options {
+    bool create = false;  ///< make the file when it is not there; else that is an error
+    bool synchronous = true;
+    int busyTimeoutMs = 5000;
+  };
+  explicit RegistryTree(const std::filesystem::path& file, Options options);
+  explicit RegistryTree(const std::filesystem::path& file) : RegistryTree(file, Options{}) {}
+  ~RegistryTree();
+  RegistryTree(const RegistryTree&) = delete;
+  RegistryTree& operator=(const RegistryTree&) = delete;
+
+  std::optional<std::string> get(std::string_view key, std::string_view name);
+  bool has(std::string_view key, std::string_view name);
+  /// Makes the key where it is missing. A value that is there already is not written again.
+  void set(std::string_view key, std::string_view name, std::string_view value);
+  /// True if there was such a value.
+  bool remove(std::string_view key, std::string_view name);
+  /// Removes a key with all below it; true if there was such a key.
+  bool removeKey(std::string_view key);
+
+  /// Names of the keys directly below `key` ("" is the root), in the order of their folded names.
+  std::vector<std::string> keys(std::string_view key);
+  struct NamedValue {
+    std::string name;
+    std::string value;
+    friend bool operator==(const NamedValue&, const NamedValue&) = default;
+  };
+  std::vector<NamedValue> values(std::string_view key);
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace tavelor
