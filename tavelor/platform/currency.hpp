@@ -23,7 +23,8 @@ class Currency {
     c.scaled_ = scaled;
     return c;
   }
-  /// Rounds halves to even on the decimal digits of `amount`. Raises 6 out of range or not a number.
+  /// Rounds halves to even on the decimal digits of `amount`. Raises 6 out of range or not a
+  /// number.
   static Currency fromDouble(double amount);
 
   constexpr std::int64_t scaled() const { return scaled_; }

@@ -16,9 +16,9 @@ class InOut {
   InOut() : target_(&own_) {}
   InOut(T& variable) : target_(&variable) {}
   template <typename U>
-    requires(std::is_convertible_v<U &&, T> && !std::is_same_v<std::remove_cvref_t<U>, InOut> &&
-             !std::is_same_v<U, T&>)
-  InOut(U&& value) : own_(std::forward<U>(value)), target_(&own_) {}
+  requires(std::is_convertible_v<U&&, T> && !std::is_same_v<std::remove_cvref_t<U>, InOut> &&
+           !std::is_same_v<U, T&>) InOut(U&& value)
+      : own_(std::forward<U>(value)), target_(&own_) {}
 
   InOut(const InOut& other) : own_(other.own_), target_(other.isOwn() ? &own_ : other.target_) {}
   InOut& operator=(const InOut&) = delete;

@@ -56,6 +56,8 @@ class Statement {
 };
 
 /// Marks a text as a value from outside.
-inline Statement::Value value(std::string_view text) { return {text}; }
+inline Statement::Value value(std::string_view text) {
+  return {text};
+}
 
 }  // namespace tavelor

@@ -13,7 +13,8 @@ std::size_t length(std::string_view text);
 std::string_view left(std::string_view text, std::size_t count);
 std::string_view right(std::string_view text, std::size_t count);
 /// `start` counts from 0.
-std::string_view mid(std::string_view text, std::size_t start, std::size_t count = std::string_view::npos);
+std::string_view mid(std::string_view text, std::size_t start,
+                     std::size_t count = std::string_view::npos);
 /// Cuts to `width` characters or fills with blanks.
 std::string padRight(std::string_view text, std::size_t width, char fill = ' ');
 std::string padLeft(std::string_view text, std::size_t width, char fill = ' ');

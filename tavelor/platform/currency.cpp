@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+// Money with four decimals.
+#include "tavelor/platform/currency.hpp"
+
+#include <cmath>
+#include <limits>
+
+#include "tavelor/platform/decimal_digits.hpp"
+#include "tavelor/platform/error.hpp"
+
+namespace tavelor {
+
+namespace {
+
+__extension__ using Wide = __int128;
+
+[[noreturn]] void raiseOverflow() {
+  raise(errors::kOverflow, "Currency");
+}
+
+constexpr int kDecimals = 4;
+
+/// Below this, 15 significant digits hold a fifth decimal, so halves are seen as people see them.
+constexpr double kFifthDecimalSeen = 1e10;
+
+}  // namespace
+
+Currency Currency::fromDouble(double amount) {
+  if (!std::isfinite(amount)) raiseOverflow();
+  const auto scaled = scaledBy(
+      std::fabs(amount) < kFifthDecimalSeen ? digitsOf(amount) : allDigitsOf(amount), kDecimals);
+  if (!scaled) raiseOverflow();
+  return fromScaled(*scaled);
+}
+
+Currency Currency::operator-() const {
+  if (scaled_ == std::numeric_limits<std::int64_t>::min()) raiseOverflow();
+  return fromScaled(-scaled_);
+}
+
+Currency operator+(Currency a, Currency b) {
+  std::int64_t sum = 0;
+  if (__builtin_add_overflow(a.scaled_, b.scaled_, &sum)) raiseOverflow();
+  return Currency::fromScaled(sum);
+}
+
+Currency operator-(Currency a, Currency b) {
+  std::int64_t difference = 0;
+  if (__builtin_sub_overflow(a.scaled_, b.scaled_, &difference)) raiseOverflow();
+  return Currency::fromScaled(difference);
+}
+
+Currency operator*(Currency a, Currency b) {
+  const Wide product = static_cast<Wide>(a.scaled_) * b.scaled_;
+  Wide quotient = product / Currency::kScale;
+  const Wide rest = product % Currency::kScale;
+  const Wide twice = (rest < 0 ? -rest : rest) * 2;
+  if (twice > Currency::kScale || (twice == Currency::kScale && quotient % 2 != 0)) {
+    quotient += product < 0 ? -1 : 1;
+  }
+  if (quotient > std::numeric_limits<std::int64_t>::max() ||
+      quotient < std::numeric_limits<std::int64_t>::min()) {
+    raiseOverflow();
+  }
+  return Currency::fromScaled(static_cast<std::int64_t>(quotient));
+}
+
+}  // namespace tavelor
