@@ -2,7 +2,7 @@
 # tavelor_floor(NAME FOLDER... [SHALLOW] [LINK target...])
 #
 # One floor of the house as an object library tavelor_NAME, made of all sources below FOLDER
-# (SHALLOW: of the folder itself only). Every floor may use those that were declared before it.
+# (SHALLOW: of the folder itself only; a single .cpp may be named too). Every floor may use those that were declared before it.
 # tavelor_library() joins all floors into the one library that users link: Tavelor::tavelor.
 
 # One precompiled header for all floors and one for all tests: compiled once, owned by no floor.
@@ -22,7 +22,9 @@ function(tavelor_floor name)
   cmake_parse_arguments(PARSE_ARGV 1 floor "SHALLOW" "" "LINK")
   set(sources "")
   foreach(folder IN LISTS floor_UNPARSED_ARGUMENTS)
-    if(floor_SHALLOW)
+    if(folder MATCHES "\\.cpp$")
+      set(found ${folder})
+    elseif(floor_SHALLOW)
       file(GLOB found CONFIGURE_DEPENDS ${folder}/*.cpp)
     else()
       file(GLOB_RECURSE found CONFIGURE_DEPENDS ${folder}/*.cpp)

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+// What makes one record class differ from another, as data.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace tavelor {
+
+/// Databases of an installation, as services and classes name them.
+namespace selector {
+inline constexpr int kFurther = 0;
+inline constexpr int kMain = 1;
+inline constexpr int kDocuments = 3;
+inline constexpr int kHistoric = 4;
+inline constexpr int kImport = 5;
+}  // namespace selector
+
+/// The word of the mode that stands for all words without a mode of their own.
+inline constexpr std::string_view kAnyOtherWord = {};
+
+/// A word that IniciaRs understands, and its statement: `select` followed by `tail`. Where they say
+/// {id} the argument of that name of IniciaRs stands, as text. Words compare exactly. The last mode
+/// of a class is that of any other word, which then becomes "todos".
+struct Mode {
+  std::string_view word;
+  std::string_view select;
+  std::string_view tail = {};
+};
+
+/// AddNew computes a code; the general form drops one that is longer than the first field allows.
+enum class AddNewForm : std::uint8_t { kGeneral, kShort };
+/// Update writes the current row; or, where there are rows, all that are pending.
+enum class UpdateForm : std::uint8_t { kCurrentRow, kAllRows };
+/// Delete writes at once; or only marks the row and leaves the writing to Update.
+enum class DeleteForm : std::uint8_t { kWrites, kMarks };
+/// FindRecord looks for the whole value of the first field, or for its beginning.
+enum class FindForm : std::uint8_t { kWhole, kPrefix };
+/// NuevoCodigo of a text code gives the old maximum back when the next one would not fit the column.
+enum class CodeForm : std::uint8_t { kFitsColumn, kUnchecked };
+
+/// One record class. Texts must outlive the class objects: they are literals.
+struct ClassInfo {
+  std::string_view word;        ///< class word: registry segment, export file, sClassName
+  std::string_view table;       ///< as its statements write it
+  int selector = selector::kMain;
+  std::string_view codeColumn = "Codigo";  ///< whose maximum NuevoCodigo takes
+  std::span<const Mode> modes;  ///< in the order compared, kAnyOtherWord last
+  /// Statement of CodigoLibre with {id}; empty: by the column Codigo, in quotes.
+  std::string_view freeCode = {};
+  AddNewForm addNew = AddNewForm::kGeneral;
+  UpdateForm update = UpdateForm::kCurrentRow;
+  DeleteForm remove = DeleteForm::kWrites;
+  FindForm find = FindForm::kWhole;
+  CodeForm code = CodeForm::kFitsColumn;
+  bool clearsDataMembers = false;      ///< IniciaRs empties the list of data members first
+  bool raisesMoveComplete = true;
+  bool givesConnectionString = false;  ///< GetConnectionStr of all others answers ""
+};
+
+}  // namespace tavelor

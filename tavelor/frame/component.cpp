@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: MIT
+// Calling members by name, and the frame's own slots.
+#include "tavelor/frame/component.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/error.hpp"
+#include "tavelor/platform/text.hpp"
+#include "tavelor/services/apartment.hpp"
+#include "tavelor/services/recordset/connection.hpp"
+#include "tavelor/services/recordset/recordset.hpp"
+
+namespace tavelor {
+
+namespace {
+
+constexpr std::string_view kSource = "Component";
+
+std::vector<std::string> namesOf(const std::vector<Member>& members) {
+  std::vector<std::string> names;
+  names.reserve(members.size());
+  for (const Member& slot : members) names.push_back(slot.name);
+  return names;
+}
+
+std::string suggestion(std::string_view wanted, const std::vector<std::string>& known) {
+  const std::string near = text::nearest(wanted, known);
+  return near.empty() ? std::string() : fmt::format("; did you mean {}?", near);
+}
+
+std::string_view word(Parameter::Direction direction) {
+  switch (direction) {
+    case Parameter::Direction::kOut:
+      return "out ";
+    case Parameter::Direction::kInOut:
+      return "inout ";
+    case Parameter::Direction::kIn:
+      break;
+  }
+  return "";
+}
+
+// The first five slots and the next three stand in other places in some classes, so a class's table
+// names each of them; the rest is the tail, the same in all.
+const std::vector<Member>& frameHead() {
+  using C = RecordClass;
+  static const std::vector<Member> slots = {
+      member("GetRptPath", &C::GetRptPath, "inout sRptPath"),
+      member("GetConnectionStrToRpt", &C::GetConnectionStrToRpt,
+             "out sDbtype, out sDataSource, out sCatalog, out sUser, out sPasw"),
+      property("sClassName", &C::sClassName),
+      member("GetConnection", &C::GetConnection),
+      member("GetConnectionStr", &C::GetConnectionStr),
+      member("NuevoCodigo", &C::NuevoCodigo, "[objCn]"),
+      member("CodigoLibre", &C::CodigoLibre, "vId, [objCn]"),
+  };
+  return slots;
+}
+
+const std::vector<Member>& frameTail() {
+  using C = RecordClass;
+  static const std::vector<Member> slots = {
+      property("EditingRecord", &C::EditingRecord),
+      property("AbsolutePosition", &C::AbsolutePosition),
+      member("AddNew", &C::AddNew, "[bDefVal]"),
+      member("Delete", &C::Delete),
+      member("MoveToBookmark", &C::MoveToBookmark, "mybookmark"),
+      member("Requery", &C::Requery, "[inout sSelecSql]"),
+      member("Update", &C::Update),
+      member("CnnBeginTrans", &C::CnnBeginTrans),
+      member("CnnCommitTrans", &C::CnnCommitTrans),
+      member("CnnRollbackTrans", &C::CnnRollbackTrans),
+      member("Cancel", &C::Cancel),
+      member("MoveFirst", &C::MoveFirst),
+      member("MoveLast", &C::MoveLast),
+      member("MoveNext", &C::MoveNext),
+      member("MovePrevious", &C::MovePrevious),
+      member("ExistenRegistros", &C::ExistenRegistros),
+      member("FindRecord", &C::FindRecord, "Criteria"),
+      member("SetOrder", &C::SetOrder, "index, Mode, sLlave"),
+      member("GetOrder", &C::GetOrder, "out index, out Mode, sLlave"),
+  };
+  return slots;
+}
+
+template <typename T>
+std::shared_ptr<T> objectIn(const Variant& value, std::string_view wanted) {
+  if (value.isEmpty()) return nullptr;
+  const ObjectPtr* object = value.getIf<ObjectPtr>();
+  if (object == nullptr) detail::raiseWrongObject(wanted);
+  auto typed = std::dynamic_pointer_cast<T>(*object);
+  if (*object != nullptr && typed == nullptr) detail::raiseWrongObject(wanted);
+  return typed;
+}
+
+template <typename T>
+Variant objectOut(std::shared_ptr<T> object) {
+  return object ? Variant(ObjectPtr(std::move(object))) : Variant();
+}
+
+}  // namespace
+
+std::string Member::signature() const {
+  std::string line = name;
+  if (!property || !parameters.empty()) {
+    line += '(';
+    for (const Parameter& p : parameters) {
+      if (line.back() != '(') line += ", ";
+      line += fmt::format(fmt::runtime(p.optional ? "[{}{} As {}]" : "{}{} As {}"),
+                          word(p.direction), p.name, p.type);
+    }
+    line += ')';
+  }
+  if (!result.empty()) line += " As " + result;
+  return line;
+}
+
+Component::Component(std::string_view name, std::string_view classId, std::string_view word,
+                     Make make, std::vector<Member> members)
+    : name_(name), classId_(classId), word_(word), make_(make), members_(std::move(members)) {}
+
+const Member& Component::member(std::string_view name) const {
+  const auto found = std::find_if(members_.begin(), members_.end(), [&](const Member& slot) {
+    return text::equalsIgnoreCase(slot.name, name);
+  });
+  if (found == members_.end()) {
+    raise(errors::kMemberNotFound, kSource,
+          fmt::format("{} has no member {}{}", name_, name, suggestion(name, namesOf(members_))));
+  }
+  return *found;
+}
+
+Variant Component::call(Object& object, std::string_view name,
+                        std::vector<Variant>& arguments) const {
+  const Member& slot = member(name);
+  const auto required = static_cast<std::size_t>(
+      std::count_if(slot.parameters.begin(), slot.parameters.end(), [](const Parameter& p) {
+        return !p.optional && p.direction != Parameter::Direction::kOut;
+      }));
+  if (arguments.size() < required || arguments.size() > slot.parameters.size()) {
+    raise(errors::kWrongNumberOfArguments, kSource,
+          fmt::format("{}.{} was given {} arguments", name_, slot.signature(), arguments.size()));
+  }
+  arguments.resize(slot.parameters.size());
+  return slot.call(object, arguments);
+}
+
+const Member& frameMember(std::string_view name) {
+  for (const std::vector<Member>* slots : {&frameHead(), &frameTail()}) {
+    for (const Member& slot : *slots) {
+      if (slot.name == name) return slot;
+    }
+  }
+  raise(errors::kMemberNotFound, kSource, fmt::format("The frame has no member {}", name));
+}
+
+std::vector<Member> withFrameTail(std::vector<Member> members) {
+  members.insert(members.end(), frameTail().begin(), frameTail().end());
+  return members;
+}
+
+namespace detail {
+
+const Locale& callLocale() { return Apartment::current().locale(); }
+
+void raiseWrongObject(std::string_view wanted) {
+  raise(errors::kTypeMismatch, kSource, fmt::format("A {} is wanted here", wanted));
+}
+
+std::vector<Parameter> parseParameters(std::string_view names, std::vector<std::string> types,
+                                       std::vector<bool> byReference) {
+  std::vector<Parameter> parameters;
+  while (!names.empty()) {
+    const std::size_t comma = std::min(names.find(','), names.size());
+    std::string_view entry = text::trim(names.substr(0, comma));
+    names.remove_prefix(std::min(comma + 1, names.size()));
+    Parameter parameter;
+    if (entry.starts_with('[') && entry.ends_with(']')) {
+      parameter.optional = true;
+      entry = entry.substr(1, entry.size() - 2);
+    }
+    const std::size_t position = parameters.size();
+    if (position < byReference.size() && byReference[position]) {
+      parameter.direction = Parameter::Direction::kInOut;
+    }
+    if (entry.starts_with("out ")) {
+      parameter.direction = Parameter::Direction::kOut;
+      entry.remove_prefix(4);
+    } else if (entry.starts_with("inout ")) {
+      entry.remove_prefix(6);
+    }
+    parameter.name = entry;
+    if (position < types.size()) parameter.type = types[position];
+    parameters.push_back(std::move(parameter));
+  }
+  if (parameters.size() != types.size()) {
+    raise(errors::kWrongNumberOfArguments, kSource,
+          fmt::format("{} parameter names for {} parameters", parameters.size(), types.size()));
+  }
+  return parameters;
+}
+
+std::shared_ptr<Connection> Marshal<std::shared_ptr<Connection>>::in(const Variant& v) {
+  return objectIn<Connection>(v, kName);
+}
+Variant Marshal<std::shared_ptr<Connection>>::out(std::shared_ptr<Connection> v) {
+  return objectOut(std::move(v));
+}
+std::shared_ptr<Recordset> Marshal<std::shared_ptr<Recordset>>::in(const Variant& v) {
+  return objectIn<Recordset>(v, kName);
+}
+Variant Marshal<std::shared_ptr<Recordset>>::out(std::shared_ptr<Recordset> v) {
+  return objectOut(std::move(v));
+}
+
+}  // namespace detail
+
+}  // namespace tavelor

@@ -1,0 +1,233 @@
+// SPDX-License-Identifier: MIT
+// The component table: every member of a class by name, in slot order.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "tavelor/platform/inout.hpp"
+#include "tavelor/platform/variant.hpp"
+
+namespace tavelor {
+
+class Connection;
+class Recordset;
+
+/// One parameter of a member, as the printed interface shows it.
+struct Parameter {
+  enum class Direction : std::uint8_t { kIn, kOut, kInOut };
+
+  std::string name;
+  std::string type;  ///< "String", "Variant", "Boolean", "Integer", "Long", "Double", "Connection"...
+  Direction direction = Direction::kIn;
+  bool optional = false;
+};
+
+/// One slot: a member that can be called with variants.
+struct Member {
+  /// Arguments by reference are written back into `arguments`.
+  using Call = std::function<Variant(Object& object, std::span<Variant> arguments)>;
+
+  std::string name;
+  bool property = false;
+  std::vector<Parameter> parameters;
+  std::string result;  ///< "" for none
+  Call call;
+
+  /// "GetIbanBic(vId As Variant, out sIban As String, out sBic As String, [objCn As Connection])".
+  std::string signature() const;
+};
+
+/// A public class: how it is made and what it offers.
+class Component {
+ public:
+  using Make = std::unique_ptr<Object> (*)();
+
+  /// `classId` in braces: "{6F1C...}".
+  Component(std::string_view name, std::string_view classId, std::string_view word, Make make,
+            std::vector<Member> members);
+
+  const std::string& name() const { return name_; }
+  const std::string& classId() const { return classId_; }
+  const std::string& word() const { return word_; }
+  const std::vector<Member>& members() const { return members_; }
+
+  std::unique_ptr<Object> make() const { return make_(); }
+  /// Without regard to case. Raises 438 with the nearest name when there is none.
+  const Member& member(std::string_view name) const;
+
+  /// Calls a member by name. Missing optional arguments take their defaults; arguments by reference
+  /// are written back, `arguments` growing to hold them. Raises 438 for an unknown member, 450 for a
+  /// wrong number of arguments, 13 for one of the wrong type.
+  Variant call(Object& object, std::string_view member, std::vector<Variant>& arguments) const;
+
+ private:
+  std::string name_;
+  std::string classId_;
+  std::string word_;
+  Make make_;
+  std::vector<Member> members_;
+};
+
+/// A frame member of the component table, by name, for the place where a class has it.
+const Member& frameMember(std::string_view name);
+/// The frame members from EditingRecord on, whose order is the same in all classes.
+std::vector<Member> withFrameTail(std::vector<Member> members);
+
+// ---------------------------------------------------------------------------------------------
+// From a member function to a slot.
+
+namespace detail {
+
+/// How a C++ parameter or result type travels as a Variant.
+template <typename T>
+struct Marshal;
+
+const Locale& callLocale();
+[[noreturn]] void raiseWrongObject(std::string_view wanted);
+std::vector<Parameter> parseParameters(std::string_view names, std::vector<std::string> types,
+                                       std::vector<bool> byReference);
+
+template <>
+struct Marshal<Variant> {
+  static constexpr std::string_view kName = "Variant";
+  static Variant in(const Variant& v) { return v; }
+  static Variant out(Variant v) { return v; }
+};
+template <>
+struct Marshal<std::string> {
+  static constexpr std::string_view kName = "String";
+  static std::string in(const Variant& v) { return v.toText(callLocale()); }
+  static Variant out(std::string v) { return v; }
+};
+template <>
+struct Marshal<std::string_view> : Marshal<std::string> {};
+template <>
+struct Marshal<bool> {
+  static constexpr std::string_view kName = "Boolean";
+  static bool in(const Variant& v) { return v.toBoolean(callLocale()); }
+  static Variant out(bool v) { return v; }
+};
+template <>
+struct Marshal<std::int16_t> {
+  static constexpr std::string_view kName = "Integer";
+  static std::int16_t in(const Variant& v) { return v.toInt16(callLocale()); }
+  static Variant out(std::int16_t v) { return v; }
+};
+template <>
+struct Marshal<std::int32_t> {
+  static constexpr std::string_view kName = "Long";
+  static std::int32_t in(const Variant& v) { return v.toInt32(callLocale()); }
+  static Variant out(std::int32_t v) { return v; }
+};
+template <>
+struct Marshal<double> {
+  static constexpr std::string_view kName = "Double";
+  static double in(const Variant& v) { return v.toDouble(callLocale()); }
+  static Variant out(double v) { return v; }
+};
+template <>
+struct Marshal<Date> {
+  static constexpr std::string_view kName = "Date";
+  static Date in(const Variant& v) { return v.toDate(callLocale()); }
+  static Variant out(Date v) { return v; }
+};
+template <>
+struct Marshal<std::shared_ptr<Connection>> {
+  static constexpr std::string_view kName = "Connection";
+  static std::shared_ptr<Connection> in(const Variant& v);
+  static Variant out(std::shared_ptr<Connection> v);
+};
+template <>
+struct Marshal<std::shared_ptr<Recordset>> {
+  static constexpr std::string_view kName = "Recordset";
+  static std::shared_ptr<Recordset> in(const Variant& v);
+  static Variant out(std::shared_ptr<Recordset> v);
+};
+
+template <typename P>
+struct Argument {
+  using Value = std::remove_cvref_t<P>;
+  using Stored = std::conditional_t<std::is_same_v<Value, std::string_view>, std::string, Value>;
+  static constexpr bool kByReference = false;
+  static constexpr std::string_view kName = Marshal<Stored>::kName;
+
+  explicit Argument(const Variant* v) : stored(v ? Marshal<Stored>::in(*v) : Stored{}) {}
+  const Stored& pass() { return stored; }
+  void writeBack(Variant*) {}
+  Stored stored;
+};
+template <typename T>
+struct Argument<InOut<T>> {
+  static constexpr bool kByReference = true;
+  static constexpr std::string_view kName = Marshal<T>::kName;
+
+  explicit Argument(const Variant* v) : stored(v && !v->isEmpty() ? Marshal<T>::in(*v) : T{}) {}
+  T& pass() { return stored; }
+  void writeBack(Variant* v) {
+    if (v) *v = Marshal<T>::out(std::move(stored));
+  }
+  T stored;
+};
+
+template <typename R, typename C, typename F, typename... P, std::size_t... I>
+Variant invoke(C& object, F function, std::span<Variant> arguments, std::index_sequence<I...>) {
+  std::tuple<Argument<P>...> held{Argument<P>(I < arguments.size() ? &arguments[I] : nullptr)...};
+  const auto writeBack = [&] {
+    (std::get<I>(held).writeBack(I < arguments.size() ? &arguments[I] : nullptr), ...);
+  };
+  if constexpr (std::is_void_v<R>) {
+    (object.*function)(std::get<I>(held).pass()...);
+    writeBack();
+    return {};
+  } else {
+    Variant result = Marshal<std::remove_cvref_t<R>>::out((object.*function)(std::get<I>(held).pass()...));
+    writeBack();
+    return result;
+  }
+}
+
+template <typename Class, typename R, typename F, typename... P>
+Member makeMember(std::string_view name, F function, std::string_view names) {
+  Member slot;
+  slot.name = name;
+  slot.parameters = parseParameters(names, {std::string(Argument<P>::kName)...},
+                                    {Argument<P>::kByReference...});
+  if constexpr (!std::is_void_v<R>) slot.result = Marshal<std::remove_cvref_t<R>>::kName;
+  slot.call = [function](Object& object, std::span<Variant> arguments) {
+    auto* typed = dynamic_cast<Class*>(&object);
+    if (!typed) raiseWrongObject("record class");
+    return invoke<R, Class, F, P...>(*typed, function, arguments, std::index_sequence_for<P...>());
+  };
+  return slot;
+}
+
+}  // namespace detail
+
+/// A slot from a member function. `names` lists its parameters in order: "vId", "out sIban",
+/// "inout sSelecSql", "[objCn]" for an optional one.
+template <typename R, typename Class, typename... P>
+Member member(std::string_view name, R (Class::*function)(P...), std::string_view names = {}) {
+  return detail::makeMember<Class, R, decltype(function), P...>(name, function, names);
+}
+template <typename R, typename Class, typename... P>
+Member member(std::string_view name, R (Class::*function)(P...) const, std::string_view names = {}) {
+  return detail::makeMember<Class, R, decltype(function), P...>(name, function, names);
+}
+/// The same for a property.
+template <typename Function>
+Member property(std::string_view name, Function function, std::string_view names = {}) {
+  Member slot = member(name, function, names);
+  slot.property = true;
+  return slot;
+}
+
+}  // namespace tavelor

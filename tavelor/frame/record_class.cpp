@@ -1,0 +1,387 @@
+// SPDX-License-Identifier: MIT
+// The frame: opening, moving, editing and codes, told once for all record classes.
+#include "tavelor/frame/record_class.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "tavelor/platform/error.hpp"
+#include "tavelor/platform/number_text.hpp"
+#include "tavelor/platform/statement.hpp"
+#include "tavelor/platform/text.hpp"
+#include "tavelor/services/apartment.hpp"
+#include "tavelor/services/data_session.hpp"
+#include "tavelor/services/installation.hpp"
+#include "tavelor/services/list_config.hpp"
+#include "tavelor/services/prompt_global.hpp"
+#include "tavelor/services/recordset/recordset.hpp"
+
+namespace tavelor {
+
+namespace {
+
+constexpr std::string_view kPrimary = "Primary";
+constexpr std::string_view kIdMark = "{id}";
+
+const Locale& locale() { return Apartment::current().locale(); }
+
+// Bookmarks travel as text through some callers, so what is no number is 0 and the record set
+// decides whether that is a row.
+double numberOf(const Variant& bookmark) {
+  if (bookmark.isNull()) return 0;
+  return parseNumber(bookmark.toText(locale()), locale()).value_or(0);
+}
+
+}  // namespace
+
+void RecordClassEvents::DataMemberChanged(std::string_view /*member*/) {}
+
+/// Hands the record set's moves on to the class.
+class RecordClass::PrimaryEvents final : public RecordsetEvents {
+ public:
+  explicit PrimaryEvents(RecordClass& owner) : owner_(owner) {}
+
+  void MoveComplete(EventReason /*reason*/, const Error* /*error*/, EventStatus& /*status*/,
+                    Recordset& /*set*/) override {
+    owner_.raiseMoveComplete();
+  }
+
+ private:
+  RecordClass& owner_;
+};
+
+RecordClass::RecordClass(const ClassInfo& info) : info_(info) {}
+
+// The record set is not closed on purpose: a bound grid may hold it longer than the class lives.
+RecordClass::~RecordClass() {
+  if (adoPrimaryRS_ && primaryEvents_) adoPrimaryRS_->removeListener(primaryEvents_.get());
+}
+
+// ---------------------------------------------------------------------------------------------
+// Opening
+
+void RecordClass::openPrimary(std::string& sSelecSql, const Variant& id, ConnectionPtr& cnnActive) {
+  if (adoPrimaryRS_ && primaryEvents_) adoPrimaryRS_->removeListener(primaryEvents_.get());
+  adoPrimaryRS_ = std::make_shared<Recordset>();
+  if (info_.raisesMoveComplete) {
+    if (!primaryEvents_) primaryEvents_ = std::make_unique<PrimaryEvents>(*this);
+    adoPrimaryRS_->addListener(primaryEvents_.get());
+  }
+
+  const Statement statement = modeStatement(sSelecSql, id);
+  DataSession session;
+  if (!cnnActive) cnnActive = session.OpenConnection(info_.selector);
+  session.OpenRecordset(info_.selector, statement, adoPrimaryRS_, cnnActive);
+  cnnPrimary_ = adoPrimaryRS_->ActiveConnection();
+
+  if (info_.clearsDataMembers) dataMembers_.clear();
+  if (std::find(dataMembers_.begin(), dataMembers_.end(), kPrimary) == dataMembers_.end()) {
+    dataMembers_.emplace_back(kPrimary);
+  }
+  restoreOrder(sSelecSql);
+}
+
+Statement RecordClass::modeStatement(std::string& word, const Variant& id) const {
+  const auto known = std::find_if(info_.modes.begin(), info_.modes.end(), [&](const Mode& mode) {
+    return mode.word == kAnyOtherWord || mode.word == word;
+  });
+  if (known->word == kAnyOtherWord) word = "todos";
+  Statement statement = withId(known->select, id);
+  statement << withId(known->tail, id);
+  return statement;
+}
+
+void RecordClass::Requery(InOut<std::string> sSelecSql) {
+  primary().Requery(-1);
+  for (RecordClassEvents* listener : std::vector(listeners_)) {
+    listener->DataMemberChanged(kPrimary);
+  }
+  if (sSelecSql->empty()) sSelecSql = "Todos";
+  restoreOrder(*sSelecSql);
+}
+
+RecordsetPtr RecordClass::DataMember(std::string_view name) const {
+  return name == kPrimary ? adoPrimaryRS_ : nullptr;
+}
+
+Recordset& RecordClass::primary() const {
+  if (!adoPrimaryRS_) {
+    raise(errors::kObjectNotSet, info_.word, "IniciaRs has not been called");
+  }
+  return *adoPrimaryRS_;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Editing
+
+void RecordClass::AddNew(bool bDefVal) {
+  Recordset& rows = primary();
+  rows.AddNew();
+  Variant code = NuevoCodigo();
+  const Field first = rows.Field(0);
+  if (info_.addNew == AddNewForm::kGeneral &&
+      text::length(joined(code)) > static_cast<std::size_t>(first.DefinedSize())) {
+    code = std::int32_t{0};
+  }
+  if (bDefVal) rows.Field(0).Value(code);
+  setDefaults(bDefVal);
+}
+
+void RecordClass::setDefaults(bool /*bDefVal*/) {}
+
+void RecordClass::Update() {
+  Recordset& rows = primary();
+  if (info_.update == UpdateForm::kCurrentRow) {
+    rows.UpdateBatch(Affect::kCurrent);
+  } else if (ExistenRegistros()) {
+    rows.UpdateBatch(Affect::kAll);
+  }
+}
+
+void RecordClass::Delete() {
+  Recordset& rows = primary();
+  rows.Delete(Affect::kCurrent);
+  if (info_.remove == DeleteForm::kWrites) rows.UpdateBatch(Affect::kAll);
+}
+
+void RecordClass::Cancel() { primary().CancelUpdate(); }
+
+bool RecordClass::EditingRecord() const {
+  try {
+    return primary().EditMode() != EditMode::kNone;
+  } catch (const Error&) {
+    return false;
+  }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Moving
+
+std::int32_t RecordClass::AbsolutePosition() const {
+  try {
+    return primary().AbsolutePosition();
+  } catch (const Error&) {
+    return 0;
+  }
+}
+
+bool RecordClass::ExistenRegistros() const {
+  const Recordset& rows = primary();
+  return !(rows.Bof() && rows.Eof());
+}
+
+void RecordClass::MoveFirst() {
+  if (ExistenRegistros()) primary().MoveFirst();
+}
+
+void RecordClass::MoveLast() {
+  if (ExistenRegistros()) primary().MoveLast();
+}
+
+void RecordClass::MoveNext() {
+  Recordset& rows = primary();
+  if (!rows.Eof()) rows.MoveNext();
+  if (rows.Eof() && rows.RecordCount() > 0) {
+    Apartment::current().promptGlobal().Beep();
+    rows.MoveLast();
+  }
+}
+
+void RecordClass::MovePrevious() {
+  Recordset& rows = primary();
+  if (!rows.Bof()) rows.MovePrevious();
+  if (rows.Bof() && rows.RecordCount() > 0) {
+    Apartment::current().promptGlobal().Beep();
+    rows.MoveFirst();
+  }
+}
+
+void RecordClass::MoveToBookmark(const Variant& mybookmark) {
+  primary().Bookmark(Variant(numberOf(mybookmark)));
+}
+
+void RecordClass::FindRecord(std::string_view Criteria) {
+  Recordset& rows = primary();
+  const std::string& field = rows.Field(0).Name();
+  rows.Find(info_.find == FindForm::kWhole ? fmt::format("{} = '{}'", field, Criteria)
+                                           : fmt::format("{} Like '{}*'", field, Criteria));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Codes
+
+Variant RecordClass::NuevoCodigo(ObjCn objCn) const {
+  const Statement statement(
+      fmt::format("SELECT MAX({}) AS Nuevo_Codigo FROM {}", info_.codeColumn, info_.table));
+  const RecordsetPtr rows = read(statement, objCn);
+  const Field newest = rows->Field("Nuevo_Codigo");
+  Variant greatest = newest.Value();
+  if (greatest.isNull()) return std::int32_t{1};
+  if (!isNumeric(greatest, locale())) return greatest;
+
+  const double next = greatest.toDouble(locale()) + 1;
+  const Variant code = greatest.isText() ? Variant(next) : Variant(static_cast<std::int64_t>(next));
+  if (info_.code == CodeForm::kFitsColumn &&
+      text::length(joined(code)) > static_cast<std::size_t>(newest.DefinedSize())) {
+    return greatest;
+  }
+  return code;
+}
+
+bool RecordClass::CodigoLibre(const Variant& vId, ObjCn objCn) const {
+  if (!info_.freeCode.empty()) return !anyRow(withId(info_.freeCode, vId), objCn);
+  return !anyRow(
+      withId(fmt::format("SELECT Codigo FROM {} where codigo ='{}'", info_.table, kIdMark), vId),
+      objCn);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Connections and paths
+
+ConnectionPtr& RecordClass::connection() {
+  if (!cnnPrimary_) cnnPrimary_ = std::make_shared<Connection>();
+  return cnnPrimary_;
+}
+
+ConnectionPtr RecordClass::GetConnection() { return connection(); }
+void RecordClass::CnnBeginTrans() { connection()->BeginTrans(); }
+void RecordClass::CnnCommitTrans() { connection()->CommitTrans(); }
+void RecordClass::CnnRollbackTrans() { connection()->RollbackTrans(); }
+
+// Nearly all classes ask the service and drop its answer. Callers have come to rely on the empty
+// text (it makes them fall back to GetConnection), so it must not be mended here.
+std::string RecordClass::GetConnectionStr() const {
+  std::string answer = DataSession().ConnectionString(info_.selector);
+  return info_.givesConnectionString ? answer : std::string();
+}
+
+void RecordClass::GetConnectionStrToRpt(InOut<std::string> sDbtype, InOut<std::string> sDataSource,
+                                        InOut<std::string> sCatalog, InOut<std::string> sUser,
+                                        InOut<std::string> sPasw) const {
+  DataSession().ReportConnection(info_.selector, *sDbtype, *sDataSource, *sCatalog, *sUser, *sPasw);
+}
+
+void RecordClass::GetRptPath(InOut<std::string> sRptPath) const {
+  sRptPath = DataSession().ReportPath(*sRptPath);
+}
+
+std::string RecordClass::sClassName() const { return std::string(info_.word); }
+
+// ---------------------------------------------------------------------------------------------
+// Orders
+
+namespace {
+
+ListConfig settingsOf(const ClassInfo& info, std::string_view sLlave) {
+  ListConfig settings;
+  settings.Key(fmt::format("{}\\Configuracion\\registros\\{}\\{}\\",
+                           Apartment::current().version().registryRoot(), info.word, sLlave));
+  return settings;
+}
+
+}  // namespace
+
+void RecordClass::SetOrder(std::int16_t index, std::string_view Mode, std::string_view sLlave) {
+  Recordset& rows = primary();
+  if (rows.RecordCount() == 0) return;
+  rows.Sort(rows.Field(index).Name() + std::string(Mode));
+  ListConfig settings = settingsOf(info_, sLlave);
+  settings.SetValue("IndexOrderField", std::to_string(index));
+  settings.SetValue("Mode", Mode);
+}
+
+void RecordClass::GetOrder(InOut<std::int16_t> index, InOut<std::string> Mode,
+                           std::string_view sLlave) const {
+  ListConfig settings = settingsOf(info_, sLlave);
+  index = Variant(settings.GetValue("IndexOrderField", "0")).toInt16(locale());
+  Mode = settings.GetValue("Mode", "");
+}
+
+void RecordClass::restoreOrder(std::string_view sLlave) {
+  std::int16_t index = 0;
+  std::string mode;
+  GetOrder(index, mode, sLlave);
+  SetOrder(index, mode, sLlave);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Events
+
+void RecordClass::addListener(RecordClassEvents& listener) { listeners_.push_back(&listener); }
+
+void RecordClass::removeListener(RecordClassEvents& listener) {
+  std::erase(listeners_, &listener);
+}
+
+void RecordClass::raiseMoveComplete() {
+  const std::vector<RecordClassEvents*> told = listeners_;
+  for (RecordClassEvents* listener : told) {
+    if (std::find(listeners_.begin(), listeners_.end(), listener) != listeners_.end()) {
+      listener->MoveComplete();
+    }
+  }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Reading and writing for the classes
+
+RecordsetPtr RecordClass::read(const Statement& statement, ObjCn objCn) const {
+  auto rows = std::make_shared<Recordset>();
+  DataSession().OpenRecordset(info_.selector, statement, rows, *objCn);
+  return rows;
+}
+
+void RecordClass::write(const Statement& statement, ObjCn objCn) const {
+  DataSession session;
+  if (!*objCn) objCn = session.OpenConnection(info_.selector);
+  session.Execute(info_.selector, statement, *objCn);
+}
+
+Variant RecordClass::lookUp(const Statement& statement, std::string_view column,
+                            ObjCn objCn) const {
+  const RecordsetPtr rows = read(statement, objCn);
+  if (rows->RecordCount() == 0) return {};
+  Variant found = rows->Field(column).Value();
+  return found.isNull() ? Variant() : found;
+}
+
+bool RecordClass::anyRow(const Statement& statement, ObjCn objCn) const {
+  return read(statement, objCn)->RecordCount() > 0;
+}
+
+std::string RecordClass::joined(const Variant& value) {
+  return value.isNull() ? std::string() : value.toText(locale());
+}
+
+Statement RecordClass::withId(std::string_view text, const Variant& id) {
+  Statement statement;
+  const std::string idText = joined(id);
+  for (std::size_t mark = text.find(kIdMark); mark != std::string_view::npos;
+       mark = text.find(kIdMark)) {
+    statement << text.substr(0, mark) << value(idText);
+    text.remove_prefix(mark + kIdMark.size());
+  }
+  statement << text;
+  return statement;
+}
+
+// ---------------------------------------------------------------------------------------------
+// The three shapes of IniciaRs
+
+void OpensByWord::IniciaRs(InOut<std::string> sSelecSql, const Variant& id) {
+  ConnectionPtr own;
+  openPrimary(*sSelecSql, id, own);
+}
+
+void OpensByWordOnConnection::IniciaRs(InOut<std::string> sSelecSql, const Variant& id,
+                                       ObjCn cnnActive) {
+  openPrimary(*sSelecSql, id, *cnnActive);
+}
+
+void OpensOnConnection::IniciaRs(ObjCn cnnActive, InOut<std::string> sSelecSql,
+                                 const Variant& id) {
+  openPrimary(*sSelecSql, id, *cnnActive);
+}
+
+}  // namespace tavelor

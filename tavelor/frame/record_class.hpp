@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: MIT
+// The frame that every record class shares: one primary record set, browsed, edited and offered to
+// bound consumers.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tavelor/frame/class_info.hpp"
+#include "tavelor/platform/inout.hpp"
+#include "tavelor/platform/variant.hpp"
+
+namespace tavelor {
+
+class Connection;
+class Recordset;
+class Statement;
+using ConnectionPtr = std::shared_ptr<Connection>;
+using RecordsetPtr = std::shared_ptr<Recordset>;
+
+/// The optional connection of a member: nothing, or a caller's variable. A read or write that finds
+/// the variable empty fills it, so that the next call uses the same connection.
+using ObjCn = InOut<ConnectionPtr>;
+
+/// Listens to a record class. Every function has an empty default.
+class RecordClassEvents {
+ public:
+  virtual ~RecordClassEvents() = default;
+  /// The primary record set has moved to another row.
+  virtual void MoveComplete() {}
+  /// The rows behind a data member were fetched again: bound consumers read them anew.
+  virtual void DataMemberChanged(std::string_view member);
+};
+
+/// Base of every record class.
+///
+/// A new object holds no record set; IniciaRs makes one, and until then members that need it raise
+/// 91 (EditingRecord and AbsolutePosition answer false and 0 instead). Errors of the platform and of
+/// the services pass unchanged, and nothing is rolled back: state stays as it was at that moment.
+/// An object is used by one thread, the one whose apartment it was made in.
+class RecordClass : public Object {
+ public:
+  ~RecordClass() override;
+  RecordClass(const RecordClass&) = delete;
+  RecordClass& operator=(const RecordClass&) = delete;
+
+  const ClassInfo& info() const { return info_; }
+  /// The class's name, "ClsBancos".
+  std::string typeName() const override = 0;
+
+  /// Puts the full path of the report file `sRptPath` in its place.
+  void GetRptPath(InOut<std::string> sRptPath) const;
+  /// How a report engine reaches the class's database.
+  void GetConnectionStrToRpt(InOut<std::string> sDbtype, InOut<std::string> sDataSource,
+                             InOut<std::string> sCatalog, InOut<std::string> sUser,
+                             InOut<std::string> sPasw) const;
+  /// The class word: "Bancos".
+  std::string sClassName() const;
+  /// The connection of the primary record set; before IniciaRs a closed one of the class's own.
+  ConnectionPtr GetConnection();
+  /// Always "", though the service is asked; only classes that say so in their ClassInfo answer.
+  std::string GetConnectionStr() const;
+
+  /// The greatest code plus 1; 1 on an empty table. A maximum that is no number comes back as it is.
+  /// The sum is a number: "00012" gives 13. The maximum of a text column is the greatest text, so
+  /// "9" beats "10". Nothing reserves the code: two callers may get the same.
+  Variant NuevoCodigo(ObjCn objCn = {}) const;
+  /// Whether no row has that code.
+  bool CodigoLibre(const Variant& vId, ObjCn objCn = {}) const;
+
+  /// Whether the current row is being edited or added. False on any error.
+  bool EditingRecord() const;
+  /// From 1; 0 on any error.
+  std::int32_t AbsolutePosition() const;
+
+  /// Adds a row. The next code is computed in any case and written to the first field only if
+  /// `bDefVal` is true.
+  void AddNew(bool bDefVal = false);
+  void Delete();
+  /// A bookmark whose text is no number counts as 0.
+  void MoveToBookmark(const Variant& mybookmark);
+  /// Fetches the rows again; the filter stays. An empty `sSelecSql` becomes "Todos", which is the
+  /// key of the order that is restored: the registry does not tell it from "todos".
+  void Requery(InOut<std::string> sSelecSql = {});
+  void Update();
+  void CnnBeginTrans();
+  void CnnCommitTrans();
+  void CnnRollbackTrans();
+  void Cancel();
+  void MoveFirst();
+  void MoveLast();
+  /// Beeps and stays on the last row when there is no next one.
+  void MoveNext();
+  /// Beeps and stays on the first row when there is none before.
+  void MovePrevious();
+  bool ExistenRegistros() const;
+  /// From the current row on; at EOF when nothing is found. `Criteria` is not escaped.
+  void FindRecord(std::string_view Criteria);
+
+  /// Sorts by the field at `index`, its name directly followed by `Mode` (" DESC" brings its own
+  /// blank), and remembers both under `sLlave`. On an empty record set it does nothing at all.
+  void SetOrder(std::int16_t index, std::string_view Mode, std::string_view sLlave);
+  /// What SetOrder remembered: 0 and "" where it never did.
+  void GetOrder(InOut<std::int16_t> index, InOut<std::string> Mode, std::string_view sLlave) const;
+
+  /// Names of the data members: none before IniciaRs, then "Primary".
+  const std::vector<std::string>& DataMembers() const { return dataMembers_; }
+  /// The record set behind a data member: the primary one for "Primary" exactly, else nothing.
+  RecordsetPtr DataMember(std::string_view name) const;
+
+  /// A listener must be removed before it dies; it may be removed while an event is delivered.
+  void addListener(RecordClassEvents& listener);
+  void removeListener(RecordClassEvents& listener);
+
+ protected:
+  explicit RecordClass(const ClassInfo& info);
+
+  /// What the three shapes of IniciaRs do. `cnnActive` is filled when it is empty.
+  void openPrimary(std::string& sSelecSql, const Variant& id, ConnectionPtr& cnnActive);
+
+  /// The statement of a mode word, which becomes "todos" when the class does not know it.
+  virtual Statement modeStatement(std::string& word, const Variant& id) const;
+  /// Defaults of a new row beside its code. Runs last in AddNew.
+  virtual void setDefaults(bool bDefVal);
+
+  /// The primary record set; raises 91 before IniciaRs.
+  Recordset& primary() const;
+
+  /// Opens a SELECT on `objCn`, filling it when it is empty.
+  RecordsetPtr read(const Statement& statement, ObjCn objCn) const;
+  /// Runs a statement that gives no rows on `objCn`, filling it when it is empty.
+  void write(const Statement& statement, ObjCn objCn) const;
+  /// The first row's `column`; Empty when there is no row or its value is null.
+  Variant lookUp(const Statement& statement, std::string_view column, ObjCn objCn) const;
+  bool anyRow(const Statement& statement, ObjCn objCn) const;
+
+  /// A value as it is joined into a statement: plain printing, Null as nothing.
+  static std::string joined(const Variant& value);
+  /// `text` with {id} replaced by the value.
+  static Statement withId(std::string_view text, const Variant& id);
+
+ private:
+  class PrimaryEvents;
+
+  void restoreOrder(std::string_view sLlave);
+  ConnectionPtr& connection();
+  void raiseMoveComplete();
+
+  const ClassInfo& info_;
+  RecordsetPtr adoPrimaryRS_;
+  ConnectionPtr cnnPrimary_;
+  std::unique_ptr<PrimaryEvents> primaryEvents_;
+  std::vector<std::string> dataMembers_;
+  std::vector<RecordClassEvents*> listeners_;
+};
+
+/// IniciaRs(sSelecSql, id): the record set rides on a connection of its own.
+class OpensByWord : public RecordClass {
+ public:
+  void IniciaRs(InOut<std::string> sSelecSql = {}, const Variant& id = {});
+
+ protected:
+  using RecordClass::RecordClass;
+};
+
+/// IniciaRs(sSelecSql, id, cnnActive): the record set rides on the caller's connection, if given.
+class OpensByWordOnConnection : public RecordClass {
+ public:
+  void IniciaRs(InOut<std::string> sSelecSql = {}, const Variant& id = {}, ObjCn cnnActive = {});
+
+ protected:
+  using RecordClass::RecordClass;
+};
+
+/// IniciaRs(cnnActive, sSelecSql, id).
+class OpensOnConnection : public RecordClass {
+ public:
+  void IniciaRs(ObjCn cnnActive = {}, InOut<std::string> sSelecSql = {}, const Variant& id = {});
+
+ protected:
+  using RecordClass::RecordClass;
+};
+
+}  // namespace tavelor
