@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+// A connection to one database of an installation.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "tavelor/platform/variant.hpp"
+#include "tavelor/services/recordset/constants.hpp"
+
+namespace tavelor {
+
+class Connection;
+class Recordset;
+class Statement;
+struct Locale;
+using ConnectionPtr = std::shared_ptr<Connection>;
+
+namespace dialect {
+class PlanCache;
+}
+namespace engine {
+class Session;
+}
+
+/// A session and its prepared plans, lent by whoever keeps them. Both go back when the last holder
+/// of the lease lets go.
+class SessionLease {
+ public:
+  virtual ~SessionLease() = default;
+  virtual engine::Session& session() = 0;
+  virtual dialect::PlanCache& plans() = 0;
+};
+
+/// Who is told of every statement that goes through connections: Execute, Open, Requery,
+/// UpdateBatch.
+class TraceSink {
+ public:
+  /// One statement that has run, or failed.
+  struct Entry {
+    int selector = 0;
+    std::string_view text;  ///< as the caller joined it, or as the batch composed it
+    std::int64_t microseconds = 0;
+    std::int64_t rows = 0;   ///< read or written
+    std::int32_t error = 0;  ///< number of the error that it raised, or 0
+  };
+
+  virtual ~TraceSink() = default;
+  /// False spares the clock and the call of statement().
+  virtual bool isOn() const = 0;
+  virtual void statement(const Entry& entry) = 0;
+};
+
+struct ConnectionSettings {
+  std::shared_ptr<SessionLease> lease;
+  std::shared_ptr<const Locale>
+      locale;  ///< by which texts read as numbers and dates; null: Spanish
+  std::string connectionString;
+  int selector = 0;
+  std::shared_ptr<TraceSink> trace;  ///< may be null
+};
+
+/// An open connection, or a closed one that refuses everything. Used by one thread.
+///
+/// Errors of all members but State, ConnectionString: 3704 when closed.
+class Connection final : public Object, public std::enable_shared_from_this<Connection> {
+ public:
+  /// A closed connection.
+  Connection() = default;
+  static ConnectionPtr open(ConnectionSettings settings);
+  /// Rolls back what is not committed.
+  ~Connection() override;
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  std::string typeName() const override { return "Connection"; }
+
+  /// Gives the number of open levels: 1 for the outermost transaction.
+  int BeginTrans();
+  /// 3219 when no transaction is open.
+  void CommitTrans();
+  /// 3219 when no transaction is open.
+  void RollbackTrans();
+  /// Closes the record sets that are open over it; their pending changes are lost. Raises 3246
+  /// inside a transaction, with nothing closed.
+  void Close();
+  ObjectState State() const { return lease_ ? ObjectState::kOpen : ObjectState::kClosed; }
+  std::string ConnectionString() const { return connectionString_; }
+
+  /// Runs a statement that gives no rows; the number of rows written. After an error nothing of the
+  /// statement is left.
+  std::int64_t Execute(const Statement& statement);
+
+  int selector() const { return selector_; }
+  int transactionLevel() const { return level_; }
+  const std::shared_ptr<const Locale>& locale() const { return locale_; }
+
+ private:
+  friend class Recordset;
+  friend class BatchWriter;
+
+  SessionLease& lease() const;
+  /// Runs `work`, which gives a number of rows, and tells the trace of it.
+  template <typename Work>
+  std::int64_t traced(std::string_view text, Work&& work) const;
+  void rollbackAll() noexcept;
+
+  std::shared_ptr<SessionLease> lease_;
+  std::shared_ptr<const Locale> locale_;
+  std::string connectionString_;
+  std::shared_ptr<TraceSink> trace_;
+  Recordset* firstRecordset_ = nullptr;  // those open over this connection, linked through them
+  int selector_ = 0;
+  int level_ = 0;
+};
+
+}  // namespace tavelor

@@ -1,0 +1,323 @@
+// SPDX-License-Identifier: MIT
+// The record set: a static, client-side cursor whose changes are written in batches.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tavelor/platform/statement.hpp"
+#include "tavelor/platform/variant.hpp"
+#include "tavelor/services/recordset/connection.hpp"
+#include "tavelor/services/recordset/constants.hpp"
+#include "tavelor/services/recordset/events.hpp"
+#include "tavelor/services/recordset/field.hpp"
+
+namespace tavelor {
+
+class Recordset;
+class RecordsetStore;
+using RecordsetPtr = std::shared_ptr<Recordset>;
+
+namespace criteria {
+class Program;
+}
+
+/// The rows of a statement, fetched whole, with a cursor on them. Changes stay here until
+/// UpdateBatch writes them. A clone shares rows and changes and has its own cursor, filter and
+/// order.
+///
+/// Errors of nearly all members: 3704 when closed; those that need a row raise 3021 without one.
+/// Used by one thread.
+class Recordset final : public Object, public std::enable_shared_from_this<Recordset> {
+ public:
+  /// Unopened.
+  Recordset();
+  ~Recordset() override;
+  Recordset(const Recordset&) = delete;
+  Recordset& operator=(const Recordset&) = delete;
+
+  std::string typeName() const override { return "Recordset"; }
+
+  // ---- Open and close
+
+  /// Runs a SELECT and fetches all its rows; the cursor stands on the first one. Raises 3705 when
+  /// open, 3709 for no or a closed connection, and what the dialect or the engine raises; the set
+  /// is closed then.
+  void Open(const Statement& statement, const ConnectionPtr& connection);
+  /// Opens a set without a database from its appended fields. Raises 3705 when open, 3709 when it
+  /// has no fields.
+  void Open();
+  /// Pending changes are lost. Raises 3704 when closed.
+  void Close();
+  ObjectState State() const;
+  /// Runs the statement again; filter and order stay, the cursor goes to the first row, pending
+  /// changes are lost, bookmarks lose their meaning, clones keep the old rows. Raises 3219 while a
+  /// row is in edit, 3709 without a connection. After an error the old rows are still there.
+  void Requery(std::int32_t options = -1);
+  /// Another cursor on the same rows, on the first one, without filter and order. kReadOnly makes
+  /// one that refuses changes. Raises 3001 for another lock type.
+  RecordsetPtr Clone(tavelor::LockType lockType = tavelor::LockType::kUnspecified);
+
+  /// Null for a set without one.
+  ConnectionPtr ActiveConnection() const;
+  /// Null disconnects: rows and pending changes stay. UpdateBatch wants a connection again.
+  void ActiveConnection(const ConnectionPtr& connection);
+  /// The text of the statement, "" for a set without one.
+  const std::string& Source() const;
+  tavelor::CursorLocation CursorLocation() const { return tavelor::CursorLocation::kClient; }
+  tavelor::CursorType CursorType() const { return tavelor::CursorType::kStatic; }
+  tavelor::LockType LockType() const { return lockType_; }
+  /// kBatchOptimistic at first. With kOptimistic each Update and Delete is written at once, one row
+  /// at a time. Raises 3705 when open, 3001 for another type.
+  void LockType(tavelor::LockType lockType);
+
+  tavelor::Fields Fields() { return tavelor::Fields(*this); }
+  tavelor::Field Field(std::int32_t position) { return Fields().Item(position); }
+  template <typename Text>
+  requires std::convertible_to<const Text&, std::string_view> tavelor::Field Field(
+      const Text& name) {
+    return Fields().Item(name);
+  }
+
+  // ---- Position. Leaving a row that is in edit posts it first, as Update does.
+
+  bool Bof() const;
+  bool Eof() const;
+  /// Rows of the view (filter applied, deleted rows left out).
+  std::int32_t RecordCount() const;
+  void MoveFirst();
+  void MoveLast();
+  /// Past the last row it stops on EOF; once more raises 3021.
+  void MoveNext();
+  void MovePrevious();
+  /// `start` is a bookmark or one of the numbers of bookmark::; too far stops on BOF or EOF.
+  void Move(std::int32_t rows, const Variant& start = {});
+  /// From 1 in the view, or one of position::.
+  std::int32_t AbsolutePosition() const;
+  /// Raises 3001 out of range.
+  void AbsolutePosition(std::int32_t value);
+  /// A number that names the row whatever the filter and order, in clones too.
+  Variant Bookmark() const;
+  /// Raises 3001 for what is no bookmark of a row of the view.
+  void Bookmark(const Variant& value);
+  /// By the order of the rows as fetched. Raises 3001 for what is no bookmark.
+  CompareResult CompareBookmarks(const Variant& first, const Variant& second) const;
+  /// Goes to the next row that fits `field operator value`, beginning at the current row itself
+  /// (or at `start`), `skipRows` away from it. Without one the set stands at EOF, or at BOF when
+  /// searching backward. Raises 3021 without a current row, 3001 for a text that is no single
+  /// comparison, 3265 for an unknown field.
+  void Find(std::string_view criteria, std::int32_t skipRows = 0,
+            SearchDirection direction = SearchDirection::kForward, const Variant& start = {});
+
+  // ---- View
+
+  /// The criteria text, or "".
+  const std::string& Filter() const;
+  /// `field operator value` joined by AND, OR and parentheses; "" clears. The cursor goes to the
+  /// first row. Raises 3001 with the place for a text that does not read, 3265 for an unknown
+  /// field, -2147217913 when value and field can't be compared; the old filter stays.
+  void Filter(std::string_view criteria);
+  /// Shows the rows of a state. Raises 3001 for another number.
+  void Filter(FilterGroup group);
+  /// Shows these rows.
+  void Filter(const std::vector<Variant>& bookmarks);
+  /// kNone too when the filter is a text or a list of bookmarks.
+  FilterGroup CurrentFilterGroup() const;
+  const std::string& Sort() const;
+  /// "field [ASC|DESC], ...": by number, date, or character code of text; Null first, last in DESC;
+  /// equal rows keep their order; "" is the order of the statement. The cursor goes to the first
+  /// row. Raises 3265 for an unknown field, 3001 for other words; the old order stays.
+  void Sort(std::string_view order);
+
+  // ---- Edit
+
+  /// Adds a row and makes it current. A row in edit is posted first.
+  void AddNew();
+  /// Adds and posts a row. Names or positions and as many values. After an error no row is added.
+  void AddNew(const std::vector<Variant>& fields, const std::vector<Variant>& values);
+  /// Posts the row in edit to the pending changes; nothing without one.
+  void Update();
+  void Update(const std::vector<Variant>& fields, const std::vector<Variant>& values);
+  /// Takes the current row back: what is in edit; without that, the row's pending changes, an added
+  /// row going away. Nothing to take back is no error.
+  void CancelUpdate();
+  /// Marks rows deleted: the current one, or with kGroup those of a filter that is no text. The
+  /// current one stays current until a move. Raises 3001 for another number.
+  void Delete(Affect affect = Affect::kCurrent);
+  /// Writes pending changes: an UPDATE of the changed columns only that finds the row by its key
+  /// and by the original values of these columns, a DELETE by key, an INSERT of the assigned
+  /// columns, whose stored values (defaults, automatic numbers) come back into the row. Several
+  /// rows are one transaction unless the connection is in one already.
+  ///
+  /// Errors: -2147217864 when a row was changed or deleted by somebody else: the other rows are
+  /// written, that one stays pending and shows under FilterGroup::kConflicting. -2147467259 for a
+  /// set that has no table to write to or a new row without a value, -2147217887 for a changed
+  /// column that is computed, and whatever the engine raises: then no row of this call is written,
+  /// all stay pending, the row shows under kConflicting and its Status() says why. 3709 without a
+  /// connection; a set that never had one takes its changes as written. Rows written inside a
+  /// transaction of the caller count as written even if the caller rolls back later.
+  void UpdateBatch(Affect affect = Affect::kAll);
+  /// Drops pending changes. The cursor may stand nowhere afterwards: move.
+  void CancelBatch(Affect affect = Affect::kAll);
+  tavelor::EditMode EditMode() const;
+  /// Bits of record_status for the current row.
+  std::int32_t Status() const;
+
+  // ---- Persistence
+
+  /// Writes rows (those of a filter text), fields and pending changes as XML, first to a temporary
+  /// file beside it: after an error the old file is as it was. The cursor goes to the first row.
+  void Save(const std::string& path);
+  std::string SaveXml();
+  /// Opens a set from what Save wrote. Raises 53 for a missing file, 3001 with the place for a text
+  /// that does not read. `locale`: by which later assignments read texts; null is Spanish.
+  static RecordsetPtr OpenFile(const std::string& path,
+                               const std::shared_ptr<const Locale>& locale = {});
+  static RecordsetPtr LoadXml(std::string_view xml,
+                              const std::shared_ptr<const Locale>& locale = {});
+
+  // ---- Listeners
+
+  /// The listener must outlive the set or be removed.
+  void addListener(RecordsetEvents* listener);
+  void removeListener(RecordsetEvents* listener);
+
+  /// Bytes held by rows and changes.
+  std::size_t memory() const;
+
+ private:
+  friend class Connection;
+  friend class tavelor::Field;
+  friend class tavelor::Fields;
+  friend class BatchWriter;
+  friend class XmlReader;
+  friend class XmlWriter;
+
+  using Row = std::uint32_t;
+  enum class Place : std::uint8_t { kRow, kBof, kEof, kNowhere };
+  enum class Told : std::uint8_t { kMove, kEndOfRecordset, kField, kRecord, kRecordset };
+  /// What is told to the listeners around a piece of work.
+  struct Notice {
+    Told told;
+    EventReason reason;
+    bool deniable = true;
+    std::int32_t records = 1;
+    std::size_t column = 0;
+  };
+  struct Listener {
+    RecordsetEvents* events;
+    std::uint16_t unwanted;  // bits of the events that it wants no more
+  };
+  /// The row in edit, seen by this set only until it is posted.
+  struct Draft;
+  /// Where the cursor was, to go back to.
+  struct Cursor {
+    std::int64_t at = 0;
+    Row row = 0;
+    Place place = Place::kNowhere;
+    bool left = false;
+  };
+
+  // recordset.cpp
+  RecordsetStore& opened() const;
+  void attach(std::shared_ptr<RecordsetStore> store);
+  void detach() noexcept;
+  void join(const ConnectionPtr& connection);
+  void leaveConnection() noexcept;
+  std::shared_ptr<RecordsetStore> fetch(const Statement& statement, const Connection& over) const;
+  const Locale& locale() const;
+
+  // recordset_view.cpp
+  std::int64_t extent() const;
+  Row rowAt(std::int64_t index) const;
+  bool visible(Row row) const;
+  std::int64_t nextVisible(std::int64_t index, int step) const;
+  void follow() const;
+  void changedByMe();
+  void compact() const;
+  void list() const;
+  void rebuildView();
+  void replaceAfterPost(Row row, const std::vector<std::uint32_t>& columns);
+  std::int64_t indexOf(Row row) const;
+
+  // recordset_moves.cpp
+  Row current() const;
+  Row readable() const;
+  void standAt(std::int64_t index);
+  void standOnFirst();
+  void requireMovable(int direction) const;
+  void step(int direction);
+  void jump(std::int64_t rows);
+  Row rowOfBookmark(const Variant& bookmark) const;
+  void standOnBookmark(const Variant& bookmark);
+  void leaveRow();
+  template <typename Work>
+  void moving(EventReason reason, Work&& work);
+
+  // recordset_edit.cpp
+  void requireWritable() const;
+  void beginEdit();
+  void assign(std::size_t column, const Variant& value);
+  void put(std::size_t column, Variant value);
+  void post();
+  void addDraft();
+  void dropDraft();
+  std::size_t columnOf(const Variant& which) const;
+  void assignAll(const std::vector<Variant>& fields, const std::vector<Variant>& values);
+  void deleteRow(Row row);
+  std::vector<Row> affectedBy(Affect affect, bool pendingOnly) const;
+  void undo(Row row);
+  Variant valueOf(std::size_t column) const;
+
+  // recordset_batch.cpp
+  void write(const std::vector<Row>& rows);
+
+  // recordset_events.cpp
+  bool heard(Told told) const;
+  template <typename Work>
+  void announced(const Notice& notice, Work&& work);
+  void tellWill(const Notice& notice);
+  void tellComplete(const Notice& notice, const Error* error);
+  void deliver(const Notice& notice, bool complete, const Error* error, EventStatus& status);
+  bool tellEnd();
+
+  std::shared_ptr<RecordsetStore> store_;  // null when closed
+  ConnectionPtr connection_;
+  Recordset* nextOnStore_ = nullptr;       // the sets that share the store, linked
+  Recordset* nextOnConnection_ = nullptr;  // the sets that are open over the connection, linked
+  std::shared_ptr<RecordsetStore> fabricated_;  // fields appended before Open()
+
+  // The view. Without a filter and an order it is the rows as stored and lists nothing.
+  mutable std::vector<Row> view_;
+  mutable std::vector<std::int32_t> places_;  // row -> index in view_, made when first asked for
+  mutable bool listed_ = false;
+  mutable std::uint64_t stamp_ = 0;  // of the store, as far as the view has followed it
+  mutable std::int64_t live_ = 0;    // rows of the view that are not deleted
+  mutable std::size_t seen_ = 0;     // rows of the store that the view has taken in
+  mutable Cursor cursor_;
+  std::unique_ptr<criteria::Program> criteria_;
+  std::string filter_;
+  std::vector<Row> bookmarks_;
+  FilterGroup group_ = FilterGroup::kNone;
+  bool byBookmarks_ = false;
+  std::string sort_;
+  std::vector<std::int32_t> sortColumns_;  // column + 1, negative for descending
+  std::vector<Row> affected_;
+  std::vector<Row> conflicting_;
+
+  std::unique_ptr<Draft> draft_;
+  std::size_t chunkColumn_ = kNoColumn;  // that AppendChunk or GetChunk was last used on
+  std::size_t chunkRead_ = 0;
+  tavelor::LockType lockType_ = tavelor::LockType::kBatchOptimistic;
+
+  std::vector<Listener> listeners_;
+  int changing_ = 0;  // depth of WillChangeRecord
+
+  static constexpr std::size_t kNoColumn = static_cast<std::size_t>(-1);
+};
+
+}  // namespace tavelor
