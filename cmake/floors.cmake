@@ -2,7 +2,8 @@
 # tavelor_floor(NAME FOLDER... [SHALLOW] [LINK target...])
 #
 # One floor of the house as an object library tavelor_NAME, made of all sources below FOLDER
-# (SHALLOW: of the folder itself only; a single .cpp may be named too). Every floor may use those that were declared before it.
+# (SHALLOW: of the folder itself only; a single .cpp may be named too). Every floor may use those
+# that were declared before it.
 # tavelor_library() joins all floors into the one library that users link: Tavelor::tavelor.
 
 # One precompiled header for all floors and one for all tests: compiled once, owned by no floor.

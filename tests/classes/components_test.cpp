@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+#include "tavelor/components.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "tavelor/frame/component.hpp"
+#include "tavelor/reference/bancos.hpp"
+#include "tests/support/shop.hpp"
+
+namespace tavelor {
+namespace {
+
+using test::errorOf;
+using testing::ElementsAre;
+
+std::vector<std::string> memberNames(const Component& component) {
+  std::vector<std::string> names;
+  for (const Member& slot : component.members()) names.push_back(slot.name);
+  return names;
+}
+
+TEST(Components, ClassesAreFoundByNameLibraryNameAndIdentifier) {
+  const Component& byName = component("ClsBancos");
+  EXPECT_EQ(&component("tavelor.clsbancos"), &byName);
+  EXPECT_EQ(&component(byName.classId()), &byName);
+  EXPECT_EQ(byName.make()->typeName(), "ClsBancos");
+}
+
+TEST(Components, NamesAndIdentifiersAreUnique) {
+  std::set<std::string> seen;
+  for (const Component* entry : components()) {
+    EXPECT_TRUE(seen.insert(entry->name()).second) << entry->name();
+    EXPECT_TRUE(seen.insert(entry->classId()).second) << entry->classId();
+    EXPECT_EQ(entry->make()->typeName(), entry->name());
+  }
+}
+
+TEST(Components, AnUnknownClassNamesTheNearest) {
+  try {
+    component("ClsBanco");
+    FAIL();
+  } catch (const Error& error) {
+    EXPECT_EQ(error.number(), errors::kMemberNotFound);
+    EXPECT_THAT(error.description(), testing::HasSubstr("did you mean ClsBancos?"));
+  }
+}
+
+TEST(Components, TheSlotsOfClsBancosStandInOrder) {
+  EXPECT_THAT(
+      memberNames(ClsBancos::component()),
+      ElementsAre("GetRptPath", "GetConnectionStrToRpt", "sClassName", "GetConnection",
+                  "GetConnectionStr", "GetPredeterminada", "ExistePredeterminada", "GetIbanBic",
+                  "GetValor", "GetWeb", "IniciaRs", "CrearBanco", "NuevoCodigo", "CodigoLibre",
+                  "EditingRecord", "AbsolutePosition", "AddNew", "Delete", "MoveToBookmark",
+                  "Requery", "Update", "CnnBeginTrans", "CnnCommitTrans", "CnnRollbackTrans",
+                  "Cancel", "MoveFirst", "MoveLast", "MoveNext", "MovePrevious",
+                  "ExistenRegistros", "FindRecord", "SetOrder", "GetOrder"));
+}
+
+TEST(Components, ASignatureShowsDirectionsTypesAndOptions) {
+  const Component& banks = ClsBancos::component();
+  EXPECT_EQ(banks.member("GetIbanBic").signature(),
+            "GetIbanBic(vId As Variant, out sIban As String, out sBic As String, [inout objCn As "
+            "Connection])");
+  EXPECT_EQ(banks.member("ExistenRegistros").signature(), "ExistenRegistros() As Boolean");
+  EXPECT_EQ(banks.member("sClassName").signature(), "sClassName As String");
+}
+
+class CallTest : public testing::Test {
+ protected:
+  Variant call(std::string_view member, std::vector<Variant> arguments = {}) {
+    Variant result = component("ClsBancos").call(*bank, member, arguments);
+    left = std::move(arguments);
+    return result;
+  }
+  test::Shop shop;
+  std::unique_ptr<Object> bank = component("ClsBancos").make();
+  std::vector<Variant> left;
+};
+
+TEST_F(CallTest, AMemberIsCalledByNameWithoutRegardToCase) {
+  EXPECT_EQ(call("sclassname"), Variant("Bancos"));
+}
+
+TEST_F(CallTest, ArgumentsByReferenceAreWrittenBack) {
+  call("GetIbanBic", {"0"});
+  ASSERT_EQ(left.size(), 4U);
+  EXPECT_EQ(left[1], Variant("00"));
+  EXPECT_EQ(left[2], Variant("ND"));
+}
+
+TEST_F(CallTest, AFilledConnectionComesBackAndServesTheNextCall) {
+  call("NuevoCodigo", {Variant()});
+  ASSERT_EQ(left[0].type(), VariantType::kObject);
+  const Variant connection = left[0];
+  call("CodigoLibre", {"1", connection});
+  EXPECT_EQ(left[1], connection);
+}
+
+TEST_F(CallTest, OptionalArgumentsMayBeLeftOut) {
+  call("IniciaRs");
+  EXPECT_EQ(left[0], Variant("todos"));
+  EXPECT_EQ(call("ExistenRegistros"), Variant(false));
+  call("AddNew", {true});
+  EXPECT_EQ(call("EditingRecord"), Variant(true));
+}
+
+TEST_F(CallTest, MistakesAreNamed) {
+  EXPECT_EQ(errorOf([&] { call("GetValores", {"1"}); }), errors::kMemberNotFound);
+  EXPECT_EQ(errorOf([&] { call("GetValor"); }), errors::kWrongNumberOfArguments);
+  EXPECT_EQ(errorOf([&] { call("GetValor", {"1", {}, {}}); }), errors::kWrongNumberOfArguments);
+  EXPECT_EQ(errorOf([&] { call("AddNew", {"quizás"}); }), errors::kTypeMismatch);
+  EXPECT_EQ(errorOf([&] { call("GetValor", {"1", "no connection"}); }), errors::kTypeMismatch);
+}
+
+}  // namespace
+}  // namespace tavelor
