@@ -20,8 +20,9 @@ own_files() {
     for pattern in "$@"; do names+=(-o -path "./$pattern"); done
     find . \( -path ./build -o -path ./.git \) -prune -o -type f \( "${names[@]:1}" \) -print |
       cut -c3-
-  fi | LC_ALL=C sort -u | while IFS= read -r file; do [[ -f $file ]] && printf '%s\n' "$file"; done
-  return 0
+  fi | LC_ALL=C sort -u | while IFS= read -r file; do
+    if [[ -f $file ]]; then printf '%s\n' "$file"; fi # not what was deleted but is still tracked
+  done
 }
 
 # The C++ files that we write.
@@ -33,6 +34,6 @@ build_preset() {
   shift
   local targets=()
   for target in "$@"; do targets+=(--target "$target"); done
-  cmake --preset "$preset" -Wno-dev --log-level=WARNING &&
+  cmake --preset "$preset" -Wno-dev --log-level=WARNING >/dev/null &&
     cmake --build --preset "$preset" --parallel "$(cores)" "${targets[@]}"
 }
