@@ -43,9 +43,6 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/TavelorConfigVersion.cmak
 install(FILES ${PROJECT_BINARY_DIR}/TavelorConfig.cmake ${PROJECT_BINARY_DIR}/TavelorConfigVersion.cmake
   DESTINATION ${package_folder})
 
-# The target of the command may bear another name than the program, which the library's has taken.
-foreach(command IN ITEMS tavelor_command tavelor_tool tavelor_cli)
-  if(TARGET ${command})
-    install(TARGETS ${command})
-  endif()
-endforeach()
+if(TARGET tavelor_command)
+  install(TARGETS tavelor_command)
+endif()
