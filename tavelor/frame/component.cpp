@@ -2,10 +2,11 @@
 // Calling members by name, and the frame's own slots.
 #include "tavelor/frame/component.hpp"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 
+#include <fmt/format.h>
+
+#include "tavelor/frame/controls.hpp"
 #include "tavelor/frame/record_class.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/text.hpp"
@@ -55,6 +56,7 @@ const std::vector<Member>& frameHead() {
       member("GetConnection", &C::GetConnection),
       member("GetConnectionStr", &C::GetConnectionStr),
       member("NuevoCodigo", &C::NuevoCodigo, "[objCn]"),
+      member("SeguridadPermiso", &C::SeguridadPermiso, "sId"),
       member("CodigoLibre", &C::CodigoLibre, "vId, [objCn]"),
   };
   return slots;
@@ -80,8 +82,17 @@ const std::vector<Member>& frameTail() {
       member("MovePrevious", &C::MovePrevious),
       member("ExistenRegistros", &C::ExistenRegistros),
       member("FindRecord", &C::FindRecord, "Criteria"),
+      member("ValidaDefinedSize", &C::ValidaDefinedSize, "Text"),
+      member("ValidaKey", &C::ValidaKey, "Text, KeyAscii"),
+      member("ValidaValue", &C::ValidaValue, "Text"),
+      member("GetFilter", &C::GetFilter, "sLlave"),
+      member("AplyFilter", &C::AplyFilter, "Criteria"),
+      member("CreateFilter", &C::CreateFilter, "ctl, [iType]"),
+      member("SetFilter", &C::SetFilter, "Criteria, sLlave"),
       member("SetOrder", &C::SetOrder, "index, Mode, sLlave"),
       member("GetOrder", &C::GetOrder, "out index, out Mode, sLlave"),
+      member("GetHtmlFile", &C::GetHtmlFile),
+      member("ToHtmlGrid", &C::ToHtmlGrid, "clColfields, [bDoclone], [sSelecSql], [bFilter]"),
   };
   return slots;
 }
@@ -119,8 +130,8 @@ std::string Member::signature() const {
 }
 
 Component::Component(std::string_view name, std::string_view classId, std::string_view word,
-                     Make make, std::vector<Member> members)
-    : name_(name), classId_(classId), word_(word), make_(make), members_(std::move(members)) {}
+                     Make maker, std::vector<Member> members)
+    : name_(name), classId_(classId), word_(word), make_(maker), members_(std::move(members)) {}
 
 const Member& Component::member(std::string_view name) const {
   const auto found = std::find_if(members_.begin(), members_.end(), [&](const Member& slot) {
@@ -136,10 +147,9 @@ const Member& Component::member(std::string_view name) const {
 Variant Component::call(Object& object, std::string_view name,
                         std::vector<Variant>& arguments) const {
   const Member& slot = member(name);
-  const auto required = static_cast<std::size_t>(
-      std::count_if(slot.parameters.begin(), slot.parameters.end(), [](const Parameter& p) {
-        return !p.optional && p.direction != Parameter::Direction::kOut;
-      }));
+  const auto required = static_cast<std::size_t>(std::count_if(
+      slot.parameters.begin(), slot.parameters.end(),
+      [](const Parameter& p) { return !p.optional && p.direction != Parameter::Direction::kOut; }));
   if (arguments.size() < required || arguments.size() > slot.parameters.size()) {
     raise(errors::kWrongNumberOfArguments, kSource,
           fmt::format("{}.{} was given {} arguments", name_, slot.signature(), arguments.size()));
@@ -164,7 +174,9 @@ std::vector<Member> withFrameTail(std::vector<Member> members) {
 
 namespace detail {
 
-const Locale& callLocale() { return Apartment::current().locale(); }
+const Locale& callLocale() {
+  return Apartment::current().locale();
+}
 
 void raiseWrongObject(std::string_view wanted) {
   raise(errors::kTypeMismatch, kSource, fmt::format("A {} is wanted here", wanted));
@@ -201,6 +213,12 @@ std::vector<Parameter> parseParameters(std::string_view names, std::vector<std::
           fmt::format("{} parameter names for {} parameters", parameters.size(), types.size()));
   }
   return parameters;
+}
+
+Object& objectArgument(const Variant* value, std::string_view wanted) {
+  const ObjectPtr* object = value != nullptr ? value->getIf<ObjectPtr>() : nullptr;
+  if (object == nullptr || *object == nullptr) raiseWrongObject(wanted);
+  return **object;
 }
 
 std::shared_ptr<Connection> Marshal<std::shared_ptr<Connection>>::in(const Variant& v) {

@@ -26,7 +26,8 @@ struct Parameter {
   enum class Direction : std::uint8_t { kIn, kOut, kInOut };
 
   std::string name;
-  std::string type;  ///< "String", "Variant", "Boolean", "Integer", "Long", "Double", "Connection"...
+  std::string
+      type;  ///< "String", "Variant", "Boolean", "Integer", "Long", "Double", "Connection"...
   Direction direction = Direction::kIn;
   bool optional = false;
 };
@@ -52,7 +53,7 @@ class Component {
   using Make = std::unique_ptr<Object> (*)();
 
   /// `classId` in braces: "{6F1C...}".
-  Component(std::string_view name, std::string_view classId, std::string_view word, Make make,
+  Component(std::string_view name, std::string_view classId, std::string_view word, Make maker,
             std::vector<Member> members);
 
   const std::string& name() const { return name_; }
@@ -65,8 +66,8 @@ class Component {
   const Member& member(std::string_view name) const;
 
   /// Calls a member by name. Missing optional arguments take their defaults; arguments by reference
-  /// are written back, `arguments` growing to hold them. Raises 438 for an unknown member, 450 for a
-  /// wrong number of arguments, 13 for one of the wrong type.
+  /// are written back, `arguments` growing to hold them. Raises 438 for an unknown member, 450 for
+  /// a wrong number of arguments, 13 for one of the wrong type.
   Variant call(Object& object, std::string_view member, std::vector<Variant>& arguments) const;
 
  private:
@@ -93,6 +94,7 @@ struct Marshal;
 
 const Locale& callLocale();
 [[noreturn]] void raiseWrongObject(std::string_view wanted);
+Object& objectArgument(const Variant* value, std::string_view wanted);
 std::vector<Parameter> parseParameters(std::string_view names, std::vector<std::string> types,
                                        std::vector<bool> byReference);
 
@@ -165,6 +167,22 @@ struct Argument {
   void writeBack(Variant*) {}
   Stored stored;
 };
+/// An object of the application's: a control, the columns of a grid.
+template <typename P>
+requires std::is_base_of_v<Object, std::remove_cvref_t<P>>
+struct Argument<P> {
+  using Value = std::remove_cvref_t<P>;
+  static constexpr bool kByReference = false;
+  static constexpr std::string_view kName = "Object";
+
+  explicit Argument(const Variant* v)
+      : object(dynamic_cast<Value*>(&objectArgument(v, "control or a grid"))) {
+    if (object == nullptr) raiseWrongObject("control or a grid of this kind");
+  }
+  Value& pass() { return *object; }
+  void writeBack(Variant*) {}
+  Value* object;
+};
 template <typename T>
 struct Argument<InOut<T>> {
   static constexpr bool kByReference = true;
@@ -189,7 +207,8 @@ Variant invoke(C& object, F function, std::span<Variant> arguments, std::index_s
     writeBack();
     return {};
   } else {
-    Variant result = Marshal<std::remove_cvref_t<R>>::out((object.*function)(std::get<I>(held).pass()...));
+    Variant result =
+        Marshal<std::remove_cvref_t<R>>::out((object.*function)(std::get<I>(held).pass()...));
     writeBack();
     return result;
   }
@@ -199,8 +218,8 @@ template <typename Class, typename R, typename F, typename... P>
 Member makeMember(std::string_view name, F function, std::string_view names) {
   Member slot;
   slot.name = name;
-  slot.parameters = parseParameters(names, {std::string(Argument<P>::kName)...},
-                                    {Argument<P>::kByReference...});
+  slot.parameters =
+      parseParameters(names, {std::string(Argument<P>::kName)...}, {Argument<P>::kByReference...});
   if constexpr (!std::is_void_v<R>) slot.result = Marshal<std::remove_cvref_t<R>>::kName;
   slot.call = [function](Object& object, std::span<Variant> arguments) {
     auto* typed = dynamic_cast<Class*>(&object);
@@ -219,7 +238,8 @@ Member member(std::string_view name, R (Class::*function)(P...), std::string_vie
   return detail::makeMember<Class, R, decltype(function), P...>(name, function, names);
 }
 template <typename R, typename Class, typename... P>
-Member member(std::string_view name, R (Class::*function)(P...) const, std::string_view names = {}) {
+Member member(std::string_view name, R (Class::*function)(P...) const,
+              std::string_view names = {}) {
   return detail::makeMember<Class, R, decltype(function), P...>(name, function, names);
 }
 /// The same for a property.

@@ -2,9 +2,9 @@
 // The frame: opening, moving, editing and codes, told once for all record classes.
 #include "tavelor/frame/record_class.hpp"
 
-#include <fmt/format.h>
-
 #include <algorithm>
+
+#include <fmt/format.h>
 
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/number_text.hpp"
@@ -12,8 +12,6 @@
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/data_session.hpp"
-#include "tavelor/services/installation.hpp"
-#include "tavelor/services/list_config.hpp"
 #include "tavelor/services/prompt_global.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 
@@ -24,7 +22,9 @@ namespace {
 constexpr std::string_view kPrimary = "Primary";
 constexpr std::string_view kIdMark = "{id}";
 
-const Locale& locale() { return Apartment::current().locale(); }
+const Locale& locale() {
+  return Apartment::current().locale();
+}
 
 // Bookmarks travel as text through some callers, so what is no number is 0 and the record set
 // decides whether that is a row.
@@ -145,7 +145,9 @@ void RecordClass::Delete() {
   if (info_.remove == DeleteForm::kWrites) rows.UpdateBatch(Affect::kAll);
 }
 
-void RecordClass::Cancel() { primary().CancelUpdate(); }
+void RecordClass::Cancel() {
+  primary().CancelUpdate();
+}
 
 bool RecordClass::EditingRecord() const {
   try {
@@ -244,10 +246,18 @@ ConnectionPtr& RecordClass::connection() {
   return cnnPrimary_;
 }
 
-ConnectionPtr RecordClass::GetConnection() { return connection(); }
-void RecordClass::CnnBeginTrans() { connection()->BeginTrans(); }
-void RecordClass::CnnCommitTrans() { connection()->CommitTrans(); }
-void RecordClass::CnnRollbackTrans() { connection()->RollbackTrans(); }
+ConnectionPtr RecordClass::GetConnection() {
+  return connection();
+}
+void RecordClass::CnnBeginTrans() {
+  connection()->BeginTrans();
+}
+void RecordClass::CnnCommitTrans() {
+  connection()->CommitTrans();
+}
+void RecordClass::CnnRollbackTrans() {
+  connection()->RollbackTrans();
+}
 
 // Nearly all classes ask the service and drop its answer. Callers have come to rely on the empty
 // text (it makes them fall back to GetConnection), so it must not be mended here.
@@ -266,49 +276,16 @@ void RecordClass::GetRptPath(InOut<std::string> sRptPath) const {
   sRptPath = DataSession().ReportPath(*sRptPath);
 }
 
-std::string RecordClass::sClassName() const { return std::string(info_.word); }
-
-// ---------------------------------------------------------------------------------------------
-// Orders
-
-namespace {
-
-ListConfig settingsOf(const ClassInfo& info, std::string_view sLlave) {
-  ListConfig settings;
-  settings.Key(fmt::format("{}\\Configuracion\\registros\\{}\\{}\\",
-                           Apartment::current().version().registryRoot(), info.word, sLlave));
-  return settings;
-}
-
-}  // namespace
-
-void RecordClass::SetOrder(std::int16_t index, std::string_view Mode, std::string_view sLlave) {
-  Recordset& rows = primary();
-  if (rows.RecordCount() == 0) return;
-  rows.Sort(rows.Field(index).Name() + std::string(Mode));
-  ListConfig settings = settingsOf(info_, sLlave);
-  settings.SetValue("IndexOrderField", std::to_string(index));
-  settings.SetValue("Mode", Mode);
-}
-
-void RecordClass::GetOrder(InOut<std::int16_t> index, InOut<std::string> Mode,
-                           std::string_view sLlave) const {
-  ListConfig settings = settingsOf(info_, sLlave);
-  index = Variant(settings.GetValue("IndexOrderField", "0")).toInt16(locale());
-  Mode = settings.GetValue("Mode", "");
-}
-
-void RecordClass::restoreOrder(std::string_view sLlave) {
-  std::int16_t index = 0;
-  std::string mode;
-  GetOrder(index, mode, sLlave);
-  SetOrder(index, mode, sLlave);
+std::string RecordClass::sClassName() const {
+  return std::string(info_.word);
 }
 
 // ---------------------------------------------------------------------------------------------
 // Events
 
-void RecordClass::addListener(RecordClassEvents& listener) { listeners_.push_back(&listener); }
+void RecordClass::addListener(RecordClassEvents& listener) {
+  listeners_.push_back(&listener);
+}
 
 void RecordClass::removeListener(RecordClassEvents& listener) {
   std::erase(listeners_, &listener);
@@ -379,8 +356,7 @@ void OpensByWordOnConnection::IniciaRs(InOut<std::string> sSelecSql, const Varia
   openPrimary(*sSelecSql, id, *cnnActive);
 }
 
-void OpensOnConnection::IniciaRs(ObjCn cnnActive, InOut<std::string> sSelecSql,
-                                 const Variant& id) {
+void OpensOnConnection::IniciaRs(ObjCn cnnActive, InOut<std::string> sSelecSql, const Variant& id) {
   openPrimary(*sSelecSql, id, *cnnActive);
 }
 

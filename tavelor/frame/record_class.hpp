@@ -16,6 +16,8 @@
 namespace tavelor {
 
 class Connection;
+class Control;
+class GridColumns;
 class Recordset;
 class Statement;
 using ConnectionPtr = std::shared_ptr<Connection>;
@@ -38,9 +40,9 @@ class RecordClassEvents {
 /// Base of every record class.
 ///
 /// A new object holds no record set; IniciaRs makes one, and until then members that need it raise
-/// 91 (EditingRecord and AbsolutePosition answer false and 0 instead). Errors of the platform and of
-/// the services pass unchanged, and nothing is rolled back: state stays as it was at that moment.
-/// An object is used by one thread, the one whose apartment it was made in.
+/// 91 (EditingRecord and AbsolutePosition answer false and 0 instead). Errors of the platform and
+/// of the services pass unchanged, and nothing is rolled back: state stays as it was at that
+/// moment. An object is used by one thread, the one whose apartment it was made in.
 class RecordClass : public Object {
  public:
   ~RecordClass() override;
@@ -64,9 +66,9 @@ class RecordClass : public Object {
   /// Always "", though the service is asked; only classes that say so in their ClassInfo answer.
   std::string GetConnectionStr() const;
 
-  /// The greatest code plus 1; 1 on an empty table. A maximum that is no number comes back as it is.
-  /// The sum is a number: "00012" gives 13. The maximum of a text column is the greatest text, so
-  /// "9" beats "10". Nothing reserves the code: two callers may get the same.
+  /// The greatest code plus 1; 1 on an empty table. A maximum that is no number comes back as it
+  /// is. The sum is a number: "00012" gives 13. The maximum of a text column is the greatest text,
+  /// so "9" beats "10". Nothing reserves the code: two callers may get the same.
   Variant NuevoCodigo(ObjCn objCn = {}) const;
   /// Whether no row has that code.
   bool CodigoLibre(const Variant& vId, ObjCn objCn = {}) const;
@@ -100,11 +102,48 @@ class RecordClass : public Object {
   /// From the current row on; at EOF when nothing is found. `Criteria` is not escaped.
   void FindRecord(std::string_view Criteria);
 
+  // ---- Validation of a control's entry, by the type of the field that it is bound to.
+  // A control whose DataField is no field of the record set raises 3265.
+
+  /// Characters that an entry may have.
+  std::int32_t ValidaDefinedSize(const Control& Text) const;
+  /// Whether a key is accepted; the length tested is that of the text before it.
+  bool ValidaKey(const Control& Text, std::int16_t KeyAscii) const;
+  /// Whether the text fits the field's type.
+  bool ValidaValue(const Control& Text) const;
+
+  // ---- Filters and orders, each remembered under the class word and the free word `sLlave`.
+
+  /// The filter that SetFilter stored, or "".
+  std::string GetFilter(std::string_view sLlave) const;
+  /// Filters the primary record set; "" clears.
+  void AplyFilter(std::string_view Criteria);
+  /// One criterion from one control, "" for an empty one. `iType` "1" asks for >=, "2" for <=,
+  /// anything else for Like on text and = on the rest. Quotes in the control's text are not
+  /// escaped; the entries of a list box are read by selecting each in turn.
+  std::string CreateFilter(Control& ctl, std::string_view iType = {}) const;
+  /// Stores a filter; the record set stays as it is.
+  void SetFilter(std::string_view Criteria, std::string_view sLlave) const;
   /// Sorts by the field at `index`, its name directly followed by `Mode` (" DESC" brings its own
   /// blank), and remembers both under `sLlave`. On an empty record set it does nothing at all.
   void SetOrder(std::int16_t index, std::string_view Mode, std::string_view sLlave);
   /// What SetOrder remembered: 0 and "" where it never did.
   void GetOrder(InOut<std::int16_t> index, InOut<std::string> Mode, std::string_view sLlave) const;
+
+  /// Whether the current user may use the function `sId` of the application: true unless the
+  /// registry holds a value of that name among the denials.
+  bool SeguridadPermiso(std::string_view sId) const;
+
+  // ---- Pages. See page.hpp for encoding and failures.
+
+  /// Where the class's page lies.
+  std::string GetHtmlFile() const;
+  /// Writes the visible columns of a grid as a page. `bDoclone` works on a clone in the order
+  /// remembered for `sSelecSql`, and writes nothing when there are no rows; without it the primary
+  /// record set is walked and left at EOF. `bFilter` applies the filter stored under "Filter".
+  /// Values are written as they are, with no escaping.
+  void ToHtmlGrid(const GridColumns& clColfields, bool bDoclone = false,
+                  std::string_view sSelecSql = {}, bool bFilter = false);
 
   /// Names of the data members: none before IniciaRs, then "Primary".
   const std::vector<std::string>& DataMembers() const { return dataMembers_; }
@@ -129,6 +168,12 @@ class RecordClass : public Object {
   /// The primary record set; raises 91 before IniciaRs.
   Recordset& primary() const;
 
+  /// The rows that a page shows: a sorted clone or the primary record set, filtered if asked. Null
+  /// when a clone has no rows.
+  RecordsetPtr pageRows(bool bDoclone, std::string_view sSelecSql, bool bFilter);
+  /// The record by record form of a page, for the classes that offer it as ToHtml.
+  void writeRecordPage(bool bDoclone, std::string_view sSelecSql, bool bFilter);
+
   /// Opens a SELECT on `objCn`, filling it when it is empty.
   RecordsetPtr read(const Statement& statement, ObjCn objCn) const;
   /// Runs a statement that gives no rows on `objCn`, filling it when it is empty.
@@ -146,6 +191,7 @@ class RecordClass : public Object {
   class PrimaryEvents;
 
   void restoreOrder(std::string_view sLlave);
+  static void sortBy(Recordset& rows, std::int16_t index, std::string_view mode);
   ConnectionPtr& connection();
   void raiseMoveComplete();
 

@@ -21,13 +21,16 @@ class InOut {
       : own_(std::forward<U>(value)), target_(&own_) {}
 
   InOut(const InOut& other) : own_(other.own_), target_(other.isOwn() ? &own_ : other.target_) {}
-  InOut& operator=(const InOut&) = delete;
+  const InOut& operator=(const InOut&) const = delete;
 
   T& get() const { return *target_; }
   T& operator*() const { return *target_; }
   T* operator->() const { return target_; }
-  const InOut& operator=(T value) const {
-    *target_ = std::move(value);
+  template <typename U>
+  requires(std::is_assignable_v<T&, U&&> &&
+           !std::is_same_v<std::remove_cvref_t<U>, InOut>) const InOut&
+  operator=(U&& value) const {
+    *target_ = std::forward<U>(value);
     return *this;
   }
 

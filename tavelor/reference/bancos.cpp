@@ -148,6 +148,7 @@ const Component& ClsBancos::component() {
           member("IniciaRs", &C::IniciaRs, "[inout sSelecSql], [id]"),
           member("CrearBanco", &C::CrearBanco, "inout vId, sBanco, [objCn]"),
           frameMember("NuevoCodigo"),
+          frameMember("SeguridadPermiso"),
           frameMember("CodigoLibre"),
       }));
   return table;

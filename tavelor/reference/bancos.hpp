@@ -8,9 +8,9 @@ namespace tavelor {
 
 class Component;
 
-/// The catalogue of the owner's bank accounts: a text code, a description, one default row and a few
-/// look-ups. Every look-up is a read of its own; a value that is not escaped by the caller breaks
-/// its statement and raises the database's syntax error.
+/// The catalogue of the owner's bank accounts: a text code, a description, one default row and a
+/// few look-ups. Every look-up is a read of its own; a value that is not escaped by the caller
+/// breaks its statement and raises the database's syntax error.
 class ClsBancos final : public OpensByWord {
  public:
   ClsBancos();

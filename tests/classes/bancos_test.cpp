@@ -45,8 +45,7 @@ TEST_F(ClsBancosTest, SeleccioncomboIsOrderedByTheName) {
 
 TEST_F(ClsBancosTest, RegistroFiltersTheFullSelectByTheCode) {
   banks.IniciaRs("registro", "00012");
-  EXPECT_THAT(shop.statements(),
-              ElementsAre(std::string(kTodos) + " Where ( Codigo = '00012')"));
+  EXPECT_THAT(shop.statements(), ElementsAre(std::string(kTodos) + " Where ( Codigo = '00012')"));
 }
 
 TEST_F(ClsBancosTest, AnyOtherWordIsTheFullSelectUnderItsAliases) {
@@ -57,10 +56,9 @@ TEST_F(ClsBancosTest, AnyOtherWordIsTheFullSelectUnderItsAliases) {
   std::vector<std::string> names;
   const RecordsetPtr rows = banks.DataMember("Primary");
   for (std::int32_t i = 0; i < rows->Fields().Count(); ++i) names.push_back(rows->Field(i).Name());
-  EXPECT_THAT(names,
-              ElementsAre("Código", "Descripción", "Entidad", "Oficina", "DC", "Cuenta", "IBAN",
-                          "Swift", "Dirección", "Cp", "Población", "Provincia", "Teléfono", "Fax",
-                          "E_Mail", "Http", "Predeterminada"));
+  EXPECT_THAT(names, ElementsAre("Código", "Descripción", "Entidad", "Oficina", "DC", "Cuenta",
+                                 "IBAN", "Swift", "Dirección", "Cp", "Población", "Provincia",
+                                 "Teléfono", "Fax", "E_Mail", "Http", "Predeterminada"));
 }
 
 // ---- The default bank
@@ -101,8 +99,9 @@ TEST_F(ClsBancosTest, GetIbanBicOfZeroAnswersWithoutADatabase) {
 }
 
 TEST_F(ClsBancosTest, GetIbanBicReadsBothAndAnswersZeroForNull) {
-  shop.run("INSERT INTO Bancos (Codigo, IBAN, Swift) VALUES ('1', 'ES7921000813610123456789', "
-           "'CAIXESBBXXX')");
+  shop.run(
+      "INSERT INTO Bancos (Codigo, IBAN, Swift) VALUES ('1', 'ES7921000813610123456789', "
+      "'CAIXESBBXXX')");
   shop.run("INSERT INTO Bancos (Codigo) VALUES ('2')");
   std::string iban, bic;
   banks.GetIbanBic("1", iban, bic);
@@ -124,8 +123,9 @@ TEST_F(ClsBancosTest, GetIbanBicOfACodeThatIsNotThereRaisesNoCurrentRecord) {
 // ---- GetValor
 
 TEST_F(ClsBancosTest, GetValorWritesTheAccount) {
-  shop.run("INSERT INTO Bancos (Codigo, Entidad, Oficina, DC, CC, IBAN) VALUES "
-           "('1', '2100', '0813', '61', '0123456789', 'ES79')");
+  shop.run(
+      "INSERT INTO Bancos (Codigo, Entidad, Oficina, DC, CC, IBAN) VALUES "
+      "('1', '2100', '0813', '61', '0123456789', 'ES79')");
   EXPECT_EQ(text(banks.GetValor("1")), "  CC :  2100-0813-61-0123456789  IBAN :  ES79");
   EXPECT_EQ(shop.statements().back(),
             "SELECT Codigo AS Código, Banco AS Descripción, Entidad, Oficina, DC,  CC AS Cuenta, "
@@ -137,8 +137,7 @@ TEST_F(ClsBancosTest, GetValorWritesTheAccount) {
 // carry this text, so it must not be shortened.
 TEST_F(ClsBancosTest, GetValorOfARowWithoutAnAccountIsThePatternWithAllFallbacks) {
   shop.run("INSERT INTO Bancos (Codigo) VALUES ('1')");
-  EXPECT_EQ(text(banks.GetValor("1")),
-            "0000-0000-00-0000000000-0000-00-0000000000-0000000000");
+  EXPECT_EQ(text(banks.GetValor("1")), "0000-0000-00-0000000000-0000-00-0000000000-0000000000");
 }
 
 TEST_F(ClsBancosTest, GetValorFillsEachMissingPartByItself) {
@@ -170,9 +169,10 @@ TEST_F(ClsBancosTest, CrearBancoPadsTheNextCodeAndStoresItWithABlankBehind) {
   Variant code = "whatever the caller passed";
   EXPECT_EQ(banks.CrearBanco(code, "Caja Rural"), "00013");
   EXPECT_EQ(code, Variant("00013"));
-  EXPECT_THAT(shop.statements(),
-              ElementsAre("SELECT MAX(Codigo) AS Nuevo_Codigo FROM Bancos",
-                          "INSERT INTO Bancos (  Codigo, Banco  ) values ( '00013 ', 'Caja Rural')"));
+  EXPECT_THAT(
+      shop.statements(),
+      ElementsAre("SELECT MAX(Codigo) AS Nuevo_Codigo FROM Bancos",
+                  "INSERT INTO Bancos (  Codigo, Banco  ) values ( '00013 ', 'Caja Rural')"));
   EXPECT_EQ(shop.text("SELECT Codigo FROM Bancos WHERE Banco = 'Caja Rural'"), "00013 ");
   EXPECT_TRUE(banks.CodigoLibre("00013")) << "the blank is part of the code";
   EXPECT_FALSE(banks.CodigoLibre("00013 "));

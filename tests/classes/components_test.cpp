@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tavelor/components.hpp"
 
+#include <set>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <set>
 
 #include "tavelor/frame/component.hpp"
 #include "tavelor/reference/bancos.hpp"
@@ -53,11 +53,13 @@ TEST(Components, TheSlotsOfClsBancosStandInOrder) {
       memberNames(ClsBancos::component()),
       ElementsAre("GetRptPath", "GetConnectionStrToRpt", "sClassName", "GetConnection",
                   "GetConnectionStr", "GetPredeterminada", "ExistePredeterminada", "GetIbanBic",
-                  "GetValor", "GetWeb", "IniciaRs", "CrearBanco", "NuevoCodigo", "CodigoLibre",
-                  "EditingRecord", "AbsolutePosition", "AddNew", "Delete", "MoveToBookmark",
-                  "Requery", "Update", "CnnBeginTrans", "CnnCommitTrans", "CnnRollbackTrans",
-                  "Cancel", "MoveFirst", "MoveLast", "MoveNext", "MovePrevious",
-                  "ExistenRegistros", "FindRecord", "SetOrder", "GetOrder"));
+                  "GetValor", "GetWeb", "IniciaRs", "CrearBanco", "NuevoCodigo", "SeguridadPermiso",
+                  "CodigoLibre", "EditingRecord", "AbsolutePosition", "AddNew", "Delete",
+                  "MoveToBookmark", "Requery", "Update", "CnnBeginTrans", "CnnCommitTrans",
+                  "CnnRollbackTrans", "Cancel", "MoveFirst", "MoveLast", "MoveNext", "MovePrevious",
+                  "ExistenRegistros", "FindRecord", "ValidaDefinedSize", "ValidaKey", "ValidaValue",
+                  "GetFilter", "AplyFilter", "CreateFilter", "SetFilter", "SetOrder", "GetOrder",
+                  "GetHtmlFile", "ToHtmlGrid"));
 }
 
 TEST(Components, ASignatureShowsDirectionsTypesAndOptions) {

@@ -2,10 +2,10 @@
 // The frame's rules, on classes that differ in one value of their ClassInfo each.
 #include "tavelor/frame/record_class.hpp"
 
+#include <array>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <array>
 
 #include "tavelor/services/prompt_global.hpp"
 #include "tavelor/services/recordset/connection.hpp"
@@ -46,10 +46,10 @@ class RecordClassTest : public testing::Test {
   void add(const std::string& code, const std::string& name = "X") {
     shop.run("INSERT INTO Bancos (Codigo, Banco) VALUES ('" + code + "', '" + name + "')");
   }
-  std::string code(RecordClass& banks) {
-    return banks.DataMember("Primary")->Field(0).Value().toText(shop.apartment().locale());
+  std::string code(RecordClass& of) {
+    return of.DataMember("Primary")->Field(0).Value().toText(shop.apartment().locale());
   }
-  Recordset& rows(RecordClass& banks) { return *banks.DataMember("Primary"); }
+  Recordset& rows(RecordClass& of) { return *of.DataMember("Primary"); }
 
   test::Shop shop;
   Sample<OpensByWord> banks{kBase};
@@ -98,7 +98,8 @@ TEST_F(RecordClassTest, TheIdIsSplicedAsTextWithoutEscaping) {
 
 TEST_F(RecordClassTest, AHostileIdNeverReachesMoreThanItsPlace) {
   add("1");
-  for (const char* hostile : {"'; DELETE FROM Bancos", "' or '1'='1", "1' UNION SELECT '2", "\xff"}) {
+  for (const char* hostile :
+       {"'; DELETE FROM Bancos", "' or '1'='1", "1' UNION SELECT '2", "\xff"}) {
     EXPECT_EQ(errorOf([&] { banks.IniciaRs("registro", hostile); }), errors::kSyntax) << hostile;
   }
   EXPECT_EQ(errorOf([&] { banks.IniciaRs("registro", std::string("1\0x", 3)); }), errors::kSyntax);
@@ -482,8 +483,7 @@ TEST_F(RecordClassTest, MoveToBookmarkTakesTheTextOfABookmark) {
   add("2");
   banks.IniciaRs();
   banks.MoveLast();
-  const std::string bookmark =
-      rows(banks).Bookmark().toText(shop.apartment().locale());
+  const std::string bookmark = rows(banks).Bookmark().toText(shop.apartment().locale());
   banks.MoveFirst();
   banks.MoveToBookmark(bookmark);
   EXPECT_EQ(code(banks), "2");
@@ -596,7 +596,9 @@ TEST_F(RecordClassTest, GetRptPathWritesTheFullPathIntoTheCallersText) {
   EXPECT_EQ(path, DataSession().ReportPath("bancos.rpt"));
 }
 
-TEST_F(RecordClassTest, SClassNameIsTheClassWord) { EXPECT_EQ(banks.sClassName(), "Bancos"); }
+TEST_F(RecordClassTest, SClassNameIsTheClassWord) {
+  EXPECT_EQ(banks.sClassName(), "Bancos");
+}
 
 TEST_F(RecordClassTest, AnErrorOfTheDatabaseComesThroughUnchanged) {
   constexpr std::array modes = {Mode{kAnyOtherWord, "SELECT Nada FROM Bancos"}};
