@@ -6,7 +6,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace tavelor::engine {
@@ -46,10 +45,42 @@ struct Column {
   std::string defaultText;  ///< the DEFAULT literal as written, or ""
 };
 
+/// Finds names without regard to case. Open addressing over the hashes of the folded names.
+class NameIndex {
+ public:
+  void reserve(std::size_t names);
+  /// `position` is what find() will give for `name`.
+  void add(std::string_view name, std::size_t position);
+  /// The first position with that hash for which `isName(position)` says yes, or -1.
+  template <typename Test>
+  int find(std::string_view name, Test isName) const {
+    if (slots_.empty()) return -1;
+    const std::uint32_t hash = hashOf(name);
+    for (std::size_t i = hash & (slots_.size() - 1); slots_[i].position >= 0;
+         i = (i + 1) & (slots_.size() - 1)) {
+      if (slots_[i].hash == hash && isName(static_cast<std::size_t>(slots_[i].position))) {
+        return slots_[i].position;
+      }
+    }
+    return -1;
+  }
+
+ private:
+  struct Slot {
+    std::uint32_t hash = 0;
+    std::int32_t position = -1;
+  };
+  /// Equal for names that differ in case only.
+  static std::uint32_t hashOf(std::string_view name);
+
+  std::vector<Slot> slots_;  ///< a power of two, at most half full
+};
+
 struct Table {
   std::string name;
   std::vector<Column> columns;
   std::vector<std::size_t> key;  ///< positions of the primary key's columns, in key order
+  NameIndex columnIndex;         ///< made by the catalogue; find() works without it, by trying all
 
   /// Position of a column without regard to case, or -1.
   int find(std::string_view column) const;
@@ -67,7 +98,7 @@ class Catalogue {
 
  private:
   std::vector<Table> tables_;
-  std::unordered_map<std::string, std::size_t> byFoldedName_;
+  NameIndex index_;
 };
 
 }  // namespace tavelor::engine

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// What a database engine must do. A new engine implements these three classes in a folder of its own.
+// What a database engine must do. A new engine implements these three classes in a folder of its
+// own.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -22,14 +24,17 @@ class Prepared {
  public:
   virtual ~Prepared() = default;
   virtual int parameterCount() const = 0;
-  /// `index` from 1. Views in `value` must live until run() or fetch() returns.
+  /// `index` from 1. Views in `value` must live until run() or fetch() returns; a text or bytes
+  /// must be bound anew before the next run.
   virtual void bind(int index, const Value& value) = 0;
-  /// Runs to the end and gives the number of rows written. After an error the statement has changed
-  /// nothing and may be run again.
+  /// Runs to the end and gives the number of rows written; rows that it would give are dropped.
+  /// After an error the statement has changed nothing and may be run again.
   virtual std::int64_t run() = 0;
-  /// Runs to the end and appends every row. A value that is not of the store's column type is
-  /// converted as far as it can be; what cannot be converted raises 13. After an error `rows` holds
-  /// what was fetched before it.
+  /// Runs to the end and appends every row, whose number of columns must be that of the store. A
+  /// value that is not of the store's column type is converted as far as it can be: texts by the
+  /// session's locale, numbers to whole ones by rounding halves to even. What cannot be converted
+  /// raises 13, what does not fit 6. After an error `rows` holds what was fetched before it; a
+  /// statement that writes has then changed nothing.
   virtual void fetch(RowStore& rows) = 0;
 };
 
@@ -37,8 +42,10 @@ class Prepared {
 ///
 /// Errors come as tavelor::Error: errors::kBusy when another writer did not finish within the wait,
 /// kIntegrityViolation for a key or a null that the table refuses, kSyntax for a text that the
-/// engine refuses, kUnspecified for the rest (disk full, file damaged, read-only), each with the
-/// engine's own code.
+/// engine refuses, kPathAccess for what may not be written, the number that a function of the
+/// dialect raised (13, 11, 6...), kUnspecified for the rest (disk full, file damaged), each with
+/// the engine's own code. Some of them, a full disk above all, end the whole transaction: depth()
+/// is then 0.
 class Session {
  public:
   virtual ~Session() = default;
@@ -49,20 +56,30 @@ class Session {
 
   /// Transactions nest; the number of open levels is the result. The outermost one takes the right
   /// to write at once, waiting for it if need be, so that it can't fail half way for want of it.
+  /// Without an open level commit() and rollback() raise kNotAllowedInContext. When the outermost
+  /// commit() fails nothing of the transaction is left, and no level is open. A session that dies
+  /// rolls back.
   virtual int begin() = 0;
   virtual int commit() = 0;
   virtual int rollback() = 0;
   virtual int depth() const = 0;
 
   virtual Catalogue describe() = 0;
+
+  /// Moves all that is committed into the database's own file, for whoever copies or reads that one
+  /// alone. Raises kBusy while others read or write. Nothing to do for a server.
+  virtual void settle() {}
 };
 
 struct OpenOptions {
-  std::string path;             ///< of a file-based database
-  bool create = false;          ///< make the file if it is not there; else that is an error
+  std::string path;     ///< of a file-based database; ":memory:" is one that dies with its session
+  bool create = false;  ///< make the file if it is not there; else that is an error
   bool readOnly = false;
-  bool synchronous = true;      ///< false: a power cut may lose the last transactions, never the file
-  int busyTimeoutMs = 5000;     ///< how long to wait for another writer
+  bool synchronous = true;   ///< false: a power cut may lose the last transactions, never the file
+  int busyTimeoutMs = 5000;  ///< how long to wait for another writer
+  /// Asked before each wait for another writer, when it is set: false gives kBusy at once. Whoever
+  /// owns several sessions of one thread knows when it would wait for itself.
+  std::function<bool()> worthWaiting;
   std::shared_ptr<const Locale> locale;  ///< by which texts in columns read as numbers
 };
 
@@ -73,7 +90,35 @@ class Engine {
   virtual std::string_view name() const = 0;
   /// True if a database of this engine is one file.
   virtual bool isFile() const = 0;
+  /// Errors: kFileNotFound for a missing file or folder, kPathAccess for one that may not be read
+  /// or written, kUnspecified for a file that is no database, kBusy. Nothing is made or changed
+  /// then.
   virtual std::unique_ptr<Session> open(const OpenOptions& options) const = 0;
+};
+
+/// One level of transaction that is rolled back unless it was committed.
+class Transaction {
+ public:
+  explicit Transaction(Session& session) : session_(session), level_(session.begin()) {}
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+  ~Transaction() {
+    if (level_ == 0 || session_.depth() < level_) return;
+    try {
+      session_.rollback();
+    } catch (...) {
+      // The error that brought us here tells more; the engine rolls back when the session ends.
+    }
+  }
+
+  void commit() {
+    level_ = 0;
+    session_.commit();
+  }
+
+ private:
+  Session& session_;
+  int level_;
 };
 
 }  // namespace tavelor::engine

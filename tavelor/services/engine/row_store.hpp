@@ -35,6 +35,33 @@ class RowStore {
 
   /// Appends a row of nulls and gives its number.
   std::size_t append();
+  /// Takes the last row away again. The room of its long texts comes back only with the store's.
+  void removeLast() { --rows_; }
+
+  /// One row to be filled, without looking it up for every cell. The store must not move or die
+  /// while it is used; other rows may be appended.
+  class Cells {
+   public:
+    void setInteger(std::size_t column, std::int64_t value) {
+      set(column, std::bit_cast<Word>(value));
+    }
+    void setReal(std::size_t column, double value) { set(column, std::bit_cast<Word>(value)); }
+    void setText(std::size_t column, std::string_view value) {
+      set(column, store_->packText(value));
+    }
+
+   private:
+    friend class RowStore;
+    Cells(RowStore& store, Word* words) : store_(&store), words_(words) {}
+    void set(std::size_t column, Word value) {
+      words_[store_->nullWords_ + column] = value;
+      words_[column / 64] &= ~(Word{1} << (column % 64));
+    }
+
+    RowStore* store_;
+    Word* words_;
+  };
+  Cells cells(std::size_t row) { return {*this, &word(row, 0)}; }
 
   bool isNull(std::size_t row, std::size_t column) const {
     return (word(row, column / 64) >> (column % 64) & 1U) != 0;
@@ -75,10 +102,9 @@ class RowStore {
 
   // Rows lie in chunks: the first one small, as most results are, the others of kChunkRows.
   const Word& word(std::size_t row, std::size_t index) const {
-    return row < kFirstChunkRows
-               ? chunks_[0][row * stride_ + index]
-               : chunks_[1 + (row - kFirstChunkRows) / kChunkRows]
-                        [(row - kFirstChunkRows) % kChunkRows * stride_ + index];
+    return row < kFirstChunkRows ? chunks_[0][row * stride_ + index]
+                                 : chunks_[1 + (row - kFirstChunkRows) / kChunkRows]
+                                          [(row - kFirstChunkRows) % kChunkRows * stride_ + index];
   }
   Word& word(std::size_t row, std::size_t index) {
     return const_cast<Word&>(std::as_const(*this).word(row, index));

@@ -1,0 +1,247 @@
+// SPDX-License-Identifier: MIT
+// Prepared plans by the shape of a statement.
+#include "tavelor/services/dialect/plan_cache.hpp"
+
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "tavelor/platform/date_text.hpp"
+#include "tavelor/platform/error.hpp"
+#include "tavelor/platform/statement.hpp"
+#include "tavelor/services/dialect/dialect.hpp"
+#include "tavelor/services/dialect/generations.hpp"
+#include "tavelor/services/dialect/lexer.hpp"
+#include "tavelor/services/dialect/literal_value.hpp"
+#include "tavelor/services/dialect/splice.hpp"
+#include "tavelor/services/engine/engine.hpp"
+#include "tavelor/services/engine/row_store.hpp"
+#include "tavelor/services/engine/value.hpp"
+
+namespace tavelor::dialect {
+
+namespace {
+
+// Statements of a till and of a back office number some hundreds; lists of varying length add more.
+constexpr std::size_t kCapacity = 512;
+// Statements that differ in the kinds of their numbers only share a place. More than these few are
+// not worth remembering.
+constexpr std::size_t kMostAlike = 8;
+
+/// Texts by text, found without making a string.
+struct TextHash {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view text) const {
+    return std::hash<std::string_view>()(text);
+  }
+};
+template <typename Value>
+using ByText = std::unordered_map<std::string, Value, TextHash, std::equal_to<>>;
+
+/// Splice::hash() is spread already.
+struct Spread {
+  std::size_t operator()(std::uint64_t hash) const { return hash; }
+};
+
+/// A plan and its compiled steps.
+struct Compiled {
+  std::shared_ptr<const Plan> plan;
+  std::vector<std::unique_ptr<engine::Prepared>> steps;
+};
+
+struct Spliced {
+  Splice splice;
+  std::shared_ptr<Compiled> compiled;
+};
+
+/// By literal: true if all that it does is to be assigned to columns. Whether such a number is
+/// written whole makes no difference to the plan.
+std::vector<bool> eitherKindOf(const Shape& shape, const Plan& plan) {
+  std::vector<bool> isAssigned(shape.literals.size(), false);
+  std::vector<bool> isOther(shape.literals.size(), false);
+  for (const Step& step : plan.steps) {
+    for (const Parameter& parameter : step.parameters) {
+      (parameter.column.empty() ? isOther
+                                : isAssigned)[static_cast<std::size_t>(parameter.literal)] = true;
+    }
+  }
+  for (std::size_t i = 0; i < isAssigned.size(); ++i) isAssigned[i] = isAssigned[i] && !isOther[i];
+  return isAssigned;
+}
+
+}  // namespace
+
+struct PlanCache::State {
+  State(engine::Session& theSession, std::shared_ptr<const engine::Catalogue> theCatalogue,
+        std::shared_ptr<const Locale> theLocale, const Writer& theWriter)
+      : session(theSession),
+        catalogue(std::move(theCatalogue)),
+        locale(std::move(theLocale)),
+        writer(theWriter),
+        reader(*locale) {}
+
+  /// The plan of a statement; leaves its literals in `literals`.
+  const std::shared_ptr<Compiled>& find(const Statement& statement) {
+    std::uint64_t hash = 0;
+    if (!statement.ranges().empty()) {
+      hash = Splice::hash(statement);
+      if (std::vector<Spliced>* const alike = spliced.find(hash)) {
+        for (Spliced& candidate : *alike) {
+          if (candidate.splice.take(statement, literals)) {
+            ++counters.shapeHits;
+            return candidate.compiled;
+          }
+        }
+      }
+    }
+    return findByLexing(statement, hash);
+  }
+
+  const std::shared_ptr<Compiled>& findByLexing(const Statement& statement, std::uint64_t hash) {
+    shape = shapeOf(statement);
+    std::shared_ptr<Compiled>* found = plans.find(std::string_view(shape.key));
+    if (found != nullptr) {
+      ++counters.lexedHits;
+    } else {
+      auto compiled = std::make_shared<Compiled>();
+      Literals again;
+      compiled->plan =
+          std::make_shared<const Plan>(translate(statement, *catalogue, writer, again));
+      compiled->steps.resize(compiled->plan->steps.size());
+      ++counters.translated;
+      found = &plans.put(shape.key, std::move(compiled));
+    }
+    if (!statement.ranges().empty()) remember(statement, hash, *found);
+    takeLexed();
+    return *found;
+  }
+
+  void remember(const Statement& statement, std::uint64_t hash,
+                const std::shared_ptr<Compiled>& compiled) {
+    auto splice = Splice::of(statement, shape, eitherKindOf(shape, *compiled->plan));
+    if (!splice) return;
+    std::vector<Spliced>* alike = spliced.find(hash);
+    if (alike == nullptr) alike = &spliced.put(hash, {});
+    if (alike->size() < kMostAlike) alike->push_back({std::move(*splice), compiled});
+  }
+
+  void takeLexed() {
+    literals.clear();
+    for (std::size_t i = 0; i < shape.literals.size(); ++i) {
+      Lifted literal{shape.literals[i], 0, shape.kinds[i] == LiteralKind::kText};
+      if (shape.kinds[i] == LiteralKind::kDate) {
+        literal.day = parseSqlDate(literal.text).value_or(Date()).days();
+      }
+      literals.push_back(literal);
+    }
+  }
+
+  engine::Prepared& ready(Compiled& compiled, std::size_t index) {
+    const Step& step = compiled.plan->steps[index];
+    std::unique_ptr<engine::Prepared>& prepared = compiled.steps[index];
+    if (!prepared) prepared = session.prepare(step.sql);
+    int place = 0;
+    for (const Parameter& parameter : step.parameters) {
+      const Lifted& literal = literals[static_cast<std::size_t>(parameter.literal)];
+      prepared->bind(++place, reader.read(literal, parameter));
+    }
+    return *prepared;
+  }
+
+  std::int64_t runSteps(Compiled& compiled) {
+    if (compiled.steps.size() == 1) return ready(compiled, 0).run();
+    engine::Transaction transaction(session);
+    std::int64_t rows = 0;
+    for (std::size_t i = 0; i < compiled.steps.size(); ++i) rows = ready(compiled, i).run();
+    transaction.commit();
+    return rows;
+  }
+
+  engine::Session& session;
+  std::shared_ptr<const engine::Catalogue> catalogue;
+  std::shared_ptr<const Locale> locale;
+  const Writer& writer;
+  LiteralReader reader;
+
+  Generations<std::unordered_map<std::uint64_t, std::vector<Spliced>, Spread>> spliced{kCapacity};
+  Generations<ByText<std::shared_ptr<Compiled>>> plans{kCapacity};
+  Generations<ByText<std::unique_ptr<engine::Prepared>>> composed{kCapacity};
+
+  // Of the statement at hand; kept for their room.
+  Shape shape;
+  std::vector<Lifted> literals;
+  Counters counters;
+};
+
+PlanCache::PlanCache(engine::Session& session, std::shared_ptr<const engine::Catalogue> catalogue,
+                     std::shared_ptr<const Locale> locale, const Writer& writer)
+    : state_(std::make_unique<State>(session, std::move(catalogue), std::move(locale), writer)) {}
+
+PlanCache::~PlanCache() = default;
+
+std::int64_t PlanCache::run(const Statement& statement) {
+  try {
+    return state_->runSteps(*state_->find(statement));
+  } catch (Error& error) {
+    error.inStatement(statement.text());
+    throw;
+  }
+}
+
+std::shared_ptr<const Plan> PlanCache::plan(const Statement& statement) {
+  return state_->find(statement)->plan;
+}
+
+void PlanCache::fetch(const Statement& statement, engine::RowStore& rows) {
+  try {
+    Compiled& compiled = *state_->find(statement);
+    if (compiled.plan->kind != StatementKind::kSelect) {
+      raise(errors::kNotAllowedInContext, "Statement", "it gives no rows");
+    }
+    state_->ready(compiled, 0).fetch(rows);
+  } catch (Error& error) {
+    error.inStatement(statement.text());
+    throw;
+  }
+}
+
+std::int64_t PlanCache::run(std::string_view withPlaceholders,
+                            std::span<const engine::Value> values, engine::RowStore* returned) {
+  try {
+    std::unique_ptr<engine::Prepared>* prepared = state_->composed.find(withPlaceholders);
+    if (prepared == nullptr) {
+      prepared = &state_->composed.put(std::string(withPlaceholders),
+                                       state_->session.prepare(withPlaceholders));
+    }
+    engine::Prepared& ready = **prepared;
+    if (static_cast<std::size_t>(ready.parameterCount()) != values.size()) {
+      raise(errors::kMissingParameter, "Statement",
+            fmt::format("{} values for {} placeholders", values.size(), ready.parameterCount()));
+    }
+    int place = 0;
+    for (const engine::Value& value : values) ready.bind(++place, value);
+    if (returned == nullptr) return ready.run();
+    const std::size_t before = returned->rows();
+    ready.fetch(*returned);
+    return static_cast<std::int64_t>(returned->rows() - before);
+  } catch (Error& error) {
+    error.inStatement(withPlaceholders);
+    throw;
+  }
+}
+
+void PlanCache::reset(std::shared_ptr<const engine::Catalogue> catalogue) {
+  state_->spliced.clear();
+  state_->plans.clear();
+  state_->composed.clear();
+  state_->catalogue = std::move(catalogue);
+}
+
+PlanCache::Counters PlanCache::counters() const {
+  return state_->counters;
+}
+
+}  // namespace tavelor::dialect

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+// Functions on dates, and the clock.
+#include <array>
+#include <cmath>
+#include <ctime>
+
+#include "tavelor/platform/date.hpp"
+#include "tavelor/platform/date_text.hpp"
+#include "tavelor/services/sqlite/functions.hpp"
+
+namespace tavelor::engine::sqlite {
+
+namespace {
+
+double dateOf(const Call& call, int i) {
+  if (call.isNumber(i)) return sqlite3_value_double(call.argument(i));
+  const std::string_view written = call.text(i);
+  const auto date = parseDate(written, call.locale());
+  if (!date) refuse(errors::kTypeMismatch, "'" + std::string(written) + "' is no date");
+  return date->days();
+}
+
+void dateValue(Call& call) {
+  if (call.isNumber(0)) return call.pass(0);
+  call.give(dateOf(call, 0));
+}
+
+void part(Call& call) {
+  const std::string_view code = call.text(0);
+  const Date date(dateOf(call, 1));
+  if (code == "w") return call.give(std::int64_t{date.weekday()});
+  const CivilTime civil = date.civil();
+  const auto give = [&](int value) { call.give(std::int64_t{value}); };
+  if (code == "yyyy") return give(civil.year);
+  if (code == "m") return give(civil.month);
+  if (code == "d") return give(civil.day);
+  if (code == "h") return give(civil.hour);
+  if (code == "n") return give(civil.minute);
+  if (code == "s") return give(civil.second);
+  refuse(errors::kInvalidCall, "A date has no part '" + std::string(code) + "'");
+}
+
+int partOf(const Call& call, int i) {
+  const std::int64_t value = call.rounded(i);
+  // Far beyond any date, and far from where the sums of years, months and days would overflow.
+  if (value < -4'000'000 || value > 4'000'000) refuse(errors::kInvalidCall);
+  return static_cast<int>(value);
+}
+
+void dateSerial(Call& call) {
+  call.give(Date::serial(partOf(call, 0), partOf(call, 1), partOf(call, 2)).days());
+}
+
+/// Local time, to the second.
+double nowDays() {
+  const std::time_t seconds = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&seconds, &local);
+  return Date::of({local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour,
+                   local.tm_min, std::min(local.tm_sec, 59)})
+      .days();
+}
+
+void now(Call& call) {
+  call.give(nowDays());
+}
+void today(Call& call) {
+  call.give(std::floor(nowDays()));
+}
+void clock(Call& call) {
+  const double days = nowDays();
+  call.give(days - std::floor(days));
+}
+
+constexpr std::array kFunctions{Function{"tv_date", 1, entry<dateValue, Nulls::kGiveNull>},
+                                Function{"tv_part", 2, entry<part, Nulls::kGiveNull>},
+                                Function{"tv_date_serial", 3, entry<dateSerial, Nulls::kGiveNull>},
+                                Function{"tv_now", 0, entry<now, Nulls::kTaken>, 0},
+                                Function{"tv_today", 0, entry<today, Nulls::kTaken>, 0},
+                                Function{"tv_clock", 0, entry<clock, Nulls::kTaken>, 0}};
+
+}  // namespace
+
+void addDateFunctions(Database& database) {
+  addFunctions(database, kFunctions.data(), kFunctions.size());
+}
+
+}  // namespace tavelor::engine::sqlite

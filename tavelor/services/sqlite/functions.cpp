@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+// What all functions share, and the aggregates.
+#include "tavelor/services/sqlite/functions.hpp"
+
+#include <cmath>
+
+#include "tavelor/platform/number_text.hpp"
+
+namespace tavelor::engine::sqlite {
+
+double Call::real(int i) const {
+  if (isNumber(i)) return sqlite3_value_double(arguments_[i]);
+  const std::string_view written = text(i);
+  const auto number = parseNumber(written, locale());
+  if (!number) refuse(errors::kTypeMismatch, "'" + std::string(written) + "' is no number");
+  return *number;
+}
+
+std::int64_t Call::rounded(int i) const {
+  if (isWhole(i)) return integer(i);
+  const double whole = roundHalfEven(real(i));
+  if (!(std::abs(whole) < 9.2e18)) refuse(errors::kOverflow);
+  return static_cast<std::int64_t>(whole);
+}
+
+void Call::fail(std::int32_t number, std::string_view description) const noexcept {
+  Database& shared = database();
+  try {
+    shared.functionErrorText = description;
+    shared.functionError = number;
+  } catch (const std::bad_alloc&) {
+    sqlite3_result_error_nomem(context_);
+    return;
+  }
+  sqlite3_result_error(context_, description.data(), static_cast<int>(description.size()));
+}
+
+void addFunctions(Database& database, const Function* first, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    const int code =
+        sqlite3_create_function_v2(database.handle, first[i].name, first[i].arguments,
+                                   SQLITE_UTF8 | SQLITE_INNOCUOUS | first[i].flags, &database,
+                                   first[i].entry, nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK) database.fail(code);
+  }
+}
+
+namespace {
+
+/// The state of tv_first and tv_last: a copy of a value, made by the engine in zeroed memory.
+struct Kept {
+  sqlite3_value* value;
+};
+
+void keepFirst(sqlite3_context* context, int, sqlite3_value** arguments) noexcept {
+  auto* const kept = static_cast<Kept*>(sqlite3_aggregate_context(context, sizeof(Kept)));
+  if (kept == nullptr) return sqlite3_result_error_nomem(context);
+  if (kept->value == nullptr) kept->value = sqlite3_value_dup(arguments[0]);
+}
+
+void keepLast(sqlite3_context* context, int, sqlite3_value** arguments) noexcept {
+  auto* const kept = static_cast<Kept*>(sqlite3_aggregate_context(context, sizeof(Kept)));
+  if (kept == nullptr) return sqlite3_result_error_nomem(context);
+  sqlite3_value_free(kept->value);
+  kept->value = sqlite3_value_dup(arguments[0]);
+}
+
+void giveKept(sqlite3_context* context) noexcept {
+  auto* const kept = static_cast<Kept*>(sqlite3_aggregate_context(context, 0));
+  if (kept == nullptr || kept->value == nullptr) return sqlite3_result_null(context);
+  sqlite3_result_value(context, kept->value);
+  sqlite3_value_free(kept->value);
+  kept->value = nullptr;
+}
+
+}  // namespace
+
+void addAggregates(Database& database) {
+  const auto add = [&](const char* name, void (*step)(sqlite3_context*, int, sqlite3_value**)) {
+    const int code =
+        sqlite3_create_function_v2(database.handle, name, 1, SQLITE_UTF8 | SQLITE_INNOCUOUS,
+                                   &database, nullptr, step, giveKept, nullptr);
+    if (code != SQLITE_OK) database.fail(code);
+  };
+  add("tv_first", keepFirst);
+  add("tv_last", keepLast);
+}
+
+}  // namespace tavelor::engine::sqlite

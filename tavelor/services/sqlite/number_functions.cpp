@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+// Functions on numbers: rounding, division, conversion.
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <string>
+
+#include <fmt/format.h>
+
+#include "tavelor/platform/currency.hpp"
+#include "tavelor/platform/number_text.hpp"
+#include "tavelor/services/sqlite/functions.hpp"
+
+namespace tavelor::engine::sqlite {
+
+namespace {
+
+constexpr double kExactWhole = 9007199254740992.0;  // 2^53: from here on doubles skip whole numbers
+
+void give(const Call& call, double number, bool asWhole) {
+  if (asWhole && std::abs(number) < kExactWhole) {
+    call.give(static_cast<std::int64_t>(number));
+  } else {
+    call.give(number);
+  }
+}
+
+void roundTo(Call& call) {
+  const std::int64_t decimals = call.rounded(1);
+  if (decimals < 0) refuse(errors::kInvalidCall, "Round to less than no decimals");
+  if (call.isWhole(0)) return call.pass(0);
+  const auto places = static_cast<int>(std::min<std::int64_t>(decimals, 30));
+  call.give(roundHalfEven(call.real(0), places));
+}
+
+void number(Call& call) {
+  if (call.isNumber(0)) return call.pass(0);
+  const double read = call.real(0);
+  give(call, read, read == std::trunc(read));
+}
+
+void divide(Call& call) {
+  const double divisor = call.real(1);
+  if (divisor == 0) refuse(errors::kDivisionByZero);
+  call.give(call.real(0) / divisor);
+}
+
+/// The two whole operands of `\` and Mod.
+struct Division {
+  std::int64_t dividend;
+  std::int64_t divisor;
+};
+
+Division divisionOf(const Call& call) {
+  const Division division{call.rounded(0), call.rounded(1)};
+  if (division.divisor == 0) refuse(errors::kDivisionByZero);
+  return division;
+}
+
+void divideWhole(Call& call) {
+  const auto [dividend, divisor] = divisionOf(call);
+  if (divisor == -1 && dividend == std::numeric_limits<std::int64_t>::min()) {
+    refuse(errors::kOverflow);
+  }
+  call.give(dividend / divisor);
+}
+
+void modulo(Call& call) {
+  const auto [dividend, divisor] = divisionOf(call);
+  call.give(divisor == -1 ? std::int64_t{0} : dividend % divisor);
+}
+
+void power(Call& call) {
+  const double result = std::pow(call.real(0), call.real(1));
+  if (!std::isfinite(result)) refuse(errors::kOverflow);
+  call.give(result);
+}
+
+void currency(Call& call) {
+  call.give(Currency::fromDouble(call.real(0)).toDouble());
+}
+
+void whole(Call& call) {
+  std::int64_t least = std::numeric_limits<std::int32_t>::min();
+  std::int64_t most = std::numeric_limits<std::int32_t>::max();
+  switch (call.columnType(1)) {
+    case ColumnType::kByte:
+      least = 0;
+      most = std::numeric_limits<std::uint8_t>::max();
+      break;
+    case ColumnType::kInt16:
+      least = std::numeric_limits<std::int16_t>::min();
+      most = std::numeric_limits<std::int16_t>::max();
+      break;
+    default:
+      break;
+  }
+  const std::int64_t value = call.rounded(0);
+  if (value < least || value > most) {
+    refuse(errors::kOverflow, fmt::format("{} is not between {} and {}", value, least, most));
+  }
+  call.give(value);
+}
+
+void single(Call& call) {
+  const auto narrowed = static_cast<float>(call.real(0));
+  if (!std::isfinite(narrowed)) refuse(errors::kOverflow);
+  call.give(static_cast<double>(narrowed));
+}
+
+void floorOf(Call& call) {
+  if (call.isWhole(0)) return call.pass(0);
+  call.give(std::floor(call.real(0)));
+}
+
+void truncate(Call& call) {
+  if (call.isWhole(0)) return call.pass(0);
+  call.give(std::trunc(call.real(0)));
+}
+
+/// What begins a text as a number with a point; blanks count nowhere, and the first character that
+/// does not fit ends it.
+double leadingNumber(std::string_view text) {
+  std::string digits;
+  for (const char c : text) {
+    if (c != ' ' && c != '\t' && c != '\n') digits += c;
+  }
+  const char* first = digits.data();
+  const char* const last = first + digits.size();
+  if (digits.size() > 1 && digits[0] == '&') {
+    const bool hex = digits[1] == 'H' || digits[1] == 'h';
+    const bool octal = digits[1] == 'O' || digits[1] == 'o';
+    std::int64_t value = 0;
+    if (hex || octal) std::from_chars(first + 2, last, value, hex ? 16 : 8);
+    return static_cast<double>(value);
+  }
+  if (first != last && *first == '+') ++first;
+  // Letters that the reader would take for a number of its own.
+  const char* const start = first != last && *first == '-' ? first + 1 : first;
+  if (start == last || !((*start >= '0' && *start <= '9') || *start == '.')) return 0;
+  double value = 0;
+  std::from_chars(first, last, value);
+  return value;
+}
+
+void val(Call& call) {
+  if (call.isNumber(0)) return call.pass(0);
+  const double value = leadingNumber(call.text(0));
+  give(call, value, value == std::trunc(value));
+}
+
+constexpr std::array kFunctions{Function{"tv_round", 2, entry<roundTo, Nulls::kGiveNull>},
+                                Function{"tv_number", 1, entry<number, Nulls::kGiveNull>},
+                                Function{"tv_div", 2, entry<divide, Nulls::kGiveNull>},
+                                Function{"tv_intdiv", 2, entry<divideWhole, Nulls::kGiveNull>},
+                                Function{"tv_mod", 2, entry<modulo, Nulls::kGiveNull>},
+                                Function{"tv_power", 2, entry<power, Nulls::kGiveNull>},
+                                Function{"tv_currency", 1, entry<currency, Nulls::kGiveNull>},
+                                Function{"tv_whole", 2, entry<whole, Nulls::kGiveNull>},
+                                Function{"tv_single", 1, entry<single, Nulls::kGiveNull>},
+                                Function{"tv_int", 1, entry<floorOf, Nulls::kGiveNull>},
+                                Function{"tv_fix", 1, entry<truncate, Nulls::kGiveNull>},
+                                Function{"tv_val", 1, entry<val, Nulls::kGiveNull>}};
+
+}  // namespace
+
+void addNumberFunctions(Database& database) {
+  addFunctions(database, kFunctions.data(), kFunctions.size());
+}
+
+}  // namespace tavelor::engine::sqlite

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+// Statements and transactions of a session.
+#include "tavelor/services/sqlite/session.hpp"
+
+#include "tavelor/services/engine/catalogue.hpp"
+#include "tavelor/services/sqlite/describe.hpp"
+#include "tavelor/services/sqlite/prepared.hpp"
+
+namespace tavelor::engine::sqlite {
+
+FileSession::FileSession(std::shared_ptr<Database> database, bool readOnly)
+    : database_(std::move(database)), beginText_(readOnly ? "BEGIN" : "BEGIN IMMEDIATE") {}
+
+FileSession::~FileSession() {
+  // A statement that outlives us keeps the handle, and with it the lock, so end it here.
+  if (sqlite3_get_autocommit(database_->handle) == 0) {
+    sqlite3_exec(database_->handle, "ROLLBACK", nullptr, nullptr, nullptr);
+  }
+  database_->depth = 0;
+}
+
+std::unique_ptr<Prepared> FileSession::prepare(std::string_view engineText) {
+  return std::make_unique<PreparedStatement>(database_, engineText);
+}
+
+void FileSession::execute(std::string_view engineText) {
+  const std::string text(engineText);
+  const int code = sqlite3_exec(database_->handle, text.c_str(), nullptr, nullptr, nullptr);
+  if (code == SQLITE_OK) return;
+  try {
+    database_->fail(code);
+  } catch (Error& error) {
+    throw error.inStatement(engineText);
+  }
+}
+
+int FileSession::control(StatementHandle& statement, std::string_view text) {
+  if (!statement) statement = compile(*database_, text);
+  const int code = sqlite3_step(statement.get());
+  sqlite3_reset(statement.get());
+  return code == SQLITE_DONE ? SQLITE_OK : code;
+}
+
+void FileSession::mustControl(StatementHandle& statement, std::string_view text) {
+  const int code = control(statement, text);
+  if (code != SQLITE_OK) database_->fail(code);
+}
+
+int FileSession::begin() {
+  if (database_->depth == 0) {
+    mustControl(begin_, beginText_);
+  } else {
+    mustControl(savepoint_, "SAVEPOINT level");
+  }
+  return ++database_->depth;
+}
+
+int FileSession::commit() {
+  if (database_->depth == 0) {
+    raise(errors::kNotAllowedInContext, kSource, "There is no transaction to commit");
+  }
+  if (database_->depth > 1) {
+    mustControl(release_, "RELEASE level");
+    return --database_->depth;
+  }
+  const int code = control(commit_, "COMMIT");
+  if (code == SQLITE_OK) return database_->depth = 0;
+  const Error error = errorOf(*database_, sqlite3_extended_errcode(database_->handle),
+                              sqlite3_errmsg(database_->handle));
+  if (sqlite3_get_autocommit(database_->handle) == 0) control(rollback_, "ROLLBACK");
+  database_->depth = 0;
+  throw error;
+}
+
+int FileSession::rollback() {
+  if (database_->depth == 0) {
+    raise(errors::kNotAllowedInContext, kSource, "There is no transaction to roll back");
+  }
+  if (database_->depth == 1) {
+    mustControl(rollback_, "ROLLBACK");
+  } else {
+    mustControl(undo_, "ROLLBACK TO level");
+    mustControl(release_, "RELEASE level");
+  }
+  return --database_->depth;
+}
+
+Catalogue FileSession::describe() {
+  return describeTables(*database_);
+}
+
+}  // namespace tavelor::engine::sqlite

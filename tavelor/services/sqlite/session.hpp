@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+// One connection to a database file.
+#pragma once
+
+#include "tavelor/services/engine/engine.hpp"
+#include "tavelor/services/sqlite/database.hpp"
+
+namespace tavelor::engine::sqlite {
+
+class FileSession final : public Session {
+ public:
+  /// `readOnly` sessions may begin a transaction too: it gives them one state of the data.
+  FileSession(std::shared_ptr<Database> database, bool readOnly);
+  FileSession(const FileSession&) = delete;
+  FileSession& operator=(const FileSession&) = delete;
+  ~FileSession() override;
+
+  std::unique_ptr<Prepared> prepare(std::string_view engineText) override;
+  void execute(std::string_view engineText) override;
+  int begin() override;
+  int commit() override;
+  int rollback() override;
+  int depth() const override { return database_->depth; }
+  Catalogue describe() override;
+
+ private:
+  /// Runs a statement of the transaction's own, compiled at its first use.
+  int control(StatementHandle& statement, std::string_view text);
+  void mustControl(StatementHandle& statement, std::string_view text);
+
+  std::shared_ptr<Database> database_;
+  std::string_view beginText_;
+  StatementHandle begin_, commit_, rollback_, savepoint_, release_, undo_;
+};
+
+}  // namespace tavelor::engine::sqlite
