@@ -6,6 +6,9 @@ set -euo pipefail
 export LC_ALL=C.UTF-8
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
+# The compiler cache lives in the home folder; where there is none to write to, beside the build.
+[[ -n ${HOME:-} && -w $HOME ]] || export CCACHE_DIR=${CCACHE_DIR:-$PWD/build/ccache}
+
 cores() { nproc 2>/dev/null || echo 2; }
 
 say() { printf '\n== %s\n' "$*"; }
