@@ -210,7 +210,9 @@ class DateReader {
   }
 
   bool readDate() {
-    if (peek().kind == Kind::kWord && names_.isDay(peek().text)) {
+    // "mar" is both Tuesday and March in Spanish: a comma makes it the day.
+    if (peek().kind == Kind::kWord && names_.isDay(peek().text) &&
+        (peek(1).kind == Kind::kComma || names_.month(peek().text) == 0)) {
       ++at_;
       take(Kind::kComma);
     }
@@ -298,7 +300,7 @@ std::optional<Date> parseDate(std::string_view text, const Locale& locale) {
 
 std::optional<Date> parseSqlDate(std::string_view text) {
   static constexpr std::array kOrders{kMdy, kDmy, kYmd};
-  // A year in front has four digits here: "24-03-05" is March the 24th.
+  // A year in front wants its four digits: "24-03-05" is March the 24th.
   return DateReader(*Locale::neutral(), kOrders).read(text);
 }
 

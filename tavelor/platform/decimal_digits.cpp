@@ -44,6 +44,27 @@ DecimalDigits readScientific(const char* begin, const char* end) {
   return number;
 }
 
+/// Most numbers of a shop have few decimals, and the noise of a calculation at most. A whole count
+/// of millionths that lies nearer to the number than half a unit of its fifteenth digit has the
+/// digits that are seen, at a fraction of the cost of printing the number.
+std::optional<DecimalDigits> digitsByMillionths(double value) {
+  constexpr double kMillion = 1e6;
+  constexpr double kLimit = 1e9;
+  // Half a unit is 0.5e-15 of the power of ten above; the division's own error takes 0.12e-15.
+  constexpr double kNear = 0.38e-15;
+  constexpr std::array kPowers{1e-5, 1e-4, 1e-3, 1e-2, 1e-1, 1e0, 1e1, 1e2,
+                               1e3,  1e4,  1e5,  1e6,  1e7,  1e8, 1e9};
+  if (!(std::fabs(value) < kLimit)) return std::nullopt;
+  const auto millionths = static_cast<std::int64_t>(value * kMillion + (value < 0 ? -0.5 : 0.5));
+  if (millionths == 0) return std::nullopt;
+  const DecimalDigits number = digitsOf(millionths, 6);
+  if (number.point > 9) return std::nullopt;  // rounded up to the limit
+  const double distance = std::fabs(value - static_cast<double>(millionths) / kMillion);
+  const double power = kPowers[static_cast<std::size_t>(number.point + 5)];
+  if (distance >= kNear * power) return std::nullopt;
+  return number;
+}
+
 template <typename Float>
 DecimalDigits seenDigits(Float value, int significant) {
   if (value == 0) return {};
@@ -65,6 +86,7 @@ DecimalDigits seenDigits(Float value, int significant) {
 }  // namespace
 
 DecimalDigits digitsOf(double value) {
+  if (const auto number = digitsByMillionths(value)) return *number;
   return seenDigits(value, kDoubleDigits);
 }
 DecimalDigits digitsOf(float value) {

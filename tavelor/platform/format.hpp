@@ -19,9 +19,16 @@ struct Locale;
 /// d to dddd, m to mmmm, yy yyyy, h hh n nn s ss, q w ww, AM/PM; m right after h means minutes.
 /// Text masks: @ & < > !. Backslash and quotes keep characters as they are.
 ///
+/// In a date mask / and : become the separators of the locale, - stays. A mask is of numbers, dates
+/// or text by its first character with a meaning; numbers and dates convert to what the mask wants
+/// ("#" gives the day number of a date), Empty is 0.
+///
 /// Rounding: halves away from zero on the decimal digits of the number (15 significant): 1.005 by
-/// "0.00" is 1.01. Null gives "". A text that is no number passes a number mask unchanged.
-/// An empty mask prints plainly.
+/// "0.00" is 1.01. What rounds to zero has no sign.
+///
+/// Null gives the fourth section, or "". A text that does not read as what the mask wants passes
+/// unchanged. An empty mask prints plainly.
+/// Errors: 6 for a day number outside the years 100 to 9999, 13 for bytes and objects.
 std::string format(const Variant& value, std::string_view mask, const Locale& locale);
 
 }  // namespace tavelor

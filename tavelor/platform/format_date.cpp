@@ -29,6 +29,7 @@ int dayOfYear(const CivilTime& civil) {
 constexpr std::string_view kHalfDayMarks[] = {"AM/PM", "A/P", "AMPM"};
 
 std::string_view halfDayMarkAt(std::string_view mask, std::size_t position) {
+  if (utf8::foldAscii(mask[position]) != 'a') return {};
   for (const std::string_view mark : kHalfDayMarks) {
     const std::string_view part = mask.substr(position, mark.size());
     if (text::equalsIgnoreCase(part, mark)) return part;

@@ -99,9 +99,23 @@ std::size_t matchSegment(std::string_view text, std::size_t at, const Segment& s
   return at;
 }
 
+/// The ASCII byte that a match begins with, or 0 when there is no single one.
+char leadingByte(const Segment& segment) {
+  if (segment.elements.empty()) return '\0';
+  const Element& element = segment.elements.front();
+  if (element.kind != Element::Kind::kLiteral || !utf8::isAscii(element.literal[0])) return '\0';
+  return element.literal[0];
+}
+
 /// The end of the first match at or behind `at`.
 std::size_t findSegment(std::string_view text, std::size_t at, const Segment& segment) {
+  const char first = leadingByte(segment);
   for (;;) {
+    if (first != '\0') {
+      // A letter that is not ASCII may still fold to one that is, so only ASCII is skipped.
+      while (at < text.size() && utf8::isAscii(text[at]) && utf8::foldAscii(text[at]) != first)
+        ++at;
+    }
     const std::size_t end = matchSegment(text, at, segment);
     if (end != kNoMatch) return end;
     if (at >= text.size()) return kNoMatch;

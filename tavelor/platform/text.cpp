@@ -194,6 +194,12 @@ int compareIgnoreCase(std::string_view a, std::string_view b) {
         continue;
       }
     }
+    if (utf8::isAscii(a[i]) && utf8::isAscii(b[j])) {
+      const char left = utf8::foldAscii(a[i++]);
+      const char right = utf8::foldAscii(b[j++]);
+      if (left != right) return left < right ? -1 : 1;
+      continue;
+    }
     const utf8::Character left = utf8::decode(a, i);
     const utf8::Character right = utf8::decode(b, j);
     const char32_t leftCode = utf8::fold(left.code);

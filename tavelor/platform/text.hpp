@@ -15,7 +15,7 @@ std::string_view right(std::string_view text, std::size_t count);
 /// `start` counts from 0.
 std::string_view mid(std::string_view text, std::size_t start,
                      std::size_t count = std::string_view::npos);
-/// Cuts to `width` characters or fills with blanks.
+/// Cuts to the first `width` characters, or fills behind (padLeft: before) the text.
 std::string padRight(std::string_view text, std::size_t width, char fill = ' ');
 std::string padLeft(std::string_view text, std::size_t width, char fill = ' ');
 /// Blanks (U+0020) only; tabs stay.
@@ -23,7 +23,7 @@ std::string_view trim(std::string_view text);
 std::string_view trimLeft(std::string_view text);
 std::string_view trimRight(std::string_view text);
 
-/// All letters, not only ASCII.
+/// All letters, not only ASCII, each becoming one letter: ß stays ß in upper case.
 std::string upper(std::string_view text);
 std::string lower(std::string_view text);
 /// The form in which texts that differ in case only are equal; accents stay.

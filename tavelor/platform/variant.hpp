@@ -100,11 +100,13 @@ class Variant {
     return std::get_if<T>(&value_);
   }
 
+  /// Not zero; also the words of the locale and True and False.
   bool toBoolean(const Locale& locale) const;
   std::int16_t toInt16(const Locale& locale) const;
   std::int32_t toInt32(const Locale& locale) const;
   double toDouble(const Locale& locale) const;
   Currency toCurrency(const Locale& locale) const;
+  /// A text that is no date but a number is a day number.
   Date toDate(const Locale& locale) const;
   /// A double prints with at most 15 significant digits and the locale's decimal sign; a date as
   /// short date, plus the time when there is one; True as the locale's word.
