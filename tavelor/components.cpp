@@ -7,13 +7,35 @@
 #include "tavelor/frame/component.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/text.hpp"
+#include "tavelor/reference/almacenes.hpp"
 #include "tavelor/reference/bancos.hpp"
+#include "tavelor/reference/cajas.hpp"
+#include "tavelor/reference/contactos.hpp"
+#include "tavelor/reference/divisas.hpp"
+#include "tavelor/reference/emisores.hpp"
+#include "tavelor/reference/familias.hpp"
+#include "tavelor/reference/formas_pago.hpp"
+#include "tavelor/reference/impuestos.hpp"
+#include "tavelor/reference/incidencias.hpp"
+#include "tavelor/reference/rutas.hpp"
+#include "tavelor/reference/secciones.hpp"
+#include "tavelor/reference/tipos_cliente.hpp"
+#include "tavelor/reference/tipos_documento.hpp"
+#include "tavelor/reference/tipos_factura.hpp"
+#include "tavelor/reference/transportistas.hpp"
 
 namespace tavelor {
 
 const std::vector<const Component*>& components() {
   static const std::vector<const Component*> all = {
-      &ClsBancos::component(),
+      &ClsBancos::component(),         &ClsImpuestos::component(),
+      &ClsDivisas::component(),        &ClsFormasPago::component(),
+      &ClsTiposDocumento::component(), &ClsTiposFactura::component(),
+      &Emisores::component(),          &ClsAlmacenes::component(),
+      &ClsCajas::component(),          &ClsTiposCliente::component(),
+      &ClsSecciones::component(),      &clsFamilias::component(),
+      &clsIncidencias::component(),    &Rutas::component(),
+      &ClsTransportistas::component(), &ClsContactos::component(),
   };
   return all;
 }

@@ -167,9 +167,10 @@ const Member& frameMember(std::string_view name) {
   raise(errors::kMemberNotFound, kSource, fmt::format("The frame has no member {}", name));
 }
 
-std::vector<Member> withFrameTail(std::vector<Member> members) {
-  members.insert(members.end(), frameTail().begin(), frameTail().end());
-  return members;
+std::vector<Member> withFrameTail(std::vector<Member> first, std::vector<Member> last) {
+  first.insert(first.end(), frameTail().begin(), frameTail().end());
+  first.insert(first.end(), last.begin(), last.end());
+  return first;
 }
 
 namespace detail {
@@ -219,6 +220,15 @@ Object& objectArgument(const Variant* value, std::string_view wanted) {
   const ObjectPtr* object = value != nullptr ? value->getIf<ObjectPtr>() : nullptr;
   if (object == nullptr || *object == nullptr) raiseWrongObject(wanted);
   return **object;
+}
+
+Variant Marshal<std::vector<Variant>>::out(const std::vector<Variant>& entries) {
+  std::string lines;
+  for (const Variant& entry : entries) {
+    if (!lines.empty()) lines += '\n';
+    if (!entry.isNull()) lines += entry.toText(callLocale());
+  }
+  return lines;
 }
 
 std::shared_ptr<Connection> Marshal<std::shared_ptr<Connection>>::in(const Variant& v) {

@@ -80,8 +80,9 @@ class Component {
 
 /// A frame member of the component table, by name, for the place where a class has it.
 const Member& frameMember(std::string_view name);
-/// The frame members from EditingRecord on, whose order is the same in all classes.
-std::vector<Member> withFrameTail(std::vector<Member> members);
+/// A class's slots: its first members, the frame members from EditingRecord on, whose order is the
+/// same in all classes, and what some classes have behind them.
+std::vector<Member> withFrameTail(std::vector<Member> first, std::vector<Member> last = {});
 
 // ---------------------------------------------------------------------------------------------
 // From a member function to a slot.
@@ -142,6 +143,12 @@ struct Marshal<Date> {
   static Date in(const Variant& v) { return v.toDate(callLocale()); }
   static Variant out(Date v) { return v; }
 };
+/// A list reads as one text, its entries joined by line ends.
+template <>
+struct Marshal<std::vector<Variant>> {
+  static constexpr std::string_view kName = "Collection";
+  static Variant out(const std::vector<Variant>& entries);
+};
 template <>
 struct Marshal<std::shared_ptr<Connection>> {
   static constexpr std::string_view kName = "Connection";
@@ -196,6 +203,20 @@ struct Argument<InOut<T>> {
   T stored;
 };
 
+/// The value behind a field of an aggregate, by reference or not.
+template <typename T>
+struct Plain {
+  using Value = T;
+  static constexpr bool kByReference = false;
+  static const T& get(const T& field) { return field; }
+};
+template <typename T>
+struct Plain<InOut<T>> {
+  using Value = T;
+  static constexpr bool kByReference = true;
+  static const T& get(const InOut<T>& field) { return *field; }
+};
+
 template <typename R, typename C, typename F, typename... P, std::size_t... I>
 Variant invoke(C& object, F function, std::span<Variant> arguments, std::index_sequence<I...>) {
   std::tuple<Argument<P>...> held{Argument<P>(I < arguments.size() ? &arguments[I] : nullptr)...};
@@ -242,6 +263,52 @@ Member member(std::string_view name, R (Class::*function)(P...) const,
               std::string_view names = {}) {
   return detail::makeMember<Class, R, decltype(function), P...>(name, function, names);
 }
+/// One parameter of a member that takes them all in one aggregate.
+template <typename Aggregate>
+struct AggregateParameter {
+  Parameter parameter;
+  std::function<void(Aggregate&, const Variant&)> read;
+  std::function<Variant(Aggregate&)> written;
+};
+
+/// A field of the aggregate as a parameter: "sCod", "out sNom", "[objCn]".
+template <typename Aggregate, typename T>
+AggregateParameter<Aggregate> parameter(std::string_view name, T Aggregate::*field) {
+  using Value = typename detail::Plain<T>::Value;
+  auto parsed = detail::parseParameters(name, {std::string(detail::Marshal<Value>::kName)},
+                                        {detail::Plain<T>::kByReference});
+  return {std::move(parsed.front()),
+          [field](Aggregate& all, const Variant& v) { all.*field = detail::Marshal<Value>::in(v); },
+          [field](Aggregate& all) {
+            return detail::Marshal<Value>::out(detail::Plain<T>::get(all.*field));
+          }};
+}
+
+/// A slot of a member that takes its parameters, in the order of `parameters`, as one aggregate.
+template <typename Class, typename Aggregate>
+Member member(std::string_view name, void (Class::*function)(Aggregate&) const,
+              std::vector<AggregateParameter<Aggregate>> parameters) {
+  Member slot;
+  slot.name = name;
+  for (const auto& each : parameters) slot.parameters.push_back(each.parameter);
+  slot.call = [function, parameters](Object& object, std::span<Variant> arguments) {
+    auto* typed = dynamic_cast<Class*>(&object);
+    if (!typed) detail::raiseWrongObject("record class");
+    Aggregate all{};
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+      if (!arguments[i].isEmpty()) parameters[i].read(all, arguments[i]);
+    }
+    (typed->*function)(all);
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+      if (parameters[i].parameter.direction != Parameter::Direction::kIn) {
+        arguments[i] = parameters[i].written(all);
+      }
+    }
+    return Variant();
+  };
+  return slot;
+}
+
 /// The same for a property.
 template <typename Function>
 Member property(std::string_view name, Function function, std::string_view names = {}) {

@@ -58,10 +58,12 @@ std::string shown(const Variant& value, const Locale& locale) {
 
 }  // namespace
 
+std::string RecordClass::reportFile(std::string_view name) {
+  return (Apartment::current().installation().reportFolder() / name).string();
+}
+
 std::string RecordClass::GetHtmlFile() const {
-  const Installation& installation = Apartment::current().installation();
-  return (installation.folder() / Installation::kReportFolder / (std::string(info_.word) + ".htm"))
-      .string();
+  return reportFile(std::string(info_.word) + ".htm");
 }
 
 RecordsetPtr RecordClass::pageRows(bool bDoclone, std::string_view sSelecSql, bool bFilter) {

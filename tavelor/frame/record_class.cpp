@@ -216,7 +216,7 @@ void RecordClass::FindRecord(std::string_view Criteria) {
 Variant RecordClass::NuevoCodigo(ObjCn objCn) const {
   const Statement statement(
       fmt::format("SELECT MAX({}) AS Nuevo_Codigo FROM {}", info_.codeColumn, info_.table));
-  const RecordsetPtr rows = read(statement, objCn);
+  const RecordsetPtr rows = read(statement, *objCn);
   const Field newest = rows->Field("Nuevo_Codigo");
   Variant greatest = newest.Value();
   if (greatest.isNull()) return std::int32_t{1};
@@ -269,7 +269,12 @@ std::string RecordClass::GetConnectionStr() const {
 void RecordClass::GetConnectionStrToRpt(InOut<std::string> sDbtype, InOut<std::string> sDataSource,
                                         InOut<std::string> sCatalog, InOut<std::string> sUser,
                                         InOut<std::string> sPasw) const {
-  DataSession().ReportConnection(info_.selector, *sDbtype, *sDataSource, *sCatalog, *sUser, *sPasw);
+  reportConnection(info_.selector, *sDbtype, *sDataSource, *sCatalog, *sUser, *sPasw);
+}
+
+void RecordClass::reportConnection(int selector, std::string& sDbtype, std::string& sDataSource,
+                                   std::string& sCatalog, std::string& sUser, std::string& sPasw) {
+  DataSession().ReportConnection(selector, sDbtype, sDataSource, sCatalog, sUser, sPasw);
 }
 
 void RecordClass::GetRptPath(InOut<std::string> sRptPath) const {
@@ -304,8 +309,12 @@ void RecordClass::raiseMoveComplete() {
 // Reading and writing for the classes
 
 RecordsetPtr RecordClass::read(const Statement& statement, ObjCn objCn) const {
+  return readOn(info_.selector, statement, *objCn);
+}
+
+RecordsetPtr RecordClass::readOn(int selector, const Statement& statement, ObjCn objCn) {
   auto rows = std::make_shared<Recordset>();
-  DataSession().OpenRecordset(info_.selector, statement, rows, *objCn);
+  DataSession().OpenRecordset(selector, statement, rows, *objCn);
   return rows;
 }
 
@@ -317,14 +326,21 @@ void RecordClass::write(const Statement& statement, ObjCn objCn) const {
 
 Variant RecordClass::lookUp(const Statement& statement, std::string_view column,
                             ObjCn objCn) const {
-  const RecordsetPtr rows = read(statement, objCn);
+  const RecordsetPtr rows = read(statement, *objCn);
   if (rows->RecordCount() == 0) return {};
   Variant found = rows->Field(column).Value();
   return found.isNull() ? Variant() : found;
 }
 
 bool RecordClass::anyRow(const Statement& statement, ObjCn objCn) const {
-  return read(statement, objCn)->RecordCount() > 0;
+  return read(statement, *objCn)->RecordCount() > 0;
+}
+
+std::string RecordClass::describe(const Statement& statement, const Variant& vId,
+                                  std::string_view fallback, ObjCn objCn) const {
+  const Variant found = lookUp(statement, "Descripcion", *objCn);
+  if (vId.isNull()) return "No";
+  return found.isEmpty() ? std::string(fallback) : joined(found);
 }
 
 std::string RecordClass::joined(const Variant& value) {

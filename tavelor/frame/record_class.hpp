@@ -176,11 +176,22 @@ class RecordClass : public Object {
 
   /// Opens a SELECT on `objCn`, filling it when it is empty.
   RecordsetPtr read(const Statement& statement, ObjCn objCn) const;
+  /// The same on another database than the class's.
+  static RecordsetPtr readOn(int selector, const Statement& statement, ObjCn objCn);
   /// Runs a statement that gives no rows on `objCn`, filling it when it is empty.
   void write(const Statement& statement, ObjCn objCn) const;
   /// The first row's `column`; Empty when there is no row or its value is null.
   Variant lookUp(const Statement& statement, std::string_view column, ObjCn objCn) const;
   bool anyRow(const Statement& statement, ObjCn objCn) const;
+  /// The description that a look-up gives for a code: "No" for a Null code, whatever was read,
+  /// `fallback` where there is no row or no description.
+  std::string describe(const Statement& statement, const Variant& vId, std::string_view fallback,
+                       ObjCn objCn) const;
+
+  static void reportConnection(int selector, std::string& sDbtype, std::string& sDataSource,
+                               std::string& sCatalog, std::string& sUser, std::string& sPasw);
+  /// Full path of a file in the report folder of the installation.
+  static std::string reportFile(std::string_view name);
 
   /// A value as it is joined into a statement: plain printing, Null as nothing.
   static std::string joined(const Variant& value);

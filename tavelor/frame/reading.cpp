@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+// Conversions of columns by the apartment's locale.
+#include "tavelor/frame/reading.hpp"
+
+#include "tavelor/services/apartment.hpp"
+#include "tavelor/services/recordset/recordset.hpp"
+
+namespace tavelor {
+
+namespace {
+
+const Locale& locale() {
+  return Apartment::current().locale();
+}
+
+template <typename Convert>
+void takeUnlessNull(Recordset& rows, std::string_view column, Convert&& convert) {
+  const Variant found = rows.Field(column).Value();
+  if (!found.isNull()) convert(found);
+}
+
+}  // namespace
+
+double number(const Variant& value) {
+  return value.isNull() ? 0 : value.toDouble(locale());
+}
+
+bool flag(const Variant& value) {
+  return !value.isNull() && value.toBoolean(locale());
+}
+
+void take(Recordset& rows, std::string_view column, std::string& to) {
+  takeUnlessNull(rows, column, [&](const Variant& v) { to = v.toText(locale()); });
+}
+
+void take(Recordset& rows, std::string_view column, std::int16_t& to) {
+  takeUnlessNull(rows, column, [&](const Variant& v) { to = v.toInt16(locale()); });
+}
+
+void take(Recordset& rows, std::string_view column, std::int32_t& to) {
+  takeUnlessNull(rows, column, [&](const Variant& v) { to = v.toInt32(locale()); });
+}
+
+void take(Recordset& rows, std::string_view column, double& to) {
+  takeUnlessNull(rows, column, [&](const Variant& v) { to = v.toDouble(locale()); });
+}
+
+void take(Recordset& rows, std::string_view column, bool& to) {
+  takeUnlessNull(rows, column, [&](const Variant& v) { to = v.toBoolean(locale()); });
+}
+
+}  // namespace tavelor

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+// From a column to a variable, for the members of the classes.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace tavelor {
+
+class Recordset;
+class Variant;
+
+/// 0 for Empty and Null. A text is read by the locale; raises 13 for one that is no number.
+double number(const Variant& value);
+/// False for Empty and Null.
+bool flag(const Variant& value);
+
+/// Output variables take a column of the current row and keep what they hold where it is null.
+void take(Recordset& rows, std::string_view column, std::string& to);
+void take(Recordset& rows, std::string_view column, std::int16_t& to);
+void take(Recordset& rows, std::string_view column, std::int32_t& to);
+void take(Recordset& rows, std::string_view column, double& to);
+void take(Recordset& rows, std::string_view column, bool& to);
+
+}  // namespace tavelor
