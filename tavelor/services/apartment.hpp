@@ -56,6 +56,9 @@ class Apartment {
 
   /// An open connection to a database, idle or new; see DataSession::OpenConnection.
   std::shared_ptr<Connection> openConnection(int selector);
+  /// Moves all that is committed in a file-based database into its own file, for whoever copies or
+  /// reads that one alone. Raises errors::kBusy while others read or write.
+  void settle(int selector);
 
  private:
   struct State;

@@ -102,6 +102,8 @@ class Installation {
   /// Full path of a file-based database.
   std::filesystem::path databaseFile(int selector) const;
   const engine::Engine& databaseEngine(int selector) const;
+  /// "Provider=sqlite;Data Source=/shops/centre/main.db".
+  const std::string& connectionString(int selector) const;
   std::filesystem::path registryFile() const;
 
   std::filesystem::path reportFolder() const;
@@ -116,17 +118,18 @@ class Installation {
 
   /// The tables of a database, shared by all threads.
   std::shared_ptr<const engine::Catalogue> catalogue(int selector) const;
-  /// Adds tables and indexes of the application's own to a database, in one transaction: any number
-  /// of CREATE TABLE and CREATE INDEX of the dialect. Connections taken from then on see them.
+  /// Adds tables, columns and indexes of the application's own to a database, in one transaction:
+  /// any number of CREATE TABLE, CREATE INDEX and ALTER TABLE .. ADD COLUMN of the dialect.
+  /// Connections taken from then on see them. Raises 3251 for DDL that drops.
   void addToSchema(int selector, std::string_view ddl);
 
  private:
   struct Database;
-  Installation(VersionRecord version, Settings settings, std::shared_ptr<const Locale> locale);
-  static std::shared_ptr<Installation> assemble(const std::filesystem::path& folder,
-                                                Settings settings);
+  Installation(const std::filesystem::path& folder, Settings settings);
   const Database& entry(int selector) const;
-  void openDatabases(bool create);
+  std::unique_ptr<engine::Session> openSession(const Database& database, bool create) const;
+  void prepareDatabases(bool create) const;
+  std::filesystem::path within(const std::string& path) const;
 
   VersionRecord version_;
   Settings settings_;

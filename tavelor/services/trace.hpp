@@ -4,16 +4,18 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <deque>
-#include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
-#include <string_view>
+
+#include "tavelor/services/recordset/connection.hpp"
 
 namespace tavelor {
 
 /// One statement, after it has run.
-struct TracedStatement {
+struct TraceEntry {
   int selector = 0;
   std::string text;
   std::int64_t microseconds = 0;
@@ -21,35 +23,37 @@ struct TracedStatement {
   std::int32_t error = 0;  ///< number of the error that it raised, or 0
 };
 
-/// The last statements of one apartment. Off at first unless the installation's settings turn it
-/// on.
-class StatementTrace {
+/// The last statements of one apartment. Off unless the installation's settings turn it on.
+class StatementTrace final : public TraceSink {
  public:
   static constexpr std::size_t kKept = 4096;
 
-  bool isOn() const { return on_; }
+  bool isOn() const override { return on_; }
   void turn(bool on) { on_ = on; }
 
   /// The last kKept statements, oldest first.
-  const std::deque<TracedStatement>& entries() const { return entries_; }
+  const std::deque<TraceEntry>& entries() const { return entries_; }
   void clear() { entries_.clear(); }
 
-  /// Appends a line a statement to that file from now on; an empty path ends it. A file that cannot
-  /// be written loses its lines without an error: a trace never stops the work.
-  void writeTo(std::filesystem::path file) { file_ = std::move(file); }
-  /// Calls `listener` with each statement from now on; an empty one ends it.
-  void listen(std::function<void(const TracedStatement&)> listener) {
-    listener_ = std::move(listener);
-  }
+  /// Appends a line a statement to that file from now on; "" ends it. A file that cannot be written
+  /// loses its lines without an error: a trace never stops the work.
+  void writeTo(const std::string& file);
+  /// Calls `listener` with each statement from now on; an empty one ends it. It must not raise and
+  /// must not change the trace.
+  void listen(std::function<void(const TraceEntry&)> listener) { listener_ = std::move(listener); }
 
-  /// Called by the connections of the apartment. Does nothing while the trace is off.
-  void add(TracedStatement statement);
+  void statement(const Entry& traced) override;
 
  private:
+  struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+  };
+  void writeLine(const TraceEntry& entry);
+
   bool on_ = false;
-  std::deque<TracedStatement> entries_;
-  std::filesystem::path file_;
-  std::function<void(const TracedStatement&)> listener_;
+  std::deque<TraceEntry> entries_;
+  std::unique_ptr<std::FILE, FileCloser> file_;
+  std::function<void(const TraceEntry&)> listener_;
 };
 
 }  // namespace tavelor

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+// The engines by name: a new one is a folder of its own and a line here.
+#include "tavelor/services/engines.hpp"
+
+#include <array>
+
+#include "tavelor/platform/error.hpp"
+#include "tavelor/services/dialect/dialect.hpp"
+#include "tavelor/services/engine/engine.hpp"
+#include "tavelor/services/sqlite/sqlite_engine.hpp"
+
+namespace tavelor {
+
+namespace {
+
+struct Entry {
+  const engine::Engine& (*engine)();
+  const dialect::Writer& (*writer)();
+};
+
+constexpr std::array kEngines{
+    Entry{engine::sqliteEngine, dialect::sqliteWriter},
+};
+
+}  // namespace
+
+const engine::Engine* findEngine(std::string_view name) {
+  for (const Entry& entry : kEngines) {
+    if (entry.engine().name() == name) return &entry.engine();
+  }
+  return nullptr;
+}
+
+const dialect::Writer& writerOf(const engine::Engine& engine) {
+  for (const Entry& entry : kEngines) {
+    if (&entry.engine() == &engine) return entry.writer();
+  }
+  raise(errors::kUnspecified, "Installation", "An engine without a writer.");
+}
+
+}  // namespace tavelor

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+// Paths inside the folders of an installation.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace tavelor {
+
+/// `folder` with a separator at its end. Makes the folder when it is missing; when that fails the
+/// one who writes there will say so.
+std::string folderText(const std::filesystem::path& folder);
+
+/// Full path of a file in `folder`; an empty name gives folderText(). Backslashes in the name are
+/// separators too, as older programs write them. A full path inside the folder is given back as it
+/// is, so that asking twice does no harm. Raises 5, from `source`, for a name that leaves the
+/// folder.
+std::string pathInFolder(const std::filesystem::path& folder, std::string_view file,
+                         std::string_view source);
+
+}  // namespace tavelor

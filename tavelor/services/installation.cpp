@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: MIT
+// Makes and opens installations.
+#include "tavelor/services/installation.hpp"
+
+#include <mutex>
+#include <system_error>
+
+#include <fmt/format.h>
+
+#include "tavelor/platform/error.hpp"
+#include "tavelor/platform/locale.hpp"
+#include "tavelor/services/engine/catalogue.hpp"
+#include "tavelor/services/engine/engine.hpp"
+#include "tavelor/services/engines.hpp"
+#include "tavelor/services/registry_tree.hpp"
+#include "tavelor/services/schema.hpp"
+#include "tavelor/services/settings_file.hpp"
+
+namespace tavelor {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kSource = "Installation";
+
+void makeFolder(const fs::path& folder) {
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error) {
+    raise(errors::kPathAccess, kSource,
+          fmt::format("The folder {} cannot be made: {}.", folder.string(), error.message()));
+  }
+}
+
+fs::path absoluteFolder(const fs::path& folder) {
+  if (folder.empty()) raise(errors::kInvalidCall, kSource, "The installation has no folder.");
+  fs::path path = fs::absolute(folder).lexically_normal();
+  // Without the separator at its end, so that what is joined to it has one and not two.
+  return path.has_filename() ? path : path.parent_path();
+}
+
+}  // namespace
+
+std::string VersionRecord::registryRoot() const {
+  return fmt::format("SOFTWARE\\{}\\{}\\{}.{}", company, product, major, minor);
+}
+
+std::string VersionRecord::sessionRoot() const {
+  return fmt::format("SOFTWARE\\{}\\Global\\Configuracion\\Sesion\\", company);
+}
+
+struct Installation::Database {
+  DatabaseSettings settings;
+  fs::path file;
+  const engine::Engine* engine = nullptr;
+  std::string connectionString;
+
+  mutable std::mutex mutex;  // of what follows; the rest never changes
+  mutable std::shared_ptr<const engine::Catalogue> catalogue;
+};
+
+std::unique_ptr<engine::Session> Installation::openSession(const Database& database,
+                                                           bool create) const {
+  engine::OpenOptions options;
+  options.path = database.file.string();
+  options.create = create;
+  options.synchronous = settings_.synchronous;
+  options.busyTimeoutMs = settings_.busyTimeoutMs;
+  options.locale = locale_;
+  return database.engine->open(options);
+}
+
+Installation::Installation(const fs::path& folder, Settings settings)
+    : version_{folder, settings.company, settings.product},
+      settings_(std::move(settings)),
+      locale_(Locale::byName(settings_.locale)) {
+  for (const DatabaseSettings& each : settings_.databases) {
+    auto database = std::make_unique<Database>();
+    database->settings = each;
+    database->file = (folder / each.file).lexically_normal();
+    database->engine = findEngine(each.engine);
+    database->connectionString =
+        fmt::format("Provider={};Data Source={}", each.engine, database->file.string());
+    databases_.push_back(std::move(database));
+  }
+}
+
+Installation::~Installation() = default;
+
+std::shared_ptr<Installation> Installation::create(const fs::path& folder,
+                                                   const Settings& settings) {
+  const fs::path place = absoluteFolder(folder);
+  const fs::path file = place / kSettingsFile;
+  checkSettings(settings, "The settings of the new installation");
+  std::error_code ignored;
+  if (fs::exists(fs::symlink_status(file, ignored))) {
+    raise(errors::kPathAccess, kSource,
+          fmt::format("There is an installation in {} already.", place.string()));
+  }
+  makeFolder(place);
+  std::shared_ptr<Installation> made(new Installation(place, settings));
+  for (const fs::path& each : {made->reportFolder(), made->exportFolder(), made->documentFolder(),
+                               made->textFolder(), made->emailTextFolder()}) {
+    makeFolder(each);
+  }
+  made->prepareDatabases(true);
+  writeSettings(file, settings);
+  return made;
+}
+
+std::shared_ptr<Installation> Installation::open(const fs::path& folder) {
+  const fs::path place = absoluteFolder(folder);
+  std::shared_ptr<Installation> opened(
+      new Installation(place, readSettings(place / kSettingsFile)));
+  opened->prepareDatabases(false);
+  return opened;
+}
+
+void Installation::prepareDatabases(bool create) const {
+  for (const auto& database : databases_) {
+    const auto session = openSession(*database, create);
+    schema::bringUpToDate(*session,
+                          {schema::ddlOf(database->settings.selector), schema::currentVersion(),
+                           create, database->file.string()},
+                          writerOf(*database->engine));
+  }
+  const RegistryTree registry(registryFile(),
+                              {create, settings_.synchronous, settings_.busyTimeoutMs});
+}
+
+void Installation::saveSettings(const fs::path& folder, const Settings& settings) {
+  writeSettings(absoluteFolder(folder) / kSettingsFile, settings);
+}
+
+const Installation::Database& Installation::entry(int selector) const {
+  for (const auto& database : databases_) {
+    if (database->settings.selector == selector) return *database;
+  }
+  raise(errors::kSubscriptOutOfRange, kSource,
+        fmt::format("The installation {} has no database {}.", folder().string(), selector));
+}
+
+const DatabaseSettings& Installation::database(int selector) const {
+  return entry(selector).settings;
+}
+
+fs::path Installation::databaseFile(int selector) const {
+  return entry(selector).file;
+}
+
+const engine::Engine& Installation::databaseEngine(int selector) const {
+  return *entry(selector).engine;
+}
+
+const std::string& Installation::connectionString(int selector) const {
+  return entry(selector).connectionString;
+}
+
+fs::path Installation::registryFile() const {
+  return within(settings_.registryFile);
+}
+fs::path Installation::reportFolder() const {
+  return folder() / kReportFolder;
+}
+fs::path Installation::exportFolder() const {
+  return within(settings_.exportFolder);
+}
+fs::path Installation::documentFolder() const {
+  return within(settings_.documentFolder);
+}
+fs::path Installation::textFolder() const {
+  return within(settings_.textFolder);
+}
+fs::path Installation::emailTextFolder() const {
+  return within(settings_.emailTextFolder);
+}
+
+fs::path Installation::within(const std::string& path) const {
+  const fs::path full = (folder() / path).lexically_normal();
+  return full.has_filename() ? full : full.parent_path();
+}
+
+std::shared_ptr<const engine::Catalogue> Installation::catalogue(int selector) const {
+  const Database& database = entry(selector);
+  const std::lock_guard lock(database.mutex);
+  if (!database.catalogue) {
+    database.catalogue =
+        std::make_shared<const engine::Catalogue>(openSession(database, false)->describe());
+  }
+  return database.catalogue;
+}
+
+void Installation::addToSchema(int selector, std::string_view ddl) {
+  const Database& database = entry(selector);
+  const auto session = openSession(database, false);
+  schema::apply(*session, ddl, writerOf(*database.engine));
+  auto described = std::make_shared<const engine::Catalogue>(session->describe());
+  const std::lock_guard lock(database.mutex);
+  database.catalogue = std::move(described);
+}
+
+}  // namespace tavelor

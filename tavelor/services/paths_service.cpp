@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+// Where exported files lie.
+#include "tavelor/services/paths_service.hpp"
+
+#include <filesystem>
+#include <system_error>
+
+#include "tavelor/services/apartment.hpp"
+#include "tavelor/services/folders.hpp"
+#include "tavelor/services/installation.hpp"
+
+namespace tavelor {
+
+PathsService::PathsService() : apartment_(Apartment::current()) {}
+
+std::string PathsService::HtmlFile(std::string_view file) const {
+  return pathInFolder(apartment_.installation().reportFolder(), file, "PathsService");
+}
+
+std::string PathsService::TxtFolder() const {
+  return folderText(apartment_.installation().textFolder());
+}
+
+std::string PathsService::EmailTxtFolder() const {
+  return folderText(apartment_.installation().emailTextFolder());
+}
+
+std::string PathsService::WorkPath() const {
+  return apartment_.installation().folder().string();
+}
+
+bool PathsService::FileExists(std::string_view path) const {
+  std::error_code error;
+  const auto status = std::filesystem::status(std::filesystem::path(path), error);
+  return !error && std::filesystem::exists(status) && !std::filesystem::is_directory(status);
+}
+
+}  // namespace tavelor

@@ -1,0 +1,333 @@
+// SPDX-License-Identifier: MIT
+// Reads and writes the settings of an installation.
+#include "tavelor/services/settings_file.hpp"
+
+#include <charconv>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <pugixml.hpp>
+#include <sstream>
+#include <system_error>
+
+#include <fmt/format.h>
+
+#include "tavelor/platform/error.hpp"
+#include "tavelor/platform/locale.hpp"
+#include "tavelor/platform/text.hpp"
+#include "tavelor/services/engines.hpp"
+#include "tavelor/services/installation.hpp"
+
+namespace tavelor {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kSource = "Installation";
+constexpr int kFormat = 1;
+constexpr int kMostDecimals = 6;
+constexpr int kLongestWaitMs = 3'600'000;
+constexpr std::size_t kLargestFile = 1 << 20;
+
+std::string readWhole(const fs::path& file) {
+  std::error_code error;
+  const fs::file_status status = fs::status(file, error);
+  if (status.type() == fs::file_type::not_found) {
+    raise(errors::kFileNotFound, kSource,
+          fmt::format("{} is no installation: it has no {}.", file.parent_path().string(),
+                      file.filename().string()));
+  }
+  std::ifstream in(file, std::ios::binary);
+  std::string text;
+  if (status.type() == fs::file_type::regular && in) {
+    text.assign(std::istreambuf_iterator<char>(in), {});
+  }
+  if (status.type() != fs::file_type::regular || !in) {
+    raise(errors::kPathAccess, kSource,
+          fmt::format("The settings file {} cannot be read.", file.string()));
+  }
+  if (text.size() > kLargestFile) {
+    raise(errors::kInvalidCall, kSource,
+          fmt::format("{} is too large for a settings file.", file.string()));
+  }
+  return text;
+}
+
+/// Takes the settings out of the parsed file; every complaint names file, line and column.
+class Reader {
+ public:
+  Reader(const fs::path& file, std::string text) : file_(file), text_(std::move(text)) {}
+
+  Settings read() {
+    const pugi::xml_parse_result parsed =
+        document_.load_buffer(text_.data(), text_.size(), pugi::parse_default, pugi::encoding_utf8);
+    if (!parsed) complain(parsed.offset, parsed.description());
+    const pugi::xml_node root = document_.document_element();
+    if (std::string_view(root.name()) != "installation") {
+      complain(root, "the outermost element must be <installation>");
+    }
+    allowAttributes(root, {"format"});
+    if (whole(root, "format", 0, 0, 1'000'000) != kFormat) {
+      complain(root, fmt::format("the format of the file must be {}", kFormat));
+    }
+    for (const pugi::xml_node node : root.children()) element(node);
+    return std::move(settings_);
+  }
+
+ private:
+  using Names = std::vector<std::string_view>;
+
+  [[noreturn]] void complain(std::ptrdiff_t offset, std::string_view what) const {
+    const TextPlace place = placeOf(text_, offset);
+    raise(
+        errors::kInvalidCall, kSource,
+        fmt::format("{}, line {}, column {}: {}.", file_.string(), place.line, place.column, what));
+  }
+  [[noreturn]] void complain(pugi::xml_node node, std::string_view what) const {
+    complain(node.offset_debug(), what);
+  }
+  [[noreturn]] void unknown(pugi::xml_node node, std::string_view kind, std::string_view name,
+                            const Names& known) const {
+    const std::string near = text::nearest(name, known);
+    complain(node, near.empty()
+                       ? fmt::format("unknown {} \"{}\"", kind, name)
+                       : fmt::format("unknown {} \"{}\"; did you mean \"{}\"?", kind, name, near));
+  }
+
+  void allowAttributes(pugi::xml_node node, const Names& known) const {
+    for (const pugi::xml_attribute attribute : node.attributes()) {
+      const std::string_view name = attribute.name();
+      if (std::find(known.begin(), known.end(), name) == known.end()) {
+        unknown(node, "attribute", name, known);
+      }
+    }
+  }
+
+  std::string attribute(pugi::xml_node node, const char* name, std::string_view fallback) const {
+    const pugi::xml_attribute found = node.attribute(name);
+    return found ? found.value() : std::string(fallback);
+  }
+  int whole(pugi::xml_node node, const char* name, int fallback, int least, int most) const {
+    const pugi::xml_attribute found = node.attribute(name);
+    if (!found) return fallback;
+    const std::string_view text = found.value();
+    int value = 0;
+    const auto end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, value);
+    if (result.ec != std::errc() || result.ptr != end || value < least || value > most) {
+      complain(node, fmt::format("{} must be a whole number from {} to {}, not \"{}\"", name, least,
+                                 most, text));
+    }
+    return value;
+  }
+  bool flag(pugi::xml_node node, const char* name, bool fallback) const {
+    const pugi::xml_attribute found = node.attribute(name);
+    if (!found) return fallback;
+    const std::string_view text = found.value();
+    if (text != "true" && text != "false") {
+      complain(node, fmt::format("{} must be true or false, not \"{}\"", name, text));
+    }
+    return text == "true";
+  }
+  std::string content(pugi::xml_node node) const {
+    allowAttributes(node, {});
+    if (node.first_child() != node.last_child() ||
+        (node.first_child() && node.first_child().type() != pugi::node_pcdata)) {
+      complain(node, fmt::format("<{}> must hold a text", node.name()));
+    }
+    return node.child_value();
+  }
+
+  void element(pugi::xml_node node) {
+    static const Names kKnown = {"company",   "product",  "locale",  "formats",
+                                 "databases", "registry", "folders", "trace"};
+    const std::string_view name = node.name();
+    Settings& s = settings_;
+    if (node.type() != pugi::node_element) complain(node, "a text stands outside the elements");
+    if (name == "company") {
+      s.company = content(node);
+    } else if (name == "product") {
+      s.product = content(node);
+    } else if (name == "locale") {
+      s.locale = content(node);
+    } else if (name == "formats") {
+      allowAttributes(node, {"amount", "quantity", "currency-decimals"});
+      s.amountFormat = attribute(node, "amount", s.amountFormat);
+      s.quantityFormat = attribute(node, "quantity", s.quantityFormat);
+      s.currencyDecimals = whole(node, "currency-decimals", s.currencyDecimals, 0, kMostDecimals);
+    } else if (name == "databases") {
+      databases(node);
+    } else if (name == "registry") {
+      allowAttributes(node, {"file"});
+      s.registryFile = attribute(node, "file", s.registryFile);
+    } else if (name == "folders") {
+      allowAttributes(node, {"export", "document", "text", "email-text"});
+      s.exportFolder = attribute(node, "export", s.exportFolder);
+      s.documentFolder = attribute(node, "document", s.documentFolder);
+      s.textFolder = attribute(node, "text", s.textFolder);
+      s.emailTextFolder = attribute(node, "email-text", s.emailTextFolder);
+    } else if (name == "trace") {
+      allowAttributes(node, {"on", "file"});
+      s.trace = flag(node, "on", s.trace);
+      s.traceFile = attribute(node, "file", s.traceFile);
+    } else {
+      unknown(node, "element", name, kKnown);
+    }
+  }
+
+  void databases(pugi::xml_node node) {
+    allowAttributes(node, {"synchronous", "busy-timeout-ms"});
+    settings_.synchronous = flag(node, "synchronous", settings_.synchronous);
+    settings_.busyTimeoutMs =
+        whole(node, "busy-timeout-ms", settings_.busyTimeoutMs, 0, kLongestWaitMs);
+    settings_.databases.clear();
+    for (const pugi::xml_node child : node.children()) {
+      if (std::string_view(child.name()) != "database") {
+        unknown(child, "element", child.name(), {"database"});
+      }
+      allowAttributes(child, {"selector", "label", "engine", "file", "serves-as"});
+      DatabaseSettings database;
+      database.selector = whole(child, "selector", -1, 0, 99);
+      if (database.selector < 0) complain(child, "a database needs a selector");
+      database.label = attribute(child, "label", "");
+      database.engine = attribute(child, "engine", database.engine);
+      database.file = attribute(child, "file", "");
+      const std::string servesAs = attribute(child, "serves-as", "file");
+      if (servesAs != "file" && servesAs != "server") {
+        complain(child,
+                 fmt::format("serves-as must be \"file\" or \"server\", not \"{}\"", servesAs));
+      }
+      database.servesAsServer = servesAs == "server";
+      settings_.databases.push_back(std::move(database));
+    }
+  }
+
+  const fs::path& file_;
+  std::string text_;
+  pugi::xml_document document_;
+  Settings settings_;
+};
+
+/// Refuses what XML can't carry and what would break a path or a registry key.
+void checkText(std::string_view what, std::string_view value, const std::string& where,
+               bool mayBeEmpty = false) {
+  const auto complain = [&](std::string_view why) {
+    raise(errors::kInvalidCall, kSource, fmt::format("{}: {} {}.", where, what, why));
+  };
+  if (value.empty() && !mayBeEmpty) complain("is empty");
+  if (!text::isValidUtf8(value)) complain("is no UTF-8 text");
+  for (const char c : value) {
+    if (static_cast<unsigned char>(c) < 0x20) complain("holds control characters");
+  }
+}
+
+void checkKeyName(std::string_view what, std::string_view value, const std::string& where) {
+  checkText(what, value, where);
+  if (value.find('\\') != std::string_view::npos || text::trim(value) != value) {
+    raise(errors::kInvalidCall, kSource,
+          fmt::format("{}: {} \"{}\" has a backslash in it or blanks around it.", where, what,
+                      value));
+  }
+}
+
+std::string xmlOf(const Settings& s) {
+  pugi::xml_document document;
+  pugi::xml_node declaration = document.append_child(pugi::node_declaration);
+  declaration.append_attribute("version") = "1.0";
+  declaration.append_attribute("encoding") = "UTF-8";
+  pugi::xml_node root = document.append_child("installation");
+  root.append_attribute("format") = kFormat;
+  root.append_child("company").text() = s.company.c_str();
+  root.append_child("product").text() = s.product.c_str();
+  root.append_child("locale").text() = s.locale.c_str();
+
+  pugi::xml_node formats = root.append_child("formats");
+  formats.append_attribute("amount") = s.amountFormat.c_str();
+  formats.append_attribute("quantity") = s.quantityFormat.c_str();
+  formats.append_attribute("currency-decimals") = s.currencyDecimals;
+
+  pugi::xml_node databases = root.append_child("databases");
+  databases.append_attribute("synchronous") = s.synchronous;
+  databases.append_attribute("busy-timeout-ms") = s.busyTimeoutMs;
+  for (const DatabaseSettings& database : s.databases) {
+    pugi::xml_node node = databases.append_child("database");
+    node.append_attribute("selector") = database.selector;
+    node.append_attribute("label") = database.label.c_str();
+    node.append_attribute("engine") = database.engine.c_str();
+    node.append_attribute("file") = database.file.c_str();
+    if (database.servesAsServer) node.append_attribute("serves-as") = "server";
+  }
+  root.append_child("registry").append_attribute("file") = s.registryFile.c_str();
+
+  pugi::xml_node folders = root.append_child("folders");
+  folders.append_attribute("export") = s.exportFolder.c_str();
+  folders.append_attribute("document") = s.documentFolder.c_str();
+  folders.append_attribute("text") = s.textFolder.c_str();
+  folders.append_attribute("email-text") = s.emailTextFolder.c_str();
+
+  pugi::xml_node trace = root.append_child("trace");
+  trace.append_attribute("on") = s.trace;
+  trace.append_attribute("file") = s.traceFile.c_str();
+
+  std::ostringstream out;
+  document.save(out, "  ", pugi::format_default, pugi::encoding_utf8);
+  return out.str();
+}
+
+}  // namespace
+
+Settings readSettings(const fs::path& file) {
+  Settings settings = Reader(file, readWhole(file)).read();
+  checkSettings(settings, file.string());
+  return settings;
+}
+
+void checkSettings(const Settings& s, const std::string& where) {
+  const auto complain = [&](const std::string& why) {
+    raise(errors::kInvalidCall, kSource, fmt::format("{}: {}.", where, why));
+  };
+  checkKeyName("the company", s.company, where);
+  checkKeyName("the product", s.product, where);
+  if (!Locale::byName(s.locale)) {
+    complain(fmt::format("there is no locale \"{}\"; there are \"{}\" and \"{}\"", s.locale,
+                         Locale::spanish()->name, Locale::neutral()->name));
+  }
+  checkText("the amount format", s.amountFormat, where);
+  checkText("the quantity format", s.quantityFormat, where);
+  if (s.currencyDecimals < 0 || s.currencyDecimals > kMostDecimals) {
+    complain(fmt::format("the currency can't have {} decimals", s.currencyDecimals));
+  }
+  if (s.busyTimeoutMs < 0 || s.busyTimeoutMs > kLongestWaitMs) {
+    complain(fmt::format("nobody waits {} ms for another writer", s.busyTimeoutMs));
+  }
+  if (s.databases.empty()) complain("it names no databases");
+  for (std::size_t i = 0; i < s.databases.size(); ++i) {
+    const DatabaseSettings& database = s.databases[i];
+    const std::string what = fmt::format("database {}: the", database.selector);
+    checkText(what + " label", database.label, where);
+    checkText(what + " file", database.file, where);
+    if (findEngine(database.engine) == nullptr) {
+      complain(fmt::format("database {}: there is no engine \"{}\"", database.selector,
+                           database.engine));
+    }
+    for (std::size_t j = 0; j < i; ++j) {
+      if (s.databases[j].selector == database.selector) {
+        complain(fmt::format("the selector {} is given twice", database.selector));
+      }
+    }
+  }
+  checkText("the registry file", s.registryFile, where);
+  checkText("the export folder", s.exportFolder, where);
+  checkText("the document folder", s.documentFolder, where);
+  checkText("the text folder", s.textFolder, where);
+  checkText("the email text folder", s.emailTextFolder, where);
+  checkText("the trace file", s.traceFile, where, true);
+}
+
+void writeSettings(const fs::path& file, const Settings& settings) {
+  checkSettings(settings, file.string());
+  replaceFile(file, xmlOf(settings));
+}
+
+}  // namespace tavelor

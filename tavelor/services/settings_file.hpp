@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+// The settings of an installation as an XML file.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace tavelor {
+
+struct Settings;
+
+/// Reads a settings file. Raises 53 for a missing one, 75 for one that cannot be read, 5 with file,
+/// line and column for one that does not read as XML and for each unknown element, unknown
+/// attribute and wrong value.
+Settings readSettings(const std::filesystem::path& file);
+
+/// Raises 5, naming `where`, for settings that no installation can work with.
+void checkSettings(const Settings& settings, const std::string& where);
+
+/// Writes a settings file in the place of an old one: after a crash there is one or the other,
+/// whole. Raises 5 as checkSettings and 75 when it cannot be written; the old one is untouched
+/// then.
+void writeSettings(const std::filesystem::path& file, const Settings& settings);
+
+/// Puts a file in its place in one step: a temporary one beside it, flushed to the disk, renamed
+/// over it. Raises 75; the old file is untouched then.
+void replaceFile(const std::filesystem::path& file, std::string_view content);
+
+}  // namespace tavelor
