@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "tavelor/frame/component.hpp"
+#include "tavelor/numbering/numeradores.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/reference/almacenes.hpp"
@@ -27,16 +28,29 @@
 namespace tavelor {
 
 const std::vector<const Component*>& components() {
+  // clang-format off: one line a class
   static const std::vector<const Component*> all = {
-      &ClsBancos::component(),         &ClsImpuestos::component(),
-      &ClsDivisas::component(),        &ClsFormasPago::component(),
-      &ClsTiposDocumento::component(), &ClsTiposFactura::component(),
-      &Emisores::component(),          &ClsAlmacenes::component(),
-      &ClsCajas::component(),          &ClsTiposCliente::component(),
-      &ClsSecciones::component(),      &clsFamilias::component(),
-      &clsIncidencias::component(),    &Rutas::component(),
-      &ClsTransportistas::component(), &ClsContactos::component(),
+      // reference
+      &ClsBancos::component(),
+      &ClsImpuestos::component(),
+      &ClsDivisas::component(),
+      &ClsFormasPago::component(),
+      &ClsTiposDocumento::component(),
+      &ClsTiposFactura::component(),
+      &Emisores::component(),
+      &ClsAlmacenes::component(),
+      &ClsCajas::component(),
+      &ClsTiposCliente::component(),
+      &ClsSecciones::component(),
+      &clsFamilias::component(),
+      &clsIncidencias::component(),
+      &Rutas::component(),
+      &ClsTransportistas::component(),
+      &ClsContactos::component(),
+      // numbering
+      &clsNumeradores::component(),
   };
+  // clang-format on
   return all;
 }
 

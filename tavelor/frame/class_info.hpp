@@ -2,6 +2,7 @@
 // What makes one record class differ from another, as data.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -50,6 +51,8 @@ struct ClassInfo {
   std::span<const Mode> modes;             ///< in the order compared, kAnyOtherWord last
   /// Statement of CodigoLibre with {id}; empty: by the column Codigo, in quotes.
   std::string_view freeCode = {};
+  /// AddNew fills its code with zeros to this many characters; 0: as it is.
+  std::size_t codeWidth = 0;
   AddNewForm addNew = AddNewForm::kGeneral;
   UpdateForm update = UpdateForm::kCurrentRow;
   DeleteForm remove = DeleteForm::kWrites;

@@ -119,6 +119,9 @@ void RecordClass::AddNew(bool bDefVal) {
   Recordset& rows = primary();
   rows.AddNew();
   Variant code = NuevoCodigo();
+  if (text::length(joined(code)) < info_.codeWidth) {
+    code = text::padLeft(joined(code), info_.codeWidth, '0');
+  }
   const Field first = rows.Field(0);
   if (info_.addNew == AddNewForm::kGeneral &&
       text::length(joined(code)) > static_cast<std::size_t>(first.DefinedSize())) {
