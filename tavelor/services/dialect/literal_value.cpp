@@ -167,6 +167,9 @@ LiteralReader::LiteralReader(const Locale& locale)
     : locale_(locale), decimal_(locale.decimal.size() == 1 ? locale.decimal[0] : '\0') {}
 
 Value LiteralReader::read(const Lifted& literal, const Parameter& parameter) const {
+  if (parameter.compared && literal.text.empty() && parameter.conversion != Conversion::kText) {
+    return Value::null();
+  }
   switch (parameter.conversion) {
     case Conversion::kText:
       checkLength(literal.text, parameter);

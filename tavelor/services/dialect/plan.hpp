@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a statement of the dialect becomes: text for an engine, its placeholders, its result columns.
+// What a statement becomes: text for an engine, its placeholders, its result columns.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@ enum class StatementKind : std::uint8_t { kSelect, kInsert, kUpdate, kDelete, kD
 /// How the text of a lifted literal becomes the value of a placeholder.
 enum class Conversion : std::uint8_t {
   kText,            ///< as it stands
-  kNumber,          ///< a bare number: whole if written without point and exponent and it fits, else double
+  kNumber,          ///< a bare number: whole if so written and it fits, else double
   kCurrency,        ///< a number for a money column, rounded to four decimals
   kDate,            ///< the text between # and #
   kNumberByLocale,  ///< a quoted text that met a numeric column: '1,5' is 1.5 in Spanish
@@ -25,13 +25,16 @@ enum class Conversion : std::uint8_t {
   kBoolean          ///< a number or quoted number for a flag: any non-zero is -1
 };
 
-/// One placeholder of a step, in the order of the engine's text.
+/// A placeholder of a step: the first one is ?1. One placeholder may stand several times.
 struct Parameter {
   std::int32_t literal = 0;  ///< index of the lifted literal (or of the caller's own parameter)
   Conversion conversion = Conversion::kText;
   ColumnType columnType = ColumnType::kText;  ///< of the column that it goes into, for range checks
-  std::int32_t maxLength = 0;  ///< characters, for a text that goes into a sized column; 0: no limit
-  std::string column;          ///< that column's name, for messages
+  std::int32_t maxLength = 0;                 ///< characters that the column holds; 0: no limit
+  std::string column;  ///< that column's name, for messages; "" where none is assigned to
+  /// A side of a comparison: an empty text that meets a number or a date is Null there, equal to
+  /// nothing.
+  bool compared = false;
 };
 
 /// One statement of the engine. All steps of a plan run in one transaction.
@@ -46,9 +49,9 @@ struct OutputColumn {
   std::int32_t definedSize = 0;  ///< characters of text; bytes of the others
   bool nullable = true;
   bool autoNumber = false;
-  bool key = false;        ///< part of the base table's primary key
-  bool hidden = false;     ///< added for finding the row again; comes after all others
-  std::string baseTable;   ///< "" for an expression
+  bool key = false;       ///< part of the base table's primary key
+  bool hidden = false;    ///< added for finding the row again; comes after all others
+  std::string baseTable;  ///< "" for an expression
   std::string baseColumn;
 };
 

@@ -44,7 +44,9 @@ bool isAscii(std::string_view text) {
                       [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
 }
 
-char lowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
+char lowerAscii(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
 
 std::uint32_t hashFolded(std::string_view name) {
   std::uint32_t hash = 2166136261U;
@@ -82,8 +84,9 @@ std::uint32_t NameIndex::hashOf(std::string_view name) {
 }
 
 int Table::find(std::string_view column) const {
-  const int found = columnIndex.find(
-      column, [&](std::size_t i) { return i < columns.size() && sameName(columns[i].name, column); });
+  const int found = columnIndex.find(column, [&](std::size_t i) {
+    return i < columns.size() && sameName(columns[i].name, column);
+  });
   if (found >= 0) return found;
   for (std::size_t i = 0; i < columns.size(); ++i) {
     if (sameName(columns[i].name, column)) return static_cast<int>(i);

@@ -25,7 +25,9 @@ enum class ColumnType : std::uint8_t {
   kBinary = 205  ///< bytes without a limit
 };
 
-constexpr bool isText(ColumnType t) { return t == ColumnType::kText || t == ColumnType::kMemo; }
+constexpr bool isText(ColumnType t) {
+  return t == ColumnType::kText || t == ColumnType::kMemo;
+}
 constexpr bool isWhole(ColumnType t) {
   return t == ColumnType::kInt16 || t == ColumnType::kInt32 || t == ColumnType::kByte;
 }

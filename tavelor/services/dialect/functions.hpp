@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+// The functions of the dialect.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "tavelor/services/dialect/plan.hpp"
+
+namespace tavelor::dialect {
+
+/// What becomes of a call.
+enum class FunctionKind : std::uint8_t {
+  kPlain,       ///< a function of the engine with the same arguments
+  kTyped,       ///< the same, with the type of the first argument behind the others
+  kDatePart,    ///< the part named by `engineName` of a date
+  kConversion,  ///< a cast to the result type
+  kCount,
+  kIIf,
+  kIsNull,
+  kNz
+};
+
+enum class ResultType : std::uint8_t {
+  kFixed,  ///< `type`
+  kFirst,  ///< as the first argument
+  kSum,    ///< money stays money, all else becomes double
+  kBoth    ///< what the second and the third argument have in common
+};
+
+struct Function {
+  std::string_view name;  ///< lower case
+  std::string_view engineName;
+  FunctionKind kind = FunctionKind::kPlain;
+  std::uint8_t leastArguments = 1;
+  /// A letter for each argument, the optional ones too: t text, n number, d date, v any value,
+  /// c condition.
+  std::string_view arguments;
+  ResultType result = ResultType::kFixed;
+  ColumnType type = ColumnType::kText;
+  bool aggregate = false;
+};
+
+/// Without regard to case; null when there is none.
+const Function* findFunction(std::string_view name);
+/// The name nearest to an unknown one, or "".
+std::string nearestFunction(std::string_view name);
+
+}  // namespace tavelor::dialect

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+// What statements have in common that differ in their literals only.
+#include "tavelor/platform/statement.hpp"
+#include "tavelor/services/dialect/lexer.hpp"
+
+namespace tavelor::dialect {
+
+namespace {
+
+constexpr std::string_view marker(LiteralKind kind) {
+  switch (kind) {
+    case LiteralKind::kText:
+      return "?t";
+    case LiteralKind::kWhole:
+      return "?w";
+    case LiteralKind::kDecimal:
+      return "?d";
+    case LiteralKind::kDate:
+      return "?#";
+  }
+  return "";
+}
+
+/// A part of a quoted text: its quotes are still doubled.
+std::string undoubled(std::string_view part, char quote) {
+  std::string text;
+  text.reserve(part.size());
+  for (std::size_t i = 0; i < part.size(); ++i) {
+    text.push_back(part[i]);
+    if (part[i] == quote && i + 1 < part.size() && part[i + 1] == quote) ++i;
+  }
+  return text;
+}
+
+void addSlots(const Statement& statement, const TokenList& list, Shape& shape) {
+  const std::string& text = statement.text();
+  const std::vector<Statement::Range>& ranges = statement.ranges();
+  shape.slots.reserve(ranges.size());
+  shape.spliceable = true;
+  std::size_t constantBegin = 0;
+  for (std::size_t i = 0; i < ranges.size(); ++i) {
+    const ValuePlace& place = list.values[i];
+    const Token& token = list.tokens[place.token];
+    Slot slot;
+    slot.literal = place.literal;
+    slot.kind = token.literalKind;
+    slot.quote = place.quote;
+    slot.delimited = place.delimited;
+    if (place.literal < 0) shape.spliceable = false;
+    if (place.quote != 0 && !place.delimited) {
+      const bool first = i == 0 || list.values[i - 1].token != place.token;
+      const bool last = i + 1 == ranges.size() || list.values[i + 1].token != place.token;
+      if (first) constantBegin = token.begin + 1;
+      const auto part = [&](std::size_t begin, std::size_t end) {
+        return undoubled(std::string_view(text).substr(begin, end - begin), place.quote);
+      };
+      slot.prefix = part(constantBegin, ranges[i].begin);
+      if (last) slot.suffix = part(ranges[i].end, token.end - 1);
+      constantBegin = ranges[i].end;
+    }
+    shape.slots.push_back(std::move(slot));
+  }
+}
+
+}  // namespace
+
+Shape shapeOf(const Statement& statement) {
+  TokenList list = lex(statement);
+  Shape shape;
+  shape.key.reserve(statement.text().size());
+  shape.kinds.reserve(list.literals.size());
+  for (const Token& token : list.tokens) {
+    if (token.kind == TokenKind::kEnd) break;
+    if (!shape.key.empty()) shape.key.push_back(' ');
+    if (token.literal >= 0) {
+      shape.key.append(marker(token.literalKind));
+      shape.kinds.push_back(token.literalKind);
+    } else {
+      shape.key.append(list.textOf(token));
+    }
+  }
+  addSlots(statement, list, shape);
+  shape.literals = std::move(list.literals);
+  return shape;
+}
+
+}  // namespace tavelor::dialect

@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+// Every statement of the library, and what the embedded engine is sent for it.
+//
+// corpus/*.txt hold the statements, approved/*.txt what they become. After a wanted change run the
+// test with TAVELOR_APPROVE=1 and read the difference.
+#include <cstdlib>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "tavelor/platform/date_text.hpp"
+#include "tavelor/platform/error.hpp"
+#include "tavelor/platform/locale.hpp"
+#include "tavelor/services/dialect/dialect.hpp"
+#include "tavelor/services/dialect/lexer.hpp"
+#include "tavelor/services/dialect/literal_value.hpp"
+#include "tests/dialect/corpus_case.hpp"
+
+namespace tavelor::dialect {
+namespace {
+
+using tests::CorpusCase;
+
+std::string_view conversionName(Conversion conversion) {
+  switch (conversion) {
+    case Conversion::kText:
+      return "text";
+    case Conversion::kNumber:
+      return "number";
+    case Conversion::kCurrency:
+      return "currency";
+    case Conversion::kDate:
+      return "date";
+    case Conversion::kNumberByLocale:
+      return "number by locale";
+    case Conversion::kDateByLocale:
+      return "date by locale";
+    case Conversion::kBoolean:
+      return "boolean";
+  }
+  return "";
+}
+
+std::string valueText(const engine::Value& value) {
+  std::ostringstream out;
+  switch (value.kind) {
+    case engine::Value::Kind::kNull:
+      return "Null";
+    case engine::Value::Kind::kReal:
+    case engine::Value::Kind::kDate:
+      out.precision(15);
+      out << value.real;
+      return out.str();
+    case engine::Value::Kind::kText:
+    case engine::Value::Kind::kBytes:
+      return "'" + std::string(value.text) + "'";
+    case engine::Value::Kind::kCurrency:
+      out << value.integer << "/10000";
+      return out.str();
+    default:
+      return std::to_string(value.integer);
+  }
+}
+
+engine::Value valueOf(const Shape& shape, const Parameter& parameter) {
+  const auto index = static_cast<std::size_t>(parameter.literal);
+  Lifted lifted{shape.literals[index]};
+  lifted.quoted = shape.kinds[index] == LiteralKind::kText;
+  if (shape.kinds[index] == LiteralKind::kDate) {
+    lifted.day = parseSqlDate(lifted.text).value().days();
+  }
+  return LiteralReader(*Locale::spanish()).read(lifted, parameter);
+}
+
+void writeParameters(std::ostream& out, const Step& step, const Shape& shape) {
+  int number = 0;
+  for (const Parameter& parameter : step.parameters) {
+    out << "  ?" << ++number << " " << conversionName(parameter.conversion) << " "
+        << valueText(valueOf(shape, parameter));
+    if (!parameter.column.empty()) out << " -> " << parameter.column;
+    if (parameter.maxLength > 0) out << " (" << parameter.maxLength << ")";
+    out << "\n";
+  }
+}
+
+void writeColumns(std::ostream& out, const Plan& plan) {
+  for (const OutputColumn& column : plan.columns) {
+    out << "  " << (column.hidden ? "(" + column.name + ")" : column.name) << ": "
+        << engine::ddlWord(column.type) << " " << column.definedSize;
+    if (!column.baseTable.empty()) out << ", " << column.baseTable << "." << column.baseColumn;
+    if (column.key) out << ", key";
+    if (!column.nullable) out << ", not null";
+    if (column.autoNumber) out << ", counter";
+    out << "\n";
+  }
+  if (!plan.updateTable.empty()) out << "  writes to " << plan.updateTable << "\n";
+}
+
+struct Outcome {
+  bool runs = false;
+  std::string text;
+};
+
+Outcome outcomeOf(const CorpusCase& sample) {
+  const Statement statement = sample.statement();
+  std::ostringstream out;
+  try {
+    Literals literals;
+    const Plan plan = translate(statement, tests::schemaCatalogue(), sqliteWriter(), literals);
+    const Shape shape = shapeOf(statement);
+    EXPECT_EQ(literals, shape.literals) << sample.name;
+    for (const Step& step : plan.steps) {
+      out << step.sql << "\n";
+      writeParameters(out, step, shape);
+    }
+    writeColumns(out, plan);
+    return {true, out.str()};
+  } catch (const Error& error) {
+    const TextPlace place = placeOf(statement.text(), error.offset());
+    std::ostringstream refusal;
+    refusal << "error " << error.number();
+    if (error.offset() >= 0) refusal << " at " << place.line << ":" << place.column;
+    refusal << ": " << error.description() << "\n";
+    return {false, refusal.str()};
+  }
+}
+
+class Corpus : public testing::TestWithParam<std::filesystem::path> {};
+
+TEST_P(Corpus, BecomesWhatWasApproved) {
+  const std::filesystem::path file = GetParam();
+  std::set<std::string> names;
+  std::ostringstream received;
+  for (const CorpusCase& sample : tests::readCorpus(file)) {
+    EXPECT_TRUE(names.insert(sample.name).second) << "two cases named " << sample.name;
+    const Outcome outcome = outcomeOf(sample);
+    EXPECT_EQ(outcome.runs, sample.runs)
+        << file.filename().string() << ":" << sample.line << " " << sample.name << "\n"
+        << sample.marked << "\n"
+        << sample.reason << "\n"
+        << outcome.text;
+    received << "== " << sample.name << "\n" << outcome.text << "\n";
+  }
+  const std::filesystem::path approved = std::filesystem::path(TAVELOR_SOURCE_DIR) / "tests" /
+                                         "dialect" / "approved" / file.filename();
+  if (std::getenv("TAVELOR_APPROVE") != nullptr) {
+    std::ofstream(approved, std::ios::binary) << received.str();
+  } else {
+    EXPECT_EQ(received.str(), tests::readFile(approved)) << "in " << approved;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, Corpus, testing::ValuesIn(tests::corpusFiles()),
+                         [](const testing::TestParamInfo<std::filesystem::path>& sample) {
+                           std::string name = sample.param.stem().string();
+                           for (char& c : name) {
+                             if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
+                           }
+                           return name;
+                         });
+
+}  // namespace
+}  // namespace tavelor::dialect
