@@ -33,6 +33,13 @@ Error describe(const Database& database, int code, std::string_view engineMessag
   switch (code & 0xFF) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
+      if (database.waitsForItself) {
+        return error(
+            errors::kBusy,
+            fmt::format("The database {} is locked by a transaction of this same thread on "
+                        "another connection: waiting for it would never end.",
+                        path));
+      }
       return error(
           errors::kBusy,
           fmt::format("The database {} is locked by another session, and stayed so for the "

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -40,6 +41,8 @@ struct Database {
   int busyTimeoutMs = 0;
   int depth = 0;
   std::chrono::steady_clock::time_point waitSince;
+  std::function<bool()> worthWaiting;  // may be empty
+  bool waitsForItself = false;         // what worthWaiting said last
 
   // What a function raised last. The engine carries only a text through; the number waits here
   // until the statement that called the function fails.

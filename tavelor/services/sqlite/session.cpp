@@ -85,6 +85,12 @@ int FileSession::rollback() {
   return --database_->depth;
 }
 
+void FileSession::settle() {
+  const int code = sqlite3_wal_checkpoint_v2(database_->handle, nullptr, SQLITE_CHECKPOINT_TRUNCATE,
+                                             nullptr, nullptr);
+  if (code != SQLITE_OK) database_->fail(code);
+}
+
 Catalogue FileSession::describe() {
   return describeTables(*database_);
 }

@@ -22,6 +22,7 @@ class FileSession final : public Session {
   int rollback() override;
   int depth() const override { return database_->depth; }
   Catalogue describe() override;
+  void settle() override;
 
  private:
   /// Runs a statement of the transaction's own, compiled at its first use.

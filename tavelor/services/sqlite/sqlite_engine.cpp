@@ -68,7 +68,11 @@ int waitForOther(void* shared, int calls) {
   static constexpr std::array kPauses{1, 1, 2, 3, 5, 8, 13, 21, 34};
   auto& database = *static_cast<Database*>(shared);
   const auto now = steady_clock::now();
-  if (calls == 0) database.waitSince = now;
+  if (calls == 0) {
+    database.waitSince = now;
+    database.waitsForItself = database.worthWaiting && !database.worthWaiting();
+  }
+  if (database.waitsForItself) return 0;
   const auto left = database.waitSince + milliseconds(database.busyTimeoutMs) - now;
   if (left <= left.zero()) return 0;
   const auto step = std::min(static_cast<std::size_t>(calls), kPauses.size() - 1);
@@ -140,6 +144,7 @@ class FileEngine final : public Engine {
     database->path = placeOf(options);
     database->locale = options.locale ? options.locale : Locale::spanish();
     database->busyTimeoutMs = options.busyTimeoutMs;
+    database->worthWaiting = options.worthWaiting;
     openHandle(*database, options);
     addFunctions(*database);
     configure(*database, options);
