@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+// A connection to one database of an installation.
+#include "tavelor/services/recordset/connection.hpp"
+
+#include "tavelor/platform/error.hpp"
+#include "tavelor/platform/locale.hpp"
+#include "tavelor/platform/statement.hpp"
+#include "tavelor/services/dialect/plan_cache.hpp"
+#include "tavelor/services/engine/engine.hpp"
+#include "tavelor/services/recordset/connection_trace.hpp"
+#include "tavelor/services/recordset/recordset.hpp"
+
+namespace tavelor {
+
+namespace {
+constexpr std::string_view kSource = "Connection";
+}
+
+ConnectionPtr Connection::open(ConnectionSettings settings) {
+  if (!settings.lease) raise(errors::kInvalidConnection, kSource, "There is no session");
+  auto connection = std::make_shared<Connection>();
+  connection->lease_ = std::move(settings.lease);
+  connection->locale_ = settings.locale ? std::move(settings.locale) : Locale::spanish();
+  connection->connectionString_ = std::move(settings.connectionString);
+  connection->trace_ = std::move(settings.trace);
+  connection->selector_ = settings.selector;
+  return connection;
+}
+
+Connection::~Connection() {
+  rollbackAll();
+}
+
+SessionLease& Connection::lease() const {
+  if (!lease_) raise(errors::kObjectClosed, kSource);
+  return *lease_;
+}
+
+int Connection::BeginTrans() {
+  lease().session().begin();
+  return ++level_;
+}
+
+void Connection::CommitTrans() {
+  SessionLease& open = lease();
+  if (level_ == 0) raise(errors::kNotAllowedInContext, kSource, "No transaction is open");
+  // A commit that fails (the disk is full) leaves the transaction open, to be rolled back.
+  open.session().commit();
+  --level_;
+}
+
+void Connection::RollbackTrans() {
+  SessionLease& open = lease();
+  if (level_ == 0) raise(errors::kNotAllowedInContext, kSource, "No transaction is open");
+  --level_;
+  // The engine may have rolled everything back by itself after a serious error.
+  if (open.session().depth() > 0) open.session().rollback();
+}
+
+void Connection::Close() {
+  lease();
+  if (level_ > 0) {
+    raise(errors::kInTransaction, kSource,
+          "The connection cannot be closed while a transaction is open");
+  }
+  const std::shared_ptr<Connection> keep = weak_from_this().lock();
+  while (firstRecordset_ != nullptr) firstRecordset_->detach();
+  lease_.reset();
+}
+
+std::int64_t Connection::Execute(const Statement& statement) {
+  SessionLease& open = lease();
+  return traced(statement.text(), [&] { return open.plans().run(statement); });
+}
+
+void Connection::rollbackAll() noexcept {
+  if (!lease_) return;
+  try {
+    for (; level_ > 0 && lease_->session().depth() > 0; --level_) lease_->session().rollback();
+  } catch (const Error&) {
+    // The session is beyond use; the engine rolls back when it is closed.
+  }
+}
+
+}  // namespace tavelor

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+// Telling the trace of a statement around running it.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string_view>
+
+#include "tavelor/platform/error.hpp"
+#include "tavelor/services/recordset/connection.hpp"
+
+namespace tavelor {
+
+template <typename Work>
+std::int64_t Connection::traced(std::string_view text, Work&& work) const {
+  if (!trace_ || !trace_->isOn()) return work();
+  const auto started = std::chrono::steady_clock::now();
+  const auto tell = [&](std::int64_t rows, std::int32_t error) {
+    const auto taken = std::chrono::duration_cast<std::chrono::microseconds>(
+        std::chrono::steady_clock::now() - started);
+    trace_->statement({selector_, text, taken.count(), rows, error});
+  };
+  std::int64_t rows = 0;
+  try {
+    rows = work();
+  } catch (const Error& error) {
+    tell(0, error.number());
+    throw;
+  }
+  tell(rows, 0);
+  return rows;
+}
+
+}  // namespace tavelor

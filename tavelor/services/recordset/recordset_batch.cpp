@@ -1,0 +1,341 @@
+// SPDX-License-Identifier: MIT
+// Writing pending changes to the database.
+#include "tavelor/services/dialect/plan_cache.hpp"
+#include "tavelor/services/engine/engine.hpp"
+#include "tavelor/services/recordset/connection_trace.hpp"
+#include "tavelor/services/recordset/recordset_internal.hpp"
+
+namespace tavelor {
+
+using Operation = RecordsetStore::Operation;
+
+/// Composes and runs one statement a row. Nothing of the store changes before all have run.
+class BatchWriter {
+ public:
+  using Row = RecordsetStore::Row;
+
+  BatchWriter(RecordsetStore& store, Connection& connection);
+
+  /// Writes the rows, several of them in one transaction. After an error none is written, and
+  /// failed() is the row at fault, if it was one.
+  void run(const std::vector<Row>& rows);
+  /// Takes what was written into the base rows.
+  void accept();
+
+  const std::vector<Row>& written() const { return written_; }
+  const std::vector<Row>& conflicts() const { return conflicts_; }
+
+ private:
+  void writeAll(const std::vector<Row>& rows);
+  bool write(Row row, const RecordsetStore::Edit& edit);
+  std::int64_t update(Row row, const RecordsetStore::Edit& edit);
+  std::int64_t insert(const RecordsetStore::Edit& edit);
+  std::int64_t remove(Row row);
+  void appendKey(Row row);
+  void appendOriginal(Row row, std::size_t column);
+  void appendName(std::string_view name);
+  const dialect::OutputColumn& writable(std::size_t column) const;
+  std::int64_t execute(engine::RowStore* returned);
+
+  RecordsetStore& store_;
+  Connection& connection_;
+  const dialect::Plan& plan_;
+  std::vector<std::size_t> returnedColumns_;
+  engine::RowStore returned_;  // a row for each inserted one
+  std::vector<Row> written_;
+  std::vector<Row> conflicts_;
+  std::string sql_;
+  std::vector<engine::Value> values_;
+};
+
+namespace {
+
+/// Columns that an INSERT gives back: all that the table has.
+std::vector<std::size_t> columnsOfTable(const dialect::Plan& plan) {
+  std::vector<std::size_t> columns;
+  for (std::size_t i = 0; i < plan.columns.size(); ++i) {
+    if (!plan.columns[i].baseColumn.empty()) columns.push_back(i);
+  }
+  return columns;
+}
+
+std::vector<engine::ColumnType> typesOf(const dialect::Plan& plan,
+                                        const std::vector<std::size_t>& columns) {
+  std::vector<engine::ColumnType> types;
+  for (const std::size_t column : columns) types.push_back(plan.columns[column].type);
+  return types;
+}
+
+void copyCell(const engine::RowStore& from, std::size_t fromRow, std::size_t fromColumn,
+              engine::RowStore& to, std::size_t toRow, std::size_t toColumn) {
+  if (from.isNull(fromRow, fromColumn)) return to.setNull(toRow, toColumn);
+  switch (from.type(fromColumn)) {
+    case engine::ColumnType::kSingle:
+    case engine::ColumnType::kDouble:
+    case engine::ColumnType::kDate:
+      return to.setReal(toRow, toColumn, from.real(fromRow, fromColumn));
+    case engine::ColumnType::kText:
+    case engine::ColumnType::kMemo:
+    case engine::ColumnType::kBinary:
+      return to.setText(toRow, toColumn, from.text(fromRow, fromColumn));
+    default:
+      return to.setInteger(toRow, toColumn, from.integer(fromRow, fromColumn));
+  }
+}
+
+std::int32_t failureOf(const Error& error) {
+  return error.number() == errors::kIntegrityViolation ? record_status::kIntegrityViolation
+                                                       : record_status::kInvalid;
+}
+
+}  // namespace
+
+BatchWriter::BatchWriter(RecordsetStore& store, Connection& connection)
+    : store_(store),
+      connection_(connection),
+      plan_(*store.schema().plan),
+      returnedColumns_(columnsOfTable(plan_)),
+      returned_(typesOf(plan_, returnedColumns_)) {
+  if (plan_.updateTable.empty()) {
+    raise(errors::kUnspecified, kRecordsetSource,
+          "The rows come from no single table with a key, so they cannot be written back");
+  }
+}
+
+void BatchWriter::run(const std::vector<Row>& rows) {
+  if (rows.size() == 1) return writeAll(rows);
+  engine::Session& session = connection_.lease().session();
+  session.begin();
+  try {
+    writeAll(rows);
+    session.commit();
+  } catch (...) {
+    // After a serious error the engine may have rolled back by itself.
+    if (session.depth() > 0) session.rollback();
+    throw;
+  }
+}
+
+void BatchWriter::writeAll(const std::vector<Row>& rows) {
+  for (const Row row : rows) {
+    RecordsetStore::Edit* edit = store_.edit(row);
+    if (edit == nullptr) continue;
+    edit->failure = 0;
+    try {
+      if (write(row, *edit)) {
+        written_.push_back(row);
+      } else {
+        edit->failure = record_status::kConcurrencyViolation;
+        conflicts_.push_back(row);
+      }
+    } catch (const Error& error) {
+      edit->failure = failureOf(error);
+      conflicts_.assign(1, row);
+      throw;
+    }
+  }
+}
+
+bool BatchWriter::write(Row row, const RecordsetStore::Edit& edit) {
+  sql_.clear();
+  values_.clear();
+  switch (edit.operation) {
+    case Operation::kInsert:
+      return insert(edit) > 0;
+    case Operation::kDelete:
+      return remove(row) > 0;
+    case Operation::kUpdate:
+      break;
+  }
+  return update(row, edit) > 0;
+}
+
+std::int64_t BatchWriter::update(Row row, const RecordsetStore::Edit& edit) {
+  sql_ += "UPDATE ";
+  appendName(plan_.updateTable);
+  const char* separator = " SET ";
+  for (const WrittenCell& cell : edit.cells) {
+    sql_ += separator;
+    appendName(writable(cell.column).baseColumn);
+    sql_ += "=?";
+    values_.push_back(forEngine(cell.value));
+    separator = ",";
+  }
+  appendKey(row);
+  for (const WrittenCell& cell : edit.cells) {
+    if (!plan_.columns[cell.column].key) appendOriginal(row, cell.column);
+  }
+  return execute(nullptr);
+}
+
+std::int64_t BatchWriter::insert(const RecordsetStore::Edit& edit) {
+  if (edit.cells.empty()) {
+    raise(errors::kUnspecified, kRecordsetSource,
+          "Cannot insert an empty row - must have at least one column value set.");
+  }
+  sql_ += "INSERT INTO ";
+  appendName(plan_.updateTable);
+  const char* separator = " (";
+  for (const WrittenCell& cell : edit.cells) {
+    sql_ += separator;
+    appendName(writable(cell.column).baseColumn);
+    values_.push_back(forEngine(cell.value));
+    separator = ",";
+  }
+  sql_ += ") VALUES (?";
+  for (std::size_t i = 1; i < edit.cells.size(); ++i) sql_ += ",?";
+  separator = ") RETURNING ";
+  for (const std::size_t column : returnedColumns_) {
+    sql_ += separator;
+    appendName(plan_.columns[column].baseColumn);
+    separator = ",";
+  }
+  const std::size_t before = returned_.rows();
+  execute(&returned_);
+  return static_cast<std::int64_t>(returned_.rows() - before);
+}
+
+std::int64_t BatchWriter::remove(Row row) {
+  sql_ += "DELETE FROM ";
+  appendName(plan_.updateTable);
+  appendKey(row);
+  return execute(nullptr);
+}
+
+void BatchWriter::appendKey(Row row) {
+  const char* separator = " WHERE ";
+  for (std::size_t i = 0; i < plan_.columns.size(); ++i) {
+    if (!plan_.columns[i].key) continue;
+    sql_ += separator;
+    appendName(plan_.columns[i].baseColumn);
+    sql_ += "=?";
+    values_.push_back(store_.baseForEngine(row, i));
+    separator = " AND ";
+  }
+}
+
+/// The row is found only if the column still holds what was read.
+void BatchWriter::appendOriginal(Row row, std::size_t column) {
+  sql_ += " AND ";
+  appendName(plan_.columns[column].baseColumn);
+  const engine::Value original = store_.baseForEngine(row, column);
+  switch (original.kind) {
+    case engine::Value::Kind::kNull:
+      sql_ += " IS NULL";
+      return;
+    case engine::Value::Kind::kCurrency: {
+      // Another program may have stored the amount with more decimals than were read.
+      constexpr double kHalfUnit = 0.00005;
+      const double amount = Currency::fromScaled(original.integer).toDouble();
+      sql_ += " BETWEEN ? AND ?";
+      values_.push_back(engine::Value::ofReal(amount - kHalfUnit));
+      values_.push_back(engine::Value::ofReal(amount + kHalfUnit));
+      return;
+    }
+    default:
+      sql_ += "=?";
+      values_.push_back(original);
+  }
+}
+
+void BatchWriter::appendName(std::string_view name) {
+  sql_ += '"';
+  for (const char c : name) {
+    if (c == '"') sql_ += '"';
+    sql_ += c;
+  }
+  sql_ += '"';
+}
+
+const dialect::OutputColumn& BatchWriter::writable(std::size_t column) const {
+  const dialect::OutputColumn& output = plan_.columns[column];
+  if (output.baseColumn.empty()) {
+    raise(errors::kMultipleStep, kRecordsetSource,
+          "Field '" + output.name + "' is computed by the statement and cannot be written");
+  }
+  return output;
+}
+
+std::int64_t BatchWriter::execute(engine::RowStore* returned) {
+  return connection_.traced(
+      sql_, [&] { return connection_.lease().plans().run(sql_, values_, returned); });
+}
+
+void BatchWriter::accept() {
+  std::size_t inserted = 0;
+  for (const Row row : written_) {
+    const RecordsetStore::Edit& edit = *store_.edit(row);
+    if (edit.operation == Operation::kInsert) {
+      for (std::size_t i = 0; i < returnedColumns_.size(); ++i) {
+        copyCell(returned_, inserted, i, store_.rows(), row, returnedColumns_[i]);
+      }
+      ++inserted;
+    } else {
+      for (const WrittenCell& cell : edit.cells) store_.setBase(row, cell.column, cell.value);
+    }
+  }
+}
+
+// ---- The set's side
+
+void Recordset::UpdateBatch(Affect affect) {
+  requireWritable();
+  leaveRow();
+  const std::vector<Row> rows = pendingRows(affect);
+  if (rows.empty()) return;
+  const auto count = static_cast<std::int32_t>(rows.size());
+  const std::shared_ptr<RecordsetStore> store = store_;
+  announced({.told = Told::kRecord, .reason = EventReason::kUpdate, .records = count}, [&] {
+    requireSame(store);
+    write(rows);
+  });
+}
+
+void Recordset::write(const std::vector<Row>& rows) {
+  follow();
+  affected_ = rows;
+  conflicting_.clear();
+  RecordsetStore& store = *store_;
+  if (store.detached && !connection_) {
+    for (const Row row : rows) {
+      const RecordsetStore::Edit* edit = store.edit(row);
+      if (edit == nullptr) continue;
+      for (const WrittenCell& cell : edit->cells) store.setBase(row, cell.column, cell.value);
+    }
+    return acceptWritten(rows);
+  }
+  if (!connection_ || connection_->State() == ObjectState::kClosed) {
+    raise(errors::kInvalidConnection, kRecordsetSource);
+  }
+  BatchWriter writer(store, *connection_);
+  try {
+    writer.run(rows);
+  } catch (...) {
+    conflicting_ = writer.conflicts();
+    throw;
+  }
+  writer.accept();
+  acceptWritten(writer.written());
+  conflicting_ = writer.conflicts();
+  if (!conflicting_.empty()) {
+    raise(errors::kRowNotLocated, kRecordsetSource,
+          "Rows not written: " + std::to_string(conflicting_.size()) + " of " +
+              std::to_string(rows.size()));
+  }
+}
+
+/// The base rows hold the changes now: nothing is pending any more.
+void Recordset::acceptWritten(const std::vector<Row>& rows) {
+  RecordsetStore& store = *store_;
+  for (const Row row : rows) {
+    const RecordsetStore::Edit* edit = store.edit(row);
+    if (edit == nullptr) continue;
+    const bool deleted = edit->operation == Operation::kDelete;
+    if (deleted && visible(row) && indexOf(row) >= 0) --live_;
+    store.dropEdit(row);
+    if (deleted) store.setFlags(row, RecordsetStore::kDead);
+  }
+  changedByMe();
+}
+
+}  // namespace tavelor

@@ -1,0 +1,262 @@
+// SPDX-License-Identifier: MIT
+// Reading a record set from XML, which may come from anywhere and be anything.
+#include <fstream>
+#include <iterator>
+#include <pugixml.hpp>
+#include <unordered_map>
+
+#include "tavelor/platform/text.hpp"
+#include "tavelor/services/recordset/field_types.hpp"
+#include "tavelor/services/recordset/recordset_internal.hpp"
+#include "tavelor/services/recordset/xml_format.hpp"
+
+namespace tavelor {
+
+namespace {
+
+using Operation = RecordsetStore::Operation;
+using Row = RecordsetStore::Row;
+
+constexpr std::string_view kSource = "Recordset.LoadXml";
+constexpr std::size_t kMaxColumns = 4096;
+
+class XmlReader {
+ public:
+  explicit XmlReader(std::string_view text) : text_(text) {}
+
+  std::shared_ptr<RecordsetStore> read(const std::shared_ptr<const Locale>& locale);
+
+ private:
+  [[noreturn]] void fail(std::string_view what, std::ptrdiff_t offset) const;
+  [[noreturn]] void fail(std::string_view what, const pugi::xml_node& node) const {
+    fail(what, node.offset_debug());
+  }
+
+  RecordsetSchema readSchema(const pugi::xml_node& elementType);
+  void readField(const pugi::xml_node& attributeType, dialect::Plan& plan,
+                 std::vector<std::int32_t>& declared);
+  DataType readType(const pugi::xml_node& attributeType, const pugi::xml_node& datatype) const;
+  void readRows(const pugi::xml_node& data);
+  void readUpdates(const pugi::xml_node& update);
+  Row readBase(const pugi::xml_node& row);
+  std::vector<WrittenCell> readCells(const pugi::xml_node& row) const;
+  std::vector<WrittenCell> readChanged(const pugi::xml_node& row) const;
+  void edit(Row row, Operation operation, std::vector<WrittenCell> cells);
+  std::string unescaped(std::string_view text) const {
+    return own_ ? xml::unescapeControls(text) : std::string(text);
+  }
+
+  std::string_view text_;
+  bool own_ = false;  // written by us: control characters are escaped
+  std::unordered_map<std::string, std::size_t> columns_;
+  std::shared_ptr<RecordsetStore> store_;
+};
+
+bool isTrue(const pugi::xml_attribute& attribute) {
+  const std::string_view value = attribute.value();
+  return value == "1" || text::equalsIgnoreCase(value, "true");
+}
+
+void XmlReader::fail(std::string_view what, std::ptrdiff_t offset) const {
+  std::string detail = "The XML of the record set does not read: " + std::string(what);
+  if (offset >= 0 && static_cast<std::size_t>(offset) <= text_.size()) {
+    const TextPlace place = placeOf(text_, offset);
+    detail += " at line " + std::to_string(place.line) + ", column " + std::to_string(place.column);
+  }
+  raise(errors::kInvalidArgument, kSource, detail);
+}
+
+std::shared_ptr<RecordsetStore> XmlReader::read(const std::shared_ptr<const Locale>& locale) {
+  pugi::xml_document document;
+  const pugi::xml_parse_result parsed = document.load_buffer(text_.data(), text_.size());
+  if (!parsed) fail(parsed.description(), parsed.offset);
+  const pugi::xml_node root = document.child("xml");
+  if (!root) fail("the root element <xml> is missing", 0);
+  own_ = xml::kOwnNamespace == root.attribute("xmlns:tv").value();
+  const pugi::xml_node elementType = root.child("s:Schema").child("s:ElementType");
+  if (!elementType) fail("there is no s:Schema with an s:ElementType", root);
+  store_ = std::make_shared<RecordsetStore>(readSchema(elementType), locale);
+  store_->detached = store_->schema().plan->updateTable.empty();
+  readRows(root.child("rs:data"));
+  return store_;
+}
+
+// ---- Fields
+
+RecordsetSchema XmlReader::readSchema(const pugi::xml_node& elementType) {
+  auto plan = std::make_shared<dialect::Plan>();
+  RecordsetSchema schema{plan, {}};
+  for (const pugi::xml_node& node : elementType.children("s:AttributeType")) {
+    readField(node, *plan, schema.declared);
+  }
+  if (plan->columns.empty()) fail("there are no fields", elementType);
+  if (isTrue(elementType.attribute("rs:updatable"))) {
+    std::string table;
+    bool hasKey = false;
+    bool isOne = true;
+    for (const dialect::OutputColumn& column : plan->columns) {
+      if (column.baseColumn.empty()) continue;
+      if (table.empty()) table = column.baseTable;
+      isOne = isOne && table == column.baseTable;
+      hasKey = hasKey || column.key;
+    }
+    if (isOne && hasKey) plan->updateTable = table;
+  }
+  return schema;
+}
+
+void XmlReader::readField(const pugi::xml_node& node, dialect::Plan& plan,
+                          std::vector<std::int32_t>& declared) {
+  if (plan.columns.size() == kMaxColumns) fail("there are too many fields", node);
+  const std::string attributeName = node.attribute("name").value();
+  if (attributeName.empty()) fail("a field has no name", node);
+  if (!columns_.emplace(attributeName, plan.columns.size()).second) {
+    fail("there are two fields '" + attributeName + "'", node);
+  }
+  const pugi::xml_node child = node.child("s:datatype");
+  const pugi::xml_node& datatype = child ? child : node;
+  const DataType type = readType(node, datatype);
+  const std::optional<engine::ColumnType> storage = storageOf(type);
+  if (!storage) fail("the type of field '" + attributeName + "' is not supported", node);
+
+  dialect::OutputColumn column;
+  const pugi::xml_attribute realName = node.attribute("rs:name");
+  column.name = realName ? unescaped(realName.value()) : attributeName;
+  column.type = *storage;
+  column.definedSize = fixedSize(*storage);
+  if (*storage == engine::ColumnType::kText) {
+    const int size = datatype.attribute("dt:maxLength").as_int(0);
+    if (size < 0) fail("a size is negative", node);
+    column.definedSize = size;
+  }
+  column.nullable =
+      isTrue(node.attribute("rs:nullable")) || isTrue(datatype.attribute("rs:maybenull"));
+  column.baseTable = node.attribute("rs:basetable").value();
+  column.baseColumn = node.attribute("rs:basecolumn").value();
+  column.key = isTrue(node.attribute("rs:keycolumn"));
+  column.autoNumber = isTrue(node.attribute("rs:autoincrement"));
+  column.hidden = isTrue(node.attribute("rs:hidden"));
+  if (!column.hidden && !plan.columns.empty() && plan.columns.back().hidden) {
+    fail("hidden fields must come last", node);
+  }
+  plan.columns.push_back(std::move(column));
+  declared.push_back(static_cast<std::int32_t>(type));
+}
+
+DataType XmlReader::readType(const pugi::xml_node& node, const pugi::xml_node& datatype) const {
+  if (own_) {
+    const auto exact = static_cast<DataType>(datatype.attribute("tv:type").as_int(0));
+    if (storageOf(exact)) return exact;
+  }
+  const std::string_view name = datatype.attribute("dt:type").value();
+  const std::optional<DataType> type = xml::typeOf(name, datatype.attribute("rs:dbtype").value(),
+                                                   isTrue(datatype.attribute("rs:long")));
+  if (!type) fail("the type '" + std::string(name) + "' is not known", node);
+  return *type;
+}
+
+// ---- Rows
+
+void XmlReader::readRows(const pugi::xml_node& data) {
+  for (const pugi::xml_node& node : data.children()) {
+    const std::string_view name = node.name();
+    if (name == "z:row") {
+      readBase(node);
+    } else if (name == "rs:insert") {
+      for (const pugi::xml_node& row : node.children("z:row")) {
+        edit(store_->append(), Operation::kInsert, readChanged(row));
+      }
+    } else if (name == "rs:delete") {
+      for (const pugi::xml_node& row : node.children("z:row")) {
+        const Row deleted = readBase(row);
+        edit(deleted, Operation::kDelete, {});
+        store_->setFlags(deleted, RecordsetStore::kEdited | RecordsetStore::kDeleted);
+      }
+    } else if (name == "rs:update") {
+      readUpdates(node);
+    } else if (node.type() == pugi::node_element) {
+      fail("<" + std::string(name) + "> is not known among the rows", node);
+    }
+  }
+}
+
+void XmlReader::readUpdates(const pugi::xml_node& update) {
+  pugi::xml_node original;
+  for (const pugi::xml_node& node : update.children()) {
+    const std::string_view name = node.name();
+    if (name == "rs:original") {
+      original = node.child("z:row");
+    } else if (name == "z:row") {
+      if (!original) fail("a changed row has no original", node);
+      edit(readBase(original), Operation::kUpdate, readChanged(node));
+      original = {};
+    }
+  }
+}
+
+Row XmlReader::readBase(const pugi::xml_node& node) {
+  const Row row = store_->append();
+  for (const WrittenCell& cell : readCells(node)) store_->setBase(row, cell.column, cell.value);
+  return row;
+}
+
+std::vector<WrittenCell> XmlReader::readCells(const pugi::xml_node& row) const {
+  std::vector<WrittenCell> cells;
+  for (const pugi::xml_attribute& attribute : row.attributes()) {
+    const auto found = columns_.find(attribute.name());
+    if (found == columns_.end()) continue;
+    const dialect::OutputColumn& column = store_->columns()[found->second];
+    const bool isText = engine::isText(column.type);
+    std::optional<Variant> value = isText ? Variant(unescaped(attribute.value()))
+                                          : xml::valueOf(attribute.value(), column.type);
+    if (!value) {
+      fail("'" + std::string(attribute.value()) + "' is no value of field '" + column.name + "'",
+           row);
+    }
+    const std::string* held = value->getIf<std::string>();
+    if (held != nullptr && !text::isValidUtf8(*held)) {
+      fail("field '" + column.name + "' holds a text that is no valid UTF-8", row);
+    }
+    cells.push_back({static_cast<std::uint32_t>(found->second), std::move(*value)});
+  }
+  return cells;
+}
+
+/// The values that a pending change writes, those changed to Null included.
+std::vector<WrittenCell> XmlReader::readChanged(const pugi::xml_node& row) const {
+  std::vector<WrittenCell> cells = readCells(row);
+  std::string_view nulls = row.attribute("rs:forcenull").value();
+  while (!nulls.empty()) {
+    const std::size_t blank = std::min(nulls.find(' '), nulls.size());
+    const auto found = columns_.find(std::string(nulls.substr(0, blank)));
+    if (found != columns_.end()) putCell(cells, found->second, Null{});
+    nulls.remove_prefix(std::min(blank + 1, nulls.size()));
+  }
+  return cells;
+}
+
+void XmlReader::edit(Row row, Operation operation, std::vector<WrittenCell> cells) {
+  RecordsetStore::Edit& edit = store_->editOf(row);
+  edit.operation = operation;
+  edit.cells = std::move(cells);
+}
+
+}  // namespace
+
+RecordsetPtr Recordset::LoadXml(std::string_view xml, const std::shared_ptr<const Locale>& locale) {
+  auto set = std::make_shared<Recordset>();
+  set->attach(XmlReader(xml).read(locale));
+  set->rebuildView();
+  set->standOnFirst();
+  return set;
+}
+
+RecordsetPtr Recordset::OpenFile(const std::string& path,
+                                 const std::shared_ptr<const Locale>& locale) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) raise(errors::kFileNotFound, "Recordset.OpenFile", path);
+  const std::string xml{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  return LoadXml(xml, locale);
+}
+
+}  // namespace tavelor
