@@ -154,11 +154,7 @@ TEST_P(Corpus, BecomesWhatWasApproved) {
 
 INSTANTIATE_TEST_SUITE_P(Files, Corpus, testing::ValuesIn(tests::corpusFiles()),
                          [](const testing::TestParamInfo<std::filesystem::path>& sample) {
-                           std::string name = sample.param.stem().string();
-                           for (char& c : name) {
-                             if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
-                           }
-                           return name;
+                           return tests::testName(sample.param);
                          });
 
 }  // namespace
