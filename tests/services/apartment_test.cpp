@@ -2,6 +2,7 @@
 // Apartments: one a thread, shared objects, connections, the trace and the clock.
 #include "tavelor/services/apartment.hpp"
 
+#include <ctime>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -153,18 +154,51 @@ TEST(ConnectionsOfAnApartment, OutliveIt) {
   EXPECT_EQ(rows->RecordCount(), 1);
 }
 
-TEST(ConnectionsOfAnApartment, DroppedOneIsUsedAgainWithItsPlans) {
+TEST(ConnectionsOfAnApartment, DroppedOneUndoesWhatWasNotCommitted) {
   Shop shop;
-  DataSession session;
-  ConnectionPtr first = session.OpenConnection(1);
-  const ConnectionPtr held = session.OpenConnection(1);
-  EXPECT_NE(first, held);
-  first->BeginTrans();
-  first->Execute(Statement("INSERT INTO Bancos (Codigo) VALUES ('1')"));
-  first.reset();
-  // What was not committed is undone when the connection goes back.
+  ConnectionPtr connection = DataSession().OpenConnection(1);
+  connection->BeginTrans();
+  connection->BeginTrans();
+  connection->Execute(Statement("INSERT INTO Bancos (Codigo) VALUES ('1')"));
+  connection.reset();
   EXPECT_EQ(shop.text("SELECT Count(*) AS n FROM Bancos"), "0");
-  EXPECT_NO_THROW(held->Execute(Statement("INSERT INTO Bancos (Codigo) VALUES ('1')")));
+  EXPECT_NO_THROW(shop.run("INSERT INTO Bancos (Codigo) VALUES ('1')"));
+}
+
+/// Descriptors of this process on a file.
+std::ptrdiff_t openDescriptors(const std::filesystem::path& file) {
+  std::ptrdiff_t count = 0;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    std::error_code gone;
+    if (std::filesystem::read_symlink(entry.path(), gone) == file) ++count;
+  }
+  return count;
+}
+
+TEST(ConnectionsOfAnApartment, DroppedOneIsUsedAgain) {
+  Shop shop;
+  const auto file = std::filesystem::canonical(shop.installation().databaseFile(1));
+  EXPECT_EQ(openDescriptors(file), 0);
+  for (int i = 0; i < 10; ++i) shop.run("DELETE FROM Bancos");
+  EXPECT_EQ(openDescriptors(file), 1);
+  const ConnectionPtr first = DataSession().OpenConnection(1);
+  const ConnectionPtr second = DataSession().OpenConnection(1);
+  EXPECT_EQ(openDescriptors(file), 2);
+}
+
+TEST(ConnectionsOfAnApartment, RecordSetKeepsItsConnectionFromBeingUsedAgain) {
+  Shop shop;
+  RecordsetPtr rows;
+  {
+    ConnectionPtr connection;
+    DataSession().OpenRecordset(1, Statement("SELECT Codigo, Banco FROM Bancos"), rows, connection);
+    connection->BeginTrans();
+  }
+  // The record set's transaction is still open, so it can't be the idle session that this one gets.
+  EXPECT_EQ(DataSession().OpenConnection(1)->transactionLevel(), 0);
+  EXPECT_EQ(errorOf([&] { shop.run("DELETE FROM Bancos"); }), errors::kBusy);
+  rows.reset();
+  EXPECT_EQ(errorOf([&] { shop.run("DELETE FROM Bancos"); }), 0);
 }
 
 TEST(ConnectionsOfAnApartment, WriteThatWouldWaitForItsOwnThreadFailsAtOnce) {
@@ -280,20 +314,29 @@ TEST(TraceOfAnApartment, FileThatCannotBeWrittenStopsNothing) {
   EXPECT_EQ(trace.entries().size(), 1U);
 }
 
-TEST(ClockOfAnApartment, ShowsLocalTimeAndMayBeFixed) {
-  Clock clock;
-  const std::time_t seconds = std::time(nullptr);
+Date localDate(std::time_t seconds) {
   std::tm local{};
   localtime_r(&seconds, &local);
-  const CivilTime now = clock.now().civil();
-  // The two readings may lie on both sides of midnight at New Year, and not further apart.
-  EXPECT_LE(std::abs(now.year - (local.tm_year + 1900)), 1);
+  return Date::of({local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour,
+                   local.tm_min, local.tm_sec});
+}
 
-  clock.fix(Date::of({2026, 11, 21, 10, 30, 0}));
-  EXPECT_EQ(clock.now().civil(), (CivilTime{2026, 11, 21, 10, 30, 0}));
+TEST(ClockOfAnApartment, ShowsLocalTime) {
+  const Clock clock;
+  const Date before = localDate(std::time(nullptr));
+  const Date now = clock.now();
+  EXPECT_LE(before, now);
+  EXPECT_LE(now, localDate(std::time(nullptr)));
+}
+
+TEST(ClockOfAnApartment, MayBeFixedAndReleased) {
+  Clock clock;
+  const Date moment = Date::of({2026, 11, 21, 10, 30, 0});
+  clock.fix(moment);
+  EXPECT_EQ(clock.now(), moment);
   EXPECT_EQ(clock.today(), Date::of(2026, 11, 21));
   clock.release();
-  EXPECT_NE(clock.now(), Date::of({2026, 11, 21, 10, 30, 0}));
+  EXPECT_NE(clock.now(), moment);
 }
 
 class RecordingHandler final : public PromptHandler {

@@ -199,7 +199,6 @@ TEST_F(InstallationFolder, FolderInThePlaceOfTheSettingsIsNamed) {
 
 TEST_F(InstallationFolder, SettingsThatAreNoXmlGiveLineAndColumn) {
   create();
-  replaceInSettings("</formats>", "");
   replaceInSettings("<formats ", "<formats <");
   const Error error = openError();
   EXPECT_EQ(error.number(), errors::kInvalidCall);
@@ -215,6 +214,20 @@ TEST_F(InstallationFolder, CutOrEmptySettingsAreRefusedAndNothingIsLost) {
   }
   test::writeFile(settingsFile(), whole);
   EXPECT_NO_THROW(Installation::open(place_));
+}
+
+TEST_F(InstallationFolder, HostileSettingsAreRefused) {
+  create();
+  std::string deep;
+  for (int i = 0; i < 100'000; ++i) deep += "<a>";
+  for (const std::string& hostile :
+       {deep, std::string(2 << 20, ' '), std::string("\0\0\0\0", 4), std::string("\xff\xfe<"),
+        std::string("<!DOCTYPE x [<!ENTITY e 'es-ES'>]><installation format='1'>"
+                    "<locale>&e;</locale></installation>"),
+        std::string("<installation format='1'>text</installation>")}) {
+    test::writeFile(settingsFile(), hostile);
+    EXPECT_EQ(openError().number(), errors::kInvalidCall) << hostile.substr(0, 20);
+  }
 }
 
 TEST_F(InstallationFolder, MisspeltSettingNamesTheNearestOne) {
