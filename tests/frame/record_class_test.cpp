@@ -90,7 +90,7 @@ TEST_F(RecordClassTest, RegistroWithAnIdThatIsNotThereOpensAnEmptyRecordSetAndSt
 }
 
 TEST_F(RecordClassTest, TheIdIsSplicedAsTextWithoutEscaping) {
-  add("O'1");
+  add("O''1");
   EXPECT_EQ(errorOf([&] { banks.IniciaRs("registro", "O'1"); }), errors::kSyntax);
   banks.IniciaRs("registro", "O''1");
   EXPECT_EQ(code(banks), "O'1");
@@ -303,11 +303,10 @@ TEST_F(RecordClassTest, AddNewFalseLeavesTheFirstFieldEmptyThoughTheCodeWasCompu
 }
 
 TEST_F(RecordClassTest, AddNewReplacesACodeThatIsTooLongForTheFirstFieldByZero) {
-  add("9999999999");
+  add("999999");
   ClassInfo wide = kBase;
   wide.code = CodeForm::kUnchecked;
-  wide.table = "Bancos";
-  constexpr std::array modes = {Mode{kAnyOtherWord, "SELECT Entidad, Codigo FROM Bancos"}};
+  constexpr std::array modes = {Mode{kAnyOtherWord, "SELECT DC, Codigo FROM Bancos"}};
   wide.modes = modes;
   Sample<OpensByWord> general(wide);
   general.IniciaRs();

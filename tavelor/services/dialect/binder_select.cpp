@@ -48,7 +48,28 @@ bool isKeyColumn(const engine::Table& table, const engine::Column* column) {
 
 bool isUpdatable(const Select& select) {
   return select.sources != nullptr && select.sources->next == nullptr && !select.distinct &&
-         !select.grouped && select.unionNext == nullptr && !select.sources->base->key.empty();
+         !select.grouped && select.unionNext == nullptr;
+}
+
+/// Stands for the place of a row in a table without a key. It is the engine's own name for it, so
+/// that what a record set composes from it runs as it stands.
+const engine::Column& rowLocator() {
+  static const engine::Column locator{.name = "rowid",
+                                      .type = ColumnType::kInt32,
+                                      .size = 0,
+                                      .nullable = false,
+                                      .autoNumber = true,
+                                      .defaultText = {}};
+  return locator;
+}
+
+/// Characters that a value of `expr` may have: those of the column that it is, or is taken from.
+std::int32_t sizeOf(const Expr& expr) {
+  if (expr.kind == ExprKind::kColumn) return expr.column->size;
+  const bool takesOneValue = expr.kind == ExprKind::kCall && expr.function != nullptr &&
+                             expr.function->aggregate &&
+                             expr.function->result == ResultType::kFirst;
+  return takesOneValue && expr.arguments != nullptr ? sizeOf(*expr.arguments) : 0;
 }
 
 OutputColumn describeItem(const OutputItem& item) {
@@ -57,16 +78,14 @@ OutputColumn describeItem(const OutputItem& item) {
   column.name = item.name;
   column.type = expr.type.column;
   column.hidden = item.hidden;
+  column.definedSize = capacity(column.type, sizeOf(expr));
   if (expr.kind == ExprKind::kColumn) {
     const engine::Table& table = *expr.source->base;
-    column.definedSize = capacity(column.type, expr.column->size);
     column.nullable = expr.column->nullable;
     column.autoNumber = expr.column->autoNumber;
-    column.key = isKeyColumn(table, expr.column);
+    column.key = isKeyColumn(table, expr.column) || expr.column == &rowLocator();
     column.baseTable = table.name;
     column.baseColumn = expr.column->name;
-  } else {
-    column.definedSize = capacity(column.type, 0);
   }
   return column;
 }
@@ -276,18 +295,15 @@ void Binder::checkDistinctRow(Select& part) {
   }
 }
 
-/// A record set finds its rows again by their key.
+/// A record set finds its rows again by their key, or by their place where the table has none.
 void Binder::hideKeys(Select& select) {
   Source& source = *select.sources;
   OutputItem** link = &select.items;
   while (*link != nullptr) link = &(*link)->next;
-  for (const std::size_t position : source.base->key) {
-    const engine::Column& key = source.base->columns[position];
-    bool listed = false;
-    for (const OutputItem* item = select.items; item != nullptr && !listed; item = item->next) {
-      listed = item->expr->kind == ExprKind::kColumn && item->expr->column == &key;
+  const auto hide = [&](const engine::Column& key) {
+    for (const OutputItem* item = select.items; item != nullptr; item = item->next) {
+      if (item->expr->kind == ExprKind::kColumn && item->expr->column == &key) return;
     }
-    if (listed) continue;
     OutputItem* item = arena_.make<OutputItem>();
     Expr* expr = arena_.make<Expr>();
     expr->kind = ExprKind::kColumn;
@@ -299,7 +315,9 @@ void Binder::hideKeys(Select& select) {
     item->hidden = true;
     *link = item;
     link = &item->next;
-  }
+  };
+  for (const std::size_t position : source.base->key) hide(source.base->columns[position]);
+  if (source.base->key.empty()) hide(rowLocator());
 }
 
 void Binder::describeResult(const Select& select, Plan& plan) {

@@ -60,7 +60,7 @@ struct Plan {
   std::vector<Step> steps;
   std::vector<OutputColumn> columns;  ///< of a SELECT
   /// The table that a record set over this SELECT writes to, or "" when it cannot be written: more
-  /// than one table, DISTINCT, grouping, union, or a table without a key.
+  /// than one table, DISTINCT, grouping, or a union.
   std::string updateTable;
 };
 
