@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+// The works that are measured, a function a subject.
+#pragma once
+
+#include "bench/runner.hpp"
+
+namespace tavelor::bench {
+
+/// Opening, sorting, filtering and writing back the rows of a wide table.
+void measureCursor(Report& report, const Scale& scale);
+/// Statements that are spliced anew each time: inserts, one-row reads.
+void measureStatements(Report& report, const Scale& scale);
+/// A ticket with five lines, stock and counter in one transaction.
+void measureSale(Report& report, const Scale& scale);
+/// Translation of every statement of the corpus beside the engine's own compiling.
+void measureTranslation(Report& report, const Scale& scale);
+/// Time a row from a thousand rows to a million.
+void measureGrowth(Report& report, const Scale& scale);
+/// What dates, money and flags cost by the way they are stored. The engine alone.
+void measureStorage(Report& report, const Scale& scale);
+#ifdef TAVELOR_BENCH_QT
+/// The same works over a widget toolkit's table model.
+void measureQt(Report& report, const Scale& scale);
+#endif
+
+}  // namespace tavelor::bench
