@@ -127,6 +127,20 @@ Outcome outcomeOf(const CorpusCase& sample) {
   }
 }
 
+/// The first line in which two texts differ, or "".
+std::string difference(const std::string& received, const std::string& approved) {
+  std::istringstream left(received);
+  std::istringstream right(approved);
+  for (int number = 1; left || right; ++number) {
+    std::string a;
+    std::string b;
+    std::getline(left, a);
+    std::getline(right, b);
+    if (a != b) return "line " + std::to_string(number) + "\nreceived " + a + "\napproved " + b;
+  }
+  return "";
+}
+
 class Corpus : public testing::TestWithParam<std::filesystem::path> {};
 
 TEST_P(Corpus, BecomesWhatWasApproved) {
@@ -148,7 +162,7 @@ TEST_P(Corpus, BecomesWhatWasApproved) {
   if (std::getenv("TAVELOR_APPROVE") != nullptr) {
     std::ofstream(approved, std::ios::binary) << received.str();
   } else {
-    EXPECT_EQ(received.str(), tests::readFile(approved)) << "in " << approved;
+    EXPECT_EQ(difference(received.str(), tests::readFile(approved)), "") << "in " << approved;
   }
 }
 

@@ -536,7 +536,7 @@ std::string placeText(std::string_view statement, std::size_t offset) {
 void raiseSyntax(std::string_view statement, std::size_t offset, std::string_view complaint) {
   std::string description = "Syntax error in statement: ";
   description += complaint;
-  Error error(errors::kSyntax, "dialect", std::move(description));
+  Error error(errors::kSyntax, "Statement", std::move(description));
   error.inStatement(statement, static_cast<std::int64_t>(offset));
   throw error;
 }

@@ -38,7 +38,7 @@ void refuse(Rule rule, std::string_view statement, std::size_t offset, std::stri
   std::string description(sentence(rule));
   if (!detail.empty()) description.append(" ").append(detail);
   const bool definition = rule == Rule::kDefinitionInStatement;
-  Error error(definition ? errors::kSyntax : errors::kNotSupported, "dialect",
+  Error error(definition ? errors::kSyntax : errors::kNotSupported, "Statement",
               std::move(description));
   error.inStatement(statement, static_cast<std::int64_t>(offset));
   throw error;

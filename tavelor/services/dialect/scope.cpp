@@ -14,7 +14,7 @@ namespace {
 
 [[noreturn]] void raiseAt(std::int32_t number, std::string description, std::string_view statement,
                           std::size_t offset) {
-  Error error(number, "dialect", std::move(description));
+  Error error(number, "Statement", std::move(description));
   error.inStatement(statement, static_cast<std::int64_t>(offset));
   throw error;
 }

@@ -226,7 +226,7 @@ void Converter::raiseMismatch(const Type& left, const Type& right, std::uint32_t
   std::string description(defaultDescription(errors::kCriteriaTypeMismatch));
   description.append(" At ").append(placeText(statement_, offset)).append(" ");
   description.append(describe(left)).append(" meets ").append(describe(right)).append(".");
-  Error error(errors::kCriteriaTypeMismatch, "dialect", std::move(description));
+  Error error(errors::kCriteriaTypeMismatch, "Statement", std::move(description));
   error.inStatement(statement_, static_cast<std::int64_t>(offset));
   throw error;
 }
