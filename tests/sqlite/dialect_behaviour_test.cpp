@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: MIT
+// What statements of the dialect do to rows of the embedded engine.
+#include <gmock/gmock.h>
+
+#include "tavelor/platform/currency.hpp"
+#include "tavelor/platform/number_text.hpp"
+#include "tavelor/platform/statement.hpp"
+#include "tavelor/services/dialect/ddl.hpp"
+#include "tavelor/services/dialect/dialect.hpp"
+#include "tavelor/services/dialect/plan_cache.hpp"
+#include "tests/sqlite/support.hpp"
+
+namespace tavelor::engine::test {
+namespace {
+
+constexpr std::string_view kSchema = R"(
+  CREATE TABLE Tarifas (
+    Codigo TEXT(6) NOT NULL PRIMARY KEY, Nombre TEXT(10), Precio CURRENCY, Cantidad DOUBLE,
+    Orden LONG, Corto SHORT, Activo BIT NOT NULL DEFAULT 0, Fecha DATETIME, Nota MEMO);
+  CREATE TABLE Lineas (Id COUNTER PRIMARY KEY, Codigo TEXT(6), Importe CURRENCY);
+)";
+
+class DialectBehaviour : public testing::Test {
+ protected:
+  DialectBehaviour() {
+    for (const std::string& text : dialect::translateSchema(kSchema, dialect::sqliteWriter())) {
+      session->execute(text);
+    }
+    run("INSERT INTO Tarifas (Codigo, Nombre, Precio, Cantidad, Orden, Activo, Fecha) VALUES "
+        "('a', 'Uno', '1,5', 3, 1, -1, #03/05/2026#)");
+    run("INSERT INTO Tarifas (Codigo, Precio, Cantidad, Orden) VALUES ('b', 10, 0, 2)");
+  }
+
+  std::int64_t run(std::string_view text) { return plans.run(Statement(text)); }
+  std::int32_t error(std::string_view text) {
+    return errorNumber([&] { run(text); });
+  }
+  /// The first column of the first row, printed; "none" without a row.
+  std::string first(std::string_view text) {
+    const Statement statement(text);
+    const auto plan = plans.plan(statement);
+    std::vector<ColumnType> types;
+    for (const dialect::OutputColumn& column : plan->columns) types.push_back(column.type);
+    RowStore rows(types);
+    plans.fetch(statement, rows);
+    if (rows.rows() == 0) return "none";
+    if (rows.isNull(0, 0)) return "Null";
+    switch (types[0]) {
+      case ColumnType::kText:
+      case ColumnType::kMemo:
+        return std::string(rows.text(0, 0));
+      case ColumnType::kSingle:
+      case ColumnType::kDouble:
+      case ColumnType::kDate:
+        return plainNumber(rows.real(0, 0), *Locale::neutral());
+      case ColumnType::kCurrency:
+        return plainNumber(Currency::fromScaled(rows.integer(0, 0)).toDouble(), *Locale::neutral());
+      default:
+        return std::to_string(rows.integer(0, 0));
+    }
+  }
+  std::string value(std::string_view expression, std::string_view code = "a") {
+    return first("SELECT " + std::string(expression) + " FROM Tarifas WHERE Codigo = '" +
+                 std::string(code) + "'");
+  }
+
+  std::unique_ptr<Session> session = openInMemory();
+  dialect::PlanCache plans{*session,
+                           std::make_shared<const Catalogue>(dialect::parseSchema(kSchema)),
+                           Locale::spanish(), dialect::sqliteWriter()};
+};
+
+TEST_F(DialectBehaviour, QuotedNumbersAreReadByTheLocale) {
+  EXPECT_EQ(value("Precio"), "1.5");
+  run("UPDATE Tarifas SET Precio = Precio + '1.000,25' WHERE Codigo = 'a'");
+  EXPECT_EQ(value("Precio"), "1001.75");
+  EXPECT_EQ(value("Precio / '2,5'"), "400.7");
+  EXPECT_EQ(error("UPDATE Tarifas SET Precio = 'uno'"), errors::kTypeMismatch);
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Precio = '10,0'"), "b");
+}
+
+TEST_F(DialectBehaviour, AnEmptyTextEqualsNoNumberAndIsNoneToStore) {
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Orden = ''"), "none");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Fecha > ''"), "none");
+  EXPECT_EQ(error("UPDATE Tarifas SET Orden = ''"), errors::kTypeMismatch);
+}
+
+TEST_F(DialectBehaviour, TheSecondEqualsSignCompares) {
+  run("UPDATE Tarifas SET Cantidad = Cantidad = Cantidad + 3 WHERE Codigo = 'a'");
+  EXPECT_EQ(value("Cantidad"), "0");
+  run("UPDATE Tarifas SET Cantidad = Cantidad = Cantidad + 0 WHERE Codigo = 'a'");
+  EXPECT_EQ(value("Cantidad"), "-1");
+}
+
+TEST_F(DialectBehaviour, DivisionIsRealAndByZeroAnError) {
+  EXPECT_EQ(value("Orden / 2"), "0.5");
+  EXPECT_EQ(error("UPDATE Tarifas SET Precio = Precio / Cantidad"), errors::kDivisionByZero);
+  EXPECT_EQ(value("Precio"), "1.5") << "nothing of the failed statement is left";
+}
+
+TEST_F(DialectBehaviour, MoneyKeepsFourDecimalsAndWholeColumnsRoundToEven) {
+  run("UPDATE Tarifas SET Precio = 1 / 3, Orden = 5 / 2, Corto = '3,5'");
+  EXPECT_EQ(value("Precio"), "0.3333");
+  EXPECT_EQ(value("Orden"), "2");
+  EXPECT_EQ(value("Corto"), "4");
+  EXPECT_EQ(error("UPDATE Tarifas SET Corto = 40000"), errors::kMultipleStep);
+  EXPECT_EQ(error("UPDATE Tarifas SET Corto = Orden * 40000"), errors::kOverflow);
+}
+
+TEST_F(DialectBehaviour, RoundGoesToEven) {
+  EXPECT_EQ(value("Round(2.5)"), "2");
+  EXPECT_EQ(value("Round(0.12345, 4)"), "0.1234");
+}
+
+TEST_F(DialectBehaviour, TextsTooLongForTheirColumnAreRefused) {
+  EXPECT_EQ(error("UPDATE Tarifas SET Nombre = '12345678901'"), errors::kMultipleStep);
+  EXPECT_EQ(error("UPDATE Tarifas SET Nombre = '123456789' & 'ñÑ'"), errors::kMultipleStep);
+  run("UPDATE Tarifas SET Nombre = '12345678' & 'ñÑ'");
+  EXPECT_EQ(value("Nombre"), "12345678ñÑ");
+}
+
+TEST_F(DialectBehaviour, FlagsAreMinusOneOrZero) {
+  EXPECT_EQ(value("Activo"), "-1");
+  EXPECT_EQ(value("Activo", "b"), "0");
+  run("UPDATE Tarifas SET Activo = '7' WHERE Codigo = 'b'");
+  EXPECT_EQ(value("Activo", "b"), "-1");
+  run("UPDATE Tarifas SET Activo = Orden - 2");
+  EXPECT_EQ(value("Activo", "b"), "0");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Activo = True"), "a");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Not Activo"), "b");
+  EXPECT_EQ(value("Sum(Activo)"), "-1");
+}
+
+TEST_F(DialectBehaviour, ExistsComparesWithTrueAndFalse) {
+  run("INSERT INTO Lineas (Codigo, Importe) VALUES ('a', 5)");
+  const std::string exists =
+      "SELECT Codigo FROM Tarifas WHERE (Exists (SELECT Id FROM Lineas WHERE Lineas.Codigo = "
+      "Tarifas.Codigo)) = ";
+  EXPECT_EQ(first(exists + "True"), "a");
+  EXPECT_EQ(first(exists + "false"), "b");
+}
+
+TEST_F(DialectBehaviour, BetweenTakesItsBoundsInAnyOrder) {
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Orden BETWEEN 3 AND 2"), "b");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Fecha BETWEEN 46087 AND #1/1/2026#"), "a");
+}
+
+TEST_F(DialectBehaviour, DatesCompareWithDayNumbersAndLocalTexts) {
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Fecha = 46086"), "a");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Fecha = '05/03/2026'"), "a");
+  EXPECT_EQ(value("Year(Fecha) * 100 + Month(Fecha)"), "202603");
+  EXPECT_EQ(value("Format(Fecha, 'dd/mm/yyyy')"), "05/03/2026");
+}
+
+TEST_F(DialectBehaviour, TextsCompareByExactCharactersAndLikeDoesNot) {
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Codigo = 'A'"), "none");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Nombre LIKE 'u*'"), "a");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Nombre LIKE '_N%'"), "a");
+}
+
+TEST_F(DialectBehaviour, AmpersandTakesNullAsEmptyAndPlusDoesNot) {
+  EXPECT_EQ(value("Codigo & '-' & Nombre", "b"), "b-");
+  EXPECT_EQ(value("Codigo + '-' + Nombre", "b"), "Null");
+  EXPECT_EQ(value("Nombre & Nota", "b"), "Null");
+  EXPECT_EQ(value("Codigo & Precio"), "a1,5");
+}
+
+TEST_F(DialectBehaviour, NullSortsFirstAndEqualsNothing) {
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas ORDER BY Nombre"), "b");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas ORDER BY Nombre DESC"), "a");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Nombre = Null"), "none");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Nombre IS NULL"), "b");
+}
+
+TEST_F(DialectBehaviour, AColumnGoesBeforeAnAliasOfItsNameInOrderBy) {
+  EXPECT_EQ(first("SELECT -Orden AS Orden FROM Tarifas ORDER BY Orden"), "-1");
+}
+
+TEST_F(DialectBehaviour, AnInnerJoinUpdatesMatchedRowsOnly) {
+  run("INSERT INTO Lineas (Codigo, Importe) VALUES ('a', 5)");
+  EXPECT_EQ(run("UPDATE Tarifas INNER JOIN Lineas ON Tarifas.Codigo = Lineas.Codigo "
+                "SET Tarifas.Precio = Tarifas.Precio + Lineas.Importe"),
+            1);
+  EXPECT_EQ(value("Precio"), "6.5");
+  EXPECT_EQ(value("Precio", "b"), "10");
+}
+
+TEST_F(DialectBehaviour, ALeftJoinUpdatesRowsWithoutPartnerWithNull) {
+  run("INSERT INTO Lineas (Codigo, Importe) VALUES ('a', 5)");
+  run("UPDATE Tarifas LEFT JOIN Lineas ON Tarifas.Codigo = Lineas.Codigo "
+      "SET Tarifas.Precio = Lineas.Importe WHERE Orden > 0");
+  EXPECT_EQ(value("Precio"), "5");
+  EXPECT_EQ(value("Precio", "b"), "Null");
+}
+
+TEST_F(DialectBehaviour, AJoinedDeleteTakesRowsFromTheNamedTable) {
+  run("INSERT INTO Lineas (Codigo, Importe) VALUES ('a', 5)");
+  run("INSERT INTO Lineas (Codigo, Importe) VALUES ('b', 6)");
+  run("DELETE Lineas.* FROM (Lineas INNER JOIN Tarifas ON Lineas.Codigo = Tarifas.Codigo) "
+      "WHERE Activo <> 0");
+  EXPECT_EQ(first("SELECT Sum(Importe) FROM Lineas"), "6");
+  EXPECT_EQ(first("SELECT Count(*) FROM Tarifas"), "2");
+}
+
+TEST_F(DialectBehaviour, CountersFillThemselvesAndTakeAGivenNumberToo) {
+  run("INSERT INTO Lineas (Codigo) VALUES ('a')");
+  run("INSERT INTO Lineas (Id, Codigo) SELECT 41 AS Expr1, 'b' AS Expr2");
+  run("INSERT INTO Lineas (Codigo) VALUES ('c')");
+  EXPECT_EQ(first("SELECT Max(Id) FROM Lineas"), "42");
+}
+
+TEST_F(DialectBehaviour, GroupsFirstAndUnion) {
+  run("INSERT INTO Lineas (Codigo, Importe) VALUES ('b', 6)");
+  run("INSERT INTO Lineas (Codigo, Importe) VALUES ('b', 7)");
+  EXPECT_EQ(first("SELECT First(Importe) FROM Lineas GROUP BY Codigo HAVING Count(*) > 1"), "6");
+  EXPECT_EQ(first("SELECT Last(Importe) FROM Lineas"), "7");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas UNION SELECT Codigo FROM Lineas ORDER BY 1 DESC"),
+            "b");
+  EXPECT_EQ(first("SELECT Sum(Importe) FROM Lineas WHERE Codigo = 'x'"), "Null");
+}
+
+TEST_F(DialectBehaviour, AFailedStatementLeavesNothing) {
+  EXPECT_EQ(error("INSERT INTO Tarifas (Codigo, Nombre) SELECT Codigo, Nombre FROM Tarifas"),
+            errors::kIntegrityViolation);
+  EXPECT_EQ(error("UPDATE Tarifas SET Codigo = 'a'"), errors::kIntegrityViolation);
+  EXPECT_EQ(first("SELECT Count(*) FROM Tarifas"), "2");
+}
+
+}  // namespace
+}  // namespace tavelor::engine::test
