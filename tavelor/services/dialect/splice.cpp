@@ -20,11 +20,37 @@ constexpr Word64 kHighBits = 0x8080808080808080U;
 constexpr Word64 kSeed = 0xA0761D6478BD642FU;
 constexpr Word64 kFactor = 0xE7037ED1A0B428DBU;
 
-Word64 load(const char* from, std::size_t count = sizeof(Word64)) {
-  Word64 word = 0;
-  std::memcpy(&word, from, count);
+template <typename Word = Word64>
+Word load(const char* from) {
+  Word word = 0;
+  std::memcpy(&word, from, sizeof word);
   return word;
 }
+
+/// Up to 16 bytes as two words that hold each of them at least once and nothing else. Reads overlap
+/// instead of going byte by byte.
+struct Pair {
+  Word64 first = 0;
+  Word64 second = 0;
+  friend bool operator==(const Pair&, const Pair&) = default;
+};
+Pair loadShort(const char* from, std::size_t count) {
+  if (count >= sizeof(Word64)) return {load(from), load(from + count - sizeof(Word64))};
+  Word64 word = 0;
+  if (count >= sizeof(std::uint32_t)) {
+    const Word64 end = load<std::uint32_t>(from + count - sizeof(std::uint32_t));
+    word = load<std::uint32_t>(from) | end << 32;
+  } else if (count > 0) {
+    const auto byte = [&](std::size_t i) {
+      return static_cast<Word64>(static_cast<unsigned char>(from[i]));
+    };
+    word = (byte(0) | byte(count / 2) << 8 | byte(count - 1) << 16 | byte(0) << 24);
+    word |= word << 32;
+  }
+  return {word, word};
+}
+
+constexpr std::size_t kShort = 2 * sizeof(Word64);
 
 /// Both halves of the 128-bit product.
 Word64 fold(Word64 a, Word64 b) {
@@ -36,11 +62,17 @@ Word64 fold(Word64 a, Word64 b) {
 Word64 hashPart(Word64 hash, std::string_view part) {
   const char* at = part.data();
   std::size_t left = part.size();
-  for (; left >= sizeof(Word64); left -= sizeof(Word64), at += sizeof(Word64)) {
-    hash = fold(hash ^ load(at), kFactor);
+  for (; left > kShort; left -= kShort, at += kShort) {
+    hash = fold(hash ^ load(at), kFactor ^ load(at + sizeof(Word64)));
   }
-  // The length makes parts differ that end in NULs or meet at another place.
-  return fold(hash ^ load(at, left), kFactor ^ part.size());
+  const Pair rest = loadShort(at, left);
+  // The length tells apart what meets at another place.
+  return fold(hash ^ rest.first ^ part.size(), kFactor ^ rest.second);
+}
+
+bool sameBytes(const char* a, const char* b, std::size_t count) {
+  if (count <= kShort) return loadShort(a, count) == loadShort(b, count);
+  return std::memcmp(a, b, count) == 0;
 }
 
 /// Calls `visit` with the text before, between and behind the values, until it answers false.
@@ -62,18 +94,21 @@ constexpr Word64 zeroBytes(Word64 word) {
 /// True if a value can stand between these quotes as it is.
 bool staysInside(std::string_view value, char quote) {
   const Word64 quotes = kOnes * static_cast<unsigned char>(quote);
+  const auto isBroken = [&](Word64 word) {
+    return (zeroBytes(word) | zeroBytes(word ^ quotes)) != 0;
+  };
+  if (value.empty()) return true;
   Word64 high = 0;
   const char* at = value.data();
   std::size_t left = value.size();
-  for (; left >= sizeof(Word64); left -= sizeof(Word64), at += sizeof(Word64)) {
+  for (; left > kShort; left -= sizeof(Word64), at += sizeof(Word64)) {
     const Word64 word = load(at);
-    if ((zeroBytes(word) | zeroBytes(word ^ quotes)) != 0) return false;
+    if (isBroken(word)) return false;
     high |= word;
   }
-  for (; left > 0; --left, ++at) {
-    if (*at == quote || *at == '\0') return false;
-    high |= static_cast<Word64>(static_cast<unsigned char>(*at));
-  }
+  const Pair rest = loadShort(at, left);
+  if (isBroken(rest.first) || isBroken(rest.second)) return false;
+  high |= rest.first | rest.second;
   return (high & kHighBits) == 0 || text::isValidUtf8(value);
 }
 
@@ -136,11 +171,8 @@ std::optional<Splice> Splice::of(const Statement& statement, const Shape& shape,
     slot.literal = from.literal;
     slot.quote = from.quote;
     slot.delimited = from.delimited;
-    slot.prefix = from.prefix;
-    slot.suffix = from.suffix;
-    slot.joined = parts[literal] > 1 || !slot.prefix.empty() || !slot.suffix.empty();
-    slot.first = i == 0 || shape.slots[i - 1].literal != from.literal;
-    slot.last = i + 1 == shape.slots.size() || shape.slots[i + 1].literal != from.literal;
+    const bool isFirst = i == 0 || shape.slots[i - 1].literal != from.literal;
+    const bool isLast = i + 1 == shape.slots.size() || shape.slots[i + 1].literal != from.literal;
     switch (from.kind) {
       case LiteralKind::kText:
         slot.place = Place::kText;
@@ -155,7 +187,11 @@ std::optional<Splice> Splice::of(const Statement& statement, const Shape& shape,
         slot.place = eitherKind[literal] ? Place::kNumber : Place::kDecimal;
         break;
     }
-    if (slot.joined) splice.joined_.resize(shape.literals.size());
+    if (parts[literal] > 1 || !from.prefix.empty() || !from.suffix.empty()) {
+      slot.joint = static_cast<std::int32_t>(splice.joints_.size());
+      splice.joints_.push_back({from.prefix, from.suffix, isFirst, isLast});
+      splice.joined_.resize(shape.literals.size());
+    }
     splice.slots_.push_back(std::move(slot));
   }
   for (std::size_t i = 0; i < parts.size(); ++i) {
@@ -177,7 +213,7 @@ bool Splice::hasText(const Statement& statement) const {
   const char* at = segments_.data();
   const std::uint32_t* length = lengths_.data();
   return eachSegment(statement, [&](std::string_view segment) {
-    if (segment.size() != *length || std::memcmp(segment.data(), at, *length) != 0) return false;
+    if (segment.size() != *length || !sameBytes(segment.data(), at, *length)) return false;
     at += *length++;
     return true;
   });
@@ -222,12 +258,13 @@ bool Splice::takeValue(const Slot& slot, std::string_view value, Lifted& literal
 
 bool Splice::takeText(const Slot& slot, std::string_view text, Lifted& literal) {
   literal = {text, 0, slot.place == Place::kText};
-  if (slot.joined) {
+  if (slot.joint >= 0) {
+    const Joint& joint = joints_[static_cast<std::size_t>(slot.joint)];
     std::string& whole = joined_[static_cast<std::size_t>(slot.literal)];
-    if (slot.first) whole.clear();
-    whole.append(slot.prefix).append(text).append(slot.suffix);
+    if (joint.isFirst) whole.clear();
+    whole.append(joint.prefix).append(text).append(joint.suffix);
     literal.text = whole;
-    if (!slot.last) return true;
+    if (!joint.isLast) return true;
   }
   if (slot.place != Place::kDate) return true;
   const auto date = parseSqlDate(literal.text);

@@ -44,14 +44,17 @@ class Splice {
 
   struct Slot {
     std::int32_t literal = 0;
+    std::int32_t joint = -1;  ///< -1: the value is its whole literal
     Place place = Place::kText;
     char quote = 0;          ///< 0: a bare number
     bool delimited = false;  ///< the value brings its quotes
-    bool joined = false;     ///< its literal has other parts than this value
-    bool first = false;      ///< part of a joined literal
-    bool last = false;
+  };
+  /// A value that is a part of its literal, and the constant text around it.
+  struct Joint {
     std::string prefix;
     std::string suffix;
+    bool isFirst = false;
+    bool isLast = false;
   };
   struct Constant {
     std::int32_t literal = 0;
@@ -67,9 +70,10 @@ class Splice {
   std::string segments_;                ///< the texts before, between and behind the values
   std::vector<std::uint32_t> lengths_;  ///< of each segment
   std::vector<Slot> slots_;             ///< one a value
-  std::vector<Constant> constants_;     ///< the literals without a value
+  std::vector<Joint> joints_;
+  std::vector<Constant> constants_;  ///< the literals without a value
   std::size_t literalCount_ = 0;
-  std::vector<std::string> joined_;  ///< by literal; empty when no literal is joined
+  std::vector<std::string> joined_;  ///< by literal; empty when there are no joints
 };
 
 }  // namespace tavelor::dialect

@@ -34,7 +34,8 @@ class Prepared {
   /// value that is not of the store's column type is converted as far as it can be: texts by the
   /// session's locale, numbers to whole ones by rounding halves to even. What cannot be converted
   /// raises 13, what does not fit 6. After an error `rows` holds what was fetched before it; a
-  /// statement that writes has then changed nothing.
+  /// statement that writes and failed in reading its rows has written, unless its transaction is
+  /// rolled back.
   virtual void fetch(RowStore& rows) = 0;
 };
 

@@ -1,0 +1,434 @@
+// SPDX-License-Identifier: MIT
+// Which road a statement takes to its plan, and what is bound.
+#include "tavelor/services/dialect/plan_cache.hpp"
+
+#include <gmock/gmock.h>
+
+#include "tavelor/platform/error.hpp"
+#include "tavelor/platform/locale.hpp"
+#include "tavelor/platform/statement.hpp"
+#include "tavelor/services/dialect/dialect.hpp"
+#include "tavelor/services/engine/engine.hpp"
+#include "tavelor/services/engine/row_store.hpp"
+#include "tavelor/services/engine/value.hpp"
+
+namespace tavelor::dialect {
+namespace {
+
+using engine::Catalogue;
+using engine::Column;
+using engine::Table;
+using engine::Value;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+/// Writes down what is run.
+struct Journal {
+  int prepared = 0;
+  std::vector<std::string> bound;
+  std::vector<std::string> runs;
+  int depth = 0;
+  int rollbacks = 0;
+  int failAtRun = -1;
+};
+
+std::string printed(const Value& value) {
+  switch (value.kind) {
+    case Value::Kind::kNull:
+      return "null";
+    case Value::Kind::kBoolean:
+      return "flag " + std::to_string(value.integer);
+    case Value::Kind::kInteger:
+      return "whole " + std::to_string(value.integer);
+    case Value::Kind::kReal:
+      return "real " + std::to_string(value.real);
+    case Value::Kind::kCurrency:
+      return "money " + std::to_string(value.integer);
+    case Value::Kind::kDate:
+      return "date " + std::to_string(value.real);
+    case Value::Kind::kText:
+      return "text " + std::string(value.text);
+    case Value::Kind::kBytes:
+      return "bytes";
+  }
+  return "";
+}
+
+class FakePrepared final : public engine::Prepared {
+ public:
+  FakePrepared(Journal& journal, std::string text)
+      : journal_(journal),
+        text_(std::move(text)),
+        count_(static_cast<int>(std::count(text_.begin(), text_.end(), '?'))) {}
+  int parameterCount() const override { return count_; }
+  void bind(int index, const Value& value) override {
+    if (index == 1) journal_.bound.clear();
+    journal_.bound.push_back(printed(value));
+  }
+  std::int64_t run() override {
+    if (journal_.failAtRun == static_cast<int>(journal_.runs.size())) {
+      throw Error(errors::kUnspecified, "fake", "as asked");
+    }
+    journal_.runs.push_back(text_);
+    return 1;
+  }
+  void fetch(engine::RowStore& rows) override {
+    journal_.runs.push_back(text_);
+    rows.append();
+  }
+
+ private:
+  Journal& journal_;
+  std::string text_;
+  int count_;
+};
+
+class FakeSession final : public engine::Session {
+ public:
+  explicit FakeSession(Journal& journal) : journal_(journal) {}
+  std::unique_ptr<engine::Prepared> prepare(std::string_view text) override {
+    ++journal_.prepared;
+    return std::make_unique<FakePrepared>(journal_, std::string(text));
+  }
+  void execute(std::string_view) override {}
+  int begin() override { return ++journal_.depth; }
+  int commit() override { return --journal_.depth; }
+  int rollback() override {
+    ++journal_.rollbacks;
+    return --journal_.depth;
+  }
+  int depth() const override { return journal_.depth; }
+  Catalogue describe() override { return {}; }
+
+ private:
+  Journal& journal_;
+};
+
+Column column(std::string name, ColumnType type, std::int32_t size = 0) {
+  Column made;
+  made.name = std::move(name);
+  made.type = type;
+  made.size = size;
+  return made;
+}
+
+std::shared_ptr<const Catalogue> shopCatalogue() {
+  Table lines;
+  lines.name = "Lineas";
+  lines.columns = {
+      column("Codigo", ColumnType::kText, 10),  column("Cantidad", ColumnType::kDouble),
+      column("Importe", ColumnType::kCurrency), column("Unidades", ColumnType::kInt16),
+      column("Fecha", ColumnType::kDate),       column("Activa", ColumnType::kBoolean),
+      column("Nota", ColumnType::kMemo)};
+  lines.key = {0};
+  Table totals;
+  totals.name = "Totales";
+  totals.columns = {column("Codigo", ColumnType::kText, 10),
+                    column("Total", ColumnType::kCurrency)};
+  totals.key = {0};
+  return std::make_shared<const Catalogue>(std::vector<Table>{lines, totals});
+}
+
+class PlanCacheTest : public testing::Test {
+ protected:
+  std::int64_t run(const Statement& statement) { return cache.run(statement); }
+  std::int32_t errorOf(const Statement& statement) {
+    try {
+      cache.run(statement);
+    } catch (const Error& error) {
+      description = error.description();
+      failedStatement = error.statement();
+      return error.number();
+    }
+    return 0;
+  }
+  static Statement byCode(std::string_view code) {
+    return Statement("DELETE FROM Lineas WHERE Codigo = '") << value(code) << "'";
+  }
+  static Statement insertBare(std::string_view quantity) {
+    return Statement("INSERT INTO Lineas (Cantidad) VALUES (") << value(quantity) << ")";
+  }
+  static Statement insertQuoted(std::string_view name, std::string_view text) {
+    return Statement("INSERT INTO Lineas (") << name << ") VALUES ('" << value(text) << "')";
+  }
+
+  Journal journal;
+  FakeSession session{journal};
+  PlanCache cache{session, shopCatalogue(), Locale::spanish(), sqliteWriter()};
+  std::string description;
+  std::string failedStatement;
+};
+
+TEST_F(PlanCacheTest, AStatementThatComesAgainWithOtherValuesNeedsNoLexer) {
+  for (const char* code : {"00012", "", "año", "x y", "--", "); DELETE", "a;b", "\"", "#1#"}) {
+    run(byCode(code));
+    EXPECT_THAT(journal.bound, ElementsAre("text " + std::string(code)));
+  }
+  EXPECT_EQ(cache.counters().translated, 1U);
+  EXPECT_EQ(cache.counters().shapeHits, 8U);
+  EXPECT_EQ(cache.counters().lexedHits, 0U);
+  EXPECT_EQ(journal.prepared, 1);
+}
+
+TEST_F(PlanCacheTest, ATextWithoutRangesIsServedAfterLexing) {
+  run(byCode("1"));
+  run(Statement("DELETE FROM Lineas WHERE Codigo = '2'"));
+  run(Statement("DELETE   FROM Lineas WHERE Codigo='3'"));
+  EXPECT_EQ(cache.counters().translated, 1U);
+  EXPECT_EQ(cache.counters().lexedHits, 2U);
+  EXPECT_THAT(journal.bound, ElementsAre("text 3"));
+}
+
+TEST_F(PlanCacheTest, ADoubledQuoteInAValueIsOneQuote) {
+  run(byCode("1"));
+  run(byCode("O''Hara"));
+  EXPECT_THAT(journal.bound, ElementsAre("text O'Hara"));
+  EXPECT_EQ(cache.counters().translated, 1U);
+}
+
+TEST_F(PlanCacheTest, AValueThatLeavesItsPlaceIsRefusedBeforeAndAfterAHit) {
+  const std::vector<std::string> hostile{
+      "O'Hara",  "' or '1'='1",  "'; DELETE FROM Lineas; --", "'",
+      "a'b'",    "x''' or ''='", std::string("a\0b", 3),      "\xC3",
+      "\xFF\xFE"};
+  for (int round = 0; round < 2; ++round) {
+    for (const std::string& text : hostile)
+      EXPECT_EQ(errorOf(byCode(text)), errors::kSyntax) << text;
+    run(byCode("1"));
+    run(byCode("2"));
+  }
+  EXPECT_EQ(journal.runs.size(), 4U);
+}
+
+TEST_F(PlanCacheTest, ABareValueMustBeOneNumberBeforeAndAfterAHit) {
+  for (int round = 0; round < 2; ++round) {
+    for (const char* text :
+         {"", "1 or 1=1", "1)", "1,2", "a", "1e", "--1", "1.2.3", ".", "-", "'1"}) {
+      EXPECT_EQ(errorOf(insertBare(text)), errors::kSyntax) << text;
+    }
+    run(insertBare("1"));
+    run(insertBare("2.5"));
+  }
+  EXPECT_EQ(journal.runs.size(), 4U);
+}
+
+TEST_F(PlanCacheTest, ANumberOfAnAssignmentMayBeWholeOrNot) {
+  run(insertBare("1"));
+  for (const char* text : {"2.5", "-3", "+4", "12345678901234567890", ".5", "-0.25"}) {
+    run(insertBare(text));
+  }
+  EXPECT_EQ(cache.counters().shapeHits, 6U);
+  EXPECT_THAT(journal.bound, ElementsAre("real -0.250000"));
+  run(insertBare("9223372036854775807"));
+  EXPECT_THAT(journal.bound, ElementsAre("whole 9223372036854775807"));
+  run(insertBare("1e3"));
+  EXPECT_THAT(journal.bound, ElementsAre("real 1000.000000"));
+}
+
+TEST_F(PlanCacheTest, AWholeNumberAndADecimalOneInACriterionAreTwoShapes) {
+  const auto above = [](std::string_view number) {
+    return Statement("DELETE FROM Lineas WHERE Cantidad > ") << value(number);
+  };
+  run(above("1"));
+  run(above("1.5"));
+  EXPECT_EQ(cache.counters().translated, 2U);
+  run(above("2"));
+  EXPECT_THAT(journal.bound, ElementsAre("whole 2"));
+  run(above("2.5"));
+  EXPECT_THAT(journal.bound, ElementsAre("real 2.500000"));
+  EXPECT_EQ(cache.counters().shapeHits, 2U);
+}
+
+TEST_F(PlanCacheTest, ConstantsAroundAndBetweenValuesBelongToTheLiteral) {
+  const auto padded = [](std::string_view year, std::string_view number) {
+    return Statement("INSERT INTO Lineas (Codigo, Nota) VALUES ('F")
+           << value(year) << "-" << value(number) << " ', 'it''s " << value(year) << "''')";
+  };
+  for (int round = 0; round < 3; ++round) {
+    run(padded("26", "001"));
+    EXPECT_THAT(journal.bound, ElementsAre("text F26-001 ", "text it's 26'"));
+  }
+  run(padded("", ""));
+  EXPECT_THAT(journal.bound, ElementsAre("text F- ", "text it's '"));
+  EXPECT_EQ(cache.counters().translated, 1U);
+}
+
+TEST_F(PlanCacheTest, ConstantsOfTheTextAreTakenFromTheStatementAtHand) {
+  const auto insert = [](std::string_view constant, std::string_view code) {
+    return Statement("INSERT INTO Lineas (Cantidad, Codigo) VALUES (")
+           << constant << ", '" << value(code) << "')";
+  };
+  run(insert("1", "a"));
+  run(insert("2", "b"));
+  EXPECT_THAT(journal.bound, ElementsAre("whole 2", "text b"));
+  run(insert("1", "c"));
+  EXPECT_THAT(journal.bound, ElementsAre("whole 1", "text c"));
+  EXPECT_EQ(cache.counters().translated, 1U);
+  EXPECT_EQ(cache.counters().shapeHits, 1U);
+}
+
+TEST_F(PlanCacheTest, DatesComeWithOrWithoutTheirMarks) {
+  const auto whole = [](std::string_view date) {
+    return Statement("DELETE FROM Lineas WHERE Fecha = ") << value(date);
+  };
+  const auto inside = [](std::string_view date) {
+    return Statement("DELETE FROM Lineas WHERE Fecha = #") << value(date) << "#";
+  };
+  run(whole("#11/20/2026#"));
+  run(whole("#11/21/2026#"));
+  EXPECT_THAT(journal.bound, ElementsAre("date 46347.000000"));
+  run(inside("11/21/2026"));
+  run(inside("11/22/2026"));
+  EXPECT_THAT(journal.bound, ElementsAre("date 46348.000000"));
+  EXPECT_EQ(cache.counters().shapeHits, 2U);
+  for (const char* text : {"#99/99/2026#", "#11/21/2026", "#1/1/2026# or #1/1/2026#", "#"}) {
+    EXPECT_EQ(errorOf(whole(text)), errors::kSyntax) << text;
+  }
+  EXPECT_EQ(errorOf(inside("x")), errors::kSyntax);
+  EXPECT_EQ(errorOf(inside("1/1/2026# or 1=1 or Fecha = #1/1/2026")), errors::kSyntax);
+}
+
+TEST_F(PlanCacheTest, AQuotedNumberForANumericColumnReadsByTheLocale) {
+  run(insertQuoted("Cantidad", "1.234,5"));
+  EXPECT_THAT(journal.bound, ElementsAre("real 1234.500000"));
+  run(insertQuoted("Cantidad", "0,1"));
+  EXPECT_THAT(journal.bound, ElementsAre("real 0.100000"));
+  run(insertQuoted("Cantidad", "-7"));
+  EXPECT_THAT(journal.bound, ElementsAre("whole -7"));
+  EXPECT_EQ(errorOf(insertQuoted("Cantidad", "doce")), errors::kTypeMismatch);
+  EXPECT_THAT(description, HasSubstr("Cantidad"));
+  EXPECT_THAT(failedStatement, HasSubstr("'doce'"));
+  EXPECT_EQ(errorOf(insertQuoted("Cantidad", "")), errors::kTypeMismatch);
+}
+
+TEST_F(PlanCacheTest, MoneyRoundsToFourDecimalsHalvesToEven) {
+  run(insertQuoted("Importe", "0,00005"));
+  EXPECT_THAT(journal.bound, ElementsAre("money 0"));
+  run(insertQuoted("Importe", "12,3456"));
+  EXPECT_THAT(journal.bound, ElementsAre("money 123456"));
+  run(insertQuoted("Importe", "922337203685477"));
+  EXPECT_THAT(journal.bound, ElementsAre("money 9223372036854770000"));
+  EXPECT_EQ(errorOf(insertQuoted("Importe", "1922337203685478")), errors::kMultipleStep);
+}
+
+TEST_F(PlanCacheTest, AWholeColumnRoundsAndRefusesWhatIsOutOfItsRange) {
+  run(insertQuoted("Unidades", "2,5"));
+  EXPECT_THAT(journal.bound, ElementsAre("whole 2"));
+  run(insertQuoted("Unidades", "-32768"));
+  EXPECT_THAT(journal.bound, ElementsAre("whole -32768"));
+  EXPECT_EQ(errorOf(insertQuoted("Unidades", "32768")), errors::kMultipleStep);
+  EXPECT_THAT(description, HasSubstr("out of range (Unidades)"));
+}
+
+TEST_F(PlanCacheTest, ATextTooLongForItsColumnIsRefusedByCharacters) {
+  run(insertQuoted("Codigo", "ññññññññññ"));
+  EXPECT_EQ(errorOf(insertQuoted("Codigo", "12345678901")), errors::kMultipleStep);
+  EXPECT_THAT(description, HasSubstr("11 characters is too long for the 10 of Codigo"));
+  run(insertQuoted("Nota", std::string(100'000, 'x')));
+}
+
+TEST_F(PlanCacheTest, FlagsTakeNumbersAndTheLocalesWords) {
+  const auto flag = [&](std::string_view text) {
+    run(insertQuoted("Activa", text));
+    return journal.bound.at(0);
+  };
+  EXPECT_EQ(flag("1"), "flag -1");
+  EXPECT_EQ(flag("0"), "flag 0");
+  EXPECT_EQ(flag("Verdadero"), "flag -1");
+  EXPECT_EQ(flag("falso"), "flag 0");
+  EXPECT_EQ(flag("True"), "flag -1");
+  EXPECT_EQ(errorOf(insertQuoted("Activa", "quizá")), errors::kTypeMismatch);
+}
+
+TEST_F(PlanCacheTest, AQuotedDateForADateColumnReadsByTheLocale) {
+  run(insertQuoted("Fecha", "21/11/2026"));
+  EXPECT_THAT(journal.bound, ElementsAre("date 46347.000000"));
+  EXPECT_EQ(errorOf(insertQuoted("Fecha", "ayer")), errors::kTypeMismatch);
+}
+
+TEST_F(PlanCacheTest, AnErrorOfTheEngineBearsTheStatement) {
+  journal.failAtRun = 0;
+  EXPECT_EQ(errorOf(byCode("6")), errors::kUnspecified);
+  EXPECT_THAT(failedStatement, HasSubstr("Codigo = '6'"));
+}
+
+TEST_F(PlanCacheTest, APlanIsSharedByAllStatementsOfItsShape) {
+  const auto select = [](std::string_view code) {
+    return Statement("SELECT Codigo, Importe FROM Lineas WHERE Codigo = '") << value(code) << "'";
+  };
+  const auto plan = cache.plan(select("1"));
+  EXPECT_EQ(plan, cache.plan(select("2")));
+  EXPECT_EQ(journal.prepared, 0);
+  std::vector<ColumnType> types;
+  for (const OutputColumn& output : plan->columns) types.push_back(output.type);
+  engine::RowStore rows(types);
+  cache.fetch(select("3"), rows);
+  EXPECT_EQ(rows.rows(), 1U);
+  EXPECT_THAT(journal.bound, ElementsAre("text 3"));
+}
+
+TEST_F(PlanCacheTest, FetchRefusesAStatementWithoutRowsAndDoesNotRunIt) {
+  engine::RowStore rows(std::vector<ColumnType>{});
+  EXPECT_THROW(cache.fetch(byCode("1"), rows), Error);
+  EXPECT_TRUE(journal.runs.empty());
+}
+
+TEST_F(PlanCacheTest, ResetForgetsEveryPlan) {
+  run(byCode("1"));
+  cache.reset(shopCatalogue());
+  run(byCode("2"));
+  EXPECT_EQ(cache.counters().translated, 2U);
+  EXPECT_EQ(journal.prepared, 2);
+  cache.reset(std::make_shared<const Catalogue>());
+  EXPECT_EQ(errorOf(byCode("3")), errors::kTableNotFound);
+}
+
+TEST_F(PlanCacheTest, AComposedTextIsPreparedOnce) {
+  const std::vector<Value> values{Value::ofText("a"), Value::ofInteger(1)};
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(cache.run("UPDATE T SET A=? WHERE B=?", values), 1);
+  EXPECT_EQ(journal.prepared, 1);
+  EXPECT_THAT(journal.bound, ElementsAre("text a", "whole 1"));
+  engine::RowStore returned(std::vector<ColumnType>{ColumnType::kInt32});
+  EXPECT_EQ(cache.run("INSERT INTO T VALUES (?, ?) RETURNING A", values, &returned), 1);
+  EXPECT_EQ(returned.rows(), 1U);
+}
+
+TEST_F(PlanCacheTest, AComposedTextNeedsAValueForEachPlaceholder) {
+  const std::vector<Value> values{Value::ofText("a")};
+  EXPECT_THROW(cache.run("UPDATE T SET A=? WHERE B=?", values), Error);
+  EXPECT_TRUE(journal.runs.empty());
+}
+
+TEST_F(PlanCacheTest, ManyShapesAreForgottenAndWhatIsUsedStays) {
+  const auto shapeNumber = [](int number) {
+    return Statement("SELECT Codigo AS C")
+           << std::to_string(number) << " FROM Lineas WHERE Codigo = '" << value("a") << "'";
+  };
+  run(byCode("1"));
+  for (int count = 1; count <= 1500; ++count) {
+    run(shapeNumber(count));
+    run(byCode(std::to_string(count)));
+  }
+  EXPECT_EQ(cache.counters().translated, 1501U);
+  EXPECT_EQ(journal.prepared, 1501);
+  run(shapeNumber(1));
+  EXPECT_EQ(cache.counters().translated, 1502U);
+  run(shapeNumber(1500));
+  EXPECT_EQ(cache.counters().translated, 1502U);
+}
+
+TEST_F(PlanCacheTest, TheTextBetweenTheValuesDecidesNotWhereTheValuesLie) {
+  // The same joined text, cut differently.
+  run(Statement("DELETE FROM Lineas WHERE Codigo = '") << value("ab") << "'");
+  run(Statement("DELETE FROM Lineas WHERE Codigo = '") << value("a") << value("b") << "'");
+  EXPECT_THAT(journal.bound, ElementsAre("text ab"));
+  run(Statement("DELETE FROM Lineas WHERE Codigo = '") << value("x") << value("y") << "'");
+  EXPECT_THAT(journal.bound, ElementsAre("text xy"));
+  run(Statement("DELETE FROM Lineas WHERE Codigo = '") << "a" << value("b") << "'");
+  EXPECT_THAT(journal.bound, ElementsAre("text ab"));
+  EXPECT_EQ(cache.counters().translated, 1U);
+  EXPECT_EQ(cache.counters().shapeHits, 1U);
+}
+
+}  // namespace
+}  // namespace tavelor::dialect

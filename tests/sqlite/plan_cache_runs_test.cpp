@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+// Statements of the dialect through the plan cache into a real database.
+#include <gmock/gmock.h>
+
+#include "tavelor/platform/statement.hpp"
+#include "tavelor/services/dialect/dialect.hpp"
+#include "tavelor/services/dialect/plan_cache.hpp"
+#include "tests/sqlite/support.hpp"
+
+namespace tavelor::engine::test {
+namespace {
+
+using dialect::PlanCache;
+using testing::HasSubstr;
+
+class PlanCacheRuns : public testing::Test {
+ protected:
+  void SetUp() override {
+    for (const std::string& sql : dialect::translateSchema(
+             "CREATE TABLE Lineas (Id COUNTER NOT NULL, Codigo TEXT(10), Cantidad DOUBLE, Importe "
+             "CURRENCY DEFAULT 0, Unidades SHORT, Fecha DATETIME, Activa BIT NOT NULL DEFAULT 0, "
+             "CONSTRAINT PK PRIMARY KEY (Id));"
+             "CREATE UNIQUE INDEX IX_Codigo ON Lineas (Codigo)",
+             dialect::sqliteWriter())) {
+      session->execute(sql);
+    }
+    cache = std::make_unique<PlanCache>(*session,
+                                        std::make_shared<const Catalogue>(session->describe()),
+                                        Locale::spanish(), dialect::sqliteWriter());
+  }
+
+  static Statement insert(std::string_view code, std::string_view quantity,
+                          std::string_view amount) {
+    return Statement("INSERT INTO Lineas ( Codigo, Cantidad, Importe ) SELECT DISTINCTROW '")
+           << value(code) << "' AS codigo, '" << value(quantity) << "' AS Cantidad , "
+           << value(amount) << " AS Importe ";
+  }
+  RowStore fetch(const Statement& statement) {
+    std::vector<ColumnType> types;
+    for (const auto& column : cache->plan(statement)->columns) types.push_back(column.type);
+    RowStore rows(types);
+    cache->fetch(statement, rows);
+    return rows;
+  }
+  std::int64_t count() { return wholeOf(*session, "SELECT count(*) FROM Lineas"); }
+
+  std::unique_ptr<Session> session = openInMemory();
+  std::unique_ptr<PlanCache> cache;
+};
+
+TEST_F(PlanCacheRuns, SplicedValuesArriveTyped) {
+  EXPECT_EQ(cache->run(insert("A1", "2,5", "12.34565")), 1);
+  EXPECT_EQ(cache->run(insert("añ''o", "-3", "7.25")), 1);
+  EXPECT_EQ(
+      textOf(*session,
+             "SELECT group_concat(Codigo || ' ' || typeof(Cantidad) || ' ' || Cantidad || ' ' "
+             "|| typeof(Importe) || ' ' || Importe, '; ') FROM Lineas"),
+      "A1 real 2.5 real 12.3456; añ'o real -3.0 real 7.25");
+  EXPECT_EQ(cache->counters().translated, 1U);
+}
+
+TEST_F(PlanCacheRuns, HostileValuesNeverChangeWhatAStatementDoes) {
+  cache->run(insert("A1", "1", "1"));
+  for (const char* code : {"x'", "x'); DELETE FROM Lineas; --", "' or '1'='1", "x', 0, 0 --"}) {
+    EXPECT_EQ(errorNumber([&] { cache->run(insert(code, "1", "1")); }), errors::kSyntax) << code;
+  }
+  for (const char* amount : {"1 AS a, 2", "(SELECT 1)", "1; DELETE FROM Lineas", "Importe"}) {
+    EXPECT_EQ(errorNumber([&] { cache->run(insert("B", "1", amount)); }), errors::kSyntax)
+        << amount;
+  }
+  EXPECT_EQ(count(), 1);
+  cache->run(insert("x'' or 1", "1", "1"));
+  EXPECT_EQ(textOf(*session, "SELECT max(Codigo) FROM Lineas"), "x' or 1");
+}
+
+TEST_F(PlanCacheRuns, AFailedStatementMayRunAgainWithOtherValues) {
+  cache->run(insert("A1", "1", "1"));
+  const auto error = errorOf([&] { cache->run(insert("A1", "1", "1")); });
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->number(), errors::kIntegrityViolation);
+  EXPECT_THAT(error->statement(), HasSubstr("DISTINCTROW 'A1'"));
+  EXPECT_EQ(errorNumber([&] { cache->run(insert("12345678901", "1", "1")); }),
+            errors::kMultipleStep);
+  EXPECT_EQ(errorNumber([&] { cache->run(insert("B", "uno", "1")); }), errors::kTypeMismatch);
+  EXPECT_EQ(cache->run(insert("B", "1", "1")), 1);
+  EXPECT_EQ(count(), 2);
+}
+
+TEST_F(PlanCacheRuns, RowsComeBackInTheTypesOfThePlan) {
+  cache->run(insert("A1", "2", "1.5"));
+  cache->run(insert("A2", "3", "2.5"));
+  const auto above = [](std::string_view amount) {
+    return Statement("SELECT Codigo, Importe, Cantidad*Importe AS T FROM Lineas WHERE Importe > ")
+           << value(amount) << " ORDER BY Codigo";
+  };
+  const RowStore rows = fetch(above("1"));
+  ASSERT_EQ(rows.rows(), 2U);
+  EXPECT_EQ(rows.text(1, 0), "A2");
+  EXPECT_EQ(rows.integer(1, 1), 25'000);
+  EXPECT_EQ(fetch(above("2")).rows(), 1U);
+}
+
+TEST_F(PlanCacheRuns, ADivisionByZeroInARowRaises11) {
+  cache->run(insert("A1", "0", "1"));
+  EXPECT_EQ(errorNumber([&] { fetch(Statement("SELECT Importe/Cantidad AS P FROM Lineas")); }),
+            errors::kDivisionByZero);
+}
+
+TEST_F(PlanCacheRuns, ComposedTextsReturnWhatWasStored) {
+  RowStore returned({ColumnType::kInt32, ColumnType::kText, ColumnType::kCurrency});
+  const std::vector<Value> values{Value::ofText("A1")};
+  const std::string_view sql =
+      "INSERT INTO \"Lineas\" (\"Codigo\") VALUES (?) RETURNING \"Id\", \"Codigo\", \"Importe\"";
+  EXPECT_EQ(cache->run(sql, values, &returned), 1);
+  ASSERT_EQ(returned.rows(), 1U);
+  EXPECT_EQ(returned.integer(0, 0), 1);
+  EXPECT_EQ(returned.integer(0, 2), 0);
+  const auto error = errorOf([&] { cache->run(sql, values, &returned); });
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->number(), errors::kIntegrityViolation);
+  EXPECT_EQ(error->statement(), sql);
+}
+
+TEST_F(PlanCacheRuns, AfterAChangeOfSchemaResetBindsAnew) {
+  const Statement select = Statement("SELECT Color FROM Lineas WHERE Codigo = '")
+                           << value("a") << "'";
+  EXPECT_EQ(errorNumber([&] { cache->plan(select); }), errors::kMissingParameter);
+  session->execute("ALTER TABLE Lineas ADD COLUMN Color TEXT(5)");
+  cache->reset(std::make_shared<const Catalogue>(session->describe()));
+  EXPECT_EQ(cache->plan(select)->columns.at(0).definedSize, 5);
+}
+
+}  // namespace
+}  // namespace tavelor::engine::test
