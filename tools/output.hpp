@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+// Text for a person: colours, values, errors with their place.
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace tavelor {
+class Error;
+class Variant;
+struct Locale;
+}  // namespace tavelor
+
+namespace tavelor::tools {
+
+/// Colours of a stream: "always", "never", or "auto" for a terminal without NO_COLOR.
+class Style {
+ public:
+  Style(std::string_view color, std::FILE* stream);
+  std::string bold(std::string_view text) const { return paint("1", text); }
+  std::string dim(std::string_view text) const { return paint("2", text); }
+  std::string red(std::string_view text) const { return paint("31", text); }
+
+ private:
+  std::string paint(std::string_view code, std::string_view text) const;
+  bool on_;
+};
+
+/// One line of text that no terminal takes for an order: control characters become their pictures,
+/// bytes that are no UTF-8 the replacement character. Character counts stay the same.
+std::string printable(std::string_view text);
+
+/// A value as a table or a script shows it: "" for Null and Empty, the type's name for an object.
+std::string shown(const Variant& value, const Locale& locale);
+
+/// Number, source and description on standard error, and the statement with the place marked.
+void printError(const Error& error, const Style& style);
+
+}  // namespace tavelor::tools

@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: MIT
+// Opens the installation of a command.
+#include "tools/session.hpp"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <system_error>
+#include <vector>
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include "tavelor/frame/component.hpp"
+#include "tavelor/platform/error.hpp"
+#include "tavelor/platform/text.hpp"
+#include "tavelor/services/installation.hpp"
+#include "tavelor/services/prompt_global.hpp"
+#include "tavelor/services/trace.hpp"
+#include "tools/command.hpp"
+#include "tools/output.hpp"
+
+namespace tavelor::tools {
+
+namespace {
+
+/// Messages and questions go to standard error, so that what a member gives can be piped; answers
+/// are lines of standard input.
+class TerminalPrompts final : public PromptHandler {
+ public:
+  void message(const Prompt& prompt) override { print(prompt, "\n"); }
+  Variant askInput(const std::string& prompt) override {
+    fmt::print(stderr, "{} ", prompt);
+    return answer();
+  }
+  bool question(const Prompt& prompt) override {
+    print(prompt, " (s/n) ");
+    const std::string word = text::lower(answer());
+    return word == "s" || word == "sí" || word == "si" || word == "y" || word == "yes";
+  }
+  void beep() override {
+    if (isatty(STDERR_FILENO) == 1) std::fputc('\a', stderr);
+  }
+
+ private:
+  static void print(const Prompt& prompt, std::string_view end) {
+    fmt::print(stderr, "{}{}{}{}", prompt.title, prompt.title.empty() ? "" : ": ", prompt.text,
+               end);
+  }
+  static std::string answer() {
+    std::string line;
+    std::getline(std::cin, line);
+    return line;
+  }
+};
+
+}  // namespace
+
+std::shared_ptr<Installation> openInstallation(const Common& common) {
+  const char* const home = std::getenv("TAVELOR_HOME");
+  std::filesystem::path folder = common.folder;
+  if (folder.empty()) folder = home != nullptr && *home != '\0' ? home : ".";
+  folder = std::filesystem::absolute(folder).lexically_normal();
+  if (!folder.has_filename()) folder = folder.parent_path();
+
+  std::error_code ignored;
+  const auto settings = folder / Installation::kSettingsFile;
+  if (std::filesystem::exists(std::filesystem::symlink_status(settings, ignored))) {
+    return Installation::open(folder);
+  }
+  raise(errors::kFileNotFound, "tavelor",
+        fmt::format("There is no installation in {}: {} is missing. Make one with `tavelor new`, "
+                    "or name another folder with --in.",
+                    folder.string(), Installation::kSettingsFile));
+}
+
+Session::Session(const Common& common) : apartment_(openInstallation(common)) {
+  apartment_.setPromptHandler(std::make_shared<TerminalPrompts>());
+  if (common.trace) showTrace();
+}
+
+void Session::showTrace() {
+  apartment_.trace().turn(true);
+  apartment_.trace().listen([this](const TraceEntry& entry) {
+    const std::string end = entry.error == 0
+                                ? fmt::format("{} row{}", entry.rows, entry.rows == 1 ? "" : "s")
+                                : fmt::format("error {}", entry.error);
+    fmt::print(stderr, "[{}] {} µs, {}: {}\n", installation().database(entry.selector).label,
+               entry.microseconds, end, printable(entry.text));
+  });
+}
+
+int Session::selector(std::string_view word) const {
+  std::string known;
+  for (const DatabaseSettings& each : apartment_.installation().settings().databases) {
+    if (text::equalsIgnoreCase(word, each.label) || word == std::to_string(each.selector)) {
+      return each.selector;
+    }
+    known += fmt::format("{}{} {}", known.empty() ? "" : ", ", each.selector, each.label);
+  }
+  throw UsageError(fmt::format("there is no database {}; there are {}", printable(word), known));
+}
+
+void initialise(const Component& component, Object& object, const std::string& word,
+                const std::string& id) {
+  std::vector<Variant> arguments;
+  for (const Parameter& parameter : component.member("IniciaRs").parameters) {
+    Variant argument;
+    if (parameter.name == "sSelecSql") argument = Variant(word);
+    if (parameter.name == "id") argument = Variant(id);
+    arguments.push_back(std::move(argument));
+  }
+  component.call(object, "IniciaRs", arguments);
+}
+
+}  // namespace tavelor::tools
