@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The catalogue of banks, and the whole road of a catalogue.
 #include "tavelor/reference/bancos.hpp"
 
 #include <gmock/gmock.h>

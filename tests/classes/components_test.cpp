@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The component table: finding classes and calling members by name.
 #include "tavelor/components.hpp"
 
 #include <set>

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+// One class body for every ClassInfo of the frame's tests, on the table of banks.
+#pragma once
+
+#include <array>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tavelor/frame/record_class.hpp"
+#include "tests/support/shop.hpp"
+
+namespace tavelor::test {
+
+inline constexpr std::array kModes = {
+    Mode{"seleccion", "SELECT Codigo AS Código, Banco AS Descripción FROM Bancos"},
+    Mode{"registro", "SELECT Codigo AS Código, Banco, Entidad FROM Bancos",
+         " Where ( Codigo = '{id}')"},
+    Mode{kAnyOtherWord, "SELECT Codigo AS Código, Banco, Entidad FROM Bancos"},
+};
+inline constexpr ClassInfo kBase = {.word = "Bancos", .table = "Bancos", .modes = kModes};
+
+template <typename Shape>
+class Sample final : public Shape {
+ public:
+  explicit Sample(const ClassInfo& info) : Shape(info) {}
+  std::string typeName() const override { return "Sample"; }
+};
+
+class SampleClassTest : public testing::Test {
+ protected:
+  void add(const std::string& code, const std::string& name = "X") {
+    shop.run("INSERT INTO Bancos (Codigo, Banco) VALUES ('" + code + "', '" + name + "')");
+  }
+  std::string code(RecordClass& of) {
+    return of.DataMember("Primary")->Field(0).Value().toText(shop.apartment().locale());
+  }
+  Recordset& rows(RecordClass& of) { return *of.DataMember("Primary"); }
+
+  Shop shop;
+  Sample<OpensByWord> banks{kBase};
+};
+
+}  // namespace tavelor::test
