@@ -8,15 +8,15 @@
 #include "tavelor/frame/record_class.hpp"
 #include "tavelor/services/prompt_global.hpp"
 #include "tavelor/services/recordset/connection.hpp"
-#include "tests/frame/sample_class.hpp"
+#include "tests/frame/any_class.hpp"
 #include "tests/support/shop.hpp"
 
 namespace tavelor {
 namespace {
 
+using test::AnyClass;
 using test::errorOf;
 using test::kBase;
-using test::Sample;
 using testing::ElementsAre;
 
 struct MoveCounter final : RecordClassEvents {
@@ -26,7 +26,7 @@ struct MoveCounter final : RecordClassEvents {
   std::vector<std::string> changed;
 };
 
-class RecordClassMovesTest : public test::SampleClassTest {};
+class RecordClassMovesTest : public test::AnyClassTest {};
 
 // ---- Requery
 
@@ -140,7 +140,7 @@ TEST_F(RecordClassMovesTest, FindRecordByWholeValueOrByPrefix) {
   EXPECT_TRUE(rows(banks).Eof());
   ClassInfo prefix = kBase;
   prefix.find = FindForm::kPrefix;
-  Sample<OpensByWord> sample(prefix);
+  AnyClass<OpensByWord> sample(prefix);
   sample.IniciaRs();
   sample.FindRecord("1");
   EXPECT_EQ(code(sample), "12");
@@ -172,7 +172,7 @@ TEST_F(RecordClassMovesTest, AClassWithoutEventsRaisesNothing) {
   add("2");
   ClassInfo silent = kBase;
   silent.raisesMoveComplete = false;
-  Sample<OpensByWord> sample(silent);
+  AnyClass<OpensByWord> sample(silent);
   MoveCounter listener;
   sample.addListener(listener);
   sample.IniciaRs();
@@ -185,7 +185,7 @@ TEST_F(RecordClassMovesTest, AGridMayHoldTheRecordSetLongerThanTheClassLives) {
   add("2");
   RecordsetPtr held;
   {
-    Sample<OpensByWord> shortLived(kBase);
+    AnyClass<OpensByWord> shortLived(kBase);
     shortLived.IniciaRs();
     held = shortLived.DataMember("Primary");
   }
@@ -201,7 +201,7 @@ TEST_F(RecordClassMovesTest, GetConnectionStrIsEmptyThoughTheServiceHasAString) 
   EXPECT_EQ(banks.GetConnectionStr(), "");
   ClassInfo answering = kBase;
   answering.givesConnectionString = true;
-  EXPECT_EQ(Sample<OpensByWord>(answering).GetConnectionStr(),
+  EXPECT_EQ(AnyClass<OpensByWord>(answering).GetConnectionStr(),
             DataSession().ConnectionString(selector::kMain));
 }
 
@@ -229,7 +229,7 @@ TEST_F(RecordClassMovesTest, AnErrorOfTheDatabaseComesThroughUnchanged) {
   constexpr std::array modes = {Mode{kAnyOtherWord, "SELECT Nada FROM Bancos"}};
   ClassInfo broken = kBase;
   broken.modes = modes;
-  Sample<OpensByWord> sample(broken);
+  AnyClass<OpensByWord> sample(broken);
   try {
     sample.IniciaRs();
     FAIL() << "an unknown column was accepted";

@@ -8,19 +8,19 @@
 #include <gtest/gtest.h>
 
 #include "tavelor/services/recordset/connection.hpp"
-#include "tests/frame/sample_class.hpp"
+#include "tests/frame/any_class.hpp"
 #include "tests/support/shop.hpp"
 
 namespace tavelor {
 namespace {
 
+using test::AnyClass;
 using test::errorOf;
 using test::kBase;
-using test::Sample;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class RecordClassTest : public test::SampleClassTest {};
+class RecordClassTest : public test::AnyClassTest {};
 
 // ---- Opening
 
@@ -89,17 +89,17 @@ TEST_F(RecordClassTest, CnnPrimaryIsTheConnectionOfTheRecordSet) {
 TEST_F(RecordClassTest, TheConnectionShapesRideOnTheCallersConnection) {
   const ConnectionPtr own = DataSession().OpenConnection(selector::kMain);
   ConnectionPtr given = own;
-  Sample<OpensOnConnection> first(kBase);
+  AnyClass<OpensOnConnection> first(kBase);
   first.IniciaRs(given, "seleccion");
   EXPECT_EQ(first.GetConnection(), own);
-  Sample<OpensByWordOnConnection> second(kBase);
+  AnyClass<OpensByWordOnConnection> second(kBase);
   second.IniciaRs("seleccion", {}, given);
   EXPECT_EQ(second.GetConnection(), own);
 }
 
 TEST_F(RecordClassTest, TheConnectionShapesFillAnEmptyVariable) {
   ConnectionPtr empty;
-  Sample<OpensOnConnection> sample(kBase);
+  AnyClass<OpensOnConnection> sample(kBase);
   sample.IniciaRs(empty);
   ASSERT_NE(empty, nullptr);
   EXPECT_EQ(sample.GetConnection(), empty);
@@ -115,7 +115,7 @@ TEST_F(RecordClassTest, ClearingAndAddingClassesBothEndWithOnePrimary) {
   ClassInfo clearing = kBase;
   clearing.clearsDataMembers = true;
   for (const ClassInfo& info : {kBase, clearing}) {
-    Sample<OpensByWord> sample(info);
+    AnyClass<OpensByWord> sample(info);
     sample.IniciaRs();
     sample.IniciaRs();
     EXPECT_THAT(sample.DataMembers(), ElementsAre("Primary"));
@@ -136,7 +136,7 @@ TEST_F(RecordClassTest, EveryModeReopensInTheOrderLastChosenForIt) {
   banks.SetOrder(1, "", "seleccion");
   EXPECT_EQ(code(banks), "2");
 
-  Sample<OpensByWord> later(kBase);
+  AnyClass<OpensByWord> later(kBase);
   later.IniciaRs("seleccion");
   EXPECT_EQ(code(later), "2");
   later.IniciaRs("todos");
@@ -225,7 +225,7 @@ TEST_F(RecordClassTest, NuevoCodigoThatWouldNotFitTheColumnIsTheOldMaximumAgain)
   EXPECT_EQ(banks.NuevoCodigo(), Variant("999999"));
   ClassInfo unchecked = kBase;
   unchecked.code = CodeForm::kUnchecked;
-  EXPECT_EQ(Sample<OpensByWord>(unchecked).NuevoCodigo().toText(shop.apartment().locale()),
+  EXPECT_EQ(AnyClass<OpensByWord>(unchecked).NuevoCodigo().toText(shop.apartment().locale()),
             "1000000");
 }
 
@@ -275,13 +275,13 @@ TEST_F(RecordClassTest, AddNewReplacesACodeThatIsTooLongForTheFirstFieldByZero) 
   wide.code = CodeForm::kUnchecked;
   constexpr std::array modes = {Mode{kAnyOtherWord, "SELECT DC, Codigo FROM Bancos"}};
   wide.modes = modes;
-  Sample<OpensByWord> general(wide);
+  AnyClass<OpensByWord> general(wide);
   general.IniciaRs();
   general.AddNew(true);
   EXPECT_EQ(code(general), "0");
 
   wide.addNew = AddNewForm::kShort;
-  Sample<OpensByWord> brief(wide);
+  AnyClass<OpensByWord> brief(wide);
   brief.IniciaRs();
   EXPECT_EQ(errorOf([&] { brief.AddNew(true); }), errors::kMultipleStep)
       << "the short form has no test of the length, so the field refuses the code";
@@ -302,7 +302,7 @@ TEST_F(RecordClassTest, UpdateWritesTheCurrentRowOnly) {
 TEST_F(RecordClassTest, UpdateOfAllRowsWritesWhateverIsPending) {
   ClassInfo all = kBase;
   all.update = UpdateForm::kAllRows;
-  Sample<OpensByWord> sample(all);
+  AnyClass<OpensByWord> sample(all);
   sample.IniciaRs();
   sample.Update();  // no rows: nothing to do
   add("1");
@@ -327,7 +327,7 @@ TEST_F(RecordClassTest, DeleteWritesAtOnceOrLeavesItToUpdate) {
   marks.remove = DeleteForm::kMarks;
   marks.update = UpdateForm::kAllRows;
   add("3");
-  Sample<OpensByWord> sample(marks);
+  AnyClass<OpensByWord> sample(marks);
   sample.IniciaRs();
   sample.Delete();
   EXPECT_EQ(shop.text("SELECT Count(*) FROM Bancos"), "2") << "only marked";

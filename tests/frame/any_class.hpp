@@ -21,13 +21,13 @@ inline constexpr std::array kModes = {
 inline constexpr ClassInfo kBase = {.word = "Bancos", .table = "Bancos", .modes = kModes};
 
 template <typename Shape>
-class Sample final : public Shape {
+class AnyClass final : public Shape {
  public:
-  explicit Sample(const ClassInfo& info) : Shape(info) {}
-  std::string typeName() const override { return "Sample"; }
+  explicit AnyClass(const ClassInfo& info) : Shape(info) {}
+  std::string typeName() const override { return "AnyClass"; }
 };
 
-class SampleClassTest : public testing::Test {
+class AnyClassTest : public testing::Test {
  protected:
   void add(const std::string& code, const std::string& name = "X") {
     shop.run("INSERT INTO Bancos (Codigo, Banco) VALUES ('" + code + "', '" + name + "')");
@@ -38,7 +38,7 @@ class SampleClassTest : public testing::Test {
   Recordset& rows(RecordClass& of) { return *of.DataMember("Primary"); }
 
   Shop shop;
-  Sample<OpensByWord> banks{kBase};
+  AnyClass<OpensByWord> banks{kBase};
 };
 
 }  // namespace tavelor::test
