@@ -54,6 +54,35 @@ TEST(SqliteFaults, AWriterThatOutlastsTheWaitIsABusyErrorThatNamesTheFileAndTheW
   second->execute("INSERT INTO T VALUES (1)");
 }
 
+TEST(SqliteFaults, AWaitThatWouldBeForItselfFailsAtOnceAndSaysSo) {
+  const TempFolder folder;
+  const std::string path = folder.file("a.db");
+  const auto first = openNew(path);
+  first->execute("CREATE TABLE T (A INTEGER)");
+  OpenOptions options;
+  options.path = path;
+  options.synchronous = false;
+  options.busyTimeoutMs = 600'000;
+  options.worthWaiting = [&] { return first->depth() == 0; };
+  const auto second = sqliteEngine().open(options);
+  first->begin();
+  const auto error = errorOf([&] { second->begin(); });
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->number(), errors::kBusy);
+  EXPECT_THAT(error->description(), HasSubstr("this same thread"));
+  first->commit();
+  EXPECT_EQ(second->begin(), 1);
+}
+
+TEST(SqliteFaults, SettlingBringsEverythingIntoTheFileItself) {
+  const TempFolder folder;
+  const auto session = openNew(folder.file("a.db"));
+  session->execute("CREATE TABLE T (A INTEGER); INSERT INTO T VALUES (7)");
+  session->settle();
+  std::filesystem::copy_file(folder.file("a.db"), folder.file("b.db"));
+  EXPECT_EQ(wholeOf(*openExisting(folder.file("b.db")), "SELECT A FROM T"), 7);
+}
+
 TEST(SqliteFaults, ReadersNeverWaitForAWriter) {
   const TempFolder folder;
   const auto writer = openNew(folder.file("a.db"));

@@ -128,7 +128,8 @@ class RowStore {
   Word packText(std::string_view value) {
     if (value.size() <= kInline) {
       Word cell = kInlineMark | static_cast<Word>(value.size()) << 56;
-      std::memcpy(&cell, value.data(), value.size());
+      // An empty view may have no address.
+      if (!value.empty()) std::memcpy(&cell, value.data(), value.size());
       return cell;
     }
     return std::bit_cast<Word>(store(value));
