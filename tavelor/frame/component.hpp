@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -13,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "tavelor/platform/callback.hpp"
 #include "tavelor/platform/inout.hpp"
 #include "tavelor/platform/variant.hpp"
 
@@ -35,7 +35,7 @@ struct Parameter {
 /// One slot: a member that can be called with variants.
 struct Member {
   /// Arguments by reference are written back into `arguments`.
-  using Call = std::function<Variant(Object& object, std::span<Variant> arguments)>;
+  using Call = Callback<Variant(Object& object, std::span<Variant> arguments)>;
 
   std::string name;
   bool property = false;
@@ -267,8 +267,8 @@ Member member(std::string_view name, R (Class::*function)(P...) const,
 template <typename Aggregate>
 struct AggregateParameter {
   Parameter parameter;
-  std::function<void(Aggregate&, const Variant&)> read;
-  std::function<Variant(Aggregate&)> written;
+  Callback<void(Aggregate&, const Variant&)> read;
+  Callback<Variant(Aggregate&)> written;
 };
 
 /// A field of the aggregate as a parameter: "sCod", "out sNom", "[objCn]".

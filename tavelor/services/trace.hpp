@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <deque>
-#include <functional>
 #include <memory>
 #include <string>
 
+#include "tavelor/platform/callback.hpp"
 #include "tavelor/services/recordset/connection.hpp"
 
 namespace tavelor {
@@ -40,7 +40,7 @@ class StatementTrace final : public TraceSink {
   void writeTo(const std::string& file);
   /// Calls `listener` with each statement from now on; an empty one ends it. It must not raise and
   /// must not change the trace.
-  void listen(std::function<void(const TraceEntry&)> listener) { listener_ = std::move(listener); }
+  void listen(Callback<void(const TraceEntry&)> listener) { listener_ = std::move(listener); }
 
   void statement(const Entry& traced) override;
 
@@ -53,7 +53,7 @@ class StatementTrace final : public TraceSink {
   bool on_ = false;
   std::deque<TraceEntry> entries_;
   std::unique_ptr<std::FILE, FileCloser> file_;
-  std::function<void(const TraceEntry&)> listener_;
+  Callback<void(const TraceEntry&)> listener_;
 };
 
 }  // namespace tavelor

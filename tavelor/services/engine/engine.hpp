@@ -4,10 +4,11 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+
+#include "tavelor/platform/callback.hpp"
 
 namespace tavelor {
 struct Locale;
@@ -80,7 +81,7 @@ struct OpenOptions {
   int busyTimeoutMs = 5000;  ///< how long to wait for another writer
   /// Asked before each wait for another writer, when it is set: false gives kBusy at once. Whoever
   /// owns several sessions of one thread knows when it would wait for itself.
-  std::function<bool()> worthWaiting;
+  Callback<bool()> worthWaiting;
   std::shared_ptr<const Locale> locale;  ///< by which texts in columns read as numbers
 };
 

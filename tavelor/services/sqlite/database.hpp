@@ -4,13 +4,13 @@
 
 #include <chrono>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 
 #include <sqlite3.h>
 
+#include "tavelor/platform/callback.hpp"
 #include "tavelor/platform/error.hpp"
 
 namespace tavelor {
@@ -41,7 +41,7 @@ struct Database {
   int busyTimeoutMs = 0;
   int depth = 0;
   std::chrono::steady_clock::time_point waitSince;
-  std::function<bool()> worthWaiting;  // may be empty
+  Callback<bool()> worthWaiting;  // may be empty
   bool waitsForItself = false;         // what worthWaiting said last
 
   // What a function raised last. The engine carries only a text through; the number waits here
