@@ -116,8 +116,11 @@ void Recordset::requireMovable(int direction) const {
   if (blocked) raise(errors::kNoCurrentRecord, kRecordsetSource);
 }
 
+/// Posts the row in edit. The listeners of that may have closed the set.
 void Recordset::leaveRow() {
-  if (draft_) post();
+  if (!draft_) return;
+  post();
+  opened();
 }
 
 void Recordset::MoveFirst() {

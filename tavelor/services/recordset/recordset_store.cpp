@@ -38,7 +38,9 @@ bool equalsFolded(std::string_view a, std::string_view b) {
          });
 }
 
+/// Never a null pointer, which an empty vector may have and memcpy must not get.
 std::string_view viewOf(const Bytes& bytes) {
+  if (bytes.empty()) return "";
   return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
