@@ -61,25 +61,38 @@ RecordClass::~RecordClass() {
 // ---------------------------------------------------------------------------------------------
 // Opening
 
-void RecordClass::openPrimary(std::string& sSelecSql, const Variant& id, ConnectionPtr& cnnActive) {
+void RecordClass::takePrimary(RecordsetPtr rows) {
   if (adoPrimaryRS_ && primaryEvents_) adoPrimaryRS_->removeListener(primaryEvents_.get());
-  adoPrimaryRS_ = std::make_shared<Recordset>();
+  adoPrimaryRS_ = std::move(rows);
   if (info_.raisesMoveComplete) {
     if (!primaryEvents_) primaryEvents_ = std::make_unique<PrimaryEvents>(*this);
     adoPrimaryRS_->addListener(primaryEvents_.get());
   }
+}
 
+void RecordClass::offerPrimary() {
+  if (info_.clearsDataMembers) dataMembers_.clear();
+  if (std::find(dataMembers_.begin(), dataMembers_.end(), kPrimary) == dataMembers_.end()) {
+    dataMembers_.emplace_back(kPrimary);
+  }
+}
+
+void RecordClass::openPrimary(std::string& sSelecSql, const Variant& id, ConnectionPtr& cnnActive) {
+  takePrimary(std::make_shared<Recordset>());
   const Statement statement = modeStatement(sSelecSql, id);
   DataSession session;
   if (!cnnActive) cnnActive = session.OpenConnection(info_.selector);
   session.OpenRecordset(info_.selector, statement, adoPrimaryRS_, cnnActive);
   cnnPrimary_ = adoPrimaryRS_->ActiveConnection();
 
-  if (info_.clearsDataMembers) dataMembers_.clear();
-  if (std::find(dataMembers_.begin(), dataMembers_.end(), kPrimary) == dataMembers_.end()) {
-    dataMembers_.emplace_back(kPrimary);
-  }
+  offerPrimary();
   restoreOrder(sSelecSql);
+}
+
+RecordsetPtr RecordClass::openPrimaryFromFile(std::string_view path) {
+  takePrimary(DataSession().OpenRecordsetFromFile(path));
+  offerPrimary();
+  return adoPrimaryRS_;
 }
 
 Statement RecordClass::modeStatement(std::string& word, const Variant& id) const {
@@ -217,21 +230,36 @@ void RecordClass::FindRecord(std::string_view Criteria) {
 // Codes
 
 Variant RecordClass::NuevoCodigo(ObjCn objCn) const {
-  const Statement statement(
-      fmt::format("SELECT MAX({}) AS Nuevo_Codigo FROM {}", info_.codeColumn, info_.table));
-  const RecordsetPtr rows = read(statement, *objCn);
-  const Field newest = rows->Field("Nuevo_Codigo");
-  Variant greatest = newest.Value();
-  if (greatest.isNull()) return std::int32_t{1};
-  if (!isNumeric(greatest, locale())) return greatest;
+  return newCode(*objCn);
+}
 
-  const double next = greatest.toDouble(locale()) + 1;
-  const Variant code = greatest.isText() ? Variant(next) : Variant(static_cast<std::int64_t>(next));
-  if (info_.code == CodeForm::kFitsColumn &&
-      text::length(joined(code)) > static_cast<std::size_t>(newest.DefinedSize())) {
-    return greatest;
-  }
-  return code;
+Variant RecordClass::newCode(ConnectionPtr& objCn) const {
+  const RecordsetPtr rows = greatest(info_.codeColumn, objCn);
+  const Field newest = rows->Field(0);
+  const Variant old = newest.Value();
+  Variant next = successor(old);
+  const bool fits = info_.code == CodeForm::kUnchecked ||
+                    text::length(joined(next)) <= static_cast<std::size_t>(newest.DefinedSize());
+  return old.isNull() || fits ? next : old;
+}
+
+Variant RecordClass::nextCode(std::string_view column, std::int32_t digits, ObjCn objCn) const {
+  const Variant old = greatest(column, *objCn)->Field(0).Value();
+  Variant next = successor(old);
+  const bool fits = digits < 1 || text::length(joined(next)) <= static_cast<std::size_t>(digits);
+  return old.isNull() || fits ? next : old;
+}
+
+RecordsetPtr RecordClass::greatest(std::string_view column, ConnectionPtr& objCn) const {
+  return read(Statement(fmt::format("SELECT MAX({}) AS Nuevo_Codigo FROM {}", column, info_.table)),
+              objCn);
+}
+
+Variant RecordClass::successor(const Variant& code) {
+  if (code.isNull()) return std::int32_t{1};
+  if (!isNumeric(code, locale())) return code;
+  const double next = code.toDouble(locale()) + 1;
+  return code.isText() ? Variant(next) : Variant(static_cast<std::int64_t>(next));
 }
 
 bool RecordClass::CodigoLibre(const Variant& vId, ObjCn objCn) const {

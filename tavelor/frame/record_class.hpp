@@ -160,8 +160,14 @@ class RecordClass : public Object {
   /// What the three shapes of IniciaRs do. `cnnActive` is filled when it is empty.
   void openPrimary(std::string& sSelecSql, const Variant& id, ConnectionPtr& cnnActive);
 
+  /// Makes the record set saved in that file the primary one, without a connection. After an error
+  /// the old one is still there.
+  RecordsetPtr openPrimaryFromFile(std::string_view path);
+
   /// The statement of a mode word, which becomes "todos" when the class does not know it.
   virtual Statement modeStatement(std::string& word, const Variant& id) const;
+  /// What NuevoCodigo and AddNew take the next code from.
+  virtual Variant newCode(ConnectionPtr& objCn) const;
   /// Defaults of a new row beside its code. Runs last in AddNew.
   virtual void setDefaults(bool bDefVal);
 
@@ -173,6 +179,10 @@ class RecordClass : public Object {
   RecordsetPtr pageRows(bool bDoclone, std::string_view sSelecSql, bool bFilter);
   /// The record by record form of a page, for the classes that offer it as ToHtml.
   void writeRecordPage(bool bDoclone, std::string_view sSelecSql, bool bFilter);
+  /// The visible columns of a grid as a page with a style of its own, in the user's folder: as
+  /// given, or below the installation's folder when it is relative, or the usual one when it is "".
+  void writeModernPage(std::string_view sPersonalFolder, const GridColumns& clColfields,
+                       bool bDoclone, std::string_view sSelecSql, bool bFilter);
 
   /// Opens a SELECT on `objCn`, filling it when it is empty.
   RecordsetPtr read(const Statement& statement, ObjCn objCn) const;
@@ -193,6 +203,10 @@ class RecordClass : public Object {
   /// Full path of a file in the report folder of the installation.
   static std::string reportFile(std::string_view name);
 
+  /// What NuevoCodigo gives, of any column and for codes whose length is a setting: a sum of more
+  /// than `digits` characters is dropped for the maximum; 0 sets no limit.
+  Variant nextCode(std::string_view column, std::int32_t digits, ObjCn objCn) const;
+
   /// A value as it is joined into a statement: plain printing, Null as nothing.
   static std::string joined(const Variant& value);
   /// `text` with {id} replaced by the value.
@@ -201,6 +215,11 @@ class RecordClass : public Object {
  private:
   class PrimaryEvents;
 
+  void takePrimary(RecordsetPtr rows);
+  void offerPrimary();
+  RecordsetPtr greatest(std::string_view column, ConnectionPtr& objCn) const;
+  /// The code plus 1; 1 for Null, the code itself where it is no number.
+  static Variant successor(const Variant& code);
   void restoreOrder(std::string_view sLlave);
   static void sortBy(Recordset& rows, std::int16_t index, std::string_view mode);
   ConnectionPtr& connection();
