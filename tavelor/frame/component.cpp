@@ -3,12 +3,15 @@
 #include "tavelor/frame/component.hpp"
 
 #include <algorithm>
+#include <optional>
 
 #include <fmt/format.h>
 
 #include "tavelor/frame/controls.hpp"
 #include "tavelor/frame/record_class.hpp"
 #include "tavelor/platform/error.hpp"
+#include "tavelor/platform/locale.hpp"
+#include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/recordset/connection.hpp"
@@ -97,6 +100,22 @@ const std::vector<Member>& frameTail() {
   return slots;
 }
 
+// True, False, a number with a decimal point, or a text between single quotes.
+Variant parseDefault(std::string_view literal) {
+  if (literal.starts_with('\'')) return literal.substr(1, literal.size() - 2);
+  if (literal == "True" || literal == "False") return literal == "True";
+  const std::optional<double> number = parseSqlNumber(literal);
+  if (!number) raise(errors::kTypeMismatch, kSource, fmt::format("{} is no default", literal));
+  return *number;
+}
+
+std::string shownDefault(const Variant& value) {
+  if (value.isEmpty()) return {};
+  if (const bool* flag = value.getIf<bool>()) return *flag ? " = True" : " = False";
+  if (const double* number = value.getIf<double>()) return " = " + sqlNumber(*number);
+  return fmt::format(" = \"{}\"", value.toText(*Locale::neutral()));
+}
+
 template <typename T>
 std::shared_ptr<T> objectIn(const Variant& value, std::string_view wanted) {
   if (value.isEmpty()) return nullptr;
@@ -120,8 +139,8 @@ std::string Member::signature() const {
     line += '(';
     for (const Parameter& p : parameters) {
       if (line.back() != '(') line += ", ";
-      line += fmt::format(fmt::runtime(p.optional ? "[{}{} As {}]" : "{}{} As {}"),
-                          word(p.direction), p.name, p.type);
+      line += fmt::format(fmt::runtime(p.optional ? "[{}{} As {}{}]" : "{}{} As {}{}"),
+                          word(p.direction), p.name, p.type, shownDefault(p.byDefault));
     }
     line += ')';
   }
@@ -155,6 +174,9 @@ Variant Component::call(Object& object, std::string_view name,
           fmt::format("{}.{} was given {} arguments", name_, slot.signature(), arguments.size()));
   }
   arguments.resize(slot.parameters.size());
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    if (arguments[i].isEmpty()) arguments[i] = slot.parameters[i].byDefault;
+  }
   return slot.call(object, arguments);
 }
 
@@ -168,7 +190,12 @@ const Member& frameMember(std::string_view name) {
 }
 
 std::vector<Member> withFrameTail(std::vector<Member> first, std::vector<Member> last) {
-  first.insert(first.end(), frameTail().begin(), frameTail().end());
+  for (const Member& frameSlot : frameTail()) {
+    const auto own = std::find_if(last.begin(), last.end(),
+                                  [&](const Member& slot) { return slot.name == frameSlot.name; });
+    first.push_back(own == last.end() ? frameSlot : std::move(*own));
+    if (own != last.end()) last.erase(own);
+  }
   first.insert(first.end(), last.begin(), last.end());
   return first;
 }
@@ -194,6 +221,10 @@ std::vector<Parameter> parseParameters(std::string_view names, std::vector<std::
     if (entry.starts_with('[') && entry.ends_with(']')) {
       parameter.optional = true;
       entry = entry.substr(1, entry.size() - 2);
+    }
+    if (const std::size_t equals = entry.find(" = "); equals != std::string_view::npos) {
+      parameter.byDefault = parseDefault(entry.substr(equals + 3));
+      entry = entry.substr(0, equals);
     }
     const std::size_t position = parameters.size();
     if (position < byReference.size() && byReference[position]) {

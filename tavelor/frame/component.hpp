@@ -30,6 +30,7 @@ struct Parameter {
       type;  ///< "String", "Variant", "Boolean", "Integer", "Long", "Double", "Connection"...
   Direction direction = Direction::kIn;
   bool optional = false;
+  Variant byDefault = {};  ///< of an optional one; Empty for its type's zero, "" or nothing
 };
 
 /// One slot: a member that can be called with variants.
@@ -81,7 +82,8 @@ class Component {
 /// A frame member of the component table, by name, for the place where a class has it.
 const Member& frameMember(std::string_view name);
 /// A class's slots: its first members, the frame members from EditingRecord on, whose order is the
-/// same in all classes, and what some classes have behind them.
+/// same in all classes, and what some classes have behind them. A member of `last` that bears the
+/// name of a frame member is the class's own version of it and takes its place.
 std::vector<Member> withFrameTail(std::vector<Member> first, std::vector<Member> last = {});
 
 // ---------------------------------------------------------------------------------------------
@@ -253,7 +255,8 @@ Member makeMember(std::string_view name, F function, std::string_view names) {
 }  // namespace detail
 
 /// A slot from a member function. `names` lists its parameters in order: "vId", "out sIban",
-/// "inout sSelecSql", "[objCn]" for an optional one.
+/// "inout sSelecSql", "[objCn]" for an optional one, "[bSumar = True]", "[dCant = 1]" or
+/// "[sAlmacen = '*']" for one that has another default than its type.
 template <typename R, typename Class, typename... P>
 Member member(std::string_view name, R (Class::*function)(P...), std::string_view names = {}) {
   return detail::makeMember<Class, R, decltype(function), P...>(name, function, names);
