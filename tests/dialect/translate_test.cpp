@@ -281,7 +281,7 @@ TEST(Insert, WithoutColumnsGoesByTheNamesOfTheSelect) {
 
 TEST(Insert, FromASelectWithoutTablesIsOneRow) {
   const Plan plan = planOf("INSERT INTO Apuntes (Banco, Importe) SELECT 'a' AS Expr1, '1,5' AS X;");
-  EXPECT_EQ(plan.steps[0].sql, "INSERT INTO Apuntes (Banco, Importe) SELECT ?1, ?2");
+  EXPECT_EQ(plan.steps[0].sql, "INSERT INTO Apuntes (Banco, Importe) VALUES (?1, ?2)");
   EXPECT_EQ(plan.steps[0].parameters[1].conversion, Conversion::kNumberByLocale);
   EXPECT_EQ(plan.steps[0].parameters[1].columnType, ColumnType::kCurrency);
 }
