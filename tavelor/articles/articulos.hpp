@@ -165,7 +165,7 @@ class clsArticulos final : public OpensByWordOnConnection {
     double dPuntos = 0;
     double dMerma = 0;            ///< percent
     std::string sLista;           ///< "" is "PRC"
-    bool mbIsAlbAlmacen = false;  ///< of GetDatos: a purchase at the last cost instead
+    bool mbIsAlbAlmacen = false;  ///< of GetDatos: at the last cost instead
   };
   /// A usable article of the list, for which any stocked one will do too. One that is not found is
   /// looked for by its reference; then `sEmpleado`, `dPuntos` and `dMerma` stay as they came.
@@ -355,6 +355,9 @@ class clsArticulos final : public OpensByWordOnConnection {
   /// `field` of the first row as a flag; false without a row.
   bool flagOf(std::string_view select, std::string_view field, const Variant& vId,
               ObjCn objCn) const;
+  /// Sets one of the totals of a stocked article.
+  void setTotal(std::string_view column, const Variant& vId, const Variant& vCant,
+                ConnectionPtr& cnnActive) const;
   /// Digits of an article's code, as the counters tell them.
   static std::int32_t codeDigits(ConnectionPtr& objCn);
 };

@@ -290,14 +290,14 @@ AggregateParameter<Aggregate> parameter(std::string_view name, T Aggregate::*fie
 /// A slot of a member that takes its parameters, in the order of `parameters`, as one aggregate.
 template <typename Class, typename Aggregate>
 Member member(std::string_view name, void (Class::*function)(Aggregate&) const,
-              std::vector<AggregateParameter<Aggregate>> parameters) {
+              std::vector<AggregateParameter<std::remove_const_t<Aggregate>>> parameters) {
   Member slot;
   slot.name = name;
   for (const auto& each : parameters) slot.parameters.push_back(each.parameter);
   slot.call = [function, parameters](Object& object, std::span<Variant> arguments) {
     auto* typed = dynamic_cast<Class*>(&object);
     if (!typed) detail::raiseWrongObject("record class");
-    Aggregate all{};
+    std::remove_const_t<Aggregate> all{};
     for (std::size_t i = 0; i < arguments.size(); ++i) {
       if (!arguments[i].isEmpty()) parameters[i].read(all, arguments[i]);
     }

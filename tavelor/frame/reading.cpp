@@ -2,6 +2,8 @@
 // Conversions of columns by the apartment's locale.
 #include "tavelor/frame/reading.hpp"
 
+#include <algorithm>
+
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 
@@ -47,6 +49,13 @@ void take(Recordset& rows, std::string_view column, double& to) {
 
 void take(Recordset& rows, std::string_view column, bool& to) {
   takeUnlessNull(rows, column, [&](const Variant& v) { to = v.toBoolean(locale()); });
+}
+
+std::vector<Variant> columnValues(Recordset& rows, std::string_view column) {
+  std::vector<Variant> values;
+  values.reserve(static_cast<std::size_t>(std::max(rows.RecordCount(), 0)));
+  for (; !rows.Eof(); rows.MoveNext()) values.push_back(rows.Field(column).Value());
+  return values;
 }
 
 }  // namespace tavelor

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tavelor {
 
@@ -22,5 +23,8 @@ void take(Recordset& rows, std::string_view column, std::int16_t& to);
 void take(Recordset& rows, std::string_view column, std::int32_t& to);
 void take(Recordset& rows, std::string_view column, double& to);
 void take(Recordset& rows, std::string_view column, bool& to);
+
+/// A column of all rows from the current one on; the set is left at EOF.
+std::vector<Variant> columnValues(Recordset& rows, std::string_view column);
 
 }  // namespace tavelor
