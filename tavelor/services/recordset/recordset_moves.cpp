@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The cursor of a record set.
+#include <algorithm>
 #include <cmath>
 
 #include "tavelor/services/recordset/criteria.hpp"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Writing a record set as XML.
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <functional>
 
