@@ -193,8 +193,12 @@ std::vector<Member> withFrameTail(std::vector<Member> first, std::vector<Member>
   for (const Member& frameSlot : frameTail()) {
     const auto own = std::find_if(last.begin(), last.end(),
                                   [&](const Member& slot) { return slot.name == frameSlot.name; });
-    first.push_back(own == last.end() ? frameSlot : std::move(*own));
-    if (own != last.end()) last.erase(own);
+    if (own == last.end()) {
+      first.push_back(frameSlot);
+    } else {
+      first.push_back(std::move(*own));
+      last.erase(own);
+    }
   }
   first.insert(first.end(), last.begin(), last.end());
   return first;

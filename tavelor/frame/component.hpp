@@ -69,7 +69,7 @@ class Component {
   /// Calls a member by name. Missing optional arguments take their defaults; arguments by reference
   /// are written back, `arguments` growing to hold them. Raises 438 for an unknown member, 450 for
   /// a wrong number of arguments, 13 for one of the wrong type.
-  Variant call(Object& object, std::string_view member, std::vector<Variant>& arguments) const;
+  Variant call(Object& object, std::string_view name, std::vector<Variant>& arguments) const;
 
  private:
   std::string name_;

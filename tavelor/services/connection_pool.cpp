@@ -20,7 +20,7 @@ struct ConnectionPool::Session {
 
 class ConnectionPool::Lease final : public SessionLease {
  public:
-  Lease(std::shared_ptr<ConnectionPool> pool, int selector, std::unique_ptr<Session> session)
+  Lease(const std::shared_ptr<ConnectionPool>& pool, int selector, std::unique_ptr<Session> session)
       : pool_(pool), selector_(selector), session_(std::move(session)) {
     pool->lent_.push_back(this);
   }

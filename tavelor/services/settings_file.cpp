@@ -2,6 +2,7 @@
 // Reads and writes the settings of an installation.
 #include "tavelor/services/settings_file.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <fstream>

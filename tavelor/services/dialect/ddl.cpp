@@ -75,7 +75,7 @@ class DefinitionParser {
     ++token_;
     return std::string(text);
   }
-  [[noreturn]] void fail(std::string complaint) const {
+  [[noreturn]] void fail(const std::string& complaint) const {
     raiseSyntax(list_.text, token_->begin,
                 complaint + " at " + placeText(list_.text, token_->begin));
   }

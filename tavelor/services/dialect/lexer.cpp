@@ -97,7 +97,7 @@ class Lexer {
     return position < text_.size() ? text_[position] : '\0';
   }
 
-  [[noreturn]] void fail(std::size_t offset, std::string complaint) const {
+  [[noreturn]] void fail(std::size_t offset, const std::string& complaint) const {
     raiseSyntax(text_, offset, complaint);
   }
   std::string_view valueText(const Statement::Range& range) const {
@@ -113,7 +113,7 @@ class Lexer {
     const std::string_view value = valueText(range);
     text.append(text::left(value, kShown));
     if (text::length(value) > kShown) text.append("...");
-    fail(range.begin, std::move(text));
+    fail(range.begin, text);
   }
 
   void checkBytes() const {

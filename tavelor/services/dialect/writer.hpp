@@ -64,7 +64,7 @@ class StepText {
   void column(const Expr& column, bool qualified);
   /// "Bancos", "Bancos AS b".
   void source(const Source& source);
-  void join(const Join& join);
+  void join(const Join& tree);
   void expression(const Expr& expr) { expression(expr, 0); }
   void select(const Select& select);
   /// The condition as an operand of AND.

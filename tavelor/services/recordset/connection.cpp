@@ -20,7 +20,7 @@ ConnectionPtr Connection::open(ConnectionSettings settings) {
   if (!settings.lease) raise(errors::kInvalidConnection, kSource, "There is no session");
   auto connection = std::make_shared<Connection>();
   connection->lease_ = std::move(settings.lease);
-  connection->locale_ = settings.locale ? std::move(settings.locale) : Locale::spanish();
+  connection->locale_ = settings.locale ? settings.locale : Locale::spanish();
   connection->connectionString_ = std::move(settings.connectionString);
   connection->trace_ = std::move(settings.trace);
   connection->selector_ = settings.selector;

@@ -62,6 +62,7 @@ std::vector<std::size_t> columnsOfTable(const dialect::Plan& plan) {
 std::vector<engine::ColumnType> typesOf(const dialect::Plan& plan,
                                         const std::vector<std::size_t>& columns) {
   std::vector<engine::ColumnType> types;
+  types.reserve(columns.size());
   for (const std::size_t column : columns) types.push_back(plan.columns[column].type);
   return types;
 }

@@ -124,10 +124,10 @@ std::int32_t RecordsetSchema::typeNumber(std::size_t column) const {
   return declared.empty() ? static_cast<std::int32_t>(columns()[column].type) : declared[column];
 }
 
-RecordsetStore::RecordsetStore(RecordsetSchema schema, std::shared_ptr<const Locale> locale)
+RecordsetStore::RecordsetStore(RecordsetSchema schema, const std::shared_ptr<const Locale>& locale)
     : schema_(std::move(schema)),
       width_(schema_.width()),
-      locale_(locale ? std::move(locale) : Locale::spanish()),
+      locale_(locale ? locale : Locale::spanish()),
       rows_(typesOf(schema_.columns())) {}
 
 RecordsetStore::Row RecordsetStore::append() {

@@ -64,7 +64,7 @@ class RecordsetStore {
   static constexpr std::uint8_t kDead = 4;  ///< gone for good: deletion written, or addition undone
   static constexpr std::uint8_t kDraft = 8;  ///< being added by one of the sets, not posted yet
 
-  RecordsetStore(RecordsetSchema schema, std::shared_ptr<const Locale> locale);
+  RecordsetStore(RecordsetSchema schema, const std::shared_ptr<const Locale>& locale);
 
   const RecordsetSchema& schema() const { return schema_; }
   const std::vector<dialect::OutputColumn>& columns() const { return schema_.columns(); }

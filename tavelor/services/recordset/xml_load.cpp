@@ -33,12 +33,12 @@ class XmlReader {
   }
 
   RecordsetSchema readSchema(const pugi::xml_node& elementType);
-  void readField(const pugi::xml_node& attributeType, dialect::Plan& plan,
+  void readField(const pugi::xml_node& node, dialect::Plan& plan,
                  std::vector<std::int32_t>& declared);
-  DataType readType(const pugi::xml_node& attributeType, const pugi::xml_node& datatype) const;
+  DataType readType(const pugi::xml_node& node, const pugi::xml_node& datatype) const;
   void readRows(const pugi::xml_node& data);
   void readUpdates(const pugi::xml_node& update);
-  Row readBase(const pugi::xml_node& row);
+  Row readBase(const pugi::xml_node& node);
   std::vector<WrittenCell> readCells(const pugi::xml_node& row) const;
   std::vector<WrittenCell> readChanged(const pugi::xml_node& row) const;
   void edit(Row row, Operation operation, std::vector<WrittenCell> cells);

@@ -74,7 +74,7 @@ int waitForOther(void* shared, int calls) {
   }
   if (database.waitsForItself) return 0;
   const auto left = database.waitSince + milliseconds(database.busyTimeoutMs) - now;
-  if (left <= left.zero()) return 0;
+  if (left <= steady_clock::duration::zero()) return 0;
   const auto step = std::min(static_cast<std::size_t>(calls), kPauses.size() - 1);
   std::this_thread::sleep_for(std::min<steady_clock::duration>(milliseconds(kPauses[step]), left));
   return 1;
