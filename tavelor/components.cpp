@@ -4,6 +4,9 @@
 
 #include <fmt/format.h>
 
+#include "tavelor/articles/articulos_almacenes.hpp"
+#include "tavelor/articles/articulos_lotes.hpp"
+#include "tavelor/articles/articulos_mov_almacen.hpp"
 #include "tavelor/frame/component.hpp"
 #include "tavelor/numbering/numeradores.hpp"
 #include "tavelor/platform/error.hpp"
@@ -49,6 +52,10 @@ const std::vector<const Component*>& components() {
       &ClsContactos::component(),
       // numbering
       &clsNumeradores::component(),
+      // articles
+      &ClsArticulosAlmacenes::component(),
+      &ClsArticulosLotes::component(),
+      &ClsArticulosMovAlmacen::component(),
   };
   // clang-format on
   return all;

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+// Rows that a grid holds back until they are stored together.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace tavelor {
+
+class Recordset;
+class Variant;
+
+/// What stands in the key column of a row that was added and not stored yet.
+inline constexpr std::int32_t kUnstoredId = -1;
+
+/// Gives the rows whose ID is kUnstoredId the code `vId` and their keys, consecutive from `next`
+/// on, and posts them; they stay pending. The set must have rows, and stands on the first one
+/// afterwards. After an error the rows before the failing one have their keys.
+void numberNewRows(Recordset& rows, const Variant& next, const Variant& vId,
+                   std::string_view codeColumn = "Código");
+
+/// Gives the current row the code `vId` and posts it.
+void keyCurrentRow(Recordset& rows, const Variant& vId, std::string_view codeColumn = "Código");
+
+}  // namespace tavelor
