@@ -95,6 +95,32 @@ TEST_F(Batch, AnAmountOfMoreThanFourDecimalsInTheDatabaseIsNoConflict) {
   EXPECT_EQ(scalar("SELECT Saldo FROM Bancos WHERE Codigo = '001'"), "11");
 }
 
+TEST_F(Batch, AFlagThatAnotherProgramStoredAsOneIsNoConflict) {
+  lease->session().execute("UPDATE Bancos SET Activo = 1 WHERE Codigo = '001'");
+  const auto set = openBanks();
+  EXPECT_EQ(set->Field("Activo").Value(), Variant(true));
+  set->Field("Activo").Value(false);
+  set->UpdateBatch();
+  EXPECT_EQ(scalar("SELECT Activo FROM Bancos WHERE Codigo = '001'"), "False");
+}
+
+TEST_F(Batch, RowsOfATableWithoutAKeyAreFoundByTheirPlace) {
+  run("INSERT INTO Notas (Texto) VALUES ('igual')");
+  run("INSERT INTO Notas (Texto) VALUES ('igual')");
+  const auto set = open("SELECT Texto, Numero FROM Notas");
+  EXPECT_EQ(set->Fields().Count(), 2);
+  set->MoveLast();
+  set->Field("Texto").Value("otro");
+  set->AddNew({"Texto"}, {"nuevo"});
+  set->UpdateBatch();
+  EXPECT_EQ(textAt(*set, "Numero"), "5");
+  set->Field("Texto").Value("nuevo 2");
+  set->MoveFirst();
+  set->Delete();
+  set->UpdateBatch();
+  EXPECT_THAT(column(*open("SELECT Texto FROM Notas"), "Texto"), ElementsAre("otro", "nuevo 2"));
+}
+
 // ---- Adding
 
 TEST_F(Batch, InsertSendsOnlyAssignedFieldsAndBringsStoredValuesBack) {

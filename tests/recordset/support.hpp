@@ -33,6 +33,7 @@ CREATE TABLE Bancos (Codigo TEXT(10) NOT NULL, Descripcion TEXT(40), Saldo CURRE
   Ratio DOUBLE, PRIMARY KEY (Codigo));
 CREATE TABLE Lineas (Id COUNTER, Ticket LONG NOT NULL,
   Texto TEXT(20), Cantidad LONG DEFAULT 1, PRIMARY KEY (Id));
+CREATE TABLE Notas (Texto TEXT(20), Numero LONG DEFAULT 5);
 )";
 
 /// Lends one session for the length of a test.

@@ -81,15 +81,22 @@ bool Program::matchesBase(const RecordsetStore& store, Row row) const {
 void Program::select(const RecordsetStore& store, std::uint8_t without,
                      std::vector<Row>& rows) const {
   const auto count = static_cast<Row>(store.rows().rows());
-  if (!store.anyFlags()) {
+  // Each row is written down and kept or not by the count alone: whether it fits can't be guessed,
+  // and a wrong guess of the processor costs more than the write.
+  std::size_t kept = rows.size();
+  rows.resize(kept + count);
+  const auto keepIf = [&](Row row, bool fits) {
+    rows[kept] = row;
+    kept += fits ? 1U : 0U;
+  };
+  if (store.anyFlags()) {
     for (Row row = 0; row < count; ++row) {
-      if (run(clauses_, store, store.rows(), row)) rows.push_back(row);
+      keepIf(row, (store.flags(row) & without) == 0 && matches(store, row));
     }
-    return;
+  } else {
+    for (Row row = 0; row < count; ++row) keepIf(row, run(clauses_, store, store.rows(), row));
   }
-  for (Row row = 0; row < count; ++row) {
-    if ((store.flags(row) & without) == 0 && matches(store, row)) rows.push_back(row);
-  }
+  rows.resize(kept);
 }
 
 bool Program::uses(std::size_t column) const {

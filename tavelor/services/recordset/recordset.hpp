@@ -196,6 +196,7 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   friend class tavelor::Field;
   friend class tavelor::Fields;
   friend class BatchWriter;
+  friend class RowReader;
   friend class XmlWriter;
 
   using Row = std::uint32_t;

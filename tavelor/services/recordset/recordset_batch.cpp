@@ -224,6 +224,10 @@ void BatchWriter::appendOriginal(Row row, std::size_t column) {
     case engine::Value::Kind::kNull:
       sql_ += " IS NULL";
       return;
+    case engine::Value::Kind::kBoolean:
+      // True is -1 here; another program may have stored any number but 0.
+      sql_ += original.integer != 0 ? "<>0" : "=0";
+      return;
     case engine::Value::Kind::kCurrency: {
       // Another program may have stored the amount with more decimals than were read.
       constexpr double kHalfUnit = 0.00005;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <span>
 
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/text.hpp"
@@ -36,8 +37,7 @@ Storage storageOf(ColumnType type) {
   }
 }
 
-// A number whose unsigned order is the order of the values. Equal numbers say nothing about texts
-// beyond their first eight bytes, nor about Null against the smallest value: the cells decide then.
+// Numbers whose unsigned order is the order of the values.
 
 std::uint64_t keyOf(std::int64_t value) {
   return static_cast<std::uint64_t>(value) ^ kSignBit;
@@ -48,24 +48,23 @@ std::uint64_t keyOf(double value) {
   return (bits & kSignBit) != 0 ? ~bits : bits | kSignBit;
 }
 
+constexpr std::size_t kKeyBytes = 7;
+
+/// Seven bytes of a text, and below them how many there were; one more than seven when the text
+/// goes on behind them.
 std::uint64_t keyOf(std::string_view text) {
   std::uint64_t key = 0;
-  std::memcpy(&key, text.data(), std::min<std::size_t>(text.size(), sizeof key));
-  return __builtin_bswap64(key);
+  std::memcpy(&key, text.data(), std::min(text.size(), kKeyBytes));
+  return __builtin_bswap64(key) | std::min(text.size(), kKeyBytes + 1);
+}
+bool goesOn(std::uint64_t key) {
+  return (key & 0xFF) > kKeyBytes;
 }
 
-template <typename Cells>
-std::uint64_t keyOfCell(const Cells& cells, Row row, std::size_t column, Storage storage) {
-  if (cells.isNull(row, column)) return 0;
-  switch (storage) {
-    case Storage::kInteger:
-      return keyOf(cells.integer(row, column));
-    case Storage::kReal:
-      return keyOf(cells.real(row, column));
-    case Storage::kText:
-      return keyOf(cells.text(row, column));
-  }
-  return 0;
+std::size_t commonPrefix(std::string_view a, std::string_view b) {
+  const auto end = std::mismatch(
+      a.begin(), a.begin() + static_cast<std::ptrdiff_t>(std::min(a.size(), b.size())), b.begin());
+  return static_cast<std::size_t>(end.first - a.begin());
 }
 
 template <typename A, typename B>
@@ -128,6 +127,121 @@ SortKey parseKey(std::string_view term, const RecordsetSchema& schema) {
   return {static_cast<std::uint32_t>(schema.require(name, kSource)), descending};
 }
 
+/// Sorts by keys of eight bytes that lie side by side, and looks at the rows again only where keys
+/// are equal: at the next seven bytes of their texts, then at the next field.
+class Sorter {
+ public:
+  Sorter(const RecordsetStore& store, const std::vector<SortKey>& order)
+      : store_(store), order_(order) {}
+
+  void sort(std::vector<Row>& rows) const {
+    std::vector<Entry> entries;
+    entries.reserve(rows.size());
+    for (const Row row : rows) entries.push_back({0, {}, row});
+    sortByField(entries, 0);
+    for (std::size_t i = 0; i < rows.size(); ++i) rows[i] = entries[i].row;
+  }
+
+ private:
+  struct Entry {
+    std::uint64_t key;
+    std::string_view text;
+    Row row;
+  };
+  using Entries = std::span<Entry>;
+
+  /// Of rows that are equal in the fields before `field`.
+  void sortByField(Entries entries, std::size_t field) const {
+    if (field == order_.size()) return sortByRow(entries);
+    const std::size_t column = order_[field].column;
+    const Storage storage = storageOf(store_.columns()[column].type);
+    std::size_t nulls = 0;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+      const bool isNull = withCells(store_, entries[i].row, [&](const auto& cells) {
+        return take(cells, column, storage, entries[i]);
+      });
+      if (isNull) std::swap(entries[i], entries[nulls++]);
+    }
+    const Entries values = entries.subspan(nulls);
+    if (storage == Storage::kText) {
+      sortByText(values, field, 0);
+    } else {
+      sortByKey(values, field);
+      eachTie(values, [&](Entries tie) { sortByField(tie, field + 1); });
+    }
+    sortByField(entries.first(nulls), field + 1);
+    if (order_[field].descending) {
+      std::rotate(entries.begin(), entries.begin() + static_cast<std::ptrdiff_t>(nulls),
+                  entries.end());
+    }
+  }
+
+  /// Reads a cell into its entry; true for Null.
+  template <typename Cells>
+  static bool take(const Cells& cells, std::size_t column, Storage storage, Entry& entry) {
+    if (cells.isNull(entry.row, column)) return true;
+    switch (storage) {
+      case Storage::kInteger:
+        entry.key = keyOf(cells.integer(entry.row, column));
+        break;
+      case Storage::kReal:
+        entry.key = keyOf(cells.real(entry.row, column));
+        break;
+      case Storage::kText:
+        entry.text = cells.text(entry.row, column);
+        break;
+    }
+    return false;
+  }
+
+  /// Of texts whose first `same` bytes are equal.
+  void sortByText(Entries entries, std::size_t field, std::size_t same) const {
+    if (entries.empty()) return;
+    const std::string_view first = entries.front().text;
+    std::size_t common = first.size();
+    for (const Entry& entry : entries) {
+      common = std::min(
+          common, same + commonPrefix(first.substr(same, common - same), entry.text.substr(same)));
+    }
+    for (Entry& entry : entries) entry.key = keyOf(entry.text.substr(common));
+    sortByKey(entries, field);
+    eachTie(entries, [&](Entries tie) {
+      const std::uint64_t flipped = tie.front().key;
+      if (goesOn(order_[field].descending ? ~flipped : flipped)) {
+        sortByText(tie, field, common + kKeyBytes);
+      } else {
+        sortByField(tie, field + 1);
+      }
+    });
+  }
+
+  void sortByKey(Entries entries, std::size_t field) const {
+    if (order_[field].descending) {
+      for (Entry& entry : entries) entry.key = ~entry.key;
+    }
+    std::sort(entries.begin(), entries.end(),
+              [](const Entry& a, const Entry& b) { return a.key < b.key; });
+  }
+
+  static void sortByRow(Entries entries) {
+    std::sort(entries.begin(), entries.end(),
+              [](const Entry& a, const Entry& b) { return a.row < b.row; });
+  }
+
+  template <typename Work>
+  static void eachTie(Entries entries, Work work) {
+    for (std::size_t begin = 0; begin < entries.size();) {
+      std::size_t end = begin + 1;
+      while (end < entries.size() && entries[end].key == entries[begin].key) ++end;
+      if (end - begin > 1) work(entries.subspan(begin, end - begin));
+      begin = end;
+    }
+  }
+
+  const RecordsetStore& store_;
+  const std::vector<SortKey>& order_;
+};
+
 }  // namespace
 
 std::vector<SortKey> parseOrder(std::string_view order, const RecordsetSchema& schema) {
@@ -154,24 +268,7 @@ bool comesBefore(const RecordsetStore& store, const std::vector<SortKey>& order,
 void sortRows(const RecordsetStore& store, const std::vector<SortKey>& order,
               std::vector<Row>& rows) {
   if (order.empty()) return;
-  struct Entry {
-    std::uint64_t key;
-    Row row;
-  };
-  const std::size_t column = order.front().column;
-  const Storage storage = storageOf(store.columns()[column].type);
-  const std::uint64_t flip = order.front().descending ? ~std::uint64_t{0} : 0;
-  std::vector<Entry> entries;
-  entries.reserve(rows.size());
-  for (const Row row : rows) {
-    const std::uint64_t key = withCells(
-        store, row, [&](const auto& cells) { return keyOfCell(cells, row, column, storage); });
-    entries.push_back({key ^ flip, row});
-  }
-  std::sort(entries.begin(), entries.end(), [&](const Entry& a, const Entry& b) {
-    return a.key != b.key ? a.key < b.key : comesBefore(store, order, a.row, b.row);
-  });
-  for (std::size_t i = 0; i < rows.size(); ++i) rows[i] = entries[i].row;
+  Sorter(store, order).sort(rows);
 }
 
 }  // namespace tavelor
