@@ -1,23 +1,156 @@
 // SPDX-License-Identifier: MIT
 // A class's rows as a page that the application shows or prints.
+#include <algorithm>
+#include <filesystem>
 #include <string>
+#include <vector>
 
 #include "tavelor/frame/controls.hpp"
 #include "tavelor/frame/page.hpp"
 #include "tavelor/frame/record_class.hpp"
 #include "tavelor/platform/format.hpp"
+#include "tavelor/platform/locale.hpp"
+#include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/clock.hpp"
 #include "tavelor/services/installation.hpp"
 #include "tavelor/services/paths_service.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
+#include "tavelor/services/recordset/row_reader.hpp"
 
 namespace tavelor {
 
 namespace {
 
 constexpr std::string_view kStoredFilter = "Filter";
+
+std::string pageFile(std::string_view word) {
+  return std::string(word) + ".htm";
+}
+
+// ---------------------------------------------------------------------------------------------
+// Rows
+
+/// What opens a cell, by the alignment of its grid column.
+struct CellMarks {
+  std::string_view right;
+  std::string_view left;
+  std::string_view centre;
+
+  std::string_view of(const GridColumn& column) const {
+    constexpr std::int32_t kRight = 1;
+    constexpr std::int32_t kLeft = 3;
+    if (column.alignment == kRight) return right;
+    return column.alignment == kLeft ? left : centre;
+  }
+};
+
+/// A column that the page shows. Columns of the grid and fields of the record set are taken to
+/// stand at the same positions.
+struct ShownColumn {
+  std::int32_t field;
+  std::string caption;
+  std::string_view cell;
+};
+
+std::vector<ShownColumn> shownColumns(const GridColumns& grid, const CellMarks& marks) {
+  std::vector<ShownColumn> columns;
+  for (std::int32_t i = 0; i < grid.Count(); ++i) {
+    GridColumn column = grid.Item(i);
+    if (column.visible) columns.push_back({i, std::move(column.caption), marks.of(column)});
+  }
+  return columns;
+}
+
+/// A value as it is, with no escaping: a shop may keep markup in its texts. Null and pictures show
+/// nothing.
+void writeValue(Page& page, const Variant& value, const Locale& locale) {
+  if (const auto* text = value.getIf<std::string>()) {
+    page << *text;
+  } else if (!value.isNull() && value.type() != VariantType::kBytes) {
+    page << value.toText(locale);
+  }
+}
+
+/// The same of a cell where it lies. False for the rarer types, which go by their Variant.
+bool writeCell(Page& page, const RowReader& row, std::size_t column, const Locale& locale) {
+  if (row.isNull(column)) return true;
+  switch (row.type(column)) {
+    case engine::ColumnType::kText:
+    case engine::ColumnType::kMemo:
+      page << row.text(column);
+      return true;
+    case engine::ColumnType::kByte:
+    case engine::ColumnType::kInt16:
+    case engine::ColumnType::kInt32:
+      page.number(row.integer(column));
+      return true;
+    case engine::ColumnType::kBoolean:
+      page << (row.integer(column) != 0 ? locale.trueText : locale.falseText);
+      return true;
+    case engine::ColumnType::kDouble:
+      page << plainNumber(row.real(column), locale);
+      return true;
+    default:
+      return false;
+  }
+}
+
+/// Calls `work` on each row; gives their number. The set is left at EOF.
+template <typename Work>
+std::size_t forEachRow(Recordset& rows, Work&& work) {
+  std::size_t count = 0;
+  if (!(rows.Bof() && rows.Eof())) rows.MoveFirst();
+  for (; !rows.Eof(); rows.MoveNext()) {
+    ++count;
+    work();
+  }
+  return count;
+}
+
+/// What stands around the rows and the cells of a grid's page.
+struct RowMarks {
+  std::string_view open;
+  std::string_view cellEnd;
+  std::string_view close;
+};
+
+/// What stands before each value of a row and behind the last: all that a row has beside its
+/// values, joined once for all rows.
+std::vector<std::string> textsBetween(const std::vector<ShownColumn>& columns,
+                                      const RowMarks& marks) {
+  std::vector<std::string> texts;
+  std::string text(marks.open);
+  for (const ShownColumn& column : columns) {
+    texts.push_back(text.append(column.cell));
+    text = marks.cellEnd;
+  }
+  texts.push_back(text.append(marks.close));
+  return texts;
+}
+
+std::size_t writeRows(Page& page, Recordset& rows, const std::vector<ShownColumn>& columns,
+                      const RowMarks& marks, const Locale& locale) {
+  const std::vector<std::string> between = textsBetween(columns, marks);
+  std::vector<Field> fields;
+  RowReader row(rows);
+  return forEachRow(rows, [&] {
+    if (fields.empty()) {
+      for (const ShownColumn& column : columns) fields.push_back(rows.Field(column.field));
+    }
+    const bool asStored = row.take();
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      page.ascii(between[i]);
+      if (asStored && writeCell(page, row, fields[i].column(), locale)) continue;
+      writeValue(page, fields[i].Value(), locale);
+    }
+    page.ascii(between.back());
+  });
+}
+
+// ---------------------------------------------------------------------------------------------
+// The plain pages
 
 void writeHead(Page& page, std::string_view product, std::string_view word) {
   page.line("<HTML>");
@@ -41,29 +174,80 @@ void writeFoot(Page& page, std::size_t rows, std::string_view moment) {
   page.line("</HTML>");
 }
 
-std::string_view cellOf(std::int32_t alignment) {
-  switch (alignment) {
-    case 1:
-      return "        <TD align=right><FONT Size=1>";
-    case 3:
-      return "        <TD align=left><FONT Size=1>";
-    default:
-      return "        <TD align=center><FONT Size=1>";
-  }
+// Tags close in the order in which they opened, and the first cell follows its row on one line:
+// browsers show it well, and pages are compared by the byte.
+constexpr CellMarks kPlainCells = {"        <TD align=right><FONT Size=1>",
+                                   "        <TD align=left><FONT Size=1>",
+                                   "        <TD align=center><FONT Size=1>"};
+constexpr RowMarks kPlainRows = {"    <TR>", "</TD></FONT>\r\n", "</TR>\r\n"};
+
+// ---------------------------------------------------------------------------------------------
+// The modern page
+
+constexpr std::string_view kModernHead[] = {
+    "<style type='text/css'>",
+    "body { background-color:#f8f9fa; color:#333; font-family:Verdana, Geneva, Tahoma, sans-serif; "
+    "margin:20px; }",
+    "h1 { font-size:20px; color:#2a4d7a; text-align:center; }",
+    "hr { border:none; height:2px; background-color:#2a4d7a; margin-bottom:20px; }",
+    "table { width:100%; border-collapse:collapse; background:white; box-shadow:0 0 6px "
+    "rgba(0,0,0,0.1); }",
+    "th { background-color:#4b8bc9; color:white; padding:6px; font-size:11px; border:1px solid "
+    "#ccc; text-transform:uppercase; letter-spacing:0.5px; }",
+    "td { font-size:11px; padding:5px 6px; border:1px solid #ddd; }",
+    "tr:nth-child(even) { background-color:#f2f6fa; }",
+    "tr:hover { background-color:#e0ebf7; }",
+    ".footer { font-size:11px; color:#555; text-align:right; margin-top:10px; }",
+    "</style>",
+    "</head>",
+    "<body>",
+};
+
+constexpr CellMarks kModernCells = {"    <td align='right'>", "    <td align='left'>",
+                                    "    <td align='center'>"};
+constexpr RowMarks kModernRows = {"  <tr>\r\n", "</td>\r\n", "  </tr>\r\n"};
+
+void writeModernHead(Page& page, std::string_view product, std::string_view word) {
+  page.line("<!DOCTYPE html>");
+  page.line("<html lang='es'>");
+  page.line("<head>");
+  page.line("<meta http-equiv='X-UA-Compatible' content='IE=edge'>");
+  page.line("<meta http-equiv='Content-Type' content='text/html; charset=iso-8859-1'>");
+  page << "<title>" << product << " - " << word;
+  page.line("</title>");
+  for (const std::string_view entry : kModernHead) page.line(entry);
+  page << "<h1>Listado de " << word;
+  page.line("</h1>");
+  page.line("<hr>");
 }
 
-std::string shown(const Variant& value, const Locale& locale) {
-  return value.isNull() ? std::string() : value.toText(locale);
+void writeModernFoot(Page& page, std::size_t rows, std::string_view moment) {
+  page.line("</table>");
+  page << "<p class='footer'>" << std::to_string(rows) << " registros · Generado el " << moment;
+  page.line("</p>");
+  page.line("</body>");
+  page.line("</html>");
+}
+
+/// Where a user's own page lies: in his folder, relative to the installation's unless it is
+/// absolute; without one where the class's page lies.
+std::string personalFile(std::string_view folder, std::string_view word) {
+  if (folder.empty()) return PathsService().HtmlFile(pageFile(word));
+  std::string given(folder);
+  std::replace(given.begin(), given.end(), '\\', '/');
+  return (Apartment::current().installation().folder() / given / pageFile(word)).string();
 }
 
 }  // namespace
+
+// ---------------------------------------------------------------------------------------------
 
 std::string RecordClass::reportFile(std::string_view name) {
   return (Apartment::current().installation().reportFolder() / name).string();
 }
 
 std::string RecordClass::GetHtmlFile() const {
-  return reportFile(std::string(info_.word) + ".htm");
+  return reportFile(pageFile(info_.word));
 }
 
 RecordsetPtr RecordClass::pageRows(bool bDoclone, std::string_view sSelecSql, bool bFilter) {
@@ -90,39 +274,21 @@ void RecordClass::ToHtmlGrid(const GridColumns& clColfields, bool bDoclone,
 
   Apartment& apartment = Apartment::current();
   const Locale& locale = apartment.locale();
-  Page page(PathsService().HtmlFile(std::string(info_.word) + ".htm"));
+  Page page(PathsService().HtmlFile(pageFile(info_.word)));
   writeHead(page, apartment.version().product, info_.word);
   page << "<H1><font size=4>Listado de " << info_.word;
   page.line("</Font></H1><hr size=2 noshade><Br>");
   page.line("<TABLE WIDTH=100% CELLPADDING=1 CELLSPACING=1 BGCOLOR=white BORDER=1>");
 
-  // Columns of the grid and fields of the record set are taken to stand at the same positions.
-  struct Shown {
-    std::int32_t field;
-    std::string_view cell;
-  };
-  std::vector<Shown> columns;
+  const std::vector<ShownColumn> columns = shownColumns(clColfields, kPlainCells);
   page.line("    <TR>");
-  for (std::int32_t i = 0; i < clColfields.Count(); ++i) {
-    const GridColumn column = clColfields.Item(i);
-    if (!column.visible) continue;
-    columns.push_back({i, cellOf(column.alignment)});
+  for (const ShownColumn& column : columns) {
     page << "        <TH bgcolor=Silver ><FONT Size=1>" << text::upper(column.caption);
     page.line("</TH></FONT>");
   }
   page.line("    </TR>");
 
-  std::size_t count = 0;
-  if (!(rows->Bof() && rows->Eof())) rows->MoveFirst();
-  for (; !rows->Eof(); rows->MoveNext()) {
-    ++count;
-    page << "    <TR>";
-    for (const Shown& column : columns) {
-      page << column.cell << shown(rows->Field(column.field).Value(), locale);
-      page.line("</TD></FONT>");
-    }
-    page.line("</TR>");
-  }
+  const std::size_t count = writeRows(page, *rows, columns, kPlainRows, locale);
   writeFoot(page, count, Variant(apartment.clock().now()).toText(locale));
   page.finish();
 }
@@ -133,7 +299,7 @@ void RecordClass::writeRecordPage(bool bDoclone, std::string_view sSelecSql, boo
 
   Apartment& apartment = Apartment::current();
   const Locale& locale = apartment.locale();
-  Page page(PathsService().HtmlFile(std::string(info_.word) + ".htm"));
+  Page page(PathsService().HtmlFile(pageFile(info_.word)));
   writeHead(page, apartment.version().product, info_.word);
   page << "<H1><font size=4>" << info_.word;
   page.line("</Font></H1><hr size=0 noshade><Br>");
@@ -141,22 +307,44 @@ void RecordClass::writeRecordPage(bool bDoclone, std::string_view sSelecSql, boo
       "<table border='1'; cellpadding='5'; cellspacing='5';width='50' bgcolor = '#FFFFFF'; "
       "bordercolordark = '#C5C5C5' >");
 
-  std::size_t count = 0;
   const std::int32_t fields = rows->Fields().Count();
-  if (!(rows->Bof() && rows->Eof())) rows->MoveFirst();
-  for (; !rows->Eof(); rows->MoveNext()) {
-    ++count;
+  const std::size_t count = forEachRow(*rows, [&] {
     for (std::int32_t i = 0; i < fields; ++i) {
       const Field field = rows->Field(i);
       page.line("    <TR>");
       page << "        <th align='Right'; bgcolor='Silver'><FONT Size=1>" << field.Name();
       page.line("</FONT></th>");
-      page << "        <td><font size=1>" << shown(field.Value(), locale);
+      page << "        <td><font size=1>";
+      writeValue(page, field.Value(), locale);
       page.line("    </TD></FONT>");
       page.line("    </TR>");
     }
-  }
+  });
   writeFoot(page, count, format(apartment.clock().now(), "Long Date", locale));
+  page.finish();
+}
+
+void RecordClass::writeModernPage(std::string_view sPersonalFolder, const GridColumns& clColfields,
+                                  bool bDoclone, std::string_view sSelecSql, bool bFilter) {
+  const RecordsetPtr rows = pageRows(bDoclone, sSelecSql, bFilter);
+  if (!rows) return;
+
+  Apartment& apartment = Apartment::current();
+  const Locale& locale = apartment.locale();
+  Page page(personalFile(sPersonalFolder, info_.word));
+  writeModernHead(page, apartment.version().product, info_.word);
+
+  const std::vector<ShownColumn> columns = shownColumns(clColfields, kModernCells);
+  page.line("<table>");
+  page.line("  <tr>");
+  for (const ShownColumn& column : columns) {
+    page << "    <th>" << column.caption;
+    page.line("</th>");
+  }
+  page.line("  </tr>");
+
+  const std::size_t count = writeRows(page, *rows, columns, kModernRows, locale);
+  writeModernFoot(page, count, format(apartment.clock().now(), "dd/mm/yyyy hh:nn:ss", locale));
   page.finish();
 }
 

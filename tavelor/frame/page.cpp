@@ -4,20 +4,21 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
+#include <charconv>
+#include <cstdint>
 #include <cstring>
-#include <system_error>
 
 #include <fmt/format.h>
 #include <unistd.h>
 
 #include "tavelor/platform/error.hpp"
+#include "tavelor/platform/utf8.hpp"
 
 namespace tavelor {
 
 namespace {
-
-constexpr std::size_t kBuffer = 256 * 1024;
 
 // windows-1252 from 0x80 to 0x9F; 0 where it has no character.
 constexpr std::array<char32_t, 32> kUpper = {
@@ -25,98 +26,115 @@ constexpr std::array<char32_t, 32> kUpper = {
     0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
 
-bool isAscii(char c) {
-  return static_cast<unsigned char>(c) < 0x80;
+// Room that one character takes at most: "&#1114111;".
+constexpr std::size_t kLongestReference = 10;
+// "-9223372036854775808".
+constexpr std::size_t kLongestNumber = 20;
+
+template <typename Word>
+Word load(const char* from) {
+  Word word;
+  std::memcpy(&word, from, sizeof word);
+  return word;
 }
 
-// One character of a UTF-8 text; a byte that is none counts as itself. Moves `text` on.
-char32_t takeCharacter(std::string_view& text) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const auto follows = [&](std::size_t count) {
-    if (text.size() <= count) return false;
-    for (std::size_t i = 1; i <= count; ++i) {
-      if ((byte(i) & 0xC0U) != 0x80) return false;
-    }
-    return true;
-  };
-  char32_t character = byte(0);
-  std::size_t length = 1;
-  if ((byte(0) & 0xE0U) == 0xC0 && follows(1)) {
-    character = (byte(0) & 0x1FU) << 6U | (byte(1) & 0x3FU);
-    length = 2;
-  } else if ((byte(0) & 0xF0U) == 0xE0 && follows(2)) {
-    character = (byte(0) & 0x0FU) << 12U | (byte(1) & 0x3FU) << 6U | (byte(2) & 0x3FU);
-    length = 3;
-  } else if ((byte(0) & 0xF8U) == 0xF0 && follows(3)) {
-    character = (byte(0) & 0x07U) << 18U | (byte(1) & 0x3FU) << 12U | (byte(2) & 0x3FU) << 6U |
-                (byte(3) & 0x3FU);
-    length = 4;
-  }
-  text.remove_prefix(length);
-  return character;
-}
-
-void appendEncoded(std::string& to, char32_t character) {
-  if (character < 0x80 || (character >= 0xA0 && character <= 0xFF)) {
-    to += static_cast<char>(static_cast<unsigned char>(character));
-    return;
-  }
-  const auto* const place = std::find(kUpper.begin(), kUpper.end(), character);
-  if (place != kUpper.end()) {
-    to += static_cast<char>(static_cast<unsigned char>(0x80 + (place - kUpper.begin())));
-  } else {
-    to += fmt::format("&#{};", static_cast<std::uint32_t>(character));
-  }
+template <typename Word>
+bool isAsciiWord(Word word) {
+  return (word & static_cast<Word>(utf8::kHighBits)) == 0;
 }
 
 }  // namespace
 
-Page::Page(std::filesystem::path path) : path_(std::move(path)), draft_(path_) {
-  draft_ += fmt::format(".{}.tmp", ::getpid());
+Page::Page(std::filesystem::path path)
+    : path_(std::move(path)),
+      draft_(path_),
+      buffer_(std::make_unique<char[]>(kBuffer)),
+      next_(buffer_.get()) {
+  // Two threads may write the same page, each for its own apartment.
+  static std::atomic<std::uint32_t> drafts{0};
+  draft_ += fmt::format(".{}-{}.tmp", ::getpid(), drafts++);
   file_.reset(std::fopen(draft_.c_str(), "wb"));
   if (!file_) fail("cannot be made");
   std::setvbuf(file_.get(), nullptr, _IONBF, 0);
-  buffer_.reserve(kBuffer + kBuffer / 4);
 }
 
 Page::~Page() {
   if (!file_) return;
   file_.reset();
-  std::error_code ignored;
-  std::filesystem::remove(draft_, ignored);
+  std::remove(draft_.c_str());
 }
 
-Page& Page::operator<<(std::string_view utf8) {
-  while (!utf8.empty()) {
-    const auto* const odd = std::find_if_not(utf8.begin(), utf8.end(), isAscii);
-    const auto plain = static_cast<std::size_t>(odd - utf8.begin());
-    buffer_.append(utf8.data(), plain);
-    utf8.remove_prefix(plain);
-    if (!utf8.empty()) appendEncoded(buffer_, takeCharacter(utf8));
+// Most text is ASCII through and through, so it is copied a word at a time.
+Page& Page::operator<<(std::string_view text) {
+  const char* from = text.data();
+  const char* const end = from + text.size();
+  while (from != end) {
+    if (room() < kLongestReference) flush();
+    const auto left = static_cast<std::size_t>(end - from);
+    if (left >= sizeof(std::uint64_t)) {
+      const auto word = load<std::uint64_t>(from);
+      if (isAsciiWord(word)) {
+        std::memcpy(next_, &word, sizeof word);
+        from += sizeof word;
+        next_ += sizeof word;
+        continue;
+      }
+    } else if (left >= sizeof(std::uint32_t)) {
+      // The two halves of what is left, which may overlap.
+      const auto first = load<std::uint32_t>(from);
+      const auto last = load<std::uint32_t>(end - sizeof(std::uint32_t));
+      if (isAsciiWord(first | last)) {
+        std::memcpy(next_, &first, sizeof first);
+        next_ += left;
+        std::memcpy(next_ - sizeof last, &last, sizeof last);
+        return *this;
+      }
+    }
+    if (utf8::isAscii(*from)) {
+      *next_++ = *from++;
+      continue;
+    }
+    const utf8::Character odd = utf8::decode({from, left}, 0);
+    encode(odd.code);
+    from += odd.size;
   }
-  if (buffer_.size() >= kBuffer) flush();
   return *this;
 }
 
-void Page::flush() {
-  if (std::fwrite(buffer_.data(), 1, buffer_.size(), file_.get()) != buffer_.size()) {
-    fail("cannot be written");
+void Page::number(std::int64_t value) {
+  if (room() < kLongestNumber) flush();
+  next_ = std::to_chars(next_, next_ + kLongestNumber, value).ptr;
+}
+
+/// Of a character that is not ASCII. A byte that is no UTF-8 goes out as it is: it came from a
+/// program that wrote this encoding.
+void Page::encode(char32_t character) {
+  if (character >= utf8::kInvalidBase || (character >= 0xA0 && character <= 0xFF)) {
+    *next_++ = static_cast<char>(static_cast<unsigned char>(character & 0xFFU));
+    return;
   }
-  buffer_.clear();
+  const auto* const place = std::find(kUpper.begin(), kUpper.end(), character);
+  if (place != kUpper.end()) {
+    *next_++ = static_cast<char>(static_cast<unsigned char>(0x80 + (place - kUpper.begin())));
+  } else {
+    next_ = fmt::format_to(next_, "&#{};", static_cast<std::uint32_t>(character));
+  }
+}
+
+void Page::flush() {
+  const auto count = static_cast<std::size_t>(next_ - buffer_.get());
+  if (std::fwrite(buffer_.get(), 1, count, file_.get()) != count) fail("cannot be written");
+  next_ = buffer_.get();
 }
 
 void Page::finish() {
   flush();
-  std::FILE* const file = file_.release();
-  if (std::fclose(file) != 0) fail("cannot be written");
-  std::error_code error;
-  std::filesystem::rename(draft_, path_, error);
-  if (error) {
-    errno = error.value();
-    std::error_code ignored;
-    std::filesystem::remove(draft_, ignored);
-    fail("cannot take its place");
-  }
+  const bool written = std::fclose(file_.release()) == 0;
+  if (written && std::rename(draft_.c_str(), path_.c_str()) == 0) return;
+  const int reason = errno;
+  std::remove(draft_.c_str());
+  errno = reason;
+  fail(written ? "cannot take its place" : "cannot be written");
 }
 
 void Page::fail(std::string_view what) const {
