@@ -5,8 +5,14 @@
 #include <fmt/format.h>
 
 #include "tavelor/articles/articulos_almacenes.hpp"
+#include "tavelor/articles/articulos_cbarras.hpp"
+#include "tavelor/articles/articulos_comentarios.hpp"
+#include "tavelor/articles/articulos_componentes.hpp"
 #include "tavelor/articles/articulos_lotes.hpp"
 #include "tavelor/articles/articulos_mov_almacen.hpp"
+#include "tavelor/articles/articulos_precios.hpp"
+#include "tavelor/articles/articulos_precios_ventas.hpp"
+#include "tavelor/articles/registros.hpp"
 #include "tavelor/frame/component.hpp"
 #include "tavelor/numbering/numeradores.hpp"
 #include "tavelor/platform/error.hpp"
@@ -56,6 +62,13 @@ const std::vector<const Component*>& components() {
       &ClsArticulosAlmacenes::component(),
       &ClsArticulosLotes::component(),
       &ClsArticulosMovAlmacen::component(),
+      &ClsArticulosPrecios::component(),
+      &ClsArticulosPreciosVentas::component(),
+      &ClsArticulosCbarras::component(),
+      &ClsArticulosComponentes::component(),
+      &ClsArticulosComentarios::component(),
+      &CollectionRegistros::component(),
+      &ClsRegistros::component(),
   };
   // clang-format on
   return all;

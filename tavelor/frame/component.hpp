@@ -134,6 +134,12 @@ struct Marshal<std::int32_t> {
   static Variant out(std::int32_t v) { return v; }
 };
 template <>
+struct Marshal<float> {
+  static constexpr std::string_view kName = "Single";
+  static float in(const Variant& v) { return static_cast<float>(v.toDouble(callLocale())); }
+  static Variant out(float v) { return v; }
+};
+template <>
 struct Marshal<double> {
   static constexpr std::string_view kName = "Double";
   static double in(const Variant& v) { return v.toDouble(callLocale()); }
@@ -162,6 +168,13 @@ struct Marshal<std::shared_ptr<Recordset>> {
   static constexpr std::string_view kName = "Recordset";
   static std::shared_ptr<Recordset> in(const Variant& v);
   static Variant out(std::shared_ptr<Recordset> v);
+};
+/// An object that a member gives: a collection, an item of one.
+template <typename T>
+requires std::is_base_of_v<Object, T>
+struct Marshal<std::shared_ptr<T>> {
+  static constexpr std::string_view kName = T::kTypeName;
+  static Variant out(std::shared_ptr<T> v) { return ObjectPtr(std::move(v)); }
 };
 
 template <typename P>
@@ -317,6 +330,26 @@ template <typename Function>
 Member property(std::string_view name, Function function, std::string_view names = {}) {
   Member slot = member(name, function, names);
   slot.property = true;
+  return slot;
+}
+
+/// A property behind which there is nothing but a variable: it is written when a value is given.
+template <typename Class, typename T>
+Member variable(std::string_view name, T Class::*field) {
+  Member slot;
+  slot.name = name;
+  slot.property = true;
+  slot.parameters =
+      detail::parseParameters("[value]", {std::string(detail::Marshal<T>::kName)}, {false});
+  slot.result = detail::Marshal<T>::kName;
+  slot.call = [field](Object& object, std::span<Variant> arguments) {
+    auto* typed = dynamic_cast<Class*>(&object);
+    if (!typed) detail::raiseWrongObject("object of the class");
+    if (!arguments.empty() && !arguments[0].isEmpty()) {
+      typed->*field = detail::Marshal<T>::in(arguments[0]);
+    }
+    return detail::Marshal<T>::out(typed->*field);
+  };
   return slot;
 }
 

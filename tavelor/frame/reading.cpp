@@ -43,6 +43,11 @@ void take(Recordset& rows, std::string_view column, std::int32_t& to) {
   takeUnlessNull(rows, column, [&](const Variant& v) { to = v.toInt32(locale()); });
 }
 
+void take(Recordset& rows, std::string_view column, float& to) {
+  takeUnlessNull(rows, column,
+                 [&](const Variant& v) { to = static_cast<float>(v.toDouble(locale())); });
+}
+
 void take(Recordset& rows, std::string_view column, double& to) {
   takeUnlessNull(rows, column, [&](const Variant& v) { to = v.toDouble(locale()); });
 }

@@ -21,6 +21,7 @@ bool flag(const Variant& value);
 void take(Recordset& rows, std::string_view column, std::string& to);
 void take(Recordset& rows, std::string_view column, std::int16_t& to);
 void take(Recordset& rows, std::string_view column, std::int32_t& to);
+void take(Recordset& rows, std::string_view column, float& to);
 void take(Recordset& rows, std::string_view column, double& to);
 void take(Recordset& rows, std::string_view column, bool& to);
 

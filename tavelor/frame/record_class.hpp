@@ -179,6 +179,9 @@ class RecordClass : public Object {
   RecordsetPtr pageRows(bool bDoclone, std::string_view sSelecSql, bool bFilter);
   /// The record by record form of a page, for the classes that offer it as ToHtml.
   void writeRecordPage(bool bDoclone, std::string_view sSelecSql, bool bFilter);
+  /// The same as plain text, ToTxt, in a file with the ending .txt in the report folder. Encoding
+  /// and failures are those of pages.
+  void writeRecordText(bool bDoclone, std::string_view sSelecSql, bool bFilter);
   /// The visible columns of a grid as a page with a style of its own, in the user's folder: as
   /// given, or below the installation's folder when it is relative, or the usual one when it is "".
   void writeModernPage(std::string_view sPersonalFolder, const GridColumns& clColfields,

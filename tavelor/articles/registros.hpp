@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+// Requests to the stock, and their collection.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "tavelor/frame/keyed_objects.hpp"
+#include "tavelor/platform/variant.hpp"
+
+namespace tavelor {
+
+class Component;
+
+/// How much of an article is wanted from which warehouse and lot. Its values may be of any kind,
+/// objects too, which are then shared.
+class ClsRegistros final : public Object {
+ public:
+  static constexpr std::string_view kTypeName = "ClsRegistros";
+  std::string typeName() const override { return std::string(kTypeName); }
+  static const Component& component();
+
+  std::string Key;
+  Variant Precio;
+  Variant Almacen;
+  Variant Lote;
+  Variant Recibido;
+  Variant Cantidad;
+  Variant Codigo;
+};
+using ClsRegistrosPtr = std::shared_ptr<ClsRegistros>;
+
+/// Requests in the order in which they were added, some under a key. An item is found by its
+/// position, from 1, or by its key, whose case does not count; see KeyedObjects for errors.
+class CollectionRegistros final : public Object {
+ public:
+  static constexpr std::string_view kTypeName = "CollectionRegistros";
+  std::string typeName() const override { return std::string(kTypeName); }
+  static const Component& component();
+
+  /// Adds a request and gives it. It is found by `sKey`, unless that is empty; `Key` is only
+  /// written into it. Raises 457 for an `sKey` that is there: nothing is added then.
+  ClsRegistrosPtr Add(std::string_view Key, const Variant& Codigo, const Variant& Cantidad,
+                      const Variant& Recibido, const Variant& Lote, const Variant& Almacen,
+                      const Variant& Precio, std::string_view sKey = {});
+  ClsRegistrosPtr Item(const Variant& vntIndexKey) const;
+  std::int32_t Count() const { return items_.count(); }
+  void Remove(const Variant& vntIndexKey);
+  /// The same items in a collection of its own, which stays as it is while this one changes.
+  std::shared_ptr<CollectionRegistros> NewEnum() const;
+
+ private:
+  KeyedObjects items_;
+};
+using CollectionRegistrosPtr = std::shared_ptr<CollectionRegistros>;
+
+}  // namespace tavelor

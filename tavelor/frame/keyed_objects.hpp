@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+// What the collections of the library hold: objects in order, some of them under a key.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tavelor/platform/variant.hpp"
+
+namespace tavelor {
+
+/// An item is found by its position, from 1, or by its key, whose case does not count. A number is
+/// a position (1.5 is 2), a text is a key. Errors: 9 for a position that is not there, 5 for a key,
+/// 94 for Null, 13 for what is neither number nor text.
+class KeyedObjects {
+ public:
+  /// Adds at the end; "" is no key. Raises 457 for a key that is there: nothing is added then.
+  void add(ObjectPtr item, std::string_view key = {});
+  const ObjectPtr& item(const Variant& which) const { return entries_[find(which)].object; }
+  std::int32_t count() const { return static_cast<std::int32_t>(entries_.size()); }
+  /// The items behind it move up.
+  void remove(const Variant& which);
+
+ private:
+  struct Entry {
+    std::string key;
+    ObjectPtr object;
+  };
+
+  std::size_t find(const Variant& which) const;
+  std::size_t findKey(std::string_view key) const;
+
+  std::vector<Entry> entries_;
+};
+
+}  // namespace tavelor
