@@ -15,6 +15,9 @@ class Component;
 /// second workstation gets them too. Who needs a number for himself alone reads, uses and writes it
 /// inside one transaction of his own connection, or tests the number against the documents.
 ///
+/// Counters are doubles, written as text of 15 digits: above 999999999999999 the last ones are
+/// rounded off, and the next number may be one that was used already.
+///
 /// Families, by exact word: "Pedidos", "Facturas_Proveedores", "Pedidos_Clientes", "Albaranes",
 /// "Facturas", "Tickets", "Presupuestos", "Ordenes"; when writing also "rectificativa". Any other
 /// word makes a statement that the database refuses.
@@ -80,10 +83,15 @@ class clsNumeradores final : public OpensByWord {
   /// Gives rows without a period the year 2004, and makes today's year current.
   void ActualizarPeriodosNulos(ObjCn cnnActive = {}) const;
 
- private:
-  /// The session's period.
+  // ---- For whoever lets a person choose the period; no slots of the interface.
+
+  /// The session's period, "" where none was ever set. It outlives the program and is that of all
+  /// programs of the installation.
   static std::string currentPeriod();
+  /// Makes a period current, whether it has a row or not.
   static void setCurrentPeriod(std::string_view year);
+
+ private:
   /// Today by a date mask: "yy", "yyyy".
   static std::string today(std::string_view mask);
   static void fillPeriod(std::string& sPeriodo);
