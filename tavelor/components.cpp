@@ -13,6 +13,7 @@
 #include "tavelor/articles/articulos_precios.hpp"
 #include "tavelor/articles/articulos_precios_ventas.hpp"
 #include "tavelor/articles/registros.hpp"
+#include "tavelor/articles/articulos.hpp"
 #include "tavelor/frame/component.hpp"
 #include "tavelor/numbering/numeradores.hpp"
 #include "tavelor/platform/error.hpp"
@@ -59,6 +60,7 @@ const std::vector<const Component*>& components() {
       // numbering
       &clsNumeradores::component(),
       // articles
+      &clsArticulos::component(),
       &ClsArticulosAlmacenes::component(),
       &ClsArticulosLotes::component(),
       &ClsArticulosMovAlmacen::component(),

@@ -146,25 +146,26 @@ class clsArticulos final : public OpensByWordOnConnection {
 
   /// Parameters of the members below, in their order.
   struct Datos {
-    Variant vId;               ///< as typed; becomes the code
-    std::string sDescripcion;  ///< as typed, where `index` is not 0
-    std::string sSeccion;
-    std::string sFamilia;
-    std::string sTarifa;   ///< "A", "B" or "C" for the price; any other is A
-    std::string sQIdioma;  ///< "Idioma 1" to "Idioma 6"; any other is the article's own language
+    Variant vId = {};               ///< as typed; becomes the code
+    std::string sDescripcion = {};  ///< as typed, where `index` is not 0
+    std::string sSeccion = {};
+    std::string sFamilia = {};
+    std::string sTarifa = {};  ///< "A", "B" or "C" for the price; any other is A
+    std::string sQIdioma =
+        {};  ///< "Idioma 1" to "Idioma 6"; any other is the article's own language
     double dPrecio = 0;
     bool bDto = false;  ///< admits a discount
-    std::string sImpuesto;
+    std::string sImpuesto = {};
     double dExistencia = 0;
     bool bLotes = false;
     bool bInterno = false;
     bool mbIsProvider = false;  ///< a purchase: stocked articles at their average cost
     std::int16_t index = 0;     ///< 0 looks for the code, any other for the description
     ObjCn objCn = {};
-    std::string sEmpleado;
+    std::string sEmpleado = {};
     double dPuntos = 0;
     double dMerma = 0;            ///< percent
-    std::string sLista;           ///< "" is "PRC"
+    std::string sLista = {};      ///< "" is "PRC"
     bool mbIsAlbAlmacen = false;  ///< of GetDatos: at the last cost instead
   };
   /// A usable article of the list, for which any stocked one will do too. One that is not found is
@@ -178,21 +179,21 @@ class clsArticulos final : public OpensByWordOnConnection {
 
   /// Parameters of GetDatosImport, in their order. What is null stays as it came.
   struct DatosImport {
-    Variant vId;
-    std::string sDescripcion;
-    std::string sSeccion;
-    std::string sFamilia;
+    Variant vId = {};
+    std::string sDescripcion = {};
+    std::string sSeccion = {};
+    std::string sFamilia = {};
     double dPrecio_A = 0;
     double dPrecio_B = 0;
     double dPrecio_C = 0;
     bool bDto = false;
-    std::string sImpuesto;
+    std::string sImpuesto = {};
     double dExistencia = 0;
     double bLotes = 0;  ///< -1 or 0
     bool bInterno = false;
     double bStock = 0;  ///< -1 or 0
     bool bActivo = false;
-    std::string sLista;
+    std::string sLista = {};
     double dDto_D = 0;
     ObjCn objCn = {};
   };
@@ -203,17 +204,17 @@ class clsArticulos final : public OpensByWordOnConnection {
 
   /// Parameters of Actualizar, in their order.
   struct Cambio {
-    Variant vId;
-    std::string sDescripcion;
-    std::string sSeccion;
-    std::string sFamilia;
+    Variant vId = {};
+    std::string sDescripcion = {};
+    std::string sSeccion = {};
+    std::string sFamilia = {};
     double dPrecio = 0;
     double dPrecio_B = 0;
     double dPrecio_C = 0;
     bool bDto = false;  ///< admits a discount
     double bDto_D = 0;  ///< fixed discount, percent; only whole ones under a decimal comma
     bool bActivo = false;
-    std::string sLista;  ///< "" is "PRC"
+    std::string sLista = {};  ///< "" is "PRC"
     ObjCn objCn = {};
   };
   /// Rewrites an article; its reference becomes its code. A code that is not there is passed over.
@@ -221,21 +222,21 @@ class clsArticulos final : public OpensByWordOnConnection {
 
   /// Parameters of Insertar, in their order.
   struct Alta {
-    Variant vId;
-    std::string sDescripcion;  ///< in all languages
-    std::string sSeccion;
-    std::string sFamilia;
+    Variant vId = {};
+    std::string sDescripcion = {};  ///< in all languages
+    std::string sSeccion = {};
+    std::string sFamilia = {};
     double dPrecio = 0;
     double dPrecio_B = 0;
     double dPrecio_C = 0;
     bool bDto = false;  ///< not looked at: a new article always admits a discount
-    std::string sImpuesto;
+    std::string sImpuesto = {};
     double dExistencia = 0;
     double bLotes = 0;  ///< a flag as a number, rounded to a whole one
     double bStock = 0;  ///< likewise
     bool bActivo = false;
-    std::string sLista;  ///< "" is "PRC"
-    double dDto_D = 0;   ///< fixed discount, percent
+    std::string sLista = {};  ///< "" is "PRC"
+    double dDto_D = 0;        ///< fixed discount, percent
     ObjCn objCn = {};
   };
   /// Writes a new article; its reference is its code. Raises the integrity error for a code that is

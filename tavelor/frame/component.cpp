@@ -238,6 +238,7 @@ std::vector<Parameter> parseParameters(std::string_view names, std::vector<std::
       parameter.direction = Parameter::Direction::kOut;
       entry.remove_prefix(4);
     } else if (entry.starts_with("inout ")) {
+      parameter.direction = Parameter::Direction::kInOut;
       entry.remove_prefix(6);
     }
     parameter.name = entry;
