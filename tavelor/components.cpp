@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "tavelor/articles/articulos.hpp"
 #include "tavelor/articles/articulos_almacenes.hpp"
 #include "tavelor/articles/articulos_cbarras.hpp"
 #include "tavelor/articles/articulos_comentarios.hpp"
@@ -13,7 +14,6 @@
 #include "tavelor/articles/articulos_precios.hpp"
 #include "tavelor/articles/articulos_precios_ventas.hpp"
 #include "tavelor/articles/registros.hpp"
-#include "tavelor/articles/articulos.hpp"
 #include "tavelor/frame/component.hpp"
 #include "tavelor/numbering/numeradores.hpp"
 #include "tavelor/platform/error.hpp"
