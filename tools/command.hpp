@@ -40,6 +40,7 @@ void addClasses(CLI::App& app, Common& common);
 void addCall(CLI::App& app, Common& common);
 void addBrowse(CLI::App& app, Common& common);
 void addEdit(CLI::App& app, Common& common);
+void addPeriod(CLI::App& app, Common& common);
 void addSql(CLI::App& app, Common& common);
 void addTrace(CLI::App& app, Common& common);
 

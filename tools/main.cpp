@@ -58,6 +58,7 @@ void addCommands(CLI::App& app, Common& common) {
   addCall(app, common);
   addBrowse(app, common);
   addEdit(app, common);
+  addPeriod(app, common);
   addSql(app, common);
   addTrace(app, common);
   app.allow_extras();  // last: subcommands that are added later would take it over
