@@ -59,8 +59,6 @@ void ClsContactos::ObtenerRegistroActivo(Registro& registro) const {
   take(rows, "Código", registro.sCod);
   take(rows, "Nombre", registro.sNom);
   take(rows, "Empresa", registro.sEmpr);
-  take(rows, "Contacto", registro.sContacto);
-  take(rows, "NIF", registro.sNif);
   take(rows, "Dirección", registro.sdir);
   take(rows, "Codigo_Postal", registro.sCp);
   take(rows, "Población", registro.sPob);
@@ -71,6 +69,8 @@ void ClsContactos::ObtenerRegistroActivo(Registro& registro) const {
   take(rows, "Fax", registro.sFax);
   take(rows, "E_Mail", registro.sMail);
   take(rows, "Http", registro.sHttp);
+  take(rows, "Contacto", registro.sContacto);
+  take(rows, "NIF", registro.sNif);
   take(rows, "Tipo", registro.sTipo);
   take(rows, "ExternalID", registro.sExternalID);
 }
@@ -92,14 +92,14 @@ const Component& ClsContactos::component() {
           member(
               "ObtenerRegistroActivo", &C::ObtenerRegistroActivo,
               {parameter("out sCod", &Registro::sCod), parameter("out sNom", &Registro::sNom),
-               parameter("out sEmpr", &Registro::sEmpr),
-               parameter("out sContacto", &Registro::sContacto),
-               parameter("out sNif", &Registro::sNif), parameter("out sdir", &Registro::sdir),
+               parameter("out sEmpr", &Registro::sEmpr), parameter("out sdir", &Registro::sdir),
                parameter("out sCp", &Registro::sCp), parameter("out sPob", &Registro::sPob),
                parameter("out sProv", &Registro::sProv), parameter("out stel", &Registro::stel),
                parameter("out stel2", &Registro::stel2), parameter("out sMovil", &Registro::sMovil),
                parameter("out sFax", &Registro::sFax), parameter("out sMail", &Registro::sMail),
-               parameter("out sHttp", &Registro::sHttp), parameter("out sTipo", &Registro::sTipo),
+               parameter("out sHttp", &Registro::sHttp),
+               parameter("out sContacto", &Registro::sContacto),
+               parameter("out sNif", &Registro::sNif), parameter("out sTipo", &Registro::sTipo),
                parameter("out sExternalID", &Registro::sExternalID)}),
           member("IniciaRs", &C::IniciaRs, "[inout cnnActive], [inout sSelecSql], [id]"),
           frameMember("NuevoCodigo"),

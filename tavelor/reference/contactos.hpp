@@ -23,23 +23,23 @@ class ClsContactos final : public OpensOnConnection {
 
   /// The current row, as ObtenerRegistroActivo gives it.
   struct Registro {
-    std::string sCod;
-    std::string sNom;
-    std::string sEmpr;
-    std::string sContacto;
-    std::string sNif;
-    std::string sdir;
-    std::string sCp;
-    std::string sPob;
-    std::string sProv;
-    std::string stel;
-    std::string stel2;
-    std::string sMovil;
-    std::string sFax;
-    std::string sMail;
-    std::string sHttp;
-    std::string sTipo;
-    std::string sExternalID;
+    std::string sCod = {};
+    std::string sNom = {};
+    std::string sEmpr = {};
+    std::string sdir = {};
+    std::string sCp = {};
+    std::string sPob = {};
+    std::string sProv = {};
+    std::string stel = {};
+    std::string stel2 = {};
+    std::string sMovil = {};
+    std::string sFax = {};
+    std::string sMail = {};
+    std::string sHttp = {};
+    std::string sContacto = {};
+    std::string sNif = {};
+    std::string sTipo = {};
+    std::string sExternalID = {};
   };
   /// Reads the current row; what is null leaves its field as it came. Raises 3021 without a row.
   void ObtenerRegistroActivo(Registro& registro) const;

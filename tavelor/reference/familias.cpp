@@ -129,9 +129,10 @@ void clsFamilias::GetDatosImport(const Variant& vId, InOut<std::string> sDescrip
   if (rows->RecordCount() > 0) take(*rows, "Descripcion", *sDescripcion);
 }
 
-// A new family can be used at once.
+// A new family can be used at once; in the short lists the table sees to it.
 void clsFamilias::setDefaults(bool bDefVal) {
-  if (bDefVal) primary().Field(2).Value(true);
+  Recordset& rows = primary();
+  if (bDefVal && rows.Fields().Count() > 2) rows.Field(2).Value(true);
 }
 
 const Component& clsFamilias::component() {

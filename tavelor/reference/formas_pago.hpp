@@ -33,12 +33,12 @@ class ClsFormasPago final : public OpensOnConnection {
 
   /// Parameters of GetPropiedades, in their order.
   struct Propiedades {
-    Variant vId;
+    Variant vId = {};
     std::int16_t iPlazos = 0;  ///< instalments; 0 unless a receipt is created
     std::int16_t iVtoA = 0;    ///< days of an instalment
     bool bCrearRecibo = false;
-    std::string sCtaConta;
-    std::string sCtaTesor;
+    std::string sCtaConta = {};
+    std::string sCtaTesor = {};
     bool bCrearApunte = false;
     ObjCn objCn = {};
     bool bNoIrpf = false;

@@ -33,6 +33,8 @@ void readLogotipo(Recordset& rows, const std::string& source) {
   file.seekg(0);
 
   Field logotipo = rows.Field("Logotipo");
+  // Reading another field ends the pieces of an earlier picture, so that this one takes its place.
+  rows.Field(0).Value();
   for (const std::size_t size : kBlocks) {
     for (; left >= size; left -= size) {
       Bytes block(size);

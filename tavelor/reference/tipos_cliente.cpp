@@ -33,9 +33,10 @@ constexpr ClassInfo kInfo = {
 
 ClsTiposCliente::ClsTiposCliente() : OpensOnConnection(kInfo) {}
 
-// A new type starts with no amount.
+// A new type starts with no amount, which the short lists do not show.
 void ClsTiposCliente::setDefaults(bool bDefVal) {
-  if (bDefVal) primary().Field(2).Value(std::int32_t{0});
+  Recordset& rows = primary();
+  if (bDefVal && rows.Fields().Count() > 2) rows.Field(2).Value(std::int32_t{0});
 }
 
 const Component& ClsTiposCliente::component() {

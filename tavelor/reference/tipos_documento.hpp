@@ -27,18 +27,18 @@ class ClsTiposDocumento final : public OpensOnConnection {
   /// Issuer data. Parameters of the members below, each taking those that it names; what is null,
   /// or has no row, leaves its field as it came.
   struct Datos {
-    std::string sCod;  ///< of GetDatosCabecera and GetDatosEmpresa
-    std::string sNom;
-    std::string sEmpr;
-    std::string sNif;
-    std::string sdir;
-    std::string sCp;
-    std::string sPob;
-    std::string sProv;  ///< of GetDatosEmpresa
-    std::string stel;
-    std::string sMail;  ///< of GetDatosEmpresa
-    std::string sPie;   ///< of GetDatosPredeterminada
-    std::string sCom;   ///< of GetDatosPredeterminada
+    std::string sCod = {};  ///< of GetDatosCabecera and GetDatosEmpresa
+    std::string sNom = {};
+    std::string sEmpr = {};
+    std::string sNif = {};
+    std::string sdir = {};
+    std::string sCp = {};
+    std::string sPob = {};
+    std::string sProv = {};  ///< of GetDatosEmpresa
+    std::string stel = {};
+    std::string sMail = {};  ///< of GetDatosEmpresa
+    std::string sPie = {};   ///< of GetDatosPredeterminada
+    std::string sCom = {};   ///< of GetDatosPredeterminada
     ObjCn objCn = {};
     bool bPredeterminada = false;  ///< of GetDatosEmpresa: the default row instead of `sCod`
   };

@@ -21,22 +21,22 @@ class ClsTiposFactura final : public OpensByWord {
 
   /// Parameters of GetDatos, in their order.
   struct Datos {
-    std::string vId;
+    std::string vId = {};
     bool bTotalizada = false;
-    std::string sTxtTotal;
+    std::string sTxtTotal = {};
     bool bDesglose = false;
-    std::string stexto;
+    std::string stexto = {};
     bool bRenumerada = false;
     bool bReferencia = false;
-    std::string sTxtRef;
+    std::string sTxtRef = {};
     bool bPedido = false;
-    std::string sTxtPed;
+    std::string sTxtPed = {};
     bool bAlbaran = false;
-    std::string sTxtAlb;
+    std::string sTxtAlb = {};
     bool bFecha = false;
-    std::string sTxtfch;
+    std::string sTxtfch = {};
     bool bTotal = false;
-    std::string sTextoTotal;
+    std::string sTextoTotal = {};
     ObjCn objCn = {};
   };
   /// Layout of one type. What is null leaves its field as it came; raises 3021 for a type that is

@@ -61,10 +61,11 @@ std::string ClsTransportistas::GetDescripcion(const Variant& vId, ObjCn objCn) c
                   vId, "ND", objCn);
 }
 
-// A new carrier is active, is not the default one and has no discounts.
+// A new carrier is active, is not the default one and has no discounts. The short list shows none
+// of these columns.
 void ClsTransportistas::setDefaults(bool bDefVal) {
-  if (!bDefVal) return;
   Recordset& rows = primary();
+  if (!bDefVal || rows.Fields().Count() == 2) return;
   rows.Field("Activo").Value(true);
   for (const char* flagColumn : {"Impuesto", "Predeterminada"}) rows.Field(flagColumn).Value(false);
   for (const char* percent : {"IRPF", "Dto", "Dto_PP"}) {
