@@ -116,8 +116,8 @@ void ClsArticulosAlmacenes::ActualizarStock_Recep(const Variant& vId, const Vari
   const clsArticulos articles;
   if (!stock::isKept(articles, vId, *cnnActive)) return;
   const double dMedida = stock::measure(articles, vId, *cnnActive);
-  const double dIn = stock::quantity(vCant) * dMedida;
-  const double dOut = stock::rounded(-stock::quantity(vCant) * dMedida);
+  const double dIn = stock::units(vCant, true, dMedida);
+  const double dOut = stock::rounded(stock::units(vCant, false, dMedida));
   write(additions(dIn, dOut, joined(vId), joined(vIdAlm)), *cnnActive);
 }
 
@@ -127,8 +127,8 @@ void ClsArticulosAlmacenes::ActualizarStock(const Variant& vId, const Variant& v
   const clsArticulos articles;
   if (!stock::isKept(articles, vId, *cnnActive)) return;
   const double dMedida = stock::measure(articles, vId, *cnnActive);
-  add(vId, vIdAlm, stock::signedQuantity(vRec, bSumar) * dMedida,
-      stock::signedQuantity(vCant, bSumar) * dMedida, *cnnActive);
+  add(vId, vIdAlm, stock::units(vRec, bSumar, dMedida), stock::units(vCant, bSumar, dMedida),
+      *cnnActive);
 }
 
 void ClsArticulosAlmacenes::ActualizarStock_sund(const Variant& vId, const Variant& vIdAlm,
@@ -136,8 +136,7 @@ void ClsArticulosAlmacenes::ActualizarStock_sund(const Variant& vId, const Varia
                                                  bool bSumar, bool /*bExistencia*/,
                                                  ObjCn cnnActive) const {
   if (!stock::isKept(clsArticulos(), vId, *cnnActive)) return;
-  add(vId, vIdAlm, stock::signedQuantity(vRec, bSumar), stock::signedQuantity(vCant, bSumar),
-      *cnnActive);
+  add(vId, vIdAlm, stock::units(vRec, bSumar), stock::units(vCant, bSumar), *cnnActive);
 }
 
 void ClsArticulosAlmacenes::add(const Variant& vId, const Variant& vIdAlm, double dCant,
@@ -166,8 +165,8 @@ void ClsArticulosAlmacenes::DescargarStock_V(const Variant& vId, const Variant& 
                                              const Variant& vCant, const Variant& vRec, bool bSumar,
                                              bool /*bExistencia*/, ObjCn cnnActive) const {
   if (!stock::isSold(clsArticulos(), vId, *cnnActive)) return;
-  const double dPend = stock::signedQuantity(vCant, bSumar);
-  const double dCant = stock::rounded(stock::signedQuantity(vRec, bSumar));
+  const double dPend = stock::units(vCant, bSumar);
+  const double dCant = stock::rounded(stock::units(vRec, bSumar));
   if (!EstaEnElAlmacen(vId, vIdAlm, *cnnActive)) {
     insert(vId, vIdAlm, dCant, dPend, *cnnActive);
     return;

@@ -92,7 +92,7 @@ void ClsArticulosLotes::ActualizarStock(const Variant& vId, const Variant& vIdLo
   if (clsArticulos::isFreeText(vId) || isNoLot(joined(vIdLote))) return;
   const double dMedida = stock::measure(clsArticulos(), vId, *cnnActive);
   stock::quantity(vCant);  // must be a number, and is not used
-  purchase(vId, vIdLote, stock::signedQuantity(vRec, bSumar) * dMedida, *cnnActive);
+  purchase(vId, vIdLote, stock::units(vRec, bSumar, dMedida), *cnnActive);
 }
 
 void ClsArticulosLotes::ActualizarStock_sund(const Variant& vId, const Variant& vIdLote,
@@ -100,7 +100,7 @@ void ClsArticulosLotes::ActualizarStock_sund(const Variant& vId, const Variant& 
                                              bool /*bExistencia*/, ObjCn cnnActive) const {
   if (clsArticulos::isFreeText(vId) || isNoLot(joined(vIdLote))) return;
   stock::quantity(vCant);  // must be a number, and is not used
-  purchase(vId, vIdLote, stock::signedQuantity(vRec, bSumar), *cnnActive);
+  purchase(vId, vIdLote, stock::units(vRec, bSumar), *cnnActive);
 }
 
 void ClsArticulosLotes::purchase(const Variant& vId, const Variant& vIdLote, double dCant,
@@ -141,7 +141,7 @@ void ClsArticulosLotes::DescargarStock_V(const Variant& vId, const Variant& vIdL
   stock::connect(*cnnActive);
   if (isNoLot(joined(vIdLote))) return;
   stock::quantity(vCant);  // must be a number, and is not used
-  const double dCant = stock::rounded(stock::signedQuantity(vRec, bSumar));
+  const double dCant = stock::rounded(stock::units(vRec, bSumar));
   if (ExisteLote(vId, vIdLote, *cnnActive)) {
     sellKnown(vId, vIdLote, dCant, *cnnActive);
   } else {

@@ -67,21 +67,21 @@ class ClsArticulosMovAlmacen final : public OpensByWord {
 
   /// Parameters of Insertar, in their order.
   struct Movimiento {
-    Variant vId;      ///< key, from NuevoCodigo
-    Variant dtFecha;  ///< day
-    Variant hHora;    ///< time of the day
-    std::string sAlmacen;
-    std::string sCodigo;  ///< article
-    std::string sLote;
+    Variant vId = {};      ///< key, from NuevoCodigo
+    Variant dtFecha = {};  ///< day
+    Variant hHora = {};    ///< time of the day
+    std::string sAlmacen = {};
+    std::string sCodigo = {};  ///< article
+    std::string sLote = {};
     double dCantidad = 0;
     double dPrecio = 0;
-    std::string sReferencia;
+    std::string sReferencia = {};
     std::int16_t iMovimiento = 0;  ///< 0 entry, 1 exit
-    std::string sSeccion;
-    std::string sEmpleado;
+    std::string sSeccion = {};
+    std::string sEmpleado = {};
     std::int16_t iEstado = 0;  ///< of the owning document
     double dDoc_E = 0;         ///< the owning document, a whole number
-    std::string sCod_ID;       ///< line within the document
+    std::string sCod_ID = {};  ///< line within the document
     ObjCn objCn = {};
   };
   /// Writes a movement. A document number with decimals raises a syntax error under a decimal

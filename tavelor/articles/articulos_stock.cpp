@@ -83,8 +83,8 @@ void clsArticulos::ActualizarStock_Pedido(const Variant& vId, const Variant& vCa
                                           ObjCn cnnActive) const {
   if (!stock::isKept(*this, vId, *cnnActive)) return;
   const double dMedida = stock::measure(*this, vId, *cnnActive);
-  const double dPend = stock::signedQuantity(vCant, bSumar) * dMedida;
-  const double dExist = stock::rounded(stock::signedQuantity(vRec, bSumar) * dMedida);
+  const double dPend = stock::units(vCant, bSumar, dMedida);
+  const double dExist = stock::rounded(stock::units(vRec, bSumar, dMedida));
   write(additions(dExist, dPend, joined(vId)), *cnnActive);
 }
 
@@ -98,8 +98,8 @@ void clsArticulos::ActualizarStock_Recep_pedido(const Variant& vId, const Varian
                                                 ObjCn cnnActive) const {
   if (!stock::isKept(*this, vId, *cnnActive)) return;
   const double dMedida = stock::measure(*this, vId, *cnnActive);
-  const double dIn = stock::quantity(vCant) * dMedida;
-  const double dOut = stock::rounded(-stock::quantity(vCant) * dMedida);
+  const double dIn = stock::units(vCant, true, dMedida);
+  const double dOut = stock::rounded(stock::units(vCant, false, dMedida));
   write(additions(dIn, dOut, joined(vId)), *cnnActive);
 }
 
@@ -117,8 +117,8 @@ void clsArticulos::ActualizarStock_Movimientos(const Variant& vId, const Variant
   if (!stock::isKept(*this, vId, *cnnActive)) return;
   // Read as in an order and not used: the quantities are in stock units.
   GetMedidaCompra(vId, *cnnActive);
-  const double dPend = stock::signedQuantity(vCant, bSumar);
-  const double dExist = stock::rounded(stock::signedQuantity(vRec, bSumar));
+  const double dPend = stock::units(vCant, bSumar);
+  const double dExist = stock::rounded(stock::units(vRec, bSumar));
   write(additions(dExist, dPend, joined(vId)), *cnnActive);
 }
 
@@ -129,7 +129,7 @@ void clsArticulos::DescargarStock_V(const Variant& vId, const Variant& vCant, co
                                     bool bSumar, bool /*bExistencia*/, ObjCn cnnActive) const {
   if (!stock::isSold(*this, vId, *cnnActive)) return;
   stock::quantity(vCant);  // must be a number, and is not used
-  const double dExist = stock::rounded(stock::signedQuantity(vRec, bSumar));
+  const double dExist = stock::rounded(stock::units(vRec, bSumar));
   Statement statement("UPDATE  Articulos SET Existencia = Existencia + ");
   statement << value(stock::bare(dExist)) << ofArticle(joined(vId), kIfStocked);
   write(statement, *cnnActive);
@@ -142,7 +142,7 @@ void clsArticulos::DescargarStockPaquete(const Variant& vId, const Variant& vCan
                                          ObjCn cnnActive) const {
   if (isFreeText(vId)) return;
   stock::quantity(vCant);  // must be a number, and is not used
-  const double dExist = stock::rounded(stock::signedQuantity(vRec, bSumar));
+  const double dExist = stock::rounded(stock::units(vRec, bSumar));
   Statement statement("UPDATE  Articulos SET Existencia = Existencia = Existencia + ");
   statement << value(stock::bare(dExist)) << ofArticle(joined(vId), kIfStocked);
   write(statement, *cnnActive);

@@ -2,7 +2,10 @@
 // Guards and quantities of the stock members.
 #include "tavelor/articles/stock.hpp"
 
+#include <cmath>
+
 #include "tavelor/articles/articulos.hpp"
+#include "tavelor/platform/error.hpp"
 #include "tavelor/platform/format.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/services/apartment.hpp"
@@ -40,8 +43,10 @@ double quantity(const Variant& value) {
   return value.toDouble(locale());
 }
 
-double signedQuantity(const Variant& value, bool bSumar) {
-  return bSumar ? quantity(value) : -quantity(value);
+double units(const Variant& value, bool bSumar, double measure) {
+  const double units = (bSumar ? quantity(value) : -quantity(value)) * measure;
+  if (!std::isfinite(units)) raise(errors::kOverflow, "Articulos", "A quantity is too large");
+  return units;
 }
 
 // The way through the text is the rule: a mask of no decimals makes stock whole, and a shop sees in

@@ -26,8 +26,9 @@ double measure(const clsArticulos& articles, const Variant& vId, ConnectionPtr& 
 
 /// A text is read by the locale. Raises 94 for Null, 13 for what is no number.
 double quantity(const Variant& value);
-/// The same, with its sign turned round where `bSumar` is false.
-double signedQuantity(const Variant& value, bool bSumar);
+/// The same as stock units, of which `measure` make one unit of the quantity; negative where
+/// `bSumar` is false. Raises 6 for a product that a double cannot hold.
+double units(const Variant& value, bool bSumar, double measure = 1);
 /// Rounded to the decimals of the shop's format of quantities.
 double rounded(double quantity);
 

@@ -2,6 +2,7 @@
 // The component table: finding classes and calling members by name.
 #include "tavelor/components.hpp"
 
+#include <algorithm>
 #include <set>
 
 #include <gmock/gmock.h>
@@ -72,6 +73,25 @@ TEST(Components, ASignatureShowsDirectionsTypesAndOptions) {
   EXPECT_EQ(banks.member("sClassName").signature(), "sClassName As String");
 }
 
+TEST(Components, AnOptionShowsItsDefault) {
+  EXPECT_EQ(component("ClsArticulosLotes").member("DescargarStock_V").signature(),
+            "DescargarStock_V(vId As Variant, vIdLote As Variant, vCant As Variant, vRec As "
+            "Variant, [bSumar As Boolean = True], [inout cnnActive As Connection])");
+  EXPECT_THAT(component("ClsArticulosMovAlmacen").member("GetEntradas_Art_Fecha").signature(),
+              testing::HasSubstr("[sAlmacen As String = \"*\"]"));
+}
+
+TEST(Components, AClasssOwnVersionStandsInTheFramesPlace) {
+  const std::vector<std::string> banks = memberNames(ClsBancos::component());
+  const std::vector<std::string> ledger = memberNames(component("ClsArticulosMovAlmacen"));
+  const auto tail = [](const std::vector<std::string>& names) {
+    return std::find(names.begin(), names.end(), "EditingRecord");
+  };
+  EXPECT_TRUE(std::equal(tail(banks), banks.end(), tail(ledger)));
+  EXPECT_EQ(component("ClsArticulosMovAlmacen").member("AddNew").signature(),
+            "AddNew([bDefVal As Boolean = True], [bIsInvoiced As Boolean = True])");
+}
+
 class CallTest : public testing::Test {
  protected:
   Variant call(std::string_view member, std::vector<Variant> arguments = {}) {
@@ -109,6 +129,17 @@ TEST_F(CallTest, OptionalArgumentsMayBeLeftOut) {
   EXPECT_EQ(call("ExistenRegistros"), Variant(false));
   call("AddNew", {true});
   EXPECT_EQ(call("EditingRecord"), Variant(true));
+}
+
+TEST_F(CallTest, ALeftOutOptionTakesItsDefault) {
+  shop.run("INSERT INTO Articulos (Codigo, Actualizar_Stock, Medida_Compra) VALUES ('A', True, 1)");
+  const std::unique_ptr<Object> articles = component("ClsArticulosAlmacenes").make();
+  std::vector<Variant> arguments = {"A", "01", 0, 3};
+  component("ClsArticulosAlmacenes").call(*articles, "ActualizarStock", arguments);
+  EXPECT_EQ(shop.text("SELECT Cantidad FROM Articulos_Almacenes"), "3");
+  arguments = {"A", "01", 0, 5, false};
+  component("ClsArticulosAlmacenes").call(*articles, "ActualizarStock", arguments);
+  EXPECT_EQ(shop.text("SELECT Cantidad FROM Articulos_Almacenes"), "-2");
 }
 
 TEST_F(CallTest, MistakesAreNamed) {
