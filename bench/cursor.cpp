@@ -95,6 +95,7 @@ Comparison sortWork(std::string name, Recordset& set, const Rows& rows, std::siz
              set.MoveLast();
              return first + 2 * idOf(set);
            },
+           {},
            [&set] { set.Sort(""); }}};
 }
 
@@ -115,6 +116,7 @@ Comparison filterWork(std::string name, Recordset& set, const Rows& rows, std::s
              set.Filter(criteria);
              return static_cast<double>(set.RecordCount());
            },
+           {},
            [&set] { set.Filter(""); }}};
 }
 

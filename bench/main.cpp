@@ -26,6 +26,7 @@ constexpr std::array kWorks{
     Work{"cursor", tavelor::bench::measureCursor},
     Work{"statements", tavelor::bench::measureStatements},
     Work{"sale", tavelor::bench::measureSale},
+    Work{"articles", tavelor::bench::measureArticles},
     Work{"translation", tavelor::bench::measureTranslation},
     Work{"growth", tavelor::bench::measureGrowth},
     Work{"storage", tavelor::bench::measureStorage},

@@ -23,6 +23,9 @@ struct Comparison {
   double target = 0;  ///< greatest ratio that is good enough; 0 for none
   Side floor;
   Side ours;
+  /// Time by the clock on the wall, for what waits for a disk; else by the processor, which other
+  /// programs on the machine do not disturb.
+  bool waits = false;
 };
 
 /// A line of the report.
@@ -71,7 +74,7 @@ class Report {
 /// do not give the same.
 Result compare(const Comparison& comparison, const Scale& scale);
 
-/// Median of the time of one side, in milliseconds.
+/// Median of the processor's time of one side, in milliseconds.
 double measure(const Side& side, const Scale& scale);
 
 /// Bytes that the process holds from the allocator.

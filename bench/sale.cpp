@@ -206,7 +206,7 @@ void measureWith(Report& report, const Scale& scale, bool synchronous) {
       compare({synchronous ? "sale, every commit on the disk" : "sale, commits left to the system",
                sales, synchronous ? 1 / 0.90 : 1 / 0.70,
                round(first, [&](const Sale& sale) { byHand.sell(sale); }),
-               round(second, [&](const Sale& sale) { spliced.sell(sale); })},
+               round(second, [&](const Sale& sale) { spliced.sell(sale); }), synchronous},
               scale));
   if (byHand.sold() != spliced.sold(shop)) throw std::runtime_error("The sales differ.");
 }

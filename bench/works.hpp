@@ -12,6 +12,8 @@ void measureCursor(Report& report, const Scale& scale);
 void measureStatements(Report& report, const Scale& scale);
 /// A ticket with five lines, stock and counter in one transaction.
 void measureSale(Report& report, const Scale& scale);
+/// Members of the article master.
+void measureArticles(Report& report, const Scale& scale);
 /// Translation of every statement of the corpus beside the engine's own compiling.
 void measureTranslation(Report& report, const Scale& scale);
 /// Time a row from a thousand rows to a million.

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+// Sort on texts that begin alike, and beside a plain stable sort.
+#include <algorithm>
+#include <cstdint>
+#include <random>
+
+#include "tests/recordset/support.hpp"
+
+namespace tavelor::test {
+namespace {
+
+using testing::ElementsAre;
+
+struct Line {
+  Variant text;
+  Variant number;
+  std::int32_t place = 0;
+};
+
+Recordset& fill(Recordset& set, const std::vector<Line>& lines) {
+  set.Fields().Append("Texto", DataType::kLongVarWChar);
+  set.Fields().Append("Numero", DataType::kCurrency);
+  set.Fields().Append("Lugar", DataType::kInt32);
+  set.Open();
+  for (const Line& line : lines) set.AddNew({0, 1, 2}, {line.text, line.number, line.place});
+  set.UpdateBatch();
+  return set;
+}
+
+std::vector<std::int32_t> places(Recordset& set) {
+  std::vector<std::int32_t> found;
+  for (set.MoveFirst(); !set.Eof(); set.MoveNext()) {
+    found.push_back(*set.Field("Lugar").Value().getIf<std::int32_t>());
+  }
+  return found;
+}
+
+TEST(Sort, TextsThatBeginAlikeGoByWhatFollows) {
+  Recordset set;
+  fill(set, {{"ARTICULO-000000000000002", 0, 1},
+             {"ARTICULO-000000000000001B", 0, 2},
+             {"ARTICULO-000000000000001", 0, 3},
+             {"ARTICULO-", 0, 4}});
+  set.Sort("Texto");
+  EXPECT_THAT(places(set), ElementsAre(4, 3, 2, 1));
+  set.Sort("Texto DESC");
+  EXPECT_THAT(places(set), ElementsAre(1, 2, 3, 4));
+}
+
+TEST(Sort, ATextComesBeforeTheSameWithANulBehindIt) {
+  Recordset set;
+  fill(set, {{std::string("abcdefg\0", 8), 0, 1},
+             {std::string("abcdefg", 7), 0, 2},
+             {std::string("abc\0\0", 5), 0, 3},
+             {std::string("abc\0", 4), 0, 4},
+             {std::string("abc", 3), 0, 5}});
+  set.Sort("Texto");
+  EXPECT_THAT(places(set), ElementsAre(5, 4, 3, 2, 1));
+}
+
+TEST(Sort, NullComesBeforeTheEmptyTextAndTheLeastAmount) {
+  Recordset set;
+  const Variant least = Currency::fromScaled(std::numeric_limits<std::int64_t>::min());
+  fill(set, {{"", least, 1}, {Null{}, Null{}, 2}, {"", least, 3}, {Null{}, Null{}, 4}});
+  for (const char* field : {"Texto", "Numero"}) {
+    set.Sort(field);
+    EXPECT_THAT(places(set), ElementsAre(2, 4, 1, 3)) << field;
+    set.Sort(std::string(field) + " DESC");
+    EXPECT_THAT(places(set), ElementsAre(1, 3, 2, 4)) << field;
+  }
+}
+
+TEST(Sort, AgreesWithAStableSortOnManyFieldsOfAnyLength) {
+  std::mt19937 random(7);
+  std::vector<Line> lines;
+  for (std::int32_t i = 0; i < 3000; ++i) {
+    std::string text(random() % 5 * 7 + random() % 3, 'a');
+    for (char& c : text) c = random() % 8 == 0 ? 'b' : 'a';
+    lines.push_back({random() % 10 == 0 ? Variant(Null{}) : Variant(text),
+                     random() % 10 == 0 ? Variant(Null{})
+                                        : Variant(Currency::fromScaled(
+                                              static_cast<std::int64_t>(random() % 5) - 2)),
+                     i});
+  }
+  Recordset set;
+  fill(set, lines);
+  set.Sort("Texto DESC, Numero");
+
+  // Null is the smallest; both types compare with their like by themselves.
+  const auto compare = [](const Variant& a, const Variant& b) {
+    if (a.isNull() || b.isNull())
+      return static_cast<int>(b.isNull()) - static_cast<int>(a.isNull());
+    if (const auto* text = a.getIf<std::string>()) return text->compare(*b.getIf<std::string>());
+    const auto x = a.getIf<Currency>()->scaled();
+    const auto y = b.getIf<Currency>()->scaled();
+    return static_cast<int>(x > y) - static_cast<int>(x < y);
+  };
+  std::stable_sort(lines.begin(), lines.end(), [&](const Line& a, const Line& b) {
+    const int texts = compare(b.text, a.text);
+    return texts != 0 ? texts < 0 : compare(a.number, b.number) < 0;
+  });
+  std::vector<std::int32_t> expected;
+  for (const Line& line : lines) expected.push_back(line.place);
+  EXPECT_EQ(places(set), expected);
+}
+
+}  // namespace
+}  // namespace tavelor::test
