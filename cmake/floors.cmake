@@ -90,7 +90,21 @@ function(tavelor_test floor)
   endif()
   set_target_properties(${floor}_tests PROPERTIES POSITION_INDEPENDENT_CODE OFF)
   target_precompile_headers(${floor}_tests REUSE_FROM tavelor_test_pch)
-  # Suites that run several threads say so in their names; the thread sanitizer runs these only.
+  # Tests that run several threads say so in their names; the thread sanitizer builds and runs
+  # these only.
+  set(with_threads FALSE)
+  foreach(source IN LISTS sources)
+    file(STRINGS ${source} named REGEX "TEST.*Thread" LIMIT_COUNT 1)
+    if(named)
+      set(with_threads TRUE)
+    endif()
+  endforeach()
+  if(with_threads)
+    if(NOT TARGET tests_with_threads)
+      add_custom_target(tests_with_threads)
+    endif()
+    add_dependencies(tests_with_threads ${floor}_tests)
+  endif()
   gtest_discover_tests(${floor}_tests TEST_PREFIX "${floor}." TEST_FILTER "-*Thread*"
     TEST_LIST ${floor}_tests_plain DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
   gtest_discover_tests(${floor}_tests TEST_PREFIX "${floor}." TEST_FILTER "*Thread*"
