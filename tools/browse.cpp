@@ -10,6 +10,7 @@
 #include "tavelor/services/recordset/recordset.hpp"
 #include "tools/command.hpp"
 #include "tools/output.hpp"
+#include "tools/page.hpp"
 #include "tools/session.hpp"
 #include "tools/table.hpp"
 
@@ -21,7 +22,8 @@ constexpr const char* kFooter = R"(  tavelor browse ClsBancos
   tavelor browse ClsBancos --mode seleccioncombo
   tavelor browse ClsBancos --mode registro --id 00001
   tavelor browse ClsBancos --filter "Descripción Like 'Caja*'" --sort "Descripción DESC"
-  tavelor browse ClsBancos --columns Código,IBAN --csv)";
+  tavelor browse ClsBancos --columns Código,IBAN --csv
+  tavelor browse ClsBancos --html)";
 
 struct BrowseOptions {
   std::string className;
@@ -30,13 +32,14 @@ struct BrowseOptions {
   std::string filter;
   std::string sort;
   TableOptions table;
+  bool html = false;
 };
 
 void browse(const BrowseOptions& options, const Common& common) {
   const Component& browsed = component(options.className);
   Session session(common);
   const std::unique_ptr<Object> object = browsed.make();
-  const auto* record = dynamic_cast<RecordClass*>(object.get());
+  auto* record = dynamic_cast<RecordClass*>(object.get());
   if (record == nullptr) {
     throw UsageError(fmt::format("{} has no rows to browse", browsed.name()));
   }
@@ -44,6 +47,10 @@ void browse(const BrowseOptions& options, const Common& common) {
   const RecordsetPtr rows = record->DataMember("Primary");
   if (!options.filter.empty()) rows->Filter(options.filter);
   if (!options.sort.empty()) rows->Sort(options.sort);
+  if (options.html) {
+    fmt::print("{}\n", writePage(*record, options.table.columns));
+    return;
+  }
   printRows(*rows, session.locale(), options.table, Style(common.color, stdout));
 }
 
@@ -61,6 +68,8 @@ void addBrowse(CLI::App& app, Common& common) {
   command->add_option("--filter", options->filter, "Show the rows that fit")->type_name("CRITERIA");
   command->add_option("--sort", options->sort, "Order: column [DESC], ...")->type_name("ORDER");
   addTableOptions(*command, options->table);
+  command->add_flag("--html", options->html, "Write the page of the class, and tell where it lies")
+      ->excludes("--limit", "--csv");
   addInstallationOptions(*command, common);
   addColorOption(*command, common);
   command->footer(kFooter);

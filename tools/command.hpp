@@ -36,6 +36,7 @@ std::vector<std::string> argumentTexts(const CLI::App& command, const Common& co
 
 // Each adds its subcommand, whose work runs at the end of the parsing.
 void addNew(CLI::App& app, Common& common);
+void addSeed(CLI::App& app, Common& common);
 void addClasses(CLI::App& app, Common& common);
 void addCall(CLI::App& app, Common& common);
 void addBrowse(CLI::App& app, Common& common);

@@ -54,6 +54,7 @@ void addCommands(CLI::App& app, Common& common) {
   app.set_version_flag("--version", "tavelor " TAVELOR_VERSION);
   app.footer(kFooter);
   addNew(app, common);
+  addSeed(app, common);
   addClasses(app, common);
   addCall(app, common);
   addBrowse(app, common);

@@ -166,6 +166,8 @@ TEST_F(FiltersTest, ADateStandsBetweenItsDelimiters) {
   EXPECT_EQ(criterion(TextBox("Fecha", "31/12/2026"), "1"), "Fecha >= #31/12/2026# ");
   EXPECT_THAT(applied("Fecha >= #12/31/2026# "), ElementsAre("1", "2"));
   EXPECT_THAT(applied("Fecha <= #12/31/2026# "), ElementsAre("1"));
+  EXPECT_THAT(applied("Fecha = #1/2/2027# "), ElementsAre("2")) << "month, day, year";
+  EXPECT_THAT(applied("Fecha = #31/12/2026# "), ElementsAre("1")) << "there is no 31st month";
 }
 
 // Short numbers, amounts and memos go the way of dates. Which columns a form filters by is settled
@@ -175,6 +177,9 @@ TEST_F(FiltersTest, WhateverIsNoBooleanLongDoubleOrTextIsTakenForADate) {
   EXPECT_EQ(criterion(TextBox("Dinero", "3")), "Dinero = #3# ");
   EXPECT_EQ(criterion(TextBox("Notas", "x")), "Notas = #x# ");
   EXPECT_EQ(criterion(CheckBox("Corto", 1)), "Corto = #1# ");
+  for (const char* refused : {"Corto = #3# ", "Dinero = #3# "}) {
+    EXPECT_EQ(errorOf([&] { sample.AplyFilter(refused); }), errors::kCriteriaTypeMismatch);
+  }
 }
 
 // ---- List boxes
