@@ -73,6 +73,35 @@ TEST_F(PlanCacheRuns, HostileValuesNeverChangeWhatAStatementDoes) {
   EXPECT_EQ(textOf(*session, "SELECT max(Codigo) FROM Lineas"), "x' or 1");
 }
 
+TEST_F(PlanCacheRuns, MoneyAndDatesOutOfRangeAreRefused) {
+  const auto run = [&](std::string_view column, std::string_view number) {
+    return errorNumber([&] {
+      cache->run(Statement("INSERT INTO Lineas (")
+                 << column << ") VALUES (" << value(number) << ")");
+    });
+  };
+  EXPECT_EQ(run("Importe", "-9223372036854775808"), errors::kMultipleStep);
+  EXPECT_EQ(run("Importe", "922337203685478"), errors::kMultipleStep);
+  EXPECT_EQ(run("Importe", "-922337203685477"), 0);
+  EXPECT_EQ(run("Fecha", "1e300"), errors::kMultipleStep);
+  EXPECT_EQ(run("Fecha", "2958466"), errors::kMultipleStep);
+  EXPECT_EQ(run("Fecha", "-657435"), errors::kMultipleStep);
+  EXPECT_EQ(run("Fecha", "2958465"), 0);
+  EXPECT_EQ(count(), 2);
+}
+
+TEST_F(PlanCacheRuns, AQuotedWordOfTruthMeetsAFlag) {
+  cache->run(Statement("INSERT INTO Lineas (Activa) VALUES (True)"));
+  const auto found = [&](std::string_view word) {
+    return fetch(Statement("SELECT Id FROM Lineas WHERE Activa = '") << value(word) << "'").rows();
+  };
+  EXPECT_EQ(found("True"), 1U);
+  EXPECT_EQ(found("verdadero"), 1U);
+  EXPECT_EQ(found("-1"), 1U);
+  EXPECT_EQ(found("Falso"), 0U);
+  EXPECT_EQ(errorNumber([&] { found("si"); }), errors::kTypeMismatch);
+}
+
 TEST_F(PlanCacheRuns, AFailedStatementMayRunAgainWithOtherValues) {
   cache->run(insert("A1", "1", "1"));
   const auto error = errorOf([&] { cache->run(insert("A1", "1", "1")); });

@@ -98,7 +98,7 @@ std::optional<Number> readWritten(std::string_view text) {
 Value moneyOf(const Number& number, const Lifted& literal, const Parameter& parameter) {
   constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max() / Currency::kScale;
   if (number.isWhole) {
-    if (std::abs(number.whole) > kMost) refuseRange(literal, parameter);
+    if (number.whole > kMost || number.whole < -kMost) refuseRange(literal, parameter);
     return Value::ofCurrency(Currency::fromScaled(number.whole * Currency::kScale));
   }
   const double product = number.real * static_cast<double>(Currency::kScale);
@@ -129,6 +129,20 @@ Value wholeOf(const Number& number, const Lifted& literal, const Parameter& para
   return Value::ofInteger(static_cast<std::int64_t>(rounded));
 }
 
+/// True for a day number that reads as a date again.
+bool isDay(double days) {
+  try {
+    static_cast<void>(Date(days).civil());
+    return true;
+  } catch (const Error&) {
+    return false;
+  }
+}
+
+Value numberOf(const Number& number) {
+  return number.isWhole ? Value::ofInteger(number.whole) : Value::ofReal(number.real);
+}
+
 /// A number that is assigned to a column takes the column's type.
 Value assigned(const Number& number, const Lifted& literal, const Parameter& parameter) {
   switch (parameter.columnType) {
@@ -145,9 +159,22 @@ Value assigned(const Number& number, const Lifted& literal, const Parameter& par
     }
     case ColumnType::kBoolean:
       return Value::ofBoolean(number.asReal() != 0);
+    case ColumnType::kDate:
+      if (!isDay(number.asReal())) refuseRange(literal, parameter);
+      return numberOf(number);
     default:
-      return number.isWhole ? Value::ofInteger(number.whole) : Value::ofReal(number.real);
+      return numberOf(number);
   }
+}
+
+std::optional<bool> truthOf(std::string_view text, const Locale& locale) {
+  if (text::equalsIgnoreCase(text, "True") || text::equalsIgnoreCase(text, locale.trueText)) {
+    return true;
+  }
+  if (text::equalsIgnoreCase(text, "False") || text::equalsIgnoreCase(text, locale.falseText)) {
+    return false;
+  }
+  return std::nullopt;
 }
 
 void checkLength(std::string_view text, const Parameter& parameter) {
@@ -190,6 +217,9 @@ Value LiteralReader::read(const Lifted& literal, const Parameter& parameter) con
 Value LiteralReader::number(const Lifted& literal, const Parameter& parameter) const {
   std::optional<Number> number;
   if (literal.quoted) {
+    if (parameter.compared && parameter.columnType == ColumnType::kBoolean) {
+      if (const auto truth = truthOf(literal.text, locale_)) return Value::ofBoolean(*truth);
+    }
     number = readPlain(literal.text, decimal_);
     if (!number) number = wrap(parseNumber(literal.text, locale_));
   } else {
@@ -201,7 +231,7 @@ Value LiteralReader::number(const Lifted& literal, const Parameter& parameter) c
   }
   if (parameter.conversion == Conversion::kCurrency) return moneyOf(*number, literal, parameter);
   if (!parameter.column.empty()) return assigned(*number, literal, parameter);
-  return number->isWhole ? Value::ofInteger(number->whole) : Value::ofReal(number->real);
+  return numberOf(*number);
 }
 
 Value LiteralReader::date(const Lifted& literal, const Parameter& parameter) const {
@@ -215,14 +245,8 @@ Value LiteralReader::date(const Lifted& literal, const Parameter& parameter) con
 }
 
 Value LiteralReader::boolean(const Lifted& literal, const Parameter& parameter) const {
-  const std::string_view text = literal.text;
   if (literal.quoted) {
-    if (text::equalsIgnoreCase(text, "True") || text::equalsIgnoreCase(text, locale_.trueText)) {
-      return Value::ofBoolean(true);
-    }
-    if (text::equalsIgnoreCase(text, "False") || text::equalsIgnoreCase(text, locale_.falseText)) {
-      return Value::ofBoolean(false);
-    }
+    if (const auto truth = truthOf(literal.text, locale_)) return Value::ofBoolean(*truth);
   }
   const Value read = number(literal, parameter);
   return Value::ofBoolean(read.integer != 0 || read.real != 0);
