@@ -133,6 +133,19 @@ TEST_F(Open, ACloneSharesEditsAdditionsAndDeletionsBothWays) {
   EXPECT_EQ(clone->Status(), record_status::kUnmodified);
 }
 
+TEST_F(Open, AnEditOfARowThatACloneDeletedCannotBePosted) {
+  const auto set = openBanks();
+  const auto clone = set->Clone();
+  clone->Field("Descripcion").Value("x");
+  set->Delete();
+  set->UpdateBatch();
+  EXPECT_EQ(raisedBy([&] { clone->Update(); }), errors::kDeletedRow);
+  clone->CancelUpdate();
+  clone->MoveNext();
+  EXPECT_EQ(textAt(*clone, "Codigo"), "002");
+  EXPECT_EQ(raisedBy([&] { clone->UpdateBatch(); }), 0);
+}
+
 TEST_F(Open, ACloneDoesNotSeeARowThatIsBeingAdded) {
   const auto set = openBanks();
   const auto clone = set->Clone();

@@ -127,6 +127,17 @@ TEST(Filter, ARowEditedOutOfTheFilterHasItsPredecessorBehindIt) {
   EXPECT_EQ(textAt(*set, "Nombre"), "b");
 }
 
+TEST(Filter, DeletingARowThatWasEditedOutOfItCountsTheOthersStill) {
+  const auto set = four();
+  set->Filter("Numero > 1");
+  set->Update({"Numero"}, {0});
+  ASSERT_EQ(set->RecordCount(), 2);
+  set->Delete();
+  EXPECT_EQ(set->RecordCount(), 2);
+  set->MoveLast();
+  EXPECT_FALSE(set->Eof());
+}
+
 TEST(Filter, AnEditOfAnotherFieldKeepsTheRowWhereItIs) {
   const auto set = four();
   set->Filter("Numero > 2");

@@ -79,6 +79,10 @@ void Recordset::post() {
 
 void Recordset::mergeDraft() {
   follow();
+  // A clone may have deleted the row meanwhile. CancelUpdate takes the edit back.
+  constexpr auto kGone =
+      static_cast<std::uint8_t>(RecordsetStore::kDead | RecordsetStore::kDeleted);
+  if ((store_->flags(draft_->row) & kGone) != 0) raise(errors::kDeletedRow, kRecordsetSource);
   const std::unique_ptr<Draft> draft = std::move(draft_);
   const Row row = draft->row;
   RecordsetStore& store = *store_;
@@ -233,7 +237,8 @@ void Recordset::deleteRow(Row row) {
     store.editOf(row) = {Operation::kDelete, 0, {}};
     store.setFlags(row, RecordsetStore::kEdited | RecordsetStore::kDeleted);
   }
-  if (shown && !visible(row)) --live_;
+  // A row that was edited out of the filter is current still, but counts no more.
+  if (shown && !visible(row) && indexOf(row) >= 0) --live_;
 }
 
 // ---- Taking back
