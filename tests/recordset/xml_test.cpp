@@ -51,6 +51,16 @@ TEST_F(Xml, RoundTripsFieldsAndValuesOfEveryType) {
   }
 }
 
+TEST_F(Xml, ALoadedSetIsSavedByteByByteAsItCame) {
+  const auto set = openBanks();
+  set->Update({"Descripcion", "Alta"}, {"<x>", Null{}});
+  set->MoveNext();
+  set->Delete();
+  set->AddNew({"Codigo"}, {"nuevo"});
+  const std::string xml = set->SaveXml();
+  EXPECT_EQ(Recordset::LoadXml(xml)->SaveXml(), xml);
+}
+
 TEST_F(Xml, RoundTripsTheEdgesOfNumbersAndDates) {
   Recordset set;
   set.Fields().Append("d", DataType::kDouble);

@@ -10,6 +10,7 @@
 
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/recordset/criteria.hpp"
+#include "tavelor/services/recordset/field_types.hpp"
 #include "tavelor/services/recordset/recordset_internal.hpp"
 #include "tavelor/services/recordset/xml_format.hpp"
 
@@ -155,7 +156,9 @@ void XmlWriter::writeField(std::size_t column) {
   const xml::TypeName name = xml::nameOf(type);
   attribute("dt:type", name.name);
   if (!name.dbType.empty()) attribute("rs:dbtype", name.dbType);
-  if (field.definedSize > 0) attribute("dt:maxLength", std::to_string(field.definedSize));
+  const std::int32_t size =
+      field.type == engine::ColumnType::kText ? field.definedSize : fixedSize(field.type);
+  if (size > 0) attribute("dt:maxLength", std::to_string(size));
   const bool isLong =
       field.type == engine::ColumnType::kMemo || field.type == engine::ColumnType::kBinary;
   if (isLong) attribute("rs:long", "true");
