@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // tavelor new: makes an installation.
 #include <CLI/CLI.hpp>
+#include <filesystem>
 
 #include <fmt/format.h>
 
@@ -18,7 +19,7 @@ void printMade(const Installation& made) {
     return path.lexically_relative(made.folder()).string();
   };
   const Settings& settings = made.settings();
-  fmt::print("Made an installation in {}\n", made.folder().string());
+  fmt::print("Made an installation in {}\n", made.folder());
   fmt::print("  {:<14}  settings: {} {}, locale {}\n", Installation::kSettingsFile,
              settings.company, settings.product, settings.locale);
   for (const DatabaseSettings& database : settings.databases) {

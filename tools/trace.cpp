@@ -2,6 +2,7 @@
 // tavelor trace: what statements an installation's programs run.
 #include <CLI/CLI.hpp>
 #include <deque>
+#include <filesystem>
 #include <fstream>
 
 #include <fmt/format.h>
@@ -40,12 +41,12 @@ void change(const Installation& installation, const TraceOptions& options) {
   if (settings.traceFile.empty()) settings.traceFile = kUsualFile;
   Installation::saveSettings(installation.folder(), settings);
   fmt::print("Trace {}, {}\n", options.action,
-             (installation.folder() / settings.traceFile).string());
+             (std::filesystem::path(installation.folder()) / settings.traceFile).string());
 }
 
 void show(const Installation& installation, std::size_t last) {
   const Settings& settings = installation.settings();
-  const auto path = installation.folder() / settings.traceFile;
+  const auto path = std::filesystem::path(installation.folder()) / settings.traceFile;
   fmt::print("Trace {}{}\n", settings.trace ? "on" : "off",
              settings.traceFile.empty() ? "" : ", " + path.string());
   if (settings.traceFile.empty()) return;

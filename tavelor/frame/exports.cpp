@@ -235,7 +235,7 @@ std::string personalFile(std::string_view folder, std::string_view word) {
   if (folder.empty()) return PathsService().HtmlFile(pageFile(word));
   std::string given(folder);
   std::replace(given.begin(), given.end(), '\\', '/');
-  return (Apartment::current().installation().folder() / given / pageFile(word)).string();
+  return (std::filesystem::path(Apartment::current().installation().folder()) / given / pageFile(word)).string();
 }
 
 }  // namespace
@@ -243,7 +243,7 @@ std::string personalFile(std::string_view folder, std::string_view word) {
 // ---------------------------------------------------------------------------------------------
 
 std::string RecordClass::reportFile(std::string_view name) {
-  return (Apartment::current().installation().reportFolder() / name).string();
+  return (std::filesystem::path(Apartment::current().installation().reportFolder()) / name).string();
 }
 
 std::string RecordClass::GetHtmlFile() const {

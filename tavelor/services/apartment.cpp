@@ -2,6 +2,8 @@
 // The services of one thread.
 #include "tavelor/services/apartment.hpp"
 
+#include <filesystem>
+
 #include <fmt/format.h>
 
 #include "tavelor/platform/error.hpp"
@@ -51,7 +53,7 @@ Apartment::Apartment(std::shared_ptr<Installation> installation)
   const Settings& settings = s.installation->settings();
   s.trace->turn(settings.trace);
   if (settings.trace && !settings.traceFile.empty()) {
-    s.trace->writeTo((s.installation->folder() / settings.traceFile).string());
+    s.trace->writeTo((std::filesystem::path(s.installation->folder()) / settings.traceFile).string());
   }
   s.covered = innermost;
   innermost = this;

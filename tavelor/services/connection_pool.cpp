@@ -65,7 +65,7 @@ std::shared_ptr<SessionLease> ConnectionPool::take(int selector) {
 std::unique_ptr<ConnectionPool::Session> ConnectionPool::open(int selector) {
   const engine::Engine& engine = installation_->databaseEngine(selector);
   engine::OpenOptions options;
-  options.path = installation_->databaseFile(selector).string();
+  options.path = installation_->databaseFile(selector);
   options.synchronous = installation_->settings().synchronous;
   options.busyTimeoutMs = installation_->settings().busyTimeoutMs;
   options.locale = installation_->locale();

@@ -42,7 +42,7 @@ void DataSession::ReportConnection(int selector, InOut<std::string> sDbtype,
                                    InOut<std::string> sUser, InOut<std::string> sPasw) const {
   const Installation& installation = apartment_.installation();
   *sDbtype = installation.database(selector).engine;
-  *sDataSource = installation.databaseFile(selector).string();
+  *sDataSource = installation.databaseFile(selector);
   sCatalog->clear();
   sUser->clear();
   sPasw->clear();
@@ -55,7 +55,7 @@ bool DataSession::IsDbFile(int selector) const {
 }
 
 std::string DataSession::DbFilePath(int selector) const {
-  return IsDbFile(selector) ? apartment_.installation().databaseFile(selector).string()
+  return IsDbFile(selector) ? apartment_.installation().databaseFile(selector)
                             : std::string();
 }
 

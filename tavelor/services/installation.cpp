@@ -2,6 +2,7 @@
 // Makes and opens installations.
 #include "tavelor/services/installation.hpp"
 
+#include <filesystem>
 #include <mutex>
 #include <system_error>
 
@@ -71,14 +72,14 @@ std::unique_ptr<engine::Session> Installation::openSession(const Database& datab
   return database.engine->open(options);
 }
 
-Installation::Installation(const fs::path& folder, Settings settings)
+Installation::Installation(const std::string& folder, Settings settings)
     : version_{folder, settings.company, settings.product},
       settings_(std::move(settings)),
       locale_(Locale::byName(settings_.locale)) {
   for (const DatabaseSettings& each : settings_.databases) {
     auto database = std::make_unique<Database>();
     database->settings = each;
-    database->file = (folder / each.file).lexically_normal();
+    database->file = (fs::path(folder) / each.file).lexically_normal();
     database->engine = findEngine(each.engine);
     database->connectionString =
         fmt::format("Provider={};Data Source={}", each.engine, database->file.string());
@@ -88,7 +89,7 @@ Installation::Installation(const fs::path& folder, Settings settings)
 
 Installation::~Installation() = default;
 
-std::shared_ptr<Installation> Installation::create(const fs::path& folder,
+std::shared_ptr<Installation> Installation::create(const std::string& folder,
                                                    const Settings& settings) {
   const fs::path place = absoluteFolder(folder);
   const fs::path file = place / kSettingsFile;
@@ -109,7 +110,7 @@ std::shared_ptr<Installation> Installation::create(const fs::path& folder,
   return made;
 }
 
-std::shared_ptr<Installation> Installation::open(const fs::path& folder) {
+std::shared_ptr<Installation> Installation::open(const std::string& folder) {
   const fs::path place = absoluteFolder(folder);
   std::shared_ptr<Installation> opened(
       new Installation(place, readSettings(place / kSettingsFile)));
@@ -129,7 +130,7 @@ void Installation::prepareDatabases(bool create) const {
                               {create, settings_.synchronous, settings_.busyTimeoutMs});
 }
 
-void Installation::saveSettings(const fs::path& folder, const Settings& settings) {
+void Installation::saveSettings(const std::string& folder, const Settings& settings) {
   writeSettings(absoluteFolder(folder) / kSettingsFile, settings);
 }
 
@@ -138,14 +139,14 @@ const Installation::Database& Installation::entry(int selector) const {
     if (database->settings.selector == selector) return *database;
   }
   raise(errors::kSubscriptOutOfRange, kSource,
-        fmt::format("The installation {} has no database {}.", folder().string(), selector));
+        fmt::format("The installation {} has no database {}.", folder(), selector));
 }
 
 const DatabaseSettings& Installation::database(int selector) const {
   return entry(selector).settings;
 }
 
-fs::path Installation::databaseFile(int selector) const {
+std::string Installation::databaseFile(int selector) const {
   return entry(selector).file;
 }
 
@@ -157,27 +158,27 @@ const std::string& Installation::connectionString(int selector) const {
   return entry(selector).connectionString;
 }
 
-fs::path Installation::registryFile() const {
+std::string Installation::registryFile() const {
   return within(settings_.registryFile);
 }
-fs::path Installation::reportFolder() const {
-  return folder() / kReportFolder;
+std::string Installation::reportFolder() const {
+  return within(std::string(kReportFolder));
 }
-fs::path Installation::exportFolder() const {
+std::string Installation::exportFolder() const {
   return within(settings_.exportFolder);
 }
-fs::path Installation::documentFolder() const {
+std::string Installation::documentFolder() const {
   return within(settings_.documentFolder);
 }
-fs::path Installation::textFolder() const {
+std::string Installation::textFolder() const {
   return within(settings_.textFolder);
 }
-fs::path Installation::emailTextFolder() const {
+std::string Installation::emailTextFolder() const {
   return within(settings_.emailTextFolder);
 }
 
-fs::path Installation::within(const std::string& path) const {
-  const fs::path full = (folder() / path).lexically_normal();
+std::string Installation::within(const std::string& path) const {
+  const fs::path full = (fs::path(folder()) / path).lexically_normal();
   return full.has_filename() ? full : full.parent_path();
 }
 

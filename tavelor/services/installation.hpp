@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -20,7 +19,7 @@ class Session;
 
 /// Who the component is and where it lives. The registry root is made of it.
 struct VersionRecord {
-  std::filesystem::path folder;
+  std::string folder;  ///< absolute
   std::string company;
   std::string product;
   int major = 1;
@@ -69,7 +68,7 @@ struct Settings {
 };
 
 /// One folder with a settings file (tavelor.xml), its databases and its registry. Never changes
-/// once open, so the apartments of several threads may share it.
+/// once open, so the apartments of several threads may share it. Paths are given and taken as text.
 class Installation {
  public:
   static constexpr std::string_view kSettingsFile = "tavelor.xml";
@@ -80,13 +79,13 @@ class Installation {
   /// when it is missing; one that holds an installation already is refused with 75 and left alone.
   /// The settings file comes last: what is left after a failure is no installation, and create()
   /// may be run again over it.
-  static std::shared_ptr<Installation> create(const std::filesystem::path& folder,
+  static std::shared_ptr<Installation> create(const std::string& folder,
                                               const Settings& settings = {});
   /// Opens one. Databases of an older schema are brought up to date, each in one transaction; one
   /// of a newer schema is refused and left alone. Errors say which file and, for a settings file
   /// that does not read, line and column: 53 for a missing one, 75 for one that cannot be read,
   /// 5 for a wrong value. Nothing is changed by a failure.
-  static std::shared_ptr<Installation> open(const std::filesystem::path& folder);
+  static std::shared_ptr<Installation> open(const std::string& folder);
 
   ~Installation();
   Installation(const Installation&) = delete;
@@ -95,26 +94,26 @@ class Installation {
   const VersionRecord& version() const { return version_; }
   const Settings& settings() const { return settings_; }
   const std::shared_ptr<const Locale>& locale() const { return locale_; }
-  const std::filesystem::path& folder() const { return version_.folder; }
+  const std::string& folder() const { return version_.folder; }
 
   /// Raises 9 for a selector that the settings do not name.
   const DatabaseSettings& database(int selector) const;
   /// Full path of a file-based database.
-  std::filesystem::path databaseFile(int selector) const;
+  std::string databaseFile(int selector) const;
   const engine::Engine& databaseEngine(int selector) const;
   /// "Provider=sqlite;Data Source=/shops/centre/main.db".
   const std::string& connectionString(int selector) const;
-  std::filesystem::path registryFile() const;
+  std::string registryFile() const;
 
-  std::filesystem::path reportFolder() const;
-  std::filesystem::path exportFolder() const;
-  std::filesystem::path documentFolder() const;
-  std::filesystem::path textFolder() const;
-  std::filesystem::path emailTextFolder() const;
+  std::string reportFolder() const;
+  std::string exportFolder() const;
+  std::string documentFolder() const;
+  std::string textFolder() const;
+  std::string emailTextFolder() const;
 
   /// Writes changed settings in the place of the old ones: after a crash there is one or the other,
   /// whole. Those who have the installation open go on with the old ones.
-  static void saveSettings(const std::filesystem::path& folder, const Settings& settings);
+  static void saveSettings(const std::string& folder, const Settings& settings);
 
   /// The tables of a database, shared by all threads.
   std::shared_ptr<const engine::Catalogue> catalogue(int selector) const;
@@ -125,11 +124,11 @@ class Installation {
 
  private:
   struct Database;
-  Installation(const std::filesystem::path& folder, Settings settings);
+  Installation(const std::string& folder, Settings settings);
   const Database& entry(int selector) const;
   std::unique_ptr<engine::Session> openSession(const Database& database, bool create) const;
   void prepareDatabases(bool create) const;
-  std::filesystem::path within(const std::string& path) const;
+  std::string within(const std::string& path) const;
 
   VersionRecord version_;
   Settings settings_;

@@ -26,7 +26,7 @@ std::string PathsService::EmailTxtFolder() const {
 }
 
 std::string PathsService::WorkPath() const {
-  return apartment_.installation().folder().string();
+  return apartment_.installation().folder();
 }
 
 bool PathsService::FileExists(std::string_view path) const {

@@ -117,10 +117,10 @@ struct RegistryTree::State {
   }
 };
 
-RegistryTree::RegistryTree(const std::filesystem::path& file, Options options)
+RegistryTree::RegistryTree(const std::string& file, Options options)
     : state_(std::make_unique<State>()) {
   engine::OpenOptions open;
-  open.path = file.string();
+  open.path = file;
   open.create = options.create;
   open.synchronous = options.synchronous;
   open.busyTimeoutMs = options.busyTimeoutMs;

@@ -2,7 +2,6 @@
 // A tree of keys with named text values, kept in a file of the installation.
 #pragma once
 
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -31,8 +30,8 @@ class RegistryTree {
     bool synchronous = true;
     int busyTimeoutMs = 5000;
   };
-  explicit RegistryTree(const std::filesystem::path& file, Options options);
-  explicit RegistryTree(const std::filesystem::path& file) : RegistryTree(file, Options{}) {}
+  explicit RegistryTree(const std::string& file, Options options);
+  explicit RegistryTree(const std::string& file) : RegistryTree(file, Options{}) {}
   ~RegistryTree();
   RegistryTree(const RegistryTree&) = delete;
   RegistryTree& operator=(const RegistryTree&) = delete;

@@ -32,7 +32,7 @@ class ClsArticulosComentariosTest : public test::CatalogueTest<ClsArticulosComen
              std::to_string(id) + ", '" + article + "', '" + text + "')");
   }
   std::filesystem::path report(const std::string& name) {
-    return shop.installation().folder() / "rpt" / name;
+    return std::filesystem::path(shop.installation().folder()) / "rpt" / name;
   }
   std::string count() { return shop.text("SELECT Count(*) FROM Articulos_Comentarios"); }
 

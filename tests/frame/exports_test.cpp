@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Rows as pages: what they show and where they lie.
+#include <filesystem>
 #include <fstream>
 
 #include <gmock/gmock.h>
@@ -93,7 +94,7 @@ class ExportsTest : public testing::Test {
 // ---- Where pages lie
 
 TEST_F(ExportsTest, GetHtmlFileIsTheClassWordInTheReportFolderOfTheInstallation) {
-  EXPECT_EQ(sample.GetHtmlFile(), (shop.installation().folder() / "rpt" / "Muestras.htm").string());
+  EXPECT_EQ(sample.GetHtmlFile(), (fs::path(shop.installation().folder()) / "rpt" / "Muestras.htm").string());
 }
 
 TEST_F(ExportsTest, TheReportFolderIsMadeWhenItIsNotThere) {
@@ -350,7 +351,7 @@ TEST_F(ExportsTest, AModernPageIsTheOneThatWasApproved) {
 TEST_F(ExportsTest, AModernPageLiesInTheUsersFolder) {
   fill();
   sample.IniciaRs();
-  const fs::path absolute = shop.installation().folder() / "ana";
+  const fs::path absolute = fs::path(shop.installation().folder()) / "ana";
   fs::create_directories(absolute / "sub");
   sample.writeModernPage(absolute.string(), codeOnly, true, "todos", false);
   EXPECT_TRUE(fs::exists(absolute / "Muestras.htm"));

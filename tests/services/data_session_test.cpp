@@ -2,6 +2,8 @@
 // The operations of DataSession, one by one.
 #include "tavelor/services/data_session.hpp"
 
+#include <filesystem>
+
 #include <gmock/gmock.h>
 
 #include "tavelor/platform/locale.hpp"
@@ -22,7 +24,7 @@ using ::testing::HasSubstr;
 class DataSessionOperations : public ::testing::Test {
  protected:
   std::string path(const std::string& below) {
-    return (shop_.installation().folder() / below).string();
+    return (std::filesystem::path(shop_.installation().folder()) / below).string();
   }
 
   Shop shop_;

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Lists of settings, session values, number formats, paths and permissions.
+#include <filesystem>
+
 #include <gmock/gmock.h>
 
 #include "tavelor/platform/format.hpp"
@@ -172,7 +174,7 @@ TEST(NumberFormats, SqlNumberOfWhatIsNoNumberIsAnError) {
 TEST(Paths, AreThoseOfTheInstallation) {
   Shop shop;
   const PathsService paths;
-  const fs::path& folder = shop.installation().folder();
+  const fs::path folder = shop.installation().folder();
   EXPECT_EQ(paths.HtmlFile("Bancos.htm"), (folder / "rpt/Bancos.htm").string());
   EXPECT_EQ(paths.HtmlFile("Formas Pago.htm"), (folder / "rpt/Formas Pago.htm").string());
   EXPECT_EQ(paths.TxtFolder(), (folder / "txt/").string());
@@ -182,7 +184,7 @@ TEST(Paths, AreThoseOfTheInstallation) {
 
 TEST(Paths, MissingFolderIsMade) {
   Shop shop;
-  fs::remove_all(shop.installation().folder() / "txt");
+  fs::remove_all(fs::path(shop.installation().folder()) / "txt");
   EXPECT_TRUE(fs::is_directory(PathsService().TxtFolder()));
 }
 
@@ -194,8 +196,8 @@ TEST(Paths, HtmlFileStaysInItsFolder) {
 TEST(Paths, FileExistsIsTrueForFilesOnly) {
   Shop shop;
   const PathsService paths;
-  EXPECT_TRUE(paths.FileExists(shop.installation().databaseFile(1).string()));
-  EXPECT_FALSE(paths.FileExists(shop.installation().folder().string()));
+  EXPECT_TRUE(paths.FileExists(shop.installation().databaseFile(1)));
+  EXPECT_FALSE(paths.FileExists(shop.installation().folder()));
   EXPECT_FALSE(paths.FileExists("/nowhere/at/all"));
   EXPECT_FALSE(paths.FileExists(""));
   EXPECT_FALSE(paths.FileExists(std::string(100000, 'x')));

@@ -13,7 +13,16 @@ namespace tavelor::engine {
 /// A typed value that an engine binds to a placeholder. Text and bytes are views: what they view
 /// must live until the statement has run.
 struct Value {
-  enum class Kind : std::uint8_t { kNull, kBoolean, kInteger, kReal, kCurrency, kDate, kText, kBytes };
+  enum class Kind : std::uint8_t {
+    kNull,
+    kBoolean,
+    kInteger,
+    kReal,
+    kCurrency,
+    kDate,
+    kText,
+    kBytes
+  };
 
   Kind kind = Kind::kNull;
   std::int64_t integer = 0;  ///< kBoolean (0 or -1), kInteger, kCurrency (ten-thousandths)
