@@ -53,7 +53,8 @@ Apartment::Apartment(std::shared_ptr<Installation> installation)
   const Settings& settings = s.installation->settings();
   s.trace->turn(settings.trace);
   if (settings.trace && !settings.traceFile.empty()) {
-    s.trace->writeTo((std::filesystem::path(s.installation->folder()) / settings.traceFile).string());
+    s.trace->writeTo(
+        (std::filesystem::path(s.installation->folder()) / settings.traceFile).string());
   }
   s.covered = innermost;
   innermost = this;

@@ -53,7 +53,7 @@ TEST_F(ClsContactosTest, TheDefaultContactIsGivenByItsName) {
 
 TEST_F(ClsContactosTest, GetTxtFileLiesInTheReportFolderOfTheInstallation) {
   EXPECT_EQ(catalogue.GetTxtFile(),
-            (shop.installation().folder() / "rpt" / "Contactos.txt").string());
+            shop.installation().reportFolder() + "/Contactos.txt");
 }
 
 TEST_F(ClsContactosTest, ObtenerRegistroActivoReadsTheCurrentRow) {
