@@ -113,6 +113,7 @@ void clsNumeradores::CrearPeriodoActual() {
     rows.Field(field).Value(seeds[static_cast<std::size_t>(field - kFirstSeeded) % seeds.size()]);
   }
   rows.Field("Factura_r").Value(number(Variant(year + "00000")));
+  // Work orders once more, by name: they have their seeds wherever the places above end.
   for (const char* family : {"Presupuesto_", "Orden_"}) {
     rows.Field(std::string(family) + "a").Value(seeds[0]);
     rows.Field(std::string(family) + "b").Value(seeds[1]);

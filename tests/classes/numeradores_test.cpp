@@ -334,6 +334,8 @@ TEST_F(ClsNumeradoresTest, WithoutSimpleNumberingZerosBecomeTheSeedsOfANewPeriod
   EXPECT_EQ(stored("Albaran_"), "5, 2600000, 7");
   write("Albaranes", {-1, 0.5, -0.0});
   EXPECT_EQ(stored("Albaran_"), "-1, 0,5, 26000000");
+  write("Albaranes", {0.5, -1, -1});
+  EXPECT_EQ(stored("Albaran_"), "0,5, -1, -1") << "only what is exactly 0";
 }
 
 TEST_F(ClsNumeradoresTest, TheSeedsOfDeliveryNotesCarryTheYearOfToday) {
