@@ -101,8 +101,8 @@ std::shared_ptr<Installation> Installation::create(const std::string& folder,
   }
   makeFolder(place);
   std::shared_ptr<Installation> made(new Installation(place, settings));
-  for (const fs::path& each : {made->reportFolder(), made->exportFolder(), made->documentFolder(),
-                               made->textFolder(), made->emailTextFolder()}) {
+  for (const fs::path each : {made->reportFolder(), made->exportFolder(), made->documentFolder(),
+                              made->textFolder(), made->emailTextFolder()}) {
     makeFolder(each);
   }
   made->prepareDatabases(true);

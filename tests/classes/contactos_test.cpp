@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Contacts.
 #include "tavelor/reference/contactos.hpp"
 
 #include "tests/classes/catalogue.hpp"
@@ -52,8 +53,7 @@ TEST_F(ClsContactosTest, TheDefaultContactIsGivenByItsName) {
 }
 
 TEST_F(ClsContactosTest, GetTxtFileLiesInTheReportFolderOfTheInstallation) {
-  EXPECT_EQ(catalogue.GetTxtFile(),
-            shop.installation().reportFolder() + "/Contactos.txt");
+  EXPECT_EQ(catalogue.GetTxtFile(), shop.installation().reportFolder() + "/Contactos.txt");
 }
 
 TEST_F(ClsContactosTest, ObtenerRegistroActivoReadsTheCurrentRow) {
