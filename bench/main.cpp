@@ -27,6 +27,7 @@ constexpr std::array kWorks{
     Work{"statements", tavelor::bench::measureStatements},
     Work{"sale", tavelor::bench::measureSale},
     Work{"articles", tavelor::bench::measureArticles},
+    Work{"stock", tavelor::bench::measureStock},
     Work{"translation", tavelor::bench::measureTranslation},
     Work{"growth", tavelor::bench::measureGrowth},
     Work{"storage", tavelor::bench::measureStorage},

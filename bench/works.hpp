@@ -14,6 +14,8 @@ void measureStatements(Report& report, const Scale& scale);
 void measureSale(Report& report, const Scale& scale);
 /// Members of the article master.
 void measureArticles(Report& report, const Scale& scale);
+/// The stock of a ticket's lines, in all places that hold it.
+void measureStock(Report& report, const Scale& scale);
 /// Translation of every statement of the corpus beside the engine's own compiling.
 void measureTranslation(Report& report, const Scale& scale);
 /// Time a row from a thousand rows to a million.

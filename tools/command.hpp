@@ -42,6 +42,7 @@ void addCall(CLI::App& app, Common& common);
 void addBrowse(CLI::App& app, Common& common);
 void addEdit(CLI::App& app, Common& common);
 void addPeriod(CLI::App& app, Common& common);
+void addStock(CLI::App& app, Common& common);
 void addSql(CLI::App& app, Common& common);
 void addTrace(CLI::App& app, Common& common);
 

@@ -60,6 +60,7 @@ void addCommands(CLI::App& app, Common& common) {
   addBrowse(app, common);
   addEdit(app, common);
   addPeriod(app, common);
+  addStock(app, common);
   addSql(app, common);
   addTrace(app, common);
   app.allow_extras();  // last: subcommands that are added later would take it over
