@@ -30,15 +30,15 @@ TEST(Schema, TablesCarryTheirTypesExactly) {
           "D SHORT, E LONG, F SINGLE, G DOUBLE, H CURRENCY DEFAULT 0, I DATETIME, "
           "J BIT NOT NULL DEFAULT 0, K LONGBINARY, L TEXT(5) DEFAULT 'x''y', M BIT DEFAULT True,"
           " N LONG DEFAULT -1, CONSTRAINT PK PRIMARY KEY (A));"),
-      ElementsAre("CREATE TABLE T (A TEXT(6) NOT NULL, B TEXT, C TINYINT, D SMALLINT, E INTEGER, "
+      ElementsAre("CREATE TABLE T (A TEXT(6) NOT NULL, B TEXT, C TINYINT, D SMALLINT, E INT, "
                   "F FLOAT, G DOUBLE, H DECIMAL(19,4) DEFAULT 0, I DATETIME, "
                   "J BOOLEAN NOT NULL DEFAULT 0, K BLOB, L TEXT(5) DEFAULT 'x''y', "
-                  "M BOOLEAN DEFAULT -1, N INTEGER DEFAULT -1, PRIMARY KEY (A))"));
+                  "M BOOLEAN DEFAULT -1, N INT DEFAULT -1, PRIMARY KEY (A))"));
 }
 
 TEST(Schema, ACounterIsTheKeyOfItsTable) {
   EXPECT_THAT(schema("CREATE TABLE T (Id COUNTER, A LONG, PRIMARY KEY (Id))"),
-              ElementsAre("CREATE TABLE T (Id INTEGER PRIMARY KEY AUTOINCREMENT, A INTEGER)"));
+              ElementsAre("CREATE TABLE T (Id INTEGER PRIMARY KEY AUTOINCREMENT, A INT)"));
   EXPECT_THAT(refusal("CREATE TABLE T (Id COUNTER, A LONG, PRIMARY KEY (A))"),
               HasSubstr("not the primary key"));
   EXPECT_THAT(refusal("CREATE TABLE T (Id COUNTER)"), HasSubstr("not the primary key"));
@@ -46,7 +46,7 @@ TEST(Schema, ACounterIsTheKeyOfItsTable) {
 
 TEST(Schema, ColumnsOfTheKeyAreNeverNull) {
   EXPECT_THAT(schema("CREATE TABLE T (A LONG, B TEXT(3), PRIMARY KEY (B, A))"),
-              ElementsAre("CREATE TABLE T (A INTEGER NOT NULL, B TEXT(3) NOT NULL, "
+              ElementsAre("CREATE TABLE T (A INT NOT NULL, B TEXT(3) NOT NULL, "
                           "PRIMARY KEY (B, A))"));
 }
 
@@ -56,7 +56,7 @@ TEST(Schema, IndexesChangesAndDrops) {
              "ALTER TABLE T ADD COLUMN [Order] LONG NOT NULL DEFAULT 0; DROP INDEX I2 ON T;"
              "DROP TABLE T"),
       ElementsAre("CREATE UNIQUE INDEX IX ON \"Mi tabla\" (A, \"B c\")", "CREATE INDEX I2 ON T (A)",
-                  "ALTER TABLE T ADD COLUMN \"Order\" INTEGER NOT NULL DEFAULT 0", "DROP INDEX I2",
+                  "ALTER TABLE T ADD COLUMN \"Order\" INT NOT NULL DEFAULT 0", "DROP INDEX I2",
                   "DROP TABLE T"));
 }
 

@@ -18,6 +18,7 @@ constexpr std::string_view kSchema = R"(
     Codigo TEXT(6) NOT NULL PRIMARY KEY, Nombre TEXT(10), Precio CURRENCY, Cantidad DOUBLE,
     Orden LONG, Corto SHORT, Activo BIT NOT NULL DEFAULT 0, Fecha DATETIME, Nota MEMO);
   CREATE TABLE Lineas (Id COUNTER PRIMARY KEY, Codigo TEXT(6), Importe CURRENCY);
+  CREATE TABLE Numeradas (Id LONG NOT NULL PRIMARY KEY, Nombre TEXT(10));
 )";
 
 class DialectBehaviour : public testing::Test {
@@ -83,6 +84,17 @@ TEST_F(DialectBehaviour, AnEmptyTextEqualsNoNumberAndIsNoneToStore) {
   EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Orden = ''"), "none");
   EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Fecha > ''"), "none");
   EXPECT_EQ(error("UPDATE Tarifas SET Orden = ''"), errors::kTypeMismatch);
+}
+
+TEST_F(DialectBehaviour, OnlyACounterNumbersItselfAndAnotherKeyMustBeGiven) {
+  run("INSERT INTO Lineas (Codigo) VALUES ('a')");
+  EXPECT_EQ(first("SELECT Id FROM Lineas"), "1");
+  EXPECT_EQ(error("INSERT INTO Numeradas (Nombre) VALUES ('x')"), errors::kIntegrityViolation);
+  EXPECT_EQ(error("INSERT INTO Numeradas (Id, Nombre) VALUES (Null, 'x')"),
+            errors::kIntegrityViolation);
+  run("INSERT INTO Numeradas (Id, Nombre) VALUES (7, 'x')");
+  EXPECT_EQ(error("UPDATE Numeradas SET Id = Null"), errors::kIntegrityViolation);
+  EXPECT_EQ(first("SELECT Id FROM Numeradas"), "7");
 }
 
 TEST_F(DialectBehaviour, TheSecondEqualsSignCompares) {

@@ -165,7 +165,8 @@ class SqliteWriter final : public Writer {
       case ColumnType::kInt16:
         return "SMALLINT";
       case ColumnType::kInt32:
-        return "INTEGER";
+        // An INTEGER key numbers its rows by itself; a key that is no COUNTER must be given.
+        return column.autoNumber ? "INTEGER" : "INT";
       case ColumnType::kSingle:
         return "FLOAT";
       case ColumnType::kDouble:
