@@ -44,6 +44,7 @@ void addEdit(CLI::App& app, Common& common);
 void addPeriod(CLI::App& app, Common& common);
 void addStock(CLI::App& app, Common& common);
 void addSql(CLI::App& app, Common& common);
+void addImport(CLI::App& app, Common& common);
 void addTrace(CLI::App& app, Common& common);
 
 }  // namespace tavelor::tools

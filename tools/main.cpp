@@ -62,6 +62,7 @@ void addCommands(CLI::App& app, Common& common) {
   addPeriod(app, common);
   addStock(app, common);
   addSql(app, common);
+  addImport(app, common);
   addTrace(app, common);
   app.allow_extras();  // last: subcommands that are added later would take it over
   app.parse_complete_callback([&app, &common] { checkCommand(app, common); });

@@ -12,7 +12,8 @@ namespace tavelor::tools {
 
 namespace {
 
-constexpr const char* kFooter = R"(Tax rates, the euro, payment methods, document and invoice types, an issuer, a
+constexpr const char* kFooter =
+    R"(Tax rates, the euro, payment methods, document and invoice types, an issuer, a
 warehouse, a till, a section, a family, a customer type, and the counters of this
 year. What has rows already is left alone, so a second run adds nothing.
 

@@ -28,7 +28,7 @@ class Session {
  public:
   explicit Session(const Common& common);
 
-  Installation& installation() { return apartment_.installation(); }
+  Installation& installation() const { return apartment_.installation(); }
   Apartment& apartment() { return apartment_; }
   const Locale& locale() const { return apartment_.locale(); }
 

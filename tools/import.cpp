@@ -1,0 +1,301 @@
+// SPDX-License-Identifier: MIT
+// tavelor import: takes articles from a file of comma-separated values.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+
+#include <fmt/format.h>
+
+#include "tavelor/platform/locale.hpp"
+#include "tavelor/platform/text.hpp"
+#include "tavelor/services/installation.hpp"
+#include "tools/article_import.hpp"
+#include "tools/command.hpp"
+#include "tools/csv_file.hpp"
+#include "tools/output.hpp"
+#include "tools/progress.hpp"
+#include "tools/session.hpp"
+
+namespace tavelor::tools {
+
+namespace {
+
+constexpr const char* kFooter =
+    R"(FILE is comma-separated values in UTF-8, plain or compressed by xz; its first row
+names the columns. Columns that bear the name of a field need no --map. Fields:
+
+  Codigo Descripcion Seccion Familia Tarifa_A Tarifa_B Tarifa_C Impuesto Descuento
+  Descuento_D Existencia Lotes Actualizar_Stock Activo Lista
+
+An article that is not there is added, in use unless Activo says no; one that is
+there is rewritten where the file says otherwise, but for Impuesto, Existencia,
+Lotes and Actualizar_Stock, which only a new article takes, and its reference
+becomes its code. Fields that the file does not give stay as they are.
+
+The whole file is read once before anything is written. Then rows are written in
+transactions of a thousand. A row with a fault is left out and reported, with its
+line, and the exit code is 1. After an interruption give the same command again:
+what is stored already is not written twice.
+
+  tavelor import articles articles.csv.xz --map product_id=Codigo product_type=Descripcion
+  tavelor import articles tarifa.csv --map Precio=Tarifa_A --decimal comma --report left-out.csv)";
+
+struct ImportOptions {
+  std::string kind;
+  std::string file;
+  std::vector<std::string> maps;
+  std::vector<std::string> constants;
+  std::string separator;
+  std::string decimal;
+  std::string report;
+};
+
+// ---------------------------------------------------------------------------------------------
+// Where the fields come from
+
+std::string joined(const std::vector<std::string>& names) {
+  std::string all;
+  for (const std::string& name : names) all += (all.empty() ? "" : ", ") + printable(name);
+  return all;
+}
+
+std::optional<ArticleField> fieldNamed(std::string_view name) {
+  for (std::size_t i = 0; i < kArticleFields.size(); ++i) {
+    if (text::equalsIgnoreCase(name, kArticleFields[i])) return static_cast<ArticleField>(i);
+  }
+  return std::nullopt;
+}
+
+/// "left=Field" taken apart at its last "=".
+std::pair<std::string, ArticleField> assignment(const std::string& text, bool fieldFirst) {
+  const std::size_t equals = fieldFirst ? text.find('=') : text.rfind('=');
+  if (equals == std::string::npos) {
+    throw UsageError(
+        fmt::format("{} is no {}", printable(text), fieldFirst ? "field=value" : "column=field"));
+  }
+  const std::string before = text.substr(0, equals);
+  const std::string behind = text.substr(equals + 1);
+  const std::string& name = fieldFirst ? before : behind;
+  const std::optional<ArticleField> field = fieldNamed(name);
+  if (!field) {
+    const std::string near = text::nearest(name, kArticleFields);
+    throw UsageError(fmt::format("articles have no field {}{}", printable(name),
+                                 near.empty() ? "" : fmt::format("; did you mean {}?", near)));
+  }
+  return {fieldFirst ? behind : before, *field};
+}
+
+std::size_t columnNamed(const std::string& name, const std::vector<std::string>& columns) {
+  const auto found = std::find(columns.begin(), columns.end(), name);
+  if (found != columns.end()) return static_cast<std::size_t>(found - columns.begin());
+  const std::string near = text::nearest(name, columns);
+  throw UsageError(fmt::format("the file has no column {}{}; it has {}", printable(name),
+                               near.empty() ? "" : fmt::format(" (did you mean {}?)", near),
+                               joined(columns)));
+}
+
+ArticleSources sourcesOf(const ImportOptions& options, const std::vector<std::string>& columns) {
+  ArticleSources sources;
+  const auto give = [&](ArticleField field) -> ArticleSources::Source& {
+    ArticleSources::Source& source = sources[field];
+    if (source.given) {
+      throw UsageError(fmt::format("the field {} is given twice",
+                                   kArticleFields[static_cast<std::size_t>(field)]));
+    }
+    source.given = true;
+    return source;
+  };
+  for (const std::string& map : options.maps) {
+    const auto [column, field] = assignment(map, false);
+    give(field).column = columnNamed(column, columns);
+  }
+  for (const std::string& constant : options.constants) {
+    const auto [value, field] = assignment(constant, true);
+    give(field).constant = value;
+  }
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const std::optional<ArticleField> field = fieldNamed(columns[i]);
+    if (field && !sources[*field].given) give(*field).column = i;
+  }
+  if (!sources[ArticleField::kCode].column) {
+    throw UsageError(fmt::format(
+        "say which column is the code: --map COLUMN=Codigo; the file has {}", joined(columns)));
+  }
+  return sources;
+}
+
+char separatorOf(const std::string& word) {
+  if (word.empty()) return 0;
+  if (word == "tab") return '\t';
+  if (word.size() == 1 && word != "\"") return word.front();
+  throw UsageError("a separator is one character, or the word tab");
+}
+
+std::shared_ptr<const Locale> numbersOf(const std::string& decimal, const Session& session) {
+  if (decimal == "comma") return Locale::spanish();
+  if (decimal == "point") return Locale::neutral();
+  return session.installation().locale();
+}
+
+// ---------------------------------------------------------------------------------------------
+// The report
+
+/// Shows the first refusals and writes all of them to a file, when there is one.
+class Refusals {
+ public:
+  explicit Refusals(const std::string& file) : path_(file) {
+    if (file.empty()) return;
+    file_.reset(std::fopen(file.c_str(), "wb"));
+    if (!file_) throw FileError(fmt::format("{}: the report cannot be written", printable(file)));
+    fmt::print(file_.get(), "line,code,reason\n");
+  }
+
+  void add(const std::vector<Refusal>& refusals) {
+    for (const Refusal& refusal : refusals) {
+      if (shown_.size() < kShown) shown_.push_back(refusal);
+      ++count_;
+      if (!file_) continue;
+      fmt::print(file_.get(), "{},\"{}\",\"{}\"\n", refusal.line, doubled(refusal.code),
+                 doubled(refusal.reason));
+    }
+  }
+
+  void print() const {
+    for (const Refusal& refusal : shown_) {
+      fmt::print(stderr, "line {}, {}: {}\n", refusal.line,
+                 refusal.code.empty() ? "no code" : printable(refusal.code),
+                 printable(refusal.reason));
+    }
+    if (count_ > shown_.size()) {
+      fmt::print(stderr, "and {} rows more{}\n", count_ - shown_.size(),
+                 path_.empty() ? "; --report FILE writes them all" : "");
+    }
+    if (file_ && (std::fflush(file_.get()) != 0 || std::ferror(file_.get()) != 0)) {
+      throw FileError(fmt::format("{}: the report cannot be written", printable(path_)));
+    }
+  }
+
+ private:
+  static constexpr std::size_t kShown = 20;
+  struct Closer {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+  };
+
+  static std::string doubled(const std::string& text) {
+    std::string all;
+    for (const char c : printable(text)) {
+      all += c;
+      if (c == '"') all += c;
+    }
+    return all;
+  }
+
+  std::string path_;
+  std::unique_ptr<std::FILE, Closer> file_;
+  std::vector<Refusal> shown_;
+  std::uint64_t count_ = 0;
+};
+
+// ---------------------------------------------------------------------------------------------
+// The work
+
+std::atomic<bool> interrupted{false};
+
+/// Lets the batch at hand end; a second signal ends the program as usual.
+class Interruptible {
+ public:
+  Interruptible() {
+    struct sigaction action = {};
+    action.sa_handler = [](int) { interrupted = true; };
+    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
+    sigaction(SIGINT, &action, &oldInterrupt_);
+    sigaction(SIGTERM, &action, &oldTerminate_);
+  }
+  ~Interruptible() {
+    sigaction(SIGINT, &oldInterrupt_, nullptr);
+    sigaction(SIGTERM, &oldTerminate_, nullptr);
+  }
+  Interruptible(const Interruptible&) = delete;
+  Interruptible& operator=(const Interruptible&) = delete;
+
+ private:
+  struct sigaction oldInterrupt_ = {};
+  struct sigaction oldTerminate_ = {};
+};
+
+/// Reads the file to its end, so that a fault of the file as such shows before anything is written.
+std::uint64_t countRows(const ImportOptions& options) {
+  CsvFile file(options.file, separatorOf(options.separator));
+  CsvFile::Row row;
+  std::uint64_t rows = 0;
+  while (file.next(row)) ++rows;
+  return rows;
+}
+
+void takeRows(CsvFile& file, ArticleImport& import, Refusals& refusals, std::uint64_t total) {
+  const Interruptible guard;
+  Progress progress(stderr, total);
+  std::vector<CsvFile::Row> rows(ArticleImport::kBatch);
+  std::size_t count = 0;
+  do {
+    count = 0;
+    while (count < rows.size() && file.next(rows[count])) ++count;
+    if (count == 0) break;
+    import.take(rows, count);
+    refusals.add(import.refusals());
+    progress.at(import.counts().total());
+  } while (count == rows.size() && !interrupted);
+}
+
+void importArticles(const ImportOptions& options, const Common& common) {
+  CsvFile file(options.file, separatorOf(options.separator));
+  const ArticleSources sources = sourcesOf(options, file.columns());
+  Session session(common);
+  const std::shared_ptr<const Locale> numbers = numbersOf(options.decimal, session);
+  const std::uint64_t total = countRows(options);
+  Refusals refusals(options.report);
+  ArticleImport import(sources, file.columns().size(), *numbers);
+
+  takeRows(file, import, refusals, total);
+  refusals.print();
+  const ImportCounts& counts = import.counts();
+  fmt::print("{} of {} rows: {} new, {} changed, {} as stored, {} refused\n", counts.total(), total,
+             counts.added, counts.changed, counts.same, counts.refused);
+  std::fflush(stdout);
+  if (counts.total() < total) {
+    throw FileError("interrupted; the same command goes on with the rest");
+  }
+  if (counts.refused > 0) throw FileError(fmt::format("{} rows were refused", counts.refused));
+}
+
+}  // namespace
+
+void addImport(CLI::App& app, Common& common) {
+  CLI::App* command = app.add_subcommand("import", "Take articles from a file");
+  auto options = std::make_shared<ImportOptions>();
+  command->add_option("what", options->kind, "What the rows are: articles")
+      ->required()
+      ->check(CLI::IsMember({"articles"}).description(""))
+      ->type_name("articles");
+  command->add_option("file", options->file, "The file")->required()->type_name("FILE");
+  command->add_option("--map", options->maps, "Which column is which field")
+      ->type_name("COLUMN=FIELD...");
+  command->add_option("--set", options->constants, "A field that is the same in all rows")
+      ->type_name("FIELD=VALUE...");
+  command
+      ->add_option("--separator", options->separator,
+                   "Between fields; else what the first row has most of: , ; tab |")
+      ->type_name("CHARACTER");
+  command->add_option("--decimal", options->decimal, "Else as the installation's locale writes it")
+      ->check(CLI::IsMember({"comma", "point"}).description(""))
+      ->type_name("comma|point");
+  command->add_option("--report", options->report, "Write all refused rows to this file")
+      ->type_name("FILE");
+  addInstallationOptions(*command, common);
+  command->footer(kFooter);
+  command->callback([options, &common] { importArticles(*options, common); });
+}
+
+}  // namespace tavelor::tools
