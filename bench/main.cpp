@@ -28,6 +28,7 @@ constexpr std::array kWorks{
     Work{"sale", tavelor::bench::measureSale},
     Work{"articles", tavelor::bench::measureArticles},
     Work{"stock", tavelor::bench::measureStock},
+    Work{"import", tavelor::bench::measureImport},
     Work{"translation", tavelor::bench::measureTranslation},
     Work{"growth", tavelor::bench::measureGrowth},
     Work{"storage", tavelor::bench::measureStorage},

@@ -16,6 +16,8 @@ void measureSale(Report& report, const Scale& scale);
 void measureArticles(Report& report, const Scale& scale);
 /// The stock of a ticket's lines, in all places that hold it.
 void measureStock(Report& report, const Scale& scale);
+/// Articles taken from rows of text, through their class.
+void measureImport(Report& report, const Scale& scale);
 /// Translation of every statement of the corpus beside the engine's own compiling.
 void measureTranslation(Report& report, const Scale& scale);
 /// Time a row from a thousand rows to a million.
