@@ -118,21 +118,20 @@ struct RowMarks {
 
 /// What stands before each value of a row and behind the last: all that a row has beside its
 /// values, joined once for all rows.
-std::vector<std::string> textsBetween(const std::vector<ShownColumn>& columns,
-                                      const RowMarks& marks) {
-  std::vector<std::string> texts;
+std::vector<PageMark> textsBetween(const std::vector<ShownColumn>& columns, const RowMarks& marks) {
+  std::vector<PageMark> texts;
   std::string text(marks.open);
   for (const ShownColumn& column : columns) {
-    texts.push_back(text.append(column.cell));
+    texts.emplace_back(text.append(column.cell));
     text = marks.cellEnd;
   }
-  texts.push_back(text.append(marks.close));
+  texts.emplace_back(text.append(marks.close));
   return texts;
 }
 
 std::size_t writeRows(Page& page, Recordset& rows, const std::vector<ShownColumn>& columns,
                       const RowMarks& marks, const Locale& locale) {
-  const std::vector<std::string> between = textsBetween(columns, marks);
+  const std::vector<PageMark> between = textsBetween(columns, marks);
   std::vector<Field> fields;
   RowReader row(rows);
   return forEachRow(rows, [&] {
@@ -141,11 +140,11 @@ std::size_t writeRows(Page& page, Recordset& rows, const std::vector<ShownColumn
     }
     const bool asStored = row.take();
     for (std::size_t i = 0; i < fields.size(); ++i) {
-      page.ascii(between[i]);
+      page << between[i];
       if (asStored && writeCell(page, row, fields[i].column(), locale)) continue;
       writeValue(page, fields[i].Value(), locale);
     }
-    page.ascii(between.back());
+    page << between.back();
   });
 }
 
@@ -235,7 +234,9 @@ std::string personalFile(std::string_view folder, std::string_view word) {
   if (folder.empty()) return PathsService().HtmlFile(pageFile(word));
   std::string given(folder);
   std::replace(given.begin(), given.end(), '\\', '/');
-  return (std::filesystem::path(Apartment::current().installation().folder()) / given / pageFile(word)).string();
+  return (std::filesystem::path(Apartment::current().installation().folder()) / given /
+          pageFile(word))
+      .string();
 }
 
 }  // namespace
@@ -243,7 +244,8 @@ std::string personalFile(std::string_view folder, std::string_view word) {
 // ---------------------------------------------------------------------------------------------
 
 std::string RecordClass::reportFile(std::string_view name) {
-  return (std::filesystem::path(Apartment::current().installation().reportFolder()) / name).string();
+  return (std::filesystem::path(Apartment::current().installation().reportFolder()) / name)
+      .string();
 }
 
 std::string RecordClass::GetHtmlFile() const {

@@ -8,9 +8,26 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace tavelor {
+
+/// A short ASCII text that a page repeats: copied in pieces of a fixed size, which costs less than
+/// asking for its length.
+class PageMark {
+ public:
+  explicit PageMark(std::string_view text) : bytes_(text), size_(text.size()) {
+    bytes_.resize((size_ + kPiece - 1) / kPiece * kPiece);
+  }
+
+ private:
+  friend class Page;
+  static constexpr std::size_t kPiece = 64;
+
+  std::string bytes_;
+  std::size_t size_;
+};
 
 /// A text file in the encoding that the pages announce (iso-8859-1, which browsers read as its
 /// superset windows-1252), lines ended by CR LF. Texts come in UTF-8; a character outside of the
@@ -27,20 +44,22 @@ class Page {
   Page& operator=(const Page&) = delete;
 
   Page& operator<<(std::string_view text);
-  /// The same for a text that is known to be ASCII, and shorter than kBuffer.
-  void ascii(std::string_view text) {
-    if (text.size() > room()) flush();
-    std::memcpy(next_, text.data(), text.size());
-    next_ += text.size();
+  Page& operator<<(const PageMark& mark) {
+    if (mark.bytes_.size() > room()) flush();
+    for (std::size_t at = 0; at < mark.size_; at += PageMark::kPiece) {
+      std::memcpy(next_ + at, mark.bytes_.data() + at, PageMark::kPiece);
+    }
+    next_ += mark.size_;
+    return *this;
   }
   void number(std::int64_t value);
   /// Ends the line.
   Page& line(std::string_view text = {}) { return *this << text << "\r\n"; }
   void finish();
 
+ private:
   static constexpr std::size_t kBuffer = 256UL * 1024;
 
- private:
   std::size_t room() const { return static_cast<std::size_t>(buffer_.get() + kBuffer - next_); }
   void encode(char32_t character);
   void flush();

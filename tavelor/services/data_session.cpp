@@ -2,6 +2,7 @@
 // The road from the classes to the databases.
 #include "tavelor/services/data_session.hpp"
 
+#include <fmt/compile.h>
 #include <fmt/format.h>
 
 #include "tavelor/platform/error.hpp"
@@ -55,8 +56,7 @@ bool DataSession::IsDbFile(int selector) const {
 }
 
 std::string DataSession::DbFilePath(int selector) const {
-  return IsDbFile(selector) ? apartment_.installation().databaseFile(selector)
-                            : std::string();
+  return IsDbFile(selector) ? apartment_.installation().databaseFile(selector) : std::string();
 }
 
 std::string DataSession::ReportPath(std::string_view file) const {
@@ -95,9 +95,11 @@ void DataSession::OpenRecordset(int selector, const Statement& statement, Record
 std::string DataSession::DateLiteral(int selector, const Variant& date) const {
   apartment_.installation().database(selector);
   const CivilTime at = date.toDate(apartment_.locale()).civil();
-  const std::string day = fmt::format("{:02}/{:02}/{:04}", at.month, at.day, at.year);
-  if (at.hour == 0 && at.minute == 0 && at.second == 0) return fmt::format("#{}#", day);
-  return fmt::format("#{} {:02}:{:02}:{:02}#", day, at.hour, at.minute, at.second);
+  if (at.hour == 0 && at.minute == 0 && at.second == 0) {
+    return fmt::format(FMT_COMPILE("#{:02}/{:02}/{:04}#"), at.month, at.day, at.year);
+  }
+  return fmt::format(FMT_COMPILE("#{:02}/{:02}/{:04} {:02}:{:02}:{:02}#"), at.month, at.day,
+                     at.year, at.hour, at.minute, at.second);
 }
 
 std::string DataSession::TimeLiteral(int selector, const Variant& time) const {

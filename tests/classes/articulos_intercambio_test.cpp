@@ -22,7 +22,7 @@ class ClsArticulosIntercambioTest : public testing::Test, protected test::Articl
     for (const Variant& value : values) all.push_back(text(value));
     return all;
   }
-  std::string file() { return (shop.installation().exportFolder() / "articulos.xml").string(); }
+  std::string file() { return shop.installation().exportFolder() + "/articulos.xml"; }
 };
 
 // ---- Lists

@@ -243,7 +243,7 @@ TEST_F(ClsArticulosTest, NamesAreThoseOfTheFields) {
   EXPECT_EQ(articles.sQCodigo(), "Código");
   EXPECT_EQ(articles.sQFamilia(), "Familia");
   EXPECT_EQ(articles.sQseccion(), "Sección");
-  EXPECT_EQ(articles.GetTxtFile(), (shop.installation().reportFolder() / "Articulos.txt").string());
+  EXPECT_EQ(articles.GetTxtFile(), shop.installation().reportFolder() + "/Articulos.txt");
 }
 
 // ---- Flags

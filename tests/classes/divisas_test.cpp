@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Values and the default currency.
 #include "tavelor/reference/divisas.hpp"
 
 #include "tests/classes/catalogue.hpp"

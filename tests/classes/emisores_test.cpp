@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Issuers by number.
 #include "tavelor/reference/emisores.hpp"
 
 #include "tests/classes/catalogue.hpp"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Article families, of the main and of the import database.
 #include "tavelor/reference/familias.hpp"
 
 #include "tests/classes/catalogue.hpp"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Payment methods and what a sale paid so leaves behind.
 #include "tavelor/reference/formas_pago.hpp"
 
 #include <filesystem>

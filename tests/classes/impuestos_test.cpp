@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Rates, surcharges and the default rate.
 #include "tavelor/reference/impuestos.hpp"
 
 #include "tests/classes/catalogue.hpp"

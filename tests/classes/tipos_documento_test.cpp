@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Issuer data of document types.
 #include "tavelor/reference/tipos_documento.hpp"
 
 #include "tests/classes/catalogue.hpp"

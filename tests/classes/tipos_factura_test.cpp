@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Layouts of invoices.
 #include "tavelor/reference/tipos_factura.hpp"
 
 #include "tests/classes/catalogue.hpp"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Carriers.
 #include "tavelor/reference/transportistas.hpp"
 
 #include "tests/classes/catalogue.hpp"

@@ -94,7 +94,8 @@ class ExportsTest : public testing::Test {
 // ---- Where pages lie
 
 TEST_F(ExportsTest, GetHtmlFileIsTheClassWordInTheReportFolderOfTheInstallation) {
-  EXPECT_EQ(sample.GetHtmlFile(), (fs::path(shop.installation().folder()) / "rpt" / "Muestras.htm").string());
+  EXPECT_EQ(sample.GetHtmlFile(),
+            (fs::path(shop.installation().folder()) / "rpt" / "Muestras.htm").string());
 }
 
 TEST_F(ExportsTest, TheReportFolderIsMadeWhenItIsNotThere) {

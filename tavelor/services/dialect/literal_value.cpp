@@ -168,6 +168,8 @@ Value assigned(const Number& number, const Lifted& literal, const Parameter& par
 }
 
 std::optional<bool> truthOf(std::string_view text, const Locale& locale) {
+  // Nearly all flags are written as -1 or 0, and no word begins so.
+  if (!text.empty() && (text.front() == '-' || text.front() == '0')) return std::nullopt;
   if (text::equalsIgnoreCase(text, "True") || text::equalsIgnoreCase(text, locale.trueText)) {
     return true;
   }

@@ -42,7 +42,7 @@ struct Database {
   int depth = 0;
   std::chrono::steady_clock::time_point waitSince;
   Callback<bool()> worthWaiting;  // may be empty
-  bool waitsForItself = false;         // what worthWaiting said last
+  bool waitsForItself = false;    // what worthWaiting said last
 
   // What a function raised last. The engine carries only a text through; the number waits here
   // until the statement that called the function fails.
