@@ -28,6 +28,9 @@ tavelor() {
 tell "An installation is one folder."
 tavelor new "$TAVELOR_HOME"
 
+tell "What a shop needs on its first day: taxes, payments, a till, a warehouse, this year's counters."
+tavelor seed "$TAVELOR_HOME"
+
 tell "Two banks, by the quick creation that other forms use. Codes are proposed and padded."
 tavelor call ClsBancos CrearBanco "" "Banco de Ahorro"
 tavelor call ClsBancos CrearBanco "" "Caja Rural"
