@@ -277,6 +277,10 @@ ConnectionPtr& RecordClass::connection() {
   return cnnPrimary_;
 }
 
+void RecordClass::setConnection(ConnectionPtr connection) {
+  cnnPrimary_ = std::move(connection);
+}
+
 ConnectionPtr RecordClass::GetConnection() {
   return connection();
 }

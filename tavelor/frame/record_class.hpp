@@ -173,6 +173,9 @@ class RecordClass : public Object {
 
   /// The primary record set; raises 91 before IniciaRs.
   Recordset& primary() const;
+  /// Makes `connection` the class's, until IniciaRs brings another: GetConnection gives it, and the
+  /// three transaction members work on it.
+  void setConnection(ConnectionPtr connection);
 
   /// The rows that a page shows: a sorted clone or the primary record set, filtered if asked. Null
   /// when a clone has no rows.
@@ -209,6 +212,8 @@ class RecordClass : public Object {
   /// What NuevoCodigo gives, of any column and for codes whose length is a setting: a sum of more
   /// than `digits` characters is dropped for the maximum; 0 sets no limit.
   Variant nextCode(std::string_view column, std::int32_t digits, ObjCn objCn) const;
+  /// The code plus 1; 1 for Null, the code itself where it is no number.
+  static Variant successor(const Variant& code);
 
   /// A value as it is joined into a statement: plain printing, Null as nothing.
   static std::string joined(const Variant& value);
@@ -221,8 +226,6 @@ class RecordClass : public Object {
   void takePrimary(RecordsetPtr rows);
   void offerPrimary();
   RecordsetPtr greatest(std::string_view column, ConnectionPtr& objCn) const;
-  /// The code plus 1; 1 for Null, the code itself where it is no number.
-  static Variant successor(const Variant& code);
   void restoreOrder(std::string_view sLlave);
   static void sortBy(Recordset& rows, std::int16_t index, std::string_view mode);
   ConnectionPtr& connection();
