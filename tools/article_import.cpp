@@ -14,6 +14,7 @@
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/number_text.hpp"
+#include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/data_session.hpp"
@@ -37,18 +38,6 @@ bool isOfTheRow(std::int32_t number) {
     default:
       return false;
   }
-}
-
-/// The class joins texts into statements as they are; a doubled quote is one inside.
-std::string quoted(std::string_view text) {
-  if (text.find('\'') == std::string_view::npos) return std::string(text);
-  std::string doubled;
-  doubled.reserve(text.size() + 8);
-  for (const char c : text) {
-    doubled += c;
-    if (c == '\'') doubled += c;
-  }
-  return doubled;
 }
 
 std::optional<bool> flagIn(std::string_view text, const Locale& numbers) {
@@ -262,7 +251,8 @@ ArticleImport::Stored ArticleImport::stored(const std::vector<Article>& batch) {
       "SELECT Codigo, Descripcion, Seccion, Familia, Tarifa_A, Tarifa_B, Tarifa_C, Descuento, "
       "Descuento_D, Activo, Lista FROM Articulos WHERE Codigo In (");
   for (const Article& article : batch) {
-    statement << (&article == &batch.front() ? "'" : ", '") << value(quoted(article.code)) << "'";
+    statement << (&article == &batch.front() ? "'" : ", '") << value(doubledQuotes(article.code))
+              << "'";
   }
   statement << ")";
   Stored found;
@@ -285,14 +275,14 @@ void ArticleImport::write(const Article& article, const Stored& before) {
     }
     Recordset& rows = *before.rows;
     rows.AbsolutePosition(position->second);
-    clsArticulos::Cambio change{.vId = quoted(article.code), .objCn = connection_};
+    clsArticulos::Cambio change{.vId = doubledQuotes(article.code), .objCn = connection_};
     bool differs = false;
     const auto text = [&](std::string_view column, const std::optional<std::string_view>& given,
                           std::string& to) {
       std::string old;
       tavelor::take(rows, column, old);
       differs = differs || (given && *given != old);
-      to = quoted(given.value_or(old));
+      to = doubledQuotes(given.value_or(old));
     };
     const auto number = [&](std::string_view column, const std::optional<double>& given,
                             double& to) {
@@ -328,20 +318,20 @@ void ArticleImport::insert(const Article& article) {
   const auto flagNumber = [](std::optional<bool> flag) {
     return flag.value_or(false) ? -1.0 : 0.0;
   };
-  const clsArticulos::Alta alta{.vId = quoted(article.code),
-                                .sDescripcion = quoted(article.description.value_or("")),
-                                .sSeccion = quoted(article.section.value_or("")),
-                                .sFamilia = quoted(article.family.value_or("")),
+  const clsArticulos::Alta alta{.vId = doubledQuotes(article.code),
+                                .sDescripcion = doubledQuotes(article.description.value_or("")),
+                                .sSeccion = doubledQuotes(article.section.value_or("")),
+                                .sFamilia = doubledQuotes(article.family.value_or("")),
                                 .dPrecio = article.priceA.value_or(0),
                                 .dPrecio_B = article.priceB.value_or(0),
                                 .dPrecio_C = article.priceC.value_or(0),
                                 .bDto = article.admitsDiscount.value_or(true),
-                                .sImpuesto = quoted(article.tax.value_or("")),
+                                .sImpuesto = doubledQuotes(article.tax.value_or("")),
                                 .dExistencia = article.stock.value_or(0),
                                 .bLotes = flagNumber(article.byLot),
                                 .bStock = flagNumber(article.keepsStock),
                                 .bActivo = article.active.value_or(true),
-                                .sLista = quoted(article.list.value_or("")),
+                                .sLista = doubledQuotes(article.list.value_or("")),
                                 .dDto_D = article.discount.value_or(0),
                                 .objCn = connection_};
   articles_.Insertar(alta);
