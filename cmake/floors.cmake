@@ -64,7 +64,7 @@ endfunction()
 # floor and those below it only, so that the order of the floors is proved by the linker.
 function(tavelor_test floor)
   cmake_parse_arguments(PARSE_ARGV 1 test "" "" "LINK")
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${floor}/*.cpp)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${floor}/*.cpp)
   if(NOT sources OR NOT TARGET tavelor_${floor})
     return()
   endif()

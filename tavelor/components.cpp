@@ -34,6 +34,10 @@
 #include "tavelor/reference/tipos_documento.hpp"
 #include "tavelor/reference/tipos_factura.hpp"
 #include "tavelor/reference/transportistas.hpp"
+#include "tavelor/sales/registros_tickets.hpp"
+#include "tavelor/sales/tickets.hpp"
+#include "tavelor/sales/tickets_cabecera.hpp"
+#include "tavelor/sales/tickets_comentarios.hpp"
 
 namespace tavelor {
 
@@ -71,6 +75,12 @@ const std::vector<const Component*>& components() {
       &ClsArticulosComentarios::component(),
       &CollectionRegistros::component(),
       &ClsRegistros::component(),
+      // sales
+      &ClsTickets::component(),
+      &ClsTicketsCabecera::component(),
+      &ClsTicketsComentarios::component(),
+      &CollectionTickets::component(),
+      &ClsRegTickets::component(),
   };
   // clang-format on
   return all;

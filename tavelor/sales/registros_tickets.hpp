@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// Grouped results of sales, and their collection.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "tavelor/frame/keyed_objects.hpp"
+#include "tavelor/platform/variant.hpp"
+
+namespace tavelor {
+
+class Component;
+
+/// One group of a sum: what it is of, and its amounts in the shop's currency. Its values may be of
+/// any kind, objects too, which are then shared.
+class ClsRegTickets final : public Object {
+ public:
+  static constexpr std::string_view kTypeName = "ClsRegTickets";
+  std::string typeName() const override { return std::string(kTypeName); }
+  static const Component& component();
+
+  Variant Suma;
+  Variant Importe;
+  Variant Descripcion;
+  Variant Codigo;
+};
+using ClsRegTicketsPtr = std::shared_ptr<ClsRegTickets>;
+
+/// Groups in the order in which they were added, some under a key. A group is found by its
+/// position, from 1, or by its key, whose case does not count; see KeyedObjects for errors.
+class CollectionTickets final : public Object {
+ public:
+  static constexpr std::string_view kTypeName = "CollectionTickets";
+  std::string typeName() const override { return std::string(kTypeName); }
+  static const Component& component();
+
+  /// Adds a group and gives it. It is found by `sKey`, unless that is empty; `Key` is taken and not
+  /// kept, as a group has no place for it. Raises 457 for an `sKey` that is there: nothing is added
+  /// then.
+  ClsRegTicketsPtr Add(std::string_view Key, const Variant& Codigo, const Variant& Descripcion,
+                       const Variant& Importe, const Variant& Suma, std::string_view sKey = {});
+  ClsRegTicketsPtr Item(const Variant& vntIndexKey) const;
+  std::int32_t Count() const { return items_.count(); }
+  void Remove(const Variant& vntIndexKey);
+  /// The same groups in a collection of its own, which stays as it is while this one changes.
+  std::shared_ptr<CollectionTickets> NewEnum() const;
+
+ private:
+  KeyedObjects items_;
+};
+using CollectionTicketsPtr = std::shared_ptr<CollectionTickets>;
+
+}  // namespace tavelor
