@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+// What a sale comes to.
+#include "tools/shop/sale.hpp"
+
+#include "tavelor/platform/number_text.hpp"
+
+namespace tavelor::shop {
+
+double SaleLine::amount() const {
+  return roundHalfAway(quantity * price, 2);
+}
+
+double Sale::total() const {
+  double sum = 0;
+  for (const SaleLine& line : lines) sum += line.amount();
+  return roundHalfAway(sum, 2);  // a sum of cents is one, and not what binary fractions leave of it
+}
+
+}  // namespace tavelor::shop
