@@ -13,6 +13,7 @@
 
 #include "tavelor/articles/articulos.hpp"
 #include "tools/csv_file.hpp"
+#include "tools/refusals.hpp"
 
 namespace tavelor {
 struct Locale;
@@ -54,13 +55,6 @@ struct ArticleSources {
 
   Source& operator[](ArticleField field) { return of[static_cast<std::size_t>(field)]; }
   const Source& operator[](ArticleField field) const { return of[static_cast<std::size_t>(field)]; }
-};
-
-/// A row that was not taken, and why.
-struct Refusal {
-  std::uint64_t line = 0;
-  std::string code;
-  std::string reason;
 };
 
 struct ImportCounts {

@@ -2,8 +2,6 @@
 // tavelor import: takes articles from a file of comma-separated values.
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <atomic>
-#include <csignal>
 #include <cstdio>
 
 #include <fmt/format.h>
@@ -14,8 +12,10 @@
 #include "tools/article_import.hpp"
 #include "tools/command.hpp"
 #include "tools/csv_file.hpp"
+#include "tools/interrupt.hpp"
 #include "tools/output.hpp"
 #include "tools/progress.hpp"
+#include "tools/refusals.hpp"
 #include "tools/session.hpp"
 
 namespace tavelor::tools {
@@ -142,88 +142,8 @@ std::shared_ptr<const Locale> numbersOf(const std::string& decimal, const Sessio
 // ---------------------------------------------------------------------------------------------
 // The report
 
-/// Shows the first refusals and writes all of them to a file, when there is one.
-class Refusals {
- public:
-  explicit Refusals(const std::string& file) : path_(file) {
-    if (file.empty()) return;
-    file_.reset(std::fopen(file.c_str(), "wb"));
-    if (!file_) throw FileError(fmt::format("{}: the report cannot be written", printable(file)));
-    fmt::print(file_.get(), "line,code,reason\n");
-  }
-
-  void add(const std::vector<Refusal>& refusals) {
-    for (const Refusal& refusal : refusals) {
-      if (shown_.size() < kShown) shown_.push_back(refusal);
-      ++count_;
-      if (!file_) continue;
-      fmt::print(file_.get(), "{},\"{}\",\"{}\"\n", refusal.line, doubled(refusal.code),
-                 doubled(refusal.reason));
-    }
-  }
-
-  void print() const {
-    for (const Refusal& refusal : shown_) {
-      fmt::print(stderr, "line {}, {}: {}\n", refusal.line,
-                 refusal.code.empty() ? "no code" : printable(refusal.code),
-                 printable(refusal.reason));
-    }
-    if (count_ > shown_.size()) {
-      fmt::print(stderr, "and {} rows more{}\n", count_ - shown_.size(),
-                 path_.empty() ? "; --report FILE writes them all" : "");
-    }
-    if (file_ && (std::fflush(file_.get()) != 0 || std::ferror(file_.get()) != 0)) {
-      throw FileError(fmt::format("{}: the report cannot be written", printable(path_)));
-    }
-  }
-
- private:
-  static constexpr std::size_t kShown = 20;
-  struct Closer {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-  };
-
-  static std::string doubled(const std::string& text) {
-    std::string all;
-    for (const char c : printable(text)) {
-      all += c;
-      if (c == '"') all += c;
-    }
-    return all;
-  }
-
-  std::string path_;
-  std::unique_ptr<std::FILE, Closer> file_;
-  std::vector<Refusal> shown_;
-  std::uint64_t count_ = 0;
-};
-
 // ---------------------------------------------------------------------------------------------
 // The work
-
-std::atomic<bool> interrupted{false};
-
-/// Lets the batch at hand end; a second signal ends the program as usual.
-class Interruptible {
- public:
-  Interruptible() {
-    struct sigaction action = {};
-    action.sa_handler = [](int) { interrupted = true; };
-    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
-    sigaction(SIGINT, &action, &oldInterrupt_);
-    sigaction(SIGTERM, &action, &oldTerminate_);
-  }
-  ~Interruptible() {
-    sigaction(SIGINT, &oldInterrupt_, nullptr);
-    sigaction(SIGTERM, &oldTerminate_, nullptr);
-  }
-  Interruptible(const Interruptible&) = delete;
-  Interruptible& operator=(const Interruptible&) = delete;
-
- private:
-  struct sigaction oldInterrupt_ = {};
-  struct sigaction oldTerminate_ = {};
-};
 
 /// Reads the file to its end, so that a fault of the file as such shows before anything is written.
 std::uint64_t countRows(const ImportOptions& options) {
@@ -246,7 +166,7 @@ void takeRows(CsvFile& file, ArticleImport& import, Refusals& refusals, std::uin
     import.take(rows, count);
     refusals.add(import.refusals());
     progress.at(import.counts().total());
-  } while (count == rows.size() && !interrupted);
+  } while (count == rows.size() && !Interruptible::interrupted());
 }
 
 void importArticles(const ImportOptions& options, const Common& common) {

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// Rows of a file that were not taken.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tavelor::tools {
+
+/// A row that was not taken, and why.
+struct Refusal {
+  std::uint64_t line = 0;
+  std::string code;  ///< what the row is known by, "" when it does not say
+  std::string reason;
+};
+
+/// Shows the first refusals and writes all of them to a file, when there is one.
+class Refusals {
+ public:
+  /// `file` "" for none. Raises FileError for one that cannot be written.
+  explicit Refusals(const std::string& file);
+
+  void add(const std::vector<Refusal>& refusals);
+  std::uint64_t count() const { return count_; }
+  /// On standard error. Raises FileError when the file could not be written whole.
+  void print() const;
+
+ private:
+  static constexpr std::size_t kShown = 20;
+  struct Closer {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+  };
+
+  std::string path_;
+  std::unique_ptr<std::FILE, Closer> file_;
+  std::vector<Refusal> shown_;
+  std::uint64_t count_ = 0;
+};
+
+}  // namespace tavelor::tools
