@@ -190,6 +190,12 @@ NamedFormat named(std::string_view mask) {
   return nullptr;
 }
 
+/// The masks behind the names that only round and group.
+std::string_view maskBehind(std::string_view mask) {
+  if (text::equalsIgnoreCase(mask, "Standard")) return "#,##0.00";
+  return text::equalsIgnoreCase(mask, "Fixed") ? "0.00" : mask;
+}
+
 }  // namespace
 
 std::string format(const Variant& value, std::string_view mask, const Locale& locale) {
@@ -207,6 +213,15 @@ std::string format(const Variant& value, std::string_view mask, const Locale& lo
       break;
   }
   return byNumberMask(value, mask, locale);
+}
+
+RoundingMask::RoundingMask(std::string_view mask, const Locale& locale)
+    : mask_(mask), locale_(locale), decimals_(roundedDecimals(maskBehind(mask))) {}
+
+double RoundingMask::operator()(double value) const {
+  constexpr double kMostWhole = 1e15;  // from here on digits are lost before the point
+  if (decimals_ >= 0 && std::fabs(value) < kMostWhole) return roundHalfAway(value, decimals_);
+  return Variant(format(value, mask_, locale_)).toDouble(locale_);
 }
 
 }  // namespace tavelor

@@ -31,4 +31,19 @@ struct Locale;
 /// Errors: 6 for a day number outside the years 100 to 9999, 13 for bytes and objects.
 std::string format(const Variant& value, std::string_view mask, const Locale& locale);
 
+/// A mask taken apart once, to round many numbers by it. Mask and locale must outlive it.
+class RoundingMask {
+ public:
+  RoundingMask(std::string_view mask, const Locale& locale);
+
+  /// What format() writes, read back as a number by the same locale. Raises 13 where the written
+  /// text is no number: a mask without a place before the point, or with words of its own.
+  double operator()(double value) const;
+
+ private:
+  std::string_view mask_;
+  const Locale& locale_;
+  int decimals_;  ///< of a mask that does nothing but round and group; else negative
+};
+
 }  // namespace tavelor

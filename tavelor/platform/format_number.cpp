@@ -270,6 +270,14 @@ std::string formatNumber(const DecimalDigits& number, std::string_view mask, con
   return out;
 }
 
+int roundedDecimals(std::string_view mask) {
+  constexpr int kMore = -1;
+  if (mask.find_first_not_of("#0,.") != std::string_view::npos) return kMore;
+  if (mask.find('.') != mask.rfind('.')) return kMore;
+  const Layout layout = layoutOf(mask);
+  return layout.shift == 0 && layout.leastIntegers > 0 ? layout.decimals : kMore;
+}
+
 std::string formatNullSection(std::string_view mask, const Locale& locale) {
   std::string out;
   SectionWriter(sectionsOf(mask).text[3], locale).write(out, {});

@@ -18,6 +18,10 @@ std::string formatNumber(const DecimalDigits& number, std::string_view mask, con
 /// The section that a mask keeps for Null, or "".
 std::string formatNullSection(std::string_view mask, const Locale& locale);
 
+/// Decimals that a number mask leaves, where it does nothing but round and group and always writes
+/// a digit; else negative.
+int roundedDecimals(std::string_view mask);
+
 /// Writes a date by a mask. Raises 6 outside the years 100 to 9999.
 std::string formatDate(Date date, std::string_view mask, const Locale& locale);
 

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <optional>
 
 #include "tavelor/platform/decimal_digits.hpp"
 #include "tavelor/platform/error.hpp"
@@ -182,8 +183,27 @@ class NumberReader {
   bool hasParenthesis_ = false;
 };
 
+constexpr std::array<double, 10> kPowersOfTen = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+
+/// Rounds without its digits a number that is not near a half, where both kinds of rounding and the
+/// number as a person sees it agree; nothing for the others. The margin covers what 15 significant
+/// digits and the multiplication leave open.
+std::optional<double> roundedClearly(double value, int decimals) {
+  if (decimals < 0 || decimals >= static_cast<int>(kPowersOfTen.size())) return std::nullopt;
+  const double power = kPowersOfTen[static_cast<std::size_t>(decimals)];
+  const double scaled = std::fabs(value) * power;
+  if (!(scaled < kWholeLimit)) return std::nullopt;
+  const double below = std::floor(scaled);
+  const double rest = scaled - below;
+  if (std::fabs(rest - 0.5) <= scaled * 1e-14) return std::nullopt;
+  const double whole = rest > 0.5 ? below + 1 : below;
+  if (whole == 0) return 0.0;
+  return std::copysign(whole / power, value);
+}
+
 double rounded(double value, int decimals, Halves halves) {
   if (!std::isfinite(value) || (decimals >= 0 && value == std::trunc(value))) return value;
+  if (const auto clear = roundedClearly(value, decimals)) return *clear;
   DecimalDigits number = digitsOf(value);
   roundDigits(number, decimals, halves);
   return toDouble(number);

@@ -148,6 +148,14 @@ std::string padLeft(std::string_view text, std::size_t width, char fill) {
   return out;
 }
 
+std::string alignRight(std::string_view text, std::size_t width) {
+  return filler(length(text), width, ' ').append(text);
+}
+
+std::string alignLeft(std::string_view text, std::size_t width) {
+  return std::string(text) + filler(length(text), width, ' ');
+}
+
 std::string_view trim(std::string_view text) {
   return trimLeft(trimRight(text));
 }

@@ -18,6 +18,9 @@ std::string_view mid(std::string_view text, std::size_t start,
 /// Cuts to the first `width` characters, or fills behind (padLeft: before) the text.
 std::string padRight(std::string_view text, std::size_t width, char fill = ' ');
 std::string padLeft(std::string_view text, std::size_t width, char fill = ' ');
+/// Blanks before (alignLeft: behind) the text up to `width` characters. What is longer stays whole.
+std::string alignRight(std::string_view text, std::size_t width);
+std::string alignLeft(std::string_view text, std::size_t width);
 /// Blanks (U+0020) only; tabs stay.
 std::string_view trim(std::string_view text);
 std::string_view trimLeft(std::string_view text);

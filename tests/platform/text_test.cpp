@@ -77,6 +77,13 @@ TEST(Text, PadsAndCutsToAWidth) {
   EXPECT_EQ(padRight("abc", 0), "");
 }
 
+TEST(Text, AlignsToAWidthAndCutsNothing) {
+  EXPECT_EQ(alignRight("ñu", 4), "  ñu");
+  EXPECT_EQ(alignLeft("ñu", 4), "ñu  ");
+  EXPECT_EQ(alignRight("ñandú", 2), "ñandú");
+  EXPECT_EQ(alignLeft("ñandú", 5), "ñandú");
+}
+
 TEST(Text, TrimRemovesBlanksOnly) {
   EXPECT_EQ(trim("  a b  "), "a b");
   EXPECT_EQ(trim("\t a \n"), "\t a \n");
