@@ -12,28 +12,45 @@ namespace tavelor {
 namespace {
 
 // A key that is written may move its row in the order of the view, so they are all found first.
-std::vector<Variant> unstoredRows(Recordset& rows) {
+template <typename Wanted>
+std::vector<Variant> placesOf(Recordset& rows, Wanted wanted) {
   std::vector<Variant> bookmarks;
   for (rows.MoveFirst(); !rows.Eof(); rows.MoveNext()) {
-    const Variant key = rows.Field("ID").Value();
-    if (!key.isEmpty() && number(key) == kUnstoredId) bookmarks.push_back(rows.Bookmark());
+    if (wanted(rows)) bookmarks.push_back(rows.Bookmark());
   }
   return bookmarks;
 }
 
-}  // namespace
+bool isUnstored(Recordset& rows) {
+  const Variant key = rows.Field("ID").Value();
+  return !key.isEmpty() && number(key) == kUnstoredId;
+}
 
-void numberNewRows(Recordset& rows, const Variant& next, const Variant& vId,
-                   std::string_view codeColumn) {
+void numberRows(Recordset& rows, const std::vector<Variant>& places, const Variant& next,
+                const Variant& vId, std::string_view codeColumn) {
   double id = number(next);
-  for (const Variant& place : unstoredRows(rows)) {
+  for (const Variant& place : places) {
     rows.Bookmark(place);
     rows.Field(codeColumn).Value(vId);
     rows.Field("ID").Value(id);
     rows.Update();
     ++id;
   }
+}
+
+}  // namespace
+
+void numberNewRows(Recordset& rows, const Variant& next, const Variant& vId,
+                   std::string_view codeColumn) {
+  numberRows(rows, placesOf(rows, isUnstored), next, vId, codeColumn);
   rows.MoveFirst();
+}
+
+void numberAllRows(Recordset& rows, const Variant& next, const Variant& vId,
+                   std::string_view codeColumn) {
+  numberRows(rows, placesOf(rows, [](Recordset&) { return true; }), next, vId, codeColumn);
+  rows.MoveLast();
+  rows.MoveNext();
 }
 
 void keyCurrentRow(Recordset& rows, const Variant& vId, std::string_view codeColumn) {

@@ -19,6 +19,12 @@ inline constexpr std::int32_t kUnstoredId = -1;
 void numberNewRows(Recordset& rows, const Variant& next, const Variant& vId,
                    std::string_view codeColumn = "Código");
 
+/// Gives all rows the code `vId` and keys, consecutive from `next` on, and posts them; they stay
+/// pending, and the set stands at EOF. The set must have rows. After an error the rows before the
+/// failing one have their keys.
+void numberAllRows(Recordset& rows, const Variant& next, const Variant& vId,
+                   std::string_view codeColumn = "Código");
+
 /// Gives the current row the code `vId` and posts it.
 void keyCurrentRow(Recordset& rows, const Variant& vId, std::string_view codeColumn = "Código");
 

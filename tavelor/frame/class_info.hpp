@@ -60,6 +60,8 @@ struct ClassInfo {
   CodeForm code = CodeForm::kFitsColumn;
   bool clearsDataMembers = false;  ///< IniciaRs empties the list of data members first
   bool raisesMoveComplete = true;
+  /// IniciaRs and Requery restore the order last chosen; else rows stay in that of the statement.
+  bool restoresOrder = true;
   bool givesConnectionString = false;  ///< GetConnectionStr of all others answers ""
 };
 

@@ -137,6 +137,7 @@ void RecordClass::GetOrder(InOut<std::int16_t> index, InOut<std::string> Mode,
 }
 
 void RecordClass::restoreOrder(std::string_view sLlave) {
+  if (!info_.restoresOrder) return;
   std::int16_t index = 0;
   std::string mode;
   GetOrder(index, mode, sLlave);
