@@ -5,8 +5,8 @@
 #include <fmt/format.h>
 
 #include "tools/command.hpp"
-#include "tools/seed.hpp"
 #include "tools/session.hpp"
+#include "tools/shop/seed.hpp"
 
 namespace tavelor::tools {
 
@@ -27,7 +27,7 @@ std::string rowsText(std::size_t rows) {
 void seed(const Common& common) {
   const Session session(common);
   std::size_t added = 0;
-  for (const Seeded& seeded : seedCatalogues()) {
+  for (const shop::Seeded& seeded : shop::seedCatalogues()) {
     added += seeded.added;
     fmt::print("{:<16}  {}\n", seeded.what,
                seeded.added > 0 ? rowsText(seeded.added) + " added"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace tavelor::tools {
+namespace tavelor::shop {
 
 /// What became of one catalogue: rows added, or rows that were there before and were left alone.
 struct Seeded {
@@ -20,4 +20,4 @@ struct Seeded {
 /// stay as they are, so it may be run again, also over what a failure left.
 std::vector<Seeded> seedCatalogues();
 
-}  // namespace tavelor::tools
+}  // namespace tavelor::shop

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The first rows of the catalogues.
-#include "tools/seed.hpp"
+#include "tools/shop/seed.hpp"
 
 #include <type_traits>
 
@@ -23,7 +23,7 @@
 #include "tavelor/services/clock.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 
-namespace tavelor::tools {
+namespace tavelor::shop {
 
 namespace {
 
@@ -148,4 +148,4 @@ std::vector<Seeded> seedCatalogues() {
   };
 }
 
-}  // namespace tavelor::tools
+}  // namespace tavelor::shop
