@@ -52,6 +52,7 @@ CREATE TABLE Tickets (
 CREATE INDEX IX_Tickets_Serie ON Tickets (Serie, Numero);
 CREATE INDEX IX_Tickets_Caja ON Tickets (Caja, Fecha);
 CREATE INDEX IX_Tickets_Codigo ON Tickets (Codigo);
+CREATE INDEX IX_Tickets_Referencia ON Tickets (Referencia);
 
 -- Tickets of past closings.
 CREATE TABLE HTickets (
@@ -102,6 +103,8 @@ CREATE INDEX IX_HTickets_Serie ON HTickets (Serie, Numero);
 CREATE INDEX IX_HTickets_Caja ON HTickets (Caja);
 CREATE INDEX IX_HTickets_Codigo ON HTickets (Codigo);
 CREATE INDEX IX_HTickets_Cierre ON HTickets (Cierre);
+CREATE INDEX IX_HTickets_Fecha ON HTickets (Fecha);
+CREATE INDEX IX_HTickets_Referencia ON HTickets (Referencia);
 
 -- Lines of the live tickets. ID is no key: lines get their id late, two tills may give the same one,
 -- and lines that come back from history bring the id they had there. A line without ticket is an
