@@ -93,7 +93,7 @@ std::shared_ptr<Installation> Installation::create(const std::string& folder,
                                                    const Settings& settings) {
   const fs::path place = absoluteFolder(folder);
   const fs::path file = place / kSettingsFile;
-  checkSettings(settings, "The settings of the new installation");
+  checkSettings(settings, place, "The settings of the new installation");
   std::error_code ignored;
   if (fs::exists(fs::symlink_status(file, ignored))) {
     raise(errors::kPathAccess, kSource,

@@ -10,6 +10,7 @@
 #include <pugixml.hpp>
 #include <sstream>
 #include <system_error>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -102,6 +103,16 @@ class Reader {
       if (std::find(known.begin(), known.end(), name) == known.end()) {
         unknown(node, "attribute", name, known);
       }
+      if (node.attribute(attribute.name()) != attribute) {
+        complain(node, fmt::format("the attribute \"{}\" is given twice", name));
+      }
+    }
+  }
+  /// The same for an element that says everything by its attributes.
+  void allowOnlyAttributes(pugi::xml_node node, const Names& known) const {
+    allowAttributes(node, known);
+    if (node.first_child()) {
+      complain(node.first_child(), fmt::format("<{}> takes attributes only", node.name()));
     }
   }
 
@@ -146,6 +157,9 @@ class Reader {
     const std::string_view name = node.name();
     Settings& s = settings_;
     if (node.type() != pugi::node_element) complain(node, "a text stands outside the elements");
+    if (node.parent().child(node.name()) != node) {
+      complain(node, fmt::format("<{}> is given twice", name));
+    }
     if (name == "company") {
       s.company = content(node);
     } else if (name == "product") {
@@ -153,23 +167,23 @@ class Reader {
     } else if (name == "locale") {
       s.locale = content(node);
     } else if (name == "formats") {
-      allowAttributes(node, {"amount", "quantity", "currency-decimals"});
+      allowOnlyAttributes(node, {"amount", "quantity", "currency-decimals"});
       s.amountFormat = attribute(node, "amount", s.amountFormat);
       s.quantityFormat = attribute(node, "quantity", s.quantityFormat);
       s.currencyDecimals = whole(node, "currency-decimals", s.currencyDecimals, 0, kMostDecimals);
     } else if (name == "databases") {
       databases(node);
     } else if (name == "registry") {
-      allowAttributes(node, {"file"});
+      allowOnlyAttributes(node, {"file"});
       s.registryFile = attribute(node, "file", s.registryFile);
     } else if (name == "folders") {
-      allowAttributes(node, {"export", "document", "text", "email-text"});
+      allowOnlyAttributes(node, {"export", "document", "text", "email-text"});
       s.exportFolder = attribute(node, "export", s.exportFolder);
       s.documentFolder = attribute(node, "document", s.documentFolder);
       s.textFolder = attribute(node, "text", s.textFolder);
       s.emailTextFolder = attribute(node, "email-text", s.emailTextFolder);
     } else if (name == "trace") {
-      allowAttributes(node, {"on", "file"});
+      allowOnlyAttributes(node, {"on", "file"});
       s.trace = flag(node, "on", s.trace);
       s.traceFile = attribute(node, "file", s.traceFile);
     } else {
@@ -187,7 +201,7 @@ class Reader {
       if (std::string_view(child.name()) != "database") {
         unknown(child, "element", child.name(), {"database"});
       }
-      allowAttributes(child, {"selector", "label", "engine", "file", "serves-as"});
+      allowOnlyAttributes(child, {"selector", "label", "engine", "file", "serves-as"});
       DatabaseSettings database;
       database.selector = whole(child, "selector", -1, 0, 99);
       if (database.selector < 0) complain(child, "a database needs a selector");
@@ -230,6 +244,27 @@ void checkKeyName(std::string_view what, std::string_view value, const std::stri
           fmt::format("{}: {} \"{}\" has a backslash in it or blanks around it.", where, what,
                       value));
   }
+}
+
+/// Two uses of one file would spoil what either writes there.
+void checkFiles(const Settings& s, const fs::path& folder, const std::string& where) {
+  std::vector<std::pair<std::string, fs::path>> taken;
+  const auto take = [&](std::string what, const fs::path& file) {
+    fs::path full = (folder / file).lexically_normal();
+    for (const auto& [other, path] : taken) {
+      if (path != full) continue;
+      raise(
+          errors::kInvalidCall, kSource,
+          fmt::format("{}: {} and {} have the same file, {}.", where, other, what, full.string()));
+    }
+    taken.emplace_back(std::move(what), std::move(full));
+  };
+  take("the settings", Installation::kSettingsFile);
+  for (const DatabaseSettings& database : s.databases) {
+    take(fmt::format("database {}", database.selector), database.file);
+  }
+  take("the registry", s.registryFile);
+  if (!s.traceFile.empty()) take("the trace", s.traceFile);
 }
 
 std::string xmlOf(const Settings& s) {
@@ -280,11 +315,11 @@ std::string xmlOf(const Settings& s) {
 
 Settings readSettings(const fs::path& file) {
   Settings settings = Reader(file, readWhole(file)).read();
-  checkSettings(settings, file.string());
+  checkSettings(settings, file.parent_path(), file.string());
   return settings;
 }
 
-void checkSettings(const Settings& s, const std::string& where) {
+void checkSettings(const Settings& s, const fs::path& folder, const std::string& where) {
   const auto complain = [&](const std::string& why) {
     raise(errors::kInvalidCall, kSource, fmt::format("{}: {}.", where, why));
   };
@@ -324,10 +359,11 @@ void checkSettings(const Settings& s, const std::string& where) {
   checkText("the text folder", s.textFolder, where);
   checkText("the email text folder", s.emailTextFolder, where);
   checkText("the trace file", s.traceFile, where, true);
+  checkFiles(s, folder, where);
 }
 
 void writeSettings(const fs::path& file, const Settings& settings) {
-  checkSettings(settings, file.string());
+  checkSettings(settings, file.parent_path(), file.string());
   replaceFile(file, xmlOf(settings));
 }
 

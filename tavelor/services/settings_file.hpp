@@ -11,12 +11,13 @@ namespace tavelor {
 struct Settings;
 
 /// Reads a settings file. Raises 53 for a missing one, 75 for one that cannot be read, 5 with file,
-/// line and column for one that does not read as XML and for each unknown element, unknown
-/// attribute and wrong value.
+/// line and column for one that does not read as XML and for what would else be ignored or
+/// misunderstood: an unknown element or attribute, one given twice, a wrong value.
 Settings readSettings(const std::filesystem::path& file);
 
-/// Raises 5, naming `where`, for settings that no installation can work with.
-void checkSettings(const Settings& settings, const std::string& where);
+/// Raises 5, naming `where`, for settings that no installation in `folder` can work with.
+void checkSettings(const Settings& settings, const std::filesystem::path& folder,
+                   const std::string& where);
 
 /// Writes a settings file in the place of an old one: after a crash there is one or the other,
 /// whole. Raises 5 as checkSettings and 75 when it cannot be written; the old one is untouched

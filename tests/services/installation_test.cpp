@@ -271,6 +271,53 @@ TEST_F(InstallationFolder, WrongValuesSayWhatTheyShouldBe) {
               HasSubstr("serves-as"));
 }
 
+// A setting that is silently ignored is worse than a program that does not start.
+TEST_F(InstallationFolder, WhatWouldBeIgnoredIsRefused) {
+  create();
+  const std::string whole = test::readFile(settingsFile());
+  const auto description = [&](const std::string& what, const std::string& by) {
+    test::writeFile(settingsFile(), whole);
+    replaceInSettings(what, by);
+    const Error error = openError();
+    EXPECT_EQ(error.number(), errors::kInvalidCall) << by;
+    return error.description();
+  };
+  EXPECT_THAT(description("<locale>", "<company>Otra</company>\n<locale>"),
+              AllOf(HasSubstr("line 5"), HasSubstr("<company> is given twice")));
+  EXPECT_THAT(description("file=\"registry.db\"", "file=\"registry.db\" file=\"other.db\""),
+              HasSubstr("\"file\" is given twice"));
+  EXPECT_THAT(description("<trace on=\"false\" file=\"\" />", "<trace><on>true</on></trace>"),
+              HasSubstr("<trace> takes attributes only"));
+  EXPECT_THAT(description("<registry file=\"registry.db\" />", "<registry>other.db</registry>"),
+              HasSubstr("<registry> takes attributes only"));
+  EXPECT_THAT(description("<folders", "<folders>text</folders>\n<folders"),
+              HasSubstr("<folders> takes attributes only"));
+}
+
+// One would spoil what the other writes there: the second database would lack its tables, and a
+// line of the trace is no page of a database.
+TEST_F(InstallationFolder, TwoUsesOfOneFileAreRefusedBeforeAnythingIsMade) {
+  Settings settings = fastSettings();
+  const auto description = [&] {
+    const Error error = raisedBy([&] { Installation::create(place_, settings); });
+    EXPECT_EQ(error.number(), errors::kInvalidCall);
+    EXPECT_FALSE(fs::exists(place_));
+    return error.description();
+  };
+  settings.databases[1].file = "main.db";
+  EXPECT_THAT(description(), AllOf(HasSubstr("database 1"), HasSubstr("database 3")));
+  settings.databases[1].file = (place_ / "x" / ".." / "main.db").string();
+  EXPECT_THAT(description(), AllOf(HasSubstr("database 1"), HasSubstr("database 3")));
+  settings = fastSettings();
+  settings.registryFile = "main.db";
+  EXPECT_THAT(description(), AllOf(HasSubstr("database 1"), HasSubstr("the registry")));
+  settings = fastSettings();
+  settings.traceFile = "./documents.db";
+  EXPECT_THAT(description(), AllOf(HasSubstr("database 3"), HasSubstr("the trace")));
+  settings.traceFile = "tavelor.xml";
+  EXPECT_THAT(description(), AllOf(HasSubstr("the settings"), HasSubstr("the trace")));
+}
+
 TEST_F(InstallationFolder, SettingsReadAsTheyWereWritten) {
   Settings written;
   written.company = "Hermanos <Ñandú> & \"Cía\"";
