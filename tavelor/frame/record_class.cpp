@@ -107,9 +107,7 @@ Statement RecordClass::modeStatement(std::string& word, const Variant& id) const
 
 void RecordClass::Requery(InOut<std::string> sSelecSql) {
   primary().Requery(-1);
-  for (RecordClassEvents* listener : std::vector(listeners_)) {
-    listener->DataMemberChanged(kPrimary);
-  }
+  tell([](RecordClassEvents& listener) { listener.DataMemberChanged(kPrimary); });
   if (sSelecSql->empty()) sSelecSql = "Todos";
   restoreOrder(*sSelecSql);
 }
@@ -126,21 +124,22 @@ Recordset& RecordClass::primary() const {
 }
 
 // ---------------------------------------------------------------------------------------------
-// Editing
+// Editing and moving
+//
+// A listener may call IniciaRs while it is told of a change or of a move, and with that the record
+// set is another one: members ask for it anew after each step, and none holds it across two.
 
 void RecordClass::AddNew(bool bDefVal) {
-  Recordset& rows = primary();
-  rows.AddNew();
+  primary().AddNew();
   Variant code = NuevoCodigo();
   if (text::length(joined(code)) < info_.codeWidth) {
     code = text::padLeft(joined(code), info_.codeWidth, '0');
   }
-  const Field first = rows.Field(0);
   if (info_.addNew == AddNewForm::kGeneral &&
-      text::length(joined(code)) > static_cast<std::size_t>(first.DefinedSize())) {
+      text::length(joined(code)) > static_cast<std::size_t>(primary().Field(0).DefinedSize())) {
     code = std::int32_t{0};
   }
-  if (bDefVal) rows.Field(0).Value(code);
+  if (bDefVal) primary().Field(0).Value(code);
   setDefaults(bDefVal);
 }
 
@@ -156,9 +155,8 @@ void RecordClass::Update() {
 }
 
 void RecordClass::Delete() {
-  Recordset& rows = primary();
-  rows.Delete(Affect::kCurrent);
-  if (info_.remove == DeleteForm::kWrites) rows.UpdateBatch(Affect::kAll);
+  primary().Delete(Affect::kCurrent);
+  if (info_.remove == DeleteForm::kWrites) primary().UpdateBatch(Affect::kAll);
 }
 
 void RecordClass::Cancel() {
@@ -172,9 +170,6 @@ bool RecordClass::EditingRecord() const {
     return false;
   }
 }
-
-// ---------------------------------------------------------------------------------------------
-// Moving
 
 std::int32_t RecordClass::AbsolutePosition() const {
   try {
@@ -198,20 +193,18 @@ void RecordClass::MoveLast() {
 }
 
 void RecordClass::MoveNext() {
-  Recordset& rows = primary();
-  if (!rows.Eof()) rows.MoveNext();
-  if (rows.Eof() && rows.RecordCount() > 0) {
+  if (!primary().Eof()) primary().MoveNext();
+  if (primary().Eof() && primary().RecordCount() > 0) {
     Apartment::current().promptGlobal().Beep();
-    rows.MoveLast();
+    primary().MoveLast();
   }
 }
 
 void RecordClass::MovePrevious() {
-  Recordset& rows = primary();
-  if (!rows.Bof()) rows.MovePrevious();
-  if (rows.Bof() && rows.RecordCount() > 0) {
+  if (!primary().Bof()) primary().MovePrevious();
+  if (primary().Bof() && primary().RecordCount() > 0) {
     Apartment::current().promptGlobal().Beep();
-    rows.MoveFirst();
+    primary().MoveFirst();
   }
 }
 
@@ -323,6 +316,10 @@ std::string RecordClass::sClassName() const {
 // ---------------------------------------------------------------------------------------------
 // Events
 
+std::string RecordClass::eventInterface() const {
+  return info_.raisesMoveComplete ? "__" + typeName() : std::string();
+}
+
 void RecordClass::addListener(RecordClassEvents& listener) {
   listeners_.push_back(&listener);
 }
@@ -332,10 +329,16 @@ void RecordClass::removeListener(RecordClassEvents& listener) {
 }
 
 void RecordClass::raiseMoveComplete() {
+  tell([](RecordClassEvents& listener) { listener.MoveComplete(); });
+}
+
+template <typename Event>
+void RecordClass::tell(Event event) {
+  // Who is told is settled beforehand; who was removed meanwhile is left out.
   const std::vector<RecordClassEvents*> told = listeners_;
   for (RecordClassEvents* listener : told) {
     if (std::find(listeners_.begin(), listeners_.end(), listener) != listeners_.end()) {
-      listener->MoveComplete();
+      event(*listener);
     }
   }
 }

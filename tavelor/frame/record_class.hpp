@@ -150,6 +150,8 @@ class RecordClass : public Object {
   /// The record set behind a data member: the primary one for "Primary" exactly, else nothing.
   RecordsetPtr DataMember(std::string_view name) const;
 
+  /// The interface that MoveComplete is raised on, "__ClsBancos"; "" for a class without events.
+  std::string eventInterface() const;
   /// A listener must be removed before it dies; it may be removed while an event is delivered.
   void addListener(RecordClassEvents& listener);
   void removeListener(RecordClassEvents& listener);
@@ -230,6 +232,9 @@ class RecordClass : public Object {
   static void sortBy(Recordset& rows, std::int16_t index, std::string_view mode);
   ConnectionPtr& connection();
   void raiseMoveComplete();
+  /// Tells every listener of an event.
+  template <typename Event>
+  void tell(Event event);
 
   const ClassInfo& info_;
   RecordsetPtr adoPrimaryRS_;
