@@ -1,0 +1,229 @@
+// SPDX-License-Identifier: MIT
+// ClsTicketsCabecera, the customer's data as typed at the till.
+#include "tavelor/sales/tickets_cabecera.hpp"
+
+#include <array>
+
+#include "tavelor/frame/component.hpp"
+#include "tavelor/frame/reading.hpp"
+#include "tavelor/platform/statement.hpp"
+#include "tavelor/sales/ticket_rows.hpp"
+#include "tavelor/services/recordset/recordset.hpp"
+
+namespace tavelor {
+
+// Table Tickets_Cabecera: who the customer of the ticket Codigo is.
+
+namespace {
+
+constexpr std::string_view kTodos =
+    "SELECT"
+    " Id, Codigo as Código, Nombre, Razon_Social as Empresa,"
+    " NIF,  Direccion as Dirección,"
+    " Codigo_Postal, Poblacion as Población, Provincia, Telefono as Teléfono"
+    " FROM "
+    "Tickets_Cabecera";
+
+// "cabeceras" shows the customers that the till has known.
+constexpr std::array kModes = {
+    Mode{"seleccion", kTodos, " WHERE  Codigo =  {id}"},
+    Mode{"ninguno", kTodos, " Where Codigo = 0"},
+    Mode{"cabeceras",
+         "SELECT DISTINCT"
+         " Telefono AS Código,Razon_social AS Descripción,"
+         " NIF,  Direccion,"
+         " Codigo_Postal, Poblacion, Provincia"
+         " FROM H"
+         "Tickets_Cabecera"},
+    Mode{kAnyOtherWord, kTodos},
+};
+
+constexpr ClassInfo kInfo = {.word = "Tickets_Cabecera",
+                             .table = "Tickets_Cabecera",
+                             .selector = selector::kDocuments,
+                             .codeColumn = "Id",
+                             .modes = kModes,
+                             .find = FindForm::kPrefix,
+                             .code = CodeForm::kUnchecked,
+                             .clearsDataMembers = true};
+
+// The key stays behind: history numbers its rows by itself.
+constexpr life_cycle::Table kTable = {
+    .name = "Tickets_Cabecera",
+    .key = "Codigo",
+    .copied =
+        " ( Codigo, Nombre, Razon_Social, NIF, Direccion, Codigo_Postal, Poblacion, "
+        "Provincia, Telefono, Cierre )"
+        " SELECT"
+        " Codigo, Nombre, Razon_Social, NIF, Direccion, Codigo_Postal, Poblacion, "
+        "Provincia, Telefono, Cierre "};
+
+constexpr std::string_view kNothingFound = "no";
+
+/// What a ticket's header and a customer that was looked for have in common.
+template <typename Parameters>
+void takeCustomer(Recordset& rows, Parameters& to) {
+  take(rows, "NIF", to.sNif);
+  take(rows, "Nombre", to.sNombre);
+  take(rows, "Empresa", to.sEmpresa);
+  take(rows, "Direccion", to.sDireccion);
+  take(rows, "Codigo_Postal", to.sCp);
+  take(rows, "Poblacion", to.sPoblacion);
+  take(rows, "Provincia", to.sProvincia);
+}
+
+}  // namespace
+
+ClsTicketsCabecera::ClsTicketsCabecera() : TicketTable(kInfo, kTable) {}
+
+void ClsTicketsCabecera::Insertar(const Alta& alta) const {
+  Statement statement(
+      "INSERT INTO "
+      "Tickets_Cabecera"
+      " ( id, Codigo, Nombre, Razon_Social,"
+      " NIF,  Direccion,"
+      " Codigo_Postal, Poblacion, Provincia"
+      " ) Values ( ");
+  statement << value(joined(alta.vId)) << "," << value(joined(alta.vNum)) << ",'"
+            << value(alta.sNombre) << "','" << value(alta.sEmpresa) << "','" << value(alta.sNif)
+            << "','" << value(alta.sDireccion) << "','" << value(alta.sCp) << "','"
+            << value(alta.sPoblacion) << "','" << value(alta.sProvincia) << "' )";
+  write(statement, *alta.objCn);
+}
+
+void ClsTicketsCabecera::Obtener(Datos& datos) const {
+  const RecordsetPtr rows = read(withId("SELECT"
+                                        " Nombre, Razon_Social as Empresa,"
+                                        " NIF,  Direccion,"
+                                        " Codigo_Postal, Poblacion, Provincia"
+                                        " FROM "
+                                        "Tickets_Cabecera"
+                                        " WHERE  Codigo = {id}",
+                                        datos.vId),
+                                 *datos.objCn);
+  if (rows->RecordCount() > 0) takeCustomer(*rows, datos);
+}
+
+std::vector<Variant> ClsTicketsCabecera::GetCabecera() const {
+  Recordset& rows = primary();
+  const auto column = [&](std::string_view name) { return rows.Field(name).Value(); };
+  std::vector<Variant> lines;
+  const auto add = [&](const Variant& found) {
+    if (!found.isNull()) lines.emplace_back(joined(found));
+  };
+  for (const std::string_view name : {"Nombre", "Empresa", "Nif", "Dirección"}) add(column(name));
+  if (const Variant town = column("Población"); !town.isNull()) {
+    const Variant postalCode = column("Codigo_Postal");
+    add(postalCode.isNull() ? town : Variant(joined(postalCode) + " " + joined(town)));
+  }
+  for (const std::string_view name : {"Provincia", "Teléfono"}) add(column(name));
+  return lines;
+}
+
+void ClsTicketsCabecera::DeleteAll(const Variant& vId, ObjCn cnnActive) const {
+  write(withId("DELETE  FROM Tickets_Cabecera WHERE (Codigo = {id})", vId), *cnnActive);
+}
+
+void ClsTicketsCabecera::GetDatos(Busqueda& busqueda) const {
+  Statement statement(
+      "SELECT"
+      " Nombre, Razon_Social as Empresa,"
+      " NIF,  Direccion,"
+      " Codigo_Postal, Poblacion, Provincia, Telefono");
+  statement << (busqueda.bHistor ? " FROM H" : " FROM ") << "Tickets_Cabecera";
+  if (busqueda.index == 0) {
+    statement << " WHERE  Telefono =  '" << value(busqueda.idTel) << "'";
+  } else if (busqueda.index == 1) {
+    statement << " WHERE  Razon_Social = '" << value(busqueda.sEmpresa) << "' ";
+  }
+  const RecordsetPtr rows = read(statement, *busqueda.objCn);
+  if (rows->RecordCount() == 0) {
+    busqueda.sNombre = kNothingFound;
+    return;
+  }
+  // The one entered last is the one that holds.
+  rows->MoveLast();
+  take(*rows, "Telefono", busqueda.idTel);
+  takeCustomer(*rows, busqueda);
+}
+
+void ClsTicketsCabecera::AddNew(bool bDefVal) {
+  Recordset& rows = primary();
+  rows.AddNew();
+  if (bDefVal) rows.Field("Id").Value(NuevoCodigo(GetConnection()));
+}
+
+void ClsTicketsCabecera::UpdateId(const Variant& vId) {
+  if (!ExistenRegistros()) return;
+  giveToTicket(primary(), vId, NuevoCodigo(GetConnection()));
+}
+
+void ClsTicketsCabecera::ToHtml(bool bDoclone, std::string_view sSelecSql, bool bFilter) {
+  writeRecordPage(bDoclone, sSelecSql, bFilter);
+}
+
+void ClsTicketsCabecera::ToTxt(bool bDoclone, std::string_view sSelecSql, bool bFilter) {
+  writeRecordText(bDoclone, sSelecSql, bFilter);
+}
+
+const Component& ClsTicketsCabecera::component() {
+  using C = ClsTicketsCabecera;
+  constexpr std::string_view kExport = "[bDoclone], [sSelecSql], [bFilter]";
+  static const Component table(
+      "ClsTicketsCabecera", "{3E7C51D4-8A20-4B96-A1F7-5C0D92E6B402}", kInfo.word,
+      []() -> std::unique_ptr<Object> { return std::make_unique<C>(); },
+      withFrameTail(
+          {
+              frameMember("GetConnectionStrToRpt"),
+              frameMember("sClassName"),
+              frameMember("GetConnectionStr"),
+              member(
+                  "Insertar", &C::Insertar,
+                  {parameter("vId", &Alta::vId), parameter("vNum", &Alta::vNum),
+                   parameter("sNif", &Alta::sNif), parameter("sNombre", &Alta::sNombre),
+                   parameter("sEmpresa", &Alta::sEmpresa),
+                   parameter("sDireccion", &Alta::sDireccion), parameter("sCp", &Alta::sCp),
+                   parameter("sPoblacion", &Alta::sPoblacion),
+                   parameter("sProvincia", &Alta::sProvincia), parameter("[objCn]", &Alta::objCn)}),
+              member("Obtener", &C::Obtener,
+                     {parameter("vId", &Datos::vId), parameter("inout sNif", &Datos::sNif),
+                      parameter("inout sNombre", &Datos::sNombre),
+                      parameter("inout sEmpresa", &Datos::sEmpresa),
+                      parameter("inout sDireccion", &Datos::sDireccion),
+                      parameter("inout sCp", &Datos::sCp),
+                      parameter("inout sPoblacion", &Datos::sPoblacion),
+                      parameter("inout sProvincia", &Datos::sProvincia),
+                      parameter("[objCn]", &Datos::objCn)}),
+              member("GetCabecera", &C::GetCabecera),
+              member("Mover_De_Historicos", &C::Mover_De_Historicos, kOnClosing),
+              member("Mover_A_Historicos", &C::Mover_A_Historicos, kOnClosing),
+              member("CerrarTicket", &C::CerrarTicket, kClosesTicket),
+              member("ConvertirSerie", &C::ConvertirSerie, kRenumbersTicket),
+              frameMember("GetConnection"),
+              member("DeleteAll", &C::DeleteAll, "vId, [cnnActive]"),
+              member(
+                  "GetDatos", &C::GetDatos,
+                  {parameter("inout idTel", &Busqueda::idTel),
+                   parameter("inout sNif", &Busqueda::sNif),
+                   parameter("inout sNombre", &Busqueda::sNombre),
+                   parameter("inout sEmpresa", &Busqueda::sEmpresa),
+                   parameter("inout sDireccion", &Busqueda::sDireccion),
+                   parameter("inout sCp", &Busqueda::sCp),
+                   parameter("inout sPoblacion", &Busqueda::sPoblacion),
+                   parameter("inout sProvincia", &Busqueda::sProvincia),
+                   parameter("bHistor", &Busqueda::bHistor), parameter("index", &Busqueda::index),
+                   parameter("[objCn]", &Busqueda::objCn)}),
+              member("IniciaRs", &C::IniciaRs, "[inout cnnActive], [inout sSelecSql], [id]"),
+              frameMember("NuevoCodigo"),
+              frameMember("SeguridadPermiso"),
+          },
+          {
+              member("AddNew", &C::AddNew, "[bDefVal]"),
+              member("UpdateId", &C::UpdateId, "vId"),
+              member("ToHtml", &C::ToHtml, kExport),
+              member("ToTxt", &C::ToTxt, kExport),
+          }));
+  return table;
+}
+
+}  // namespace tavelor
