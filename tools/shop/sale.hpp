@@ -26,13 +26,13 @@ struct SaleLine {
 struct Sale {
   std::string reference;  ///< what the shop calls it elsewhere; of all sales, only this one has it
   std::string till;
-  Date day;               ///< without a time
-  std::string time;       ///< "10:32"
-  std::string customer;   ///< code; "" for one that nobody knows
-  std::string name;       ///< of the customer, as typed
-  std::string place;      ///< where the customer lives
-  std::string payment;    ///< code of the payment method
-  double delivered = 0;   ///< euros handed over; less than the total counts as the total
+  Date day;              ///< without a time
+  std::string time;      ///< "10:32"
+  std::string customer;  ///< code; "" for one that nobody knows
+  std::string name;      ///< of the customer, as typed
+  std::string place;     ///< where the customer lives
+  std::string payment;   ///< code of the payment method
+  double delivered = 0;  ///< euros handed over; less than the total counts as the total
   std::string comment;
   std::vector<SaleLine> lines;
 

@@ -1,0 +1,292 @@
+// SPDX-License-Identifier: MIT
+// The figures of some days. The statements add up, so that three months of lines never lie in
+// memory.
+#include "tools/shop/day_figures.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <string_view>
+#include <unordered_map>
+
+#include "tavelor/platform/error.hpp"
+#include "tavelor/platform/statement.hpp"
+#include "tavelor/platform/variant.hpp"
+#include "tavelor/services/apartment.hpp"
+#include "tavelor/services/data_session.hpp"
+#include "tavelor/services/installation.hpp"
+#include "tavelor/services/recordset/recordset.hpp"
+
+namespace tavelor::shop {
+
+namespace {
+
+constexpr int kMain = 1;
+constexpr int kDocuments = 3;
+constexpr double kHalfACent = 0.005;
+constexpr int kHoursOfADay = 24;
+
+/// The rows of a statement, with Null read as nothing: "" and 0.
+class Rows {
+ public:
+  Rows(int selector, const Statement& statement) : locale_(Apartment::current().locale()) {
+    ConnectionPtr connection;
+    DataSession().OpenRecordset(selector, statement, rows_, connection);
+  }
+
+  bool hasRow() const { return !rows_->Eof(); }
+  void next() { rows_->MoveNext(); }
+
+  std::string text(std::string_view column) const {
+    const Variant found = rows_->Field(column).Value();
+    return found.isNull() ? std::string() : found.toText(locale_);
+  }
+  double number(std::string_view column) const {
+    const Variant found = rows_->Field(column).Value();
+    return found.isNull() ? 0 : found.toDouble(locale_);
+  }
+  std::int32_t whole(std::string_view column) const {
+    return static_cast<std::int32_t>(number(column));
+  }
+  Date day(std::string_view column) const { return Date(number(column)).dayOnly(); }
+
+ private:
+  const Locale& locale_;
+  RecordsetPtr rows_;
+};
+
+using Names = std::unordered_map<std::string, std::string>;
+
+Names namesOf(const char* statement) {
+  Names names;
+  for (Rows rows(kMain, Statement(statement)); rows.hasRow(); rows.next()) {
+    names.emplace(rows.text("Codigo"), rows.text("Descripcion"));
+  }
+  return names;
+}
+
+/// Largest first, by the cent: equal money keeps the order of the codes.
+bool isMore(double a, double b) {
+  constexpr double kCents = 100;
+  return std::round(a * kCents) > std::round(b * kCents);
+}
+
+class Gatherer {
+ public:
+  Gatherer(Date first, Date last) {
+    figures_.first = first;
+    figures_.last = last;
+    from_ = session_.DateLiteral(kMain, first);
+    before_ = session_.DateLiteral(kMain, Date(last.days() + 1));
+  }
+
+  Figures gather() {
+    nameShop();
+    countTickets();
+    readHours();
+    readDays();
+    readArticles();
+    readReturns();
+    figures_.families =
+        shares("Familia", "Cierres_Familias", namesOf("SELECT Codigo, Descripcion FROM Familias"));
+    figures_.payments = shares("Forma_Pago", "Cierres_Formas_Pago",
+                               namesOf("SELECT Codigo, Descripcion FROM Formas_Pago"));
+    readTaxes();
+    readClosings();
+    return std::move(figures_);
+  }
+
+ private:
+  /// " WHERE table.Fecha >= .. AND table.Fecha < ..": a closing may have a time behind its day.
+  Statement inTheDays(const char* table) const {
+    Statement condition(" WHERE ");
+    condition << table << ".Fecha >= " << value(from_) << " AND " << table << ".Fecha < "
+              << value(before_);
+    return condition;
+  }
+
+  Takings takings(const char* table) const {
+    Statement statement("SELECT Count(*) AS Cuantos, Sum(Total) AS Importe FROM ");
+    statement << table << inTheDays(table);
+    const Rows rows(kDocuments, statement);
+    return {rows.whole("Cuantos"), rows.number("Importe")};
+  }
+
+  void nameShop() {
+    const Rows rows(kMain, Statement("SELECT Nombre, Razon_Social FROM Tipos_Documento WHERE "
+                                     "Predeterminada = True ORDER BY Codigo"));
+    if (rows.hasRow()) figures_.shop = rows.text("Nombre");
+    if (rows.hasRow() && figures_.shop.empty()) figures_.shop = rows.text("Razon_Social");
+    if (figures_.shop.empty()) {
+      figures_.shop =
+          std::filesystem::path(Apartment::current().installation().folder()).filename().string();
+    }
+  }
+
+  void countTickets() {
+    figures_.all = takings("HTickets");
+    figures_.open = takings("Tickets");
+    Statement statement("SELECT Count(*) AS Cuantas, Sum(Cantidad) AS Unidades");
+    statement << kLines << inTheDays("HTickets");
+    const Rows rows(kDocuments, statement);
+    figures_.lines = rows.whole("Cuantas");
+    figures_.units = rows.number("Unidades");
+  }
+
+  void readHours() {
+    Statement statement(
+        "SELECT Val(Left(Concepto, 2)) AS Hora, Count(*) AS Cuantos, Sum(Total) AS Importe "
+        "FROM HTickets");
+    statement << inTheDays("HTickets")
+              << " AND (Concepto Like '[0-2]#:[0-5]#' OR Concepto Like '#:[0-5]#') "
+                 "GROUP BY Val(Left(Concepto, 2)) ORDER BY Val(Left(Concepto, 2))";
+    figures_.timeless = figures_.all;
+    for (Rows rows(kDocuments, statement); rows.hasRow(); rows.next()) {
+      HourFigures hour;
+      hour.hour = rows.whole("Hora");
+      hour.tickets = rows.whole("Cuantos");
+      hour.amount = rows.number("Importe");
+      if (hour.hour >= kHoursOfADay) continue;
+      figures_.timeless.tickets -= hour.tickets;
+      figures_.timeless.amount -= hour.amount;
+      figures_.hours.push_back(hour);
+    }
+  }
+
+  void readDays() {
+    Statement statement(
+        "SELECT Int(Fecha) AS Dia, Count(*) AS Cuantos, Sum(Total) AS Importe FROM HTickets");
+    statement << inTheDays("HTickets") << " GROUP BY Int(Fecha) ORDER BY Int(Fecha)";
+    for (Rows rows(kDocuments, statement); rows.hasRow(); rows.next()) {
+      DayFigures day;
+      day.day = rows.day("Dia");
+      day.tickets = rows.whole("Cuantos");
+      day.amount = rows.number("Importe");
+      figures_.days.push_back(day);
+    }
+  }
+
+  std::vector<ArticleFigures> articles(const char* condition) const {
+    Statement statement(
+        "SELECT HTickets_Lineas.Codigo AS Articulo, Max(HTickets_Lineas.Descripcion) AS Nombre, "
+        "Sum(Cantidad) AS Unidades, Sum(Importe) AS Dinero");
+    statement << kLines << inTheDays("HTickets") << condition
+              << " GROUP BY HTickets_Lineas.Codigo ORDER BY HTickets_Lineas.Codigo";
+    std::vector<ArticleFigures> found;
+    for (Rows rows(kDocuments, statement); rows.hasRow(); rows.next()) {
+      found.push_back({rows.text("Articulo"), rows.text("Nombre"), rows.number("Unidades"),
+                       rows.number("Dinero")});
+    }
+    return found;
+  }
+
+  void readArticles() { figures_.articles = articles(""); }
+
+  void readReturns() {
+    Statement statement("SELECT Count(*) AS Cuantos FROM HTickets");
+    statement << inTheDays("HTickets")
+              << " AND Numero IN (SELECT Numero FROM HTickets_Lineas WHERE Cantidad < 0)";
+    figures_.returns = Rows(kDocuments, statement).whole("Cuantos");
+    figures_.returned = articles(" AND Cantidad < 0");
+    for (ArticleFigures& article : figures_.returned) {
+      article.units = -article.units;
+      article.amount = -article.amount;
+    }
+    std::stable_sort(figures_.returned.begin(), figures_.returned.end(),
+                     [](const auto& a, const auto& b) { return isMore(a.amount, b.amount); });
+  }
+
+  std::vector<Share> shares(const char* column, const char* table, const Names& names) const {
+    Statement statement("SELECT ");
+    statement << column << " AS Cual, Sum(Importe) AS Dinero FROM Cierres INNER JOIN " << table
+              << " ON Cierres.Codigo = " << table << ".Cierre" << inTheDays("Cierres")
+              << " GROUP BY " << column << " ORDER BY " << column;
+    std::vector<Share> found;
+    for (Rows rows(kMain, statement); rows.hasRow(); rows.next()) {
+      Share share{rows.text("Cual"), {}, rows.number("Dinero")};
+      const auto name = names.find(share.code);
+      share.name = name == names.end() || name->second.empty() ? share.code : name->second;
+      found.push_back(std::move(share));
+    }
+    std::stable_sort(found.begin(), found.end(),
+                     [](const Share& a, const Share& b) { return isMore(a.amount, b.amount); });
+    return found;
+  }
+
+  void readTaxes() {
+    Statement statement(
+        "SELECT Iva, Sum(Cierres_Lineas_Impuestos.Base) AS Bases, "
+        "Sum(Cierres_Lineas_Impuestos.Importe) AS Cuotas FROM Cierres INNER JOIN "
+        "Cierres_Lineas_Impuestos ON Cierres.Codigo = Cierres_Lineas_Impuestos.Cierre");
+    statement << inTheDays("Cierres") << " GROUP BY Iva ORDER BY Iva";
+    for (Rows rows(kMain, statement); rows.hasRow(); rows.next()) {
+      figures_.taxes.push_back({rows.number("Iva"), rows.number("Bases"), rows.number("Cuotas")});
+    }
+  }
+
+  /// Where each till stood before the first day.
+  std::unordered_map<std::string, double> balancesBefore() const {
+    Statement statement(
+        "SELECT Caja, Saldo_Final FROM Cierres WHERE Codigo IN (SELECT Max(Codigo) FROM Cierres "
+        "WHERE Fecha < ");
+    statement << value(from_) << " GROUP BY Caja)";
+    std::unordered_map<std::string, double> balances;
+    for (Rows rows(kMain, statement); rows.hasRow(); rows.next()) {
+      balances[rows.text("Caja")] = rows.number("Saldo_Final");
+    }
+    return balances;
+  }
+
+  void readClosings() {
+    auto balances = balancesBefore();
+    Statement statement(
+        "SELECT Codigo, Caja, Fecha, Saldo_Inicio, Total, Saldo_Final FROM Cierres");
+    statement << inTheDays("Cierres") << " ORDER BY Caja, Codigo";
+    for (Rows rows(kMain, statement); rows.hasRow(); rows.next()) {
+      ClosingFigures closing;
+      closing.number = rows.whole("Codigo");
+      closing.till = rows.text("Caja");
+      closing.day = rows.day("Fecha");
+      closing.start = rows.number("Saldo_Inicio");
+      closing.sales = rows.number("Total");
+      closing.end = rows.number("Saldo_Final");
+      // A till's very first closing begins with whatever lies in its drawer.
+      const auto before = balances.find(closing.till);
+      closing.expected = before == balances.end() ? closing.start : before->second;
+      closing.isBroken = std::abs(closing.start - closing.expected) >= kHalfACent;
+      balances[closing.till] = closing.end;
+      figures_.closings.push_back(std::move(closing));
+    }
+  }
+
+  static constexpr std::string_view kLines =
+      " FROM HTickets INNER JOIN HTickets_Lineas ON HTickets.Numero = HTickets_Lineas.Numero";
+
+  DataSession session_;
+  std::string from_;
+  std::string before_;
+  Figures figures_;
+};
+
+}  // namespace
+
+double Figures::tax() const {
+  double sum = 0;
+  for (const TaxFigures& each : taxes) sum += each.tax;
+  return sum;
+}
+
+double Figures::closedAmount() const {
+  double sum = 0;
+  for (const ClosingFigures& closing : closings) sum += closing.sales;
+  return sum;
+}
+
+Figures gatherFigures(Date first, Date last) {
+  first = first.dayOnly();
+  last = last.dayOnly();
+  if (last < first) raise(errors::kInvalidCall, "Shop", "The last day is before the first.");
+  return Gatherer(first, last).gather();
+}
+
+}  // namespace tavelor::shop

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+// The shop owner's page of a day or a run of days.
+#pragma once
+
+#include <string>
+
+#include "tavelor/platform/date.hpp"
+
+namespace tavelor::shop {
+
+struct Figures;
+
+/// Writes the page of the days from `first` to `last`, both included, and gives its path: in the
+/// export folder, "day-2026-11-20.htm" or "day-2010-12-01_2011-02-28.htm". An earlier page of that
+/// name is replaced in one step. Raises 5 when `last` is before `first`, 75 when the page cannot be
+/// written; the earlier one is untouched then.
+std::string writeDayPage(Date first, Date last);
+
+/// The page itself: one HTML text in UTF-8 that needs neither network nor script, by the locale of
+/// the calling thread's apartment.
+std::string dayPage(const Figures& figures);
+
+}  // namespace tavelor::shop
