@@ -59,7 +59,8 @@ class DataSession {
   /// Runs a statement that gives no rows on `objCn`, filled from OpenConnection() when it is empty.
   void Execute(int selector, const Statement& statement, ConnectionPtr& objCn);
 
-  /// The record set saved in that file. Raises 53 when there is no such file.
+  /// The record set saved in that file. Raises 53 when there is no such file, 75 when it cannot be
+  /// read, 3001 with the place when it holds something else.
   RecordsetPtr OpenRecordsetFromFile(std::string_view path);
 
   /// Opens the statement into `recordset`, fully fetched, over `objCn`; either is made when it is

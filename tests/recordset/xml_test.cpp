@@ -207,6 +207,13 @@ TEST_F(Xml, AFolderThatIsNotThereIsNamed) {
   EXPECT_EQ(raisedBy([&] { Recordset::OpenFile(path); }), errors::kFileNotFound);
 }
 
+TEST_F(Xml, AFolderInThePlaceOfTheFileIsNamed) {
+  const Folder folder;
+  const std::string path = folder.file("");
+  EXPECT_EQ(raisedBy([&] { Recordset::OpenFile(path); }), errors::kPathAccess);
+  EXPECT_THAT(sentenceOf([&] { Recordset::OpenFile(path); }), HasSubstr(path));
+}
+
 // ---- From strangers
 
 TEST(XmlForeign, TypesAreKnownByTheirNames) {

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Reading a record set from XML, which may come from anywhere and be anything.
+#include <array>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <pugixml.hpp>
+#include <system_error>
 #include <unordered_map>
 
 #include "tavelor/platform/text.hpp"
@@ -241,6 +243,24 @@ void XmlReader::edit(Row row, Operation operation, std::vector<WrittenCell> cell
   edit.cells = std::move(cells);
 }
 
+std::string readFile(const std::string& path) {
+  constexpr std::string_view kOpenFile = "Recordset.OpenFile";
+  std::error_code error;
+  if (std::filesystem::status(path, error).type() == std::filesystem::file_type::not_found) {
+    raise(errors::kFileNotFound, kOpenFile, path);
+  }
+  std::ifstream file(path, std::ios::binary);
+  std::string text;
+  std::array<char, 65536> block{};
+  while (file) {
+    file.read(block.data(), block.size());
+    text.append(block.data(), static_cast<std::size_t>(file.gcount()));
+  }
+  // What was read to its end stands at it; a folder opens and does not read.
+  if (!file.eof()) raise(errors::kPathAccess, kOpenFile, path);
+  return text;
+}
+
 }  // namespace
 
 RecordsetPtr Recordset::LoadXml(std::string_view xml, const std::shared_ptr<const Locale>& locale) {
@@ -253,10 +273,7 @@ RecordsetPtr Recordset::LoadXml(std::string_view xml, const std::shared_ptr<cons
 
 RecordsetPtr Recordset::OpenFile(const std::string& path,
                                  const std::shared_ptr<const Locale>& locale) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) raise(errors::kFileNotFound, "Recordset.OpenFile", path);
-  const std::string xml{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  return LoadXml(xml, locale);
+  return LoadXml(readFile(path), locale);
 }
 
 }  // namespace tavelor
