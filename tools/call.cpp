@@ -19,8 +19,9 @@ namespace {
 constexpr const char* kFooter =
     R"(Arguments are texts that the member reads by the installation's locale: 1,5 is
 one and a half in Spanish. An empty one stands for what is not given, unless the
-parameter is a text. Outputs need no argument; they are printed after the result
-as name = value, (empty) and (null) for what has no value. -- ends the options.
+parameter is a text. Outputs need no argument, or an empty one where an input
+follows; they are printed after the result as name = value, (empty) and (null)
+for what has no value. -- ends the options.
 
   tavelor call ClsBancos NuevoCodigo
   tavelor call ClsBancos CrearBanco "" "Banco de Ahorro"

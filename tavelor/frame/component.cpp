@@ -131,6 +131,10 @@ Variant objectOut(std::shared_ptr<T> object) {
   return object ? Variant(ObjectPtr(std::move(object))) : Variant();
 }
 
+bool mayBeLeftOut(const Parameter& parameter) {
+  return parameter.optional || parameter.direction == Parameter::Direction::kOut;
+}
+
 }  // namespace
 
 std::string Member::signature() const {
@@ -166,9 +170,8 @@ const Member& Component::member(std::string_view name) const {
 Variant Component::call(Object& object, std::string_view name,
                         std::vector<Variant>& arguments) const {
   const Member& slot = member(name);
-  const auto required = static_cast<std::size_t>(std::count_if(
-      slot.parameters.begin(), slot.parameters.end(),
-      [](const Parameter& p) { return !p.optional && p.direction != Parameter::Direction::kOut; }));
+  std::size_t required = slot.parameters.size();
+  while (required > 0 && mayBeLeftOut(slot.parameters[required - 1])) --required;
   if (arguments.size() < required || arguments.size() > slot.parameters.size()) {
     raise(errors::kWrongNumberOfArguments, kSource,
           fmt::format("{}.{} was given {} arguments", name_, slot.signature(), arguments.size()));

@@ -67,8 +67,10 @@ class Component {
   const Member& member(std::string_view name) const;
 
   /// Calls a member by name. Missing optional arguments take their defaults; arguments by reference
-  /// are written back, `arguments` growing to hold them. Raises 438 for an unknown member, 450 for
-  /// a wrong number of arguments, 13 for one of the wrong type.
+  /// are written back, `arguments` growing to hold them, also when the member raises: what it had
+  /// written until then is there, as for a direct caller. An output before an input needs its
+  /// place, an Empty one. Raises 438 for an unknown member, 450 for a wrong number of arguments, 13
+  /// for one of the wrong type.
   Variant call(Object& object, std::string_view name, std::vector<Variant>& arguments) const;
 
  private:
@@ -238,16 +240,20 @@ Variant invoke(C& object, F function, std::span<Variant> arguments, std::index_s
   const auto writeBack = [&] {
     (std::get<I>(held).writeBack(I < arguments.size() ? &arguments[I] : nullptr), ...);
   };
-  if constexpr (std::is_void_v<R>) {
-    (object.*function)(std::get<I>(held).pass()...);
+  Variant result;
+  try {
+    if constexpr (std::is_void_v<R>) {
+      (object.*function)(std::get<I>(held).pass()...);
+    } else {
+      result =
+          Marshal<std::remove_cvref_t<R>>::out((object.*function)(std::get<I>(held).pass()...));
+    }
+  } catch (...) {
     writeBack();
-    return {};
-  } else {
-    Variant result =
-        Marshal<std::remove_cvref_t<R>>::out((object.*function)(std::get<I>(held).pass()...));
-    writeBack();
-    return result;
+    throw;
   }
+  writeBack();
+  return result;
 }
 
 template <typename Class, typename R, typename F, typename... P>
@@ -314,12 +320,20 @@ Member member(std::string_view name, void (Class::*function)(Aggregate&) const,
     for (std::size_t i = 0; i < arguments.size(); ++i) {
       if (!arguments[i].isEmpty()) parameters[i].read(all, arguments[i]);
     }
-    (typed->*function)(all);
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-      if (parameters[i].parameter.direction != Parameter::Direction::kIn) {
-        arguments[i] = parameters[i].written(all);
+    const auto writeBack = [&] {
+      for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (parameters[i].parameter.direction != Parameter::Direction::kIn) {
+          arguments[i] = parameters[i].written(all);
+        }
       }
+    };
+    try {
+      (typed->*function)(all);
+    } catch (...) {
+      writeBack();
+      throw;
     }
+    writeBack();
     return Variant();
   };
   return slot;

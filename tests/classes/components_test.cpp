@@ -115,6 +115,22 @@ TEST_F(CallTest, ArgumentsByReferenceAreWrittenBack) {
   EXPECT_EQ(left[2], Variant("ND"));
 }
 
+// As a direct caller finds them: the code was taken before the name broke the statement.
+TEST_F(CallTest, ArgumentsByReferenceAreWrittenBackWhenTheMemberRaises) {
+  std::vector<Variant> arguments = {"mine", "Banca d'Or"};
+  EXPECT_EQ(errorOf([&] { component("ClsBancos").call(*bank, "CrearBanco", arguments); }),
+            errors::kSyntax);
+  ASSERT_EQ(arguments.size(), 3U);
+  EXPECT_EQ(arguments[0], Variant("00001"));
+  EXPECT_EQ(arguments[2].type(), VariantType::kObject);
+}
+
+TEST_F(CallTest, AnOutputBeforeAnInputNeedsItsPlace) {
+  EXPECT_EQ(errorOf([&] { call("GetOrder", {"todos"}); }), errors::kWrongNumberOfArguments);
+  call("GetOrder", {{}, {}, "todos"});
+  EXPECT_EQ(left[0], Variant(std::int16_t{0}));
+}
+
 TEST_F(CallTest, AFilledConnectionComesBackAndServesTheNextCall) {
   call("NuevoCodigo", {Variant()});
   ASSERT_EQ(left[0].type(), VariantType::kObject);
