@@ -76,6 +76,40 @@ TEST(RowStore, CellsFillTheirRowAndNoOther) {
   }
 }
 
+TEST(RowStore, ARowReadsTheSameAsItsCells) {
+  constexpr std::size_t kColumns = 67;  // two words of null bits
+  RowStore rows(std::vector<ColumnType>(kColumns, ColumnType::kText));
+  constexpr std::size_t kRows = 1100;  // more than the first two chunks hold
+  for (std::size_t i = 0; i < kRows; ++i) {
+    rows.append();
+    rows.setInteger(i, 0, static_cast<std::int64_t>(i) - 5);
+    rows.setReal(i, 63, 0.5 * static_cast<double>(i));
+    rows.setText(i, 64, std::to_string(i));
+    rows.setText(i, 66, "a longer text, number " + std::to_string(i));
+  }
+  for (const std::size_t i : {0U, 15U, 16U, 17U, 1039U, 1040U, 1099U}) {
+    const RowStore::Row row = rows.row(i);
+    for (std::size_t column = 0; column < kColumns; ++column) {
+      EXPECT_EQ(row.isNull(column), rows.isNull(i, column)) << i << ", " << column;
+    }
+    EXPECT_EQ(row.integer(0), rows.integer(i, 0));
+    EXPECT_EQ(row.real(63), rows.real(i, 63));
+    EXPECT_EQ(row.text(64), std::to_string(i));
+    EXPECT_EQ(row.text(66), rows.text(i, 66));
+  }
+}
+
+TEST(RowStore, ARowStaysGoodWhileRowsAreAddedAndShowsWhatIsWrittenToIt) {
+  RowStore rows({ColumnType::kText});
+  rows.append();
+  const RowStore::Row row = rows.row(0);
+  for (int i = 0; i < 5000; ++i) rows.append();
+  EXPECT_TRUE(row.isNull(0));
+  rows.setText(0, 0, "later");
+  EXPECT_FALSE(row.isNull(0));
+  EXPECT_EQ(row.text(0), "later");
+}
+
 TEST(RowStore, ARowThatIsTakenAwayComesBackNull) {
   RowStore rows({ColumnType::kInt32});
   for (int i = 0; i < 17; ++i) rows.setInteger(rows.append(), 0, i);

@@ -63,6 +63,33 @@ class RowStore {
   };
   Cells cells(std::size_t row) { return {*this, &word(row, 0)}; }
 
+  /// One row to be read, without looking it up for every cell. Good as long as the store lives,
+  /// moves or not; it shows what is written to the row meanwhile.
+  class Row {
+   public:
+    Row() = default;
+
+    bool isNull(std::size_t column) const {
+      return (nulls_[column / 64] >> (column % 64) & 1U) != 0;
+    }
+    std::int64_t integer(std::size_t column) const {
+      return std::bit_cast<std::int64_t>(cells_[column]);
+    }
+    double real(std::size_t column) const { return std::bit_cast<double>(cells_[column]); }
+    std::string_view text(std::size_t column) const { return textOf(cells_[column]); }
+
+   private:
+    friend class RowStore;
+    Row(const Word* nulls, const Word* cells) : nulls_(nulls), cells_(cells) {}
+
+    const Word* nulls_ = nullptr;
+    const Word* cells_ = nullptr;
+  };
+  Row row(std::size_t row) const {
+    const Word* words = &word(row, 0);
+    return {words, words + nullWords_};
+  }
+
   bool isNull(std::size_t row, std::size_t column) const {
     return (word(row, column / 64) >> (column % 64) & 1U) != 0;
   }

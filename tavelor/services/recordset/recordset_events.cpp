@@ -45,6 +45,20 @@ struct Addressee {
 
 void Recordset::deliver(const Notice& notice, bool complete, const Error* error,
                         EventStatus& status) {
+  const auto bit = static_cast<std::uint16_t>(
+      1U << (static_cast<unsigned>(notice.told) * 2U + (complete ? 1U : 0U)));
+  // Most sets have one listener, the class that opened them, and walks are long: no list is made.
+  if (listeners_.size() == 1 && !toldToClones(notice.told)) {
+    const Listener sole = listeners_.front();
+    if ((sole.unwanted & bit) != 0) return;
+    EventStatus answer = status;
+    call(notice, complete, error, answer, *sole.events, *this);
+    if (answer == EventStatus::kUnwantedEvent) {
+      for (Listener& l : listeners_) l.unwanted |= l.events == sole.events ? bit : 0;
+    }
+    if (answer == EventStatus::kCancel && !complete && notice.deniable) status = answer;
+    return;
+  }
   // Who is told is settled beforehand; who has gone or stopped listening meanwhile is left out.
   const std::shared_ptr<RecordsetStore> store = store_;
   std::vector<Addressee> addressees;
@@ -55,8 +69,6 @@ void Recordset::deliver(const Notice& notice, bool complete, const Error* error,
       for (const Listener& l : set->listeners_) addressees.push_back({set, l.events});
     }
   }
-  const auto bit = static_cast<std::uint16_t>(
-      1U << (static_cast<unsigned>(notice.told) * 2U + (complete ? 1U : 0U)));
   const auto isThere = [&](const Recordset* set) {
     if (set == this) return true;
     for (const Recordset* s = store->firstSet; s != nullptr; s = s->nextOnStore_) {

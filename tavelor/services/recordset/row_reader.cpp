@@ -10,7 +10,7 @@ bool RowReader::take() {
   const Recordset::Row row = set_.readable();
   const RecordsetStore& store = *set_.store_;
   rows_ = &store.rows();
-  row_ = row;
+  row_ = rows_->row(row);
   const bool inEdit = set_.draft_ && set_.draft_->row == row;
   return !inEdit && (store.flags(row) & RecordsetStore::kEdited) == 0;
 }

@@ -25,18 +25,18 @@ class RowReader {
 
   /// Of a visible column, by its position.
   engine::ColumnType type(std::size_t column) const { return rows_->type(column); }
-  bool isNull(std::size_t column) const { return rows_->isNull(row_, column); }
+  bool isNull(std::size_t column) const { return row_.isNull(column); }
   /// Of whole numbers and booleans (-1, 0).
-  std::int64_t integer(std::size_t column) const { return rows_->integer(row_, column); }
-  /// Of doubles.
-  double real(std::size_t column) const { return rows_->real(row_, column); }
+  std::int64_t integer(std::size_t column) const { return row_.integer(column); }
+  /// Of doubles and dates.
+  double real(std::size_t column) const { return row_.real(column); }
   /// Of texts and memos.
-  std::string_view text(std::size_t column) const { return rows_->text(row_, column); }
+  std::string_view text(std::size_t column) const { return row_.text(column); }
 
  private:
   const Recordset& set_;
   const engine::RowStore* rows_ = nullptr;
-  std::size_t row_ = 0;
+  engine::RowStore::Row row_;
 };
 
 }  // namespace tavelor
