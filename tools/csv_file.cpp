@@ -32,6 +32,7 @@ struct CsvFile::Parser {
 
   static void fieldEnded(void* text, std::size_t size, void* self) {
     auto& parser = *static_cast<Parser*>(self);
+    parser.broken = parser.broken || parser.ended;
     auto& fields = parser.row->fields;
     if (parser.count == fields.size()) fields.emplace_back();
     fields[parser.count++].assign(static_cast<const char*>(text), size);
@@ -43,6 +44,7 @@ struct CsvFile::Parser {
   std::size_t count = 0;  // fields of the row so far
   std::size_t bytes = 0;  // of the row so far
   bool ended = false;
+  bool broken = false;  // more fields behind the end of a row
   bool finished = false;
 };
 
@@ -82,6 +84,12 @@ bool CsvFile::take(Row& row) {
     const std::size_t read = csv_parse(&parser.state, line.data(), line.size(), &Parser::fieldEnded,
                                        &Parser::rowEnded, &parser);
     if (read != line.size()) input_.fail("a quote stands where none can be");
+    // A carriage return alone ends a row for the parser, and what follows it would be lost.
+    if (parser.broken || (parser.ended && parser.state.entry_pos != 0)) {
+      input_.fail(
+          "a carriage return within the line; if the file is an old Mac's, convert it with tr "
+          "'\\r' '\\n'");
+    }
     if (parser.count == 0 && parser.state.entry_pos == 0 && !parser.state.quoted) {
       parser.bytes = 0;  // a line without anything
     }

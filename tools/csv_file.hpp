@@ -13,8 +13,9 @@ namespace tavelor::tools {
 
 /// The first row names the columns. Fields may stand in double quotes, with doubled ones inside;
 /// blanks around fields do not count, rows without anything are passed over. Besides what InputFile
-/// raises, FileError for quotes that do not fit and for a row of more than InputFile::kLongestLine
-/// bytes, which a quote that nobody closed makes of all that follows.
+/// raises, FileError for quotes that do not fit, for a carriage return within a line, and for a row
+/// of more than InputFile::kLongestLine bytes, which a quote that nobody closed makes of all that
+/// follows.
 class CsvFile {
  public:
   struct Row {

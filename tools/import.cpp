@@ -34,6 +34,10 @@ there is rewritten where the file says otherwise, but for Impuesto, Existencia,
 Lotes and Actualizar_Stock, which only a new article takes, and its reference
 becomes its code. Fields that the file does not give stay as they are.
 
+Numbers are read with the decimal sign of the installation's locale, or of
+--decimal. One whose other sign does not part thousands, as in 2.55 where the
+comma is decimal, is refused.
+
 The whole file is read once before anything is written. Then rows are written in
 transactions of a thousand. A row with a fault is left out and reported, with its
 line, and the exit code is 1. After an interruption give the same command again:
@@ -89,7 +93,12 @@ std::pair<std::string, ArticleField> assignment(const std::string& text, bool fi
 
 std::size_t columnNamed(const std::string& name, const std::vector<std::string>& columns) {
   const auto found = std::find(columns.begin(), columns.end(), name);
-  if (found != columns.end()) return static_cast<std::size_t>(found - columns.begin());
+  if (found != columns.end()) {
+    if (std::find(found + 1, columns.end(), name) != columns.end()) {
+      throw UsageError(fmt::format("the file has several columns {}", printable(name)));
+    }
+    return static_cast<std::size_t>(found - columns.begin());
+  }
   const std::string near = text::nearest(name, columns);
   throw UsageError(fmt::format("the file has no column {}{}; it has {}", printable(name),
                                near.empty() ? "" : fmt::format(" (did you mean {}?)", near),
@@ -115,9 +124,14 @@ ArticleSources sourcesOf(const ImportOptions& options, const std::vector<std::st
     const auto [value, field] = assignment(constant, true);
     give(field).constant = value;
   }
+  const ArticleSources told = sources;
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const std::optional<ArticleField> field = fieldNamed(columns[i]);
-    if (field && !sources[*field].given) give(*field).column = i;
+    if (!field || told[*field].given) continue;
+    if (sources[*field].given) {
+      throw UsageError(fmt::format("the file has several columns {}", printable(columns[i])));
+    }
+    give(*field).column = i;
   }
   if (!sources[ArticleField::kCode].column) {
     throw UsageError(fmt::format(
@@ -175,7 +189,7 @@ void importArticles(const ImportOptions& options, const Common& common) {
   Session session(common);
   const std::shared_ptr<const Locale> numbers = numbersOf(options.decimal, session);
   const std::uint64_t total = countRows(options);
-  Refusals refusals(options.report);
+  Refusals refusals(options.report, options.file);
   ArticleImport import(sources, file.columns().size(), *numbers);
 
   takeRows(file, import, refusals, total);

@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 #include <lzma.h>
+#include <sys/stat.h>
 
 #include "tavelor/platform/text.hpp"
 #include "tools/output.hpp"
@@ -35,6 +36,11 @@ class InputFile::Source {
  public:
   explicit Source(const std::string& path) : file_(std::fopen(path.c_str(), "rb")) {
     if (!file_) throw FileError(fmt::format("{}: {}", printable(path), std::strerror(errno)));
+    struct stat status = {};
+    if (fstat(fileno(file_.get()), &status) == 0 &&
+        (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode) || S_ISCHR(status.st_mode))) {
+      throw FileError(fmt::format("{}: it is read twice, so save it as a file", printable(path)));
+    }
     readRaw();
     compressed_ = raw_.substr(0, kXzMagic.size()) == kXzMagic;
     if (compressed_ && lzma_stream_decoder(&stream_, UINT64_MAX, LZMA_CONCATENATED) != LZMA_OK) {

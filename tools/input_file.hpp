@@ -18,8 +18,9 @@ class FileError : public std::runtime_error {
 };
 
 /// Lines of UTF-8. Holds one block of the file and one line at a time, whatever the file's size.
-/// All members raise FileError: for a file that cannot be read or is empty, for damaged
-/// compression, for bytes that are no UTF-8, for a line of more than kLongestLine bytes.
+/// All members raise FileError: for a file that cannot be read or is empty, for a pipe or a device,
+/// which could not be read from its beginning again, for damaged compression, for bytes that are no
+/// UTF-8, for a line of more than kLongestLine bytes.
 class InputFile {
  public:
   static constexpr std::size_t kLongestLine = std::size_t{1} << 20U;

@@ -2,8 +2,11 @@
 // Rows of a file that were not taken.
 #include "tools/refusals.hpp"
 
+#include <filesystem>
+
 #include <fmt/format.h>
 
+#include "tools/command.hpp"
 #include "tools/input_file.hpp"
 #include "tools/output.hpp"
 
@@ -22,8 +25,12 @@ std::string quoted(const std::string& text) {
 
 }  // namespace
 
-Refusals::Refusals(const std::string& file) : path_(file) {
+Refusals::Refusals(const std::string& file, const std::string& input) : path_(file) {
   if (file.empty()) return;
+  std::error_code unknown;
+  if (std::filesystem::equivalent(file, input, unknown)) {
+    throw UsageError(fmt::format("{}: the report would replace what it is about", printable(file)));
+  }
   file_.reset(std::fopen(file.c_str(), "wb"));
   if (!file_) throw FileError(fmt::format("{}: the report cannot be written", printable(file)));
   fmt::print(file_.get(), "line,code,reason\n");

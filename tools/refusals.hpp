@@ -20,8 +20,9 @@ struct Refusal {
 /// Shows the first refusals and writes all of them to a file, when there is one.
 class Refusals {
  public:
-  /// `file` "" for none. Raises FileError for one that cannot be written.
-  explicit Refusals(const std::string& file);
+  /// `file` "" for none; `input` is the file that the rows come from. Raises FileError for one that
+  /// cannot be written, UsageError for writing over the input.
+  Refusals(const std::string& file, const std::string& input);
 
   void add(const std::vector<Refusal>& refusals);
   std::uint64_t count() const { return count_; }
