@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // A class's rows as a page that the application shows or prints.
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -73,29 +75,79 @@ void writeValue(Page& page, const Variant& value, const Locale& locale) {
   }
 }
 
-/// The same of a cell where it lies. False for the rarer types, which go by their Variant.
-bool writeCell(Page& page, const RowReader& row, std::size_t column, const Locale& locale) {
-  if (row.isNull(column)) return true;
-  switch (row.type(column)) {
-    case engine::ColumnType::kText:
-    case engine::ColumnType::kMemo:
-      page << row.text(column);
-      return true;
-    case engine::ColumnType::kByte:
-    case engine::ColumnType::kInt16:
-    case engine::ColumnType::kInt32:
-      page.number(row.integer(column));
-      return true;
-    case engine::ColumnType::kBoolean:
-      page << (row.integer(column) != 0 ? locale.trueText : locale.falseText);
-      return true;
-    case engine::ColumnType::kDouble:
-      page << plainNumber(row.real(column), locale);
-      return true;
-    default:
-      return false;
+/// Days as text. Rows repeat few days, and a day costs more to print than all else in its row.
+class DayTexts {
+ public:
+  explicit DayTexts(const Locale& locale) : locale_(locale), known_(kKnown) {}
+
+  void write(Page& page, double days) {
+    const double whole = std::trunc(days);
+    if (days != whole || std::fabs(whole) > kLastDay) {
+      page << Variant(Date(days)).toText(locale_);
+      return;
+    }
+    const auto day = static_cast<std::int32_t>(whole);
+    Known& known = known_[static_cast<std::uint32_t>(day) % kKnown];
+    if (known.text.empty() || known.day != day) {
+      known = {day, Variant(Date(days)).toText(locale_)};
+    }
+    page << known.text;
   }
-}
+
+ private:
+  struct Known {
+    std::int32_t day = 0;
+    std::string text;
+  };
+  static constexpr std::size_t kKnown = 4096;    // eleven years
+  static constexpr double kLastDay = 2'958'465;  // 31/12/9999
+
+  const Locale& locale_;
+  std::vector<Known> known_;
+};
+
+/// Writes the cells of a row where they lie.
+class CellWriter {
+ public:
+  CellWriter(Page& page, const Recordset& rows, const Locale& locale)
+      : page_(page), row_(rows), locale_(locale), days_(locale) {}
+
+  /// Goes to the current row. False when its values are not to be had here.
+  bool take() { return row_.take(); }
+
+  /// As writeValue. False for the rarer types, which go by their Variant.
+  bool write(std::size_t column) {
+    if (row_.isNull(column)) return true;
+    switch (row_.type(column)) {
+      case engine::ColumnType::kText:
+      case engine::ColumnType::kMemo:
+        page_ << row_.text(column);
+        return true;
+      case engine::ColumnType::kByte:
+      case engine::ColumnType::kInt16:
+      case engine::ColumnType::kInt32:
+        page_.number(row_.integer(column));
+        return true;
+      case engine::ColumnType::kBoolean:
+        page_ << (row_.integer(column) != 0 ? locale_.trueText : locale_.falseText);
+        return true;
+      case engine::ColumnType::kDouble:
+        page_.number(row_.real(column), locale_);
+        return true;
+      case engine::ColumnType::kDate:
+        days_.write(page_, row_.real(column));
+        return true;
+      default:
+        return false;
+    }
+  }
+
+ private:
+  Page& page_;
+  RowReader row_;
+  const Locale& locale_;
+  DayTexts days_;
+};
 
 /// Calls `work` on each row; gives their number. The set is left at EOF.
 template <typename Work>
@@ -133,15 +185,15 @@ std::size_t writeRows(Page& page, Recordset& rows, const std::vector<ShownColumn
                       const RowMarks& marks, const Locale& locale) {
   const std::vector<PageMark> between = textsBetween(columns, marks);
   std::vector<Field> fields;
-  RowReader row(rows);
+  CellWriter cells(page, rows, locale);
   return forEachRow(rows, [&] {
     if (fields.empty()) {
       for (const ShownColumn& column : columns) fields.push_back(rows.Field(column.field));
     }
-    const bool asStored = row.take();
+    const bool asStored = cells.take();
     for (std::size_t i = 0; i < fields.size(); ++i) {
       page << between[i];
-      if (asStored && writeCell(page, row, fields[i].column(), locale)) continue;
+      if (asStored && cells.write(fields[i].column())) continue;
       writeValue(page, fields[i].Value(), locale);
     }
     page << between.back();

@@ -7,13 +7,17 @@
 #include <atomic>
 #include <cerrno>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 
 #include <fmt/format.h>
 #include <unistd.h>
 
 #include "tavelor/platform/error.hpp"
+#include "tavelor/platform/locale.hpp"
+#include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/utf8.hpp"
 
 namespace tavelor {
@@ -43,6 +47,38 @@ bool isAsciiWord(Word word) {
   return (word & static_cast<Word>(utf8::kHighBits)) == 0;
 }
 
+/// Copies at least `sizeof(Word)` bytes, at most two words, which may overlap. False, with nothing
+/// of use written, unless all are ASCII.
+template <typename Word>
+bool copyTail(const char* from, std::size_t count, char* to) {
+  const Word first = load<Word>(from);
+  const Word last = load<Word>(from + count - sizeof(Word));
+  std::memcpy(to, &first, sizeof first);
+  std::memcpy(to + count - sizeof(Word), &last, sizeof last);
+  return isAsciiWord(static_cast<Word>(first | last));
+}
+
+/// Copies bytes up to the first that is not ASCII; gives their number. Most text is ASCII through
+/// and through, so it is copied two words at a time.
+std::size_t copyAscii(const char* from, std::size_t count, char* to) {
+  using Word = std::uint64_t;
+  using Half = std::uint32_t;
+  constexpr std::size_t kStep = 2 * sizeof(Word);
+  std::size_t done = 0;
+  for (; count - done >= kStep && copyTail<Word>(from + done, kStep, to + done); done += kStep) {
+  }
+  const std::size_t rest = count - done;
+  if (rest < kStep) {
+    if (rest >= sizeof(Word)) {
+      if (copyTail<Word>(from + done, rest, to + done)) return count;
+    } else if (rest >= sizeof(Half)) {
+      if (copyTail<Half>(from + done, rest, to + done)) return count;
+    }
+  }
+  for (; done < count && utf8::isAscii(from[done]); ++done) to[done] = from[done];
+  return done;
+}
+
 }  // namespace
 
 Page::Page(std::filesystem::path path)
@@ -50,6 +86,11 @@ Page::Page(std::filesystem::path path)
       draft_(path_),
       buffer_(std::make_unique<char[]>(kBuffer)),
       next_(buffer_.get()) {
+  // A zero byte ends a name for the system: the page would lie elsewhere.
+  if (path_.native().find('\0') != std::string::npos) {
+    errno = EINVAL;
+    fail("cannot be made");
+  }
   // Two threads may write the same page, each for its own apartment.
   static std::atomic<std::uint32_t> drafts{0};
   draft_ += fmt::format(".{}-{}.tmp", ::getpid(), drafts++);
@@ -64,46 +105,53 @@ Page::~Page() {
   std::remove(draft_.c_str());
 }
 
-// Most text is ASCII through and through, so it is copied a word at a time.
 Page& Page::operator<<(std::string_view text) {
   const char* from = text.data();
   const char* const end = from + text.size();
-  while (from != end) {
-    if (room() < kLongestReference) flush();
+  for (;;) {
     const auto left = static_cast<std::size_t>(end - from);
-    if (left >= sizeof(std::uint64_t)) {
-      const auto word = load<std::uint64_t>(from);
-      if (isAsciiWord(word)) {
-        std::memcpy(next_, &word, sizeof word);
-        from += sizeof word;
-        next_ += sizeof word;
-        continue;
-      }
-    } else if (left >= sizeof(std::uint32_t)) {
-      // The two halves of what is left, which may overlap.
-      const auto first = load<std::uint32_t>(from);
-      const auto last = load<std::uint32_t>(end - sizeof(std::uint32_t));
-      if (isAsciiWord(first | last)) {
-        std::memcpy(next_, &first, sizeof first);
-        next_ += left;
-        std::memcpy(next_ - sizeof last, &last, sizeof last);
-        return *this;
-      }
-    }
-    if (utf8::isAscii(*from)) {
-      *next_++ = *from++;
+    const std::size_t copied = copyAscii(from, std::min(left, room()), next_);
+    from += copied;
+    next_ += copied;
+    if (from == end) return *this;
+    if (room() < kLongestReference) {
+      flush();
       continue;
     }
-    const utf8::Character odd = utf8::decode({from, left}, 0);
+    const utf8::Character odd = utf8::decode({from, left - copied}, 0);
     encode(odd.code);
     from += odd.size;
   }
-  return *this;
 }
 
 void Page::number(std::int64_t value) {
   if (room() < kLongestNumber) flush();
   next_ = std::to_chars(next_, next_ + kLongestNumber, value).ptr;
+}
+
+// Most numbers of a shop are whole counts of hundredths. The number that is nearest to such a count
+// has its digits, and they are quickly told.
+void Page::number(double value, const Locale& locale) {
+  constexpr double kLimit = 1e9;
+  constexpr std::int64_t kHundred = 100;
+  if (std::fabs(value) < kLimit) {
+    const auto hundredths =
+        static_cast<std::int64_t>(value * static_cast<double>(kHundred) + (value < 0 ? -0.5 : 0.5));
+    if (static_cast<double>(hundredths) / static_cast<double>(kHundred) == value) {
+      if (room() < kLongestNumber) flush();
+      if (hundredths < 0) *next_++ = '-';
+      const std::int64_t count = std::abs(hundredths);
+      number(count / kHundred);
+      const auto rest = static_cast<char>(count % kHundred);
+      if (rest == 0) return;
+      *this << locale.decimal;
+      if (room() < kLongestNumber) flush();
+      *next_++ = static_cast<char>('0' + rest / 10);
+      if (rest % 10 != 0) *next_++ = static_cast<char>('0' + rest % 10);
+      return;
+    }
+  }
+  *this << plainNumber(value, locale);
 }
 
 /// Of a character that is not ASCII. A byte that is no UTF-8 goes out as it is: it came from a

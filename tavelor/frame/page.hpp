@@ -13,6 +13,8 @@
 
 namespace tavelor {
 
+struct Locale;
+
 /// A short ASCII text that a page repeats: copied in pieces of a fixed size, which costs less than
 /// asking for its length.
 class PageMark {
@@ -53,6 +55,8 @@ class Page {
     return *this;
   }
   void number(std::int64_t value);
+  /// As plainNumber() prints it.
+  void number(double value, const Locale& locale);
   /// Ends the line.
   Page& line(std::string_view text = {}) { return *this << text << "\r\n"; }
   void finish();

@@ -240,6 +240,32 @@ TEST_F(ExportsTest, APictureShowsNothing) {
   EXPECT_THAT(codesShown(), ElementsAre("", "", ""));
 }
 
+// Texts of days are kept for the rows behind: two that share a place must not be taken for one
+// another, and moments have no place.
+TEST_F(ExportsTest, EveryDayHasItsOwnTextHoweverManyThereAre) {
+  constexpr double kDay = 46'347;
+  constexpr double kSharedPlace = 4096;
+  const std::vector<double> moments = {
+      kDay,  kDay + kSharedPlace, kDay, kDay + 0.5, 0,        0.25, -1,
+      -1.25, kSharedPlace,        1,    2'958'465,  -657'434, kDay};
+  std::vector<std::string> expected;
+  int code = 0;
+  for (const double days : moments) {
+    shop.run("INSERT INTO Muestras (Codigo) VALUES ('" + std::to_string(10 + code++) + "')");
+    expected.push_back(Variant(Date(days)).toText(shop.apartment().locale()));
+  }
+  sample.IniciaRs();
+  for (const double days : moments) {
+    rows().Field("Fecha").Value(Date(days));
+    sample.Update();
+    rows().MoveNext();
+  }
+  std::vector<GridColumn> dates(10, GridColumn{.visible = false, .caption = ""});
+  dates[8] = {.visible = true, .caption = "Fecha", .alignment = kLeft};
+  sample.ToHtmlGrid(Grid(dates));
+  EXPECT_EQ(codesShown(), expected);
+}
+
 TEST_F(ExportsTest, PendingChangesAreShown) {
   fill();
   sample.IniciaRs();

@@ -3,12 +3,16 @@
 #include "tavelor/frame/page.hpp"
 
 #include <csignal>
+#include <limits>
 #include <thread>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include "tavelor/platform/locale.hpp"
+#include "tavelor/platform/number_text.hpp"
 #include "tests/frame/approved.hpp"
 #include "tests/support/shop.hpp"
 
@@ -101,6 +105,79 @@ TEST_F(PageTest, ATextLongerThanTheBufferArrivesWhole) {
   EXPECT_EQ(written(text), expected);
 }
 
+// Text is copied in steps of several bytes: what is odd may stand anywhere in one.
+TEST_F(PageTest, AnOddCharacterIsFoundWhereverItStandsInATextOfAnyLength) {
+  std::string text;
+  std::string expected;
+  for (std::size_t length = 0; length < 40; ++length) {
+    const std::string plain(length, 'x');
+    text += plain + "|";
+    expected += plain + "|";
+    for (std::size_t at = 0; at < length; ++at) {
+      text += plain.substr(0, at) + "ñ" + plain.substr(at) + "|";
+      expected += plain.substr(0, at) + "\xF1" + plain.substr(at) + "|";
+    }
+  }
+  EXPECT_EQ(written(text), expected);
+  {
+    Page page(file);
+    for (std::size_t at = 0; at < text.size();) {
+      const std::size_t end = text.find('|', at) + 1;
+      page << std::string_view(text).substr(at, end - at);
+      at = end;
+    }
+    page.finish();
+  }
+  EXPECT_EQ(bytesOf(file), expected) << "piece by piece";
+}
+
+TEST_F(PageTest, NumbersArePrintedAsTheyAreEverywhere) {
+  std::vector<double> numbers = {0,
+                                 -0.0,
+                                 0.1,
+                                 -0.1,
+                                 0.01,
+                                 -0.01,
+                                 0.05,
+                                 0.005,
+                                 1.005,
+                                 0.1 + 0.2,
+                                 1e-7,
+                                 -1e-300,
+                                 5e-324,
+                                 999'999'999.99,
+                                 -999'999'999.99,
+                                 999'999'999.995,
+                                 1e9,
+                                 1e9 + 0.01,
+                                 1e14 + 0.5,
+                                 1e15,
+                                 1e300,
+                                 1.0 / 3,
+                                 std::numeric_limits<double>::infinity(),
+                                 -std::numeric_limits<double>::infinity(),
+                                 std::numeric_limits<double>::quiet_NaN()};
+  for (int i = -30'000; i < 30'000; ++i) {
+    const double hundredths = i * 1'237.0 / 100;
+    for (const double number : {i / 100.0, hundredths, hundredths + 1e-9, i / 1000.0, i * 0.01}) {
+      numbers.push_back(number);
+    }
+  }
+  for (const auto& locale : {Locale::spanish(), Locale::neutral()}) {
+    std::string expected;
+    {
+      Page page(file);
+      for (const double number : numbers) {
+        expected += plainNumber(number, *locale) + "\r\n";
+        page.number(number, *locale);
+        page.line();
+      }
+      page.finish();
+    }
+    EXPECT_EQ(bytesOf(file), expected);
+  }
+}
+
 TEST_F(PageTest, AnEarlierPageStaysWholeUntilTheNewOneIsFinished) {
   written("earlier");
   {
@@ -123,6 +200,12 @@ TEST_F(PageTest, AFolderThatIsNotThereIsNamed) {
     EXPECT_THAT(error.description(), testing::HasSubstr("no/page.htm"));
     EXPECT_THAT(error.description(), testing::HasSubstr("No such file"));
   }
+}
+
+TEST_F(PageTest, APathWithAZeroByteIsRefusedAndNoOtherFileWritten) {
+  const std::string path = file.string() + std::string("\0.htm", 5);
+  EXPECT_EQ(errorOf([&] { Page page{std::filesystem::path(path)}; }), errors::kPathAccess);
+  EXPECT_EQ(files(), 0U);
 }
 
 TEST_F(PageTest, APageThatCannotTakeItsPlaceLeavesNothing) {
