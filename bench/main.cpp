@@ -24,6 +24,7 @@ struct Work {
 
 constexpr std::array kWorks{
     Work{"cursor", tavelor::bench::measureCursor},
+    Work{"page", tavelor::bench::measurePage},
     Work{"statements", tavelor::bench::measureStatements},
     Work{"sale", tavelor::bench::measureSale},
     Work{"articles", tavelor::bench::measureArticles},

@@ -8,6 +8,8 @@ namespace tavelor::bench {
 
 /// Opening, sorting, filtering and writing back the rows of a wide table.
 void measureCursor(Report& report, const Scale& scale);
+/// Rows written as pages.
+void measurePage(Report& report, const Scale& scale);
 /// Statements that are spliced anew each time: inserts, one-row reads.
 void measureStatements(Report& report, const Scale& scale);
 /// A ticket with five lines, stock and counter in one transaction.
