@@ -30,6 +30,8 @@ std::string PathsService::WorkPath() const {
 }
 
 bool PathsService::FileExists(std::string_view path) const {
+  // A zero byte ends a name for the system, which would look for another file.
+  if (path.find('\0') != std::string_view::npos) return false;
   std::error_code error;
   const auto status = std::filesystem::status(std::filesystem::path(path), error);
   return !error && std::filesystem::exists(status) && !std::filesystem::is_directory(status);

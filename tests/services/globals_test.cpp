@@ -200,6 +200,7 @@ TEST(Paths, FileExistsIsTrueForFilesOnly) {
   EXPECT_FALSE(paths.FileExists(shop.installation().folder()));
   EXPECT_FALSE(paths.FileExists("/nowhere/at/all"));
   EXPECT_FALSE(paths.FileExists(""));
+  EXPECT_FALSE(paths.FileExists(shop.installation().databaseFile(1) + std::string("\0.db", 4)));
   EXPECT_FALSE(paths.FileExists(std::string(100000, 'x')));
 }
 
