@@ -8,6 +8,7 @@
 #include "tavelor/services/list_config.hpp"
 #include "tavelor/services/registry_tree.hpp"
 #include "tests/frame/sample.hpp"
+#include "tests/services/faults.hpp"
 #include "tests/support/form.hpp"
 
 namespace tavelor {
@@ -336,6 +337,50 @@ TEST_F(FiltersTest, AStoredOrderThatIsNoNumberFailsAsInThePlatform) {
   std::int16_t index = 0;
   std::string mode;
   EXPECT_EQ(errorOf([&] { sample.GetOrder(index, mode, "roto"); }), errors::kTypeMismatch);
+}
+
+// ---- Programs of one installation
+
+// Both keep it open all the time.
+TEST(Filters, WhatTwoProcessesStoreIsSeenByBoth) {
+  const test::TemporaryFolder folder;
+  const auto shop = folder.path() / "shop";
+  Installation::create(shop, test::fastSettings())
+      ->addToSchema(1, "CREATE TABLE Muestras (Codigo TEXT(5), Nombre TEXT(20))");
+  static constexpr std::array kShort = {Mode{kAnyOtherWord, "SELECT Codigo, Nombre FROM Muestras"}};
+  static constexpr ClassInfo kInfo = {.word = "Muestras", .table = "Muestras", .modes = kShort};
+  const auto await = [](auto&& condition) {
+    if (!test::eventually(condition)) raise(errors::kUnspecified, "test", "it never came");
+  };
+  const auto orderIs = [](const RecordClass& sample, std::int16_t index, std::string_view mode) {
+    std::int16_t storedIndex = -1;
+    std::string storedMode;
+    sample.GetOrder(storedIndex, storedMode, "todos");
+    return storedIndex == index && storedMode == mode;
+  };
+
+  test::Child first([&] {
+    Apartment apartment(Installation::open(shop));
+    test::Sample sample(kInfo);
+    ConnectionPtr own;
+    DataSession().Execute(1, Statement("INSERT INTO Muestras (Codigo) VALUES ('1')"), own);
+    sample.IniciaRs();
+    sample.SetOrder(1, " DESC", "todos");
+    sample.SetFilter("Codigo = '1'", "Filter");
+    await([&] { return sample.GetFilter("Filter") == "Codigo = '2'"; });
+    if (!orderIs(sample, 0, " ASC")) raise(errors::kUnspecified, "test", "another order");
+  });
+  test::Child second([&] {
+    Apartment apartment(Installation::open(shop));
+    test::Sample sample(kInfo);
+    await([&] { return sample.GetFilter("Filter") == "Codigo = '1'"; });
+    if (!orderIs(sample, 1, " DESC")) raise(errors::kUnspecified, "test", "another order");
+    sample.IniciaRs();
+    sample.SetOrder(0, " ASC", "todos");
+    sample.SetFilter("Codigo = '2'", "Filter");
+  });
+  EXPECT_TRUE(first.wait());
+  EXPECT_TRUE(second.wait());
 }
 
 }  // namespace

@@ -60,6 +60,23 @@ TEST_F(RecordClassMovesTest, RequeryKeepsFilterAndStatementAndTellsBoundConsumer
   banks.removeListener(listener);
 }
 
+// Without a word the order is that of the full list, whichever list is open: a short one may not
+// have its column. The rows are there all the same, and a caller who names the word of his list
+// never meets this, so it stays.
+TEST_F(RecordClassMovesTest, RequeryWithoutAWordWantsTheOrderOfTheFullListInAShortOneToo) {
+  add("1");
+  banks.IniciaRs();
+  banks.SetOrder(2, "", "todos");
+  banks.IniciaRs("seleccion");
+  add("2");
+  std::string word;
+  EXPECT_EQ(errorOf([&] { banks.Requery(word); }), errors::kItemNotFound);
+  EXPECT_EQ(word, "Todos");
+  EXPECT_EQ(rows(banks).RecordCount(), 2);
+  banks.Requery("seleccion");
+  EXPECT_EQ(rows(banks).Sort(), "Código");
+}
+
 // ---- Moves
 
 TEST_F(RecordClassMovesTest, MoveNextOnTheLastRowBeepsAndStays) {
