@@ -14,7 +14,7 @@ namespace tavelor::bench {
 
 namespace {
 
-constexpr std::size_t kArticles = 90'000;
+constexpr std::size_t kArticles = 100'000;
 constexpr std::size_t kReads = 5'000;
 
 std::string codeOf(std::size_t number) {

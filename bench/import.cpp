@@ -15,7 +15,7 @@ namespace tavelor::bench {
 
 namespace {
 
-constexpr std::size_t kRows = 20'000;
+constexpr std::size_t kRows = 92'331;
 /// 0.6 of the speed of the floor.
 constexpr double kTarget = 1 / 0.6;
 

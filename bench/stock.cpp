@@ -22,10 +22,11 @@ namespace tavelor::bench {
 
 namespace {
 
-constexpr std::size_t kArticles = 20'000;
+constexpr std::size_t kArticles = 100'000;
 constexpr std::size_t kLines = 1'000;
 constexpr std::size_t kLinesATicket = 5;
 constexpr const char* kWarehouse = "001";
+constexpr std::array kWarehouses = {kWarehouse, "002", "003"};
 constexpr const char* kYear = "2026";
 constexpr double kDay = 46'347;
 constexpr double kHour = 0.5;
@@ -66,8 +67,11 @@ void fill(BenchShop& shop, std::size_t articles) {
     const std::string word = fmt::format("L{:06}", i);
     const auto id = static_cast<std::int64_t>(i + 1);
     article.bind(1, std::string_view(code)).run();
-    warehouse.bind(1, id).bind(2, std::string_view(code));
-    warehouse.bind(3, std::string_view(kWarehouse)).run();
+    for (std::size_t w = 0; w < kWarehouses.size(); ++w) {
+      warehouse.bind(1, static_cast<std::int64_t>(kWarehouses.size() * i + w + 1));
+      warehouse.bind(2, std::string_view(code));
+      warehouse.bind(3, std::string_view(kWarehouses[w])).run();
+    }
     lot.bind(1, id).bind(2, std::string_view(code)).bind(3, std::string_view(word)).run();
   }
   filler.execute(fmt::format(
