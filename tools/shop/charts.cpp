@@ -51,8 +51,8 @@ class Scale {
     constexpr double kLines = 4;
     // Below one euro the axis, which shows whole ones, would repeat itself.
     step_ = high > low ? std::max(1.0, niceStep(high - low, kLines)) : 1;
-    low_ = std::floor(low / step_) * step_;
-    high_ = std::max(std::ceil(high / step_) * step_, low_ + step_);
+    low_ = low;
+    high_ = high > low ? high : low + step_;
   }
 
   double at(double value) const {
@@ -60,8 +60,10 @@ class Scale {
   }
   std::vector<double> lines() const {
     std::vector<double> values;
-    const auto count = std::lround((high_ - low_) / step_);
-    for (long i = 0; i <= count; ++i) values.push_back(low_ + static_cast<double>(i) * step_);
+    const auto last = std::lround(std::floor(high_ / step_));
+    for (auto i = std::lround(std::ceil(low_ / step_)); i <= last; ++i) {
+      values.push_back(static_cast<double>(i) * step_);
+    }
     return values;
   }
 
@@ -181,7 +183,7 @@ std::string barList(std::span<const Bar> bars) {
     fmt::format_to(
         std::back_inserter(out),
         "<li title=\"{0}\"><span class=\"name\">{1}</span><span class=\"value\">{2}"
-        "<small>{3}</small></span><svg width=\"100%\" height=\"8\" role=\"img\" aria-label=\"{0}\">"
+        "</span><small>{3}</small><svg width=\"100%\" height=\"8\" role=\"img\" aria-label=\"{0}\">"
         "<title>{0}</title><rect class=\"rail\" width=\"100%\" height=\"8\" rx=\"4\"/>"
         "<rect class=\"mark{4}\" width=\"{5:.2f}%\" height=\"8\" rx=\"4\"/></svg></li>\n",
         bar.title, bar.name, bar.value, bar.detail, bar.length < 0 ? " below" : "", part);
@@ -219,7 +221,7 @@ std::string donut(std::span<const Slice> slices, const std::string& name, const 
     fmt::format_to(std::back_inserter(legend),
                    "<li title=\"{}\"><svg width=\"12\" height=\"12\" aria-hidden=\"true\">"
                    "<rect class=\"c{}\" width=\"12\" height=\"12\" rx=\"3\"/></svg>"
-                   "<span class=\"name\">{}</span><span class=\"value\">{}<small>{}</small></span>"
+                   "<span class=\"name\">{}</span><span class=\"value\">{}</span><small>{}</small>"
                    "</li>\n",
                    slice.title, colour, slice.name, slice.value, slice.detail);
   }
@@ -247,25 +249,28 @@ std::string_view chartStyle() {
 .mark.below,.plot .mark.below{fill:var(--alarm)}
 .plot text{text-anchor:middle;font-size:11px;fill:var(--soft)}
 .plot .caption{fill:var(--ink);font-weight:600}
-ol.bars{list-style:none;margin:0;padding:0;display:grid;gap:.62rem}
-ol.bars li{display:grid;grid-template-columns:minmax(0,1fr) auto;column-gap:.8rem;row-gap:.22rem}
-ol.bars svg{grid-column:1/3;display:block}
+.bars,.donut ul{list-style:none;margin:0;padding:0;display:grid;column-gap:.7rem}
+.bars{grid-template-columns:minmax(0,1fr) auto auto;row-gap:.62rem}
+.bars li,.donut li{display:grid;grid-column:1/-1;gap:.22rem .7rem;align-items:baseline}
+.bars li{grid-template-columns:minmax(0,1fr) auto auto;grid-template-columns:subgrid}
+.bars svg{grid-column:1/-1;display:block}
 .rail{fill:#edf1f4}
 .name{overflow:hidden;text-overflow:ellipsis;white-space:nowrap}
-.value{font-variant-numeric:tabular-nums;font-weight:600;white-space:nowrap;text-align:right}
-.value small{display:inline-block;min-width:3.9rem;font-weight:400;color:var(--soft);font-size:.8rem}
+.value,.bars small,.donut small{font-variant-numeric:tabular-nums;white-space:nowrap;text-align:right}
+.value{font-weight:600}
+.bars small,.donut small{color:var(--soft);font-size:.8rem}
 .donut{display:grid;justify-items:center;gap:1rem}
 .donut>svg{width:100%;max-width:13rem;height:auto}
-.donut ul{list-style:none;margin:0;padding:0;width:100%;display:grid;gap:.5rem}
-.donut li{display:grid;grid-template-columns:12px minmax(0,1fr) auto;gap:.6rem;align-items:center}
+.donut ul{width:100%;grid-template-columns:12px minmax(0,1fr) auto auto;row-gap:.5rem}
+.donut li{grid-template-columns:12px minmax(0,1fr) auto auto;grid-template-columns:subgrid}
 .ring{fill:none;stroke:#edf1f4;stroke-width:5.2}
-.slice{fill:none;stroke-width:5.2}
 .middle{text-anchor:middle;font-size:4px;font-weight:700;fill:var(--ink)}
 .under{text-anchor:middle;font-size:2.3px;fill:var(--soft)}
 .c0{fill:#2b7c96}.c1{fill:#e6a84a}.c2{fill:#79a873}.c3{fill:#b8708a}.c4{fill:#8389b8}.c5{fill:#b9ab95}
 .slice.c0{stroke:#2b7c96}.slice.c1{stroke:#e6a84a}.slice.c2{stroke:#79a873}
 .slice.c3{stroke:#b8708a}.slice.c4{stroke:#8389b8}.slice.c5{stroke:#b9ab95}
-.slice{fill:none}
+.slice.slice{fill:none;stroke-width:5.2}
+@media print{.plot text,.axis text{font-size:8px}}
 )";
 }
 

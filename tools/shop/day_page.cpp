@@ -42,13 +42,13 @@ h2{margin:0 0 .9rem;font-size:1rem}
 .card{background:#fff;border:1px solid var(--line);border-radius:12px;padding:1.1rem 1.2rem;
 grid-column:span 12;min-width:0}
 .half{grid-column:span 6}.long{grid-column:span 8}.short{grid-column:span 4}
-.kpis{display:grid;grid-template-columns:1.5fr repeat(5,1fr);gap:1rem;margin:0 0 1rem}
-.kpis div{background:#fff;border:1px solid var(--line);border-radius:12px;padding:.8rem 1rem;
-min-width:0}
+.kpis{display:flex;flex-wrap:wrap;gap:1rem;margin:0 0 1rem}
+.kpis div{flex:1 1 auto;background:#fff;border:1px solid var(--line);border-radius:12px;
+padding:.8rem 1rem}
 .kpis dt{color:var(--soft);font-size:.82rem}
 .kpis dd{margin:.1rem 0 0;font-size:1.25rem;font-weight:650;font-variant-numeric:tabular-nums;
 white-space:nowrap}
-.kpis .first{background:var(--sea);border-color:var(--sea);color:#fff}
+.kpis .first{flex-grow:2;background:var(--sea);border-color:var(--sea);color:#fff}
 .kpis .first dt{color:#dcecf1}
 .kpis .first dd{font-size:1.6rem;line-height:1.2}
 .note{margin:.9rem 0 0;color:var(--soft);font-size:.86rem}
@@ -72,12 +72,13 @@ tr.broken td{background:#fdf1ef}
 tr.broken .start{color:#a53b2b;font-weight:650}
 tr.broken small{display:block;font-weight:400}
 .second{margin-top:1.6rem}
+.second+.bars .mark{fill:#e6a84a}
+#top-units .mark{fill:#79a873}
 )";
 
 constexpr std::string_view kNarrowStyle = R"(@media(max-width:860px){
 .half,.long,.short{grid-column:span 12}
-.kpis{grid-template-columns:repeat(6,1fr)}
-.kpis div{grid-column:span 2}.kpis .first{grid-column:span 6}
+.kpis .first{flex-basis:100%}
 }
 @media(max-width:560px){
 .wide{display:none}
@@ -85,20 +86,19 @@ main{padding:1rem .7rem 1.6rem}
 h1{font-size:1.4rem}
 .grid{gap:.7rem}.kpis{gap:.7rem;margin-bottom:.7rem}
 .card{padding:.9rem .85rem}
-.kpis div{grid-column:span 3;padding:.6rem .8rem}
-.kpis div:last-child{grid-column:span 6}
+.kpis div{flex-basis:40%;padding:.6rem .8rem}
 .axis{flex-basis:2.1rem;width:2.1rem}
-table{font-size:.85rem}th,td{padding:.4rem .3rem}
+table{font-size:.77rem}th{font-size:.75rem}th,td{padding:.4rem .2rem}
 }
 @media print{
 @page{margin:12mm}
-body{background:#fff;font-size:11.5px;-webkit-print-color-adjust:exact;print-color-adjust:exact}
+html{font-size:11px}
+body{background:#fff;font-size:11px;-webkit-print-color-adjust:exact;print-color-adjust:exact}
 main{max-width:none;padding:0}
 .card,.kpis div,tr{break-inside:avoid}
 .card.flows{break-inside:auto}
 .half{grid-column:span 6}.long{grid-column:span 8}.short{grid-column:span 4}
-.kpis{grid-template-columns:1.5fr repeat(5,1fr)}.kpis div,.kpis .first{grid-column:auto}
-.kpis dd{font-size:1.1rem}.kpis .first dd{font-size:1.3rem}
+.kpis div,.kpis .first{flex-basis:auto;padding:.5rem .7rem}
 .tall{max-height:none;overflow:visible}th{position:static}
 }
 )";
@@ -202,9 +202,9 @@ class DayPage {
     }
     put("<section class=\"card\" id=\"days\"><h2>Ventas por {}</h2>\n{}", byMonth ? "mes" : "día",
         columnChart(columns, byMonth ? "Ventas por mes" : "Ventas por día", text_));
-    put("<p class=\"note\">Lo mejor: <b>{}</b>, {} en {}. Con ventas, {} de {} días.</p>\n",
-        nameOf(best->day, byMonth), text_.money(best->amount), text_.tickets(best->tickets),
-        text_.whole(static_cast<std::int32_t>(figures_.days.size())),
+    put("<p class=\"note\">{}: <b>{}</b>, {} en {}. Con ventas, {} de {} días.</p>\n",
+        byMonth ? "Mejor mes" : "Mejor día", nameOf(best->day, byMonth), text_.money(best->amount),
+        text_.tickets(best->tickets), text_.whole(static_cast<std::int32_t>(figures_.days.size())),
         text_.whole(static_cast<std::int32_t>(figures_.last.days() - figures_.first.days()) + 1));
     put("</section>\n");
   }
@@ -266,7 +266,7 @@ class DayPage {
     auto sold = figures_.hours.begin();
     for (int hour = sold->hour; hour <= figures_.hours.back().hour; ++hour) {
       Column column;
-      column.label = fmt::to_string(hour);
+      column.label = fmt::format("{} h", hour);
       if (sold->hour == hour) {
         column.caption = text_.shortMoney(sold->amount);
         column.title = titleOf(nameOfHour(hour), *sold);

@@ -45,11 +45,11 @@ std::string PageText::shortMoney(double amount) const {
 }
 
 std::string PageText::quantity(double units) const {
-  // Sums of kilos end in the dust of binary fractions.
+  // Sums of kilos end in the dust of binary fractions, and nobody weighs a ton by the gram.
   constexpr double kGrams = 1000;
   const double grams = std::round(units * kGrams);
-  const bool isWhole = std::fmod(grams, kGrams) == 0;
-  return escaped(format(grams / kGrams, isWhole ? "#,##0" : "#,##0.000", locale_));
+  const bool showsGrams = std::fmod(grams, kGrams) != 0 && std::abs(units) < kGrams;
+  return escaped(format(grams / kGrams, showsGrams ? "#,##0.000" : "#,##0", locale_));
 }
 
 std::string PageText::whole(std::int32_t count) const {

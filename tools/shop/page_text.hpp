@@ -26,7 +26,7 @@ class PageText {
   std::string money(double amount) const;
   /// "1.235", for a mark with little room.
   std::string shortMoney(double amount) const;
-  /// "12" or, where there is a fraction, "12,345": pieces and kilos.
+  /// Pieces and kilos: "12"; "12,345" where there is a fraction, whole again from a thousand on.
   std::string quantity(double units) const;
   std::string whole(std::int32_t count) const;
   /// "12,3 %"; a share of nothing is "0,0 %".
