@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Opening, sorting, filtering and writing back the rows of a wide table.
 #include <algorithm>
+#include <array>
 #include <numeric>
 #include <string>
 #include <vector>
@@ -9,6 +10,7 @@
 
 #include "bench/shop.hpp"
 #include "bench/works.hpp"
+#include "tavelor/frame/record_class.hpp"
 
 namespace tavelor::bench {
 
@@ -128,6 +130,46 @@ bool startsWith(const std::string& text, std::string_view lowerPrefix) {
          });
 }
 
+constexpr std::array kModes = {Mode{kAnyOtherWord, kAll}};
+constexpr ClassInfo kInfo = {
+    .word = "Anchas", .table = "Anchas", .codeColumn = "Id", .modes = kModes};
+
+class WideRows final : public OpensByWord {
+ public:
+  WideRows() : OpensByWord(kInfo) {}
+  std::string typeName() const override { return "WideRows"; }
+};
+
+/// The same as a form asks for it: through the class, which remembers the order as well.
+void measureClassViews(Report& report, const Scale& scale, const Rows& rows) {
+  WideRows wide;
+  wide.IniciaRs();
+  Recordset& set = *wide.DataMember("Primary");
+
+  Comparison order = sortWork("SetOrder by a text", set, rows, kText, 1.0);
+  bool other = false;
+  order.ours.work = [&] {
+    other = !other;  // another text to be stored, the same order
+    wide.SetOrder(kText, other ? " ASC" : "", "todos");
+    const double first = idOf(set);
+    set.MoveLast();
+    return first + 2 * idOf(set);
+  };
+  report.add(compare(order, scale));
+
+  const std::string criteria = "Doble1 > 500000";
+  Comparison filter =
+      filterWork("AplyFilter: number >", set, rows, criteria, [](const std::vector<Cell>& row) {
+        const auto* number = std::get_if<double>(&row[kAmount]);
+        return number != nullptr && *number > 500'000;
+      });
+  filter.ours.work = [&] {
+    wide.AplyFilter(criteria);
+    return static_cast<double>(set.RecordCount());
+  };
+  report.add(compare(filter, scale));
+}
+
 void measureViews(BenchShop& shop, Report& report, const Scale& scale) {
   const Rows rows = shop.floor().prepare(kAll).fetch();
   const RecordsetPtr set = shop.open(kAll);
@@ -159,6 +201,7 @@ void measureViews(BenchShop& shop, Report& report, const Scale& scale) {
                                   return text != nullptr && startsWith(*text, "ab");
                                 }),
                      scale));
+  measureClassViews(report, scale, rows);
 }
 
 /// Text and number that a row gets in a turn; each turn has others.
