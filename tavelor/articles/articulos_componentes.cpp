@@ -3,10 +3,13 @@
 #include "tavelor/articles/articulos_componentes.hpp"
 
 #include <array>
+#include <cmath>
+#include <limits>
 
 #include "tavelor/articles/registros.hpp"
 #include "tavelor/frame/component.hpp"
 #include "tavelor/frame/reading.hpp"
+#include "tavelor/platform/error.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 
@@ -34,6 +37,14 @@ constexpr ClassInfo kInfo = {
     .clearsDataMembers = true,
 };
 
+float single(double number) {
+  constexpr double kGreatest = std::numeric_limits<float>::max();
+  if (!(std::abs(number) <= kGreatest)) {
+    raise(errors::kOverflow, kInfo.word, "A quantity is too large");
+  }
+  return static_cast<float>(number);
+}
+
 }  // namespace
 
 ClsArticulosComponentes::ClsArticulosComponentes() : OpensByWord(kInfo) {}
@@ -45,7 +56,7 @@ CollectionRegistrosPtr ClsArticulosComponentes::GetCollectionRegs(const Variant&
   if (rows.Bof() || rows.Eof()) return requests;
   const std::int32_t none = 0;
   for (rows.MoveFirst(); !rows.Eof(); rows.MoveNext()) {
-    const auto quantity = static_cast<float>(number(rows.Field("Cantidad").Value()) * dCant);
+    const float quantity = single(number(rows.Field("Cantidad").Value()) * dCant);
     requests->Add({}, rows.Field("Artículo").Value(), quantity, none, none, vIdAlm, none);
   }
   rows.MoveFirst();

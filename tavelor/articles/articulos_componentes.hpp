@@ -21,8 +21,8 @@ class ClsArticulosComponentes final : public OpensByWord {
 
   /// What `dCant` packages take from the warehouse `vIdAlm`, an entry a row of the primary record
   /// set, which must show one package (mode "seleccion"). Quantities are in stock units, as single
-  /// precision; a Null one is 0. Without a current row it is empty; else the set stands on the
-  /// first row afterwards.
+  /// precision; a Null one is 0, and one that single precision does not hold raises 6. Without a
+  /// current row it is empty; else the set stands on the first row afterwards.
   std::shared_ptr<CollectionRegistros> GetCollectionRegs(const Variant& vIdAlm, double dCant);
   /// Deletes the components of a package.
   void DeleteAll(const Variant& vId, ObjCn cnnActive = {}) const;

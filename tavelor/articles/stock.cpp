@@ -20,6 +20,12 @@ const Locale& locale() {
   return Apartment::current().locale();
 }
 
+// An infinite number would be printed as a word, and refused as a text instead of as too large.
+double finite(double number) {
+  if (!std::isfinite(number)) raise(errors::kOverflow, "Articulos", "A number is too large");
+  return number;
+}
+
 }  // namespace
 
 void connect(ConnectionPtr& cnnActive) {
@@ -44,16 +50,14 @@ double quantity(const Variant& value) {
 }
 
 double units(const Variant& value, bool bSumar, double measure) {
-  const double units = (bSumar ? quantity(value) : -quantity(value)) * measure;
-  if (!std::isfinite(units)) raise(errors::kOverflow, "Articulos", "A quantity is too large");
-  return units;
+  return finite((bSumar ? quantity(value) : -quantity(value)) * measure);
 }
 
 // The way through the text is the rule: a mask of no decimals makes stock whole, and a shop sees in
 // its reports what it stores.
 double rounded(double quantity) {
   const std::string shown =
-      format(quantity, Apartment::current().formatGlobal().QuantityFormat(), locale());
+      format(finite(quantity), Apartment::current().formatGlobal().QuantityFormat(), locale());
   return stock::quantity(Variant(shown));
 }
 
@@ -61,8 +65,8 @@ std::string bare(const Variant& quantity) {
   return Apartment::current().formatGlobal().SqlNumber(quantity);
 }
 
-std::string plain(double quantity) {
-  return plainNumber(quantity, locale());
+std::string plain(double number) {
+  return plainNumber(finite(number), locale());
 }
 
 }  // namespace tavelor::stock

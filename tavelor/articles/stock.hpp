@@ -29,13 +29,14 @@ double quantity(const Variant& value);
 /// The same as stock units, of which `measure` make one unit of the quantity; negative where
 /// `bSumar` is false. Raises 6 for a product that a double cannot hold.
 double units(const Variant& value, bool bSumar, double measure = 1);
-/// Rounded to the decimals of the shop's format of quantities.
+/// Rounded to the decimals of the shop's format of quantities. Raises 6 for what is not finite, as
+/// do the two below.
 double rounded(double quantity);
 
 /// Printed for a statement without quotes: a decimal point, at most 6 decimals.
 std::string bare(const Variant& quantity);
 /// Printed for a place between quotes: as the locale prints it, all its digits.
-std::string plain(double quantity);
+std::string plain(double number);
 
 }  // namespace stock
 

@@ -2,6 +2,8 @@
 // What packages are made of, and the collection that tells it.
 #include "tavelor/articles/articulos_componentes.hpp"
 
+#include <limits>
+
 #include "tavelor/articles/registros.hpp"
 #include "tests/classes/catalogue.hpp"
 
@@ -96,6 +98,16 @@ TEST_F(ClsArticulosComponentesTest, QuantitiesAreOfSinglePrecisionAndNullIsNone)
   const CollectionRegistrosPtr requests = components.GetCollectionRegs("01", 3);
   EXPECT_EQ(requests->Item(std::int32_t{1})->Cantidad, Variant(static_cast<float>(0.1 * 3)));
   EXPECT_EQ(requests->Item(std::int32_t{2})->Cantidad, Variant(0.0F));
+}
+
+TEST_F(ClsArticulosComponentesTest, AQuantityThatSinglePrecisionDoesNotHoldOverflows) {
+  add(1, "P1", "X", "2");
+  components.IniciaRs("seleccion", "P1");
+  for (const double packages : {1e39, -1e39, std::numeric_limits<double>::quiet_NaN()}) {
+    EXPECT_EQ(errorOf([&] { components.GetCollectionRegs("01", packages); }), errors::kOverflow);
+  }
+  EXPECT_EQ(components.GetCollectionRegs("01", 1e38)->Item(std::int32_t{1})->Cantidad,
+            Variant(2e38F));
 }
 
 TEST_F(ClsArticulosComponentesTest, TheExplosionNeedsARecordSet) {

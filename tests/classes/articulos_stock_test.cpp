@@ -398,6 +398,13 @@ TEST_F(ArticleStockTest, ActualizarPrecioMedioOverAQuantityOfZeroRaisesDivisionB
   EXPECT_EQ(of("A100", "Precio_Medio"), "5");
 }
 
+TEST_F(ArticleStockTest, AnAverageThatNoDoubleHoldsOverflows) {
+  shop.run("UPDATE Articulos SET Precio_Medio = 5");
+  EXPECT_EQ(errorOf([&] { articles.ActualizarPrecioMedio("A100", 1e308, {}, 1e-10); }),
+            errors::kOverflow);
+  EXPECT_EQ(of("A100", "Precio_Medio"), "5");
+}
+
 TEST_F(ArticleStockTest, ActualizarPrecioMedioAsksNoFlagAndPassesOverTheFreeText) {
   article("S1", {.actualizar = false});
   articles.ActualizarPrecioMedio("S1", 3);

@@ -498,8 +498,11 @@ TEST_F(TariffsTest, APriceThatIsNotFiniteIsRefused) {
   addRow("A1", "D", "1");
   const double none = std::numeric_limits<double>::quiet_NaN();
   EXPECT_EQ(errorOf([&] { articles.ActualizaPrecioTarifa("A1", "D", none); }), errors::kOverflow);
-  EXPECT_NE(errorOf([&] { articles.ActualizarTarifa("A1", none, "A"); }), 0);
-  EXPECT_NE(errorOf([&] { articles.ActualizarTarifas("a", none, "Todas", "PRC"); }), 0);
+  EXPECT_EQ(errorOf([&] { articles.ActualizarTarifa("A1", none, "A"); }), errors::kOverflow);
+  EXPECT_EQ(errorOf([&] { articles.ActualizarTarifas("a", none, "Todas", "PRC"); }),
+            errors::kOverflow);
+  EXPECT_EQ(errorOf([&] { articles.ActualizarPrecio("A1", 1e300, 1e300); }), errors::kOverflow);
+  EXPECT_EQ(errorOf([&] { articles.ActualizarDto_D("A1", none); }), errors::kOverflow);
   EXPECT_EQ(row("D"), "1");
   EXPECT_EQ(column("Tarifa_A"), "1");
 }
