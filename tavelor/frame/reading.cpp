@@ -3,7 +3,10 @@
 #include "tavelor/frame/reading.hpp"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
+#include "tavelor/platform/error.hpp"
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 
@@ -25,6 +28,14 @@ void takeUnlessNull(Recordset& rows, std::string_view column, Convert&& convert)
 
 double number(const Variant& value) {
   return value.isNull() ? 0 : value.toDouble(locale());
+}
+
+float single(const Variant& value) {
+  const double wide = number(value);
+  if (!(std::fabs(wide) <= std::numeric_limits<float>::max())) {
+    raise(errors::kOverflow, "Variant", "The number is too large for single precision");
+  }
+  return static_cast<float>(wide);
 }
 
 bool flag(const Variant& value) {

@@ -14,6 +14,8 @@ class Variant;
 
 /// 0 for Empty and Null. A text is read by the locale; raises 13 for one that is no number.
 double number(const Variant& value);
+/// The same in single precision. Raises 6 for a number that is too large.
+float single(const Variant& value);
 /// False for Empty and Null.
 bool flag(const Variant& value);
 
