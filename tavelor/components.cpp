@@ -14,6 +14,7 @@
 #include "tavelor/articles/articulos_precios.hpp"
 #include "tavelor/articles/articulos_precios_ventas.hpp"
 #include "tavelor/articles/registros.hpp"
+#include "tavelor/closing/cierres.hpp"
 #include "tavelor/frame/component.hpp"
 #include "tavelor/numbering/numeradores.hpp"
 #include "tavelor/platform/error.hpp"
@@ -38,6 +39,7 @@
 #include "tavelor/sales/tickets.hpp"
 #include "tavelor/sales/tickets_cabecera.hpp"
 #include "tavelor/sales/tickets_comentarios.hpp"
+#include "tavelor/sales/tickets_lineas.hpp"
 
 namespace tavelor {
 
@@ -79,8 +81,11 @@ const std::vector<const Component*>& components() {
       &ClsTickets::component(),
       &ClsTicketsCabecera::component(),
       &ClsTicketsComentarios::component(),
+      &ClsTicketsLineas::component(),
       &CollectionTickets::component(),
       &ClsRegTickets::component(),
+      // closing
+      &ClsCierres::component(),
   };
   // clang-format on
   return all;

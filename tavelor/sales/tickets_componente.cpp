@@ -2,6 +2,7 @@
 // The component table of ClsTickets.
 #include "tavelor/frame/component.hpp"
 #include "tavelor/sales/registros_tickets.hpp"
+#include "tavelor/sales/ticket_parameters.hpp"
 #include "tavelor/sales/ticket_rows.hpp"
 #include "tavelor/sales/tickets.hpp"
 
@@ -129,7 +130,56 @@ std::vector<AggregateParameter<Documento>> documentParameters() {
           parameter("[objCn]", &Documento::objCn)};
 }
 
-std::vector<AggregateParameter<Lectura>> readParameters() {
+std::vector<Member> documentSlots() {
+  return {
+      member("Mover_De_Historicos", &C::Mover_De_Historicos, kOnClosing),
+      member("Mover_A_Historicos", &C::Mover_A_Historicos, kOnClosing),
+      member("CerrarTicket", &C::CerrarTicket, kClosesTicket),
+      member("ConvertirSerie", &C::ConvertirSerie, kRenumbersTicket),
+      member("FacturarDocumento", &C::FacturarDocumento, "vId, iFacturado, vIdFac, [cnnActive]"),
+      member("CancelarFacturacion", &C::CancelarFacturacion, "vId, iFacturado, [cnnActive]"),
+      member("CodigoLibre", &C::CodigoLibre, kOfTicket),
+      member("GetAlmacen", &C::GetAlmacen, kOfTicket),
+      member("GetState", &C::GetState, kOfTicket),
+      member("GetIncTax", &C::GetIncTax, kOfTicket),
+      member("IniciaConnection", &C::IniciaConnection),
+      member("SetConnection", &C::SetConnection),
+      member("CnnClose", &C::CnnClose),
+      member("Insertar", &C::Insertar, documentParameters()),
+      member("Obtener", &C::Obtener, ticketReadParameters()),
+      member("IniciaRs", &C::IniciaRs, "[inout sSelecSql], [id]"),
+      member("NuevoCodigo", &C::NuevoCodigo, "[serie], [objCn]"),
+      member("GetNumerador", &C::GetNumerador,
+             "inout dSerieA, inout dSerieB, inout dSerieC, [objCn]"),
+      member("SetNumerador", &C::SetNumerador,
+             "inout dSerieA, inout dSerieB, inout dSerieC, [objCn]"),
+      member("UpdateNumerador", &C::UpdateNumerador, "[objCn]"),
+      frameMember("SeguridadPermiso"),
+  };
+}
+
+std::vector<Member> firstSlots() {
+  std::vector<Member> slots = {
+      frameMember("GetRptPath"),
+      member("GetConnectionStrToRpt", &C::GetConnectionStrToRpt,
+             "out sDbtype, out sDataSource, out sCatalog, out sUser, out sPasw, [bHistorico]"),
+      frameMember("sClassName"),
+      frameMember("GetConnection"),
+      frameMember("GetConnectionStr"),
+  };
+  const auto append = [&](std::vector<Member> more) {
+    slots.insert(slots.end(), more.begin(), more.end());
+  };
+  append(rowSlots());
+  append({member("ActualizarEuros", &C::ActualizarEuros, "[cnnActive]")});
+  append(salesSlots());
+  append(documentSlots());
+  return slots;
+}
+
+}  // namespace
+
+std::vector<AggregateParameter<Lectura>> ticketReadParameters() {
   return {parameter("inout vId", &Lectura::vId),
           parameter("inout dtFecha", &Lectura::dtFecha),
           parameter("inout sSerie", &Lectura::sSerie),
@@ -163,55 +213,6 @@ std::vector<AggregateParameter<Lectura>> readParameters() {
           parameter("sTipoFactura", &Lectura::sTipoFactura),
           parameter("[objCn]", &Lectura::objCn)};
 }
-
-std::vector<Member> documentSlots() {
-  return {
-      member("Mover_De_Historicos", &C::Mover_De_Historicos, kOnClosing),
-      member("Mover_A_Historicos", &C::Mover_A_Historicos, kOnClosing),
-      member("CerrarTicket", &C::CerrarTicket, kClosesTicket),
-      member("ConvertirSerie", &C::ConvertirSerie, kRenumbersTicket),
-      member("FacturarDocumento", &C::FacturarDocumento, "vId, iFacturado, vIdFac, [cnnActive]"),
-      member("CancelarFacturacion", &C::CancelarFacturacion, "vId, iFacturado, [cnnActive]"),
-      member("CodigoLibre", &C::CodigoLibre, kOfTicket),
-      member("GetAlmacen", &C::GetAlmacen, kOfTicket),
-      member("GetState", &C::GetState, kOfTicket),
-      member("GetIncTax", &C::GetIncTax, kOfTicket),
-      member("IniciaConnection", &C::IniciaConnection),
-      member("SetConnection", &C::SetConnection),
-      member("CnnClose", &C::CnnClose),
-      member("Insertar", &C::Insertar, documentParameters()),
-      member("Obtener", &C::Obtener, readParameters()),
-      member("IniciaRs", &C::IniciaRs, "[inout sSelecSql], [id]"),
-      member("NuevoCodigo", &C::NuevoCodigo, "[serie], [objCn]"),
-      member("GetNumerador", &C::GetNumerador,
-             "inout dSerieA, inout dSerieB, inout dSerieC, [objCn]"),
-      member("SetNumerador", &C::SetNumerador,
-             "inout dSerieA, inout dSerieB, inout dSerieC, [objCn]"),
-      member("UpdateNumerador", &C::UpdateNumerador, "[objCn]"),
-      frameMember("SeguridadPermiso"),
-  };
-}
-
-std::vector<Member> firstSlots() {
-  std::vector<Member> slots = {
-      frameMember("GetRptPath"),
-      member("GetConnectionStrToRpt", &C::GetConnectionStrToRpt,
-             "out sDbtype, out sDataSource, out sCatalog, out sUser, out sPasw, [bHistorico]"),
-      frameMember("sClassName"),
-      frameMember("GetConnection"),
-      frameMember("GetConnectionStr"),
-  };
-  const auto append = [&](std::vector<Member> more) {
-    slots.insert(slots.end(), more.begin(), more.end());
-  };
-  append(rowSlots());
-  append({member("ActualizarEuros", &C::ActualizarEuros, "[cnnActive]")});
-  append(salesSlots());
-  append(documentSlots());
-  return slots;
-}
-
-}  // namespace
 
 const Component& ClsTickets::component() {
   static const Component table(
