@@ -54,7 +54,7 @@ white-space:nowrap}
 .note{margin:.9rem 0 0;color:var(--soft);font-size:.86rem}
 .note b{color:var(--ink)}
 .empty{padding:2.6rem 1.2rem;text-align:center;color:var(--soft)}
-.empty b{display:block;margin-bottom:.3rem;color:var(--ink);font-size:1.15rem}
+.empty>b{display:block;margin-bottom:.3rem;color:var(--ink);font-size:1.15rem}
 .sign{display:inline-block;margin:0 .4rem .7rem 0;padding:.16rem .6rem;border-radius:99px;
 font-size:.82rem;background:#e8f2ea;color:var(--leaf)}
 .sign.bad{background:#fbe9e6;color:#a53b2b;font-weight:600}
@@ -70,7 +70,7 @@ tfoot td{border-bottom:0;font-weight:650}
 tbody tr:last-child td{border-bottom-color:#b9c4cc}
 tr.broken td{background:#fdf1ef}
 tr.broken .start{color:#a53b2b;font-weight:650}
-tr.broken small{display:block;font-weight:400}
+tr.broken small{display:block;font-weight:400;white-space:normal}
 .second{margin-top:1.6rem}
 .second+.bars .mark{fill:#e6a84a}
 #top-units .mark{fill:#79a873}
@@ -89,6 +89,7 @@ h1{font-size:1.4rem}
 .kpis div{flex-basis:40%;padding:.6rem .8rem}
 .axis{flex-basis:2.1rem;width:2.1rem}
 table{font-size:.77rem}th{font-size:.75rem}th,td{padding:.4rem .2rem}
+#closings table{font-size:.7rem}#closings th{white-space:normal}#closings :is(th,td){padding-inline:.08rem}
 }
 @media print{
 @page{margin:12mm}
@@ -302,7 +303,8 @@ class DayPage {
       const std::string name = nameOf(share, "Sin forma de pago");
       const std::string value = text_.money(share.amount);
       const std::string part = text_.percent(share.amount, all);
-      slices.push_back({name, value, part, name + ": " + value + ", " + part, share.amount});
+      slices.push_back(
+          {name, value, part, fmt::format("{}: {}, {}", name, value, part), share.amount});
     }
     put("<section class=\"card short\" id=\"payments\"><h2>Formas de pago</h2>\n{}</section>\n",
         donut(slices, "Formas de pago", text_.shortMoney(all) + " €", "cobrado"));
@@ -323,7 +325,8 @@ class DayPage {
       const std::string name = nameOf(share, "Sin familia");
       const std::string value = text_.money(share.amount);
       const std::string part = text_.percent(share.amount, all);
-      bars.push_back({name, value, part, name + ": " + value + ", " + part, share.amount});
+      bars.push_back(
+          {name, value, part, fmt::format("{}: {}, {}", name, value, part), share.amount});
     }
     put("<section class=\"card half\" id=\"families\"><h2>Familias</h2>\n{}</section>\n",
         barList(bars));
@@ -471,7 +474,7 @@ std::string dayPage(const Figures& figures) {
 
 std::string writeDayPage(Date first, Date last) {
   const Figures figures = gatherFigures(first, last);
-  const std::string path = DataSession().ExportPath(fileName(figures.first, figures.last));
+  std::string path = DataSession().ExportPath(fileName(figures.first, figures.last));
   replaceFile(path, dayPage(figures));
   return path;
 }
