@@ -2,6 +2,7 @@
 // The first rows of the catalogues.
 #include "tools/shop/seed.hpp"
 
+#include <string>
 #include <type_traits>
 
 #include "tavelor/frame/record_class.hpp"
@@ -122,6 +123,11 @@ Seeded period() {
   Seeded seeded{.what = counters.sClassName()};
   if (counters.ExistenPeriodoActual()) {
     seeded.kept = 1;
+    // A run that died after it wrote the row has not made the year current.
+    if (clsNumeradores::currentPeriod().empty()) {
+      const CivilTime today = Apartment::current().clock().today().civil();
+      clsNumeradores::setCurrentPeriod(std::to_string(today.year));
+    }
   } else {
     counters.CrearPeriodoActual();
     seeded.added = 1;
