@@ -159,6 +159,9 @@ TEST_F(SafeRoadTest, TillsThatAreKilledLoseNoNumberAndGiveNoneTwice) {
     if (receipts.size() % kReceiptsAKill == 0 && ::kill(receipt->process, SIGKILL) == 0) ++kills;
   }
   EXPECT_GT(kills, 0);
+  // Beside those that killed themselves.
+  RecordProperty("TillsKilled", kills);
+  RecordProperty("Receipts", static_cast<int>(receipts.size()));
   expectEachNumberOnce(receipts);
 }
 
