@@ -249,25 +249,23 @@ void ClsTickets::AddNew(bool bDefVal, bool /*bIsInvoiced*/) {
 // ---------------------------------------------------------------------------------------------
 // Numbers
 
-Variant ClsTickets::greatestOf(std::string_view table, std::string_view serie,
-                               ConnectionPtr& objCn) const {
+RecordsetPtr ClsTickets::greatest(std::string_view table, std::string_view serie,
+                                  ConnectionPtr& objCn) const {
   Statement statement("SELECT MAX(Numero) AS Nuevo_Codigo FROM ");
   statement << table << " WHERE Serie = '" << value(serie) << "'";
-  return read(statement, objCn)->Field("Nuevo_Codigo").Value();
+  return read(statement, objCn);
 }
 
 // A number that stands in history only must not be given again, so both tables count. The width is
 // looked at in history alone.
 Variant ClsTickets::NuevoCodigo(std::string_view serie, ObjCn objCn) const {
-  const Variant live = successor(greatestOf(info().table, serie, *objCn));
+  const Variant live = successor(greatest(info().table, serie, *objCn)->Field(0).Value());
 
-  Statement statement("SELECT MAX(Numero) AS Nuevo_Codigo FROM H");
-  statement << info().table << " WHERE Serie = '" << value(serie) << "'";
-  const RecordsetPtr rows = read(statement, *objCn);
-  const Field greatest = rows->Field("Nuevo_Codigo");
-  const Variant old = greatest.Value();
+  const RecordsetPtr rows = greatest(kHistory, serie, *objCn);
+  const Field column = rows->Field(0);
+  const Variant old = column.Value();
   const Variant next = successor(old);
-  const bool fits = text::length(joined(next)) <= static_cast<std::size_t>(greatest.DefinedSize());
+  const bool fits = text::length(joined(next)) <= static_cast<std::size_t>(column.DefinedSize());
   const Variant past = old.isNull() || fits ? next : old;
 
   return number(past) > number(live) ? past : live;
@@ -311,7 +309,7 @@ void ClsTickets::UpdateNumerador(ObjCn objCn) const {
   for (std::size_t i = 0; i < kSeries.size(); ++i) {
     const auto [letter, first] = kSeries[i];
     for (const std::string_view table : {info().table, kHistory}) {
-      const Variant found = greatestOf(table, letter, documents);
+      const Variant found = greatest(table, letter, documents)->Field(0).Value();
       last[i] = std::max(last[i], found.isNull() ? first : number(found));
     }
   }

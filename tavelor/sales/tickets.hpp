@@ -304,11 +304,11 @@ class ClsTickets final : public TicketTable<OpensByWord> {
  private:
   Statement modeStatement(std::string& word, const Variant& id) const override;
 
-  /// `read` of a column of the current row; the type's zero on any error.
+  /// A column of the current row; the type's zero on any error.
   template <typename Result>
   Result quietly(std::string_view column) const;
-  /// Greatest number of a series in a table.
-  Variant greatestOf(std::string_view table, std::string_view serie, ConnectionPtr& objCn) const;
+  /// One row with the greatest number of a series in a table, Null where there is none.
+  RecordsetPtr greatest(std::string_view table, std::string_view serie, ConnectionPtr& objCn) const;
 
   std::unique_ptr<LogFiles> logs_;
 };
