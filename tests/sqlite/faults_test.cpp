@@ -2,6 +2,7 @@
 // Several writers, killed processes and full disks.
 #include <chrono>
 #include <csignal>
+#include <functional>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -81,6 +82,36 @@ TEST(SqliteFaults, SettlingBringsEverythingIntoTheFileItself) {
   session->settle();
   std::filesystem::copy_file(folder.file("a.db"), folder.file("b.db"));
   EXPECT_EQ(wholeOf(*openExisting(folder.file("b.db")), "SELECT A FROM T"), 7);
+}
+
+// The engine would write on to the file that nobody finds any more.
+TEST(SqliteFaults, AFileThatWasTakenAwayOrReplacedIsNotWrittenTo) {
+  const TempFolder folder;
+  const std::string path = folder.file("a.db");
+  const auto session = openNew(path);
+  session->execute("CREATE TABLE T (A INTEGER)");
+  const auto insert = session->prepare("INSERT INTO T VALUES (1)");
+  insert->run();
+  const auto refused = [&] {
+    for (const auto& write : {std::function<void()>([&] { insert->run(); }),
+                              std::function<void()>([&] { session->begin(); }),
+                              std::function<void()>([&] { session->execute("DELETE FROM T"); })}) {
+      const auto error = errorOf(write);
+      ASSERT_TRUE(error);
+      EXPECT_EQ(error->number(), errors::kPathAccess);
+      EXPECT_THAT(error->description(), HasSubstr(path));
+    }
+    EXPECT_EQ(session->depth(), 0);
+  };
+  std::filesystem::rename(path, folder.file("elsewhere.db"));
+  refused();
+  std::filesystem::rename(folder.file("elsewhere.db"), path);
+  insert->run();
+  EXPECT_EQ(wholeOf(*session, "SELECT Count(*) FROM T"), 2);
+
+  openNew(folder.file("other.db"))->execute("CREATE TABLE T (A INTEGER)");
+  std::filesystem::rename(folder.file("other.db"), path);
+  refused();
 }
 
 TEST(SqliteFaults, ReadersNeverWaitForAWriter) {

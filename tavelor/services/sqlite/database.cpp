@@ -115,6 +115,16 @@ void Database::fail(int code) {
   throw errorOf(*this, code, sqlite3_errmsg(handle));
 }
 
+void Database::mustBeInPlace() {
+  int moved = 0;
+  const int code = sqlite3_file_control(handle, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+  if (code != SQLITE_OK || moved == 0) return;
+  throw Error(errors::kPathAccess, std::string(kSource),
+              fmt::format("The database {} was removed, moved or replaced while it was open; "
+                          "nothing is written until it is opened anew.",
+                          path));
+}
+
 StatementHandle compile(Database& database, std::string_view engineText) {
   if (engineText.empty()) throw Error(errors::kSyntax, std::string(kSource), "No statement.");
   sqlite3_stmt* statement = nullptr;

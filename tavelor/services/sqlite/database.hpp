@@ -30,6 +30,10 @@ struct Database {
 
   /// Raises what the failed call left in the handle. `code` is what it answered.
   [[noreturn]] void fail(int code);
+  /// Before anything is written outside of a transaction: raises 75 when the file was removed,
+  /// moved or replaced since it was opened. The engine would go on writing to what is left of it,
+  /// and all of that would be lost.
+  void mustBeInPlace();
   /// The engine ends the transaction by itself after some errors: our count of levels follows.
   void followRollback() {
     if (depth > 0 && sqlite3_get_autocommit(handle) != 0) depth = 0;

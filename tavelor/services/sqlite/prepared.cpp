@@ -61,6 +61,7 @@ void PreparedStatement::bind(int index, const Value& value) {
 }
 
 std::int64_t PreparedStatement::run() {
+  if (database_->depth == 0) database_->mustBeInPlace();
   sqlite3_stmt* statement = statement_.get();
   const int before = sqlite3_total_changes(database_->handle);
   int code = SQLITE_ROW;

@@ -24,6 +24,7 @@ std::unique_ptr<Prepared> FileSession::prepare(std::string_view engineText) {
 }
 
 void FileSession::execute(std::string_view engineText) {
+  if (database_->depth == 0) database_->mustBeInPlace();
   const std::string text(engineText);
   const int code = sqlite3_exec(database_->handle, text.c_str(), nullptr, nullptr, nullptr);
   if (code == SQLITE_OK) return;
@@ -48,6 +49,7 @@ void FileSession::mustControl(StatementHandle& statement, std::string_view text)
 
 int FileSession::begin() {
   if (database_->depth == 0) {
+    database_->mustBeInPlace();
     mustControl(begin_, beginText_);
   } else {
     mustControl(savepoint_, "SAVEPOINT level");
