@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "tavelor/frame/controls.hpp"
@@ -78,7 +79,7 @@ void writeValue(Page& page, const Variant& value, const Locale& locale) {
 /// Days as text. Rows repeat few days, and a day costs more to print than all else in its row.
 class DayTexts {
  public:
-  explicit DayTexts(const Locale& locale) : locale_(locale), known_(kKnown) {}
+  explicit DayTexts(const Locale& locale) : locale_(locale) {}
 
   void write(Page& page, double days) {
     const double whole = std::trunc(days);
@@ -86,24 +87,16 @@ class DayTexts {
       page << Variant(Date(days)).toText(locale_);
       return;
     }
-    const auto day = static_cast<std::int32_t>(whole);
-    Known& known = known_[static_cast<std::uint32_t>(day) % kKnown];
-    if (known.text.empty() || known.day != day) {
-      known = {day, Variant(Date(days)).toText(locale_)};
-    }
-    page << known.text;
+    std::string& text = known_[static_cast<std::int32_t>(whole)];
+    if (text.empty()) text = Variant(Date(days)).toText(locale_);
+    page << text;
   }
 
  private:
-  struct Known {
-    std::int32_t day = 0;
-    std::string text;
-  };
-  static constexpr std::size_t kKnown = 4096;    // eleven years
   static constexpr double kLastDay = 2'958'465;  // 31/12/9999
 
   const Locale& locale_;
-  std::vector<Known> known_;
+  std::unordered_map<std::int32_t, std::string> known_;
 };
 
 /// Writes the cells of a row where they lie.

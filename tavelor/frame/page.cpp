@@ -84,7 +84,7 @@ std::size_t copyAscii(const char* from, std::size_t count, char* to) {
 Page::Page(std::filesystem::path path)
     : path_(std::move(path)),
       draft_(path_),
-      buffer_(std::make_unique<char[]>(kBuffer)),
+      buffer_(std::make_unique_for_overwrite<char[]>(kBuffer)),
       next_(buffer_.get()) {
   // A zero byte ends a name for the system: the page would lie elsewhere.
   if (path_.native().find('\0') != std::string::npos) {
