@@ -41,7 +41,7 @@ std::vector<Variant> lines(Recordset& rows) {
   const Field amounts = rows.Field("Importe");
   std::vector<Variant> lines;
   for (; !rows.Eof(); rows.MoveNext()) {
-    const auto quantity = static_cast<float>(number(quantities.Value()));
+    const float quantity = single(quantities.Value());
     const double discount = number(discounts.Value());
     const std::string discountPart = discount == 0 ? "" : inColumn(discount, kDiscountWidth) + "%";
     const std::size_t amountWidth =
@@ -61,7 +61,7 @@ std::vector<Variant> taxes(Recordset& groups, bool bIncTax) {
   const RoundingMask asQuantity(quantities, locale());
   std::vector<Variant> lines;
   for (; !groups.Eof(); groups.MoveNext()) {
-    const auto rate = static_cast<float>(number(groups.Field("IVA").Value()));
+    const float rate = single(groups.Field("IVA").Value());
     const double percent = rate;
     const double sum = number(groups.Field("SumaDeImporte").Value());
     const double base = bIncTax ? asQuantity(sum * 100 / (percent + 100)) : sum;

@@ -12,7 +12,8 @@ class Variant;
 namespace receipt {
 
 /// What was sold, a line a row from the current one on: Cantidad, 15 characters of Descripción, Dto
-/// and Importe. A null number counts as 0. The set is left at EOF.
+/// and Importe. A null number counts as 0; a quantity that single precision does not hold raises 6.
+/// The set is left at EOF.
 std::vector<Variant> lines(Recordset& rows);
 
 /// The tax summary, a line a rate: IVA, base and tax of SumaDeImporte. `bIncTax`: the amounts

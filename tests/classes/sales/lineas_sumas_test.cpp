@@ -236,6 +236,11 @@ TEST_F(ClsTicketsLineasSumasTest, AQuantityHasSinglePrecision) {
   EXPECT_THAT(receipt(), ElementsAre("0,1234568 Café molido           100"));
 }
 
+TEST_F(ClsTicketsLineasSumasTest, AQuantityThatSinglePrecisionDoesNotHoldIsRefused) {
+  store({.quantity = "1e39"});
+  EXPECT_EQ(errorOf([&] { receipt(); }), errors::kOverflow);
+}
+
 TEST_F(ClsTicketsLineasSumasTest, NullsOfAReceiptAreZeroAndBlank) {
   store({.description = "Null", .quantity = "Null", .amount = "Null"});
   EXPECT_THAT(receipt(), ElementsAre("   0                         0"));
