@@ -190,13 +190,15 @@ TEST_F(ClsTicketsCabeceraTest, GetDatosLooksForATelephoneOrACompanyLiveOrInHisto
   search.idTel = "91";
   search.sEmpresa = "Bar";
   headers.GetDatos(search);
-  search.index = 1;
   search.bHistor = true;
+  headers.GetDatos(search);
+  search.index = 1;
   headers.GetDatos(search);
   search.index = 2;
   headers.GetDatos(search);
   EXPECT_THAT(shop.statements(),
               ElementsAre(kDatos + "Tickets_Cabecera WHERE  Telefono =  '91'",
+                          kDatos + "HTickets_Cabecera WHERE  Telefono =  '91'",
                           kDatos + "HTickets_Cabecera WHERE  Razon_Social = 'Bar' ",
                           kDatos + "HTickets_Cabecera"));
 }

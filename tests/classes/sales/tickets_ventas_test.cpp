@@ -126,11 +126,13 @@ TEST_F(TicketSalesTest, ObtenerColVentaContadoPutsTheStateBeforeTheClass) {
   EXPECT_THAT(list(true, true), ElementsAre("1"));
   EXPECT_THAT(list(true, false), ElementsAre("2"));
   EXPECT_THAT(list(false, false), ElementsAre("2", "3"));
+  EXPECT_THAT(list(false, true), ElementsAre("1"));
   EXPECT_THAT(
       shop.statements(),
       ElementsAre("SELECT Numero FROM Tickets" + kSpan + " AND (Estado = 2) AND (Facturado = 0 ));",
                   "SELECT Numero FROM Tickets" + kSpan + " AND (Estado = 2) AND (Facturado > 0 ));",
-                  "SELECT Numero FROM Tickets" + kSpan + " AND (Facturado > 0 ));"));
+                  "SELECT Numero FROM Tickets" + kSpan + " AND (Facturado > 0 ));",
+                  "SELECT Numero FROM Tickets" + kSpan + " AND (Facturado = 0 ));"));
 }
 
 TEST_F(TicketSalesTest, TicketsPendientesIsFalseWhenAllAreSettled) {
