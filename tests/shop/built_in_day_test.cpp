@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tavelor/platform/text.hpp"
 #include "tests/support/shop.hpp"
 
 namespace tavelor::shop {
@@ -101,6 +102,8 @@ TEST(BuiltInDay, SellsEightFamiliesAtThreeRates) {
     }
   }
   EXPECT_EQ(families.size(), 8U);
+  // A family becomes a row of the catalogue under this word, and its code has room for ten.
+  for (const std::string& family : families) EXPECT_LE(text::length(family), 10U) << family;
   EXPECT_EQ(codes.size(), 45U);
   EXPECT_THAT(rates, testing::ElementsAre(4, 10, 21));
   EXPECT_TRUE(hasApostrophe);

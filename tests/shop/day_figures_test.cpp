@@ -15,7 +15,7 @@ const Date kFriday = Date::of(2026, 11, 20);
 
 class DayFiguresTest : public testing::Test {
  protected:
-  Figures read() { return gatherFigures(kFriday, kFriday); }
+  PageFigures read() { return gatherFigures(kFriday, kFriday); }
   test::ClosedSales shop_;
 };
 
@@ -28,7 +28,7 @@ TEST_F(DayFiguresTest, OnlyTicketsOfTheDaysCountBothBoundsIncluded) {
   shop_.line(3, "A", "Uno", 1.5, 4);
   shop_.line(4, "A", "Uno", 8, 8);
 
-  const Figures figures = gatherFigures(kFriday, Date::of(2026, 11, 21));
+  const PageFigures figures = gatherFigures(kFriday, Date::of(2026, 11, 21));
   EXPECT_EQ(figures.all.tickets, 2);
   EXPECT_EQ(figures.all.amount, 6.5);
   EXPECT_EQ(figures.lines, 2);
@@ -46,7 +46,7 @@ TEST_F(DayFiguresTest, LastDayBeforeTheFirstIsRefused) {
 TEST_F(DayFiguresTest, TicketsThatNoClosingTookAreCountedApart) {
   shop_.ticket(1, kDay, "10:00", 2);
   shop_.ticket(2, kDay, "10:00", 3, "Tickets");
-  const Figures figures = read();
+  const PageFigures figures = read();
   EXPECT_EQ(figures.all.amount, 2);
   EXPECT_EQ(figures.open.tickets, 1);
   EXPECT_EQ(figures.open.amount, 3);
@@ -62,7 +62,7 @@ TEST_F(DayFiguresTest, ConceptThatIsNoTimeIsWithoutHour) {
   shop_.ticket(7, kDay, "", 64);
   shop_.run("INSERT INTO HTickets (Numero, Fecha, Total) VALUES (8, #11/20/2026#, 128)", 3);
 
-  const Figures figures = read();
+  const PageFigures figures = read();
   ASSERT_EQ(figures.hours.size(), 2U);
   EXPECT_EQ(figures.hours[0].hour, 9);
   EXPECT_EQ(figures.hours[0].tickets, 2);
@@ -77,7 +77,7 @@ TEST_F(DayFiguresTest, ReturnsAreTakenOffTheArticleAndToldApart) {
   shop_.ticket(2, kDay, "11:00", -4);
   shop_.line(1, "A", "Uno", 5, 10);
   shop_.line(2, "A", "Uno", -2, -4);
-  const Figures figures = read();
+  const PageFigures figures = read();
   ASSERT_EQ(figures.articles.size(), 1U);
   EXPECT_EQ(figures.articles[0].units, 3);
   EXPECT_EQ(figures.articles[0].amount, 6);
@@ -101,7 +101,7 @@ TEST_F(DayFiguresTest, ClosingsAddUpByFamilyMethodAndRate) {
   shop_.run("INSERT INTO Familias (Codigo, Descripcion) VALUES ('001', 'General')");
   shop_.run("INSERT INTO Formas_Pago (codigo, Descripcion) VALUES ('1', 'Contado')");
 
-  const Figures figures = read();
+  const PageFigures figures = read();
   ASSERT_EQ(figures.families.size(), 2U);
   EXPECT_EQ(figures.families[0].name, "General");
   EXPECT_EQ(figures.families[0].amount, 20);
@@ -126,7 +126,7 @@ TEST_F(DayFiguresTest, StartThatIsNotTheTillsLastEndBreaksTheChain) {
   shop_.closing(6, kDay, "001", 16.99, 1, 18);
   shop_.closing(7, kDay, "003", 50, 1, 51);  // its first one
 
-  const Figures figures = read();
+  const PageFigures figures = read();
   ASSERT_EQ(figures.closings.size(), 4U);
   std::vector<int> numbers;
   std::vector<bool> broken;
@@ -153,7 +153,7 @@ TEST_F(DayFiguresTest, RowsWithoutValuesCountAsNothing) {
   shop_.run("INSERT INTO HTickets_Lineas (Numero) VALUES (1)", 3);
   shop_.run("INSERT INTO Cierres (Codigo, Fecha) VALUES (1, #11/20/2026#)");
   shop_.run("INSERT INTO Cierres_Familias (Cierre) VALUES (1)");
-  const Figures figures = read();
+  const PageFigures figures = read();
   EXPECT_EQ(figures.all.tickets, 1);
   EXPECT_EQ(figures.all.amount, 0);
   ASSERT_EQ(figures.families.size(), 1U);

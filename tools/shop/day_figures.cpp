@@ -80,7 +80,7 @@ class Gatherer {
     before_ = session_.DateLiteral(kMain, Date(last.days() + 1));
   }
 
-  Figures gather() {
+  PageFigures gather() {
     nameShop();
     countTickets();
     readHours();
@@ -265,24 +265,24 @@ class Gatherer {
   DataSession session_;
   std::string from_;
   std::string before_;
-  Figures figures_;
+  PageFigures figures_;
 };
 
 }  // namespace
 
-double Figures::tax() const {
+double PageFigures::tax() const {
   double sum = 0;
   for (const TaxFigures& each : taxes) sum += each.tax;
   return sum;
 }
 
-double Figures::closedAmount() const {
+double PageFigures::closedAmount() const {
   double sum = 0;
   for (const ClosingFigures& closing : closings) sum += closing.sales;
   return sum;
 }
 
-Figures gatherFigures(Date first, Date last) {
+PageFigures gatherFigures(Date first, Date last) {
   first = first.dayOnly();
   last = last.dayOnly();
   if (last < first) raise(errors::kInvalidCall, "Shop", "The last day is before the first.");

@@ -56,7 +56,7 @@ struct ClosingFigures {
   bool isBroken = false;  ///< the start is not the expected one, to the cent
 };
 
-struct Figures {
+struct PageFigures {
   Date first;
   Date last;
   std::string shop;  ///< name of the default document type's company, else of the folder
@@ -83,6 +83,6 @@ struct Figures {
 
 /// Reads the days from `first` to `last`, both included, on the calling thread's apartment. What
 /// closings say counts for the day of the closing. Raises 5 when `last` is before `first`.
-Figures gatherFigures(Date first, Date last);
+PageFigures gatherFigures(Date first, Date last);
 
 }  // namespace tavelor::shop

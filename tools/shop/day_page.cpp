@@ -106,7 +106,7 @@ main{max-width:none;padding:0}
 
 class DayPage {
  public:
-  explicit DayPage(const Figures& figures)
+  explicit DayPage(const PageFigures& figures)
       : figures_(figures), text_(Apartment::current().locale()) {}
 
   std::string make() {
@@ -452,7 +452,7 @@ class DayPage {
         text_.money(closing.end));
   }
 
-  const Figures& figures_;
+  const PageFigures& figures_;
   PageText text_;
   std::string out_;
 };
@@ -468,12 +468,12 @@ std::string fileName(Date first, Date last) {
 
 }  // namespace
 
-std::string dayPage(const Figures& figures) {
+std::string dayPage(const PageFigures& figures) {
   return DayPage(figures).make();
 }
 
 std::string writeDayPage(Date first, Date last) {
-  const Figures figures = gatherFigures(first, last);
+  const PageFigures figures = gatherFigures(first, last);
   std::string path = DataSession().ExportPath(fileName(figures.first, figures.last));
   replaceFile(path, dayPage(figures));
   return path;

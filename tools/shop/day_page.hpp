@@ -8,7 +8,7 @@
 
 namespace tavelor::shop {
 
-struct Figures;
+struct PageFigures;
 
 /// Writes the page of the days from `first` to `last`, both included, and gives its path: in the
 /// export folder, "day-2026-11-20.htm" or "day-2010-12-01_2011-02-28.htm". An earlier page of that
@@ -18,6 +18,6 @@ std::string writeDayPage(Date first, Date last);
 
 /// The page itself: one HTML text in UTF-8 that needs neither network nor script, by the locale of
 /// the calling thread's apartment.
-std::string dayPage(const Figures& figures);
+std::string dayPage(const PageFigures& figures);
 
 }  // namespace tavelor::shop
