@@ -467,6 +467,19 @@ TEST_F(ClsArticulosDatosTest, ACodeIsInsertedOnce) {
   EXPECT_EQ(errorOf([&] { articles.Insertar(wholeArticle()); }), errors::kIntegrityViolation);
 }
 
+TEST_F(ClsArticulosDatosTest, FlagsOfANewArticleAreWholeNumbersOfSixteenBits) {
+  clsArticulos::Alta alta = wholeArticle();
+  for (double clsArticulos::Alta::*flag :
+       {&clsArticulos::Alta::bStock, &clsArticulos::Alta::bLotes}) {
+    alta.*flag = 40000;
+    EXPECT_EQ(errorOf([&] { articles.Insertar(alta); }), errors::kOverflow);
+    alta.*flag = 0.4;
+  }
+  articles.Insertar(alta);
+  EXPECT_EQ(column("Actualizar_Stock"), "Falso");
+  EXPECT_EQ(column("Lotes"), "Falso");
+}
+
 TEST_F(ClsArticulosDatosTest, AnArticleIsRewrittenAndItsReferenceBecomesItsCode) {
   addWhole();
   articles.Actualizar({.vId = "A1",

@@ -191,6 +191,8 @@ TEST_F(LotsTest, WithoutALotAndForTheFreeTextNothingHappens) {
   }
   EXPECT_THAT(shop.statements(), IsEmpty());
   EXPECT_EQ(count(), "0");
+  lots.ActualizarStock("A100", "00", 1, 1);
+  EXPECT_EQ(count(), "1") << "a lot of that word";
 }
 
 // ---- Sales

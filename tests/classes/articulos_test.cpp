@@ -355,6 +355,13 @@ TEST_F(ClsArticulosTest, ObtenerDescripcionTellsWhetherThereIsOne) {
   EXPECT_EQ(description, "Artículo A1");
 }
 
+TEST_F(ClsArticulosTest, ObtenerDescripcionLeavesTheTextForANullOne) {
+  add("A1", "Descripcion = Null");
+  std::string description = "kept";
+  EXPECT_TRUE(articles.ObtenerDescripcion("A1", description));
+  EXPECT_EQ(description, "kept");
+}
+
 TEST_F(ClsArticulosTest, TheSurchargeIsThatOfTheArticlesTaxAndTheRateThatOfATaxCode) {
   shop.run("INSERT INTO TIPOS_IMPUESTO (Codigo, Impuesto, Recargo) VALUES ('01', 21, 5.2)");
   add("A1", "Impuesto = '01'");
