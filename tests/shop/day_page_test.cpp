@@ -202,6 +202,15 @@ TEST_F(DayPageTest, UnbrokenChainAndMissingMoneyAreTold) {
   EXPECT_THAT(chain, HasSubstr("0,50 €"));
 }
 
+TEST_F(DayPageTest, RatesThatMissTheSalesByTheirRoundingSayByHowMuch) {
+  shop_.ticket(1, kDay, "10:00", 30);
+  shop_.closing(1, kDay, "001", 0, 30, 30);
+  shop_.tax(1, 21, 24.79, 5.21);
+  EXPECT_THAT(page(), Not(HasSubstr("id=\"rounding\"")));
+  shop_.tax(1, 10, 0.01, 0);
+  EXPECT_THAT(sectionOf(page(), "rounding"), HasSubstr("0,01 €"));
+}
+
 TEST_F(DayPageTest, FamiliesBeyondTwelveAreOneBarThatKeepsTheSum) {
   shop_.ticket(1, kDay, "10:00", 1);
   shop_.closing(1, kDay, "001", 0, 1, 1);

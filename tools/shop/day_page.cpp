@@ -345,8 +345,18 @@ class DayPage {
     put("</tbody>\n<tfoot>\n");
     taxRow("Suma", bases, figures_.tax());
     put("</tfoot></table></div>\n");
+    sayWhatRoundingLeaves(bases + figures_.tax() - figures_.closedAmount());
     returns();
     put("</section>\n");
+  }
+
+  /// Base and tax are whole cents each, so that together they may miss what was paid.
+  void sayWhatRoundingLeaves(double difference) {
+    if (figures_.taxes.empty() || std::abs(difference) < kHalfACent) return;
+    put("<p class=\"note\" id=\"rounding\">Bases y cuotas, redondeadas por separado, difieren en "
+        "{} "
+        "de las ventas.</p>\n",
+        text_.money(std::abs(difference)));
   }
 
   void taxRow(const std::string& name, double base, double tax) {
