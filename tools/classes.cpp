@@ -7,6 +7,7 @@
 
 #include "tavelor/components.hpp"
 #include "tavelor/frame/component.hpp"
+#include "tavelor/frame/record_class.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tools/command.hpp"
 #include "tools/output.hpp"
@@ -42,6 +43,11 @@ void printOne(const Component& component, const Style& style) {
   int slot = 0;
   for (const Member& member : component.members()) {
     fmt::print("{:>4}  {}{}\n", ++slot, member.property ? "property " : "", member.signature());
+  }
+  const std::unique_ptr<Object> object = component.make();
+  const auto* record = dynamic_cast<const RecordClass*>(object.get());
+  if (record != nullptr && !record->eventInterface().empty()) {
+    fmt::print("      event MoveComplete() on {}\n", record->eventInterface());
   }
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // tavelor edit: the edit cycle of a class on one row.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 
 #include <fmt/format.h>
 
@@ -20,7 +21,9 @@ namespace {
 constexpr const char* kFooter =
     R"(The row is opened by IniciaRs, changed through the record set and written by
 Update, as a form does it. COLUMN is a name as browse shows it; VALUE is read by
-the locale and the column's type, and nothing behind the = is Null.
+the locale and the column's type, and nothing behind the = is Null. Where the
+mode does not look for the ID, or finds several rows, it is the row whose first
+column is the ID.
 
   tavelor edit ClsBancos --id 00001 "Dirección=Calle Mayor 1" Predeterminada=True
   tavelor edit ClsBancos --add "Descripción=Caja Rural"
@@ -67,6 +70,30 @@ void callPlain(const Component& component, Object& object, std::string_view memb
   component.call(object, member, arguments);
 }
 
+/// Whether a mode of the class opens the rows of an id only. Those that it does not know never do.
+bool looksForId(const ClassInfo& info, std::string_view word) {
+  return std::any_of(info.modes.begin(), info.modes.end(), [&](const Mode& mode) {
+    return mode.word == word && (mode.select.find("{id}") != std::string_view::npos ||
+                                 mode.tail.find("{id}") != std::string_view::npos);
+  });
+}
+
+/// Leaves the row of the id in view, or none.
+void leaveOne(Recordset& rows, const EditOptions& options, const ClassInfo& info,
+              const Locale& locale) {
+  if (looksForId(info, options.word) && rows.RecordCount() < 2) return;
+  std::vector<Variant> found;
+  for (; !rows.Eof(); rows.MoveNext()) {
+    const Variant first = rows.Field(0).Value();
+    if (!first.isNull() && shown(first, locale) == options.id) found.push_back(rows.Bookmark());
+  }
+  if (found.size() > 1) {
+    throw UsageError(fmt::format("{} rows have the id {}; name a --mode that finds one",
+                                 found.size(), printable(options.id)));
+  }
+  rows.Filter(found);
+}
+
 void edit(const EditOptions& options, const std::vector<Assignment>& assignments,
           const Common& common) {
   const Component& edited = component(options.className);
@@ -76,6 +103,7 @@ void edit(const EditOptions& options, const std::vector<Assignment>& assignments
   if (record == nullptr) throw UsageError(fmt::format("{} has no rows to edit", edited.name()));
   initialise(edited, *object, options.word, options.id);
   const RecordsetPtr rows = record->DataMember("Primary");
+  if (!options.add) leaveOne(*rows, options, record->info(), session.locale());
 
   if (options.remove) {
     callPlain(edited, *object, "Delete");
@@ -86,6 +114,7 @@ void edit(const EditOptions& options, const std::vector<Assignment>& assignments
   if (options.add) callPlain(edited, *object, "AddNew", {Variant(true)});
   for (const Assignment& each : assignments) rows->Field(each.column).Value(each.value);
   callPlain(edited, *object, "Update");
+  rows->Filter(std::vector{rows->Bookmark()});
   printRows(*rows, session.locale(), options.table, Style(common.color, stdout));
 }
 

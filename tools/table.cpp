@@ -168,8 +168,14 @@ void printCsv(Recordset& rows, const Locale& locale, const TableOptions& options
 
 }  // namespace
 
+std::string notNegative(const std::string& text) {
+  return text.starts_with('-') ? fmt::format("{} is less than nothing", text) : std::string();
+}
+
 void addTableOptions(CLI::App& app, TableOptions& options) {
-  app.add_option("--limit", options.limit, "Show at most so many rows")->type_name("N");
+  app.add_option("--limit", options.limit, "Show at most so many rows")
+      ->check(notNegative)
+      ->type_name("N");
   app.add_option_function<std::string>(
          "--columns", [&options](const std::string& names) { options.columns = split(names); },
          "Show these columns only: Código,Descripción")

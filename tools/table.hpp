@@ -26,6 +26,9 @@ struct TableOptions {
   bool csv = false;
 };
 
+/// Check of an option that counts: the parser would take -1 for the greatest number there is.
+std::string notNegative(const std::string& text);
+
 /// --limit, --columns, --csv.
 void addTableOptions(CLI::App& app, TableOptions& options);
 

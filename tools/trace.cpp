@@ -7,10 +7,12 @@
 
 #include <fmt/format.h>
 
+#include "tavelor/platform/error.hpp"
 #include "tavelor/services/installation.hpp"
 #include "tools/command.hpp"
 #include "tools/output.hpp"
 #include "tools/session.hpp"
+#include "tools/table.hpp"
 
 namespace tavelor::tools {
 
@@ -39,9 +41,14 @@ void change(const Installation& installation, const TraceOptions& options) {
   settings.trace = options.action == "on";
   if (!options.file.empty()) settings.traceFile = options.file;
   if (settings.traceFile.empty()) settings.traceFile = kUsualFile;
+  const auto path = std::filesystem::path(installation.folder()) / settings.traceFile;
+  // Programs lose what they cannot write without a word, so it is told here.
+  if (settings.trace && !std::ofstream(path, std::ios::app)) {
+    raise(errors::kPathAccess, "tavelor",
+          fmt::format("The trace file {} cannot be written.", path.string()));
+  }
   Installation::saveSettings(installation.folder(), settings);
-  fmt::print("Trace {}, {}\n", options.action,
-             (std::filesystem::path(installation.folder()) / settings.traceFile).string());
+  fmt::print("Trace {}, {}\n", options.action, path.string());
 }
 
 void show(const Installation& installation, std::size_t last) {
@@ -70,7 +77,9 @@ void addTrace(CLI::App& app, Common& common) {
       ->type_name("on|off|show");
   command->add_option("--file", options->file, "Append to this file, relative to the installation")
       ->type_name("FILE");
-  command->add_option("--last", options->last, "Show so many lines")->type_name("N");
+  command->add_option("--last", options->last, "Show so many lines")
+      ->check(notNegative)
+      ->type_name("N");
   addInstallationOptions(*command, common);
   command->footer(kFooter);
   command->callback([options, &common] {
