@@ -27,6 +27,7 @@ constexpr std::array kWorks{
     Work{"page", tavelor::bench::measurePage},
     Work{"statements", tavelor::bench::measureStatements},
     Work{"sale", tavelor::bench::measureSale},
+    Work{"sales", tavelor::bench::measureSales},
     Work{"articles", tavelor::bench::measureArticles},
     Work{"stock", tavelor::bench::measureStock},
     Work{"import", tavelor::bench::measureImport},

@@ -14,6 +14,8 @@ void measurePage(Report& report, const Scale& scale);
 void measureStatements(Report& report, const Scale& scale);
 /// A ticket with five lines, stock and counter in one transaction.
 void measureSale(Report& report, const Scale& scale);
+/// Totals of a ticket's lines, and the closing of a day of tickets.
+void measureSales(Report& report, const Scale& scale);
 /// Members of the article master.
 void measureArticles(Report& report, const Scale& scale);
 /// The stock of a ticket's lines, in all places that hold it.
