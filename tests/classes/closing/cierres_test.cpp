@@ -131,7 +131,9 @@ TEST_F(ClsCierresTest, ADetailWithoutANumberIsRefused) {
 }
 
 TEST_F(ClsCierresTest, NuevoCodigoIsOneAboveTheGreatestOfAllTills) {
+  shop.statements();
   EXPECT_EQ(shown(closings.NuevoCodigo()), "1");
+  EXPECT_THAT(shop.statements(), ElementsAre("SELECT MAX(Codigo) AS Nuevo_Codigo FROM Cierres"));
   close(7, "01", "0");
   close(3, "02", "0");
   EXPECT_EQ(shown(closings.NuevoCodigo()), "8");

@@ -78,6 +78,10 @@ TEST_F(ClsTicketsLineasTest, EachModeHasItsStatement) {
   EXPECT_EQ(statementOf("deeliminar", "A1"), std::string(kLista) + " Where (CODIGO = 'A1')");
 }
 
+TEST_F(ClsTicketsLineasTest, TheLinesOfNoTicketAreRefused) {
+  EXPECT_EQ(errorOf([&] { lines.IniciaRs({}, "seleccion"); }), errors::kSyntax);
+}
+
 TEST_F(ClsTicketsLineasTest, AnyOtherWordBecomesTodos) {
   EXPECT_EQ(statementOf("Seleccion"), kLista);
   EXPECT_EQ(word_, "todos");
