@@ -60,6 +60,9 @@ void addCommands(CLI::App& app, Common& common) {
   addBrowse(app, common);
   addEdit(app, common);
   addPeriod(app, common);
+  addDay(app, common);
+  addTicket(app, common);
+  addRecover(app, common);
   addStock(app, common);
   addSql(app, common);
   addImport(app, common);

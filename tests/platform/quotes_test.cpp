@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Quotes inside of quoted texts.
 #include "tavelor/platform/quotes.hpp"
 
 #include <gtest/gtest.h>

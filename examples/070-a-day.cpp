@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+// A sale, its receipt and the closing of the till, by the flows that the tavelor command uses.
+#include <iostream>
+
+#include "tavelor/platform/error.hpp"
+#include "tavelor/services/apartment.hpp"
+#include "tavelor/services/installation.hpp"
+#include "tools/shop/receipt.hpp"
+#include "tools/shop/seed.hpp"
+#include "tools/shop/shop.hpp"
+
+int main() {
+  try {
+    const tavelor::Apartment apartment(tavelor::Installation::create("shop"));
+    tavelor::shop::seedCatalogues();
+
+    // [day]
+    tavelor::shop::Shop shop;
+    tavelor::shop::Sale sale;
+    sale.reference = "V0001";
+    sale.till = "01";
+    sale.day = tavelor::Date::of(2026, 11, 20);
+    sale.time = "10:32";
+    sale.payment = "1";  // cash
+    sale.delivered = 5;
+    sale.lines = {
+        {.code = "PAN", .description = "Barra", .family = "PAN", .quantity = 2, .price = 1.1},
+        {.code = "CAFE",
+         .description = "Café molido",
+         .family = "DES",
+         .quantity = 1,
+         .price = 2.75}};
+    const double number = shop.sell(sale).value();
+    const tavelor::shop::Closing closing = shop.close("01", sale.day).value();
+    // [day]
+
+    for (const std::string& line : tavelor::shop::ticketText(number)) std::cout << line << '\n';
+    std::cout << '\n';
+    for (const std::string& line : tavelor::shop::slipText(closing.number)) {
+      std::cout << line << '\n';
+    }
+    return 0;
+  } catch (const tavelor::Error& error) {
+    std::cerr << error.what() << '\n';
+    return 1;
+  }
+}

@@ -1,0 +1,52 @@
+# SPDX-License-Identifier: MIT
+# What the fault runs share. A fault run does harm to a day's sales and asks whether, after the same
+# command has been given again, the shop is what it would have been without the harm.
+set -euo pipefail
+
+program=$(realpath "${TAVELOR:?set TAVELOR to the tavelor command}")
+# Sales to replay: none for the built-in day.
+sales=(${SALES:+--sales "$(realpath "$SALES")"} ${SALES_DAYS:+--to "$SALES_DAYS"})
+work=$(mktemp -d "${TMPDIR:-/tmp}/tavelor-faults-XXXXXX")
+trap 'rm -rf "$work"' EXIT
+
+fail() {
+  printf 'FAILED: %s\n' "$*" >&2
+  exit 1
+}
+
+# new_shop FOLDER: an installation with its catalogues.
+new_shop() {
+  "$program" new "$1" >/dev/null
+  "$program" seed "$1" >/dev/null
+}
+
+# day FOLDER ARGUMENT...: the day's sales and closings, compared with what was meant to be sold.
+day() {
+  local folder=$1
+  shift
+  "$program" day "$folder" "${sales[@]}" --tills "$tills" "$@"
+}
+
+# state FOLDER: what a shop comes to, whatever the order in which its tickets were numbered.
+state() {
+  local folder=$1 query
+  while IFS=: read -r database query; do
+    printf '%s: ' "$query"
+    "$program" -C "$folder" sql "$database" "$query" --csv | tail -n +2 | tr '\n' ' '
+    printf '\n'
+  done <<'END'
+documents:SELECT Count(*) AS n, Sum(Total) AS t, Min(Numero) AS a, Max(Numero) AS b FROM HTickets
+documents:SELECT Count(*) AS n FROM Tickets
+documents:SELECT Count(*) AS n, Sum(Cantidad) AS c, Sum(Importe) AS i FROM HTickets_Lineas
+documents:SELECT Count(*) AS n, Sum(Base) AS b, Sum(Importe) AS i FROM HTickets_Lineas_Impuestos
+documents:SELECT Count(*) AS n FROM HTickets_Cabecera
+documents:SELECT Count(*) AS n FROM HTickets_Comentarios
+main:SELECT Caja, Fecha, Base, Total, Saldo_Inicio, Saldo_Final FROM Cierres ORDER BY Caja, Fecha
+main:SELECT Movimiento, Count(*) AS n, Sum(Cantidad) AS c FROM Articulos_Movimientos_Almacen GROUP BY Movimiento
+main:SELECT Count(*) AS n, Sum(Existencia) AS e FROM Articulos
+main:SELECT Count(*) AS n, Sum(Cantidad) AS c FROM Articulos_Almacenes
+main:SELECT Ticket_a FROM Numeradores
+END
+}
+
+tills=${TILLS:-01,02,03}

@@ -1,0 +1,361 @@
+// SPDX-License-Identifier: MIT
+// tavelor day: sells what a file tells, closes the tills, and proves that nothing is missing.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <functional>
+#include <set>
+
+#include <fmt/format.h>
+
+#include "tavelor/platform/date_text.hpp"
+#include "tavelor/platform/format.hpp"
+#include "tavelor/platform/locale.hpp"
+#include "tavelor/platform/number_text.hpp"
+#include "tavelor/platform/variant.hpp"
+#include "tavelor/services/data_session.hpp"
+#include "tavelor/services/installation.hpp"
+#include "tools/command.hpp"
+#include "tools/interrupt.hpp"
+#include "tools/output.hpp"
+#include "tools/progress.hpp"
+#include "tools/refusals.hpp"
+#include "tools/sales_file.hpp"
+#include "tools/session.hpp"
+#include "tools/shop/built_in_day.hpp"
+#include "tools/shop/day_page.hpp"
+#include "tools/shop/receipt.hpp"
+#include "tools/shop/reconciliation.hpp"
+#include "tools/shop/shop.hpp"
+
+namespace tavelor::tools {
+
+namespace {
+
+constexpr const char* kFooter =
+    R"(Each sale becomes a ticket with its lines, takes its articles off the stock and
+writes their movements; articles that the shop does not know are made. When a day
+is over its tills are closed: the closing is stored, the tickets move to history,
+slip and page are written. At the end all of it is compared with the file.
+
+FILE is comma-separated values in UTF-8, plain or compressed by xz, with the columns
+InvoiceNo, StockCode, Quantity, InvoiceDate, UnitPrice (tax included) and, where
+they are there, Description, CustomerID, Country, Family, Tax (percent, else 21),
+Payment, Delivered, Till. A negative quantity is a return. Without a file a small
+day is sold that comes with the program.
+
+A sale that is there already, by its InvoiceNo, is not sold twice: after an
+interruption, of whatever kind, give the same command again. Several programs may
+sell at once, each at tills of its own (--only).
+
+  tavelor day shop
+  tavelor day shop --sales online-retail.csv.xz --tills 01,02,03 --to 2010-12-03
+  tavelor day shop --sales online-retail.csv.xz --tills 01,02,03 --only 02)";
+
+struct DayOptions {
+  std::string sales;
+  std::vector<std::string> tills = {"01", "02", "03"};
+  std::vector<std::string> only;
+  std::string from;
+  std::string to;
+  std::string report;
+};
+
+std::optional<Date> dayOption(const std::string& name, const std::string& text) {
+  if (text.empty()) return std::nullopt;
+  const std::optional<Date> day = parseSqlDate(text);
+  if (!day || text.size() != 10 || text[4] != '-') {
+    throw UsageError(fmt::format("{} is no day like 2010-12-31: {}", name, printable(text)));
+  }
+  return day;
+}
+
+std::string isoDay(Date day) {
+  const CivilTime civil = day.civil();
+  return fmt::format("{:04}-{:02}-{:02}", civil.year, civil.month, civil.day);
+}
+
+std::string counted(std::size_t count, std::string_view one, std::string_view many) {
+  return fmt::format("{} {}", count, count == 1 ? one : many);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Where sales come from
+
+/// Sales one after the other, and how far in the source they are.
+class Source {
+ public:
+  virtual ~Source() = default;
+  virtual bool next(shop::Sale& sale) = 0;
+  virtual std::uint64_t done() const = 0;
+  virtual std::uint64_t total() const = 0;
+  virtual std::vector<Refusal> refused() { return {}; }
+};
+
+class FileSource final : public Source {
+ public:
+  FileSource(const std::string& path, const SalesSelection& selection)
+      : total_(countRows(path)), file_(path, selection) {}
+
+  bool next(shop::Sale& sale) override { return file_.next(sale); }
+  std::uint64_t done() const override { return file_.linesRead(); }
+  std::uint64_t total() const override { return total_; }
+  std::vector<Refusal> refused() override { return file_.takeRefused(); }
+
+ private:
+  /// For the bar only: a fault of the file shows where it stands, when the sales before it are
+  /// sold.
+  static std::uint64_t countRows(const std::string& path) {
+    std::uint64_t rows = 0;
+    try {
+      CsvFile file(path);
+      CsvFile::Row row;
+      while (file.next(row)) ++rows;
+    } catch (const FileError&) {
+    }
+    return rows;
+  }
+
+  std::uint64_t total_;
+  SalesFile file_;
+};
+
+class BuiltInSource final : public Source {
+ public:
+  explicit BuiltInSource(const std::vector<std::string>& tills) : sales_(shop::builtInDay(tills)) {
+    for (const shop::Sale& sale : sales_) total_ += sale.lines.size();
+  }
+
+  bool next(shop::Sale& sale) override {
+    if (at_ == sales_.size()) return false;
+    sale = sales_[at_++];
+    done_ += sale.lines.size();
+    return true;
+  }
+  std::uint64_t done() const override { return done_; }
+  std::uint64_t total() const override { return total_; }
+
+ private:
+  std::vector<shop::Sale> sales_;
+  std::size_t at_ = 0;
+  std::uint64_t done_ = 0;
+  std::uint64_t total_ = 0;
+};
+
+// ---------------------------------------------------------------------------------------------
+// The work
+
+/// Sells at some tills, day after day.
+class Replay {
+ public:
+  Replay(Source& source, Refusals& refusals, std::vector<std::string> tills)
+      : source_(source), refusals_(refusals), tills_(std::move(tills)) {
+    mended_ = shop_.recover();
+    shop_.openTills(tills_);
+    shop_.writeMissingSlips();
+  }
+
+  /// To the end of the source, or until somebody interrupts it. What is not over then stays open.
+  void run() {
+    const Interruptible guard;
+    Progress progress(stderr, source_.total());
+    shop::Sale sale;
+    while (!Interruptible::interrupted()) {
+      const bool isMore = source_.next(sale);
+      refusals_.add(source_.refused());
+      if (!isMore) break;
+      if (std::find(tills_.begin(), tills_.end(), sale.till) != tills_.end()) take(sale);
+      progress.at(source_.done());
+    }
+    if (!Interruptible::interrupted()) closeDays(std::nullopt);
+  }
+
+  const shop::Recovered& mended() const { return mended_; }
+  std::size_t sold() const { return sold_; }
+  std::size_t known() const { return known_; }
+  std::uint64_t soldLines() const { return soldLines_; }
+  const std::vector<shop::Closing>& closings() const { return closings_; }
+  shop::Reconciliation& reconciliation() { return reconciliation_; }
+  /// First and last day with a sale.
+  std::optional<Date> first() const { return first_; }
+  std::optional<Date> last() const { return last_; }
+
+ private:
+  void take(const shop::Sale& sale) {
+    closeDays(sale.day);
+    reconciliation_.expect(sale);
+    if (shop_.sell(sale)) {
+      ++sold_;
+      soldLines_ += sale.lines.size();
+    } else {
+      ++known_;
+    }
+    open_.emplace(sale.day.days(), sale.till);
+    first_ = std::min(first_.value_or(sale.day), sale.day);
+    last_ = std::max(last_.value_or(sale.day), sale.day);
+  }
+
+  /// Closes all days with sales but one.
+  void closeDays(std::optional<Date> butOne) {
+    for (auto entry = open_.begin(); entry != open_.end();) {
+      const auto& [day, till] = *entry;
+      if (butOne && butOne->days() == day) {
+        ++entry;
+        continue;
+      }
+      if (const std::optional<shop::Closing> closing = shop_.close(till, Date(day))) {
+        closings_.push_back(*closing);
+      }
+      entry = open_.erase(entry);
+    }
+  }
+
+  shop::Shop shop_;
+  Source& source_;
+  Refusals& refusals_;
+  std::vector<std::string> tills_;
+  shop::Recovered mended_;
+  shop::Reconciliation reconciliation_;
+  std::set<std::pair<double, std::string>> open_;  // days and tills with sales, not closed
+  std::vector<shop::Closing> closings_;
+  std::size_t sold_ = 0;
+  std::size_t known_ = 0;
+  std::uint64_t soldLines_ = 0;
+  std::optional<Date> first_;
+  std::optional<Date> last_;
+};
+
+// ---------------------------------------------------------------------------------------------
+// The account
+
+/// Grams only where there are any.
+std::string unitsText(double units, const Locale& locale) {
+  const double grams = roundHalfAway(units, 3);
+  return format(grams, grams == std::trunc(grams) ? "#,##0" : "#,##0.000", locale);
+}
+
+void tellMended(const shop::Recovered& mended) {
+  if (!mended.sales.empty()) {
+    fmt::print("mended: stock moved for {} of an earlier run\n",
+               counted(mended.sales.size(), "ticket", "tickets"));
+  }
+  if (!mended.closings.empty()) {
+    fmt::print("mended: {} of an earlier run taken back\n",
+               counted(mended.closings.size(), "closing", "closings"));
+  }
+}
+
+void tellReconciliation(shop::Reconciliation& reconciliation, const Locale& locale) {
+  using shop::Reconciliation;
+  const auto whole = [&](std::int64_t count) { return format(count, "#,##0", locale); };
+  reconciliation.compare();
+  fmt::print("\n{:<12} {:>9} {:>9} {:>12} {:>15}\n", "", "tickets", "lines", "units", "euros");
+  for (std::size_t at = 0; at < Reconciliation::kPlaces; ++at) {
+    const auto place = static_cast<Reconciliation::Place>(at);
+    const shop::Tally& figures = reconciliation.total(place);
+    const bool countsTickets = place < Reconciliation::kClosings;
+    const bool countsLines = place != Reconciliation::kClosings;
+    fmt::print("{:<12} {:>9} {:>9} {:>12} {:>15}\n", Reconciliation::kNames[at],
+               countsTickets ? whole(figures.tickets) : "", countsLines ? whole(figures.lines) : "",
+               countsLines ? unitsText(figures.units, locale) : "",
+               format(static_cast<double>(figures.cents) / 100, "#,##0.00", locale));
+  }
+  constexpr std::size_t kShown = 20;
+  const auto& differences = reconciliation.differences();
+  if (differences.empty()) {
+    fmt::print("reconciled: {}, to the unit and to the cent\n",
+               counted(reconciliation.tillDays(), "till's day", "tills' days"));
+    return;
+  }
+  std::fflush(stdout);
+  for (std::size_t i = 0; i < std::min(kShown, differences.size()); ++i) {
+    const Reconciliation::Difference& difference = differences[i];
+    fmt::print(stderr, "till {}, {}, {}: {}\n", printable(difference.till), isoDay(difference.day),
+               Reconciliation::kNames[difference.place], difference.what);
+  }
+  throw FileError(fmt::format("{} between the sales and the shop",
+                              counted(differences.size(), "difference", "differences")));
+}
+
+void tellClosings(const std::vector<shop::Closing>& closings) {
+  if (closings.empty()) return;
+  fmt::print("\n");
+  for (const std::string& line : shop::slipText(closings.back().number)) fmt::print("  {}\n", line);
+  fmt::print("slips: {} to {}\n", shop::slipPath(closings.front().number),
+             shop::slipPath(closings.back().number));
+}
+
+void replay(const DayOptions& options, const Common& common) {
+  const Session session(common);
+  const std::vector<std::string>& own = options.only.empty() ? options.tills : options.only;
+  for (const std::string& till : own) {
+    if (std::find(options.tills.begin(), options.tills.end(), till) == options.tills.end()) {
+      throw UsageError(fmt::format("--only names a till that --tills does not: {}", till));
+    }
+  }
+  std::unique_ptr<Source> source;
+  if (options.sales.empty()) {
+    source = std::make_unique<BuiltInSource>(options.tills);
+  } else {
+    source = std::make_unique<FileSource>(options.sales,
+                                          SalesSelection{.tills = options.tills,
+                                                         .from = dayOption("--from", options.from),
+                                                         .to = dayOption("--to", options.to)});
+  }
+  Refusals refusals(options.report, options.sales);
+
+  const auto began = std::chrono::steady_clock::now();
+  Replay replay(*source, refusals, own);
+  tellMended(replay.mended());
+  std::fflush(stdout);
+  std::string fault;
+  try {
+    replay.run();
+  } catch (const FileError& error) {
+    fault = error.what();  // told at the end: what was sold before it is a good account
+  }
+  const double seconds =
+      std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
+
+  refusals.print();
+  fmt::print("{} sold with {} in {:.1f} s, {:.0f} lines/s; {} were there; {} closed; {} refused\n",
+             counted(replay.sold(), "sale", "sales"), counted(replay.soldLines(), "line", "lines"),
+             seconds, static_cast<double>(replay.soldLines()) / std::max(seconds, 1e-6),
+             replay.known(), counted(replay.closings().size(), "till", "tills"),
+             counted(refusals.count(), "line", "lines"));
+  if (Interruptible::interrupted()) {
+    throw FileError("interrupted; the same command goes on with the rest");
+  }
+  if (!fault.empty()) throw FileError(fault + "; what was complete before that is sold");
+  tellClosings(replay.closings());
+  if (replay.first()) {
+    fmt::print("page:  {}\n", shop::writeDayPage(*replay.first(), *replay.last()));
+  }
+  tellReconciliation(replay.reconciliation(), session.locale());
+}
+
+}  // namespace
+
+void addDay(CLI::App& app, Common& common) {
+  CLI::App* command = app.add_subcommand("day", "Sell a day, or a file of sales, and close it");
+  auto options = std::make_shared<DayOptions>();
+  command->add_option("folder", common.folder, "Folder of the installation")->type_name("FOLDER");
+  command->add_option("--sales", options->sales, "The file; else the day of the program")
+      ->type_name("FILE");
+  command->add_option("--tills", options->tills, "The shop's tills; a sale's number picks its own")
+      ->delimiter(',')
+      ->type_name("TILL,...");
+  command->add_option("--only", options->only, "Those that this program sells at; else all")
+      ->delimiter(',')
+      ->type_name("TILL,...");
+  command->add_option("--from", options->from, "First day of the file")->type_name("DAY");
+  command->add_option("--to", options->to, "Last day")->type_name("DAY");
+  command->add_option("--report", options->report, "Write all refused lines to this file")
+      ->type_name("FILE");
+  addInstallationOptions(*command, common);
+  command->footer(kFooter);
+  command->callback([options, &common] { replay(*options, common); });
+}
+
+}  // namespace tavelor::tools

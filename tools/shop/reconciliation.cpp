@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: MIT
+// Reads a day at a time, so that no more than a day lies in memory.
+#include "tools/shop/reconciliation.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <unordered_map>
+
+#include <fmt/format.h>
+
+#include "tavelor/frame/reading.hpp"
+#include "tavelor/platform/number_text.hpp"
+#include "tavelor/platform/statement.hpp"
+#include "tavelor/services/data_session.hpp"
+#include "tavelor/services/recordset/connection.hpp"
+#include "tavelor/services/recordset/recordset.hpp"
+#include "tools/shop/shop.hpp"
+
+namespace tavelor::shop {
+
+namespace {
+
+std::int64_t cents(double euros) {
+  return std::llround(roundHalfAway(euros, 2) * 100);
+}
+
+std::string money(std::int64_t amount) {
+  return fmt::format("{}{}.{:02}", amount < 0 ? "-" : "", std::abs(amount) / 100,
+                     std::abs(amount) % 100);
+}
+
+double numberIn(Recordset& rows, std::string_view column) {
+  double value = 0;
+  take(rows, column, value);
+  return value;
+}
+
+std::string textIn(Recordset& rows, std::string_view column) {
+  std::string value;
+  take(rows, column, value);
+  return value;
+}
+
+}  // namespace
+
+Tally& Tally::operator+=(const Tally& other) {
+  tickets += other.tickets;
+  lines += other.lines;
+  units += other.units;
+  cents += other.cents;
+  return *this;
+}
+
+void Reconciliation::expect(const Sale& sale) {
+  Tally figures{.tickets = 1, .lines = static_cast<std::int64_t>(sale.lines.size())};
+  for (const SaleLine& line : sale.lines) {
+    figures.units += line.quantity;
+    figures.cents += shop::cents(line.amount());
+  }
+  meant_[{sale.day.days(), sale.till}] += figures;
+}
+
+/// What the installation has of one day, by till.
+class Reconciliation::Day {
+ public:
+  explicit Day(double day)
+      : day_(sqlNumber(day, 0)),
+        main_(DataSession().OpenConnection(selector::kMain)),
+        documents_(DataSession().OpenConnection(selector::kDocuments)) {
+    readTickets("Tickets", false);
+    readTickets("HTickets", true);
+    readClosings();
+    readMovements();
+  }
+
+  PlaceTallies of(const std::string& till) const {
+    const auto found = tills_.find(till);
+    return found == tills_.end() ? PlaceTallies{} : found->second;
+  }
+
+ private:
+  RecordsetPtr read(int selector, const Statement& statement) {
+    RecordsetPtr rows;
+    DataSession().OpenRecordset(selector, statement, rows,
+                                selector == selector::kMain ? main_ : documents_);
+    return rows;
+  }
+
+  void add(const std::string& till, bool isHistory, const Tally& figures) {
+    tills_[till][kTickets] += figures;
+    if (isHistory) tills_[till][kHistory] += figures;
+  }
+
+  void readTickets(std::string_view table, bool isHistory) {
+    Statement tickets("SELECT Numero, Caja, Total FROM ");
+    tickets << table << " WHERE Fecha = " << value(day_);
+    for (const RecordsetPtr rows = read(selector::kDocuments, tickets); !rows->Eof();
+         rows->MoveNext()) {
+      const std::string till = textIn(*rows, "Caja");
+      tillOf_[numberIn(*rows, "Numero")] = till;
+      add(till, isHistory, {.tickets = 1, .cents = cents(numberIn(*rows, "Total"))});
+    }
+    Statement lines("SELECT Caja, Count(*) AS Lineas, Sum(Cantidad) AS Unidades FROM ");
+    lines << table << " INNER JOIN " << table << "_Lineas ON " << table << ".Numero = " << table
+          << "_Lineas.Numero WHERE Fecha = " << value(day_) << " GROUP BY Caja";
+    for (const RecordsetPtr rows = read(selector::kDocuments, lines); !rows->Eof();
+         rows->MoveNext()) {
+      add(textIn(*rows, "Caja"), isHistory,
+          {.lines = static_cast<std::int64_t>(numberIn(*rows, "Lineas")),
+           .units = numberIn(*rows, "Unidades")});
+    }
+  }
+
+  void readClosings() {
+    Statement statement("SELECT Caja, Sum(Total + Credito) AS Ventas FROM Cierres WHERE Fecha = ");
+    statement << value(day_) << " GROUP BY Caja";
+    for (const RecordsetPtr rows = read(selector::kMain, statement); !rows->Eof();
+         rows->MoveNext()) {
+      tills_[textIn(*rows, "Caja")][kClosings] += {.cents = cents(numberIn(*rows, "Ventas"))};
+    }
+  }
+
+  void readMovements() {
+    if (tillOf_.empty()) return;
+    Statement statement(
+        "SELECT Doc_E, Movimiento, Cantidad, Precio FROM Articulos_Movimientos_Almacen WHERE ");
+    statement << "Estado = " << value(std::to_string(kTicketKind))
+              << " AND Doc_E >= " << value(sqlNumber(tillOf_.begin()->first, 0))
+              << " AND Doc_E <= " << value(sqlNumber(tillOf_.rbegin()->first, 0));
+    for (const RecordsetPtr rows = read(selector::kMain, statement); !rows->Eof();
+         rows->MoveNext()) {
+      const auto ticket = tillOf_.find(numberIn(*rows, "Doc_E"));
+      if (ticket == tillOf_.end()) continue;
+      const bool isExit = numberIn(*rows, "Movimiento") != 0;
+      const double units = numberIn(*rows, "Cantidad") * (isExit ? 1 : -1);
+      tills_[ticket->second][kMovements] +=
+          {.lines = 1, .units = units, .cents = cents(units * numberIn(*rows, "Precio"))};
+    }
+  }
+
+  std::string day_;
+  ConnectionPtr main_;
+  ConnectionPtr documents_;
+  std::map<double, std::string> tillOf_;  // by ticket
+  std::unordered_map<std::string, PlaceTallies> tills_;
+};
+
+void Reconciliation::compare() {
+  totals_ = {};
+  differences_.clear();
+  for (auto begin = meant_.begin(); begin != meant_.end();) {
+    const double date = begin->first.first;
+    const Day day(date);
+    auto end = begin;
+    for (; end != meant_.end() && end->first.first == date; ++end) {
+      PlaceTallies found = day.of(end->first.second);
+      found[kMeant] = end->second;
+      judge(end->first, found);
+    }
+    begin = end;
+  }
+}
+
+void Reconciliation::judge(const TillDay& key, const PlaceTallies& found) {
+  const Tally& meant = found[kMeant];
+  for (std::size_t place = 0; place < kPlaces; ++place) totals_[place] += found[place];
+  const auto differ = [&](Place place, std::string_view what, const std::string& has,
+                          const std::string& wanted) {
+    if (has == wanted) return;
+    differences_.push_back({key.second, Date(key.first), place,
+                            fmt::format("{} {} where {} were sold", has, what, wanted)});
+  };
+  for (const Place place : {kTickets, kHistory, kClosings, kMovements}) {
+    const Tally& has = found[place];
+    const bool tellsTickets = place == kTickets || place == kHistory;
+    if (tellsTickets) {
+      differ(place, "tickets", std::to_string(has.tickets), std::to_string(meant.tickets));
+    }
+    if (place != kClosings) {
+      differ(place, "lines", std::to_string(has.lines), std::to_string(meant.lines));
+      differ(place, "units", sqlNumber(has.units), sqlNumber(meant.units));
+    }
+    differ(place, "euros", money(has.cents), money(meant.cents));
+  }
+}
+
+}  // namespace tavelor::shop
