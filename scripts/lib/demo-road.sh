@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# The main road of the tavelor command, in an installation of its own that is gone afterwards:
-# banks are made, changed, looked up, and attacked. Called by scripts/demo once the command is built.
+# The main job, a day at the till, in a shop that stays in build/demo until the next time. Called by
+# scripts/demo once the command is built.
 source "$(dirname "$0")/common.sh"
 
 program=${TAVELOR:-build/release/tools/tavelor}
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
+folder=build/demo
+rm -rf "$folder"
+mkdir -p "$folder"
 export TAVELOR_HOME=$folder/shop
 
 tell() { printf '\n# %s\n' "$*"; }
@@ -16,39 +17,33 @@ tavelor() {
   local argument
   for argument in "$@"; do
     if [[ $argument =~ ^[[:alnum:]_.,/=-]+$ ]]; then
-      printf ' %s' "${argument/#$folder\//}"
+      printf ' %s' "$argument"
     else
       printf ' "%s"' "$argument"
     fi
   done
   printf '\n'
-  "$program" "$@" 2>&1 | sed "s|$folder/||g"
+  "$program" "$@" 2>&1 | sed "s|$PWD/||g"
 }
 
-tell "An installation is one folder."
+tell "An installation is one folder, with what a shop needs on its first day."
 tavelor new "$TAVELOR_HOME"
-
-tell "What a shop needs on its first day: taxes, payments, a till, a warehouse, this year's counters."
 tavelor seed "$TAVELOR_HOME"
 
-tell "Two banks, by the quick creation that other forms use. Codes are proposed and padded."
-tavelor call ClsBancos CrearBanco "" "Banco de Ahorro"
-tavelor call ClsBancos CrearBanco "" "Caja Rural"
+tell "A day at three tills: every sale moves its stock, every till is closed, nothing is missing."
+tavelor day "$TAVELOR_HOME"
 
-tell "The first becomes the default one: opened, changed and written as a form does it."
-tavelor edit ClsBancos --id "00001 " IBAN=ES7921000813610123456789 Swift=CAIXESBBXXX \
-  Predeterminada=True --columns Código,IBAN,Swift,Predeterminada
-tavelor browse ClsBancos --columns Código,Descripción,Predeterminada --sort "Descripción DESC"
+tell "The same day again sells nothing twice."
+tavelor day "$TAVELOR_HOME" | sed -n '1,2p;$p'
 
-tell "Business members, called by name: the default bank, IBAN and BIC, the account on a document."
-tavelor call ClsBancos GetPredeterminada
-tavelor call ClsBancos GetIbanBic "00001 "
-tavelor call ClsBancos GetValor "00002 "
-tavelor call ClsBancos NuevoCodigo
+tell "A ticket as its receipt, from history, and the four places that hold the stock of an article."
+tavelor ticket 17
+tavelor stock PAN001
 
-tell "A value can break its statement, and do nothing else."
+tell "Any class, any member, by name. A value can break its statement, and do nothing else."
+tavelor call ClsCierres SaldoAnterior "20/11/2026" 01 "" "" 0
+tavelor call ClsTickets CodigoLibre 17
 tavelor call ClsBancos GetWeb "' OR '1'='1" || true
-tavelor sql main "SELECT Bnco FROM Bancos" || true
 
 tell "What ran, as the classes joined it."
-tavelor browse ClsBancos --mode registro --id "00002 " --columns Código,Descripción --trace
+tavelor browse ClsCierres --columns Código,Caja,Total,Saldo --trace

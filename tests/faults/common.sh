@@ -27,12 +27,15 @@ day() {
   "$program" day "$folder" "${sales[@]}" --tills "$tills" "$@"
 }
 
+# number: the value of a statement with one.
+number() { tail -n 1 | tr -d '\r'; }
+
 # state FOLDER: what a shop comes to, whatever the order in which its tickets were numbered.
 state() {
   local folder=$1 query
   while IFS=: read -r database query; do
     printf '%s: ' "$query"
-    "$program" -C "$folder" sql "$database" "$query" --csv | tail -n +2 | tr '\n' ' '
+    "$program" -C "$folder" sql "$database" "$query" --csv | tail -n +2 | tr '\r\n' '  '
     printf '\n'
   done <<'END'
 documents:SELECT Count(*) AS n, Sum(Total) AS t, Min(Numero) AS a, Max(Numero) AS b FROM HTickets

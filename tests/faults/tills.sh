@@ -25,8 +25,8 @@ for programs in "$@"; do
     wait "${jobs[i]}" || { cat "$work/out$i"; fail "program $i of $programs does not reconcile"; }
   done
   microseconds=$(( ($(date +%s%N) - begin) / 1000 ))
-  lines=$("$program" -C "$shop" sql documents "SELECT Count(*) AS n FROM HTickets_Lineas" --csv | tail -n 1)
-  printf '%9d %8.1f %9d\n' "$programs" "$(bc <<<"scale=3; $microseconds / 1000000")" \
+  lines=$("$program" -C "$shop" sql documents "SELECT Count(*) AS n FROM HTickets_Lineas" --csv | number)
+  printf '%9d %8s %9d\n' "$programs" "$(( microseconds / 1000000 )).$(( microseconds / 100000 % 10 ))" \
     $(( lines * 1000000 / microseconds ))
   state "$shop" >"$work/state$programs"
   diff "$work/state$1" "$work/state$programs" || fail "$programs programs leave another shop than $1"

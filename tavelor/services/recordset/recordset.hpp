@@ -175,9 +175,9 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   /// file beside it: after an error the old file is as it was. The cursor goes to the first row.
   void Save(const std::string& path);
   std::string SaveXml();
-  /// Opens a set from what Save wrote. Raises 53 for a missing file, 75 for one that cannot be read,
-  /// 3001 with the place for a text that is no record set. `locale`: by which later assignments read
-  /// texts; null is Spanish.
+  /// Opens a set from what Save wrote. Raises 53 for a missing file, 75 for one that cannot be
+  /// read, 3001 with the place for a text that is no record set. `locale`: by which later
+  /// assignments read texts; null is Spanish.
   static RecordsetPtr OpenFile(const std::string& path,
                                const std::shared_ptr<const Locale>& locale = {});
   static RecordsetPtr LoadXml(std::string_view xml,
