@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A ticket with five lines, stock and counter in one transaction: what a till does all day.
+// A ticket with five lines, their stock and movements, and the counter, in one transaction: what a
+// till does all day.
 #include <array>
 #include <stdexcept>
 #include <string>
@@ -19,6 +20,7 @@ namespace {
 
 constexpr std::size_t kLines = 5;
 constexpr std::size_t kArticles = 5'000;
+constexpr Date kTime(0.4375);  // 10:30
 
 struct Line {
   std::string article;
@@ -65,6 +67,11 @@ constexpr const char* kTables =
     "CREATE INDEX IX_Ventas_Lineas ON Ventas_Lineas (Documento);"
     "CREATE TABLE Existencias (Codigo TEXT(50) NOT NULL, Existencia DOUBLE DEFAULT 0, "
     "Actualizar_Stock BIT NOT NULL DEFAULT 0, CONSTRAINT PK_Existencias PRIMARY KEY (Codigo));"
+    "CREATE TABLE Movimientos (Id LONG NOT NULL, Fecha DATETIME, Hora DATETIME, Almacen TEXT(10), "
+    "Codigo TEXT(50), Cantidad DOUBLE DEFAULT 0, Precio CURRENCY DEFAULT 0, Movimiento SHORT "
+    "DEFAULT 0, Documento DOUBLE, CONSTRAINT PK_Movimientos PRIMARY KEY (Id));"
+    "CREATE INDEX IX_Movimientos_Codigo ON Movimientos (Codigo, Fecha);"
+    "CREATE INDEX IX_Movimientos_Documento ON Movimientos (Documento);"
     "CREATE TABLE Contadores (Codigo TEXT(3) NOT NULL, Ticket_a DOUBLE, CONSTRAINT PK_Contadores "
     "PRIMARY KEY (Codigo));";
 
@@ -84,6 +91,9 @@ class SaleByHand {
         stock_(
             database.prepare("UPDATE Existencias SET Existencia = Existencia + ? WHERE Codigo = ? "
                              "AND Actualizar_Stock <> 0")),
+        movement_(database.prepare(
+            "INSERT INTO Movimientos (Id, Fecha, Hora, Almacen, Codigo, Cantidad, Precio, "
+            "Movimiento, Documento) VALUES (?,?,?,?,?,?,?,?,?)")),
         counter_(database.prepare("UPDATE Contadores SET Ticket_a = ? WHERE Codigo = ?")) {}
 
   void sell(const Sale& sale) {
@@ -100,12 +110,18 @@ class SaleByHand {
       line_.bind(4, Text(line.description)).bind(5, line.quantity).bind(6, line.price);
       line_.bind(7, line.amount).bind(8, 21.0).bind(9, Text("00")).run();
       stock_.bind(1, -line.quantity).bind(2, Text(line.article)).run();
+      movement_.bind(1, ++movements_).bind(2, sale.date.days()).bind(3, kTime.days());
+      movement_.bind(4, Text("00")).bind(5, Text(line.article)).bind(6, line.quantity);
+      movement_.bind(7, line.price).bind(8, std::int64_t{1}).bind(9, sale.number).run();
     }
     counter_.bind(1, sale.number).bind(2, Text("1")).run();
     commit_.run();
   }
 
-  double sold() { return database_.prepare("SELECT COUNT(*) FROM Ventas_Lineas").firstNumber(); }
+  double sold() {
+    return database_.prepare("SELECT COUNT(*) FROM Ventas_Lineas").firstNumber() +
+           database_.prepare("SELECT SUM(Cantidad) FROM Movimientos").firstNumber();
+  }
 
  private:
   driver::Database& database_;
@@ -114,7 +130,9 @@ class SaleByHand {
   driver::Query ticket_;
   driver::Query line_;
   driver::Query stock_;
+  driver::Query movement_;
   driver::Query counter_;
+  std::int64_t movements_ = 0;
 };
 
 /// As the classes do it: every value printed and spliced, a DataSession a member.
@@ -150,6 +168,16 @@ class SaleBySplicing {
       stock << value(sqlNumber(-line.quantity)) << " WHERE(Codigo ='" << value(line.article)
             << "' and Actualizar_Stock <> 0)";
       run(stock);
+      Statement movement(
+          "INSERT INTO Movimientos (Id, Fecha, Hora, Almacen, Codigo, Cantidad, Precio, "
+          "Movimiento, Documento) VALUES (");
+      movement << value(std::to_string(++movements_)) << ", "
+               << value(DataSession().DateLiteral(1, Variant(sale.date))) << ", "
+               << value(DataSession().TimeLiteral(1, Variant(kTime))) << ", '" << value("00")
+               << "', '" << value(line.article) << "', " << value(quantity) << ", "
+               << value(sqlNumber(line.price)) << ", " << value("1") << ", " << value(number)
+               << ")";
+      run(movement);
     }
     Statement counter("UPDATE Contadores SET Ticket_a = ");
     counter << value(number) << " WHERE Codigo = '" << value("1") << "'";
@@ -158,13 +186,17 @@ class SaleBySplicing {
   }
 
   double sold(BenchShop& shop) {
-    const RecordsetPtr rows = shop.open("SELECT COUNT(*) AS n FROM Ventas_Lineas");
-    return rows->Field("n").Value().toDouble(*shop.installation().locale());
+    const auto number = [&](const char* statement) {
+      return shop.open(statement)->Field(0).Value().toDouble(*shop.installation().locale());
+    };
+    return number("SELECT COUNT(*) AS n FROM Ventas_Lineas") +
+           number("SELECT SUM(Cantidad) AS n FROM Movimientos");
   }
 
  private:
   void run(const Statement& statement) { DataSession().Execute(1, statement, connection_); }
   ConnectionPtr connection_;
+  std::int64_t movements_ = 0;
 };
 
 void measureWith(Report& report, const Scale& scale, bool synchronous) {
