@@ -190,6 +190,7 @@ void Parser::enter() {
 /// A SELECT in parentheses; the ';' that some statements leave before the ')' is ignored.
 Select* Parser::subSelect() {
   enter();
+  if (!isWord(Word::kSelect)) failExpected("SELECT");
   Select* select = selectStatement();
   acceptSymbol(Symbol::kSemicolon);
   --nesting_;
