@@ -196,8 +196,9 @@ class Replay {
     last_ = std::max(last_.value_or(sale.day), sale.day);
   }
 
-  /// Closes all days with sales but one.
+  /// Closes all days with sales but one, and writes the page of each.
   void closeDays(std::optional<Date> butOne) {
+    std::set<double> closed;
     for (auto entry = open_.begin(); entry != open_.end();) {
       const auto& [day, till] = *entry;
       if (butOne && butOne->days() == day) {
@@ -206,9 +207,11 @@ class Replay {
       }
       if (const std::optional<shop::Closing> closing = shop_.close(till, Date(day))) {
         closings_.push_back(*closing);
+        closed.insert(day);
       }
       entry = open_.erase(entry);
     }
+    for (const double day : closed) shop::writeDayPage(Date(day), Date(day));
   }
 
   shop::Shop shop_;
