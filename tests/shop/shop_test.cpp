@@ -276,19 +276,68 @@ TEST_F(ShopTest, AClosingWithoutItsTicketsIsTakenBackByTheNextOne) {
   EXPECT_EQ(main("SELECT Count(*) FROM Cierres_Familias WHERE Importe = 99"), "0");
 }
 
-TEST_F(ShopTest, RecoverTakesBackAnyClosingWithoutItsTickets) {
+TEST_F(ShopTest, RecoverTakesBackAnyClosingWhoseTicketsAreOpen) {
   Shop shop;
   shop.sell(saleOf("V1", {bread()}, "01"));
   shop.close("01", Date::of(2026, 11, 20));
-  place_.run("INSERT INTO Cierres (Codigo, Caja, Facturado) VALUES (2, '01', 0)");
-  place_.run("INSERT INTO Cierres_Familias (Cierre, Familia, Importe) VALUES (2, 'PAN', 99)");
-  place_.run("INSERT INTO Cierres (Codigo, Caja, Facturado) VALUES (3, '01', 5)");
-  place_.run("INSERT INTO Cierres_Familias (Cierre, Familia, Importe) VALUES (3, 'PAN', 99)");
-  place_.run("INSERT INTO Cierres (Codigo, Caja, Facturado) VALUES (4, '01', 0)");
+  shop.sell(saleOf("V2", {bread()}, "01"));
+  const auto closing = [&](const std::string& number, const std::string& invoiced) {
+    place_.run("INSERT INTO Cierres (Codigo, Caja, Fecha, Facturado) VALUES (" + number +
+               ", '01', #11/20/2026#, " + invoiced + ")");
+  };
+  const auto family = [&](const std::string& number) {
+    place_.run("INSERT INTO Cierres_Familias (Cierre, Familia, Importe) VALUES (" + number +
+               ", 'PAN', 99)");
+  };
+  closing("2", "0");
+  family("2");
+  closing("3", "5");
+  family("3");
+  closing("4", "0");
+  place_.run("INSERT INTO Cierres (Codigo, Facturado) VALUES (5, 0)");  // of no till and day
+  family("5");
 
   EXPECT_THAT(shop.recover().closings, ElementsAre(2));
   EXPECT_THAT(shop.recover().closings, IsEmpty())
-      << "an invoiced one stays, and one that never had any lines";
+      << "an invoiced one stays, one that never had any lines, and one of no day";
+}
+
+TEST_F(ShopTest, AClosingWhoseHistoryWasPutAwayStays) {
+  Shop shop;
+  shop.sell(saleOf("V1", {bread()}, "01"));
+  shop.close("01", Date::of(2026, 11, 20));
+  place_.run("DELETE FROM HTickets", kDocuments);
+  shop.sell(saleOf("V2", {bread()}, "02"));
+
+  EXPECT_THAT(shop.recover().closings, IsEmpty());
+  EXPECT_EQ(shop.close("02", Date::of(2026, 11, 20))->number, 2);
+  EXPECT_EQ(main("SELECT Saldo_Final FROM Cierres WHERE Codigo = 1"), "2,42");
+}
+
+TEST_F(ShopTest, CountersOfOtherSeriesStayWhereTheyWereSetWhenASaleIsFinished) {
+  place_.run("UPDATE Numeradores SET Ticket_a = 0, Ticket_b = 70000, Ticket_c = 80000");
+  Shop shop;
+  shop.sell(saleOf("V1", {bread()}));
+  forgetStockOf(place_, "1");
+
+  EXPECT_THAT(shop.recover().sales, ElementsAre(1));
+
+  EXPECT_EQ(main("SELECT Ticket_a FROM Numeradores"), "1");
+  EXPECT_EQ(main("SELECT Ticket_b FROM Numeradores"), "70000");
+  EXPECT_EQ(main("SELECT Ticket_c FROM Numeradores"), "80000");
+}
+
+TEST_F(ShopTest, ATillWithAQuoteInItsNameIsClosedLikeAnyOther) {
+  Shop shop;
+  shop.openTills({"n'1"});
+  shop.sell(saleOf("V1", {bread()}, "n'1"));
+  shop.close("n'1", Date::of(2026, 11, 20));
+  shop.sell(saleOf("V2", {bread()}, "n'1"));
+
+  EXPECT_EQ(shop.close("n'1", Date::of(2026, 11, 20))->tickets, 1U);
+
+  EXPECT_EQ(main("SELECT Saldo_Inicio FROM Cierres WHERE Codigo = 2"), "2,42");
+  EXPECT_EQ(main("SELECT Caja FROM Cierres WHERE Codigo = 2"), "n'1");
 }
 
 TEST_F(ShopTest, TillsThatTheCatalogueDoesNotHaveAreAdded) {

@@ -80,9 +80,10 @@ std::optional<double> Shop::sell(const Sale& sale) {
   openTickets();
   try {
     BothDatabases transaction(main_, documents_);
+    const Counters counters = startedCounters(transaction);
     if (isSold(sale.reference)) return std::nullopt;
     Recovered recovered;
-    const Counters next = settle(recovered);
+    const Counters next = settle(counters, recovered);
     writeTicket(sale, next.a);
     moveStock(sale, next.a);
     useNumber(next);

@@ -27,6 +27,8 @@ namespace tavelor::shop {
 /// The kind of document that a ticket is to the ledger of movements (its column Estado).
 inline constexpr std::int16_t kTicketKind = 1;
 
+class BothDatabases;
+
 /// A closing that was made.
 struct Closing {
   double number = 0;
@@ -105,11 +107,12 @@ class Shop {
   void moveToHistory(double closing);
   void writeSlip(double closing);
 
-  Counters settle(Recovered& recovered);
+  Counters startedCounters(BothDatabases& transaction);
+  Counters settle(Counters next, Recovered& recovered);
   void finishSales(double first, Recovered& recovered);
   Sale storedSale(double ticket);
   void takeBackClosings(const Statement& candidates, Recovered& recovered);
-  bool isWithoutTickets(double closing);
+  bool isUnfinished(double closing);
 
   ConnectionPtr main_;
   ConnectionPtr documents_;

@@ -30,7 +30,7 @@ std::optional<Closing> Shop::close(const std::string& till, Date day) {
   {
     BothDatabases transaction(main_, documents_);
     Recovered recovered;
-    settle(recovered);
+    settle(startedCounters(transaction), recovered);
     takeBackClosings(Statement("SELECT MAX(Codigo) FROM Cierres"), recovered);
     const std::vector<Variant> sold = openTicketsOf(till, day);
     if (!sold.empty()) {
@@ -48,10 +48,11 @@ std::optional<Closing> Shop::close(const std::string& till, Date day) {
 }
 
 std::vector<Variant> Shop::openTicketsOf(const std::string& till, Date day) {
+  const std::string code = doubledQuotes(till);
   std::vector<Variant> numbers =
-      tickets_.ObtenerCol(day, day, till, kNobody, kSeries, false, documents_);
+      tickets_.ObtenerCol(day, day, code, kNobody, kSeries, false, documents_);
   const std::vector<Variant> credit =
-      tickets_.ObtenerColCredito(day, day, till, kNobody, kSeries, false, documents_);
+      tickets_.ObtenerColCredito(day, day, code, kNobody, kSeries, false, documents_);
   numbers.insert(numbers.end(), credit.begin(), credit.end());
   return numbers;
 }
@@ -68,41 +69,40 @@ void Shop::mark(const Variant& ticket, double closing) {
 /// The closing and its details, from the sums over the tickets that are marked and still live.
 /// Gives their total.
 double Shop::writeClosing(double closing, const std::string& till, Date day) {
-  const std::string series(kSeries), nobody(kNobody);
+  const std::string series(kSeries), nobody(kNobody), code = doubledQuotes(till);
   ClsTickets::VentasTramo cash{.dtFechaIni = day,
                                .dtFechaFin = day,
-                               .sCaja = till,
+                               .sCaja = code,
                                .sEmpleado = nobody,
                                .sSerie = series,
                                .objCn = documents_};
   tickets_.VentasTotalContado(cash);
   ClsTickets::Entregas money{.dtFechaIni = day,
                              .dtFechaFin = day,
-                             .sCaja = till,
+                             .sCaja = code,
                              .sEmpleado = nobody,
                              .sSerie = series,
                              .objCn = documents_};
   tickets_.VentasEntregas(money);
   double paid = 0, credit = 0;
-  tickets_.VentasContado(day, day, till, nobody, series, paid, false, documents_);
-  tickets_.VentasCredito(day, day, till, nobody, series, credit, false, documents_);
+  tickets_.VentasContado(day, day, code, nobody, series, paid, false, documents_);
+  tickets_.VentasCredito(day, day, code, nobody, series, credit, false, documents_);
 
   const auto payments = tickets_.SumColLinTotalFpagoTickets(closing, documents_);
   double intoTill = 0;
   for (std::int32_t i = 1; i <= payments->Count(); ++i) {
     const ClsRegTicketsPtr payment = payments->Item(i);
-    const std::string code = text(payment->Codigo);
-    if (isCash(code, main_)) intoTill += number(payment->Importe);
+    if (isCash(text(payment->Codigo), main_)) intoTill += number(payment->Importe);
   }
   double balance = 0;
-  closings_.SaldoAnterior(day, till, nobody, series, balance, main_);
+  closings_.SaldoAnterior(day, code, nobody, series, balance, main_);
 
   const auto cents = [](double amount) { return roundHalfAway(amount, 2); };
   closings_.Insertar({.vId = closing,
                       .sSerie = series,
                       .dtFecha = day,
-                      .sDescripcion = "Cierre de caja " + doubledQuotes(till),
-                      .sCaja = doubledQuotes(till),
+                      .sDescripcion = "Cierre de caja " + code,
+                      .sCaja = code,
                       .sEmpleado = nobody,
                       // What stays of the money that was handed over; the slip calls it the total.
                       .dEntrega = cents(money.dVentasEntregasContado - money.dVentasEntregasCambio),

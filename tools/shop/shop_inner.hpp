@@ -60,6 +60,14 @@ class BothDatabases {
 
   BothDatabases(const ConnectionPtr& main, const ConnectionPtr& documents)
       : main_(main), documents_(documents) {
+    begin();
+  }
+  ~BothDatabases() { undo(); }
+  BothDatabases(const BothDatabases&) = delete;
+  BothDatabases& operator=(const BothDatabases&) = delete;
+
+  /// Once more, after commit().
+  void begin() {
     main_->BeginTrans();
     mainOpen_ = true;
     try {
@@ -70,9 +78,6 @@ class BothDatabases {
     }
     documentsOpen_ = true;
   }
-  ~BothDatabases() { undo(); }
-  BothDatabases(const BothDatabases&) = delete;
-  BothDatabases& operator=(const BothDatabases&) = delete;
 
   void commit(First first) {
     if (first == First::kMain) commitMain();

@@ -11,27 +11,39 @@ Recovered Shop::recover() {
   openTickets();
   Recovered recovered;
   BothDatabases transaction(main_, documents_);
-  settle(recovered);
+  settle(startedCounters(transaction), recovered);
   takeBackClosings(Statement("SELECT DISTINCT Cierre FROM Cierres_Familias"), recovered);
   transaction.commit(BothDatabases::First::kMain);
   return recovered;
 }
 
-/// Gives the next numbers, of which that of the series in use is free. Tickets that are ahead of
-/// the counter have not moved their stock; of a year without numbers yet, the counters are made
-/// from the tickets.
-Shop::Counters Shop::settle(Recovered& recovered) {
+/// The next numbers by the counters alone. A period that has none gets them from the tickets, and
+/// they are stored before anything else is: only where a counter stands can a ticket be ahead of
+/// it.
+Shop::Counters Shop::startedCounters(BothDatabases& transaction) {
   constexpr double kUnused = -1;
-  const double written = number(tickets_.NuevoCodigo(kSeries, documents_));
-  Counters next{0, kUnused, kUnused};
-  tickets_.GetNumerador(next.a, next.b, next.c, main_);
-  const bool isUnused = next.b == kUnused || next.c == kUnused;
-  if (!isUnused && next.a == written) {
-    // The road of every sale: nothing is open.
-  } else if (isUnused || next.a < written) {
-    if (!isUnused) finishSales(next.a, recovered);
-    tickets_.UpdateNumerador(main_);
+  const auto stored = [&] {
+    Counters next{kUnused, kUnused, kUnused};
     tickets_.GetNumerador(next.a, next.b, next.c, main_);
+    return next;
+  };
+  const Counters next = stored();
+  if (next.a != kUnused && next.b != kUnused && next.c != kUnused) return next;
+  tickets_.UpdateNumerador(main_);
+  transaction.commit(BothDatabases::First::kMain);
+  transaction.begin();
+  return stored();
+}
+
+/// Gives the next numbers, of which that of the series in use is free. Tickets that are ahead of
+/// the counter have not moved their stock.
+Shop::Counters Shop::settle(Counters next, Recovered& recovered) {
+  const double written = number(tickets_.NuevoCodigo(kSeries, documents_));
+  if (next.a == written) {
+    // The road of every sale: nothing is open.
+  } else if (next.a < written) {
+    finishSales(next.a, recovered);
+    useNumber({written - 1, next.b, next.c});
   }
   next.a = std::max(next.a, written);
   while (!tickets_.CodigoLibre(next.a, documents_)) ++next.a;
@@ -73,11 +85,10 @@ Sale Shop::storedSale(double ticket) {
   return sale;
 }
 
-/// Deletes those of the closings with lines that no ticket belongs to. `candidates` gives their
-/// numbers.
+/// Deletes those of the closings that a program died over. `candidates` gives their numbers.
 void Shop::takeBackClosings(const Statement& candidates, Recovered& recovered) {
   for (const double closing : numbersOf(selector::kMain, candidates, main_)) {
-    if (!isWithoutTickets(closing)) continue;
+    if (!isUnfinished(closing)) continue;
     closings_.DeleteAll(closing, main_);
     Statement statement("DELETE FROM Cierres WHERE Codigo = ");
     statement << value(numberText(closing));
@@ -86,17 +97,31 @@ void Shop::takeBackClosings(const Statement& candidates, Recovered& recovered) {
   }
 }
 
-bool Shop::isWithoutTickets(double closing) {
+/// Whether no ticket belongs to a closing with lines, while those that it closed are open still. A
+/// closing whose tickets are nowhere is none of ours: its history may have been put away.
+bool Shop::isUnfinished(double closing) {
   const std::string code = numberText(closing);
-  const auto hasRows = [&](int selector, std::string_view from, ConnectionPtr& connection) {
+  const auto rowsOf = [&](int selector, std::string_view select, ConnectionPtr& connection) {
     Statement statement("SELECT ");
-    statement << from << " = " << value(code);
-    return !read(selector, statement, connection)->Eof();
+    statement << select << " = " << value(code);
+    return read(selector, statement, connection);
   };
-  return hasRows(selector::kMain, "Cierre FROM Cierres_Familias WHERE Cierre", main_) &&
-         hasRows(selector::kMain, "Codigo FROM Cierres WHERE Facturado = 0 AND Codigo", main_) &&
-         !hasRows(selector::kDocuments, "Numero FROM HTickets WHERE Cierre", documents_) &&
-         !hasRows(selector::kDocuments, "Numero FROM Tickets WHERE Cierre", documents_);
+  const auto hasRows = [&](int selector, std::string_view select, ConnectionPtr& connection) {
+    return !rowsOf(selector, select, connection)->Eof();
+  };
+  if (!hasRows(selector::kMain, "Cierre FROM Cierres_Familias WHERE Cierre", main_) ||
+      hasRows(selector::kDocuments, "Numero FROM HTickets WHERE Cierre", documents_) ||
+      hasRows(selector::kDocuments, "Numero FROM Tickets WHERE Cierre", documents_)) {
+    return false;
+  }
+  const RecordsetPtr row =
+      rowsOf(selector::kMain, "Caja, Fecha FROM Cierres WHERE Facturado = 0 AND Codigo", main_);
+  if (row->Eof()) return false;
+  std::string till;
+  double day = 0;
+  take(*row, "Caja", till);
+  take(*row, "Fecha", day);
+  return day != 0 && !openTicketsOf(till, Date(day)).empty();
 }
 
 }  // namespace tavelor::shop
