@@ -13,6 +13,7 @@
 #include "tavelor/platform/format.hpp"
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/number_text.hpp"
+#include "tavelor/platform/text.hpp"
 #include "tavelor/platform/variant.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/installation.hpp"
@@ -266,6 +267,10 @@ void tellReconciliation(shop::Reconciliation& reconciliation, const Locale& loca
   }
   constexpr std::size_t kShown = 20;
   const auto& differences = reconciliation.differences();
+  if (reconciliation.tillDays() == 0) {
+    fmt::print("nothing to reconcile: there was no sale\n");
+    return;
+  }
   if (differences.empty()) {
     fmt::print("reconciled: {}, to the unit and to the cent\n",
                counted(reconciliation.tillDays(), "till's day", "tills' days"));
@@ -289,23 +294,41 @@ void tellClosings(const std::vector<shop::Closing>& closings) {
              shop::slipPath(closings.back().number));
 }
 
-void replay(const DayOptions& options, const Common& common) {
-  const Session session(common);
-  const std::vector<std::string>& own = options.only.empty() ? options.tills : options.only;
-  for (const std::string& till : own) {
+void requireTills(const DayOptions& options) {
+  constexpr std::size_t kTillWidth = 10;  // what the catalogue of tills holds
+  for (const std::string& till : options.tills) {
+    if (till.empty()) throw UsageError("--tills names one without a name");
+    if (text::length(till) > kTillWidth) {
+      throw UsageError(fmt::format("--tills names one with more than {} characters: {}", kTillWidth,
+                                   printable(till)));
+    }
+  }
+  for (const std::string& till : options.only) {
     if (std::find(options.tills.begin(), options.tills.end(), till) == options.tills.end()) {
       throw UsageError(fmt::format("--only names a till that --tills does not: {}", till));
     }
   }
-  std::unique_ptr<Source> source;
+}
+
+std::unique_ptr<Source> sourceOf(const DayOptions& options) {
+  const std::optional<Date> from = dayOption("--from", options.from);
+  const std::optional<Date> to = dayOption("--to", options.to);
   if (options.sales.empty()) {
-    source = std::make_unique<BuiltInSource>(options.tills);
-  } else {
-    source = std::make_unique<FileSource>(options.sales,
-                                          SalesSelection{.tills = options.tills,
-                                                         .from = dayOption("--from", options.from),
-                                                         .to = dayOption("--to", options.to)});
+    if (from || to) throw UsageError("--from and --to choose days of a file: name it with --sales");
+    return std::make_unique<BuiltInSource>(options.tills);
   }
+  if (from && to && *from > *to) {
+    throw UsageError(fmt::format("--from lies behind --to: {}, {}", options.from, options.to));
+  }
+  return std::make_unique<FileSource>(
+      options.sales, SalesSelection{.tills = options.tills, .from = from, .to = to});
+}
+
+void replay(const DayOptions& options, const Common& common) {
+  const Session session(common);
+  requireTills(options);
+  const std::vector<std::string>& own = options.only.empty() ? options.tills : options.only;
+  const std::unique_ptr<Source> source = sourceOf(options);
   Refusals refusals(options.report, options.sales);
 
   const auto began = std::chrono::steady_clock::now();

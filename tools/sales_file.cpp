@@ -27,6 +27,8 @@ constexpr std::size_t kReferenceWidth = 50;
 constexpr std::size_t kDescriptionWidth = 255;
 constexpr std::size_t kFamilyWidth = 10;
 constexpr std::size_t kCustomerWidth = 20;
+constexpr std::size_t kPlaceWidth = 100;
+constexpr std::size_t kPaymentWidth = 50;
 constexpr double kMostMoney = 1e9;
 
 constexpr double kGeneralTax = 21;  // percent
@@ -67,10 +69,14 @@ SalesFile::SalesFile(const std::string& path, SalesSelection selection)
       today_(Apartment::current().clock().today().days()) {
   const std::vector<std::string>& columns = file_.columns();
   for (std::size_t name = 0; name < kNames.size(); ++name) {
-    const auto found = std::find_if(columns.begin(), columns.end(), [&](const std::string& column) {
+    const auto isNamed = [&](const std::string& column) {
       return tavelor::text::equalsIgnoreCase(column, kNames[name]);
-    });
+    };
+    const auto found = std::find_if(columns.begin(), columns.end(), isNamed);
     if (found != columns.end()) {
+      if (std::find_if(found + 1, columns.end(), isNamed) != columns.end()) {
+        throw FileError(fmt::format("{}: two columns are named {}", printable(path), kNames[name]));
+      }
       places_[name] = static_cast<std::size_t>(found - columns.begin());
     } else if (name < kWanted) {
       throw FileError(fmt::format("{}: there is no column {}", printable(path), kNames[name]));
@@ -134,11 +140,11 @@ bool SalesFile::readLine(Line& line) {
     std::size_t most;
     bool needed;
   };
-  static constexpr Width kWidths[] = {{kReference, kReferenceWidth, true},
-                                      {kCode, kCodeWidth, true},
-                                      {kDescription, kDescriptionWidth, false},
-                                      {kFamily, kFamilyWidth, false},
-                                      {kCustomer, kCustomerWidth, false}};
+  static constexpr Width kWidths[] = {
+      {kReference, kReferenceWidth, true},      {kCode, kCodeWidth, true},
+      {kDescription, kDescriptionWidth, false}, {kFamily, kFamilyWidth, false},
+      {kCustomer, kCustomerWidth, false},       {kPlace, kPlaceWidth, false},
+      {kPayment, kPaymentWidth, false}};
   for (const Width& width : kWidths) {
     const std::string_view given = text(width.column);
     if (width.needed && given.empty())
@@ -152,6 +158,11 @@ bool SalesFile::readLine(Line& line) {
     }
   }
   line.reference = text(kReference);
+  const std::string_view till = text(kTill);
+  const auto& tills = selection_.tills;
+  if (!till.empty() && std::find(tills.begin(), tills.end(), till) == tills.end()) {
+    return refuse(fmt::format("the shop has no till {}", printable(till)));
+  }
 
   const std::string_view moment = text(kMoment);
   const std::optional<Date> date = parseSqlDate(moment);
@@ -173,6 +184,7 @@ bool SalesFile::readLine(Line& line) {
   if (sold.price == 0) return refuse("the price is 0");
   if (sold.price < 0) return refuse("the price is negative");
   if (sold.tax < 0) return refuse("the tax is negative");
+  if (std::abs(sold.quantity * sold.price) > kMostMoney) return refuse("the amount is too large");
   sold.code = text(kCode);
   sold.description = text(kDescription);
   sold.family = text(kFamily).empty() ? familyOf(sold.code) : std::string(text(kFamily));
@@ -201,7 +213,7 @@ bool SalesFile::wanted(Date day) const {
 
 SalesFile::OpenSale* SalesFile::openSale(const Line& line) {
   for (OpenSale& open : open_) {
-    if (open.sale.reference == line.reference) return &open;
+    if (open.sale.reference == line.reference) return belongs(open.sale) ? &open : nullptr;
   }
   const auto [begun, isNew] = begun_.try_emplace(std::string(line.reference), row_.line);
   if (!isNew) {
@@ -224,6 +236,17 @@ SalesFile::OpenSale* SalesFile::openSale(const Line& line) {
   }
   if (line.reference.starts_with('C')) sale.comment = "Devolución";
   return &open;
+}
+
+// A sale has one till and is paid in one way.
+bool SalesFile::belongs(const shop::Sale& sale) {
+  const auto agrees = [&](Column column, const std::string& first) {
+    const std::string_view given = text(column);
+    return given.empty() || given == first ||
+           refuse(fmt::format("{} is {} where the invoice began with {}", kNames[column],
+                              printable(given), printable(first)));
+  };
+  return agrees(kTill, sale.till) && agrees(kPayment, sale.payment);
 }
 
 // The same sale is of the same till in each run, whatever part of the file is read.

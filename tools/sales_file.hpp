@@ -38,7 +38,7 @@ struct SalesSelection {
 /// raises FileError; sales that were not complete then are not given.
 class SalesFile {
  public:
-  /// Raises FileError for a file without one of the five columns.
+  /// Raises FileError for a file without one of the five columns, or with one of them all twice.
   SalesFile(const std::string& path, SalesSelection selection);
 
   /// The next complete sale; false at the end.
@@ -82,6 +82,7 @@ class SalesFile {
   bool readNumber(Column column, double most, double& to, double otherwise);
   bool wanted(Date day) const;
   OpenSale* openSale(const Line& line);
+  bool belongs(const shop::Sale& sale);
   std::string tillOf(std::string_view reference) const;
   bool refuse(std::string reason);
   void completeBefore(double moment);

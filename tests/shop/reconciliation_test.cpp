@@ -74,6 +74,11 @@ TEST_F(ReconciliationTest, ACentInATicketShows) {
               Contains(Reconciliation::kTickets));
 }
 
+TEST_F(ReconciliationTest, ACentInALineShows) {
+  EXPECT_THAT(harmedBy("UPDATE HTickets_Lineas SET Importe = Importe - 0.01 WHERE ID = 7", 3),
+              Contains(Reconciliation::kHistory));
+}
+
 TEST_F(ReconciliationTest, AUnitInALineShows) {
   EXPECT_THAT(harmedBy("UPDATE HTickets_Lineas SET Cantidad = Cantidad + 1 WHERE ID = 7", 3),
               Contains(Reconciliation::kTickets));

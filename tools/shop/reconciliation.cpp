@@ -48,6 +48,7 @@ Tally& Tally::operator+=(const Tally& other) {
   lines += other.lines;
   units += other.units;
   cents += other.cents;
+  lineCents += other.lineCents;
   return *this;
 }
 
@@ -100,14 +101,16 @@ class Reconciliation::Day {
       tillOf_[numberIn(*rows, "Numero")] = till;
       add(till, isHistory, {.tickets = 1, .cents = cents(numberIn(*rows, "Total"))});
     }
-    Statement lines("SELECT Caja, Count(*) AS Lineas, Sum(Cantidad) AS Unidades FROM ");
+    Statement lines(
+        "SELECT Caja, Count(*) AS Lineas, Sum(Cantidad) AS Unidades, Sum(Importe) AS Suma FROM ");
     lines << table << " INNER JOIN " << table << "_Lineas ON " << table << ".Numero = " << table
           << "_Lineas.Numero WHERE Fecha = " << value(day_) << " GROUP BY Caja";
     for (const RecordsetPtr rows = read(selector::kDocuments, lines); !rows->Eof();
          rows->MoveNext()) {
       add(textIn(*rows, "Caja"), isHistory,
           {.lines = static_cast<std::int64_t>(numberIn(*rows, "Lineas")),
-           .units = numberIn(*rows, "Unidades")});
+           .units = numberIn(*rows, "Unidades"),
+           .lineCents = cents(numberIn(*rows, "Suma"))});
     }
   }
 
@@ -175,6 +178,7 @@ void Reconciliation::judge(const TillDay& key, const PlaceTallies& found) {
     const bool tellsTickets = place == kTickets || place == kHistory;
     if (tellsTickets) {
       differ(place, "tickets", std::to_string(has.tickets), std::to_string(meant.tickets));
+      differ(place, "euros in the lines", money(has.lineCents), money(meant.cents));
     }
     if (place != kClosings) {
       differ(place, "lines", std::to_string(has.lines), std::to_string(meant.lines));

@@ -19,8 +19,9 @@ namespace tavelor::shop {
 struct Tally {
   std::int64_t tickets = 0;
   std::int64_t lines = 0;
-  double units = 0;        ///< returns count negative
-  std::int64_t cents = 0;  ///< money, tax included
+  double units = 0;            ///< returns count negative
+  std::int64_t cents = 0;      ///< money, tax included
+  std::int64_t lineCents = 0;  ///< the same by the lines, where the tickets tell theirs
 
   Tally& operator+=(const Tally& other);
 };
