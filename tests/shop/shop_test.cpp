@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <future>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -345,6 +346,19 @@ TEST_F(ShopTest, TillsThatTheCatalogueDoesNotHaveAreAdded) {
   shop.openTills({"01", "02"});
   shop.openTills({"02", "03"});
   EXPECT_EQ(main("SELECT Count(*) FROM Cajas WHERE Codigo In ('01', '02', '03')"), "3");
+}
+
+TEST_F(ShopTest, ProgramsThatBeginAtOnceMayHaveTheSameTills) {
+  const std::vector<std::string> tills = {"01", "02", "03", "04", "05", "06", "07", "08"};
+  std::vector<std::future<void>> programs;
+  for (int i = 0; i < 6; ++i) {
+    programs.push_back(std::async(std::launch::async, [&] {
+      Apartment apartment(place_.installationPtr());
+      Shop().openTills(tills);
+    }));
+  }
+  for (std::future<void>& program : programs) EXPECT_NO_THROW(program.get());
+  EXPECT_EQ(main("SELECT Count(*) FROM Cajas WHERE Codigo Like '0_'"), "8");
 }
 
 TEST_F(ShopTest, AReceiptReadsTheSameLiveAndInHistory) {

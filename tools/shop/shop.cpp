@@ -61,15 +61,27 @@ Shop::~Shop() = default;
 void Shop::openTills(const std::vector<std::string>& tills) {
   ClsCajas catalogue;
   catalogue.IniciaRs("todos");
+  const ConnectionPtr connection = catalogue.GetConnection();
   const RecordsetPtr rows = catalogue.DataMember("Primary");
-  for (const std::string& till : tills) {
+  const auto add = [&](const std::string& till) {
     rows->Filter("Código = '" + doubledQuotes(till) + "'");
-    if (!rows->Eof()) continue;
+    const bool isThere = !rows->Eof();
     rows->Filter("");
+    if (isThere) return;
     catalogue.AddNew(false);
     rows->Field("Código").Value(till);
     rows->Field("Descripción").Value("Caja " + till);
     catalogue.Update();
+  };
+  // Several programs may begin at once: what one reads here, no other adds meanwhile.
+  connection->BeginTrans();
+  try {
+    rows->Requery();
+    std::for_each(tills.begin(), tills.end(), add);
+    connection->CommitTrans();
+  } catch (...) {
+    connection->RollbackTrans();
+    throw;
   }
 }
 
