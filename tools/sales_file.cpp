@@ -121,7 +121,7 @@ bool SalesFile::refuse(std::string reason) {
 
 void SalesFile::takeRow() {
   Line line;
-  if (!readLine(line) || !wanted(line.moment.dayOnly())) return;
+  if (!readLine(line)) return;
   completeBefore(line.moment.days());
   if (OpenSale* sale = openSale(line)) {
     sale->last = std::max(sale->last, line.moment.days());
@@ -135,6 +135,11 @@ bool SalesFile::readLine(Line& line) {
     return refuse(fmt::format("{} fields where the first row has {}", row_.fields.size(),
                               file_.columns().size()));
   }
+  const std::string_view moment = text(kMoment);
+  const std::optional<Date> date = parseSqlDate(moment);
+  const bool isDate = date && moment.size() >= 10 && moment[4] == '-' && date->days() >= 1;
+  if (isDate && !wanted(date->dayOnly())) return false;  // whatever else is wrong with it
+
   struct Width {
     Column column;
     std::size_t most;
@@ -164,9 +169,6 @@ bool SalesFile::readLine(Line& line) {
     return refuse(fmt::format("the shop has no till {}", printable(till)));
   }
 
-  const std::string_view moment = text(kMoment);
-  const std::optional<Date> date = parseSqlDate(moment);
-  const bool isDate = date && moment.size() >= 10 && moment[4] == '-' && date->days() >= 1;
   if (!isDate) return refuse(fmt::format("InvoiceDate is no date: {}", printable(moment)));
   if (date->dayOnly().days() > today_) {
     return refuse(fmt::format("InvoiceDate lies in the future: {}", printable(moment)));

@@ -34,8 +34,9 @@ struct SalesSelection {
 /// with the first line after that, or of another day, the sale is complete. So no more than some
 /// minutes of sales are held at a time; beside them, the reference of each sale is remembered.
 ///
-/// A line with a fault is refused and the rest goes on. What is wrong with the file as a whole
-/// raises FileError; sales that were not complete then are not given.
+/// A line with a fault is refused and the rest goes on; one of a day that is not wanted is passed
+/// over. What is wrong with the file as a whole raises FileError; sales that were not complete then
+/// are not given.
 class SalesFile {
  public:
   /// Raises FileError for a file without one of the five columns, or with one of them all twice.
