@@ -11,6 +11,7 @@
 
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/reference/cajas.hpp"
+#include "tavelor/services/clock.hpp"
 #include "tests/support/shop.hpp"
 #include "tools/shop/receipt.hpp"
 #include "tools/shop/seed.hpp"
@@ -54,7 +55,11 @@ SaleLine milk() {
 
 class ShopTest : public ::testing::Test {
  protected:
-  ShopTest() { seedCatalogues(); }
+  ShopTest() {
+    // A closing's balance begins with the last one until today.
+    place_.apartment().clock().fix(Date::of(2026, 11, 21));
+    seedCatalogues();
+  }
 
   std::string main(const std::string& statement) { return place_.text(statement, kMain); }
   std::string documents(const std::string& statement) { return place_.text(statement, kDocuments); }

@@ -22,7 +22,7 @@ constexpr double kTop = 24;      // room of the captions
 constexpr double kBottom = 28;   // room of the labels
 constexpr double kLetter = 6.6;  // width of a letter, pixels
 constexpr double kGap = 8;       // between two texts
-constexpr double kWide = 900;    // width of the columns on a wide page and on a telephone, pixels
+constexpr double kWide = 560;    // width of the columns on a wide page and on a telephone, pixels
 constexpr double kNarrow = 270;
 constexpr std::size_t kFewestSlots = 6;  // fewer columns do not get fatter
 constexpr double kHundred = 100;
@@ -145,8 +145,7 @@ class ColumnChart {
           std::max(std::abs(zero - end), 1.0));
       if (showsCaptions_) {
         put("<text class=\"caption{}\" x=\"{:.3f}%\" y=\"{:.1f}\">{}</text>",
-            captionsAreWide_ ? " wide" : "", middle, column.value < 0 ? end + 14 : end - 6,
-            column.caption);
+            captionsAreWide_ ? " wide" : "", middle, std::min(zero, end) - 6, column.caption);
       }
     }
     if (index % labelsWide_ == 0) {
