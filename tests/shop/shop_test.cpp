@@ -248,6 +248,19 @@ TEST_F(ShopTest, ATicketWhoseStockDidNotMoveIsFinishedByTheNextSale) {
   EXPECT_EQ(main("SELECT Ticket_a FROM Numeradores"), "3");
 }
 
+TEST_F(ShopTest, ATicketOfAnotherPeriodDoesNotMoveItsStockAgain) {
+  Shop shop;
+  shop.sell(saleOf("V1", {bread()}));
+  shop.sell(saleOf("V2", {bread()}));
+  place_.run("UPDATE Numeradores SET Ticket_a = 0");  // as in a period that was left long ago
+
+  EXPECT_EQ(shop.sell(saleOf("V3", {bread()})), 3);
+
+  EXPECT_EQ(main("SELECT Existencia FROM Articulos WHERE Codigo = 'PAN'"), "-6");
+  EXPECT_EQ(main("SELECT Count(*) FROM Articulos_Movimientos_Almacen"), "3");
+  EXPECT_THAT(shop.recover().sales, IsEmpty());
+}
+
 TEST_F(ShopTest, ATicketWhoseArticlesWereNeverStoredIsFinishedWithThem) {
   {
     Shop shop;

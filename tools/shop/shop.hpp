@@ -110,6 +110,7 @@ class Shop {
   Counters startedCounters(BothDatabases& transaction);
   Counters settle(Counters next, Recovered& recovered);
   void finishSales(double first, Recovered& recovered);
+  bool hasMovedStock(double ticket);
   Sale storedSale(double ticket);
   void takeBackClosings(const Statement& candidates, Recovered& recovered);
   bool isUnfinished(double closing);

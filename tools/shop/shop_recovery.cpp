@@ -36,7 +36,7 @@ Shop::Counters Shop::startedCounters(BothDatabases& transaction) {
 }
 
 /// Gives the next numbers, of which that of the series in use is free. Tickets that are ahead of
-/// the counter have not moved their stock.
+/// the counter may not have moved their stock.
 Shop::Counters Shop::settle(Counters next, Recovered& recovered) {
   const double written = number(tickets_.NuevoCodigo(kSeries, documents_));
   if (next.a == written) {
@@ -50,13 +50,22 @@ Shop::Counters Shop::settle(Counters next, Recovered& recovered) {
   return next;
 }
 
+/// Of the tickets from `first` on. Some may be whole: those of another period, where somebody has
+/// gone back to one whose counter stayed behind.
 void Shop::finishSales(double first, Recovered& recovered) {
   Statement statement("SELECT Numero FROM Tickets WHERE Numero >= ");
   statement << value(numberText(first)) << " AND Serie = '" << kSeries << "' ORDER BY Numero";
   for (const double ticket : numbersOf(selector::kDocuments, statement, documents_)) {
+    if (hasMovedStock(ticket)) continue;
     moveStock(storedSale(ticket), ticket);
     recovered.sales.push_back(ticket);
   }
+}
+
+bool Shop::hasMovedStock(double ticket) {
+  Statement statement("SELECT Id FROM Articulos_Movimientos_Almacen WHERE Estado = ");
+  statement << value(std::to_string(kTicketKind)) << " AND Doc_E = " << value(numberText(ticket));
+  return !read(selector::kMain, statement, main_)->Eof();
 }
 
 /// What moveStock needs of a live ticket.
