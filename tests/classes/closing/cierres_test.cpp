@@ -496,5 +496,53 @@ TEST_F(ClsCierresNeutralTest, NumbersAndDatesArePrintedByTheLocale) {
               ElementsAre(" 5.2% IVA de   1,294.01    67.29"));
 }
 
+TEST_F(ClsCierresNeutralTest, TheSlipIsPrintedByTheLocale) {
+  closings.Insertar(closing());
+  EXPECT_THAT(
+      shown(closings.GetCierreToCol(std::int32_t{7})),
+      ElementsAre("Cierre de Caja - Fecha 2026-03-05", "Caja : 01", "Tickets : 310.75",
+                  "Alb./Fact. : 45", "Total Cierre : 350.5", "S. Inicio : 100", "S. Fin : 438.25"));
+  closings.InsertarCierreFormasPago(std::int32_t{7}, "Contado", 1310.755);
+  closings.InsertarCierreFormasPago(std::int32_t{7}, "002", 45);
+  closings.IniciaRs("formas_pago", std::int32_t{7});
+  EXPECT_THAT(shown(closings.GetCollectionLinFormasPago()),
+              testing::UnorderedElementsAre("Contado      1310.76", "2.00              45"));
+  closings.InsertarCierreFamilias(std::int32_t{7}, "Bebidas", 1234.5);
+  closings.IniciaRs("familias", std::int32_t{7});
+  EXPECT_THAT(shown(closings.GetCollectionLinFamilias()),
+              ElementsAre("Bebidas                 1234.5"));
+}
+
+TEST_F(ClsCierresNeutralTest, TheChainLooksForTodayInPlainDigits) {
+  shop.statements();
+  previous("01");
+  EXPECT_THAT(
+      shop.statements(),
+      ElementsAre("SELECT Max(Codigo) AS MáxDeCodigo FROM Cierres Where ((Fecha<=46086) AND "
+                  "(Caja='01'));"));
+}
+
+// ---- Masks that differ
+
+class ClsCierresMasksTest : public ClsCierresTest {
+ protected:
+  ClsCierresMasksTest() : ClsCierresTest(settings()) {}
+  static Settings settings() {
+    Settings of = test::fastSettings();
+    of.quantityFormat = "#,##0.0000";
+    return of;
+  }
+};
+
+TEST_F(ClsCierresMasksTest, OnlyTheBaseOfATaxHasTheMaskOfQuantities) {
+  closings.InsertarCierreImpuestos(std::int32_t{7}, "21", 94.01, 61.745);
+  closings.IniciaRs("impuestos", std::int32_t{7});
+  EXPECT_THAT(shown(closings.GetCollectionLinImpuestos()),
+              ElementsAre("  21% IVA de    94,0100    61,75"));
+  closings.InsertarCierreFormasPago(std::int32_t{7}, "002", 310.755);
+  closings.IniciaRs("formas_pago", std::int32_t{7});
+  EXPECT_THAT(shown(closings.GetCollectionLinFormasPago()), ElementsAre("2,00          310,76"));
+}
+
 }  // namespace
 }  // namespace tavelor

@@ -202,5 +202,33 @@ TEST_F(ClsTicketsLineasHistoricosNeutralTest, TheBaseIsWrittenByTheLocaleAndTheA
   EXPECT_EQ(summary("Base"), "1234.57");
 }
 
+// In a shop without a decimal comma the divisor reads as a whole number. Amounts that were divided
+// so are in its databases: the text must not become a number.
+TEST_F(ClsTicketsLineasHistoricosNeutralTest, PesetasAreDividedByWhatTheTextReadsAs) {
+  store({.id = 1, .price = "332772", .amount = "16638600"});
+  lines.ActualizarEuros();
+  EXPECT_EQ(column("Precio", 1), "2");
+  EXPECT_EQ(column("Importe", 1), "100");
+}
+
+// ---- Masks that differ
+
+class ClsTicketsLineasHistoricosMasksTest : public ClsTicketsLineasHistoricosTest {
+ protected:
+  ClsTicketsLineasHistoricosMasksTest() : ClsTicketsLineasHistoricosTest(settings()) {}
+  static Settings settings() {
+    Settings of = test::fastSettings();
+    of.quantityFormat = "#,##0.0000";
+    return of;
+  }
+};
+
+TEST_F(ClsTicketsLineasHistoricosMasksTest, TheBaseHasTheMaskOfAmountsAndTheTaxThatOfQuantities) {
+  store({.rate = "21", .amount = "9.99"});
+  EXPECT_EQ(statementsOf(true)[1],
+            "INSERT INTO HTickets_Lineas_Impuestos ( Numero, IVA, base, Importe, Cierre ) Values "
+            "(1234, '21', '8,26', 1.7346, 5 ) ");
+}
+
 }  // namespace
 }  // namespace tavelor

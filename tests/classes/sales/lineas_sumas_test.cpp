@@ -267,6 +267,32 @@ TEST_F(ClsTicketsLineasSumasTest, TheTaxesOfAReceiptAreALineARate) {
                                             " 5,2% IVA de      9,99     0,52"));
 }
 
+class WholeQuantitiesTest : public ClsTicketsLineasSumasTest {
+ protected:
+  WholeQuantitiesTest() : ClsTicketsLineasSumasTest(settings()) {}
+  static Settings settings() {
+    Settings of = test::fastSettings();
+    of.quantityFormat = "#,##0";
+    return of;
+  }
+};
+
+// The tax is taken of the base as the mask of quantities leaves it, before that of amounts.
+TEST_F(WholeQuantitiesTest, ABaseThatHadToBeComputedIsRoundedByTheMaskOfQuantitiesFirst) {
+  store({.rate = "21", .amount = "9.99"});
+  EXPECT_THAT(shown(lines.GetCollectionLinImpuestos(std::int32_t{1234}, true)),
+              ElementsAre("  21% IVA de         8     1,68"));
+  EXPECT_THAT(shown(lines.GetCollectionLinImpuestos(std::int32_t{1234}, false)),
+              ElementsAre("  21% IVA de      9,99      2,1"));
+}
+
+// A base of 0,0240 gives a tax of 0,00504; one of 0,02 would give none.
+TEST_F(FourDecimalsTest, TheTaxOfAReceiptIsTakenBeforeTheBaseIsRoundedAsAnAmount) {
+  store({.rate = "21", .amount = "0.029"});
+  EXPECT_THAT(shown(lines.GetCollectionLinImpuestos(std::int32_t{1234}, true)),
+              ElementsAre("  21% IVA de      0,02     0,01"));
+}
+
 TEST_F(ClsTicketsLineasSumasTest, ATicketWithoutLinesHasNoTaxes) {
   EXPECT_THAT(lines.GetCollectionLinImpuestos(std::int32_t{1}, true), IsEmpty());
 }

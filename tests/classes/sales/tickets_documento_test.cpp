@@ -57,6 +57,10 @@ class TicketDocumentTest : public testing::Test, protected test::TicketShop {
   }
 };
 
+// Amounts that a ticket has beside those that a test is about.
+constexpr const char* kOtherAmounts =
+    "Importe_Impuestos = 0, Importe_recargo = 0, Importe_IRPF = 0";
+
 class TicketDocumentInAnyLocaleTest : public TicketDocumentTest {
  protected:
   TicketDocumentInAnyLocaleTest() : TicketDocumentTest(test::tillSettings("neutral")) {}
@@ -344,6 +348,23 @@ TEST_F(TicketDocumentTest, ActualizarEurosDividesTheAmountsOnce) {
             "1, 2, 3");
   tickets.ActualizarEuros();
   EXPECT_EQ(column("Total"), "0,6") << "a second run divides again";
+}
+
+// There the divisor reads as a whole number. Amounts that were divided so are in databases: the
+// text must not become a number.
+TEST_F(TicketDocumentInAnyLocaleTest, ActualizarEurosDividesByWhatTheTextReadsAs) {
+  add(1, "Total = 16638600, Entrega = 332772, " + std::string(kOtherAmounts));
+  tickets.ActualizarEuros();
+  EXPECT_EQ(column("Total") + ", " + column("Entrega"), "100, 2");
+}
+
+// Only base and carriage are emptied of nulls first: the mask makes an empty text of any other one,
+// which no column of money takes. The caller rolls back and mends the row.
+TEST_F(TicketDocumentTest, ActualizarEurosRefusesANullAmountThatIsNeitherBaseNorCarriage) {
+  add(1, "Base = Null, Total = 16638.6, " + std::string(kOtherAmounts));
+  add(2, "Total = 16638.6, Importe_IRPF = Null");
+  EXPECT_EQ(errorOf([&] { tickets.ActualizarEuros(); }), errors::kTypeMismatch);
+  EXPECT_EQ(column("Base") + ", " + column("Total"), "0, 16638,6") << "no ticket is divided";
 }
 
 }  // namespace

@@ -335,6 +335,27 @@ TEST_F(ClsTicketsTest, AddNewFillsANewTicket) {
   EXPECT_EQ(column("Serie", 42), "Null") << "the caller says which";
 }
 
+class ClsTicketsNeutralTest : public testing::Test, protected test::TicketShop {
+ protected:
+  ClsTicketsNeutralTest() : TicketShop(test::tillSettings("neutral")) {}
+};
+
+TEST_F(ClsTicketsNeutralTest, TheShortDateOfANewTicketReadsAsTodayInThisLocaleToo) {
+  tickets.IniciaRs();
+  tickets.AddNew(true);
+  EXPECT_EQ(field(tickets, "Fecha"), "2026-03-05");
+  tickets.Update();
+  EXPECT_EQ(text("SELECT Numero FROM Tickets WHERE Fecha = #03/05/2026#"), "1");
+}
+
+TEST_F(ClsTicketsNeutralTest, NowComparesWithPlainDigitsInThisLocaleToo) {
+  add(1);
+  std::string word = "now";
+  tickets.IniciaRs(word, "01");
+  EXPECT_THAT(shop.statements(), ElementsAre(kLista + " WHERE ((Fecha=46086) AND (Caja='01'));"));
+  EXPECT_THAT(firstColumn(tickets), ElementsAre("1"));
+}
+
 TEST_F(ClsTicketsTest, AddNewWithoutDefaultsAddsAnEmptyRow) {
   tickets.IniciaRs();
   shop.statements();
