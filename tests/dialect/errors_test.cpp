@@ -30,6 +30,23 @@ TEST_P(Refused, WithNumberPlaceAndSentence) {
   EXPECT_EQ(error.statement(), GetParam().text);
 }
 
+TEST(TooDeep, SixteenOpenPlacesRunAndOneMoreIsRefused) {
+  for (const auto& [open, close] : {std::pair<std::string, std::string>{"(Orden + ", ")"},
+                                    {"-", ""},
+                                    {"Abs(", ")"},
+                                    {"NOT ", ""}}) {
+    const auto nested = [&](int times) {
+      std::string text = "SELECT ";
+      for (int i = 0; i < times; ++i) text += open;
+      text += "Orden";
+      for (int i = 0; i < times; ++i) text += close;
+      return text + " FROM Bancos";
+    };
+    EXPECT_THAT(sqlOf(nested(16)), HasSubstr("Orden")) << nested(16);
+    EXPECT_THAT(errorOf(nested(17)).description(), HasSubstr("nest too deeply")) << nested(17);
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Syntax, Refused,
     testing::Values(

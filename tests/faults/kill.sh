@@ -22,7 +22,8 @@ while (( killed < count )); do
   rm -rf "$work/shop"
   cp -r "$work/empty" "$work/shop"
   for (( turn = RANDOM % 3 + 1; turn > 0; --turn )); do
-    day "$work/shop" >"$work/out" 2>&1 &
+    # Without the function: a shell around the program would be killed in its place.
+    "$program" day "$work/shop" "${sales[@]}" --tills "$tills" >"$work/out" 2>&1 &
     pause=$(( (RANDOM * 32768 + RANDOM) % lasts ))
     sleep "$(printf '0.%06d' $(( pause % 1000000 )) | sed "s/^0/$(( pause / 1000000 ))/")"
     kill -9 $! 2>/dev/null && killed=$(( killed + 1 ))

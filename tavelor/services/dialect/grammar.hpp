@@ -100,7 +100,11 @@ class Parser {
   Expr* predicate(Expr* left);
   Expr* membership(Expr* left, std::uint32_t offset);
   Expr* expressionList();
-  void enter();
+  static constexpr int kOpenExpression = 4;
+  /// Something that holds an expression begins, and ends; `symbols` is what an engine's parser
+  /// keeps for it. Refuses what is too deep.
+  void enter(int symbols = kOpenExpression);
+  void leave(int symbols = kOpenExpression) { open_ -= symbols; }
   Select* subSelect();
   Expr* operand();
   Expr* wordOperand();
@@ -130,7 +134,7 @@ class Parser {
   const TokenList& list_;
   const Token* token_;
   Arena& arena_;
-  int nesting_ = 0;
+  int open_ = 0;  // symbols that an engine's parser keeps at this place
 };
 
 }  // namespace tavelor::dialect

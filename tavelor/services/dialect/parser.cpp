@@ -196,7 +196,7 @@ Join* Parser::tableOrParentheses(ListBuilder<Source>& found) {
     if (isWord(Word::kSelect)) refuse(Rule::kDerivedTable, list_.text, token_->begin);
     Join* join = joinedTables(found);
     expectSymbol(Symbol::kRightParen, ")");
-    --nesting_;
+    leave();
     return join;
   }
   Join* leaf = arena_.make<Join>();

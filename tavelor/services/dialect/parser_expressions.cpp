@@ -9,7 +9,11 @@ namespace tavelor::dialect {
 
 namespace {
 
-constexpr int kMaxNesting = 200;
+// An engine's own parser keeps what is open on a stack, the embedded one at most a hundred symbols:
+// a statement that is translated must not fail there. A parenthesis, a call or a sign is given four
+// of them, a SELECT inside of another ten, and the rest stays for what stands around all of it.
+constexpr int kMostOpen = 64;
+constexpr int kOpenSelect = 10;
 constexpr int kMaxDepth = 400;
 
 }  // namespace
@@ -106,7 +110,7 @@ Expr* Parser::prefixed() {
     enter();
     ++token_;
     Expr* result = make(ExprKind::kNot, offset, expression(kNotLevel));
-    --nesting_;
+    leave();
     return result;
   }
   if (isSymbol(Symbol::kMinus) || isSymbol(Symbol::kPlus)) {
@@ -114,7 +118,7 @@ Expr* Parser::prefixed() {
     const bool minus = isSymbol(Symbol::kMinus);
     ++token_;
     Expr* operand = expression(kPowerLevel);
-    --nesting_;
+    leave();
     return minus ? make(ExprKind::kNegate, offset, operand) : operand;
   }
   return operand();
@@ -183,17 +187,18 @@ Expr* Parser::expressionList() {
   return list.first();
 }
 
-void Parser::enter() {
-  if (++nesting_ > kMaxNesting) refuse(Rule::kTooDeep, list_.text, token_->begin);
+void Parser::enter(int symbols) {
+  open_ += symbols;
+  if (open_ > kMostOpen) refuse(Rule::kTooDeep, list_.text, token_->begin);
 }
 
 /// A SELECT in parentheses; the ';' that some statements leave before the ')' is ignored.
 Select* Parser::subSelect() {
-  enter();
+  enter(kOpenSelect);
   if (!isWord(Word::kSelect)) failExpected("SELECT");
   Select* select = selectStatement();
   acceptSymbol(Symbol::kSemicolon);
-  --nesting_;
+  leave(kOpenSelect);
   return select;
 }
 
@@ -265,7 +270,7 @@ Expr* Parser::parenthesised() {
   }
   inner->inParentheses = true;
   expectSymbol(Symbol::kRightParen, ")");
-  --nesting_;
+  leave();
   return inner;
 }
 
@@ -311,7 +316,7 @@ Expr* Parser::call(std::string_view name, std::uint32_t offset) {
     result->depth = static_cast<std::uint16_t>(depth + 1);
   }
   expectSymbol(Symbol::kRightParen, ")");
-  --nesting_;
+  leave();
   return result;
 }
 
