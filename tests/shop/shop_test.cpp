@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <future>
+#include <limits>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -161,6 +162,21 @@ TEST_F(ShopTest, ASaleThatFailsLeavesNothing) {
 
 TEST_F(ShopTest, ASaleWithoutLinesIsRefused) {
   EXPECT_EQ(test::errorOf([] { Shop().sell(saleOf("V1", {})); }), errors::kInvalidCall);
+}
+
+TEST_F(ShopTest, ASaleWithoutAReferenceIsRefused) {
+  EXPECT_EQ(test::errorOf([] { Shop().sell(saleOf("", {bread()})); }), errors::kInvalidCall)
+      << "the second of them would count as sold";
+}
+
+TEST_F(ShopTest, ASaleOfWhatIsNoNumberFailsAndLeavesNothing) {
+  Shop shop;
+  for (const double quantity :
+       {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), 1e300}) {
+    EXPECT_NE(test::errorOf([&] { shop.sell(saleOf("V1", {bread(quantity)})); }), 0) << quantity;
+  }
+  EXPECT_EQ(documents("SELECT Count(*) FROM Tickets"), "0");
+  EXPECT_EQ(main("SELECT Count(*) FROM Articulos_Movimientos_Almacen"), "0");
 }
 
 TEST_F(ShopTest, AClosingTakesATillsDayToHistory) {

@@ -89,6 +89,9 @@ std::optional<double> Shop::sell(const Sale& sale) {
   if (sale.lines.empty()) {
     throw Error(errors::kInvalidCall, "Shop", fmt::format("Sale {} has no lines.", sale.reference));
   }
+  if (sale.reference.empty()) {
+    throw Error(errors::kInvalidCall, "Shop", "A sale needs a reference of its own.");
+  }
   openTickets();
   try {
     BothDatabases transaction(main_, documents_);

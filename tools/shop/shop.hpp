@@ -67,7 +67,7 @@ class Shop {
 
   /// Sells, unless a sale with that reference is there, live or in history: gives the number of the
   /// new ticket, or nothing. Articles and families that the shop does not know are made on the way,
-  /// with the price of the line. Raises 5 for a sale without lines.
+  /// with the price of the line. Raises 5 for a sale without lines or reference.
   std::optional<double> sell(const Sale& sale);
 
   /// Closes a till's tickets of a day and moves them to history; nothing where there are none. The
