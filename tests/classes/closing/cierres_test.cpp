@@ -404,6 +404,13 @@ TEST_F(ClsCierresTest, ARateItsBaseAndItsTaxAreALine) {
                                             " 5,2% IVA de      10,00     0,52"));
 }
 
+TEST_F(ClsCierresTest, ARateOfTheSlipHasSinglePrecision) {
+  closings.InsertarCierreImpuestos(std::int32_t{7}, "5,123456789", 10, 0.51);
+  closings.IniciaRs("impuestos", std::int32_t{7});
+  EXPECT_THAT(shown(closings.GetCollectionLinImpuestos()),
+              ElementsAre("5,123457% IVA de      10,00     0,51"));
+}
+
 TEST_F(ClsCierresTest, WithoutRowsThereAreNoLines) {
   closings.IniciaRs("familias", std::int32_t{7});
   EXPECT_THAT(closings.GetCollectionLinFamilias(), IsEmpty());

@@ -293,6 +293,13 @@ TEST_F(FourDecimalsTest, TheTaxOfAReceiptIsTakenBeforeTheBaseIsRoundedAsAnAmount
               ElementsAre("  21% IVA de      0,02     0,01"));
 }
 
+// 5,2 is a little less in single precision, which ten million show: 520000 would be the tax.
+TEST_F(ClsTicketsLineasSumasTest, ARateOfAReceiptHasSinglePrecision) {
+  store({.rate = "5.2", .amount = "10000000"});
+  EXPECT_THAT(shown(lines.GetCollectionLinImpuestos(std::int32_t{1234}, false)),
+              ElementsAre(" 5,2% IVA de  10000000519999,98"));
+}
+
 TEST_F(ClsTicketsLineasSumasTest, ATicketWithoutLinesHasNoTaxes) {
   EXPECT_THAT(lines.GetCollectionLinImpuestos(std::int32_t{1}, true), IsEmpty());
 }
