@@ -202,6 +202,18 @@ TEST_F(ClsTicketsLineasTest, UpdateIdNumbersStoredRowsAnewToo) {
   EXPECT_EQ(text("SELECT Count(*) FROM Tickets_Lineas WHERE Numero = 77 AND ID > 6"), "2");
 }
 
+TEST_F(ClsTicketsLineasTest, UpdateIdPassesOverALineThatTheBatchDeletes) {
+  for (const int id : {40, 41, 42}) store({.id = id});
+  open();
+  lines.MoveNext();
+  lines.Delete();
+  lines.UpdateId(std::int32_t{77});
+  lines.Update();
+  EXPECT_EQ(count(), "2");
+  EXPECT_EQ(text("SELECT Min(ID) FROM Tickets_Lineas WHERE Numero = 77"), "43");
+  EXPECT_EQ(text("SELECT Max(ID) FROM Tickets_Lineas WHERE Numero = 77"), "44");
+}
+
 TEST_F(ClsTicketsLineasTest, UpdateIdWithoutRowsAsksForNothing) {
   lines.IniciaRs({}, "ninguno");
   shop.statements();
