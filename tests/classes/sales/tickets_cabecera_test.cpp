@@ -290,6 +290,15 @@ TEST_F(ClsTicketsCabeceraTest, UpdateIdWithAGreatestIdOfTenGivesTwelve) {
   EXPECT_EQ(text("SELECT Nombre FROM Tickets_Cabecera WHERE Id = 12"), "Ana");
 }
 
+TEST_F(ClsTicketsCabeceraTest, UpdateIdPostsTheRowIntoTheBatch) {
+  headers.IniciaRs({}, "ninguno");
+  headers.AddNew();
+  headers.UpdateId(77);
+  EXPECT_EQ(rows().EditMode(), EditMode::kNone);
+  headers.Update();
+  EXPECT_EQ(text("SELECT Id FROM Tickets_Cabecera WHERE Codigo = 77"), "2");
+}
+
 TEST_F(ClsTicketsCabeceraTest, UpdateIdWithoutRowsDoesNothing) {
   headers.IniciaRs({}, "ninguno");
   shop.statements();
