@@ -74,6 +74,8 @@ INSTANTIATE_TEST_SUITE_P(
                 "SELECT is expected at column 40, where the statement ends"},
         Refusal{"SELECT Banco FROM Bancos WHERE EXISTS (Banco FROM Bancos)", errors::kSyntax, 39,
                 "SELECT is expected at column 40, not Banco"},
+        Refusal{"SELECT Banco FROM Bancos HAVING Orden > 1", errors::kSyntax, 38,
+                "HAVING needs a GROUP BY or an aggregate"},
         Refusal{"SELECT * ", errors::kSyntax, 7, "* without a table"},
         Refusal{"SELECT X.* FROM Bancos", errors::kSyntax, 7, "not in FROM"},
         Refusal{"SELECT Sum(*) FROM Bancos", errors::kSyntax, 11, "a * stands"},

@@ -119,7 +119,13 @@ void Binder::selectPart(Select& part, const Scope* outer) {
     *group = bound;
   }
   const Place afterGrouping{scope, Aggregates::kAllowed, &sawAggregate};
-  if (part.having != nullptr) part.having = condition(part.having, afterGrouping);
+  if (part.having != nullptr) {
+    const std::uint32_t offset = part.having->offset;
+    part.having = condition(part.having, afterGrouping);
+    if (part.groupBy == nullptr && !sawAggregate) {
+      failSyntax(offset, "HAVING needs a GROUP BY or an aggregate");
+    }
+  }
   part.grouped = sawAggregate || part.groupBy != nullptr || part.having != nullptr;
   if (part.unionNext == nullptr) order(part, scope);
   part.grouped = part.grouped || sawAggregate;
