@@ -88,6 +88,33 @@ Rows Query::fetch() {
   return rows;
 }
 
+std::size_t Query::readThrough() {
+  const int columns = sqlite3_column_count(statement_);
+  std::size_t rows = 0;
+  double seen = 0;
+  int code = SQLITE_ROW;
+  for (; (code = sqlite3_step(statement_)) == SQLITE_ROW; ++rows) {
+    for (int i = 0; i < columns; ++i) {
+      switch (sqlite3_column_type(statement_, i)) {
+        case SQLITE_INTEGER:
+          seen += static_cast<double>(sqlite3_column_int64(statement_, i));
+          break;
+        case SQLITE_FLOAT:
+          seen += sqlite3_column_double(statement_, i);
+          break;
+        case SQLITE_NULL:
+          break;
+        default:
+          seen += *sqlite3_column_text(statement_, i) + sqlite3_column_bytes(statement_, i);
+      }
+    }
+  }
+  if (code != SQLITE_DONE) fail();
+  sqlite3_reset(statement_);
+  seen_ = seen;
+  return rows;
+}
+
 std::string Query::firstText() {
   std::string found;
   if (sqlite3_step(statement_) == SQLITE_ROW) {

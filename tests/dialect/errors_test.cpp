@@ -31,15 +31,17 @@ TEST_P(Refused, WithNumberPlaceAndSentence) {
 }
 
 TEST(TooDeep, SixteenOpenPlacesRunAndOneMoreIsRefused) {
-  for (const auto& [open, close] : {std::pair<std::string, std::string>{"(Orden + ", ")"},
-                                    {"-", ""},
-                                    {"Abs(", ")"},
-                                    {"NOT ", ""}}) {
+  struct Nest {
+    std::string open;
+    std::string close;
+  };
+  for (const Nest& nest :
+       {Nest{"(Orden + ", ")"}, Nest{"-", ""}, Nest{"Abs(", ")"}, Nest{"NOT ", ""}}) {
     const auto nested = [&](int times) {
       std::string text = "SELECT ";
-      for (int i = 0; i < times; ++i) text += open;
+      for (int i = 0; i < times; ++i) text += nest.open;
       text += "Orden";
-      for (int i = 0; i < times; ++i) text += close;
+      for (int i = 0; i < times; ++i) text += nest.close;
       return text + " FROM Bancos";
     };
     EXPECT_THAT(sqlOf(nested(16)), HasSubstr("Orden")) << nested(16);
