@@ -30,7 +30,8 @@ day() {
 # number: the value of a statement with one.
 number() { tail -n 1 | tr -d '\r'; }
 
-# state FOLDER: what a shop comes to, whatever the order in which its tickets were numbered.
+# state FOLDER: what a shop comes to, whatever the order in which its tickets were numbered: sums are
+# rounded, as theirs depends on it in the last bits.
 state() {
   local folder=$1 query
   while IFS=: read -r database query; do
@@ -38,16 +39,16 @@ state() {
     "$program" -C "$folder" sql "$database" "$query" --csv | tail -n +2 | tr '\r\n' '  '
     printf '\n'
   done <<'END'
-documents:SELECT Count(*) AS n, Sum(Total) AS t, Min(Numero) AS a, Max(Numero) AS b FROM HTickets
+documents:SELECT Count(*) AS n, Round(Sum(Total), 4) AS t, Min(Numero) AS a, Max(Numero) AS b FROM HTickets
 documents:SELECT Count(*) AS n FROM Tickets
-documents:SELECT Count(*) AS n, Sum(Cantidad) AS c, Sum(Importe) AS i FROM HTickets_Lineas
-documents:SELECT Count(*) AS n, Sum(Base) AS b, Sum(Importe) AS i FROM HTickets_Lineas_Impuestos
+documents:SELECT Count(*) AS n, Round(Sum(Cantidad), 4) AS c, Round(Sum(Importe), 4) AS i FROM HTickets_Lineas
+documents:SELECT Count(*) AS n, Round(Sum(Base), 4) AS b, Round(Sum(Importe), 4) AS i FROM HTickets_Lineas_Impuestos
 documents:SELECT Count(*) AS n FROM HTickets_Cabecera
 documents:SELECT Count(*) AS n FROM HTickets_Comentarios
 main:SELECT Caja, Fecha, Base, Total, Saldo_Inicio, Saldo_Final FROM Cierres ORDER BY Caja, Fecha
-main:SELECT Movimiento, Count(*) AS n, Sum(Cantidad) AS c FROM Articulos_Movimientos_Almacen GROUP BY Movimiento
-main:SELECT Count(*) AS n, Sum(Existencia) AS e FROM Articulos
-main:SELECT Count(*) AS n, Sum(Cantidad) AS c FROM Articulos_Almacenes
+main:SELECT Movimiento, Count(*) AS n, Round(Sum(Cantidad), 4) AS c FROM Articulos_Movimientos_Almacen GROUP BY Movimiento
+main:SELECT Count(*) AS n, Round(Sum(Existencia), 4) AS e FROM Articulos
+main:SELECT Count(*) AS n, Round(Sum(Cantidad), 4) AS c FROM Articulos_Almacenes
 main:SELECT Ticket_a FROM Numeradores
 END
 }
