@@ -2,6 +2,7 @@
 // Apartments: one a thread, shared objects, connections, the trace and the clock.
 #include "tavelor/services/apartment.hpp"
 
+#include <atomic>
 #include <ctime>
 #include <thread>
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Several writers, killed processes and full disks.
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <functional>

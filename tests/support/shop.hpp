@@ -2,12 +2,13 @@
 // A shop for a test: an installation in a temporary folder, and an apartment on this thread.
 #pragma once
 
-#include <atomic>
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include <unistd.h>
@@ -26,11 +27,14 @@ namespace tavelor::test {
 /// A folder of its own that goes with the object.
 class TemporaryFolder {
  public:
+  /// A name that nobody has: one made of the process would meet what a killed test of the same
+  /// number has left.
   TemporaryFolder() {
-    static std::atomic<int> counter{0};
-    path_ =
-        place() / ("tavelor-test-" + std::to_string(::getpid()) + "-" + std::to_string(counter++));
-    std::filesystem::create_directories(path_);
+    std::string name = (place() / "tavelor-test-XXXXXX").string();
+    if (::mkdtemp(name.data()) == nullptr) {
+      throw std::system_error(errno, std::generic_category(), name);
+    }
+    path_ = name;
   }
   ~TemporaryFolder() {
     std::error_code ignored;
