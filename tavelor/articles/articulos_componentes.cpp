@@ -3,13 +3,10 @@
 #include "tavelor/articles/articulos_componentes.hpp"
 
 #include <array>
-#include <cmath>
-#include <limits>
 
 #include "tavelor/articles/registros.hpp"
 #include "tavelor/frame/component.hpp"
 #include "tavelor/frame/reading.hpp"
-#include "tavelor/platform/error.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 
@@ -36,14 +33,6 @@ constexpr ClassInfo kInfo = {
     .code = CodeForm::kUnchecked,
     .clearsDataMembers = true,
 };
-
-float single(double number) {
-  constexpr double kGreatest = std::numeric_limits<float>::max();
-  if (!(std::abs(number) <= kGreatest)) {
-    raise(errors::kOverflow, kInfo.word, "A quantity is too large");
-  }
-  return static_cast<float>(number);
-}
 
 }  // namespace
 
