@@ -22,18 +22,6 @@ ClsRegistrosPtr CollectionRegistros::Add(std::string_view Key, const Variant& Co
   return item;
 }
 
-ClsRegistrosPtr CollectionRegistros::Item(const Variant& vntIndexKey) const {
-  return std::static_pointer_cast<ClsRegistros>(items_.item(vntIndexKey));
-}
-
-void CollectionRegistros::Remove(const Variant& vntIndexKey) {
-  items_.remove(vntIndexKey);
-}
-
-std::shared_ptr<CollectionRegistros> CollectionRegistros::NewEnum() const {
-  return std::make_shared<CollectionRegistros>(*this);
-}
-
 const Component& ClsRegistros::component() {
   using C = ClsRegistros;
   static const Component table(kTypeName, "{6B1F0A52-3C4D-4E8B-9A57-21D0C7E4B60B}", {},

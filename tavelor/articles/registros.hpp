@@ -2,7 +2,6 @@
 // Requests to the stock, and their collection.
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -34,7 +33,7 @@ using ClsRegistrosPtr = std::shared_ptr<ClsRegistros>;
 
 /// Requests in the order in which they were added, some under a key. An item is found by its
 /// position, from 1, or by its key, whose case does not count; see KeyedObjects for errors.
-class CollectionRegistros final : public Object {
+class CollectionRegistros final : public KeyedCollection<CollectionRegistros, ClsRegistros> {
  public:
   static constexpr std::string_view kTypeName = "CollectionRegistros";
   std::string typeName() const override { return std::string(kTypeName); }
@@ -45,14 +44,6 @@ class CollectionRegistros final : public Object {
   ClsRegistrosPtr Add(std::string_view Key, const Variant& Codigo, const Variant& Cantidad,
                       const Variant& Recibido, const Variant& Lote, const Variant& Almacen,
                       const Variant& Precio, std::string_view sKey = {});
-  ClsRegistrosPtr Item(const Variant& vntIndexKey) const;
-  std::int32_t Count() const { return items_.count(); }
-  void Remove(const Variant& vntIndexKey);
-  /// The same items in a collection of its own, which stays as it is while this one changes.
-  std::shared_ptr<CollectionRegistros> NewEnum() const;
-
- private:
-  KeyedObjects items_;
 };
 using CollectionRegistrosPtr = std::shared_ptr<CollectionRegistros>;
 

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,25 @@ class KeyedObjects {
   std::size_t findKey(std::string_view key) const;
 
   std::vector<Entry> entries_;
+};
+
+/// What a collection class has beside Add: its `Element`s are found, counted and removed as
+/// KeyedObjects says. `Collection` is the class itself.
+template <typename Collection, typename Element>
+class KeyedCollection : public Object {
+ public:
+  std::shared_ptr<Element> Item(const Variant& vntIndexKey) const {
+    return std::static_pointer_cast<Element>(items_.item(vntIndexKey));
+  }
+  std::int32_t Count() const { return items_.count(); }
+  void Remove(const Variant& vntIndexKey) { items_.remove(vntIndexKey); }
+  /// The same items in a collection of its own, which stays as it is while this one changes.
+  std::shared_ptr<Collection> NewEnum() const {
+    return std::make_shared<Collection>(static_cast<const Collection&>(*this));
+  }
+
+ protected:
+  KeyedObjects items_;
 };
 
 }  // namespace tavelor

@@ -18,18 +18,6 @@ ClsRegTicketsPtr CollectionTickets::Add(std::string_view /*Key*/, const Variant&
   return item;
 }
 
-ClsRegTicketsPtr CollectionTickets::Item(const Variant& vntIndexKey) const {
-  return std::static_pointer_cast<ClsRegTickets>(items_.item(vntIndexKey));
-}
-
-void CollectionTickets::Remove(const Variant& vntIndexKey) {
-  items_.remove(vntIndexKey);
-}
-
-std::shared_ptr<CollectionTickets> CollectionTickets::NewEnum() const {
-  return std::make_shared<CollectionTickets>(*this);
-}
-
 const Component& ClsRegTickets::component() {
   using C = ClsRegTickets;
   static const Component table(kTypeName, "{6B1F0A52-3C4D-4E8B-9A57-21D0C7E4B412}", {},

@@ -2,7 +2,6 @@
 // Grouped results of sales, and their collection.
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -31,7 +30,7 @@ using ClsRegTicketsPtr = std::shared_ptr<ClsRegTickets>;
 
 /// Groups in the order in which they were added, some under a key. A group is found by its
 /// position, from 1, or by its key, whose case does not count; see KeyedObjects for errors.
-class CollectionTickets final : public Object {
+class CollectionTickets final : public KeyedCollection<CollectionTickets, ClsRegTickets> {
  public:
   static constexpr std::string_view kTypeName = "CollectionTickets";
   std::string typeName() const override { return std::string(kTypeName); }
@@ -42,14 +41,6 @@ class CollectionTickets final : public Object {
   /// then.
   ClsRegTicketsPtr Add(std::string_view Key, const Variant& Codigo, const Variant& Descripcion,
                        const Variant& Importe, const Variant& Suma, std::string_view sKey = {});
-  ClsRegTicketsPtr Item(const Variant& vntIndexKey) const;
-  std::int32_t Count() const { return items_.count(); }
-  void Remove(const Variant& vntIndexKey);
-  /// The same groups in a collection of its own, which stays as it is while this one changes.
-  std::shared_ptr<CollectionTickets> NewEnum() const;
-
- private:
-  KeyedObjects items_;
 };
 using CollectionTicketsPtr = std::shared_ptr<CollectionTickets>;
 
