@@ -1,17 +1,10 @@
 // SPDX-License-Identifier: MIT
-// What the classes on the tables of a ticket share beside its life cycle.
+// What the component tables of a ticket's classes share.
 #pragma once
 
 #include <string_view>
 
 namespace tavelor {
-
-class Recordset;
-class Variant;
-
-/// Gives the current row to the ticket `vId` and posts it; it stays pending. Its ID becomes `next`
-/// plus 1, and so leaves a gap, since `next` is above the table's greatest already.
-void giveToTicket(Recordset& rows, const Variant& vId, const Variant& next);
 
 // Parameters of the members of the life cycle, as the component tables write them.
 inline constexpr std::string_view kOnClosing = "vId, [cnnActive]";

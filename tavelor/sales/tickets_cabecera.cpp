@@ -74,7 +74,7 @@ void takeCustomer(Recordset& rows, Parameters& to) {
 
 }  // namespace
 
-ClsTicketsCabecera::ClsTicketsCabecera() : TicketTable(kInfo, kTable) {}
+ClsTicketsCabecera::ClsTicketsCabecera() : TicketNotes(kInfo, kTable) {}
 
 void ClsTicketsCabecera::Insertar(const Alta& alta) const {
   Statement statement(
@@ -120,10 +120,6 @@ std::vector<Variant> ClsTicketsCabecera::GetCabecera() const {
   return lines;
 }
 
-void ClsTicketsCabecera::DeleteAll(const Variant& vId, ObjCn cnnActive) const {
-  write(withId("DELETE  FROM Tickets_Cabecera WHERE (Codigo = {id})", vId), *cnnActive);
-}
-
 void ClsTicketsCabecera::GetDatos(Busqueda& busqueda) const {
   Statement statement(
       "SELECT"
@@ -145,25 +141,6 @@ void ClsTicketsCabecera::GetDatos(Busqueda& busqueda) const {
   rows->MoveLast();
   take(*rows, "Telefono", busqueda.idTel);
   takeCustomer(*rows, busqueda);
-}
-
-void ClsTicketsCabecera::AddNew(bool bDefVal) {
-  Recordset& rows = primary();
-  rows.AddNew();
-  if (bDefVal) rows.Field("Id").Value(NuevoCodigo(GetConnection()));
-}
-
-void ClsTicketsCabecera::UpdateId(const Variant& vId) {
-  if (!ExistenRegistros()) return;
-  giveToTicket(primary(), vId, NuevoCodigo(GetConnection()));
-}
-
-void ClsTicketsCabecera::ToHtml(bool bDoclone, std::string_view sSelecSql, bool bFilter) {
-  writeRecordPage(bDoclone, sSelecSql, bFilter);
-}
-
-void ClsTicketsCabecera::ToTxt(bool bDoclone, std::string_view sSelecSql, bool bFilter) {
-  writeRecordText(bDoclone, sSelecSql, bFilter);
 }
 
 const Component& ClsTicketsCabecera::component() {

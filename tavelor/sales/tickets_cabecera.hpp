@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tavelor/sales/life_cycle.hpp"
+#include "tavelor/sales/ticket_notes.hpp"
 
 namespace tavelor {
 
@@ -13,7 +13,7 @@ class Component;
 
 /// Headers of tickets: who the customer is, where the ticket says so. Values are joined into
 /// statements without escaping: a quote in a name raises the database's syntax error.
-class ClsTicketsCabecera final : public TicketTable<OpensOnConnection> {
+class ClsTicketsCabecera final : public TicketNotes {
  public:
   ClsTicketsCabecera();
   std::string typeName() const override { return "ClsTicketsCabecera"; }
@@ -56,9 +56,6 @@ class ClsTicketsCabecera final : public TicketTable<OpensOnConnection> {
   /// out. Raises 3021 without a current row.
   std::vector<Variant> GetCabecera() const;
 
-  /// Deletes the headers of a ticket.
-  void DeleteAll(const Variant& vId, ObjCn cnnActive = {}) const;
-
   /// Parameters of GetDatos, in their order.
   struct Busqueda {
     std::string idTel = {};  ///< telephone, looked for where `index` is 0
@@ -76,16 +73,6 @@ class ClsTicketsCabecera final : public TicketTable<OpensOnConnection> {
   /// Finds a customer's data to fill a new header: the last row that the database gives. What is
   /// null there stays as it came. Where nothing is found `sNombre` becomes "no".
   void GetDatos(Busqueda& busqueda) const;
-
-  /// Adds a row; with `bDefVal` it has the next key, read on the class's connection.
-  void AddNew(bool bDefVal = false);
-  /// Gives the current row to the ticket `vId`, with a key two above the table's greatest, and
-  /// posts it; Update writes it. Does nothing without rows.
-  void UpdateId(const Variant& vId);
-  /// The rows as a page, record by record; see ToHtmlGrid for the parameters.
-  void ToHtml(bool bDoclone = false, std::string_view sSelecSql = {}, bool bFilter = false);
-  /// The same as plain text, in the report folder.
-  void ToTxt(bool bDoclone = false, std::string_view sSelecSql = {}, bool bFilter = false);
 };
 
 }  // namespace tavelor

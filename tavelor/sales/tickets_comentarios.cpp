@@ -45,7 +45,7 @@ constexpr life_cycle::Table kTable = {.name = "Tickets_Comentarios",
 
 }  // namespace
 
-ClsTicketsComentarios::ClsTicketsComentarios() : TicketTable(kInfo, kTable) {}
+ClsTicketsComentarios::ClsTicketsComentarios() : TicketNotes(kInfo, kTable) {}
 
 std::string ClsTicketsComentarios::sQComentario() const {
   try {
@@ -53,29 +53,6 @@ std::string ClsTicketsComentarios::sQComentario() const {
   } catch (const Error&) {
     return {};  // forms ask while they have no row yet
   }
-}
-
-void ClsTicketsComentarios::DeleteAll(const Variant& vId, ObjCn cnnActive) const {
-  write(withId("DELETE  FROM Tickets_Comentarios WHERE (Codigo = {id})", vId), *cnnActive);
-}
-
-void ClsTicketsComentarios::AddNew(bool bDefVal) {
-  Recordset& rows = primary();
-  rows.AddNew();
-  if (bDefVal) rows.Field("ID").Value(NuevoCodigo(GetConnection()));
-}
-
-void ClsTicketsComentarios::UpdateId(const Variant& vId) {
-  if (!ExistenRegistros()) return;
-  giveToTicket(primary(), vId, NuevoCodigo(GetConnection()));
-}
-
-void ClsTicketsComentarios::ToHtml(bool bDoclone, std::string_view sSelecSql, bool bFilter) {
-  writeRecordPage(bDoclone, sSelecSql, bFilter);
-}
-
-void ClsTicketsComentarios::ToTxt(bool bDoclone, std::string_view sSelecSql, bool bFilter) {
-  writeRecordText(bDoclone, sSelecSql, bFilter);
 }
 
 const Component& ClsTicketsComentarios::component() {
