@@ -72,11 +72,6 @@ std::optional<Date> dayOption(const std::string& name, const std::string& text) 
   return day;
 }
 
-std::string isoDay(Date day) {
-  const CivilTime civil = day.civil();
-  return fmt::format("{:04}-{:02}-{:02}", civil.year, civil.month, civil.day);
-}
-
 std::string counted(std::size_t count, std::string_view one, std::string_view many) {
   return fmt::format("{} {}", count, count == 1 ? one : many);
 }
@@ -178,9 +173,13 @@ class Replay {
   std::uint64_t soldLines() const { return soldLines_; }
   const std::vector<shop::Closing>& closings() const { return closings_; }
   shop::Reconciliation& reconciliation() { return reconciliation_; }
-  /// First and last day with a sale.
-  std::optional<Date> first() const { return first_; }
-  std::optional<Date> last() const { return last_; }
+  /// Writes the page of all days with a sale, that of a single one unless it was just closed; ""
+  /// without a sale.
+  std::string page() const {
+    if (!first_) return {};
+    const bool isThere = first_ == last_ && !lastPage_.empty();
+    return isThere ? lastPage_ : shop::writeDayPage(*first_, *last_);
+  }
 
  private:
   void take(const shop::Sale& sale) {
@@ -212,7 +211,7 @@ class Replay {
       }
       entry = open_.erase(entry);
     }
-    for (const double day : closed) shop::writeDayPage(Date(day), Date(day));
+    for (const double day : closed) lastPage_ = shop::writeDayPage(Date(day), Date(day));
   }
 
   shop::Shop shop_;
@@ -223,6 +222,7 @@ class Replay {
   shop::Reconciliation reconciliation_;
   std::set<std::pair<double, std::string>> open_;  // days and tills with sales, not closed
   std::vector<shop::Closing> closings_;
+  std::string lastPage_;  // of the day closed last
   std::size_t sold_ = 0;
   std::size_t known_ = 0;
   std::uint64_t soldLines_ = 0;
@@ -279,8 +279,9 @@ void tellReconciliation(shop::Reconciliation& reconciliation, const Locale& loca
   std::fflush(stdout);
   for (std::size_t i = 0; i < std::min(kShown, differences.size()); ++i) {
     const Reconciliation::Difference& difference = differences[i];
-    fmt::print(stderr, "till {}, {}, {}: {}\n", printable(difference.till), isoDay(difference.day),
-               Reconciliation::kNames[difference.place], difference.what);
+    fmt::print(stderr, "till {}, {}, {}: {}\n", printable(difference.till),
+               shop::isoDay(difference.day), Reconciliation::kNames[difference.place],
+               difference.what);
   }
   throw FileError(fmt::format("{} between the sales and the shop",
                               counted(differences.size(), "difference", "differences")));
@@ -355,9 +356,7 @@ void replay(const DayOptions& options, const Common& common) {
   }
   if (!fault.empty()) throw FileError(fault + "; what was complete before that is sold");
   tellClosings(replay.closings());
-  if (replay.first()) {
-    fmt::print("page:  {}\n", shop::writeDayPage(*replay.first(), *replay.last()));
-  }
+  if (const std::string page = replay.page(); !page.empty()) fmt::print("page:  {}\n", page);
   tellReconciliation(replay.reconciliation(), session.locale());
 }
 

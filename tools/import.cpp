@@ -154,9 +154,6 @@ std::shared_ptr<const Locale> numbersOf(const std::string& decimal, const Sessio
 }
 
 // ---------------------------------------------------------------------------------------------
-// The report
-
-// ---------------------------------------------------------------------------------------------
 // The work
 
 /// Reads the file to its end, so that a fault of the file as such shows before anything is written.

@@ -15,7 +15,7 @@
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/installation.hpp"
-#include "tavelor/services/recordset/recordset.hpp"
+#include "tools/shop/rows.hpp"
 
 namespace tavelor::shop {
 
@@ -25,35 +25,6 @@ constexpr int kMain = 1;
 constexpr int kDocuments = 3;
 constexpr double kHalfACent = 0.005;
 constexpr int kHoursOfADay = 24;
-
-/// The rows of a statement, with Null read as nothing: "" and 0.
-class Rows {
- public:
-  Rows(int selector, const Statement& statement) : locale_(Apartment::current().locale()) {
-    ConnectionPtr connection;
-    DataSession().OpenRecordset(selector, statement, rows_, connection);
-  }
-
-  bool hasRow() const { return !rows_->Eof(); }
-  void next() { rows_->MoveNext(); }
-
-  std::string text(std::string_view column) const {
-    const Variant found = rows_->Field(column).Value();
-    return found.isNull() ? std::string() : found.toText(locale_);
-  }
-  double number(std::string_view column) const {
-    const Variant found = rows_->Field(column).Value();
-    return found.isNull() ? 0 : found.toDouble(locale_);
-  }
-  std::int32_t whole(std::string_view column) const {
-    return static_cast<std::int32_t>(number(column));
-  }
-  Date day(std::string_view column) const { return Date(number(column)).dayOnly(); }
-
- private:
-  const Locale& locale_;
-  RecordsetPtr rows_;
-};
 
 using Names = std::unordered_map<std::string, std::string>;
 

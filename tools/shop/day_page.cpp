@@ -16,6 +16,7 @@
 #include "tools/shop/charts.hpp"
 #include "tools/shop/day_figures.hpp"
 #include "tools/shop/page_text.hpp"
+#include "tools/shop/sale.hpp"
 
 namespace tavelor::shop {
 
@@ -468,12 +469,8 @@ class DayPage {
 };
 
 std::string fileName(Date first, Date last) {
-  const auto plain = [](Date day) {
-    const CivilTime civil = day.civil();
-    return fmt::format("{:04}-{:02}-{:02}", civil.year, civil.month, civil.day);
-  };
-  return first == last ? fmt::format("day-{}.htm", plain(first))
-                       : fmt::format("day-{}_{}.htm", plain(first), plain(last));
+  return first == last ? fmt::format("day-{}.htm", isoDay(first))
+                       : fmt::format("day-{}_{}.htm", isoDay(first), isoDay(last));
 }
 
 }  // namespace

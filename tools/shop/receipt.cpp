@@ -5,7 +5,6 @@
 #include <fmt/format.h>
 
 #include "tavelor/closing/cierres.hpp"
-#include "tavelor/frame/reading.hpp"
 #include "tavelor/platform/format.hpp"
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/number_text.hpp"
@@ -16,7 +15,7 @@
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/format_global.hpp"
 #include "tavelor/services/recordset/connection.hpp"
-#include "tavelor/services/recordset/recordset.hpp"
+#include "tools/shop/rows.hpp"
 
 namespace tavelor::shop {
 
@@ -52,73 +51,54 @@ class Receipt {
 
   std::vector<std::string> text() {
     std::vector<std::string> receipt;
-    const RecordsetPtr ticket = read(
+    const Rows ticket = read(
         "SELECT Serie, Fecha, Caja, Referencia, Concepto, Total, Entrega, Cambio, "
         "Impuesto_Incluido",
         "Tickets", "Numero");
-    if (ticket->Eof()) return receipt;
-    const auto textOf = [&](std::string_view column) {
-      std::string content;
-      take(*ticket, column, content);
-      return content;
-    };
-    const auto numberOf = [&](std::string_view column) {
-      double content = 0;
-      take(*ticket, column, content);
-      return content;
-    };
-    const std::string day = format(Date(numberOf("Fecha")), "Short Date", locale());
-    receipt.push_back(spread("Ticket " + textOf("Serie") + "/" + number_, day));
-    receipt.push_back(spread("Caja " + textOf("Caja"), textOf("Concepto")));
-    if (!textOf("Referencia").empty()) receipt.push_back("Ref. " + textOf("Referencia"));
+    if (!ticket.hasRow()) return receipt;
+    const std::string day = format(ticket.day("Fecha"), "Short Date", locale());
+    receipt.push_back(spread("Ticket " + ticket.text("Serie") + "/" + number_, day));
+    receipt.push_back(spread("Caja " + ticket.text("Caja"), ticket.text("Concepto")));
+    if (!ticket.text("Referencia").empty()) receipt.push_back("Ref. " + ticket.text("Referencia"));
     addHeader(receipt);
     receipt.emplace_back(kWidth, '-');
-    add(receipt, receipt::lines(*read("SELECT Cantidad, Descripcion AS Descripción, DTO, Importe",
-                                      "Tickets_Lineas", "Numero", " ORDER BY ID")));
+    add(receipt, receipt::lines(read("SELECT Cantidad, Descripcion AS Descripción, DTO, Importe",
+                                     "Tickets_Lineas", "Numero", " ORDER BY ID")
+                                    .set()));
     receipt.emplace_back(kWidth, '-');
-    receipt.push_back(spread("TOTAL", money(numberOf("Total"))));
-    receipt.push_back(spread("Entregado", money(numberOf("Entrega"))));
-    receipt.push_back(spread("Cambio", money(numberOf("Cambio"))));
-    bool taxIncluded = false;
-    take(*ticket, "Impuesto_Incluido", taxIncluded);
-    add(receipt, receipt::taxes(*read("SELECT IVA, Sum(Importe) AS SumaDeImporte", "Tickets_Lineas",
-                                      "Numero", " GROUP BY IVA"),
-                                taxIncluded));
+    receipt.push_back(spread("TOTAL", money(ticket.number("Total"))));
+    receipt.push_back(spread("Entregado", money(ticket.number("Entrega"))));
+    receipt.push_back(spread("Cambio", money(ticket.number("Cambio"))));
+    add(receipt, receipt::taxes(read("SELECT IVA, Sum(Importe) AS SumaDeImporte", "Tickets_Lineas",
+                                     "Numero", " GROUP BY IVA")
+                                    .set(),
+                                ticket.flag("Impuesto_Incluido")));
     addComments(receipt);
     return receipt;
   }
 
  private:
-  RecordsetPtr read(std::string_view select, std::string_view table, std::string_view key,
-                    std::string_view tail = {}) {
+  Rows read(std::string_view select, std::string_view table, std::string_view key,
+            std::string_view tail = {}) {
     Statement statement(select);
     statement << " FROM " << history_ << table << " WHERE " << key << " = " << value(number_)
               << tail;
-    RecordsetPtr rows;
-    DataSession().OpenRecordset(selector::kDocuments, statement, rows, connection_);
-    return rows;
+    return {selector::kDocuments, statement, connection_};
   }
 
   void addHeader(std::vector<std::string>& receipt) {
-    const RecordsetPtr header =
-        read("SELECT Nombre, Razon_Social, NIF, Direccion, Poblacion, Provincia",
-             "Tickets_Cabecera", "Codigo");
-    if (header->Eof()) return;
-    for (std::int32_t column = 0; column < header->Fields().Count(); ++column) {
-      const Variant content = header->Field(column).Value();
-      if (content.isNull()) continue;
-      std::string line = content.toText(locale());
-      if (!line.empty()) receipt.push_back(std::move(line));
+    const Rows header = read("SELECT Nombre, Razon_Social, NIF, Direccion, Poblacion, Provincia",
+                             "Tickets_Cabecera", "Codigo");
+    if (!header.hasRow()) return;
+    for (const std::string_view column :
+         {"Nombre", "Razon_Social", "NIF", "Direccion", "Poblacion", "Provincia"}) {
+      if (std::string line = header.text(column); !line.empty()) receipt.push_back(std::move(line));
     }
   }
 
   void addComments(std::vector<std::string>& receipt) {
-    const RecordsetPtr comments = read("SELECT Comentarios", "Tickets_Comentarios", "Codigo");
-    for (; !comments->Eof(); comments->MoveNext()) {
-      std::string comment;
-      take(*comments, "Comentarios", comment);
-      receipt.push_back(std::move(comment));
-    }
+    Rows comments = read("SELECT Comentarios", "Tickets_Comentarios", "Codigo");
+    for (; comments.hasRow(); comments.next()) receipt.push_back(comments.text("Comentarios"));
   }
 
   std::string number_;

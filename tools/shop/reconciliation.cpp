@@ -8,12 +8,11 @@
 
 #include <fmt/format.h>
 
-#include "tavelor/frame/reading.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/recordset/connection.hpp"
-#include "tavelor/services/recordset/recordset.hpp"
+#include "tools/shop/rows.hpp"
 #include "tools/shop/shop.hpp"
 
 namespace tavelor::shop {
@@ -27,18 +26,6 @@ std::int64_t cents(double euros) {
 std::string money(std::int64_t amount) {
   return fmt::format("{}{}.{:02}", amount < 0 ? "-" : "", std::abs(amount) / 100,
                      std::abs(amount) % 100);
-}
-
-double numberIn(Recordset& rows, std::string_view column) {
-  double value = 0;
-  take(rows, column, value);
-  return value;
-}
-
-std::string textIn(Recordset& rows, std::string_view column) {
-  std::string value;
-  take(rows, column, value);
-  return value;
 }
 
 }  // namespace
@@ -80,11 +67,8 @@ class Reconciliation::Day {
   }
 
  private:
-  RecordsetPtr read(int selector, const Statement& statement) {
-    RecordsetPtr rows;
-    DataSession().OpenRecordset(selector, statement, rows,
-                                selector == selector::kMain ? main_ : documents_);
-    return rows;
+  Rows read(int selector, const Statement& statement) {
+    return {selector, statement, selector == selector::kMain ? main_ : documents_};
   }
 
   void add(const std::string& till, bool isHistory, const Tally& figures) {
@@ -95,31 +79,28 @@ class Reconciliation::Day {
   void readTickets(std::string_view table, bool isHistory) {
     Statement tickets("SELECT Numero, Caja, Total FROM ");
     tickets << table << " WHERE Fecha = " << value(day_);
-    for (const RecordsetPtr rows = read(selector::kDocuments, tickets); !rows->Eof();
-         rows->MoveNext()) {
-      const std::string till = textIn(*rows, "Caja");
-      tillOf_[numberIn(*rows, "Numero")] = till;
-      add(till, isHistory, {.tickets = 1, .cents = cents(numberIn(*rows, "Total"))});
+    for (Rows rows = read(selector::kDocuments, tickets); rows.hasRow(); rows.next()) {
+      const std::string till = rows.text("Caja");
+      tillOf_[rows.number("Numero")] = till;
+      add(till, isHistory, {.tickets = 1, .cents = cents(rows.number("Total"))});
     }
     Statement lines(
         "SELECT Caja, Count(*) AS Lineas, Sum(Cantidad) AS Unidades, Sum(Importe) AS Suma FROM ");
     lines << table << " INNER JOIN " << table << "_Lineas ON " << table << ".Numero = " << table
           << "_Lineas.Numero WHERE Fecha = " << value(day_) << " GROUP BY Caja";
-    for (const RecordsetPtr rows = read(selector::kDocuments, lines); !rows->Eof();
-         rows->MoveNext()) {
-      add(textIn(*rows, "Caja"), isHistory,
-          {.lines = static_cast<std::int64_t>(numberIn(*rows, "Lineas")),
-           .units = numberIn(*rows, "Unidades"),
-           .lineCents = cents(numberIn(*rows, "Suma"))});
+    for (Rows rows = read(selector::kDocuments, lines); rows.hasRow(); rows.next()) {
+      add(rows.text("Caja"), isHistory,
+          {.lines = static_cast<std::int64_t>(rows.number("Lineas")),
+           .units = rows.number("Unidades"),
+           .lineCents = cents(rows.number("Suma"))});
     }
   }
 
   void readClosings() {
     Statement statement("SELECT Caja, Sum(Total + Credito) AS Ventas FROM Cierres WHERE Fecha = ");
     statement << value(day_) << " GROUP BY Caja";
-    for (const RecordsetPtr rows = read(selector::kMain, statement); !rows->Eof();
-         rows->MoveNext()) {
-      tills_[textIn(*rows, "Caja")][kClosings] += {.cents = cents(numberIn(*rows, "Ventas"))};
+    for (Rows rows = read(selector::kMain, statement); rows.hasRow(); rows.next()) {
+      tills_[rows.text("Caja")][kClosings] += {.cents = cents(rows.number("Ventas"))};
     }
   }
 
@@ -130,14 +111,13 @@ class Reconciliation::Day {
     statement << "Estado = " << value(std::to_string(kTicketKind))
               << " AND Doc_E >= " << value(sqlNumber(tillOf_.begin()->first, 0))
               << " AND Doc_E <= " << value(sqlNumber(tillOf_.rbegin()->first, 0));
-    for (const RecordsetPtr rows = read(selector::kMain, statement); !rows->Eof();
-         rows->MoveNext()) {
-      const auto ticket = tillOf_.find(numberIn(*rows, "Doc_E"));
+    for (Rows rows = read(selector::kMain, statement); rows.hasRow(); rows.next()) {
+      const auto ticket = tillOf_.find(rows.number("Doc_E"));
       if (ticket == tillOf_.end()) continue;
-      const bool isExit = numberIn(*rows, "Movimiento") != 0;
-      const double units = numberIn(*rows, "Cantidad") * (isExit ? 1 : -1);
+      const bool isExit = rows.number("Movimiento") != 0;
+      const double units = rows.number("Cantidad") * (isExit ? 1 : -1);
       tills_[ticket->second][kMovements] +=
-          {.lines = 1, .units = units, .cents = cents(units * numberIn(*rows, "Precio"))};
+          {.lines = 1, .units = units, .cents = cents(units * rows.number("Precio"))};
     }
   }
 

@@ -2,9 +2,16 @@
 // What a sale comes to.
 #include "tools/shop/sale.hpp"
 
+#include <fmt/format.h>
+
 #include "tavelor/platform/number_text.hpp"
 
 namespace tavelor::shop {
+
+std::string isoDay(Date day) {
+  const CivilTime civil = day.civil();
+  return fmt::format("{:04}-{:02}-{:02}", civil.year, civil.month, civil.day);
+}
 
 double SaleLine::amount() const {
   return roundHalfAway(quantity * price, 2);

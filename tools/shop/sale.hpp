@@ -9,6 +9,9 @@
 
 namespace tavelor::shop {
 
+/// "2026-11-20".
+std::string isoDay(Date day);
+
 /// One article of a sale. A negative quantity is a return.
 struct SaleLine {
   std::string code;

@@ -31,10 +31,8 @@ Date timeOf(const std::string& text) {
 std::string taxCode(double rate, ConnectionPtr& connection) {
   Statement statement("SELECT Codigo FROM Tipos_Impuesto WHERE Impuesto = ");
   statement << value(sqlNumber(rate));
-  const RecordsetPtr rows = read(selector::kMain, statement, connection);
-  std::string code;
-  if (!rows->Eof()) take(*rows, "Codigo", code);
-  return code;
+  const Rows rows(selector::kMain, statement, connection);
+  return rows.hasRow() ? rows.text("Codigo") : std::string();
 }
 
 }  // namespace
@@ -121,7 +119,7 @@ bool Shop::isSold(const std::string& reference) {
   for (const std::string_view table : {"Tickets", "HTickets"}) {
     Statement statement("SELECT Numero FROM ");
     statement << table << " WHERE Referencia = '" << value(doubledQuotes(reference)) << "'";
-    if (!read(selector::kDocuments, statement, documents_)->Eof()) return true;
+    if (Rows(selector::kDocuments, statement, documents_).hasRow()) return true;
   }
   return false;
 }

@@ -16,10 +16,8 @@ namespace {
 bool isCash(const std::string& payment, ConnectionPtr& connection) {
   Statement statement("SELECT Contado FROM Formas_Pago WHERE Codigo = '");
   statement << value(doubledQuotes(payment)) << "'";
-  const RecordsetPtr rows = read(selector::kMain, statement, connection);
-  bool cash = false;
-  if (!rows->Eof()) take(*rows, "Contado", cash);
-  return cash;
+  const Rows rows(selector::kMain, statement, connection);
+  return rows.hasRow() && rows.flag("Contado");
 }
 
 }  // namespace
@@ -31,7 +29,7 @@ std::optional<Closing> Shop::close(const std::string& till, Date day) {
     BothDatabases transaction(main_, documents_);
     Recovered recovered;
     settle(startedCounters(transaction), recovered);
-    takeBackClosings(Statement("SELECT MAX(Codigo) FROM Cierres"), recovered);
+    takeBackClosings(Statement("SELECT MAX(Codigo) AS Cierre FROM Cierres"), recovered);
     const std::vector<Variant> sold = openTicketsOf(till, day);
     if (!sold.empty()) {
       closing.number = number(closings_.NuevoCodigo(main_));
@@ -160,7 +158,7 @@ std::vector<std::string> Shop::writeMissingSlips() {
   std::vector<std::string> written;
   ConnectionPtr connection = DataSession().OpenConnection(selector::kMain);
   const Statement statement("SELECT Codigo FROM Cierres ORDER BY Codigo");
-  for (const double closing : numbersOf(selector::kMain, statement, connection)) {
+  for (const double closing : numbersOf(selector::kMain, statement, "Codigo", connection)) {
     const std::string path = slipPath(closing);
     if (std::filesystem::exists(path)) continue;
     writeSlip(closing);

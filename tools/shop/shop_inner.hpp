@@ -17,7 +17,7 @@
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/recordset/connection.hpp"
-#include "tavelor/services/recordset/recordset.hpp"
+#include "tools/shop/rows.hpp"
 
 namespace tavelor::shop {
 
@@ -34,20 +34,12 @@ inline std::string text(const Variant& value) {
   return value.isNull() ? std::string() : value.toText(Apartment::current().locale());
 }
 
-inline RecordsetPtr read(int selector, const Statement& statement, ConnectionPtr& connection) {
-  RecordsetPtr rows;
-  DataSession().OpenRecordset(selector, statement, rows, connection);
-  return rows;
-}
-
-/// The first column of all rows that have one, as numbers.
+/// A column of all rows that have it, as numbers.
 inline std::vector<double> numbersOf(int selector, const Statement& statement,
-                                     ConnectionPtr& connection) {
-  const RecordsetPtr rows = read(selector, statement, connection);
+                                     std::string_view column, const ConnectionPtr& connection) {
   std::vector<double> numbers;
-  for (const Field first = rows->Field(0); !rows->Eof(); rows->MoveNext()) {
-    const Variant value = first.Value();
-    if (!value.isNull()) numbers.push_back(number(value));
+  for (Rows rows(selector, statement, connection); rows.hasRow(); rows.next()) {
+    if (!rows.isNull(column)) numbers.push_back(rows.number(column));
   }
   return numbers;
 }

@@ -55,7 +55,7 @@ Shop::Counters Shop::settle(Counters next, Recovered& recovered) {
 void Shop::finishSales(double first, Recovered& recovered) {
   Statement statement("SELECT Numero FROM Tickets WHERE Numero >= ");
   statement << value(numberText(first)) << " AND Serie = '" << kSeries << "' ORDER BY Numero";
-  for (const double ticket : numbersOf(selector::kDocuments, statement, documents_)) {
+  for (const double ticket : numbersOf(selector::kDocuments, statement, "Numero", documents_)) {
     if (hasMovedStock(ticket)) continue;
     moveStock(storedSale(ticket), ticket);
     recovered.sales.push_back(ticket);
@@ -65,20 +65,18 @@ void Shop::finishSales(double first, Recovered& recovered) {
 bool Shop::hasMovedStock(double ticket) {
   Statement statement("SELECT Id FROM Articulos_Movimientos_Almacen WHERE Estado = ");
   statement << value(std::to_string(kTicketKind)) << " AND Doc_E = " << value(numberText(ticket));
-  return !read(selector::kMain, statement, main_)->Eof();
+  return Rows(selector::kMain, statement, main_).hasRow();
 }
 
 /// What moveStock needs of a live ticket.
 Sale Shop::storedSale(double ticket) {
   Statement statement("SELECT Referencia, Fecha, Concepto FROM Tickets WHERE Numero = ");
   statement << value(numberText(ticket));
-  const RecordsetPtr row = read(selector::kDocuments, statement, documents_);
+  const Rows row(selector::kDocuments, statement, documents_);
   Sale sale;
-  take(*row, "Referencia", sale.reference);
-  take(*row, "Concepto", sale.time);
-  double day = 0;
-  take(*row, "Fecha", day);
-  sale.day = Date(day);
+  sale.reference = row.text("Referencia");
+  sale.time = row.text("Concepto");
+  sale.day = Date(row.number("Fecha"));
 
   lines_.IniciaRs(documents_, "seleccion", ticket);
   const RecordsetPtr rows = lines_.DataMember("Primary");
@@ -94,9 +92,10 @@ Sale Shop::storedSale(double ticket) {
   return sale;
 }
 
-/// Deletes those of the closings that a program died over. `candidates` gives their numbers.
+/// Deletes those of the closings that a program died over. `candidates` gives their numbers as
+/// Cierre.
 void Shop::takeBackClosings(const Statement& candidates, Recovered& recovered) {
-  for (const double closing : numbersOf(selector::kMain, candidates, main_)) {
+  for (const double closing : numbersOf(selector::kMain, candidates, "Cierre", main_)) {
     if (!isUnfinished(closing)) continue;
     closings_.DeleteAll(closing, main_);
     Statement statement("DELETE FROM Cierres WHERE Codigo = ");
@@ -113,24 +112,21 @@ bool Shop::isUnfinished(double closing) {
   const auto rowsOf = [&](int selector, std::string_view select, ConnectionPtr& connection) {
     Statement statement("SELECT ");
     statement << select << " = " << value(code);
-    return read(selector, statement, connection);
+    return Rows(selector, statement, connection);
   };
   const auto hasRows = [&](int selector, std::string_view select, ConnectionPtr& connection) {
-    return !rowsOf(selector, select, connection)->Eof();
+    return rowsOf(selector, select, connection).hasRow();
   };
   if (!hasRows(selector::kMain, "Cierre FROM Cierres_Familias WHERE Cierre", main_) ||
       hasRows(selector::kDocuments, "Numero FROM HTickets WHERE Cierre", documents_) ||
       hasRows(selector::kDocuments, "Numero FROM Tickets WHERE Cierre", documents_)) {
     return false;
   }
-  const RecordsetPtr row =
+  const Rows row =
       rowsOf(selector::kMain, "Caja, Fecha FROM Cierres WHERE Facturado = 0 AND Codigo", main_);
-  if (row->Eof()) return false;
-  std::string till;
-  double day = 0;
-  take(*row, "Caja", till);
-  take(*row, "Fecha", day);
-  return day != 0 && !openTicketsOf(till, Date(day)).empty();
+  if (!row.hasRow()) return false;
+  const double day = row.number("Fecha");
+  return day != 0 && !openTicketsOf(row.text("Caja"), Date(day)).empty();
 }
 
 }  // namespace tavelor::shop
