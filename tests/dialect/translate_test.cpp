@@ -271,6 +271,27 @@ TEST(Order, GoesByColumnFirstThenAliasThenNumber) {
             "ORDER BY 1");
 }
 
+// An engine takes a bare whole number there for the place of a column.
+TEST(Order, AndGroupByAConstantAreNoPlaces) {
+  const auto tail = [](std::string_view text) {
+    const std::string sql = sqlOf(text);
+    return sql.substr(sql.find(" BY ") + 4);
+  };
+  EXPECT_EQ(tail("SELECT Max(Orden) FROM Bancos GROUP BY 1"), "CAST(1 AS NUMERIC)");
+  EXPECT_EQ(tail("SELECT Max(Orden) FROM Bancos GROUP BY -444444, Codigo, True"),
+            "CAST(-444444 AS NUMERIC), Codigo, CAST(-1 AS NUMERIC)");
+  EXPECT_EQ(tail("SELECT Max(Orden) FROM Bancos GROUP BY #1/1/2001#, 'x', Null"),
+            "CAST(36892 AS NUMERIC), 'x', NULL");
+  EXPECT_EQ(tail("SELECT Orden FROM Apuntes, Bancos ORDER BY False, 1, #1/1/2001# DESC"),
+            "CAST(0 AS NUMERIC), 1, CAST(36892 AS NUMERIC) DESC");
+}
+
+TEST(Expressions, OfTwoSignsAreNoComment) {
+  EXPECT_EQ(sqlOf("SELECT -(-Orden), -True, - -1, -(-(1)) FROM Apuntes, Bancos ORDER BY -(-3)"),
+            "SELECT -(-Bancos.Orden), -(-1), -(?1), -(-(?2)) FROM Apuntes, Bancos "
+            "ORDER BY CAST(-(-3) AS NUMERIC)");
+}
+
 TEST(Insert, WithoutColumnsGoesByTheNamesOfTheSelect) {
   EXPECT_EQ(sqlOf("INSERT INTO HApuntes SELECT Apuntes.* FROM Apuntes WHERE Banco = 'a'"),
             "INSERT INTO HApuntes (Id, Banco, Importe, Fecha, Concepto) "

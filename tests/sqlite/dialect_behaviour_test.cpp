@@ -71,6 +71,14 @@ class DialectBehaviour : public testing::Test {
                            Locale::spanish(), dialect::sqliteWriter()};
 };
 
+TEST_F(DialectBehaviour, GroupingByAConstantIsOneGroup) {
+  EXPECT_EQ(first("SELECT Count(*) FROM Tarifas GROUP BY 1"), "2");
+  EXPECT_EQ(first("SELECT Count(*) FROM Tarifas GROUP BY 444444"), "2");
+  EXPECT_EQ(first("SELECT Count(*) FROM Tarifas GROUP BY True, -(-1), #1/1/2001#"), "2");
+  EXPECT_EQ(first("SELECT Count(*) FROM Tarifas WHERE Orden = 9 GROUP BY 1"), "none");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Activo = True ORDER BY False, -True"), "a");
+}
+
 TEST_F(DialectBehaviour, QuotedNumbersAreReadByTheLocale) {
   EXPECT_EQ(value("Precio"), "1.5");
   run("UPDATE Tarifas SET Precio = Precio + '1.000,25' WHERE Codigo = 'a'");

@@ -1,33 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Tree to text, as all engines have it.
+// Tree to text, as all engines have it: statements.
 #include "tavelor/services/dialect/writer.hpp"
-
-#include <algorithm>
-#include <array>
-#include <optional>
-
-#include <fmt/format.h>
-
-#include "tavelor/platform/date_text.hpp"
-#include "tavelor/services/dialect/functions.hpp"
 
 namespace tavelor::dialect {
 
 namespace {
-
-// How tightly operators bind in the engines' texts; what binds less than its place asks for goes
-// into parentheses.
-enum Level : int {
-  kOrLevel = 1,
-  kAndLevel,
-  kNotLevel,
-  kCompareLevel,
-  kAddLevel,
-  kMultiplyLevel,
-  kConcatLevel,
-  kSignLevel,
-  kAtomLevel
-};
 
 bool isPlainName(std::string_view name) {
   const auto isLetter = [](char c) {
@@ -41,93 +18,18 @@ bool isPlainName(std::string_view name) {
   return true;
 }
 
-std::string_view comparisonSign(Operator op) {
-  switch (op) {
-    case Operator::kEqual:
-      return " = ";
-    case Operator::kNotEqual:
-      return " <> ";
-    case Operator::kLess:
-      return " < ";
-    case Operator::kLessEqual:
-      return " <= ";
-    case Operator::kGreater:
-      return " > ";
-    default:
-      return " >= ";
-  }
-}
-
-int levelOf(const Expr& expr) {
-  switch (expr.kind) {
-    case ExprKind::kNegate:
-      return kSignLevel;
-    case ExprKind::kNot:
-      return kNotLevel;
-    case ExprKind::kBinary:
-      switch (expr.op) {
-        case Operator::kOr:
-          return kOrLevel;
-        case Operator::kAnd:
-          return kAndLevel;
-        case Operator::kAdd:
-          return engine::isText(expr.type.column) ? kConcatLevel : kAddLevel;
-        case Operator::kSubtract:
-          return kAddLevel;
-        case Operator::kMultiply:
-          return kMultiplyLevel;
-        case Operator::kJoin:
-          return kConcatLevel;
-        default:
-          return kAtomLevel;
-      }
-    case ExprKind::kLike:
-      return expr.negated ? kNotLevel : kAtomLevel;
-    case ExprKind::kCompare:
-    case ExprKind::kBetween:
-    case ExprKind::kIn:
-    case ExprKind::kInSelect:
-    case ExprKind::kIsNull:
-      return kCompareLevel;
-    case ExprKind::kCast:
-      if (expr.cast == Cast::kPredicateOfNumber) return kCompareLevel;
-      if (expr.cast == Cast::kNumberOfPredicate || expr.cast == Cast::kFlag) return kSignLevel;
-      return kAtomLevel;
-    case ExprKind::kCall:
-      return expr.function->kind == FunctionKind::kIsNull ? kCompareLevel : kAtomLevel;
-    default:
-      return kAtomLevel;
-  }
-}
-
-std::int64_t typeNumber(const Type& type) {
-  return static_cast<std::int64_t>(type.column);
-}
-
-void quoteText(std::string& out, std::string_view text) {
-  out.push_back('\'');
-  for (const char c : text) {
-    if (c == '\'') out.push_back('\'');
-    out.push_back(c);
-  }
-  out.push_back('\'');
-}
-
-/// The texts joined by a chain of &, from the left.
-void collectJoined(const Expr& expr, std::vector<const Expr*>& parts) {
-  if (expr.kind == ExprKind::kBinary && expr.op == Operator::kJoin) {
-    collectJoined(*expr.left, parts);
-    collectJoined(*expr.right, parts);
-  } else {
-    parts.push_back(&expr);
-  }
-}
-
 /// One row without a table. As VALUES it runs at twice the speed.
 bool isOneRow(const Select& select) {
   return select.sources == nullptr && select.where == nullptr && select.having == nullptr &&
          select.unionNext == nullptr && select.orderBy == nullptr && select.top < 0 &&
          !select.grouped;
+}
+
+/// A constant that an engine would read as a whole number.
+bool isConstantNumber(const Expr& expr) {
+  if (expr.kind == ExprKind::kNegate) return isConstantNumber(*expr.left);
+  if (expr.kind == ExprKind::kLiteral) return expr.literal.literalKind != LiteralKind::kText;
+  return expr.kind == ExprKind::kBoolean;
 }
 
 }  // namespace
@@ -205,302 +107,6 @@ void StepText::join(const Join& tree) {
   expression(*tree.condition);
 }
 
-void StepText::conjunct(const Expr& condition) {
-  expression(condition, kAndLevel);
-}
-
-void StepText::expression(const Expr& expr, int level) {
-  const int own = levelOf(expr);
-  const bool parentheses = own < level;
-  if (parentheses) *this << "(";
-  bare(expr, own);
-  if (parentheses) *this << ")";
-}
-
-void StepText::bare(const Expr& expr, int level) {
-  switch (expr.kind) {
-    case ExprKind::kLiteral:
-      return literal(expr);
-    case ExprKind::kNull:
-      *this << "NULL";
-      return;
-    case ExprKind::kBoolean:
-      *this << (expr.negated ? "0" : "-1");
-      return;
-    case ExprKind::kColumn:
-      return column(expr, expr.qualified);
-    case ExprKind::kStar:
-      *this << "*";
-      return;
-    case ExprKind::kNegate:
-      *this << "-";
-      return expression(*expr.left, kAtomLevel);
-    case ExprKind::kNot:
-      *this << "NOT ";
-      return expression(*expr.left, kNotLevel);
-    case ExprKind::kBinary:
-      return binary(expr, level);
-    case ExprKind::kCompare:
-      return compare(expr, level);
-    case ExprKind::kLike:
-      return like(expr);
-    case ExprKind::kBetween:
-      return between(expr, level);
-    case ExprKind::kIn:
-    case ExprKind::kInSelect:
-      return membership(expr, level);
-    case ExprKind::kIsNull:
-      expression(*expr.left, level + 1);
-      *this << (expr.negated ? " IS NOT NULL" : " IS NULL");
-      return;
-    case ExprKind::kExists:
-      *this << "EXISTS ";
-      [[fallthrough]];
-    case ExprKind::kSubselect:
-      *this << "(";
-      select(*expr.select);
-      *this << ")";
-      return;
-    case ExprKind::kCall:
-      return call(expr);
-    case ExprKind::kCast:
-      return cast(expr);
-  }
-}
-
-void StepText::literal(const Expr& expr) {
-  const Token& token = expr.literal;
-  if (token.literal >= 0) return placeholder(expr);
-  const std::string_view written = statement_.substr(token.begin, token.end - token.begin);
-  switch (token.literalKind) {
-    case LiteralKind::kText:
-      return quoteText(step_.sql, unquoted(written));
-    case LiteralKind::kDate: {
-      const std::optional<Date> date = parseSqlDate(written.substr(1, written.size() - 2));
-      fmt::format_to(std::back_inserter(step_.sql), "{}", date->days());
-      return;
-    }
-    default:
-      *this << written;
-      return;
-  }
-}
-
-void StepText::placeholder(const Expr& expr) {
-  if (expr.step != number_) {
-    Parameter parameter;
-    parameter.literal = expr.literal.literal;
-    parameter.conversion = expr.conversion;
-    parameter.columnType = expr.meets;
-    parameter.compared = expr.compared;
-    if (expr.assignedTo != nullptr) {
-      parameter.column = expr.assignedTo->name;
-      if (expr.assignedTo->type == ColumnType::kText) parameter.maxLength = expr.assignedTo->size;
-    }
-    step_.parameters.push_back(std::move(parameter));
-    expr.step = number_;
-    expr.placeholder = static_cast<std::int32_t>(step_.parameters.size());
-  }
-  writer_.placeholder(step_.sql, expr.placeholder);
-}
-
-void StepText::function(std::string_view name, const Expr& first, const Expr& second) {
-  *this << name << "(";
-  expression(first);
-  *this << ", ";
-  expression(second);
-  *this << ")";
-}
-
-void StepText::binary(const Expr& expr, int level) {
-  std::string_view sign;
-  switch (expr.op) {
-    case Operator::kDivide:
-      return function("tv_div", *expr.left, *expr.right);
-    case Operator::kWholeDivide:
-      return function("tv_intdiv", *expr.left, *expr.right);
-    case Operator::kModulo:
-      return function("tv_mod", *expr.left, *expr.right);
-    case Operator::kPower:
-      return function("tv_power", *expr.left, *expr.right);
-    case Operator::kJoin:
-      return joinedTexts(expr);
-    case Operator::kOr:
-      sign = " OR ";
-      break;
-    case Operator::kAnd:
-      sign = " AND ";
-      break;
-    case Operator::kAdd:
-      sign = level == kConcatLevel ? " || " : " + ";
-      break;
-    case Operator::kSubtract:
-      sign = " - ";
-      break;
-    default:
-      sign = " * ";
-      break;
-  }
-  const bool groupsAlike = expr.op == Operator::kAnd || expr.op == Operator::kOr;
-  expression(*expr.left, level);
-  *this << sign;
-  expression(*expr.right, groupsAlike ? level : level + 1);
-}
-
-/// Null counts as an empty text, and only all Null make Null.
-void StepText::joinedTexts(const Expr& expr) {
-  std::vector<const Expr*> parts;
-  collectJoined(expr, parts);
-  const auto isNeverNull = [](const Expr* part) { return part->kind == ExprKind::kLiteral; };
-  const bool mayBeNull = std::none_of(parts.begin(), parts.end(), isNeverNull);
-  if (mayBeNull) {
-    *this << "CASE WHEN coalesce(";
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-      if (i > 0) *this << ", ";
-      expression(*parts[i]);
-    }
-    *this << ") IS NOT NULL THEN ";
-  }
-  for (std::size_t i = 0; i < parts.size(); ++i) {
-    if (i > 0) *this << " || ";
-    if (isNeverNull(parts[i])) {
-      expression(*parts[i], kConcatLevel);
-    } else {
-      *this << "coalesce(";
-      expression(*parts[i]);
-      *this << ", '')";
-    }
-  }
-  if (mayBeNull) *this << " END";
-}
-
-void StepText::compare(const Expr& expr, int level) {
-  expression(*expr.left, level + 1);
-  *this << comparisonSign(expr.op);
-  expression(*expr.right, level + 1);
-}
-
-void StepText::between(const Expr& expr, int level) {
-  expression(*expr.left, level + 1);
-  *this << (expr.negated ? " NOT BETWEEN " : " BETWEEN ");
-  function(writer_.smaller(), *expr.right, *expr.third);
-  *this << " AND ";
-  function(writer_.larger(), *expr.right, *expr.third);
-}
-
-void StepText::like(const Expr& expr) {
-  if (expr.negated) *this << "NOT ";
-  function("tv_like", *expr.left, *expr.right);
-}
-
-void StepText::membership(const Expr& expr, int level) {
-  expression(*expr.left, level + 1);
-  *this << (expr.negated ? " NOT IN (" : " IN (");
-  if (expr.kind == ExprKind::kIn) {
-    list(expr.arguments);
-  } else {
-    select(*expr.select);
-  }
-  *this << ")";
-}
-
-void StepText::list(const Expr* first) {
-  for (const Expr* expr = first; expr != nullptr; expr = expr->next) {
-    if (expr != first) *this << ", ";
-    expression(*expr);
-  }
-}
-
-void StepText::call(const Expr& expr) {
-  const Function& function = *expr.function;
-  const Expr* first = expr.arguments;
-  switch (function.kind) {
-    case FunctionKind::kIsNull:
-      expression(*first, kCompareLevel + 1);
-      *this << " IS NULL";
-      return;
-    case FunctionKind::kNz:
-      return this->function("coalesce", *first, *first->next);
-    case FunctionKind::kIIf:
-      *this << "CASE WHEN ";
-      expression(*first);
-      *this << " THEN ";
-      expression(*first->next);
-      *this << " ELSE ";
-      expression(*first->next->next);
-      *this << " END";
-      return;
-    case FunctionKind::kDatePart:
-      *this << "tv_part('" << function.engineName << "', ";
-      break;
-    default:
-      *this << function.engineName << "(";
-      break;
-  }
-  list(first);
-  if (function.kind == FunctionKind::kTyped) {
-    if (first->next == nullptr) *this << ", NULL";
-    *this << ", " << typeNumber(first->type);
-  } else if (function.engineName == "tv_round" && first->next == nullptr) {
-    *this << ", 0";
-  }
-  *this << ")";
-}
-
-void StepText::truth(const Expr& condition) {
-  *this << writer_.beforeTruth();
-  expression(condition);
-  *this << writer_.behindTruth();
-}
-
-void StepText::cast(const Expr& expr) {
-  std::string_view function;
-  std::int64_t second = -1;
-  switch (expr.cast) {
-    case Cast::kNone:
-      return expression(*expr.left);
-    case Cast::kNumberOfPredicate:
-      return truth(*expr.left);
-    case Cast::kPredicateOfNumber:
-      expression(*expr.left, kCompareLevel + 1);
-      *this << " <> 0";
-      return;
-    case Cast::kFlag:
-      *this << writer_.beforeTruth();
-      expression(*expr.left, kCompareLevel + 1);
-      *this << " <> 0" << writer_.behindTruth();
-      return;
-    case Cast::kNumber:
-      function = "tv_number(";
-      break;
-    case Cast::kDate:
-      function = "tv_date(";
-      break;
-    case Cast::kText:
-      function = "tv_text(";
-      second = typeNumber(expr.left->type);
-      break;
-    case Cast::kCurrency:
-      function = "tv_currency(";
-      break;
-    case Cast::kWhole:
-      function = "tv_whole(";
-      second = typeNumber(expr.type);
-      break;
-    case Cast::kSingle:
-      function = "tv_single(";
-      break;
-    case Cast::kFit:
-      function = "tv_fit(";
-      second = expr.size;
-      break;
-  }
-  *this << function;
-  expression(*expr.left);
-  if (second >= 0) *this << ", " << second;
-  *this << ")";
-}
-
 void StepText::select(const Select& select) {
   for (const Select* part = &select; part != nullptr; part = part->unionNext) {
     selectPart(*part);
@@ -526,7 +132,10 @@ void StepText::selectPart(const Select& part) {
   }
   if (part.groupBy != nullptr) {
     *this << " GROUP BY ";
-    list(part.groupBy);
+    for (const Expr* group = part.groupBy; group != nullptr; group = group->next) {
+      if (group != part.groupBy) *this << ", ";
+      key(*group);
+    }
   }
   if (part.having != nullptr) {
     *this << " HAVING ";
@@ -544,10 +153,19 @@ void StepText::order(const OrderItem* items, const Select& select) {
     } else if (item->position > 0) {
       *this << std::int64_t{item->position};
     } else {
-      expression(*item->expr);
+      key(*item->expr);
     }
     if (item->descending) *this << " DESC";
   }
+}
+
+/// An expression to group or to sort by. An engine takes a bare whole number there for the place of
+/// a column.
+void StepText::key(const Expr& expr) {
+  if (!isConstantNumber(expr)) return expression(expr);
+  *this << "CAST(";
+  expression(expr);
+  *this << " AS NUMERIC)";
 }
 
 void StepText::insert(const TreeStatement& tree) {

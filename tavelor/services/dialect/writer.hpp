@@ -88,6 +88,7 @@ class StepText {
   void list(const Expr* first);
   void selectPart(const Select& part);
   void order(const OrderItem* items, const Select& select);
+  void key(const Expr& expr);
   void insert(const TreeStatement& tree);
   void update(const TreeStatement& tree);
   void remove(const TreeStatement& tree);
