@@ -140,7 +140,7 @@ class Translation {
                 {}};
     for (std::size_t i = 0; i < std::min(count, lines.size()); ++i) {
       const Line& line = lines[i];
-      std::string text = line.task->statement.text().substr(0, 80);
+      std::string text(line.task->statement.text().substr(0, 80));
       while (!text.empty() && (static_cast<unsigned char>(text.back()) & 0x80) != 0)
         text.pop_back();
       table.rows.push_back({text, fmt::format("{:.1f}", line.engine),

@@ -43,9 +43,9 @@ Moment momentOf(double days) {
 std::int64_t dayNumber(std::int64_t year, int month, int day) {
   if (month <= 2) --year;
   const std::int64_t era = (year >= 0 ? year : year - 399) / 400;
-  const std::int64_t yearOfEra = year - era * 400;
-  const std::int64_t dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
-  const std::int64_t dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
+  const auto yearOfEra = static_cast<int>(year - era * 400);
+  const int dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
+  const int dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
   constexpr std::int64_t kDaysFromYearZero = 693899;  // 0000-03-01 to 1899-12-30
   return era * 146097 + dayOfEra - kDaysFromYearZero;
 }
@@ -82,9 +82,9 @@ int daysInMonth(int year, int month) {
 
 std::optional<Date> Date::tryOf(const CivilTime& civil) {
   if (civil.year < kFirstYear || civil.year > kLastYear || civil.month < 1 || civil.month > 12 ||
-      civil.day < 1 || civil.day > daysInMonth(civil.year, civil.month) || civil.hour < 0 ||
-      civil.hour > 23 || civil.minute < 0 || civil.minute > 59 || civil.second < 0 ||
-      civil.second > 59) {
+      civil.day < 1 || (civil.day > 28 && civil.day > daysInMonth(civil.year, civil.month)) ||
+      civil.hour < 0 || civil.hour > 23 || civil.minute < 0 || civil.minute > 59 ||
+      civil.second < 0 || civil.second > 59) {
     return std::nullopt;
   }
   return Date(daysOf(dayNumber(civil.year, civil.month, civil.day),

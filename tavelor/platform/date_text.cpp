@@ -94,6 +94,20 @@ class Names {
   const Locale& locale_;
 };
 
+/// "03/15/2026", month first, which is what nearly all literals of statements are. Nothing for any
+/// other text.
+std::optional<Date> readPlainDay(std::string_view text) {
+  if (text.size() != 10 || text[2] != '/' || text[5] != '/') return std::nullopt;
+  const auto digit = [&](std::size_t i) {
+    return static_cast<unsigned>(text[i]) - static_cast<unsigned>('0');
+  };
+  const auto two = [&](std::size_t i) { return static_cast<int>(digit(i) * 10 + digit(i + 1)); };
+  for (const std::size_t i : {0U, 1U, 3U, 4U, 6U, 7U, 8U, 9U}) {
+    if (digit(i) > 9) return std::nullopt;
+  }
+  return Date::tryOf({.year = two(6) * 100 + two(8), .month = two(0), .day = two(3)});
+}
+
 /// Reads a date and a time, once each and in any order. Orders are tried as given.
 class DateReader {
  public:
@@ -299,6 +313,7 @@ std::optional<Date> parseDate(std::string_view text, const Locale& locale) {
 }
 
 std::optional<Date> parseSqlDate(std::string_view text) {
+  if (const auto day = readPlainDay(text)) return day;
   static constexpr std::array kOrders{kMdy, kDmy, kYmd};
   // A year in front wants its four digits: "24-03-05" is March the 24th.
   return DateReader(*Locale::neutral(), kOrders).read(text);

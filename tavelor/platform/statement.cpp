@@ -2,18 +2,19 @@
 // Statement text that remembers which bytes came from values.
 #include "tavelor/platform/statement.hpp"
 
+#include <cstddef>
+
 namespace tavelor {
 
 Statement& Statement::operator<<(const Statement& part) {
   const auto shift = static_cast<std::uint32_t>(text_.size());
   // By count, because the part may be this very statement.
-  const std::size_t count = part.ranges_.size();
-  ranges_.reserve(ranges_.size() + count);
+  const std::size_t count = part.ranges().size();
   for (std::size_t i = 0; i < count; ++i) {
-    const Range range = part.ranges_[i];
-    ranges_.push_back({range.begin + shift, range.end + shift});
+    const Range range = part.ranges()[i];
+    ranges_.append(Range{range.begin + shift, range.end + shift});
   }
-  text_.append(part.text_);
+  text_.append(part.text());
   return *this;
 }
 

@@ -2,11 +2,11 @@
 // Statement text that remembers which bytes came from values.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <string>
+#include <span>
 #include <string_view>
-#include <vector>
+
+#include "tavelor/platform/short_buffer.hpp"
 
 namespace tavelor {
 
@@ -33,10 +33,7 @@ class Statement {
 
   Statement() = default;
   /// The library's own text, trusted.
-  explicit Statement(std::string_view trusted) {
-    text_.reserve(trusted.size() + kRoom);
-    text_.append(trusted);
-  }
+  explicit Statement(std::string_view trusted) { text_.append(trusted); }
 
   Statement& operator<<(std::string_view trusted) {
     text_.append(trusted);
@@ -45,23 +42,21 @@ class Statement {
   Statement& operator<<(Value value) {
     const auto begin = static_cast<std::uint32_t>(text_.size());
     text_.append(value.text);
-    if (ranges_.capacity() == 0) ranges_.reserve(kUsualValues);
-    ranges_.push_back({begin, static_cast<std::uint32_t>(text_.size())});
+    ranges_.append(Range{begin, static_cast<std::uint32_t>(text_.size())});
     return *this;
   }
   /// Appends another statement with its ranges.
   Statement& operator<<(const Statement& part);
 
-  const std::string& text() const { return text_; }
-  const std::vector<Range>& ranges() const { return ranges_; }
+  /// Good until the statement grows or goes.
+  std::string_view text() const { return {text_.data(), text_.size()}; }
+  std::span<const Range> ranges() const { return ranges_.elements(); }
 
  private:
-  // What most statements come to, so that joining one allocates twice and not seven times.
-  static constexpr std::size_t kRoom = 96;
-  static constexpr std::size_t kUsualValues = 16;
-
-  std::string text_;
-  std::vector<Range> ranges_;
+  // Room for most statements: they are joined by the thousand, and the heap would cost as much as
+  // the joining.
+  ShortBuffer<char, 256> text_;
+  ShortBuffer<Range, 12> ranges_;
 };
 
 /// Marks a text as a value from outside.

@@ -66,11 +66,7 @@ std::string valueText(const engine::Value& value) {
 
 engine::Value valueOf(const Shape& shape, const Parameter& parameter) {
   const auto index = static_cast<std::size_t>(parameter.literal);
-  Lifted lifted{shape.literals[index]};
-  lifted.quoted = shape.kinds[index] == LiteralKind::kText;
-  if (shape.kinds[index] == LiteralKind::kDate) {
-    lifted.day = parseSqlDate(lifted.text).value().days();
-  }
+  const Lifted lifted = lift(shape.literals[index], shape.kinds[index]);
   return LiteralReader(*Locale::spanish()).read(lifted, parameter);
 }
 

@@ -214,15 +214,61 @@ TEST_F(PlanCacheTest, ABareValueMustBeOneNumberBeforeAndAfterAHit) {
 
 TEST_F(PlanCacheTest, ANumberOfAnAssignmentMayBeWholeOrNot) {
   run(insertBare("1"));
-  for (const char* text : {"2.5", "-3", "+4", "12345678901234567890", ".5", "-0.25"}) {
+  for (const char* text : {"2.5", "-3", "+4", "123456789.012345", "5.", ".5", "-0.25"}) {
     run(insertBare(text));
   }
-  EXPECT_EQ(cache.counters().shapeHits, 6U);
+  EXPECT_EQ(cache.counters().shapeHits, 7U);
   EXPECT_THAT(journal.bound, ElementsAre("real -0.250000"));
   run(insertBare("9223372036854775807"));
   EXPECT_THAT(journal.bound, ElementsAre("whole 9223372036854775807"));
   run(insertBare("1e3"));
   EXPECT_THAT(journal.bound, ElementsAre("real 1000.000000"));
+}
+
+// Texts are looked at eight bytes at a time: every place of every length must be seen.
+TEST_F(PlanCacheTest, AQuoteInAValueIsSeenWhereverItStands) {
+  run(byCode("1"));
+  for (std::size_t length = 1; length <= 26; ++length) {
+    for (std::size_t place = 0; place < length; ++place) {
+      std::string text(length, 'x');
+      text[place] = '\'';
+      EXPECT_THROW(run(byCode(text)), Error) << text;
+      text[place] = '\0';
+      EXPECT_THROW(run(byCode(text)), Error) << length << ", " << place;
+      text[place] = '\xFF';
+      EXPECT_THROW(run(byCode(text)), Error) << length << ", " << place;
+      text[place] = '"';
+      run(byCode(text));
+      ASSERT_THAT(journal.bound, ElementsAre("text " + text));
+    }
+  }
+}
+
+TEST_F(PlanCacheTest, ATextWithoutValuesIsRememberedWhenItComesAgain) {
+  const Statement text("DELETE FROM Lineas WHERE Codigo = 'a' AND Cantidad > 1.5");
+  run(text);
+  run(text);
+  EXPECT_EQ(cache.counters().shapeHits, 0U);
+  run(text);
+  EXPECT_EQ(cache.counters().shapeHits, 1U);
+  EXPECT_THAT(journal.bound, ElementsAre("text a", "real 1.500000"));
+  run(Statement("DELETE FROM Lineas WHERE Codigo = 'b' AND Cantidad > 1.5"));
+  EXPECT_THAT(journal.bound, ElementsAre("text b", "real 1.500000"));
+  run(text);
+  EXPECT_THAT(journal.bound, ElementsAre("text a", "real 1.500000"));
+  EXPECT_EQ(cache.counters().shapeHits, 2U);
+  EXPECT_EQ(cache.counters().translated, 1U);
+}
+
+TEST_F(PlanCacheTest, WhatOnlyTheLexerCanJudgeIsRememberedOnce) {
+  run(insertBare("1"));
+  for (int count = 0; count < 20; ++count) run(insertBare("12345678901234567890"));
+  EXPECT_THAT(journal.bound, ElementsAre("real 12345678901234567168.000000"));
+  EXPECT_EQ(cache.counters().lexedHits, 20U);
+  run(insertBare("2"));
+  run(insertBare("2.5"));
+  EXPECT_EQ(cache.counters().shapeHits, 2U);
+  EXPECT_EQ(cache.counters().translated, 1U);
 }
 
 TEST_F(PlanCacheTest, AWholeNumberAndADecimalOneInACriterionAreTwoShapes) {

@@ -12,12 +12,16 @@ namespace {
 
 using Ranges = std::vector<Statement::Range>;
 
+Ranges rangesOf(const Statement& statement) {
+  return {statement.ranges().begin(), statement.ranges().end()};
+}
+
 TEST(Statement, IsTheJoinedText) {
   Statement statement("SELECT Http as web FROM Bancos WHERE codigo = '");
   const std::string id = "001";
   statement << value(id) << "'";
   EXPECT_EQ(statement.text(), "SELECT Http as web FROM Bancos WHERE codigo = '001'");
-  EXPECT_EQ(statement.ranges(), (Ranges{{47, 50}}));
+  EXPECT_EQ(rangesOf(statement), (Ranges{{47, 50}}));
 }
 
 TEST(Statement, TrustedTextLeavesNoRange) {
@@ -32,7 +36,7 @@ TEST(Statement, AnEmptyValueHasAnEmptyRange) {
   Statement statement("a");
   statement << value("") << "b";
   EXPECT_EQ(statement.text(), "ab");
-  EXPECT_EQ(statement.ranges(), (Ranges{{1, 1}}));
+  EXPECT_EQ(rangesOf(statement), (Ranges{{1, 1}}));
 }
 
 TEST(Statement, AnotherStatementBringsItsRanges) {
@@ -41,7 +45,7 @@ TEST(Statement, AnotherStatementBringsItsRanges) {
   Statement statement("DELETE FROM t");
   statement << value("x") << where << ";";
   EXPECT_EQ(statement.text(), "DELETE FROM tx WHERE a = 1;");
-  EXPECT_EQ(statement.ranges(), (Ranges{{13, 14}, {25, 26}}));
+  EXPECT_EQ(rangesOf(statement), (Ranges{{13, 14}, {25, 26}}));
 }
 
 TEST(Statement, CanBeAppendedToItself) {
@@ -49,7 +53,44 @@ TEST(Statement, CanBeAppendedToItself) {
   statement << value("1");
   statement << statement;
   EXPECT_EQ(statement.text(), "a1a1");
-  EXPECT_EQ(statement.ranges(), (Ranges{{1, 2}, {3, 4}}));
+  EXPECT_EQ(rangesOf(statement), (Ranges{{1, 2}, {3, 4}}));
+}
+
+// Short ones lie in the object itself, long ones on the heap.
+TEST(Statement, GrowsAsFarAsItMust) {
+  Statement statement("a");
+  statement << value("1");
+  std::string text = "a1";
+  Ranges ranges{{1, 2}};
+  for (int doubled = 0; doubled < 12; ++doubled) {
+    const auto size = static_cast<std::uint32_t>(text.size());
+    const std::size_t count = ranges.size();
+    for (std::size_t i = 0; i < count; ++i) {
+      ranges.push_back({ranges[i].begin + size, ranges[i].end + size});
+    }
+    text += text;
+    statement << statement;
+    ASSERT_EQ(statement.text(), text);
+    ASSERT_EQ(rangesOf(statement), ranges);
+  }
+  const std::string million(1'000'000, 'x');
+  statement << value(million) << "";
+  EXPECT_EQ(statement.text(), text + million);
+  EXPECT_EQ(rangesOf(statement).back().end - rangesOf(statement).back().begin, million.size());
+  const Statement copy = statement;
+  EXPECT_EQ(copy.text(), statement.text());
+  EXPECT_NE(copy.text().data(), statement.text().data());
+}
+
+TEST(Statement, IsCopiedAndMovedWithItsRanges) {
+  Statement statement("a = ");
+  statement << value("1") << " AND b = " << value("");
+  Statement copy = statement;
+  statement << value("2");
+  EXPECT_EQ(copy.text(), "a = 1 AND b = ");
+  EXPECT_EQ(rangesOf(copy), (Ranges{{4, 5}, {14, 14}}));
+  const Statement moved = std::move(copy);
+  EXPECT_EQ(moved.text(), "a = 1 AND b = ");
 }
 
 }  // namespace

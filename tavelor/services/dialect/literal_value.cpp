@@ -2,7 +2,9 @@
 // The text of a literal as the value of a placeholder.
 #include "tavelor/services/dialect/literal_value.hpp"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -15,6 +17,7 @@
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/text.hpp"
+#include "tavelor/services/dialect/words.hpp"
 
 namespace tavelor::dialect {
 
@@ -29,94 +32,107 @@ std::string inColumn(const Parameter& parameter) {
   return parameter.column.empty() ? "" : " (" + parameter.column + ")";
 }
 
-/// A number as it was written: a whole one stays whole.
-struct Number {
-  bool isWhole = true;
-  std::int64_t whole = 0;
-  double real = 0;
-
-  double asReal() const { return isWhole ? static_cast<double>(whole) : real; }
-};
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 constexpr std::array<double, 16> kPowersOfTen{1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                               1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
-/// The usual number: a sign, up to 15 digits, a decimal sign. The digits and the power of ten are
-/// then exact doubles, so their quotient is the nearest double. Nothing for any other text.
-std::optional<Number> readPlain(std::string_view text, char decimal) {
-  constexpr std::size_t kMostDigits = 15;
-  const bool hasSign = !text.empty() && (text[0] == '-' || text[0] == '+');
-  const bool negative = hasSign && text[0] == '-';
-  if (hasSign) text.remove_prefix(1);
-  if (text.empty() || text.size() > kMostDigits + 1) return std::nullopt;
-  std::int64_t digits = 0;
-  std::size_t count = 0;
-  std::size_t point = text.size();
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto digit = static_cast<unsigned>(text[i]) - static_cast<unsigned>('0');
-    if (digit <= 9) {
-      digits = digits * 10 + digit;
+/// The digits of a number as one whole number, and how many stood behind its point.
+struct Digits {
+  bool areAll = false;  ///< false where there is something else, or more than 15
+  int decimals = -1;    ///< -1: no point
+  std::int64_t number = 0;
+};
+
+/// Of up to 8 characters, all at once: eight digits become four pairs, two fours, one number.
+Digits readShort(std::string_view text, char decimal) {
+  const auto place = [](Word64 marks) { return std::countr_zero(marks) / 8; };
+  auto count = static_cast<int>(text.size());
+  Digits read;
+  Word64 digits = load(text.data(), text.size()) ^ eachByte('0') >> (64 - 8 * count);
+  const Word64 points = zeroBytes(digits ^ eachByte(static_cast<unsigned char>(decimal ^ '0')));
+  if (points != 0) {
+    const Word64 before = (Word64{1} << (8 * place(points))) - 1;
+    digits = (digits & before) | (digits >> 8 & ~before);
+    --count;
+    read.decimals = count - place(points);
+  }
+  read.areAll = count > 0 && (((digits + eachByte(0x7F - 9)) | digits) & eachByte(0x80)) == 0;
+  digits <<= 64 - 8 * std::max(count, 1);
+  digits = (digits * 10 + (digits >> 8)) & 0x00FF00FF00FF00FFU;
+  digits = (digits * 100 + (digits >> 16)) & 0x0000FFFF0000FFFFU;
+  read.number = static_cast<std::int64_t>((digits * 10'000 + (digits >> 32)) & 0xFFFFFFFFU);
+  return read;
+}
+
+/// Of any number of characters.
+Digits readLong(std::string_view text, char decimal) {
+  constexpr int kMost = 15;
+  Digits read;
+  int count = 0;
+  for (const char c : text) {
+    const auto digit = static_cast<unsigned>(c) - static_cast<unsigned>('0');
+    if (digit <= 9 && count < kMost) {
+      read.number = read.number * 10 + digit;
       ++count;
-    } else if (text[i] == decimal && decimal != '\0' && point == text.size()) {
-      point = i;
+      if (read.decimals >= 0) ++read.decimals;
+    } else if (c == decimal && read.decimals < 0) {
+      read.decimals = 0;
     } else {
-      return std::nullopt;
+      return read;
     }
   }
-  if (count == 0 || count > kMostDigits) return std::nullopt;
-  if (negative) digits = -digits;
-  Number number;
-  number.isWhole = point == text.size();
-  if (number.isWhole) {
-    number.whole = digits;
-  } else {
-    number.real = static_cast<double>(digits) / kPowersOfTen[text.size() - point - 1];
-  }
-  return number;
+  read.areAll = count > 0;
+  return read;
 }
 
-std::optional<Number> wrap(std::optional<double> real) {
-  if (!real) return std::nullopt;
-  return Number{false, 0, *real};
+void takeReal(double real, Lifted& number) {
+  number.kind = LiteralKind::kDecimal;
+  number.decimals = -1;
+  number.real = real;
 }
 
-std::optional<Number> readWritten(std::string_view text) {
-  if (const auto plain = readPlain(text, '.')) return plain;
+/// A bare number of a statement.
+void readWritten(Lifted& number) {
+  std::string_view text = number.text;
+  if (readPlain(text, '.', number)) return;
   if (text.starts_with('+')) text.remove_prefix(1);
-  Number number;
   const char* const last = text.data() + text.size();
   const auto read = std::from_chars(text.data(), last, number.whole);
-  if (read.ec == std::errc() && read.ptr == last) return number;
-  return wrap(parseSqlNumber(text));
+  if (read.ec == std::errc() && read.ptr == last) {
+    number.kind = LiteralKind::kWhole;
+  } else {
+    takeReal(parseSqlNumber(text).value_or(kInfinity), number);
+  }
 }
 
-[[noreturn]] void refuseRange(const Lifted& literal, const Parameter& parameter) {
+[[noreturn, gnu::cold]] void refuseRange(const Lifted& number, const Parameter& parameter) {
   raise(errors::kMultipleStep, kSource,
-        fmt::format("{} is out of range{}", literal.text, inColumn(parameter)));
+        fmt::format("{} is out of range{}", number.text, inColumn(parameter)));
 }
 
-Value moneyOf(const Number& number, const Lifted& literal, const Parameter& parameter) {
+Value moneyOf(const Lifted& number, const Parameter& parameter) {
   constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max() / Currency::kScale;
-  if (number.isWhole) {
-    if (number.whole > kMost || number.whole < -kMost) refuseRange(literal, parameter);
+  constexpr std::array<std::int64_t, 4> kToScale{1'000, 100, 10, 1};  // of 1 to 4 decimals
+  if (number.kind == LiteralKind::kWhole) {
+    if (number.whole > kMost || number.whole < -kMost) refuseRange(number, parameter);
     return Value::ofCurrency(Currency::fromScaled(number.whole * Currency::kScale));
   }
-  const double product = number.real * static_cast<double>(Currency::kScale);
-  const double whole = std::nearbyint(product);
-  // Four decimals or fewer: next to a whole count. Only others need their digits rounded.
-  if (std::abs(product) < 1e15 && std::abs(product - whole) < 0.49) {
-    return Value::ofCurrency(Currency::fromScaled(static_cast<std::int64_t>(whole)));
+  // Its digits are 15 at most: the product fits.
+  if (number.decimals >= 1 && number.decimals <= 4) {
+    const std::int64_t toScale = kToScale[static_cast<std::size_t>(number.decimals - 1)];
+    return Value::ofCurrency(Currency::fromScaled(number.whole * toScale));
   }
   try {
     return Value::ofCurrency(Currency::fromDouble(number.real));
   } catch (const Error&) {
-    refuseRange(literal, parameter);
+    refuseRange(number, parameter);
   }
 }
 
-Value wholeOf(const Number& number, const Lifted& literal, const Parameter& parameter) {
-  double least = std::numeric_limits<std::int32_t>::min();
-  double most = std::numeric_limits<std::int32_t>::max();
+Value wholeOf(const Lifted& number, const Parameter& parameter) {
+  std::int64_t least = std::numeric_limits<std::int32_t>::min();
+  std::int64_t most = std::numeric_limits<std::int32_t>::max();
   if (parameter.columnType == ColumnType::kByte) {
     least = 0;
     most = std::numeric_limits<std::uint8_t>::max();
@@ -124,9 +140,16 @@ Value wholeOf(const Number& number, const Lifted& literal, const Parameter& para
     least = std::numeric_limits<std::int16_t>::min();
     most = std::numeric_limits<std::int16_t>::max();
   }
-  const double rounded = number.isWhole ? number.asReal() : roundHalfEven(number.real);
-  if (!(rounded >= least && rounded <= most)) refuseRange(literal, parameter);
-  return Value::ofInteger(static_cast<std::int64_t>(rounded));
+  std::int64_t whole = number.whole;
+  if (number.kind == LiteralKind::kDecimal) {
+    const double rounded = roundHalfEven(number.real);
+    if (!(rounded >= static_cast<double>(least) && rounded <= static_cast<double>(most))) {
+      refuseRange(number, parameter);
+    }
+    whole = static_cast<std::int64_t>(rounded);
+  }
+  if (whole < least || whole > most) refuseRange(number, parameter);
+  return Value::ofInteger(whole);
 }
 
 /// True for a day number that reads as a date again.
@@ -139,32 +162,48 @@ bool isDay(double days) {
   }
 }
 
-Value numberOf(const Number& number) {
-  return number.isWhole ? Value::ofInteger(number.whole) : Value::ofReal(number.real);
+Value numberOf(const Lifted& number) {
+  return number.kind == LiteralKind::kWhole ? Value::ofInteger(number.whole)
+                                            : Value::ofReal(number.real);
 }
 
 /// A number that is assigned to a column takes the column's type.
-Value assigned(const Number& number, const Lifted& literal, const Parameter& parameter) {
+Value assigned(const Lifted& number, const Parameter& parameter) {
   switch (parameter.columnType) {
     case ColumnType::kByte:
     case ColumnType::kInt16:
     case ColumnType::kInt32:
-      return wholeOf(number, literal, parameter);
+      return wholeOf(number, parameter);
     case ColumnType::kCurrency:
-      return moneyOf(number, literal, parameter);
+      return moneyOf(number, parameter);
     case ColumnType::kSingle: {
       const auto single = static_cast<float>(number.asReal());
-      if (!std::isfinite(single)) refuseRange(literal, parameter);
+      if (!std::isfinite(single)) refuseRange(number, parameter);
       return Value::ofReal(static_cast<double>(single));
     }
     case ColumnType::kBoolean:
       return Value::ofBoolean(number.asReal() != 0);
     case ColumnType::kDate:
-      if (!isDay(number.asReal())) refuseRange(literal, parameter);
+      if (!isDay(number.asReal())) refuseRange(number, parameter);
       return numberOf(number);
     default:
       return numberOf(number);
   }
+}
+
+[[noreturn, gnu::cold]] void refuseNumber(std::string_view text, const Parameter& parameter) {
+  raise(errors::kTypeMismatch, kSource,
+        fmt::format("'{}' is no number{}", text, inColumn(parameter)));
+}
+
+/// As the parameter wants it.
+Value fitted(const Lifted& number, const Parameter& parameter) {
+  if (number.kind == LiteralKind::kDecimal && number.real == kInfinity) {
+    refuseNumber(number.text, parameter);
+  }
+  if (parameter.conversion == Conversion::kCurrency) return moneyOf(number, parameter);
+  if (!parameter.column.empty()) return assigned(number, parameter);
+  return numberOf(number);
 }
 
 std::optional<bool> truthOf(std::string_view text, const Locale& locale) {
@@ -179,65 +218,86 @@ std::optional<bool> truthOf(std::string_view text, const Locale& locale) {
   return std::nullopt;
 }
 
-void checkLength(std::string_view text, const Parameter& parameter) {
-  const auto room = static_cast<std::size_t>(parameter.maxLength);
-  // No character is shorter than a byte.
-  if (room == 0 || text.size() <= room) return;
-  const std::size_t length = text::length(text);
-  if (length <= room) return;
-  raise(errors::kMultipleStep, kSource,
-        fmt::format("a text of {} characters is too long for the {} of {}", length, room,
-                    parameter.column.empty() ? "its column" : parameter.column));
+/// An empty text that is compared with something else than a text.
+bool isNothing(const Lifted& literal, const Parameter& parameter) {
+  return literal.text.empty() && parameter.compared;
+}
+
+[[noreturn, gnu::cold]] void refuseLength(std::size_t length, const Parameter& parameter) {
+  raise(
+      errors::kMultipleStep, kSource,
+      fmt::format("a text of {} characters is too long for the {} of {}", length,
+                  parameter.maxLength, parameter.column.empty() ? "its column" : parameter.column));
 }
 
 }  // namespace
 
+// The digits and the power of ten are exact doubles, so their quotient is the nearest double.
+bool readPlain(std::string_view text, char decimal, Lifted& number) {
+  const bool negative = !text.empty() && text[0] == '-';
+  if (negative || (!text.empty() && text[0] == '+')) text.remove_prefix(1);
+  if (text.empty()) return false;
+  const Digits digits =
+      text.size() <= kWordSize ? readShort(text, decimal) : readLong(text, decimal);
+  if (!digits.areAll) return false;
+  number.whole = negative ? -digits.number : digits.number;
+  if (digits.decimals < 0) {
+    number.kind = LiteralKind::kWhole;
+    return true;
+  }
+  number.kind = LiteralKind::kDecimal;
+  number.decimals = static_cast<std::int8_t>(digits.decimals);
+  // Both are exact doubles, so their quotient is the nearest double.
+  number.real =
+      static_cast<double>(number.whole) / kPowersOfTen[static_cast<std::size_t>(digits.decimals)];
+  return true;
+}
+
+Lifted lift(std::string_view text, LiteralKind kind) {
+  Lifted literal{.text = text, .kind = kind};
+  if (kind == LiteralKind::kDate) {
+    literal.real = parseSqlDate(text).value_or(Date()).days();
+  } else if (kind != LiteralKind::kText) {
+    readWritten(literal);
+  }
+  return literal;
+}
+
 LiteralReader::LiteralReader(const Locale& locale)
     : locale_(locale), decimal_(locale.decimal.size() == 1 ? locale.decimal[0] : '\0') {}
 
-Value LiteralReader::read(const Lifted& literal, const Parameter& parameter) const {
-  if (parameter.compared && literal.text.empty() && parameter.conversion != Conversion::kText) {
-    return Value::null();
+Value LiteralReader::text(const Lifted& literal, const Parameter& parameter) {
+  const auto room = static_cast<std::size_t>(parameter.maxLength);
+  // No character is shorter than a byte.
+  if (room != 0 && literal.text.size() > room) {
+    const std::size_t length = text::length(literal.text);
+    if (length > room) refuseLength(length, parameter);
   }
-  switch (parameter.conversion) {
-    case Conversion::kText:
-      checkLength(literal.text, parameter);
-      return Value::ofText(literal.text);
-    case Conversion::kNumber:
-    case Conversion::kNumberByLocale:
-    case Conversion::kCurrency:
-      return number(literal, parameter);
-    case Conversion::kDate:
-    case Conversion::kDateByLocale:
-      return date(literal, parameter);
-    case Conversion::kBoolean:
-      return boolean(literal, parameter);
-  }
-  return Value::null();
+  return Value::ofText(literal.text);
 }
 
 Value LiteralReader::number(const Lifted& literal, const Parameter& parameter) const {
-  std::optional<Number> number;
-  if (literal.quoted) {
-    if (parameter.compared && parameter.columnType == ColumnType::kBoolean) {
-      if (const auto truth = truthOf(literal.text, locale_)) return Value::ofBoolean(*truth);
-    }
-    number = readPlain(literal.text, decimal_);
-    if (!number) number = wrap(parseNumber(literal.text, locale_));
-  } else {
-    number = readWritten(literal.text);
+  if (literal.kind == LiteralKind::kText) return quotedNumber(literal, parameter);
+  return fitted(literal, parameter);
+}
+
+Value LiteralReader::quotedNumber(const Lifted& literal, const Parameter& parameter) const {
+  if (isNothing(literal, parameter)) return Value::null();
+  if (parameter.compared && parameter.columnType == ColumnType::kBoolean) {
+    if (const auto truth = truthOf(literal.text, locale_)) return Value::ofBoolean(*truth);
   }
-  if (!number) {
-    raise(errors::kTypeMismatch, kSource,
-          fmt::format("'{}' is no number{}", literal.text, inColumn(parameter)));
+  Lifted number{.text = literal.text};
+  if (!readPlain(literal.text, decimal_, number)) {
+    const std::optional<double> real = parseNumber(literal.text, locale_);
+    if (!real) refuseNumber(literal.text, parameter);
+    takeReal(*real, number);
   }
-  if (parameter.conversion == Conversion::kCurrency) return moneyOf(*number, literal, parameter);
-  if (!parameter.column.empty()) return assigned(*number, literal, parameter);
-  return numberOf(*number);
+  return fitted(number, parameter);
 }
 
 Value LiteralReader::date(const Lifted& literal, const Parameter& parameter) const {
-  if (!literal.quoted) return Value::ofDate(Date(literal.day));
+  if (literal.kind == LiteralKind::kDate) return Value::ofDate(Date(literal.real));
+  if (isNothing(literal, parameter)) return Value::null();
   const auto date = parseDate(literal.text, locale_);
   if (!date) {
     raise(errors::kTypeMismatch, kSource,
@@ -247,7 +307,8 @@ Value LiteralReader::date(const Lifted& literal, const Parameter& parameter) con
 }
 
 Value LiteralReader::boolean(const Lifted& literal, const Parameter& parameter) const {
-  if (literal.quoted) {
+  if (literal.kind == LiteralKind::kText) {
+    if (isNothing(literal, parameter)) return Value::null();
     if (const auto truth = truthOf(literal.text, locale_)) return Value::ofBoolean(*truth);
   }
   const Value read = number(literal, parameter);

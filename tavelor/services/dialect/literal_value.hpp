@@ -2,8 +2,10 @@
 // The text of a literal as the value of a placeholder.
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
+#include "tavelor/services/dialect/lexer.hpp"
 #include "tavelor/services/dialect/plan.hpp"
 #include "tavelor/services/engine/value.hpp"
 
@@ -13,12 +15,25 @@ struct Locale;
 
 namespace tavelor::dialect {
 
-/// A literal that was lifted out of a statement.
+/// A literal that was lifted out of a statement. A number keeps how it was written: a whole one
+/// stays whole.
 struct Lifted {
   std::string_view text;  ///< without delimiters
-  double day = 0;         ///< of a date literal: its day number
-  bool quoted = false;    ///< a text, which reads as a number or a date by the locale
+  LiteralKind kind = LiteralKind::kText;
+  /// Of kDecimal: its digits behind the point when `whole` has all of its digits, else -1.
+  std::int8_t decimals = -1;
+  std::int64_t whole = 0;  ///< of kWhole
+  double real = 0;  ///< of kDecimal, infinite where no double holds it; of kDate the day number
+
+  double asReal() const { return kind == LiteralKind::kWhole ? static_cast<double>(whole) : real; }
 };
+
+/// Reads the usual number, a sign, up to 15 digits and a decimal sign, into all of `number` but its
+/// text. False for any other text, with `number` as it was.
+bool readPlain(std::string_view text, char decimal, Lifted& number);
+
+/// Reads the text of a literal of that kind, which the lexer found well formed.
+Lifted lift(std::string_view text, LiteralKind kind);
 
 /// Converts literals for placeholders. Values view the literals' texts.
 ///
@@ -29,10 +44,27 @@ class LiteralReader {
  public:
   explicit LiteralReader(const Locale& locale);
 
-  engine::Value read(const Lifted& literal, const Parameter& parameter) const;
+  engine::Value read(const Lifted& literal, const Parameter& parameter) const {
+    switch (parameter.conversion) {
+      case Conversion::kText:
+        return text(literal, parameter);
+      case Conversion::kNumber:
+      case Conversion::kNumberByLocale:
+      case Conversion::kCurrency:
+        return number(literal, parameter);
+      case Conversion::kDate:
+      case Conversion::kDateByLocale:
+        return date(literal, parameter);
+      case Conversion::kBoolean:
+        return boolean(literal, parameter);
+    }
+    return engine::Value::null();
+  }
 
  private:
+  static engine::Value text(const Lifted& literal, const Parameter& parameter);
   engine::Value number(const Lifted& literal, const Parameter& parameter) const;
+  engine::Value quotedNumber(const Lifted& literal, const Parameter& parameter) const;
   engine::Value date(const Lifted& literal, const Parameter& parameter) const;
   engine::Value boolean(const Lifted& literal, const Parameter& parameter) const;
 

@@ -2,6 +2,7 @@
 // Prepared plans by the shape of a statement.
 #include "tavelor/services/dialect/plan_cache.hpp"
 
+#include <array>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -85,16 +86,18 @@ struct PlanCache::State {
 
   /// The plan of a statement; leaves its literals in `literals`.
   const std::shared_ptr<Compiled>& find(const Statement& statement) {
-    std::uint64_t hash = 0;
-    if (!statement.ranges().empty()) {
-      hash = Splice::hash(statement);
-      if (std::vector<Spliced>* const alike = spliced.find(hash)) {
-        for (Spliced& candidate : *alike) {
-          if (candidate.splice.take(statement, literals)) {
-            ++counters.shapeHits;
-            return candidate.compiled;
-          }
-        }
+    // Where one is repeated, nothing has to be looked up.
+    if (last != nullptr && last->splice.take(statement, literals)) {
+      ++counters.shapeHits;
+      return last->compiled;
+    }
+    const std::uint64_t hash = Splice::hash(statement);
+    if (std::vector<Spliced>* const alike = spliced.find(hash)) {
+      for (Spliced& candidate : *alike) {
+        if (&candidate == last || !candidate.splice.take(statement, literals)) continue;
+        last = &candidate;
+        ++counters.shapeHits;
+        return candidate.compiled;
       }
     }
     return findByLexing(statement, hash);
@@ -114,28 +117,35 @@ struct PlanCache::State {
       ++counters.translated;
       found = &plans.put(shape.key, std::move(compiled));
     }
-    if (!statement.ranges().empty()) remember(statement, hash, *found);
+    if (isWorthRemembering(statement, hash)) remember(statement, hash, *found);
     takeLexed();
     return *found;
   }
 
+  /// A text without values may hold literals that never come again, so it has to come twice.
+  bool isWorthRemembering(const Statement& statement, std::uint64_t hash) {
+    return !statement.ranges().empty() ||
+           std::exchange(plainTexts[hash % plainTexts.size()], hash) == hash;
+  }
+
   void remember(const Statement& statement, std::uint64_t hash,
                 const std::shared_ptr<Compiled>& compiled) {
+    last = nullptr;  // it may move, or be forgotten
     auto splice = Splice::of(statement, shape, eitherKindOf(shape, *compiled->plan));
     if (!splice) return;
     std::vector<Spliced>* alike = spliced.find(hash);
     if (alike == nullptr) alike = &spliced.put(hash, {});
+    // A value that only the lexer can judge brings a statement here that is known already.
+    for (const Spliced& known : *alike) {
+      if (known.splice == *splice) return;
+    }
     if (alike->size() < kMostAlike) alike->push_back({std::move(*splice), compiled});
   }
 
   void takeLexed() {
     literals.clear();
     for (std::size_t i = 0; i < shape.literals.size(); ++i) {
-      Lifted literal{shape.literals[i], 0, shape.kinds[i] == LiteralKind::kText};
-      if (shape.kinds[i] == LiteralKind::kDate) {
-        literal.day = parseSqlDate(literal.text).value_or(Date()).days();
-      }
-      literals.push_back(literal);
+      literals.push_back(lift(shape.literals[i], shape.kinds[i]));
     }
   }
 
@@ -167,6 +177,8 @@ struct PlanCache::State {
   LiteralReader reader;
 
   Generations<std::unordered_map<std::uint64_t, std::vector<Spliced>, Spread>> spliced{kCapacity};
+  Spliced* last = nullptr;                      // the one that was found last
+  std::array<std::uint64_t, 256> plainTexts{};  // hashes of those that came last, by hash
   Generations<ByText<std::shared_ptr<Compiled>>> plans{kCapacity};
   Generations<ByText<std::unique_ptr<engine::Prepared>>> composed{kCapacity};
 
@@ -234,6 +246,7 @@ std::int64_t PlanCache::run(std::string_view withPlaceholders,
 }
 
 void PlanCache::reset(std::shared_ptr<const engine::Catalogue> catalogue) {
+  state_->last = nullptr;
   state_->spliced.clear();
   state_->plans.clear();
   state_->composed.clear();

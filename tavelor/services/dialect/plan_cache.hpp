@@ -28,8 +28,9 @@ class Writer;
 /// with its literals lifted out; rows and settings are never cached.
 ///
 /// Two roads lead to a plan. A Statement knows which bytes are values: its own text between them is
-/// the key, and each value is checked against the literal that it stands in (no lexer runs). A text
-/// without ranges, or a value that fails that check, goes through the lexer.
+/// the key, and each value is checked against the literal that it stands in (no lexer runs). A
+/// value that fails that check goes through the lexer, and so does a text without values until it
+/// has come twice.
 class PlanCache {
  public:
   PlanCache(engine::Session& session, std::shared_ptr<const engine::Catalogue> catalogue,

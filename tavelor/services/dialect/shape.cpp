@@ -33,8 +33,8 @@ std::string undoubled(std::string_view part, char quote) {
 }
 
 void addSlots(const Statement& statement, const TokenList& list, Shape& shape) {
-  const std::string& text = statement.text();
-  const std::vector<Statement::Range>& ranges = statement.ranges();
+  const std::string_view text = statement.text();
+  const std::span<const Statement::Range> ranges = statement.ranges();
   shape.slots.reserve(ranges.size());
   shape.spliceable = true;
   std::size_t constantBegin = 0;
@@ -52,7 +52,7 @@ void addSlots(const Statement& statement, const TokenList& list, Shape& shape) {
       const bool last = i + 1 == ranges.size() || list.values[i + 1].token != place.token;
       if (first) constantBegin = token.begin + 1;
       const auto part = [&](std::size_t begin, std::size_t end) {
-        return undoubled(std::string_view(text).substr(begin, end - begin), place.quote);
+        return undoubled(text.substr(begin, end - begin), place.quote);
       };
       slot.prefix = part(constantBegin, ranges[i].begin);
       if (last) slot.suffix = part(ranges[i].end, token.end - 1);

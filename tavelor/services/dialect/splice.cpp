@@ -2,55 +2,21 @@
 // The short road from a statement to its plan.
 #include "tavelor/services/dialect/splice.hpp"
 
-#include <cstring>
+#include <optional>
+#include <span>
 
 #include "tavelor/platform/date_text.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/dialect/lexer.hpp"
+#include "tavelor/services/dialect/words.hpp"
 
 namespace tavelor::dialect {
 
 namespace {
 
-using Word64 = std::uint64_t;
-
-constexpr Word64 kOnes = 0x0101010101010101U;
-constexpr Word64 kHighBits = 0x8080808080808080U;
 constexpr Word64 kSeed = 0xA0761D6478BD642FU;
 constexpr Word64 kFactor = 0xE7037ED1A0B428DBU;
-
-template <typename Word = Word64>
-Word load(const char* from) {
-  Word word = 0;
-  std::memcpy(&word, from, sizeof word);
-  return word;
-}
-
-/// Up to 16 bytes as two words that hold each of them at least once and nothing else. Reads overlap
-/// instead of going byte by byte.
-struct Pair {
-  Word64 first = 0;
-  Word64 second = 0;
-  friend bool operator==(const Pair&, const Pair&) = default;
-};
-Pair loadShort(const char* from, std::size_t count) {
-  if (count >= sizeof(Word64)) return {load(from), load(from + count - sizeof(Word64))};
-  Word64 word = 0;
-  if (count >= sizeof(std::uint32_t)) {
-    const Word64 end = load<std::uint32_t>(from + count - sizeof(std::uint32_t));
-    word = load<std::uint32_t>(from) | end << 32;
-  } else if (count > 0) {
-    const auto byte = [&](std::size_t i) {
-      return static_cast<Word64>(static_cast<unsigned char>(from[i]));
-    };
-    word = (byte(0) | byte(count / 2) << 8 | byte(count - 1) << 16 | byte(0) << 24);
-    word |= word << 32;
-  }
-  return {word, word};
-}
-
-constexpr std::size_t kShort = 2 * sizeof(Word64);
 
 /// Both halves of the 128-bit product.
 Word64 fold(Word64 a, Word64 b) {
@@ -59,103 +25,54 @@ Word64 fold(Word64 a, Word64 b) {
   return static_cast<Word64>(product) ^ static_cast<Word64>(product >> 64);
 }
 
-Word64 hashPart(Word64 hash, std::string_view part) {
-  const char* at = part.data();
-  std::size_t left = part.size();
-  for (; left > kShort; left -= kShort, at += kShort) {
-    hash = fold(hash ^ load(at), kFactor ^ load(at + sizeof(Word64)));
-  }
-  const Pair rest = loadShort(at, left);
-  // The length tells apart what meets at another place.
-  return fold(hash ^ rest.first ^ part.size(), kFactor ^ rest.second);
-}
-
-bool sameBytes(const char* a, const char* b, std::size_t count) {
-  if (count <= kShort) return loadShort(a, count) == loadShort(b, count);
-  return std::memcmp(a, b, count) == 0;
-}
-
-/// Calls `visit` with the text before, between and behind the values, until it answers false.
-template <typename Visit>
-bool eachSegment(const Statement& statement, Visit visit) {
-  const std::string_view text = statement.text();
-  std::size_t begin = 0;
-  for (const Statement::Range& range : statement.ranges()) {
-    if (!visit(text.substr(begin, range.begin - begin))) return false;
-    begin = range.end;
-  }
-  return visit(text.substr(begin));
-}
-
-constexpr Word64 zeroBytes(Word64 word) {
-  return (word - kOnes) & ~word & kHighBits;
-}
-
 /// True if a value can stand between these quotes as it is.
 bool staysInside(std::string_view value, char quote) {
-  const Word64 quotes = kOnes * static_cast<unsigned char>(quote);
-  const auto isBroken = [&](Word64 word) {
-    return (zeroBytes(word) | zeroBytes(word ^ quotes)) != 0;
-  };
-  if (value.empty()) return true;
+  const Word64 quotes = eachByte(static_cast<unsigned char>(quote));
+  Word64 broken = 0;
   Word64 high = 0;
-  const char* at = value.data();
-  std::size_t left = value.size();
-  for (; left > kShort; left -= sizeof(Word64), at += sizeof(Word64)) {
-    const Word64 word = load(at);
-    if (isBroken(word)) return false;
+  const auto look = [&](Word64 word) {
+    broken |= zeroBytes(word) | zeroBytes(word ^ quotes);
     high |= word;
+  };
+  const std::size_t size = value.size();
+  if (size < kWordSize) {
+    look(load(value.data(), size) | eachByte(' ') << (8 * size));
+  } else {
+    for (std::size_t i = 0; i + kWordSize < size; i += kWordSize) look(load(value.data() + i));
+    look(load(value.data() + size - kWordSize));
   }
-  const Pair rest = loadShort(at, left);
-  if (isBroken(rest.first) || isBroken(rest.second)) return false;
-  high |= rest.first | rest.second;
-  return (high & kHighBits) == 0 || text::isValidUtf8(value);
-}
-
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
-enum class NumberForm { kNone, kWhole, kDecimal };
-
-/// A sign, digits, a point. What else is a number the lexer knows.
-NumberForm formOf(std::string_view value) {
-  if (!value.empty() && (value[0] == '-' || value[0] == '+')) value.remove_prefix(1);
-  bool anyDigit = false;
-  bool point = false;
-  for (const char c : value) {
-    if (isDigit(c)) {
-      anyDigit = true;
-    } else if (c == '.' && !point) {
-      point = true;
-    } else {
-      return NumberForm::kNone;
-    }
-  }
-  if (!anyDigit) return NumberForm::kNone;
-  return point ? NumberForm::kDecimal : NumberForm::kWhole;
+  if (broken != 0) return false;
+  return (high & eachByte(0x80)) == 0 || text::isValidUtf8(value);
 }
 
 }  // namespace
 
 std::uint64_t Splice::hash(const Statement& statement) {
-  Word64 hash = kSeed;
-  eachSegment(statement, [&](std::string_view segment) {
-    hash = hashPart(hash, segment);
-    return true;
-  });
-  return hash;
+  const std::string_view text = statement.text();
+  const std::span<const Statement::Range> ranges = statement.ranges();
+  std::size_t length = text.size();
+  for (const Statement::Range& range : ranges) length -= range.end - range.begin;
+  Word64 hash = fold(kSeed ^ length, kFactor ^ ranges.size());
+  const std::string_view first =
+      text.substr(0, ranges.empty() ? text.size() : ranges.front().begin);
+  std::size_t at = 0;
+  for (; at + kWordSize < first.size(); at += kWordSize) {
+    hash = fold(hash ^ load(first.data() + at), kFactor);
+  }
+  return fold(hash ^ load(first.data() + at, first.size() - at), kFactor);
 }
 
 std::optional<Splice> Splice::of(const Statement& statement, const Shape& shape,
                                  const std::vector<bool>& eitherKind) {
   if (!shape.spliceable) return std::nullopt;
   Splice splice;
-  eachSegment(statement, [&](std::string_view segment) {
-    splice.segments_ += segment;
-    splice.lengths_.push_back(static_cast<std::uint32_t>(segment.size()));
-    return true;
-  });
+  const std::string_view text = statement.text();
+  std::size_t begin = 0;
+  for (const Statement::Range& range : statement.ranges()) {
+    splice.segments_.emplace_back(text.substr(begin, range.begin - begin));
+    begin = range.end;
+  }
+  splice.segments_.emplace_back(text.substr(begin));
   splice.literalCount_ = shape.literals.size();
   std::vector<std::size_t> parts(shape.literals.size(), 0);
   for (const dialect::Slot& slot : shape.slots) ++parts[static_cast<std::size_t>(slot.literal)];
@@ -199,77 +116,79 @@ std::optional<Splice> Splice::of(const Statement& statement, const Shape& shape,
     Constant constant;
     constant.literal = static_cast<std::int32_t>(i);
     constant.text = shape.literals[i];
-    constant.quoted = shape.kinds[i] == LiteralKind::kText;
-    if (shape.kinds[i] == LiteralKind::kDate) {
-      constant.day = parseSqlDate(constant.text).value_or(Date()).days();
-    }
+    constant.lifted = lift(constant.text, shape.kinds[i]);
     splice.constants_.push_back(std::move(constant));
   }
   return splice;
 }
 
-bool Splice::hasText(const Statement& statement) const {
-  if (statement.ranges().size() != slots_.size()) return false;
-  const char* at = segments_.data();
-  const std::uint32_t* length = lengths_.data();
-  return eachSegment(statement, [&](std::string_view segment) {
-    if (segment.size() != *length || !sameBytes(segment.data(), at, *length)) return false;
-    at += *length++;
-    return true;
-  });
+Splice::Segment::Segment(std::string_view text)
+    : length_(text.size()),
+      word_(length_ <= kWordSize ? load(text.data(), length_) : 0),
+      text_(length_ <= kWordSize ? std::string_view() : text) {}
+
+inline bool Splice::Segment::is(std::string_view text) const {
+  if (text.size() != length_) return false;
+  if (length_ <= kWordSize) return load(text.data(), length_) == word_;
+  return text == text_;
 }
 
 bool Splice::take(const Statement& statement, std::vector<Lifted>& literals) {
-  if (!hasText(statement)) return false;
-  literals.resize(literalCount_);
-  for (const Constant& constant : constants_) {
-    literals[static_cast<std::size_t>(constant.literal)] = {constant.text, constant.day,
-                                                            constant.quoted};
-  }
+  if (statement.ranges().size() != slots_.size()) return false;
   const std::string_view text = statement.text();
-  for (std::size_t i = 0; i < slots_.size(); ++i) {
-    const Statement::Range& range = statement.ranges()[i];
-    const Slot& slot = slots_[i];
-    if (!takeValue(slot, text.substr(range.begin, range.end - range.begin),
-                   literals[static_cast<std::size_t>(slot.literal)])) {
-      return false;
+  literals.resize(literalCount_);
+  const Segment* segment = segments_.data();
+  const Statement::Range* range = statement.ranges().data();
+  std::size_t begin = 0;
+  for (const Slot& slot : slots_) {
+    const Statement::Range at = *range++;
+    if (!segment++->is({text.data() + begin, at.begin - begin})) return false;
+    begin = at.end;
+    const std::string_view value(text.data() + at.begin, at.end - at.begin);
+    Lifted& literal = literals[static_cast<std::size_t>(slot.literal)];
+    if (slot.quote != 0) {
+      if (!takeQuoted(slot, value, literal)) return false;
+    } else {
+      if (!readPlain(value, '.', literal)) return false;
+      literal.text = value;
+      if (slot.place == Place::kNumber) continue;
+      if ((literal.kind == LiteralKind::kWhole) != (slot.place == Place::kWhole)) return false;
     }
+  }
+  if (!segment->is({text.data() + begin, text.size() - begin})) return false;
+  for (const Constant& constant : constants_) {
+    Lifted& literal = literals[static_cast<std::size_t>(constant.literal)];
+    literal = constant.lifted;
+    literal.text = constant.text;
   }
   return true;
 }
 
-bool Splice::takeValue(const Slot& slot, std::string_view value, Lifted& literal) {
-  if (slot.quote == 0) {
-    const NumberForm form = formOf(value);
-    if (form == NumberForm::kNone) return false;
-    if (slot.place != Place::kNumber &&
-        (form == NumberForm::kWhole) != (slot.place == Place::kWhole)) {
-      return false;
-    }
-    literal = {value, 0, false};
-    return true;
-  }
+bool Splice::takeQuoted(const Slot& slot, std::string_view value, Lifted& literal) {
   if (slot.delimited) {
     if (value.size() < 2 || value.front() != slot.quote || value.back() != slot.quote) return false;
     value = value.substr(1, value.size() - 2);
   }
-  return staysInside(value, slot.quote) && takeText(slot, value, literal);
+  // What reads as a date has no # in it.
+  if (slot.place == Place::kDate && slot.joint < 0) return takeDate(value, literal);
+  if (!staysInside(value, slot.quote)) return false;
+  literal.text = value;
+  literal.kind = LiteralKind::kText;
+  if (slot.joint < 0) return true;
+  const Joint& joint = joints_[static_cast<std::size_t>(slot.joint)];
+  std::string& whole = joined_[static_cast<std::size_t>(slot.literal)];
+  if (joint.isFirst) whole.clear();
+  whole.append(joint.prefix).append(value).append(joint.suffix);
+  literal.text = whole;
+  return slot.place == Place::kText || !joint.isLast || takeDate(whole, literal);
 }
 
-bool Splice::takeText(const Slot& slot, std::string_view text, Lifted& literal) {
-  literal = {text, 0, slot.place == Place::kText};
-  if (slot.joint >= 0) {
-    const Joint& joint = joints_[static_cast<std::size_t>(slot.joint)];
-    std::string& whole = joined_[static_cast<std::size_t>(slot.literal)];
-    if (joint.isFirst) whole.clear();
-    whole.append(joint.prefix).append(text).append(joint.suffix);
-    literal.text = whole;
-    if (!joint.isLast) return true;
-  }
-  if (slot.place != Place::kDate) return true;
-  const auto date = parseSqlDate(literal.text);
+bool Splice::takeDate(std::string_view text, Lifted& literal) {
+  const std::optional<Date> date = parseSqlDate(text);
   if (!date) return false;
-  literal.day = date->days();
+  literal.text = text;
+  literal.kind = LiteralKind::kDate;
+  literal.real = date->days();
   return true;
 }
 

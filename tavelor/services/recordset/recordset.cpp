@@ -31,9 +31,8 @@ ObjectState Recordset::State() const {
   return store_ ? ObjectState::kOpen : ObjectState::kClosed;
 }
 
-const std::string& Recordset::Source() const {
-  static const std::string none;
-  return store_ ? store_->statement.text() : none;
+std::string_view Recordset::Source() const {
+  return store_ ? store_->statement.text() : std::string_view();
 }
 
 // ---- Sharing

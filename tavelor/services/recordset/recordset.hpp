@@ -69,7 +69,7 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   /// Null disconnects: rows and pending changes stay. UpdateBatch wants a connection again.
   void ActiveConnection(const ConnectionPtr& connection);
   /// The text of the statement, "" for a set without one.
-  const std::string& Source() const;
+  std::string_view Source() const;
   tavelor::CursorLocation CursorLocation() const { return tavelor::CursorLocation::kClient; }
   tavelor::CursorType CursorType() const { return tavelor::CursorType::kStatic; }
   tavelor::LockType LockType() const { return lockType_; }

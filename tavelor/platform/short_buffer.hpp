@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+// A growing row of plain elements that seldom needs the heap.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <span>
+#include <type_traits>
+#include <vector>
+
+namespace tavelor {
+
+/// Up to `kRoom` elements lie in the object itself; more of them lie on the heap, all in one piece.
+template <typename Element, std::size_t kRoom>
+class ShortBuffer {
+  static_assert(std::is_trivially_copyable_v<Element>);
+
+ public:
+  // Without {}: what lies behind the last element needs no value.
+  ShortBuffer() {}  // NOLINT(modernize-use-equals-default, *-member-init)
+  // Moved as it is copied, so that what is left behind is whole.
+  ShortBuffer(const ShortBuffer&) = default;
+  ShortBuffer& operator=(const ShortBuffer&) = default;
+
+  const Element* data() const { return size_ <= kRoom ? own_.data() : heap_.data(); }
+  std::size_t size() const { return size_; }
+  std::span<const Element> elements() const { return {data(), size_}; }
+
+  void append(const Element& one) {
+    if (size_ < kRoom) {
+      own_[size_++] = one;
+    } else {
+      appendOnHeap({&one, 1});
+    }
+  }
+  void append(std::span<const Element> more) {
+    if (size_ + more.size() > kRoom) return appendOnHeap(more);
+    if (!more.empty()) std::memcpy(own_.data() + size_, more.data(), more.size_bytes());
+    size_ += more.size();
+  }
+
+ private:
+  // `more` may be a part of this buffer, so what is outgrown goes last.
+  void appendOnHeap(std::span<const Element> more) {
+    std::vector<Element> grown;
+    if (heap_.capacity() < size_ + more.size()) {
+      grown.reserve(2 * (size_ + more.size()));
+      grown.assign(data(), data() + size_);
+      heap_.swap(grown);
+    }
+    heap_.resize(size_ + more.size());
+    std::memcpy(heap_.data() + size_, more.data(), more.size_bytes());
+    size_ = heap_.size();
+  }
+
+  std::array<Element, kRoom> own_;
+  std::vector<Element> heap_;
+  std::size_t size_ = 0;
+};
+
+}  // namespace tavelor
