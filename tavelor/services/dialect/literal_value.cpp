@@ -17,7 +17,7 @@
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/text.hpp"
-#include "tavelor/services/dialect/words.hpp"
+#include "tavelor/platform/words.hpp"
 
 namespace tavelor::dialect {
 

@@ -8,8 +8,8 @@
 #include "tavelor/platform/date_text.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
+#include "tavelor/platform/words.hpp"
 #include "tavelor/services/dialect/lexer.hpp"
-#include "tavelor/services/dialect/words.hpp"
 
 namespace tavelor::dialect {
 

@@ -5,11 +5,12 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
-#include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "tavelor/platform/words.hpp"
+#include "tavelor/services/engine/blocks.hpp"
 #include "tavelor/services/engine/catalogue.hpp"
 
 namespace tavelor::engine {
@@ -22,12 +23,13 @@ namespace tavelor::engine {
 /// ten-thousandths, single, double and date as double, text, memo and binary as bytes.
 class RowStore {
  public:
-  using Word = std::uint64_t;
+  using Word = Word64;
 
   explicit RowStore(std::vector<ColumnType> columns)
       : columns_(std::move(columns)),
         nullWords_((columns_.size() + 63) / 64),
-        stride_(nullWords_ + columns_.size()) {}
+        stride_(nullWords_ + columns_.size()),
+        words_(kFirstChunkRows * stride_ * sizeof(Word)) {}
 
   std::size_t rows() const { return rows_; }
   std::size_t columns() const { return columns_.size(); }
@@ -117,13 +119,14 @@ class RowStore {
   }
 
   /// Bytes held, arena and unused room included.
-  std::size_t memory() const;
+  std::size_t memory() const { return words_.memory() + texts_.memory(); }
 
  private:
   static constexpr std::size_t kInline = 7;
   static constexpr Word kInlineMark = Word{0x80} << 56;
   static constexpr std::size_t kFirstChunkRows = 16;
   static constexpr std::size_t kChunkRows = 1024;
+  static constexpr std::size_t kFirstTexts = 4 * 1024;
 
   static_assert(std::endian::native == std::endian::little);
 
@@ -154,24 +157,20 @@ class RowStore {
   }
   Word packText(std::string_view value) {
     if (value.size() <= kInline) {
-      Word cell = kInlineMark | static_cast<Word>(value.size()) << 56;
-      // An empty view may have no address.
-      if (!value.empty()) std::memcpy(&cell, value.data(), value.size());
-      return cell;
+      return kInlineMark | static_cast<Word>(value.size()) << 56 | load(value.data(), value.size());
     }
     return std::bit_cast<Word>(store(value));
   }
+  void addChunk(std::size_t rows);
   const char* store(std::string_view value);
 
   std::vector<ColumnType> columns_;
   std::size_t nullWords_;
   std::size_t stride_;
   std::size_t rows_ = 0;
-  std::vector<std::unique_ptr<Word[]>> chunks_;
-  std::vector<std::unique_ptr<char[]>> arena_;
-  char* free_ = nullptr;
-  std::size_t freeBytes_ = 0;
-  std::size_t arenaBytes_ = 0;
+  Blocks words_;
+  Blocks texts_{kFirstTexts};
+  std::vector<Word*> chunks_;
 };
 
 }  // namespace tavelor::engine

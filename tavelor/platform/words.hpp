@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <cstring>
 
-namespace tavelor::dialect {
+namespace tavelor {
 
 using Word64 = std::uint64_t;
 
@@ -47,4 +47,4 @@ constexpr Word64 zeroBytes(Word64 word) {
   return (word - eachByte(1)) & ~word & eachByte(0x80);
 }
 
-}  // namespace tavelor::dialect
+}  // namespace tavelor
