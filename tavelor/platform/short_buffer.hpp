@@ -41,10 +41,11 @@ class ShortBuffer {
   }
 
  private:
-  // `more` may be a part of this buffer, so what is outgrown goes last.
+  // `more` may be a part of this buffer, so what is outgrown goes last. Room on the heap may be left
+  // from longer contents that were assigned over; the elements are not there yet.
   void appendOnHeap(std::span<const Element> more) {
     std::vector<Element> grown;
-    if (heap_.capacity() < size_ + more.size()) {
+    if (size_ <= kRoom || heap_.capacity() < size_ + more.size()) {
       grown.reserve(2 * (size_ + more.size()));
       grown.assign(data(), data() + size_);
       heap_.swap(grown);

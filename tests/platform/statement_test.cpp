@@ -93,5 +93,23 @@ TEST(Statement, IsCopiedAndMovedWithItsRanges) {
   EXPECT_EQ(moved.text(), "a = 1 AND b = ");
 }
 
+// What an earlier, longer one has left on the heap is room at most.
+TEST(Statement, GrowsFromWhatWasAssignedToItWhateverItHeldBefore) {
+  Statement statement;
+  for (int i = 0; i < 40; ++i) statement << value("a longer text than the next one");
+  statement = Statement("SELECT ");
+  std::string text = "SELECT ";
+  Ranges ranges;
+  for (std::uint32_t i = 0; i < 20; ++i) {
+    statement << value("7");
+    text += "7";
+    ranges.push_back({7 + i, 8 + i});
+  }
+  const std::string rest(500, 'x');
+  statement << rest;
+  EXPECT_EQ(statement.text(), text + rest);
+  EXPECT_EQ(rangesOf(statement), ranges);
+}
+
 }  // namespace
 }  // namespace tavelor
