@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Members of the article master beside the same reads and writes by prepared statements.
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,7 @@
 #include "bench/works.hpp"
 #include "tavelor/articles/articulos.hpp"
 #include "tavelor/services/data_session.hpp"
+#include "tavelor/services/recordset/recordset.hpp"
 
 namespace tavelor::bench {
 
@@ -84,6 +86,30 @@ void measureLines(BenchShop& shop, Report& report, const Scale& scale, std::size
   report.add(compare({"GetDatos of an article by its code", reads, 1.5, byHand, ours}, scale));
 }
 
+/// The list that an article is picked from: the same statement, by hand into rows of variants.
+void measureSelection(BenchShop& shop, Report& report, const Scale& scale, std::size_t articles) {
+  ConnectionPtr connection = DataSession().OpenConnection(selector::kMain);
+  std::optional<clsArticulos> master;
+  const auto open = [&] {
+    std::string mode = "seleccion";
+    master.emplace();
+    master->IniciaRs(mode, {}, connection);
+    return master->DataMember("Primary");
+  };
+  driver::Query list = shop.floor().prepare(open()->Source());
+  driver::Rows rows;
+  const auto countOf = [](std::size_t count) { return static_cast<double>(count); };
+  const Side byHand{[&] { return countOf((rows = list.fetch()).size()); },
+                    {},
+                    [&] { driver::Rows().swap(rows); }};
+  const Side reading{[&] { return countOf(list.readThrough()); }};
+  const Side ours{
+      [&] { return static_cast<double>(open()->RecordCount()); }, {}, [&] { master.reset(); }};
+  report.add(compare({"open articles, mode seleccion", articles, 0.60, byHand, ours}, scale));
+  report.add(compare({"open articles (by hand: cells read, none kept)", articles, 0, reading, ours},
+                     scale));
+}
+
 void measureRise(BenchShop& shop, Report& report, const Scale& scale, std::size_t articles) {
   // Prices that both sides round to the same.
   const std::string reset = "UPDATE Articulos SET Tarifa_A = (rowid % 10000) / 10.0";
@@ -114,6 +140,7 @@ void measureArticles(Report& report, const Scale& scale) {
   addArticles(shop, articles);
   shop.share();
   measureLines(shop, report, scale, articles);
+  measureSelection(shop, report, scale, articles);
   measureRise(shop, report, scale, articles);
 }
 

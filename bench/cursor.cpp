@@ -71,13 +71,13 @@ void measureOpen(BenchShop& shop, Report& report, const Scale& scale, std::size_
                        [&] { set.reset(); }}},
                      scale));
 
-  const std::size_t empty = allocatedBytes();
+  const std::size_t empty = residentBytes();
   byHand = query.fetch();
-  const std::size_t withHand = allocatedBytes();
+  const std::size_t withHand = residentBytes();
   Rows().swap(byHand);
-  const std::size_t emptyAgain = allocatedBytes();
+  const std::size_t emptyAgain = residentBytes();
   set = shop.open(kAll);
-  const std::size_t withSet = allocatedBytes();
+  const std::size_t withSet = residentBytes();
   constexpr double kMebibyte = 1024.0 * 1024.0;
   report.add({"memory of 45 columns", rows, static_cast<double>(withHand - empty) / kMebibyte,
               static_cast<double>(withSet - emptyAgain) / kMebibyte, "MiB", 0.50});

@@ -14,6 +14,7 @@
 #include <fmt/format.h>
 #include <malloc.h>
 #include <sqlite3.h>
+#include <unistd.h>
 
 namespace tavelor::bench {
 
@@ -138,9 +139,12 @@ double measure(const Side& side, const Scale& scale) {
   return median(times);
 }
 
-std::size_t allocatedBytes() {
-  const struct mallinfo2 info = mallinfo2();
-  return info.uordblks + info.hblkhd;
+std::size_t residentBytes() {
+  malloc_trim(0);
+  std::size_t pages = 0;
+  std::size_t resident = 0;
+  std::ifstream("/proc/self/statm") >> pages >> resident;
+  return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
 void Report::add(Result result) {

@@ -77,7 +77,7 @@ Result compare(const Comparison& comparison, const Scale& scale);
 /// Median of the processor's time of one side, in milliseconds.
 double measure(const Side& side, const Scale& scale);
 
-/// Bytes that the process holds from the allocator.
-std::size_t allocatedBytes();
+/// Bytes of memory that the process has, what the allocator can give back not counted.
+std::size_t residentBytes();
 
 }  // namespace tavelor::bench

@@ -9,6 +9,7 @@
 
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/text.hpp"
+#include "tavelor/platform/words.hpp"
 
 namespace tavelor {
 
@@ -97,15 +98,17 @@ class Names {
 /// "03/15/2026", month first, which is what nearly all literals of statements are. Nothing for any
 /// other text.
 std::optional<Date> readPlainDay(std::string_view text) {
-  if (text.size() != 10 || text[2] != '/' || text[5] != '/') return std::nullopt;
-  const auto digit = [&](std::size_t i) {
-    return static_cast<unsigned>(text[i]) - static_cast<unsigned>('0');
+  if (text.size() != 10) return std::nullopt;
+  // What is left of a digit is its number, of a slash nothing.
+  const Word64 begin = load(text.data()) ^ load("00/00/00");
+  const Word64 end = load(text.data() + 8, 2) ^ load("00", 2);
+  constexpr Word64 kSlashes = Word64{0xFF} << 16 | Word64{0xFF} << 40;
+  if ((begin & kSlashes) != 0 || !areDigits(begin) || !areDigits(end)) return std::nullopt;
+  const auto two = [](Word64 digits, int place) {
+    return static_cast<int>((digits >> 8 * place & 0xF) * 10 + (digits >> 8 * (place + 1) & 0xF));
   };
-  const auto two = [&](std::size_t i) { return static_cast<int>(digit(i) * 10 + digit(i + 1)); };
-  for (const std::size_t i : {0U, 1U, 3U, 4U, 6U, 7U, 8U, 9U}) {
-    if (digit(i) > 9) return std::nullopt;
-  }
-  return Date::tryOf({.year = two(6) * 100 + two(8), .month = two(0), .day = two(3)});
+  return Date::tryOf(
+      {.year = two(begin, 6) * 100 + two(end, 0), .month = two(begin, 0), .day = two(begin, 3)});
 }
 
 /// Reads a date and a time, once each and in any order. Orders are tried as given.

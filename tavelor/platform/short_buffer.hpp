@@ -41,8 +41,8 @@ class ShortBuffer {
   }
 
  private:
-  // `more` may be a part of this buffer, so what is outgrown goes last. Room on the heap may be left
-  // from longer contents that were assigned over; the elements are not there yet.
+  // `more` may be a part of this buffer, so what is outgrown goes last. Room on the heap may be
+  // left from longer contents that were assigned over; the elements are not there yet.
   void appendOnHeap(std::span<const Element> more) {
     std::vector<Element> grown;
     if (size_ <= kRoom || heap_.capacity() < size_ + more.size()) {

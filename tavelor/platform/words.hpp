@@ -47,4 +47,9 @@ constexpr Word64 zeroBytes(Word64 word) {
   return (word - eachByte(1)) & ~word & eachByte(0x80);
 }
 
+/// True if no byte is above 9.
+constexpr bool areDigits(Word64 word) {
+  return (((word + eachByte(0x7F - 9)) | word) & eachByte(0x80)) == 0;
+}
+
 }  // namespace tavelor

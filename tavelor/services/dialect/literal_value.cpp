@@ -57,7 +57,7 @@ Digits readShort(std::string_view text, char decimal) {
     --count;
     read.decimals = count - place(points);
   }
-  read.areAll = count > 0 && (((digits + eachByte(0x7F - 9)) | digits) & eachByte(0x80)) == 0;
+  read.areAll = count > 0 && areDigits(digits);
   digits <<= 64 - 8 * std::max(count, 1);
   digits = (digits * 10 + (digits >> 8)) & 0x00FF00FF00FF00FFU;
   digits = (digits * 100 + (digits >> 16)) & 0x0000FFFF0000FFFFU;
@@ -223,13 +223,6 @@ bool isNothing(const Lifted& literal, const Parameter& parameter) {
   return literal.text.empty() && parameter.compared;
 }
 
-[[noreturn, gnu::cold]] void refuseLength(std::size_t length, const Parameter& parameter) {
-  raise(
-      errors::kMultipleStep, kSource,
-      fmt::format("a text of {} characters is too long for the {} of {}", length,
-                  parameter.maxLength, parameter.column.empty() ? "its column" : parameter.column));
-}
-
 }  // namespace
 
 // The digits and the power of ten are exact doubles, so their quotient is the nearest double.
@@ -266,14 +259,13 @@ Lifted lift(std::string_view text, LiteralKind kind) {
 LiteralReader::LiteralReader(const Locale& locale)
     : locale_(locale), decimal_(locale.decimal.size() == 1 ? locale.decimal[0] : '\0') {}
 
-Value LiteralReader::text(const Lifted& literal, const Parameter& parameter) {
-  const auto room = static_cast<std::size_t>(parameter.maxLength);
-  // No character is shorter than a byte.
-  if (room != 0 && literal.text.size() > room) {
-    const std::size_t length = text::length(literal.text);
-    if (length > room) refuseLength(length, parameter);
-  }
-  return Value::ofText(literal.text);
+void LiteralReader::checkLength(std::string_view text, const Parameter& parameter) {
+  const std::size_t length = text::length(text);
+  if (length <= static_cast<std::size_t>(parameter.maxLength)) return;
+  raise(
+      errors::kMultipleStep, kSource,
+      fmt::format("a text of {} characters is too long for the {} of {}", length,
+                  parameter.maxLength, parameter.column.empty() ? "its column" : parameter.column));
 }
 
 Value LiteralReader::number(const Lifted& literal, const Parameter& parameter) const {

@@ -47,7 +47,12 @@ class LiteralReader {
   engine::Value read(const Lifted& literal, const Parameter& parameter) const {
     switch (parameter.conversion) {
       case Conversion::kText:
-        return text(literal, parameter);
+        // No character is shorter than a byte.
+        if (parameter.maxLength != 0 &&
+            literal.text.size() > static_cast<std::size_t>(parameter.maxLength)) {
+          checkLength(literal.text, parameter);
+        }
+        return engine::Value::ofText(literal.text);
       case Conversion::kNumber:
       case Conversion::kNumberByLocale:
       case Conversion::kCurrency:
@@ -62,7 +67,7 @@ class LiteralReader {
   }
 
  private:
-  static engine::Value text(const Lifted& literal, const Parameter& parameter);
+  static void checkLength(std::string_view text, const Parameter& parameter);
   engine::Value number(const Lifted& literal, const Parameter& parameter) const;
   engine::Value quotedNumber(const Lifted& literal, const Parameter& parameter) const;
   engine::Value date(const Lifted& literal, const Parameter& parameter) const;
