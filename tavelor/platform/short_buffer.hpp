@@ -35,8 +35,9 @@ class ShortBuffer {
     }
   }
   void append(std::span<const Element> more) {
+    if (more.empty()) return;  // which may have no address
     if (size_ + more.size() > kRoom) return appendOnHeap(more);
-    if (!more.empty()) std::memcpy(own_.data() + size_, more.data(), more.size_bytes());
+    std::memcpy(own_.data() + size_, more.data(), more.size_bytes());
     size_ += more.size();
   }
 

@@ -93,6 +93,17 @@ TEST(Statement, IsCopiedAndMovedWithItsRanges) {
   EXPECT_EQ(moved.text(), "a = 1 AND b = ");
 }
 
+TEST(Statement, TakesTextsWithoutAnAddressHoweverLongItIs) {
+  Statement statement;
+  for (int i = 0; i < 3; ++i) {
+    const std::string before(statement.text());
+    statement << std::string_view() << value({});
+    EXPECT_EQ(statement.text(), before);
+    statement << std::string(200, 'x');
+  }
+  EXPECT_EQ(rangesOf(statement), (Ranges{{0, 0}, {200, 200}, {400, 400}}));
+}
+
 // What an earlier, longer one has left on the heap is room at most.
 TEST(Statement, GrowsFromWhatWasAssignedToItWhateverItHeldBefore) {
   Statement statement;
