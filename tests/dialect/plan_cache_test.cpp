@@ -200,6 +200,18 @@ TEST_F(PlanCacheTest, AValueThatLeavesItsPlaceIsRefusedBeforeAndAfterAHit) {
   EXPECT_EQ(journal.runs.size(), 4U);
 }
 
+// Without the value the letter around its place is whole.
+TEST_F(PlanCacheTest, AValueWithinALetterOfTheTextIsRefusedBeforeAndAfterAnEmptyOne) {
+  const auto within = [](std::string_view text) {
+    return Statement("DELETE FROM Lineas WHERE Codigo = '\xC3") << value(text) << "\xB1'";
+  };
+  for (int round = 0; round < 2; ++round) {
+    EXPECT_EQ(errorOf(within("x")), errors::kSyntax);
+    run(within(""));
+    EXPECT_THAT(journal.bound, ElementsAre("text ñ"));
+  }
+}
+
 TEST_F(PlanCacheTest, ABareValueMustBeOneNumberBeforeAndAfterAHit) {
   for (int round = 0; round < 2; ++round) {
     for (const char* text :

@@ -45,6 +45,11 @@ bool staysInside(std::string_view value, char quote) {
   return (high & eachByte(0x80)) == 0 || text::isValidUtf8(value);
 }
 
+/// True of the second and all further bytes of a letter in UTF-8.
+bool continuesLetter(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
 }  // namespace
 
 std::uint64_t Splice::hash(const Statement& statement) {
@@ -81,9 +86,12 @@ std::optional<Splice> Splice::of(const Statement& statement, const Shape& shape,
     const dialect::Slot& from = shape.slots[i];
     const auto literal = static_cast<std::size_t>(from.literal);
     const Statement::Range& range = statement.ranges()[i];
-    // An empty value next to a quote inside its literal: whether the two are one doubled quote
-    // depends on the value being empty.
-    if (range.begin == range.end && from.prefix.ends_with(from.quote)) return std::nullopt;
+    // An empty value next to a quote inside its literal, or within a letter: whether the two are
+    // one doubled quote, or the bytes one letter, depends on the value being empty.
+    if (range.begin == range.end &&
+        (from.prefix.ends_with(from.quote) || continuesLetter(text[range.begin]))) {
+      return std::nullopt;
+    }
     Slot slot;
     slot.literal = from.literal;
     slot.quote = from.quote;
