@@ -7,9 +7,10 @@
 
 namespace tavelor::dialect {
 
-/// Two maps: what is found or put moves into the young one; when that is full it becomes the old
-/// one, and what was left in the old one goes. So an entry that is used at least once in `capacity`
-/// insertions stays, no more than twice `capacity` are ever held, and no list has to be kept.
+/// Two maps: what is found or put moves into the young one; when that is full at a put it becomes
+/// the old one, and what was left in the old one goes. So an entry that is used at least once in
+/// `capacity` insertions stays, one that is not used in twice as many goes, and no list has to be
+/// kept. Where entries are used again while others come, more than `capacity` are held.
 template <typename Map>
 class Generations {
  public:
