@@ -11,33 +11,8 @@ namespace tavelor::dialect {
 namespace {
 
 // Capacities that a record set tells of its columns: characters of text, bytes of all others.
+// Of a text that no column limits.
 constexpr std::int32_t kTextSize = 255;
-constexpr std::int32_t kMemoSize = 536'870'910;
-constexpr std::int32_t kBinarySize = 1'073'741'823;
-
-std::int32_t capacity(ColumnType type, std::int32_t textSize) {
-  switch (type) {
-    case ColumnType::kByte:
-      return 1;
-    case ColumnType::kInt16:
-    case ColumnType::kBoolean:
-      return 2;
-    case ColumnType::kInt32:
-    case ColumnType::kSingle:
-      return 4;
-    case ColumnType::kDouble:
-    case ColumnType::kCurrency:
-    case ColumnType::kDate:
-      return 8;
-    case ColumnType::kText:
-      return textSize > 0 ? textSize : kTextSize;
-    case ColumnType::kMemo:
-      return kMemoSize;
-    case ColumnType::kBinary:
-      return kBinarySize;
-  }
-  return 0;
-}
 
 bool isKeyColumn(const engine::Table& table, const engine::Column* column) {
   for (const std::size_t position : table.key) {
@@ -78,7 +53,11 @@ OutputColumn describeItem(const OutputItem& item) {
   column.name = item.name;
   column.type = expr.type.column;
   column.hidden = item.hidden;
-  column.definedSize = capacity(column.type, sizeOf(expr));
+  column.definedSize = engine::fixedSize(column.type);
+  if (column.type == ColumnType::kText) {
+    const std::int32_t size = sizeOf(expr);
+    column.definedSize = size > 0 ? size : kTextSize;
+  }
   if (expr.kind == ExprKind::kColumn) {
     const engine::Table& table = *expr.source->base;
     column.nullable = expr.column->nullable;

@@ -4,10 +4,35 @@
 
 #include <algorithm>
 #include <bit>
+#include <limits>
 
 #include "tavelor/platform/text.hpp"
 
 namespace tavelor::engine {
+
+std::int32_t fixedSize(ColumnType type) {
+  switch (type) {
+    case ColumnType::kByte:
+      return 1;
+    case ColumnType::kInt16:
+    case ColumnType::kBoolean:
+      return 2;
+    case ColumnType::kInt32:
+    case ColumnType::kSingle:
+      return 4;
+    case ColumnType::kDouble:
+    case ColumnType::kCurrency:
+    case ColumnType::kDate:
+      return 8;
+    case ColumnType::kMemo:
+      return 536'870'910;
+    case ColumnType::kBinary:
+      return std::numeric_limits<std::int32_t>::max();
+    case ColumnType::kText:
+      break;
+  }
+  return 0;
+}
 
 std::string_view ddlWord(ColumnType type) {
   switch (type) {

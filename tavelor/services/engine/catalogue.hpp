@@ -35,6 +35,9 @@ constexpr bool isNumeric(ColumnType t) {
   return isWhole(t) || t == ColumnType::kSingle || t == ColumnType::kDouble ||
          t == ColumnType::kCurrency;
 }
+/// Bytes of a number, date or flag; of memo and binary the most that a field tells: 1 GiB of
+/// two-byte characters, and the largest number of bytes. 0 for a text, whose size is its column's.
+std::int32_t fixedSize(ColumnType type);
 /// The word of the dialect's DDL: "TEXT", "MEMO", "LONG"...
 std::string_view ddlWord(ColumnType type);
 

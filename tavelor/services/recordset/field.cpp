@@ -72,30 +72,6 @@ std::optional<ColumnType> storageOf(DataType type) {
   return std::nullopt;
 }
 
-std::int32_t fixedSize(ColumnType type) {
-  switch (type) {
-    case ColumnType::kByte:
-      return 1;
-    case ColumnType::kInt16:
-    case ColumnType::kBoolean:
-      return 2;
-    case ColumnType::kInt32:
-    case ColumnType::kSingle:
-      return 4;
-    case ColumnType::kDouble:
-    case ColumnType::kCurrency:
-    case ColumnType::kDate:
-      return 8;
-    case ColumnType::kMemo:
-      return kMemoSize;
-    case ColumnType::kBinary:
-      return kBinarySize;
-    case ColumnType::kText:
-      break;
-  }
-  return 0;
-}
-
 // ---- Fields
 
 std::int32_t Fields::Count() const {
@@ -156,8 +132,7 @@ std::int32_t Field::Type() const {
 }
 
 std::int32_t Field::DefinedSize() const {
-  const OutputColumn& column = columnOf(set_->schema(), column_);
-  return column.type == ColumnType::kText ? column.definedSize : fixedSize(column.type);
+  return columnOf(set_->schema(), column_).definedSize;
 }
 
 std::int32_t Field::Precision() const {

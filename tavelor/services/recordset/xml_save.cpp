@@ -156,9 +156,7 @@ void XmlWriter::writeField(std::size_t column) {
   const xml::TypeName name = xml::nameOf(type);
   attribute("dt:type", name.name);
   if (!name.dbType.empty()) attribute("rs:dbtype", name.dbType);
-  const std::int32_t size =
-      field.type == engine::ColumnType::kText ? field.definedSize : fixedSize(field.type);
-  if (size > 0) attribute("dt:maxLength", std::to_string(size));
+  if (field.definedSize > 0) attribute("dt:maxLength", std::to_string(field.definedSize));
   const bool isLong =
       field.type == engine::ColumnType::kMemo || field.type == engine::ColumnType::kBinary;
   if (isLong) attribute("rs:long", "true");
