@@ -2,6 +2,9 @@
 // Text as dates, by the locale and in statements.
 #include "tavelor/platform/date_text.hpp"
 
+#include <string>
+
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "tavelor/platform/locale.hpp"
@@ -117,6 +120,29 @@ TEST(ParseSqlDate, DayAndMonthChangePlacesAboveTwelve) {
   EXPECT_EQ(sql("11/21/2026"), Date::of(2026, 11, 21));
   EXPECT_EQ(sql("24-03-05"), Date::of(2005, 3, 24));
   EXPECT_EQ(sql("31/02/2024"), std::nullopt);
+}
+
+// The usual form is read without the tokens of the others; a blank before it takes the long way.
+TEST(ParseSqlDate, ReadsTheUsualFormAsTheOthers) {
+  const auto inTokens = [](const std::string& text) { return sql(" " + text); };
+  for (const int year : {0, 99, 100, 1600, 1900, 2000, 2024, 2026, 9999}) {
+    for (int month = 0; month <= 13; ++month) {
+      for (int day = 0; day <= 32; ++day) {
+        const std::string text = fmt::format("{:02}/{:02}/{:04}", month, day, year);
+        ASSERT_EQ(sql(text), inTokens(text)) << text;
+      }
+    }
+  }
+  const std::string plain = "03/15/2026";
+  for (std::size_t place = 0; place < plain.size(); ++place) {
+    for (int byte = 0; byte < 256; ++byte) {
+      std::string text = plain;
+      text[place] = static_cast<char>(byte);
+      ASSERT_EQ(sql(text), inTokens(text)) << byte << " at " << place;
+    }
+  }
+  EXPECT_EQ(sql("02/29/2024"), Date::of(2024, 2, 29));
+  EXPECT_EQ(sql("02/29/2026"), std::nullopt);
 }
 
 TEST(ParseSqlDate, ReadsYearMonthDayAndTimes) {

@@ -33,5 +33,16 @@ TEST(Words, TellWhetherAByteIsZero) {
   }
 }
 
+TEST(Words, TellWhetherAllBytesAreDigits) {
+  EXPECT_TRUE(areDigits(0));
+  EXPECT_TRUE(areDigits(eachByte(9)));
+  for (int place = 0; place < 8; ++place) {
+    for (Word64 byte = 0; byte < 256; ++byte) {
+      const Word64 word = (eachByte(9) & ~(Word64{0xFF} << (8 * place))) | byte << (8 * place);
+      EXPECT_EQ(areDigits(word), byte <= 9) << byte << " at " << place;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace tavelor
