@@ -59,8 +59,8 @@ std::size_t matchLiteral(std::string_view text, std::size_t at, std::string_view
   std::size_t i = 0;
   while (i < literal.size()) {
     if (i + 8 <= literal.size() && at + 8 <= text.size()) {
-      const std::uint64_t wanted = utf8::word(literal.data() + i);
-      const std::uint64_t found = utf8::word(text.data() + at);
+      const Word64 wanted = load(literal.data() + i);
+      const Word64 found = load(text.data() + at);
       if (((wanted | found) & utf8::kHighBits) == 0) {
         if (utf8::foldAsciiWord(found) != wanted) return kNoMatch;
         i += 8;

@@ -6,9 +6,10 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <string_view>
+
+#include "tavelor/platform/words.hpp"
 
 namespace tavelor::utf8 {
 
@@ -90,19 +91,13 @@ inline void append(std::string& out, char32_t code) {
   }
 }
 
-inline constexpr std::uint64_t kHighBits = 0x8080808080808080ULL;
-
-/// Eight bytes of the text, for work on a word at a time.
-inline std::uint64_t word(const char* bytes) {
-  std::uint64_t result;
-  std::memcpy(&result, bytes, sizeof result);
-  return result;
-}
+inline constexpr Word64 kHighBits = eachByte(0x80);
 
 /// Turns A..Z of eight ASCII bytes into a..z at once. No byte may have its high bit set.
-inline std::uint64_t foldAsciiWord(std::uint64_t bytes) {
-  const std::uint64_t aboveOrAtA = bytes + 0x3F3F3F3F3F3F3F3FULL;  // high bit where byte >= 'A'
-  const std::uint64_t aboveZ = bytes + 0x2525252525252525ULL;      // high bit where byte > 'Z'
+inline Word64 foldAsciiWord(Word64 bytes) {
+  // Told by the high bit of each byte.
+  const Word64 aboveOrAtA = bytes + eachByte(0x80 - 'A');
+  const Word64 aboveZ = bytes + eachByte(0x7F - 'Z');
   return bytes | ((aboveOrAtA & ~aboveZ & kHighBits) >> 2U);
 }
 

@@ -4,13 +4,13 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <span>
 
 #include "tavelor/platform/date_text.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
+#include "tavelor/platform/utf8.hpp"
 #include "tavelor/services/dialect/reserved_words.hpp"
 
 namespace tavelor::dialect {
@@ -44,17 +44,6 @@ bool isDigit(char c) {
 }
 bool isNameCharacter(char c) {
   return classOf(c) >= CharClass::kDigit;
-}
-
-bool hasHighByte(std::string_view text) {
-  std::size_t i = 0;
-  for (; i + sizeof(std::uint64_t) <= text.size(); i += sizeof(std::uint64_t)) {
-    std::uint64_t eight = 0;
-    std::memcpy(&eight, text.data() + i, sizeof eight);
-    if ((eight & 0x8080808080808080U) != 0) return true;
-  }
-  return std::any_of(text.begin() + static_cast<std::ptrdiff_t>(i), text.end(),
-                     [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
 }
 
 enum class Lifting : std::uint8_t { kOn, kOff };
@@ -120,7 +109,7 @@ class Lexer {
     if (const std::size_t nul = text_.find('\0'); nul != std::string_view::npos) {
       fail(nul, "a NUL byte at " + placeText(text_, nul));
     }
-    if (!hasHighByte(text_)) return;
+    if (utf8::isAscii(text_)) return;
     for (const Statement::Range& range : ranges_) {
       if (!text::isValidUtf8(valueText(range))) {
         fail(range.begin, nameOf(range) + " is no valid UTF-8");
