@@ -56,6 +56,19 @@ TEST(Blocks, OfLikePiecesHaveNoRestAndGrow) {
   EXPECT_EQ(sizes[2], 35 * kPiece);
 }
 
+// Such are the chunks of rows with hundreds of columns, and pictures.
+TEST(Blocks, OfPiecesLargerThanAPageHaveLittleRest) {
+  for (const std::size_t piece : {2'000'000U, 2'100'000U, 2'500'000U, 4'300'000U, 9'000'000U}) {
+    Blocks blocks(4096);
+    std::size_t given = 0;
+    for (int i = 0; i < 10; ++i) {
+      std::memset(blocks.take(piece), i, piece);
+      given += piece;
+    }
+    EXPECT_LE(blocks.memory(), given * 5 / 4) << piece;
+  }
+}
+
 TEST(Blocks, MoveWithoutTheirPieces) {
   Blocks blocks(64);
   char* const place = blocks.take(8);

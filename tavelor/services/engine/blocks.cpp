@@ -14,13 +14,14 @@ namespace {
 constexpr std::size_t kPage = std::size_t{2} * 1024 * 1024;  // a huge one
 constexpr std::size_t kLargest = 2 * kPage;
 
-/// A large block, of whole huge pages: touching fresh memory page by small page costs nearly as
-/// much as filling it.
+/// A large block, of huge pages as far as it is of whole ones: touching fresh memory page by small
+/// page costs nearly as much as filling it.
 char* allocateLarge(std::size_t bytes) {
-  void* const block = std::aligned_alloc(kPage, bytes);
+  void* block = nullptr;
+  if (posix_memalign(&block, kPage, bytes) != 0) return nullptr;
 #ifdef MADV_HUGEPAGE
   // It is advice: where it is refused, pages are small.
-  if (block != nullptr) static_cast<void>(madvise(block, bytes, MADV_HUGEPAGE));
+  static_cast<void>(madvise(block, bytes / kPage * kPage, MADV_HUGEPAGE));
 #endif
   return static_cast<char*>(block);
 }
@@ -31,7 +32,11 @@ void Blocks::grow(std::size_t bytes) {
   // A multiple of what is asked for, so that nothing is left over where all pieces are alike.
   std::size_t size = std::max(next_ / bytes, std::size_t{1}) * bytes;
   const bool isLarge = size >= kPage;
-  if (isLarge) size = (size + kPage - 1) / kPage * kPage;
+  if (isLarge) {
+    // To the end of a page, unless the rest of it holds no further piece and is a waste.
+    const std::size_t rest = (kPage - size % kPage) % kPage;
+    if (rest >= bytes || rest <= size / 4) size += rest;
+  }
   blocks_.emplace_back();
   blocks_.back().reset(isLarge ? allocateLarge(size) : static_cast<char*>(std::malloc(size)));
   if (!blocks_.back()) throw std::bad_alloc();
