@@ -6,7 +6,6 @@
 
 #include "tavelor/frame/component.hpp"
 #include "tavelor/platform/error.hpp"
-#include "tavelor/platform/statement.hpp"
 #include "tavelor/sales/ticket_rows.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 

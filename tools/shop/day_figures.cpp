@@ -11,7 +11,6 @@
 
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/statement.hpp"
-#include "tavelor/platform/variant.hpp"
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/installation.hpp"

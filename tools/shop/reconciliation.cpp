@@ -2,7 +2,6 @@
 // Reads a day at a time, so that no more than a day lies in memory.
 #include "tools/shop/reconciliation.hpp"
 
-#include <algorithm>
 #include <cmath>
 #include <unordered_map>
 

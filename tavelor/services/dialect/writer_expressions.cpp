@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Tree to text, as all engines have it: expressions.
 #include <algorithm>
-#include <array>
 #include <optional>
 
 #include <fmt/format.h>
