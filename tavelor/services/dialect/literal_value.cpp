@@ -225,7 +225,6 @@ bool isNothing(const Lifted& literal, const Parameter& parameter) {
 
 }  // namespace
 
-// The digits and the power of ten are exact doubles, so their quotient is the nearest double.
 bool readPlain(std::string_view text, char decimal, Lifted& number) {
   const bool negative = !text.empty() && text[0] == '-';
   if (negative || (!text.empty() && text[0] == '+')) text.remove_prefix(1);

@@ -10,7 +10,6 @@
 
 #include <fmt/format.h>
 
-#include "tavelor/platform/date_text.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/dialect/dialect.hpp"
