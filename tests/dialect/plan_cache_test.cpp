@@ -325,6 +325,17 @@ TEST_F(PlanCacheTest, ConstantsOfTheTextAreTakenFromTheStatementAtHand) {
   EXPECT_EQ(cache.counters().shapeHits, 1U);
 }
 
+TEST_F(PlanCacheTest, TextsThatDifferBehindTheirValuesAreAllRemembered) {
+  for (int round = 0; round < 3; ++round) {
+    for (int constant = 10; constant < 40; ++constant) {
+      run(Statement("DELETE FROM Lineas WHERE Codigo = '")
+          << value("a") << "' AND Unidades = " << std::to_string(constant));
+      EXPECT_THAT(journal.bound, ElementsAre("text a", "whole " + std::to_string(constant)));
+    }
+  }
+  EXPECT_EQ(cache.counters().shapeHits, 60U);
+}
+
 TEST_F(PlanCacheTest, DatesComeWithOrWithoutTheirMarks) {
   const auto whole = [](std::string_view date) {
     return Statement("DELETE FROM Lineas WHERE Fecha = ") << value(date);

@@ -58,13 +58,20 @@ std::uint64_t Splice::hash(const Statement& statement) {
   std::size_t length = text.size();
   for (const Statement::Range& range : ranges) length -= range.end - range.begin;
   Word64 hash = fold(kSeed ^ length, kFactor ^ ranges.size());
-  const std::string_view first =
-      text.substr(0, ranges.empty() ? text.size() : ranges.front().begin);
-  std::size_t at = 0;
-  for (; at + kWordSize < first.size(); at += kWordSize) {
-    hash = fold(hash ^ load(first.data() + at), kFactor);
+  const auto add = [&](std::string_view segment) {
+    std::size_t at = 0;
+    for (; at + kWordSize < segment.size(); at += kWordSize) {
+      hash = fold(hash ^ load(segment.data() + at), kFactor);
+    }
+    hash = fold(hash ^ load(segment.data() + at, segment.size() - at), kFactor);
+  };
+  if (ranges.empty()) {
+    add(text);
+  } else {
+    add(text.substr(0, ranges.front().begin));
+    add(text.substr(ranges.back().end));
   }
-  return fold(hash ^ load(first.data() + at, first.size() - at), kFactor);
+  return hash;
 }
 
 std::optional<Splice> Splice::of(const Statement& statement, const Shape& shape,

@@ -29,8 +29,8 @@ class Splice {
   static std::optional<Splice> of(const Statement& statement, const Shape& shape,
                                   const std::vector<bool>& eitherKind);
 
-  /// A hash of the text before the first value and of how long the rest of the own text is. Those
-  /// few that have these in common are told apart by take().
+  /// A hash of the text before the first value and behind the last one, and of how long the rest of
+  /// the own text is. Those few that have these in common are told apart by take().
   static std::uint64_t hash(const Statement& statement);
 
   /// Takes the literals out of `statement`. False when its own text is another, or when a value
