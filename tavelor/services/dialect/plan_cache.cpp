@@ -130,15 +130,16 @@ struct PlanCache::State {
   void remember(const Statement& statement, std::uint64_t hash,
                 const std::shared_ptr<Compiled>& compiled) {
     last = nullptr;  // it may move, or be forgotten
+    std::vector<Spliced>* alike = spliced.find(hash);
+    if (alike != nullptr && alike->size() == kMostAlike) return;
     auto splice = Splice::of(statement, shape, eitherKindOf(shape, *compiled->plan));
     if (!splice) return;
-    std::vector<Spliced>* alike = spliced.find(hash);
     if (alike == nullptr) alike = &spliced.put(hash, {});
     // A value that only the lexer can judge brings a statement here that is known already.
     for (const Spliced& known : *alike) {
       if (known.splice == *splice) return;
     }
-    if (alike->size() < kMostAlike) alike->push_back({std::move(*splice), compiled});
+    alike->push_back({std::move(*splice), compiled});
   }
 
   void takeLexed() {
