@@ -3,10 +3,10 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <string_view>
 #include <type_traits>
-#include <vector>
+
+#include "tavelor/services/engine/blocks.hpp"
 
 namespace tavelor::dialect {
 
@@ -35,23 +35,19 @@ class Arena {
   static constexpr std::size_t kBlock = 64 * 1024;
 
   void* allocate(std::size_t bytes, std::size_t alignment) {
-    std::size_t begin = (used_ + alignment - 1) / alignment * alignment;
-    if (begin + bytes > size_) {
-      const std::size_t size = bytes > kBlock ? bytes : kBlock;
-      blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(size));
-      block_ = blocks_.back().get();
-      size_ = size;
-      begin = 0;
-    }
+    const auto upTo = [](std::size_t size, std::size_t step) {
+      return (size + step - 1) / step * step;
+    };
+    const std::size_t begin = upTo(used_, alignment);
+    // Whole steps, so that the next piece is aligned too.
+    if (begin + bytes > kFirst) return more_.take(upTo(bytes, alignof(std::max_align_t)));
     used_ = begin + bytes;
-    return block_ + begin;
+    return first_ + begin;
   }
 
   alignas(std::max_align_t) std::byte first_[kFirst];
-  std::byte* block_ = first_;
-  std::size_t size_ = kFirst;
   std::size_t used_ = 0;
-  std::vector<std::unique_ptr<std::byte[]>> blocks_;
+  engine::Blocks more_{kBlock};
 };
 
 }  // namespace tavelor::dialect
