@@ -131,8 +131,8 @@ Value moneyOf(const Lifted& number, const Parameter& parameter) {
 }
 
 Value wholeOf(const Lifted& number, const Parameter& parameter) {
-  std::int64_t least = std::numeric_limits<std::int32_t>::min();
-  std::int64_t most = std::numeric_limits<std::int32_t>::max();
+  double least = std::numeric_limits<std::int32_t>::min();
+  double most = std::numeric_limits<std::int32_t>::max();
   if (parameter.columnType == ColumnType::kByte) {
     least = 0;
     most = std::numeric_limits<std::uint8_t>::max();
@@ -140,16 +140,10 @@ Value wholeOf(const Lifted& number, const Parameter& parameter) {
     least = std::numeric_limits<std::int16_t>::min();
     most = std::numeric_limits<std::int16_t>::max();
   }
-  std::int64_t whole = number.whole;
-  if (number.kind == LiteralKind::kDecimal) {
-    const double rounded = roundHalfEven(number.real);
-    if (!(rounded >= static_cast<double>(least) && rounded <= static_cast<double>(most))) {
-      refuseRange(number, parameter);
-    }
-    whole = static_cast<std::int64_t>(rounded);
-  }
-  if (whole < least || whole > most) refuseRange(number, parameter);
-  return Value::ofInteger(whole);
+  const double rounded =
+      number.kind == LiteralKind::kWhole ? number.asReal() : roundHalfEven(number.real);
+  if (!(rounded >= least && rounded <= most)) refuseRange(number, parameter);
+  return Value::ofInteger(static_cast<std::int64_t>(rounded));
 }
 
 /// True for a day number that reads as a date again.

@@ -27,8 +27,8 @@ namespace {
 
 // Statements of a till and of a back office number some hundreds; lists of varying length add more.
 constexpr std::size_t kCapacity = 512;
-// Statements that differ in the kinds of their numbers only share a place. More than these few are
-// not worth remembering.
+// Statements share a place that differ only in the kinds of their numbers, or between their values
+// at equal lengths. More than these few are not worth remembering.
 constexpr std::size_t kMostAlike = 8;
 
 /// Texts by text, found without making a string.

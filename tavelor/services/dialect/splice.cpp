@@ -8,6 +8,7 @@
 #include "tavelor/platform/date_text.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
+#include "tavelor/platform/utf8.hpp"
 #include "tavelor/platform/words.hpp"
 #include "tavelor/services/dialect/lexer.hpp"
 
@@ -43,11 +44,6 @@ bool staysInside(std::string_view value, char quote) {
   }
   if (broken != 0) return false;
   return (high & eachByte(0x80)) == 0 || text::isValidUtf8(value);
-}
-
-/// True of the second and all further bytes of a letter in UTF-8.
-bool continuesLetter(char byte) {
-  return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
 }  // namespace
@@ -95,8 +91,9 @@ std::optional<Splice> Splice::of(const Statement& statement, const Shape& shape,
     const Statement::Range& range = statement.ranges()[i];
     // An empty value next to a quote inside its literal, or within a letter: whether the two are
     // one doubled quote, or the bytes one letter, depends on the value being empty.
+    const auto behind = static_cast<unsigned char>(text[range.begin]);
     if (range.begin == range.end &&
-        (from.prefix.ends_with(from.quote) || continuesLetter(text[range.begin]))) {
+        (from.prefix.ends_with(from.quote) || utf8::isContinuation(behind))) {
       return std::nullopt;
     }
     Slot slot;
