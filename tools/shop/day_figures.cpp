@@ -9,6 +9,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "tavelor/frame/class_info.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/apartment.hpp"
@@ -20,8 +21,6 @@ namespace tavelor::shop {
 
 namespace {
 
-constexpr int kMain = 1;
-constexpr int kDocuments = 3;
 constexpr double kHalfACent = 0.005;
 constexpr int kHoursOfADay = 24;
 
@@ -29,7 +28,7 @@ using Names = std::unordered_map<std::string, std::string>;
 
 Names namesOf(const char* statement) {
   Names names;
-  for (Rows rows(kMain, Statement(statement)); rows.hasRow(); rows.next()) {
+  for (Rows rows(selector::kMain, Statement(statement)); rows.hasRow(); rows.next()) {
     names.emplace(rows.text("Codigo"), rows.text("Descripcion"));
   }
   return names;
@@ -46,8 +45,8 @@ class Gatherer {
   Gatherer(Date first, Date last) {
     figures_.first = first;
     figures_.last = last;
-    from_ = session_.DateLiteral(kMain, first);
-    before_ = session_.DateLiteral(kMain, Date(last.days() + 1));
+    from_ = session_.DateLiteral(selector::kMain, first);
+    before_ = session_.DateLiteral(selector::kMain, Date(last.days() + 1));
   }
 
   PageFigures gather() {
@@ -78,13 +77,14 @@ class Gatherer {
   Takings takings(const char* table) const {
     Statement statement("SELECT Count(*) AS Cuantos, Sum(Total) AS Importe FROM ");
     statement << table << inTheDays(table);
-    const Rows rows(kDocuments, statement);
+    const Rows rows(selector::kDocuments, statement);
     return {rows.whole("Cuantos"), rows.number("Importe")};
   }
 
   void nameShop() {
-    const Rows rows(kMain, Statement("SELECT Nombre, Razon_Social FROM Tipos_Documento WHERE "
-                                     "Predeterminada = True ORDER BY Codigo"));
+    const Rows rows(selector::kMain,
+                    Statement("SELECT Nombre, Razon_Social FROM Tipos_Documento WHERE "
+                              "Predeterminada = True ORDER BY Codigo"));
     if (rows.hasRow()) figures_.shop = rows.text("Nombre");
     if (rows.hasRow() && figures_.shop.empty()) figures_.shop = rows.text("Razon_Social");
     if (figures_.shop.empty()) {
@@ -98,7 +98,7 @@ class Gatherer {
     figures_.open = takings("Tickets");
     Statement statement("SELECT Count(*) AS Cuantas, Sum(Cantidad) AS Unidades");
     statement << kLines << inTheDays("HTickets");
-    const Rows rows(kDocuments, statement);
+    const Rows rows(selector::kDocuments, statement);
     figures_.lines = rows.whole("Cuantas");
     figures_.units = rows.number("Unidades");
   }
@@ -111,7 +111,7 @@ class Gatherer {
               << " AND (Concepto Like '[0-2]#:[0-5]#' OR Concepto Like '#:[0-5]#') "
                  "GROUP BY Val(Left(Concepto, 2)) ORDER BY Val(Left(Concepto, 2))";
     figures_.timeless = figures_.all;
-    for (Rows rows(kDocuments, statement); rows.hasRow(); rows.next()) {
+    for (Rows rows(selector::kDocuments, statement); rows.hasRow(); rows.next()) {
       HourFigures hour;
       hour.hour = rows.whole("Hora");
       hour.tickets = rows.whole("Cuantos");
@@ -127,7 +127,7 @@ class Gatherer {
     Statement statement(
         "SELECT Int(Fecha) AS Dia, Count(*) AS Cuantos, Sum(Total) AS Importe FROM HTickets");
     statement << inTheDays("HTickets") << " GROUP BY Int(Fecha) ORDER BY Int(Fecha)";
-    for (Rows rows(kDocuments, statement); rows.hasRow(); rows.next()) {
+    for (Rows rows(selector::kDocuments, statement); rows.hasRow(); rows.next()) {
       DayFigures day;
       day.day = rows.day("Dia");
       day.tickets = rows.whole("Cuantos");
@@ -143,7 +143,7 @@ class Gatherer {
     statement << kLines << inTheDays("HTickets") << condition
               << " GROUP BY HTickets_Lineas.Codigo ORDER BY HTickets_Lineas.Codigo";
     std::vector<ArticleFigures> found;
-    for (Rows rows(kDocuments, statement); rows.hasRow(); rows.next()) {
+    for (Rows rows(selector::kDocuments, statement); rows.hasRow(); rows.next()) {
       found.push_back({rows.text("Articulo"), rows.text("Nombre"), rows.number("Unidades"),
                        rows.number("Dinero")});
     }
@@ -156,7 +156,7 @@ class Gatherer {
     Statement statement("SELECT Count(*) AS Cuantos FROM HTickets");
     statement << inTheDays("HTickets")
               << " AND Numero IN (SELECT Numero FROM HTickets_Lineas WHERE Cantidad < 0)";
-    figures_.returns = Rows(kDocuments, statement).whole("Cuantos");
+    figures_.returns = Rows(selector::kDocuments, statement).whole("Cuantos");
     figures_.returned = articles(" AND Cantidad < 0");
     for (ArticleFigures& article : figures_.returned) {
       article.units = -article.units;
@@ -172,7 +172,7 @@ class Gatherer {
               << " ON Cierres.Codigo = " << table << ".Cierre" << inTheDays("Cierres")
               << " GROUP BY " << column << " ORDER BY " << column;
     std::vector<Share> found;
-    for (Rows rows(kMain, statement); rows.hasRow(); rows.next()) {
+    for (Rows rows(selector::kMain, statement); rows.hasRow(); rows.next()) {
       Share share{rows.text("Cual"), {}, rows.number("Dinero")};
       const auto name = names.find(share.code);
       share.name = name == names.end() || name->second.empty() ? share.code : name->second;
@@ -189,7 +189,7 @@ class Gatherer {
         "Sum(Cierres_Lineas_Impuestos.Importe) AS Cuotas FROM Cierres INNER JOIN "
         "Cierres_Lineas_Impuestos ON Cierres.Codigo = Cierres_Lineas_Impuestos.Cierre");
     statement << inTheDays("Cierres") << " GROUP BY Iva ORDER BY Iva";
-    for (Rows rows(kMain, statement); rows.hasRow(); rows.next()) {
+    for (Rows rows(selector::kMain, statement); rows.hasRow(); rows.next()) {
       figures_.taxes.push_back({rows.number("Iva"), rows.number("Bases"), rows.number("Cuotas")});
     }
   }
@@ -201,7 +201,7 @@ class Gatherer {
         "WHERE Fecha < ");
     statement << value(from_) << " GROUP BY Caja)";
     std::unordered_map<std::string, double> balances;
-    for (Rows rows(kMain, statement); rows.hasRow(); rows.next()) {
+    for (Rows rows(selector::kMain, statement); rows.hasRow(); rows.next()) {
       balances[rows.text("Caja")] = rows.number("Saldo_Final");
     }
     return balances;
@@ -212,7 +212,7 @@ class Gatherer {
     Statement statement(
         "SELECT Codigo, Caja, Fecha, Saldo_Inicio, Total, Saldo_Final FROM Cierres");
     statement << inTheDays("Cierres") << " ORDER BY Caja, Codigo";
-    for (Rows rows(kMain, statement); rows.hasRow(); rows.next()) {
+    for (Rows rows(selector::kMain, statement); rows.hasRow(); rows.next()) {
       ClosingFigures closing;
       closing.number = rows.whole("Codigo");
       closing.till = rows.text("Caja");

@@ -2,6 +2,8 @@
 // Puts receipts and slips together from what the classes print.
 #include "tools/shop/receipt.hpp"
 
+#include <array>
+
 #include <fmt/format.h>
 
 #include "tavelor/closing/cierres.hpp"
@@ -87,11 +89,12 @@ class Receipt {
   }
 
   void addHeader(std::vector<std::string>& receipt) {
-    const Rows header = read("SELECT Nombre, Razon_Social, NIF, Direccion, Poblacion, Provincia",
-                             "Tickets_Cabecera", "Codigo");
+    constexpr std::array<std::string_view, 6> kColumns{"Nombre",    "Razon_Social", "NIF",
+                                                       "Direccion", "Poblacion",    "Provincia"};
+    const Rows header =
+        read(fmt::format("SELECT {}", fmt::join(kColumns, ", ")), "Tickets_Cabecera", "Codigo");
     if (!header.hasRow()) return;
-    for (const std::string_view column :
-         {"Nombre", "Razon_Social", "NIF", "Direccion", "Poblacion", "Provincia"}) {
+    for (const std::string_view column : kColumns) {
       if (std::string line = header.text(column); !line.empty()) receipt.push_back(std::move(line));
     }
   }
