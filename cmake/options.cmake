@@ -19,6 +19,12 @@ if(TAVELOR_SANITIZE)
   add_link_options(-fsanitize=${TAVELOR_SANITIZE})
 endif()
 
+# A test program holds all floors below it: lld links one in a fifth of the time.
+find_program(TAVELOR_LLD ld.lld)
+if(TAVELOR_LLD)
+  add_link_options(-fuse-ld=lld)
+endif()
+
 find_program(TAVELOR_CCACHE ccache)
 if(TAVELOR_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   # Sources that use a precompiled header are cached only when its date is left out of the key.
