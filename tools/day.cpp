@@ -148,6 +148,7 @@ class Replay {
   Replay(Source& source, Refusals& refusals, std::vector<std::string> tills)
       : source_(source), refusals_(refusals), tills_(std::move(tills)) {
     mended_ = shop_.recover();
+    if (!mended_.undecided.empty()) throw shop::Disagreement(mended_.undecided);
     shop_.openTills(tills_);
     shop_.writeMissingSlips();
   }
@@ -248,6 +249,10 @@ void tellMended(const shop::Recovered& mended) {
     fmt::print("mended: {} of an earlier run taken back\n",
                counted(mended.closings.size(), "closing", "closings"));
   }
+  if (!mended.rewritten.empty()) {
+    fmt::print("mended: {} written again from the tickets in history\n",
+               counted(mended.rewritten.size(), "closing", "closings"));
+  }
 }
 
 void tellReconciliation(shop::Reconciliation& reconciliation, const Locale& locale) {
@@ -279,8 +284,11 @@ void tellReconciliation(shop::Reconciliation& reconciliation, const Locale& loca
   std::fflush(stdout);
   for (std::size_t i = 0; i < std::min(kShown, differences.size()); ++i) {
     const Reconciliation::Difference& difference = differences[i];
-    fmt::print(stderr, "till {}, {}, {}: {}\n", printable(difference.till),
-               shop::isoDay(difference.day), Reconciliation::kNames[difference.place],
+    const std::string where = difference.till.empty()
+                                  ? ""
+                                  : fmt::format("till {}, {}, ", printable(difference.till),
+                                                shop::isoDay(difference.day));
+    fmt::print(stderr, "{}{}: {}\n", where, Reconciliation::kNames[difference.place],
                difference.what);
   }
   throw FileError(fmt::format("{} between the sales and the shop",

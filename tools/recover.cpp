@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 // tavelor recover: mends what a program that died in the middle has left.
 #include <CLI/CLI.hpp>
+#include <cstdio>
+#include <memory>
+#include <stdexcept>
 
 #include <fmt/format.h>
 
 #include "tools/command.hpp"
+#include "tools/output.hpp"
 #include "tools/session.hpp"
 #include "tools/shop/shop.hpp"
 
@@ -14,40 +18,93 @@ namespace {
 
 constexpr const char* kFooter =
     R"(A ticket and its stock lie in two databases, and so do a closing and its tickets; a
-program that dies between the two leaves one without the other. Here
+program that dies between the two leaves one without the other, and so does a
+database that has lost its latest changes. Here
 
-  a ticket whose stock has not moved   has it moved now
-  a closing without its tickets        is taken back; the next closing takes them
-  a closing without its slip           has it written
+  a ticket whose stock has not moved    has it moved now
+  a closing whose tickets are open      is taken back; the next closing takes them
+  closed tickets without their closing  have it written again
+  a closing without its slip            has it written
 
-The next sale or closing does the first two by itself. A second run finds nothing.)";
+The next sale or closing does the first three by itself. All tickets and closings
+there are are looked at. What is stored cannot mend the rest: movements of stock
+whose tickets are lost, lines that are not what was moved, closings whose tickets
+are nowhere. Behind the last ticket or closing that is whole, nothing is sold or
+closed until one of these is done:
 
-void recover(const Common& common) {
+  put the file back that has them, and run this again
+  --follow-tickets   stock and closings become what the tickets tell: movements
+                     without a ticket are taken back, lines without movements are
+                     moved, closings without tickets are deleted, unless they were
+                     invoiced. Sell again what was lost; it gets new numbers
+  --keep             all stays as it is, and is not told again
+
+Exit code 1 while something is undecided. Otherwise a second run finds nothing.)";
+
+struct RecoverOptions {
+  bool followTickets = false;
+  bool keep = false;
+
+  shop::Decision decision() const {
+    if (followTickets) return shop::Decision::kFollowTickets;
+    return keep ? shop::Decision::kKeep : shop::Decision::kNone;
+  }
+};
+
+void tellFindings(const std::vector<shop::Finding>& findings, std::string_view end) {
+  for (const std::string& sentence : shop::told(findings)) {
+    fmt::print("{}{}\n", printable(sentence), end);
+  }
+}
+
+void recover(const RecoverOptions& options, const Common& common) {
   const Session session(common);
   shop::Shop shop;
-  const shop::Recovered recovered = shop.recover();
+  const shop::Recovered recovered = shop.recoverAll(options.decision());
+  for (const double ticket : recovered.takenBack) {
+    fmt::print("ticket {:.0f}: lost, its movements taken back\n", ticket);
+  }
   for (const double ticket : recovered.sales) {
     fmt::print("ticket {:.0f}: stock moved\n", ticket);
   }
   for (const double closing : recovered.closings) {
-    fmt::print("closing {:.0f}: taken back, its tickets are open\n", closing);
+    fmt::print("closing {:.0f}: taken back\n", closing);
   }
-  const std::vector<std::string> slips = shop.writeMissingSlips();
-  for (const std::string& slip : slips) fmt::print("{}: written\n", slip);
-  if (recovered.sales.empty() && recovered.closings.empty() && slips.empty()) {
-    fmt::print("Nothing to mend.\n");
+  for (const double closing : recovered.rewritten) {
+    fmt::print("closing {:.0f}: written again from its tickets\n", closing);
   }
+  tellFindings(recovered.kept, "; kept");
+  if (recovered.unused) {
+    fmt::print("numbers {:.0f} to {:.0f}: no ticket has them, and none will\n",
+               recovered.unused->first, recovered.unused->second);
+  }
+  // What is undecided may still change what slips and pages tell.
+  std::vector<std::string> files;
+  if (recovered.undecided.empty()) files = shop.writeMissingSlips();
+  for (const std::string& file : files) fmt::print("{}: written\n", file);
+  if (!recovered.undecided.empty()) {
+    tellFindings(recovered.undecided, "");
+    std::fflush(stdout);
+    throw std::runtime_error(
+        "this cannot be mended from what is stored; `tavelor recover --help` tells what to do");
+  }
+  if (!recovered.hasMended() && files.empty()) fmt::print("Nothing to mend.\n");
 }
 
 }  // namespace
 
 void addRecover(CLI::App& app, Common& common) {
   CLI::App* command =
-      app.add_subcommand("recover", "Mend what a program that died in the middle has left");
+      app.add_subcommand("recover", "Mend what a program that died or a lost file has left");
+  auto options = std::make_shared<RecoverOptions>();
   command->add_option("folder", common.folder, "Folder of the installation")->type_name("FOLDER");
+  CLI::Option* const follow = command->add_flag("--follow-tickets", options->followTickets,
+                                                "Believe the tickets where nothing else helps");
+  command->add_flag("--keep", options->keep, "Leave as it is what cannot be mended")
+      ->excludes(follow);
   addInstallationOptions(*command, common);
   command->footer(kFooter);
-  command->callback([&common] { recover(common); });
+  command->callback([options, &common] { recover(*options, common); });
 }
 
 }  // namespace tavelor::tools

@@ -341,10 +341,27 @@ TEST_F(ShopTest, AClosingWhoseHistoryWasPutAwayStays) {
   Shop shop;
   shop.sell(saleOf("V1", {bread()}, "01"));
   shop.close("01", Date::of(2026, 11, 20));
-  place_.run("DELETE FROM HTickets", kDocuments);
-  shop.sell(saleOf("V2", {bread()}, "02"));
+  shop.sell(saleOf("V2", {bread()}, "01"));
+  shop.close("01", Date::of(2026, 11, 20));
+  place_.run("DELETE FROM HTickets WHERE Numero = 1", kDocuments);
+  shop.sell(saleOf("V3", {bread()}, "02"));
 
   EXPECT_THAT(shop.recover().closings, IsEmpty());
+  EXPECT_EQ(shop.close("02", Date::of(2026, 11, 20))->number, 3);
+  EXPECT_EQ(main("SELECT Saldo_Final FROM Cierres WHERE Codigo = 1"), "2,42");
+}
+
+// Put away or lost: the databases cannot tell, so a person says it once.
+TEST_F(ShopTest, AHistoryOfWhichNothingIsLeftIsAskedFor) {
+  Shop shop;
+  shop.sell(saleOf("V1", {bread()}, "01"));
+  shop.close("01", Date::of(2026, 11, 20));
+  place_.run("DELETE FROM HTickets", kDocuments);
+
+  EXPECT_EQ(test::errorOf([&] { shop.close("02", Date::of(2026, 11, 20)); }),
+            errors::kIntegrityViolation);
+  EXPECT_EQ(shop.recoverAll(Decision::kKeep).kept.size(), 2U);
+  EXPECT_EQ(shop.sell(saleOf("V2", {bread()}, "02")), 2);
   EXPECT_EQ(shop.close("02", Date::of(2026, 11, 20))->number, 2);
   EXPECT_EQ(main("SELECT Saldo_Final FROM Cierres WHERE Codigo = 1"), "2,42");
 }

@@ -2,7 +2,11 @@
 // Reads a day at a time, so that no more than a day lies in memory.
 #include "tools/shop/reconciliation.hpp"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <optional>
+#include <set>
 #include <unordered_map>
 
 #include <fmt/format.h>
@@ -11,6 +15,9 @@
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/recordset/connection.hpp"
+#include "tools/shop/audit.hpp"
+#include "tools/shop/both_databases.hpp"
+#include "tools/shop/decisions.hpp"
 #include "tools/shop/rows.hpp"
 #include "tools/shop/shop.hpp"
 
@@ -54,16 +61,19 @@ class Reconciliation::Day {
       : day_(sqlNumber(day, 0)),
         main_(DataSession().OpenConnection(selector::kMain)),
         documents_(DataSession().OpenConnection(selector::kDocuments)) {
+    const BothDatabases lock(main_, documents_);  // no sale or closing is seen half
     readTickets("Tickets", false);
     readTickets("HTickets", true);
     readClosings();
     readMovements();
+    findDisagreements(Date(day));
   }
 
   PlaceTallies of(const std::string& till) const {
     const auto found = tills_.find(till);
     return found == tills_.end() ? PlaceTallies{} : found->second;
   }
+  const std::vector<Finding>& disagreements() const { return disagreements_; }
 
  private:
   Rows read(int selector, const Statement& statement) {
@@ -76,11 +86,12 @@ class Reconciliation::Day {
   }
 
   void readTickets(std::string_view table, bool isHistory) {
-    Statement tickets("SELECT Numero, Caja, Total FROM ");
+    Statement tickets("SELECT Numero, Caja, Total, Cierre FROM ");
     tickets << table << " WHERE Fecha = " << value(day_);
     for (Rows rows = read(selector::kDocuments, tickets); rows.hasRow(); rows.next()) {
       const std::string till = rows.text("Caja");
       tillOf_[rows.number("Numero")] = till;
+      if (const double closing = rows.number("Cierre"); closing != 0) closings_.insert(closing);
       add(till, isHistory, {.tickets = 1, .cents = cents(rows.number("Total"))});
     }
     Statement lines(
@@ -96,9 +107,11 @@ class Reconciliation::Day {
   }
 
   void readClosings() {
-    Statement statement("SELECT Caja, Sum(Total + Credito) AS Ventas FROM Cierres WHERE Fecha = ");
-    statement << value(day_) << " GROUP BY Caja";
+    Statement statement(
+        "SELECT Codigo, Caja, Total + Credito AS Ventas FROM Cierres WHERE Fecha = ");
+    statement << value(day_);
     for (Rows rows = read(selector::kMain, statement); rows.hasRow(); rows.next()) {
+      closings_.insert(rows.number("Codigo"));
       tills_[rows.text("Caja")][kClosings] += {.cents = cents(rows.number("Ventas"))};
     }
   }
@@ -120,11 +133,46 @@ class Reconciliation::Day {
     }
   }
 
+  /// The nearest ticket before or behind those of the day: "Max", "<" or "Min", ">".
+  double neighbour(std::string_view aggregate, std::string_view sign, double number,
+                   double otherwise) {
+    std::optional<double> nearest;
+    for (const std::string_view table : {"Tickets", "HTickets"}) {
+      Statement statement("SELECT ");
+      statement << aggregate << "(Numero) AS Vecino FROM " << table << " WHERE Numero " << sign
+                << " " << value(sqlNumber(number, 0));
+      const Rows rows = read(selector::kDocuments, statement);
+      if (rows.isNull("Vecino")) continue;
+      const double found = rows.number("Vecino");
+      const bool isNearer = !nearest || (sign == "<" ? found > *nearest : found < *nearest);
+      if (isNearer) nearest = found;
+    }
+    return nearest.value_or(otherwise);
+  }
+
+  /// Of the tickets of the day and of what lies between them and their neighbours, so that lost
+  /// ones at either end are seen too; and of the day's closings.
+  void findDisagreements(Date day) {
+    Audit audit(main_, documents_);
+    const auto take = [&](const std::vector<Finding>& found) {
+      std::copy_if(found.begin(), found.end(), std::back_inserter(disagreements_),
+                   [&](const Finding& each) { return each.day.dayOnly() == day; });
+    };
+    if (!tillOf_.empty()) {
+      const double before = neighbour("Max", "<", tillOf_.begin()->first, 0);
+      const double behind = neighbour("Min", ">", tillOf_.rbegin()->first, Audit::kNoEnd);
+      take(audit.tickets(before + 1, behind - 1));
+    }
+    for (const double closing : closings_) take(audit.closings(closing, closing));
+  }
+
   std::string day_;
   ConnectionPtr main_;
   ConnectionPtr documents_;
   std::map<double, std::string> tillOf_;  // by ticket
+  std::set<double> closings_;             // of the day, and of its tickets
   std::unordered_map<std::string, PlaceTallies> tills_;
+  std::vector<Finding> disagreements_;
 };
 
 void Reconciliation::compare() {
@@ -139,6 +187,7 @@ void Reconciliation::compare() {
       found[kMeant] = end->second;
       judge(end->first, found);
     }
+    tellDisagreements(Date(date), Decisions::open(day.disagreements()));
     begin = end;
   }
 }
@@ -164,6 +213,17 @@ void Reconciliation::judge(const TillDay& key, const PlaceTallies& found) {
       differ(place, "units", sqlNumber(has.units), sqlNumber(meant.units));
     }
     differ(place, "euros", money(has.cents), money(meant.cents));
+  }
+}
+
+void Reconciliation::tellDisagreements(Date day, const std::vector<Finding>& findings) {
+  for (const bool isOfTicket : {true, false}) {
+    std::vector<Finding> part;
+    std::copy_if(findings.begin(), findings.end(), std::back_inserter(part),
+                 [&](const Finding& each) { return each.isOfTicket() == isOfTicket; });
+    for (std::string& sentence : told(part)) {
+      differences_.push_back({{}, day, isOfTicket ? kMovements : kClosings, std::move(sentence)});
+    }
   }
 }
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tavelor/platform/date.hpp"
+#include "tools/shop/findings.hpp"
 #include "tools/shop/sale.hpp"
 
 namespace tavelor::shop {
@@ -30,16 +31,17 @@ struct Tally {
 /// which a sale was meant: its tickets and their lines, live and in history; what is in history of
 /// them; the closings; the movements of stock.
 ///
-/// All that the installation has of such a till and day counts, whoever sold it.
+/// All that the installation has of such a till and day counts, whoever sold it. Movements of such
+/// a day whose ticket is nowhere, and lines without movements, are told by the ticket's number.
 class Reconciliation {
  public:
   enum Place : std::uint8_t { kMeant, kTickets, kHistory, kClosings, kMovements, kPlaces };
   static constexpr std::array<std::string_view, kPlaces> kNames = {"sales", "tickets", "history",
                                                                    "closings", "stock moves"};
 
-  /// One figure that differs.
+  /// One figure that differs, or one ticket or closing that only one of the databases knows.
   struct Difference {
-    std::string till;
+    std::string till;  ///< "" for a ticket that is nowhere
     Date day;
     Place place;
     std::string what;  ///< "12 tickets where 13 were sold"
@@ -59,6 +61,7 @@ class Reconciliation {
   class Day;
 
   void judge(const TillDay& key, const PlaceTallies& found);
+  void tellDisagreements(Date day, const std::vector<Finding>& findings);
 
   std::map<TillDay, Tally> meant_;
   std::array<Tally, kPlaces> totals_ = {};

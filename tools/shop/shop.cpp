@@ -93,10 +93,12 @@ std::optional<double> Shop::sell(const Sale& sale) {
   openTickets();
   try {
     BothDatabases transaction(main_, documents_);
-    const Counters counters = startedCounters(transaction);
-    if (isSold(sale.reference)) return std::nullopt;
     Recovered recovered;
-    const Counters next = settle(counters, recovered);
+    startCounters(transaction, recovered);
+    refuseLosses(recovered);
+    if (isSold(sale.reference)) return std::nullopt;
+    const Counters next = settle(recovered);
+    refuseLosses(recovered);
     writeTicket(sale, next.a);
     moveStock(sale, next.a);
     useNumber(next);

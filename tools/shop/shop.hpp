@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "tavelor/articles/articulos.hpp"
@@ -20,14 +21,13 @@
 #include "tavelor/sales/tickets_cabecera.hpp"
 #include "tavelor/sales/tickets_comentarios.hpp"
 #include "tavelor/sales/tickets_lineas.hpp"
+#include "tools/shop/audit.hpp"
 #include "tools/shop/sale.hpp"
 
 namespace tavelor::shop {
 
 /// The kind of document that a ticket is to the ledger of movements (its column Estado).
 inline constexpr std::int16_t kTicketKind = 1;
-
-class BothDatabases;
 
 /// A closing that was made.
 struct Closing {
@@ -36,10 +36,32 @@ struct Closing {
   double total = 0;  ///< euros
 };
 
+/// What a person wants done with what is lost.
+enum class Decision : std::uint8_t {
+  kNone,
+  /// Stock and closings become what the tickets tell: movements without their ticket are taken
+  /// back, lines without movements are moved, closings without tickets are deleted, unless they
+  /// were invoiced. The numbers of lost tickets are not given again.
+  kFollowTickets,
+  kKeep,  ///< all stays, and counts as right from now on
+};
+
 /// What Shop::recover found and mended.
 struct Recovered {
-  std::vector<double> sales;     ///< tickets whose stock had not been moved, and now is
-  std::vector<double> closings;  ///< closings without their tickets, now gone
+  std::vector<double> sales;       ///< tickets whose stock had not been moved, and now is
+  std::vector<double> closings;    ///< closings without their tickets, now gone
+  std::vector<double> rewritten;   ///< closings of tickets in history, made again from them
+  std::vector<double> takenBack;   ///< lost tickets whose movements are undone
+  std::vector<Finding> kept;       ///< stay as they are, by a decision of this call
+  std::vector<Finding> undecided;  ///< what nothing mends
+  /// Numbers that no ticket has, where the counter is ahead of the tickets and nothing is lost. Not
+  /// given again: somebody set the counter, or the tickets were printed before they were lost.
+  std::optional<std::pair<double, double>> unused;
+
+  bool hasMended() const {
+    return !sales.empty() || !closings.empty() || !rewritten.empty() || !takenBack.empty() ||
+           !kept.empty();
+  }
 };
 
 /// Sells, closes and recovers in the installation of the thread's apartment.
@@ -47,13 +69,14 @@ struct Recovered {
 /// Tickets lie in the documents database; stock, movements, counters and closings in the main one,
 /// and no transaction spans both. Each flow begins one in the main database first, which only one
 /// process has at a time, then one in the documents, and ends them one after the other. Whatever
-/// raises before the first commit undoes both. A process that dies between the two leaves one of
-/// these behind, and nothing else:
-///  - a ticket that is whole, with its stock not moved and its number not in the counter. Seen by
-///    the next sale or closing of whatever till, as the tickets are ahead of the counter, and
-///    finished from the ticket's own lines;
-///  - a closing whose tickets are all open still. Seen by the next closing of whatever till, and
-///    taken back as if it had never been: the tickets are closed again under the same number.
+/// raises before the first commit undoes both.
+///
+/// A process that dies between the two commits, or a main database that has lost its latest ones,
+/// leaves what the tickets can mend: stock that was not moved, closings whose tickets are open,
+/// closed tickets without their closing. Every sale looks for the first at no cost, every closing
+/// for all, and mends it. Documents that have lost their latest commits cannot be mended: then
+/// sales and closings raise Disagreement, until the lost file is put back or recover() is told what
+/// to do.
 class Shop {
  public:
   /// Raises 3021 where the session's period has no counters, and what opening the databases raises.
@@ -74,8 +97,13 @@ class Shop {
   /// balance grows by what was paid in cash. The slip is written when all is stored.
   std::optional<Closing> close(const std::string& till, Date day);
 
-  /// Mends what a process that died has left; see above.
+  /// Mends what a program that died has left, and finds what it cannot mend: as the next sale and
+  /// the next closing would. While tickets are lost no closing is touched: whoever puts the lost
+  /// file back finds it as it was.
   Recovered recover();
+  /// The same over all tickets and closings, which reads everything, and with what a person has
+  /// decided about what cannot be mended.
+  Recovered recoverAll(Decision decision = Decision::kNone);
 
   /// Writes the slips that are not there, as after a death between a closing and its slip. Gives
   /// their paths.
@@ -88,6 +116,8 @@ class Shop {
     double b = 0;
     double c = 0;
   };
+  /// How far to look for closings: behind the last one that both databases have, or at all.
+  enum class Extent : std::uint8_t { kTail, kWhole };
 
   void openTickets();
 
@@ -107,13 +137,22 @@ class Shop {
   void moveToHistory(double closing);
   void writeSlip(double closing);
 
-  Counters startedCounters(BothDatabases& transaction);
-  Counters settle(Counters next, Recovered& recovered);
+  Recovered mend(Extent extent);
+  void startCounters(BothDatabases& transaction, Recovered& recovered);
+  Counters settle(Recovered& recovered);
+  Counters storedCounters();
+  void settleClosings(Extent extent, Recovered& recovered);
   void finishSales(double first, Recovered& recovered);
   bool hasMovedStock(double ticket);
   Sale storedSale(double ticket);
+  void takeBackStock(double ticket);
   void takeBackClosings(const Statement& candidates, Recovered& recovered);
   bool isUnfinished(double closing);
+  bool isInvoiced(double closing);
+  void deleteClosing(double closing);
+  void rewriteClosings(double after, Recovered& recovered);
+  bool rewriteClosing(double closing);
+  void followTickets(Recovered& recovered);
 
   ConnectionPtr main_;
   ConnectionPtr documents_;

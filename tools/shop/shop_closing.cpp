@@ -28,8 +28,12 @@ std::optional<Closing> Shop::close(const std::string& till, Date day) {
   {
     BothDatabases transaction(main_, documents_);
     Recovered recovered;
-    settle(startedCounters(transaction), recovered);
-    takeBackClosings(Statement("SELECT MAX(Codigo) AS Cierre FROM Cierres"), recovered);
+    startCounters(transaction, recovered);
+    refuseLosses(recovered);
+    settle(recovered);
+    refuseLosses(recovered);
+    settleClosings(Extent::kTail, recovered);
+    refuseLosses(recovered);
     const std::vector<Variant> sold = openTicketsOf(till, day);
     if (!sold.empty()) {
       closing.number = number(closings_.NuevoCodigo(main_));

@@ -2,10 +2,8 @@
 // What the flows of a shop share behind shop.hpp.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "tavelor/frame/reading.hpp"
@@ -17,7 +15,9 @@
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/recordset/connection.hpp"
+#include "tools/shop/both_databases.hpp"
 #include "tools/shop/rows.hpp"
+#include "tools/shop/shop.hpp"
 
 namespace tavelor::shop {
 
@@ -44,61 +44,9 @@ inline std::vector<double> numbersOf(int selector, const Statement& statement,
   return numbers;
 }
 
-/// A transaction in each. The main database comes first: whoever holds it may look at the documents
-/// in peace. Undone unless commit() is called.
-class BothDatabases {
- public:
-  enum class First : std::uint8_t { kMain, kDocuments };
-
-  BothDatabases(const ConnectionPtr& main, const ConnectionPtr& documents)
-      : main_(main), documents_(documents) {
-    begin();
-  }
-  ~BothDatabases() { undo(); }
-  BothDatabases(const BothDatabases&) = delete;
-  BothDatabases& operator=(const BothDatabases&) = delete;
-
-  /// Once more, after commit().
-  void begin() {
-    main_->BeginTrans();
-    mainOpen_ = true;
-    try {
-      documents_->BeginTrans();
-    } catch (...) {
-      undo();
-      throw;
-    }
-    documentsOpen_ = true;
-  }
-
-  void commit(First first) {
-    if (first == First::kMain) commitMain();
-    documents_->CommitTrans();
-    documentsOpen_ = false;
-    if (first == First::kDocuments) commitMain();
-  }
-
- private:
-  void commitMain() {
-    main_->CommitTrans();
-    mainOpen_ = false;
-  }
-  void undo() noexcept {
-    const auto rollBack = [](Connection& connection, bool& open) {
-      if (!std::exchange(open, false)) return;
-      try {
-        connection.RollbackTrans();
-      } catch (const Error&) {  // a transaction that the engine has ended by itself
-      }
-    };
-    rollBack(*documents_, documentsOpen_);
-    rollBack(*main_, mainOpen_);
-  }
-
-  ConnectionPtr main_;
-  ConnectionPtr documents_;
-  bool mainOpen_ = false;
-  bool documentsOpen_ = false;
-};
+/// Nothing is sold or closed on top of a loss.
+inline void refuseLosses(const Recovered& recovered) {
+  if (!recovered.undecided.empty()) throw Disagreement(recovered.undecided);
+}
 
 }  // namespace tavelor::shop

@@ -1,64 +1,133 @@
 // SPDX-License-Identifier: MIT
-// What a program that died has left, and how the flows look for it before they begin.
+// What a program that died or a file that was lost has left, and how the flows look for it before
+// they begin.
 #include <algorithm>
+#include <iterator>
 
+#include "tavelor/platform/quotes.hpp"
+#include "tools/shop/decisions.hpp"
 #include "tools/shop/shop.hpp"
 #include "tools/shop/shop_inner.hpp"
 
 namespace tavelor::shop {
 
+namespace {
+
+/// The greatest number of a column; 0 where there is none.
+double greatest(int selector, std::string_view column, std::string_view table,
+                const ConnectionPtr& connection) {
+  Statement statement("SELECT Max(");
+  statement << column << ") AS Ultimo FROM " << table;
+  return Rows(selector, statement, connection).number("Ultimo");
+}
+
+constexpr double kUnused = -1;  // no counter
+
+void append(std::vector<double>& to, const std::vector<double>& more) {
+  to.insert(to.end(), more.begin(), more.end());
+}
+
+void append(std::vector<Finding>& to, std::vector<Finding> more) {
+  std::move(more.begin(), more.end(), std::back_inserter(to));
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------------------------
+// All of it
+
 Recovered Shop::recover() {
+  return mend(Extent::kTail);
+}
+
+Recovered Shop::recoverAll(Decision decision) {
+  Recovered recovered = mend(Extent::kWhole);
+  const auto look = [&] {
+    recovered.undecided = Decisions::open(Audit(main_, documents_).everything());
+  };
+  look();
+  if (recovered.undecided.empty()) return recovered;
+  if (decision == Decision::kKeep) {
+    Decisions::keep(recovered.undecided);
+    recovered.kept = std::exchange(recovered.undecided, {});
+  } else if (decision == Decision::kFollowTickets) {
+    followTickets(recovered);
+    const Recovered rest = mend(Extent::kWhole);
+    append(recovered.sales, rest.sales);
+    append(recovered.closings, rest.closings);
+    append(recovered.rewritten, rest.rewritten);
+    recovered.unused = rest.unused;
+    look();
+  }
+  return recovered;
+}
+
+Recovered Shop::mend(Extent extent) {
   openTickets();
   Recovered recovered;
   BothDatabases transaction(main_, documents_);
-  settle(startedCounters(transaction), recovered);
-  takeBackClosings(Statement("SELECT DISTINCT Cierre FROM Cierres_Familias"), recovered);
+  startCounters(transaction, recovered);
+  if (recovered.undecided.empty()) settle(recovered);
+  if (recovered.undecided.empty()) settleClosings(extent, recovered);
   transaction.commit(BothDatabases::First::kMain);
   return recovered;
 }
 
-/// The next numbers by the counters alone. A period that has none gets them from the tickets, and
-/// they are stored before anything else is: only where a counter stands can a ticket be ahead of
-/// it.
-Shop::Counters Shop::startedCounters(BothDatabases& transaction) {
-  constexpr double kUnused = -1;
-  const auto stored = [&] {
-    Counters next{kUnused, kUnused, kUnused};
-    tickets_.GetNumerador(next.a, next.b, next.c, main_);
-    return next;
-  };
-  const Counters next = stored();
-  if (next.a != kUnused && next.b != kUnused && next.c != kUnused) return next;
-  tickets_.UpdateNumerador(main_);
-  transaction.commit(BothDatabases::First::kMain);
-  transaction.begin();
-  return stored();
-}
+// ---------------------------------------------------------------------------------------------
+// Sales
 
-/// Gives the next numbers, of which that of the series in use is free. Tickets that are ahead of
-/// the counter may not have moved their stock.
-Shop::Counters Shop::settle(Counters next, Recovered& recovered) {
+/// The next numbers, of which that of the series in use is free. Tickets that are ahead of the
+/// counter may not have moved their stock; movements that are ahead of the tickets have lost them.
+Shop::Counters Shop::settle(Recovered& recovered) {
+  Counters next = storedCounters();
   const double written = number(tickets_.NuevoCodigo(kSeries, documents_));
   if (next.a == written) {
     // The road of every sale: nothing is open.
   } else if (next.a < written) {
     finishSales(next.a, recovered);
     useNumber({written - 1, next.b, next.c});
+  } else {
+    recovered.undecided = Decisions::open(Audit(main_, documents_).tickets(written, Audit::kNoEnd));
+    if (recovered.undecided.empty()) recovered.unused = {written, next.a - 1};
   }
   next.a = std::max(next.a, written);
   while (!tickets_.CodigoLibre(next.a, documents_)) ++next.a;
   return next;
 }
 
+Shop::Counters Shop::storedCounters() {
+  Counters next{kUnused, kUnused, kUnused};
+  tickets_.GetNumerador(next.a, next.b, next.c, main_);
+  return next;
+}
+
+/// A period that has no numbers gets them from the tickets, and they are stored before anything
+/// else is: only where a counter stands can a ticket be ahead of it. Whether one is nevertheless,
+/// as where the main database is of a time before the counters, is asked first: then none are
+/// stored.
+void Shop::startCounters(BothDatabases& transaction, Recovered& recovered) {
+  const Counters next = storedCounters();
+  if (next.a != kUnused && next.b != kUnused && next.c != kUnused) return;
+  const double last = number(tickets_.NuevoCodigo(kSeries, documents_)) - 1;
+  recovered.undecided = Decisions::open(Audit(main_, documents_).tickets(last, Audit::kNoEnd));
+  if (!recovered.undecided.empty()) return;
+  tickets_.UpdateNumerador(main_);
+  transaction.commit(BothDatabases::First::kMain);
+  transaction.begin();
+}
+
 /// Of the tickets from `first` on. Some may be whole: those of another period, where somebody has
 /// gone back to one whose counter stayed behind.
 void Shop::finishSales(double first, Recovered& recovered) {
-  Statement statement("SELECT Numero FROM Tickets WHERE Numero >= ");
-  statement << value(numberText(first)) << " AND Serie = '" << kSeries << "' ORDER BY Numero";
-  for (const double ticket : numbersOf(selector::kDocuments, statement, "Numero", documents_)) {
-    if (hasMovedStock(ticket)) continue;
-    moveStock(storedSale(ticket), ticket);
-    recovered.sales.push_back(ticket);
+  for (const std::string_view table : {"Tickets", "HTickets"}) {
+    Statement statement("SELECT Numero FROM ");
+    statement << table << " WHERE Numero >= " << value(numberText(first)) << " AND Serie = '"
+              << kSeries << "' ORDER BY Numero";
+    for (const double ticket : numbersOf(selector::kDocuments, statement, "Numero", documents_)) {
+      if (hasMovedStock(ticket)) continue;
+      moveStock(storedSale(ticket), ticket);
+      recovered.sales.push_back(ticket);
+    }
   }
 }
 
@@ -68,28 +137,66 @@ bool Shop::hasMovedStock(double ticket) {
   return Rows(selector::kMain, statement, main_).hasRow();
 }
 
-/// What moveStock needs of a live ticket.
+/// What moveStock needs of a ticket, live or in history.
 Sale Shop::storedSale(double ticket) {
-  Statement statement("SELECT Referencia, Fecha, Concepto FROM Tickets WHERE Numero = ");
-  statement << value(numberText(ticket));
-  const Rows row(selector::kDocuments, statement, documents_);
   Sale sale;
-  sale.reference = row.text("Referencia");
-  sale.time = row.text("Concepto");
-  sale.day = Date(row.number("Fecha"));
-
-  lines_.IniciaRs(documents_, "seleccion", ticket);
-  const RecordsetPtr rows = lines_.DataMember("Primary");
-  for (; !rows->Eof(); rows->MoveNext()) {
-    SaleLine& line = sale.lines.emplace_back();
-    take(*rows, "Código", line.code);
-    take(*rows, "Descripción", line.description);
-    take(*rows, "Familia", line.family);
-    take(*rows, "Cantidad", line.quantity);
-    take(*rows, "Precio", line.price);
-    take(*rows, "IVA", line.tax);
+  for (const std::string_view table : {"Tickets", "HTickets"}) {
+    Statement head("SELECT Referencia, Fecha, Concepto FROM ");
+    head << table << " WHERE Numero = " << value(numberText(ticket));
+    const Rows row(selector::kDocuments, head, documents_);
+    if (!row.hasRow()) continue;
+    sale.reference = row.text("Referencia");
+    sale.time = row.text("Concepto");
+    sale.day = Date(row.number("Fecha"));
+    Statement lines("SELECT Codigo, Descripcion, Familia, Cantidad, Precio, IVA FROM ");
+    lines << table << "_Lineas WHERE Numero = " << value(numberText(ticket)) << " ORDER BY ID";
+    for (Rows rows(selector::kDocuments, lines, documents_); rows.hasRow(); rows.next()) {
+      sale.lines.push_back({.code = rows.text("Codigo"),
+                            .description = rows.text("Descripcion"),
+                            .family = rows.text("Familia"),
+                            .quantity = rows.number("Cantidad"),
+                            .price = rows.number("Precio"),
+                            .tax = rows.number("IVA")});
+    }
+    break;
   }
   return sale;
+}
+
+/// Undoes what moveStock did, line by line. Articles that were made on the way stay.
+void Shop::takeBackStock(double ticket) {
+  Statement statement(
+      "SELECT Codigo, Almacen, Lote, Cantidad, Movimiento FROM Articulos_Movimientos_Almacen WHERE "
+      "Estado = ");
+  statement << value(std::to_string(kTicketKind)) << " AND Doc_E = " << value(numberText(ticket));
+  for (Rows rows(selector::kMain, statement, main_); rows.hasRow(); rows.next()) {
+    const std::string code = doubledQuotes(rows.text("Codigo"));
+    const std::string warehouse = doubledQuotes(rows.text("Almacen"));
+    const std::string lot = doubledQuotes(rows.text("Lote"));
+    const double units = rows.number("Cantidad");
+    const bool wasExit = rows.flag("Movimiento");
+    articles_.DescargarStock_V(code, 0.0, units, wasExit, false, main_);
+    warehouses_.DescargarStock_V(code, warehouse, 0.0, units, wasExit, false, main_);
+    lots_.DescargarStock_V(code, lot, 0.0, units, wasExit, main_);
+  }
+  movements_.DeleteAll(ticket, kTicketKind, main_);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Closings
+
+/// Of the tail, closings are looked at behind the last one that both databases have: a program died
+/// over those, or a file has lost them.
+void Shop::settleClosings(Extent extent, Recovered& recovered) {
+  const double inHistory = greatest(selector::kDocuments, "Cierre", "HTickets", documents_);
+  Statement candidates("SELECT Codigo AS Cierre FROM Cierres WHERE Codigo > ");
+  candidates << value(numberText(extent == Extent::kTail ? inHistory : 0));
+  takeBackClosings(candidates, recovered);
+  const double closed = greatest(selector::kMain, "Codigo", "Cierres", main_);
+  rewriteClosings(closed, recovered);
+  append(recovered.undecided,
+         Decisions::open(
+             Audit(main_, documents_).closings(std::min(inHistory, closed) + 1, Audit::kNoEnd)));
 }
 
 /// Deletes those of the closings that a program died over. `candidates` gives their numbers as
@@ -97,12 +204,16 @@ Sale Shop::storedSale(double ticket) {
 void Shop::takeBackClosings(const Statement& candidates, Recovered& recovered) {
   for (const double closing : numbersOf(selector::kMain, candidates, "Cierre", main_)) {
     if (!isUnfinished(closing)) continue;
-    closings_.DeleteAll(closing, main_);
-    Statement statement("DELETE FROM Cierres WHERE Codigo = ");
-    statement << value(numberText(closing));
-    DataSession().Execute(selector::kMain, statement, main_);
+    deleteClosing(closing);
     recovered.closings.push_back(closing);
   }
+}
+
+void Shop::deleteClosing(double closing) {
+  closings_.DeleteAll(closing, main_);
+  Statement statement("DELETE FROM Cierres WHERE Codigo = ");
+  statement << value(numberText(closing));
+  DataSession().Execute(selector::kMain, statement, main_);
 }
 
 /// Whether no ticket belongs to a closing with lines, while those that it closed are open still. A
@@ -117,9 +228,9 @@ bool Shop::isUnfinished(double closing) {
   const auto hasRows = [&](int selector, std::string_view select, ConnectionPtr& connection) {
     return rowsOf(selector, select, connection).hasRow();
   };
-  if (!hasRows(selector::kMain, "Cierre FROM Cierres_Familias WHERE Cierre", main_) ||
-      hasRows(selector::kDocuments, "Numero FROM HTickets WHERE Cierre", documents_) ||
-      hasRows(selector::kDocuments, "Numero FROM Tickets WHERE Cierre", documents_)) {
+  if (hasRows(selector::kDocuments, "Numero FROM HTickets WHERE Cierre", documents_) ||
+      hasRows(selector::kDocuments, "Numero FROM Tickets WHERE Cierre", documents_) ||
+      !hasRows(selector::kMain, "Cierre FROM Cierres_Familias WHERE Cierre", main_)) {
     return false;
   }
   const Rows row =
@@ -127,6 +238,92 @@ bool Shop::isUnfinished(double closing) {
   if (!row.hasRow()) return false;
   const double day = row.number("Fecha");
   return day != 0 && !openTicketsOf(row.text("Caja"), Date(day)).empty();
+}
+
+bool Shop::isInvoiced(double closing) {
+  Statement statement("SELECT Codigo FROM Cierres WHERE Facturado <> 0 AND Codigo = ");
+  statement << value(numberText(closing));
+  return Rows(selector::kMain, statement, main_).hasRow();
+}
+
+/// Writes again the closings behind `after` that only their tickets tell of. In their order, as
+/// each begins with the balance of the one before.
+void Shop::rewriteClosings(double after, Recovered& recovered) {
+  Statement statement("SELECT DISTINCT Cierre FROM HTickets WHERE Cierre > ");
+  statement << value(numberText(after)) << " ORDER BY Cierre";
+  for (const double closing : numbersOf(selector::kDocuments, statement, "Cierre", documents_)) {
+    if (!rewriteClosing(closing)) return;
+    recovered.rewritten.push_back(closing);
+  }
+}
+
+/// Nothing, and false, for a closing that close() did not make: of several tills, days or series.
+///
+/// The sums are those of a closing, over live tickets: its tickets come back for as long as it
+/// takes, the till's open ones step aside, and all of that is undone.
+bool Shop::rewriteClosing(double closing) {
+  const std::string code = numberText(closing);
+  Statement origins("SELECT DISTINCT Caja, Fecha, Serie FROM HTickets WHERE Cierre = ");
+  origins << value(code);
+  Rows origin(selector::kDocuments, origins, documents_);
+  const std::string till = origin.text("Caja");
+  const Date day = Date(origin.number("Fecha"));
+  const bool isOurs = origin.text("Serie") == kSeries;
+  origin.next();
+  if (origin.hasRow() || !isOurs) return false;
+
+  Statement statement("SELECT Numero FROM HTickets WHERE Cierre = ");
+  statement << value(code);
+  const std::vector<double> tickets =
+      numbersOf(selector::kDocuments, statement, "Numero", documents_);
+  Transaction rehearsal(documents_);  // never committed
+  Statement aside("UPDATE Tickets SET Serie = '' WHERE Serie = '");
+  aside << kSeries << "'";
+  DataSession().Execute(selector::kDocuments, aside, documents_);
+  tickets_.Mover_De_Historicos(closing, documents_);
+  lines_.Mover_De_Historicos(closing, documents_);
+  for (const double ticket : tickets) {
+    tickets_.CerrarTicket(ticket, closing, documents_);
+    lines_.CerrarTicket(ticket, closing, documents_);
+  }
+  writeClosing(closing, till, day);
+  return true;
+}
+
+// ---------------------------------------------------------------------------------------------
+// What a person has decided
+
+/// Looks again under the locks at all that is undecided, as sales go on until then.
+void Shop::followTickets(Recovered& recovered) {
+  using Kind = Finding::Kind;
+  BothDatabases transaction(main_, documents_);
+  Audit audit(main_, documents_);
+  for (const Finding& known : recovered.undecided) {
+    const double each = known.number;
+    for (const Finding& finding :
+         known.isOfTicket() ? audit.tickets(each, each) : audit.closings(each, each)) {
+      switch (finding.kind) {
+        case Kind::kTicketLost:
+          takeBackStock(each);
+          recovered.takenBack.push_back(each);
+          break;
+        case Kind::kStockNotMoved:
+        case Kind::kLinesDiffer:
+          takeBackStock(each);
+          moveStock(storedSale(each), each);
+          recovered.sales.push_back(each);
+          break;
+        case Kind::kTicketsOfClosing:
+          if (isInvoiced(each)) break;
+          deleteClosing(each);
+          recovered.closings.push_back(each);
+          break;
+        case Kind::kClosingLost:
+          break;  // those that can be written again are: see rewriteClosings
+      }
+    }
+  }
+  transaction.commit(BothDatabases::First::kMain);
 }
 
 }  // namespace tavelor::shop
