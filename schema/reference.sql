@@ -2,10 +2,10 @@
 -- small code tables. All of it lives in the main database; the import database holds a copy of
 -- Familias with the same columns.
 
--- Bank accounts of the owner. The code has room for five digits and the blank that a quick
--- creation leaves behind them.
+-- Bank accounts of the owner. Quick creations make codes of five digits, or more behind 99999, and
+-- leave a blank behind them.
 CREATE TABLE Bancos (
-  Codigo TEXT(6) NOT NULL,
+  Codigo TEXT(10) NOT NULL,
   Banco TEXT(100),
   Entidad TEXT(10),
   Oficina TEXT(10),

@@ -36,7 +36,6 @@ constexpr ClassInfo kInfo = {
     .modes = kModes,
     .update = UpdateForm::kAllRows,
     .remove = DeleteForm::kMarks,
-    .code = CodeForm::kUnchecked,
     .clearsDataMembers = true,
 };
 

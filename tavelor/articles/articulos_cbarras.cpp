@@ -29,7 +29,6 @@ constexpr ClassInfo kInfo = {
     .codeColumn = "Id",
     .modes = kModes,
     .addNew = AddNewForm::kShort,
-    .code = CodeForm::kUnchecked,
     .clearsDataMembers = true,
 };
 

@@ -29,7 +29,6 @@ constexpr ClassInfo kInfo = {
     .table = "Articulos_Comentarios",
     .codeColumn = "Id",
     .modes = kModes,
-    .code = CodeForm::kUnchecked,
     .clearsDataMembers = true,
 };
 

@@ -60,7 +60,6 @@ constexpr ClassInfo kInfo = {
     .codeColumn = "ID",
     .modes = kModes,
     .freeCode = "SELECT Numero FROM Articulos_Movimientos_Almacen WHERE Id = {id}",
-    .code = CodeForm::kUnchecked,
     .clearsDataMembers = true,
 };
 

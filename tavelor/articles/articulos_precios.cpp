@@ -44,7 +44,6 @@ constexpr ClassInfo kInfo = {
     .codeColumn = "Id",
     .modes = kModes,
     .addNew = AddNewForm::kShort,
-    .code = CodeForm::kUnchecked,
 };
 
 Statement ofPair(std::string_view before, const std::string& first, std::string_view between,

@@ -39,7 +39,6 @@ constexpr ClassInfo kInfo = {
     .codeColumn = "Id",
     .modes = kModes,
     .addNew = AddNewForm::kShort,
-    .code = CodeForm::kUnchecked,
 };
 
 constexpr std::string_view kNoFamily = "0";

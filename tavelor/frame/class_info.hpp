@@ -38,17 +38,15 @@ enum class UpdateForm : std::uint8_t { kCurrentRow, kAllRows };
 enum class DeleteForm : std::uint8_t { kWrites, kMarks };
 /// FindRecord looks for the whole value of the first field, or for its beginning.
 enum class FindForm : std::uint8_t { kWhole, kPrefix };
-/// NuevoCodigo of a text code gives the old maximum back when the next one would not fit the
-/// column.
-enum class CodeForm : std::uint8_t { kFitsColumn, kUnchecked };
 
 /// One record class. Texts must outlive the class objects: they are literals.
 struct ClassInfo {
   std::string_view word;   ///< class word: registry segment, export file, sClassName
   std::string_view table;  ///< as its statements write it
   int selector = selector::kMain;
-  std::string_view codeColumn = "Codigo";  ///< whose maximum NuevoCodigo takes
-  std::span<const Mode> modes;             ///< in the order compared, kAnyOtherWord last
+  /// Whose maximum NuevoCodigo takes. Where it is a text, a next code too long for it is dropped.
+  std::string_view codeColumn = "Codigo";
+  std::span<const Mode> modes;  ///< in the order compared, kAnyOtherWord last
   /// Statement of CodigoLibre with {id}; empty: by the column Codigo, in quotes.
   std::string_view freeCode = {};
   /// AddNew fills its code with zeros to this many characters; 0: as it is.
@@ -57,7 +55,6 @@ struct ClassInfo {
   UpdateForm update = UpdateForm::kCurrentRow;
   DeleteForm remove = DeleteForm::kWrites;
   FindForm find = FindForm::kWhole;
-  CodeForm code = CodeForm::kFitsColumn;
   bool clearsDataMembers = false;  ///< IniciaRs empties the list of data members first
   bool raisesMoveComplete = true;
   /// IniciaRs and Requery restore the order last chosen; else rows stay in that of the statement.

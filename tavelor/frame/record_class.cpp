@@ -3,6 +3,7 @@
 #include "tavelor/frame/record_class.hpp"
 
 #include <algorithm>
+#include <cmath>
 
 #include <fmt/format.h>
 
@@ -20,10 +21,24 @@ namespace tavelor {
 namespace {
 
 constexpr std::string_view kPrimary = "Primary";
+constexpr std::string_view kSource = "NuevoCodigo";
 constexpr std::string_view kIdMark = "{id}";
 
 const Locale& locale() {
   return Apartment::current().locale();
+}
+
+/// Whether a code has room in a column. Only texts have a length of their own: the size of a number
+/// is that of its bytes, which says nothing of its digits.
+bool fits(const Variant& code, const Field& column) {
+  switch (static_cast<DataType>(column.Type())) {
+    case DataType::kVarChar:
+    case DataType::kVarWChar:
+    case DataType::kLongVarWChar:
+      return text::length(code.toText(locale())) <= static_cast<std::size_t>(column.DefinedSize());
+    default:
+      return true;
+  }
 }
 
 // Bookmarks travel as text through some callers, so what is no number is 0 and the record set
@@ -135,8 +150,7 @@ void RecordClass::AddNew(bool bDefVal) {
   if (text::length(joined(code)) < info_.codeWidth) {
     code = text::padLeft(joined(code), info_.codeWidth, '0');
   }
-  if (info_.addNew == AddNewForm::kGeneral &&
-      text::length(joined(code)) > static_cast<std::size_t>(primary().Field(0).DefinedSize())) {
+  if (info_.addNew == AddNewForm::kGeneral && !fits(code, primary().Field(0))) {
     code = std::int32_t{0};
   }
   if (bDefVal) primary().Field(0).Value(code);
@@ -231,16 +245,14 @@ Variant RecordClass::newCode(ConnectionPtr& objCn) const {
   const Field newest = rows->Field(0);
   const Variant old = newest.Value();
   Variant next = successor(old);
-  const bool fits = info_.code == CodeForm::kUnchecked ||
-                    text::length(joined(next)) <= static_cast<std::size_t>(newest.DefinedSize());
-  return old.isNull() || fits ? next : old;
+  return old.isNull() || fits(next, newest) ? next : old;
 }
 
 Variant RecordClass::nextCode(std::string_view column, std::int32_t digits, ObjCn objCn) const {
   const Variant old = greatest(column, *objCn)->Field(0).Value();
   Variant next = successor(old);
-  const bool fits = digits < 1 || text::length(joined(next)) <= static_cast<std::size_t>(digits);
-  return old.isNull() || fits ? next : old;
+  const bool hasRoom = digits < 1 || text::length(joined(next)) <= static_cast<std::size_t>(digits);
+  return old.isNull() || hasRoom ? next : old;
 }
 
 RecordsetPtr RecordClass::greatest(std::string_view column, ConnectionPtr& objCn) const {
@@ -251,8 +263,14 @@ RecordsetPtr RecordClass::greatest(std::string_view column, ConnectionPtr& objCn
 Variant RecordClass::successor(const Variant& code) {
   if (code.isNull()) return std::int32_t{1};
   if (!isNumeric(code, locale())) return code;
-  const double next = code.toDouble(locale()) + 1;
-  return code.isText() ? Variant(next) : Variant(static_cast<std::int64_t>(next));
+  const double last = code.toDouble(locale());
+  const double next = last + 1;
+  // Where a double counts in steps of more than one, the next code would be the last one again.
+  if (!(next - last == 1)) {
+    raise(errors::kOverflow, kSource, "There is no code after " + joined(code));
+  }
+  const bool isWhole = !code.isText() && std::floor(next) == next;
+  return isWhole ? Variant(static_cast<std::int64_t>(next)) : Variant(next);
 }
 
 bool RecordClass::CodigoLibre(const Variant& vId, ObjCn objCn) const {

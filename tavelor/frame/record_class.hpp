@@ -68,7 +68,9 @@ class RecordClass : public Object {
 
   /// The greatest code plus 1; 1 on an empty table. A maximum that is no number comes back as it
   /// is. The sum is a number: "00012" gives 13. The maximum of a text column is the greatest text,
-  /// so "9" beats "10". Nothing reserves the code: two callers may get the same.
+  /// so "9" beats "10", and a sum that is too long for a text column is dropped for the maximum.
+  /// Raises 6 for a maximum so large that a double cannot tell the next code from it. Nothing
+  /// reserves the code: two callers may get the same.
   Variant NuevoCodigo(ObjCn objCn = {}) const;
   /// Whether no row has that code.
   bool CodigoLibre(const Variant& vId, ObjCn objCn = {}) const;
@@ -214,7 +216,8 @@ class RecordClass : public Object {
   /// What NuevoCodigo gives, of any column and for codes whose length is a setting: a sum of more
   /// than `digits` characters is dropped for the maximum; 0 sets no limit.
   Variant nextCode(std::string_view column, std::int32_t digits, ObjCn objCn) const;
-  /// The code plus 1; 1 for Null, the code itself where it is no number.
+  /// The code plus 1; 1 for Null, the code itself where it is no number. Raises 6 where a double
+  /// cannot tell the sum from the code.
   static Variant successor(const Variant& code);
 
   /// A value as it is joined into a statement: plain printing, Null as nothing.

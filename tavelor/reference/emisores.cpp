@@ -34,8 +34,7 @@ constexpr ClassInfo kInfo = {.word = "Emisores",
                              .table = "Emisores",
                              .codeColumn = "Id",
                              .modes = kModes,
-                             .freeCode = "SELECT Id FROM Emisores where id ={id}",
-                             .code = CodeForm::kUnchecked};
+                             .freeCode = "SELECT Id FROM Emisores where id ={id}"};
 
 }  // namespace
 

@@ -22,11 +22,8 @@ constexpr std::array kModes = {
     Mode{kAnyOtherWord, kTodos, " ORDER BY Rutas.Descripcion"},
 };
 
-constexpr ClassInfo kInfo = {.word = "Rutas",
-                             .table = "Rutas",
-                             .codeColumn = "Id",
-                             .modes = kModes,
-                             .code = CodeForm::kUnchecked};
+constexpr ClassInfo kInfo = {
+    .word = "Rutas", .table = "Rutas", .codeColumn = "Id", .modes = kModes};
 
 }  // namespace
 

@@ -44,7 +44,6 @@ constexpr ClassInfo kInfo = {.word = "Tickets_Cabecera",
                              .codeColumn = "Id",
                              .modes = kModes,
                              .find = FindForm::kPrefix,
-                             .code = CodeForm::kUnchecked,
                              .clearsDataMembers = true};
 
 // The key stays behind: history numbers its rows by itself.

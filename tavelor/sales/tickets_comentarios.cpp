@@ -31,7 +31,6 @@ constexpr ClassInfo kInfo = {.word = "Tickets_Comentarios",
                              .codeColumn = "Id",
                              .modes = kModes,
                              .find = FindForm::kPrefix,
-                             .code = CodeForm::kUnchecked,
                              .clearsDataMembers = true};
 
 // The key stays behind: history numbers its rows by itself.

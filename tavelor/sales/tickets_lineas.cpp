@@ -59,7 +59,6 @@ constexpr ClassInfo kInfo = {
     .codeColumn = "ID",
     .modes = kModes,
     .remove = DeleteForm::kMarks,
-    .code = CodeForm::kUnchecked,
     .clearsDataMembers = true,
     .raisesMoveComplete = false,
     .restoresOrder = false,

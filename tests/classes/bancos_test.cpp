@@ -179,6 +179,24 @@ TEST_F(ClsBancosTest, CrearBancoPadsTheNextCodeAndStoresItWithABlankBehind) {
   EXPECT_FALSE(banks.CodigoLibre("00013 "));
 }
 
+TEST_F(ClsBancosTest, CrearBancoBehind99999HasASixthDigit) {
+  shop.run("INSERT INTO Bancos (Codigo) VALUES ('99999')");
+  Variant code;
+  EXPECT_EQ(banks.CrearBanco(code, "Caja Rural"), "100000");
+  EXPECT_EQ(shop.text("SELECT Codigo FROM Bancos WHERE Banco = 'Caja Rural'"), "100000 ");
+}
+
+// The greatest text stays 99999, so that the next code is one that is there. Nothing but the
+// database keeps two banks from having it.
+TEST_F(ClsBancosTest, CrearBancoBehind99999MakesOneBankAndRefusesTheNext) {
+  shop.run("INSERT INTO Bancos (Codigo) VALUES ('99999')");
+  Variant code;
+  banks.CrearBanco(code, "Caja Rural");
+  EXPECT_EQ(errorOf([&] { banks.CrearBanco(code, "Banco de Ahorro"); }),
+            errors::kIntegrityViolation);
+  EXPECT_EQ(shop.text("SELECT Count(*) FROM Bancos"), "2");
+}
+
 TEST_F(ClsBancosTest, CrearBancoOnAnEmptyTableStartsAtOne) {
   Variant code;
   EXPECT_EQ(banks.CrearBanco(code, "Primero"), "00001");

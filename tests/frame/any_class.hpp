@@ -20,6 +20,12 @@ inline constexpr std::array kModes = {
 };
 inline constexpr ClassInfo kBase = {.word = "Bancos", .table = "Bancos", .modes = kModes};
 
+inline constexpr std::array kNumberedModes = {
+    Mode{kAnyOtherWord, "SELECT Id, Descripcion FROM Emisores"}};
+/// A class whose code is a number.
+inline constexpr ClassInfo kNumbered = {
+    .word = "Emisores", .table = "Emisores", .codeColumn = "Id", .modes = kNumberedModes};
+
 template <typename Shape>
 class AnyClass final : public Shape {
  public:

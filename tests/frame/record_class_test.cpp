@@ -17,6 +17,7 @@ namespace {
 using test::AnyClass;
 using test::errorOf;
 using test::kBase;
+using test::kNumbered;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -221,12 +222,46 @@ TEST_F(RecordClassTest, NuevoCodigoTakesTheGreatestTextSoNineBeatsTen) {
 }
 
 TEST_F(RecordClassTest, NuevoCodigoThatWouldNotFitTheColumnIsTheOldMaximumAgain) {
-  add("999999");
-  EXPECT_EQ(banks.NuevoCodigo(), Variant("999999"));
-  ClassInfo unchecked = kBase;
-  unchecked.code = CodeForm::kUnchecked;
-  EXPECT_EQ(AnyClass<OpensByWord>(unchecked).NuevoCodigo().toText(shop.apartment().locale()),
-            "1000000");
+  add("9999999999");
+  EXPECT_EQ(banks.NuevoCodigo(), Variant("9999999999"));
+}
+
+// The size of a number is that of its bytes: four of them hold more than four digits.
+TEST_F(RecordClassTest, NuevoCodigoOfANumberIsTheMaximumPlusOneHoweverManyDigitsItHas) {
+  AnyClass<OpensByWord> issuers(kNumbered);
+  for (const std::int32_t last : {9999, 99999, 2147483646}) {
+    shop.run("INSERT INTO Emisores (Id) VALUES (" + std::to_string(last) + ")");
+    EXPECT_EQ(issuers.NuevoCodigo(), Variant(last + 1));
+  }
+}
+
+TEST_F(RecordClassTest, AddNewKeepsACodeThatIsANumberHoweverManyDigitsItHas) {
+  shop.run("INSERT INTO Emisores (Id) VALUES (99999)");
+  AnyClass<OpensByWord> issuers(kNumbered);
+  issuers.IniciaRs();
+  issuers.AddNew(true);
+  EXPECT_EQ(code(issuers), "100000");
+}
+
+TEST_F(RecordClassTest, NuevoCodigoBehindTheLastNumberThatADoubleTellsFromTheNextRaisesOverflow) {
+  ClassInfo tickets = kNumbered;
+  tickets.table = "Tickets";
+  tickets.selector = selector::kDocuments;
+  tickets.codeColumn = "Numero";
+  const AnyClass<OpensByWord> documents(tickets);
+  shop.run("INSERT INTO Tickets (Numero) VALUES (9007199254740990)", selector::kDocuments);
+  EXPECT_EQ(documents.NuevoCodigo(), Variant(9007199254740991.0));
+  shop.run("UPDATE Tickets SET Numero = 1e19", selector::kDocuments);
+  EXPECT_EQ(errorOf([&] { documents.NuevoCodigo(); }), errors::kOverflow);
+}
+
+TEST_F(RecordClassTest, NuevoCodigoKeepsTheFractionOfANumber) {
+  ClassInfo tickets = kNumbered;
+  tickets.table = "Tickets";
+  tickets.selector = selector::kDocuments;
+  tickets.codeColumn = "Numero";
+  shop.run("INSERT INTO Tickets (Numero) VALUES (12.5)", selector::kDocuments);
+  EXPECT_EQ(AnyClass<OpensByWord>(tickets).NuevoCodigo(), Variant(13.5));
 }
 
 TEST_F(RecordClassTest, NothingReservesACode) {
@@ -270,9 +305,8 @@ TEST_F(RecordClassTest, AddNewFalseLeavesTheFirstFieldEmptyThoughTheCodeWasCompu
 }
 
 TEST_F(RecordClassTest, AddNewReplacesACodeThatIsTooLongForTheFirstFieldByZero) {
-  add("999999");
+  add("99999");
   ClassInfo wide = kBase;
-  wide.code = CodeForm::kUnchecked;
   constexpr std::array modes = {Mode{kAnyOtherWord, "SELECT DC, Codigo FROM Bancos"}};
   wide.modes = modes;
   AnyClass<OpensByWord> general(wide);

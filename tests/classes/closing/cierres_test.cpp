@@ -139,6 +139,13 @@ TEST_F(ClsCierresTest, NuevoCodigoIsOneAboveTheGreatestOfAllTills) {
   EXPECT_EQ(shown(closings.NuevoCodigo()), "8");
 }
 
+TEST_F(ClsCierresTest, TheNumbersGoOnBehind9999) {
+  for (const std::int32_t last : {9999, 99999, 999999}) {
+    close(last, "01", "1");
+    EXPECT_EQ(closings.NuevoCodigo(), Variant(last + 1));
+  }
+}
+
 TEST_F(ClsCierresTest, AddNewWithDefaultsGivesTheNumberAndNothingElse) {
   close(7, "01", "0");
   closings.IniciaRs("todos");
