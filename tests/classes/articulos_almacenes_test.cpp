@@ -280,8 +280,8 @@ TEST_F(WarehouseStockTest, ObtenerColAlmaActivosReadsTheImportDatabase) {
   row("1", "A100", "02", "0", "0", selector::kImport);
   row("2", "A100", "01", "0", "0", selector::kImport);
   row("3", "B200", "03", "0", "0", selector::kImport);
-  EXPECT_THAT(warehouses.ObtenerColAlmaActivos("A100"),
-              UnorderedElementsAre(Variant("01"), Variant("02")));
+  EXPECT_THAT(warehouses.ObtenerColAlmaActivos("A100"), ElementsAre(Variant("02"), Variant("01")))
+      << "in the order of the rows";
   EXPECT_EQ(last(), "SELECT Almacen FROM Articulos_Almacenes WHERE Codigo =  'A100'");
   EXPECT_THAT(warehouses.ObtenerColAlmaActivos("none"), IsEmpty());
 }

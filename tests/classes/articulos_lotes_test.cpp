@@ -318,6 +318,12 @@ TEST_F(LotsTest, GetPredeterminadaIsTheActiveLotOrEmpty) {
   EXPECT_EQ(lots.GetPredeterminada("A100"), Variant("L2"));
 }
 
+TEST_F(LotsTest, GetPredeterminadaOfSeveralActiveLotsIsTheOneStoredFirst) {
+  lot("1", "A100", "L9", "5", "-1");
+  lot("2", "A100", "L1", "5", "-1");
+  EXPECT_EQ(lots.GetPredeterminada("A100"), Variant("L9"));
+}
+
 TEST_F(LotsTest, GetUltimoLoteTakesAKey) {
   lot("7", "A100", "L1", "5");
   EXPECT_EQ(lots.GetUltimoLote(7), Variant("L1"));

@@ -247,6 +247,21 @@ TEST_F(ClsArticulosPreciosVentasTest, AFamilyRowGivesItsPriceAndItsPercentage) {
   EXPECT_EQ(discount, 10);
 }
 
+// Nothing keeps the pair unique. An index by customer and article would give the row of "0" first.
+TEST_F(ClsArticulosPreciosVentasTest, OfSeveralRowsOfAFamilyTheOneStoredFirstGivesThePrice) {
+  add({.id = 2, .codigo = "Z9", .familia = "MAT", .precio = "7"});
+  add({.id = 1, .codigo = "0", .familia = "MAT", .precio = "3.5"});
+  EXPECT_TRUE(lookUpFamily());
+  EXPECT_EQ(price, 7);
+}
+
+TEST_F(ClsArticulosPreciosVentasTest, OfSeveralRowsOfAnArticleTheOneStoredFirstGivesThePrice) {
+  add({.id = 2, .precio = "7"});
+  add({.id = 1, .precio = "3.5"});
+  EXPECT_TRUE(lookUp());
+  EXPECT_EQ(price, 7);
+}
+
 TEST_F(ClsArticulosPreciosVentasTest, AFamilyRowKnowsNoDateAndNoFreeArticle) {
   add({.codigo = "0", .familia = "MAT", .precio = "0.01", .fecha = "#03/04/2026#"});
   EXPECT_TRUE(lookUpFamily());

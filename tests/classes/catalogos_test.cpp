@@ -178,6 +178,12 @@ TEST_F(ClsSeccionesTest, GetFirstIsTheFirstCodeOrEmpty) {
   EXPECT_EQ(statement(), "SELECT Codigo as v  FROM Secciones");
 }
 
+TEST_F(ClsSeccionesTest, GetFirstIsTheCodeStoredFirstNotTheSmallest) {
+  shop.run("INSERT INTO Secciones (Codigo) VALUES ('20')");
+  shop.run("INSERT INTO Secciones (Codigo) VALUES ('10')");
+  EXPECT_EQ(catalogue.GetFirst(), Variant("20"));
+}
+
 TEST_F(ClsSeccionesTest, FindRecordLooksForTheBeginning) {
   fill();
   open("todos");

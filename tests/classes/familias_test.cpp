@@ -61,6 +61,12 @@ TEST_F(clsFamiliasTest, GetFirstIsTheFirstCodeOrEmpty) {
   EXPECT_EQ(catalogue.GetFirst(), Variant("2"));
 }
 
+TEST_F(clsFamiliasTest, GetFirstIsTheCodeStoredFirstNotTheSmallest) {
+  shop.run("INSERT INTO Familias (Codigo) VALUES ('9')");
+  shop.run("INSERT INTO Familias (Codigo) VALUES ('1')");
+  EXPECT_EQ(catalogue.GetFirst(), Variant("9"));
+}
+
 TEST_F(clsFamiliasTest, GetValorIsTheDescriptionOrEmpty) {
   fill();
   EXPECT_EQ(catalogue.GetValor("3"), Variant("Aceites"));

@@ -12,7 +12,7 @@ using testing::EndsWith;
 
 /// The condition of a SELECT as the engine gets it.
 std::string condition(std::string_view text) {
-  const std::string sql = sqlOf("SELECT Codigo FROM Bancos WHERE " + std::string(text));
+  const std::string sql = sqlOf("SELECT Count(*) FROM Bancos WHERE " + std::string(text));
   return sql.substr(sql.find("WHERE ") + 6);
 }
 /// A value in a SELECT's list.
@@ -33,7 +33,8 @@ ColumnType typeOfItem(std::string_view text) {
 }
 
 TEST(Names, DoNotCareAboutCaseAndComeOutAsTheTableHasThem) {
-  EXPECT_EQ(sqlOf("select BANCO, bancos.codigo from bancos"), "SELECT Banco, Codigo FROM Bancos");
+  EXPECT_EQ(sqlOf("select BANCO, bancos.codigo from bancos"),
+            "SELECT Banco, Codigo FROM Bancos ORDER BY rowid");
 }
 
 TEST(Names, InBracketsMayHoldBlanksAndBangsSeparateToo) {
@@ -52,11 +53,37 @@ TEST(Names, StandWithTheirTableWhereSeveralTablesAre) {
 
 TEST(Names, OfAnEarlierItemServeALaterOneUnlessAColumnHasThem) {
   EXPECT_EQ(sqlOf("SELECT Codigo, Orden + 1 AS X, X * 2 AS Y FROM Bancos"),
-            "SELECT Codigo, Orden + ?1, (Orden + ?1) * ?2 FROM Bancos");
+            "SELECT Codigo, Orden + ?1, (Orden + ?1) * ?2 FROM Bancos ORDER BY rowid");
   EXPECT_EQ(sqlOf("SELECT Codigo, Orden AS Banco, Banco AS Y FROM Bancos"),
-            "SELECT Codigo, Orden, Banco FROM Bancos");
+            "SELECT Codigo, Orden, Banco FROM Bancos ORDER BY rowid");
   EXPECT_EQ(errorOf("SELECT Codigo, Orden AS X FROM Bancos WHERE X = 1").number(),
             errors::kMissingParameter);
+}
+
+TEST(Order, OfRowsOfOneTableThatNamesNoneIsThatOfTheTable) {
+  const std::string stored = " ORDER BY rowid";
+  const auto isStored = [&](std::string_view text) { return sqlOf(text).ends_with(stored); };
+  EXPECT_TRUE(isStored("SELECT Codigo FROM Bancos"));
+  EXPECT_TRUE(isStored("SELECT b.Codigo FROM Bancos AS b WHERE b.Orden = 3 Or Not b.Activo"));
+  EXPECT_TRUE(isStored("SELECT Codigo FROM Bancos WHERE Orden Between 3 And 5"));
+  EXPECT_TRUE(isStored("SELECT Codigo FROM Bancos WHERE 3 <= Orden And Activo And Orden < 5"));
+  EXPECT_FALSE(isStored("SELECT Codigo FROM Bancos ORDER BY Banco"));
+  EXPECT_FALSE(isStored("SELECT DISTINCT Banco FROM Bancos")) << "no row stands behind it";
+  EXPECT_FALSE(isStored("SELECT Banco FROM Bancos GROUP BY Banco"));
+  EXPECT_FALSE(isStored("SELECT Max(Banco) FROM Bancos"));
+  EXPECT_FALSE(isStored("SELECT Codigo FROM Bancos UNION SELECT Banco FROM Apuntes"));
+  EXPECT_FALSE(isStored("SELECT Codigo, Importe FROM Bancos, Apuntes")) << "two tables have two";
+  EXPECT_FALSE(isStored("SELECT 1")) << "nothing is stored";
+}
+
+// An engine would read the whole table to have a day's rows in order.
+TEST(Order, OfAnOpenRangeIsTheEngines) {
+  for (const char* where :
+       {"Orden > 3", "3 > Orden", "Activo And Alta >= #01/01/2026#", "Orden > 3 And Orden >= 5",
+        "Orden > 3 And Corto < 5", "Codigo = 'a' Or Orden <= 3"}) {
+    EXPECT_FALSE(sqlOf(std::string("SELECT Codigo FROM Bancos WHERE ") + where).ends_with("rowid"))
+        << where;
+  }
 }
 
 TEST(Operators, BindAsInTheDialect) {
@@ -215,7 +242,7 @@ TEST(Result, BearsAliasColumnNameOrANumberedName) {
 TEST(Result, OfAStarHasAllColumnsInTheirOrder) {
   EXPECT_THAT(names(planOf("SELECT * FROM Sueltos")), ElementsAre("Texto", "Numero", "rowid"));
   EXPECT_EQ(sqlOf("SELECT 1, Sueltos.*, 2 FROM Sueltos"),
-            "SELECT ?1, Texto, Numero, ?2, rowid FROM Sueltos");
+            "SELECT ?1, Texto, Numero, ?2, rowid FROM Sueltos ORDER BY rowid");
 }
 
 TEST(Result, TellsTypeSizeAndBase) {
@@ -236,7 +263,7 @@ TEST(Result, OfOneTableCarriesItsKeyHiddenForWriting) {
   ASSERT_EQ(plan.columns.size(), 2U);
   EXPECT_TRUE(plan.columns[1].hidden);
   EXPECT_TRUE(plan.columns[1].autoNumber);
-  EXPECT_EQ(plan.steps[0].sql, "SELECT Importe, Id FROM Apuntes");
+  EXPECT_EQ(plan.steps[0].sql, "SELECT Importe, Id FROM Apuntes ORDER BY rowid");
 }
 
 TEST(Result, OfATableWithoutKeyCarriesThePlaceOfTheRow) {
@@ -293,9 +320,10 @@ TEST(Expressions, OfTwoSignsAreNoComment) {
 }
 
 TEST(Insert, WithoutColumnsGoesByTheNamesOfTheSelect) {
-  EXPECT_EQ(sqlOf("INSERT INTO HApuntes SELECT Apuntes.* FROM Apuntes WHERE Banco = 'a'"),
-            "INSERT INTO HApuntes (Id, Banco, Importe, Fecha, Concepto) "
-            "SELECT Id, Banco, Importe, Fecha, Concepto FROM Apuntes WHERE Banco = ?1");
+  EXPECT_EQ(
+      sqlOf("INSERT INTO HApuntes SELECT Apuntes.* FROM Apuntes WHERE Banco = 'a'"),
+      "INSERT INTO HApuntes (Id, Banco, Importe, Fecha, Concepto) "
+      "SELECT Id, Banco, Importe, Fecha, Concepto FROM Apuntes WHERE Banco = ?1 ORDER BY rowid");
   EXPECT_EQ(errorOf("INSERT INTO HApuntes SELECT Id AS Otro FROM Apuntes").number(),
             errors::kMissingParameter);
 }
@@ -346,8 +374,9 @@ TEST(Lenience, OfTheDialect) {
   EXPECT_EQ(condition("Orden = 0and Activo <> 0"), "Orden = ?1 AND Activo <> ?2");
   EXPECT_EQ(condition("(((Codigo)IN(SELECT Banco FROM Apuntes;)))"),
             "Codigo IN (SELECT Apuntes.Banco FROM Apuntes)");
-  EXPECT_EQ(sqlOf("SELECT Codigo FROM Bancos ; "), "SELECT Codigo FROM Bancos");
-  EXPECT_EQ(sqlOf("SELECT TOP 3 Codigo FROM Bancos"), "SELECT Codigo FROM Bancos LIMIT 3");
+  EXPECT_EQ(sqlOf("SELECT Codigo FROM Bancos ; "), "SELECT Codigo FROM Bancos ORDER BY rowid");
+  EXPECT_EQ(sqlOf("SELECT TOP 3 Codigo FROM Bancos"),
+            "SELECT Codigo FROM Bancos ORDER BY rowid LIMIT 3");
   EXPECT_EQ(sqlOf("SELECT Codigo FROM Bancos GROUP BY Codigo, 'x' & Codigo"),
             "SELECT Codigo FROM Bancos GROUP BY Codigo, 'x' || coalesce(Codigo, '')");
 }

@@ -25,7 +25,8 @@ Literals literalsOf(const Statement& statement) {
 }
 
 TEST(QuotedValue, IsLiftedAsItStands) {
-  EXPECT_EQ(sqlOf(inQuotes("00012")), "SELECT Banco, Codigo FROM Bancos WHERE Codigo = ?1");
+  EXPECT_EQ(sqlOf(inQuotes("00012")),
+            "SELECT Banco, Codigo FROM Bancos WHERE Codigo = ?1 ORDER BY rowid");
   EXPECT_THAT(literalsOf(inQuotes("00012")), ElementsAre("00012"));
   EXPECT_THAT(literalsOf(inQuotes("")), ElementsAre(""));
   EXPECT_THAT(literalsOf(inQuotes("x]; --#*?\\\"")), ElementsAre("x]; --#*?\\\""));
@@ -92,7 +93,8 @@ TEST(QuotedValue, SharesItsLiteralWithConstantTextAndOtherValues) {
 }
 
 TEST(BareValue, IsOneNumber) {
-  EXPECT_EQ(sqlOf(bare("7")), "SELECT Banco, Codigo FROM Bancos WHERE Orden = ?1 AND Activo <> ?2");
+  EXPECT_EQ(sqlOf(bare("7")),
+            "SELECT Banco, Codigo FROM Bancos WHERE Orden = ?1 AND Activo <> ?2 ORDER BY rowid");
   for (const std::string_view number : {"7", "-3", "+3", "12.5", ".5", "1E-05", "1e3", " 7 "}) {
     EXPECT_EQ(errorOf(bare(number)).number(), 0) << number;
   }
@@ -119,7 +121,7 @@ TEST(BareValue, MayBringItsOwnDelimiters) {
 
 TEST(BareValue, MayBeTrueOrFalse) {
   EXPECT_EQ(sqlOf(bare("True")),
-            "SELECT Banco, Codigo FROM Bancos WHERE Orden = -1 AND Activo <> ?1");
+            "SELECT Banco, Codigo FROM Bancos WHERE Orden = -1 AND Activo <> ?1 ORDER BY rowid");
 }
 
 TEST(BareValue, DoesNotGrowTogetherWithItsNeighbours) {

@@ -13,6 +13,8 @@
 namespace tavelor::engine::test {
 namespace {
 
+using testing::ElementsAre;
+
 constexpr std::string_view kSchema = R"(
   CREATE TABLE Tarifas (
     Codigo TEXT(6) NOT NULL PRIMARY KEY, Nombre TEXT(10), Precio CURRENCY, Cantidad DOUBLE,
@@ -35,6 +37,18 @@ class DialectBehaviour : public testing::Test {
   std::int64_t run(std::string_view text) { return plans.run(Statement(text)); }
   std::int32_t error(std::string_view text) {
     return errorNumber([&] { run(text); });
+  }
+  /// The first column, of texts, of all rows.
+  std::vector<std::string> all(std::string_view text) {
+    const Statement statement(text);
+    const auto plan = plans.plan(statement);
+    std::vector<ColumnType> types;
+    for (const dialect::OutputColumn& column : plan->columns) types.push_back(column.type);
+    RowStore found(types);
+    plans.fetch(statement, found);
+    std::vector<std::string> texts;
+    for (std::uint32_t row = 0; row < found.rows(); ++row) texts.emplace_back(found.text(row, 0));
+    return texts;
   }
   /// The first column of the first row, printed; "none" without a row.
   std::string first(std::string_view text) {
@@ -77,6 +91,35 @@ TEST_F(DialectBehaviour, GroupingByAConstantIsOneGroup) {
   EXPECT_EQ(first("SELECT Count(*) FROM Tarifas GROUP BY True, -(-1), #1/1/2001#"), "2");
   EXPECT_EQ(first("SELECT Count(*) FROM Tarifas WHERE Orden = 9 GROUP BY 1"), "none");
   EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Activo = True ORDER BY False, -True"), "a");
+}
+
+TEST_F(DialectBehaviour, RowsOfATableComeAsTheyWereStoredWhateverIndexesItHas) {
+  run("INSERT INTO Tarifas (Codigo, Nombre, Orden) VALUES ('0', 'Tres', 2)");
+  const auto rows = [&](std::string_view text) { return all(text); };
+  EXPECT_THAT(rows("SELECT Codigo FROM Tarifas"), ElementsAre("a", "b", "0"));
+  for (const char* index : {"(Orden, Codigo)", "(Nombre)", "(Activo, Orden, Codigo)"}) {
+    for (const std::string& text : dialect::translateSchema(
+             std::string("CREATE INDEX IX_") + index[1] + " ON Tarifas " + index,
+             dialect::sqliteWriter())) {
+      session->execute(text);
+    }
+    EXPECT_THAT(rows("SELECT Codigo FROM Tarifas"), ElementsAre("a", "b", "0")) << index;
+    EXPECT_THAT(rows("SELECT Codigo FROM Tarifas WHERE Orden = 2"), ElementsAre("b", "0")) << index;
+    EXPECT_THAT(rows("SELECT Codigo FROM Tarifas WHERE Orden Between 0 And 9"),
+                ElementsAre("a", "b", "0"))
+        << index;
+    EXPECT_THAT(rows("SELECT TOP 1 Codigo FROM Tarifas WHERE Orden Between 2 And 9"),
+                ElementsAre("b"))
+        << index;
+    EXPECT_THAT(rows("SELECT Codigo FROM Tarifas ORDER BY Codigo"), ElementsAre("0", "a", "b"))
+        << index;
+  }
+}
+
+TEST_F(DialectBehaviour, RowsAreCopiedInTheOrderThatTheyWereStored) {
+  run("INSERT INTO Tarifas (Codigo, Orden) VALUES ('0', 2)");
+  run("INSERT INTO Lineas (Codigo) SELECT Codigo FROM Tarifas");
+  EXPECT_THAT(all("SELECT Codigo FROM Lineas ORDER BY Id"), ElementsAre("a", "b", "0"));
 }
 
 TEST_F(DialectBehaviour, QuotedNumbersAreReadByTheLocale) {
@@ -208,7 +251,7 @@ TEST_F(DialectBehaviour, AnInnerJoinUpdatesMatchedRowsOnly) {
 TEST_F(DialectBehaviour, ALeftJoinUpdatesRowsWithoutPartnerWithNull) {
   run("INSERT INTO Lineas (Codigo, Importe) VALUES ('a', 5)");
   run("UPDATE Tarifas LEFT JOIN Lineas ON Tarifas.Codigo = Lineas.Codigo "
-      "SET Tarifas.Precio = Lineas.Importe WHERE Orden > 0");
+      "SET Tarifas.Precio = Lineas.Importe WHERE Orden Between 0 And 9");
   EXPECT_EQ(value("Precio"), "5");
   EXPECT_EQ(value("Precio", "b"), "Null");
 }

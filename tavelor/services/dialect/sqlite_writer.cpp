@@ -91,6 +91,8 @@ class SqliteWriter final : public Writer {
   std::string_view beforeTruth() const override { return "-("; }
   std::string_view behindTruth() const override { return ")"; }
 
+  std::string_view storedOrder() const override { return "rowid"; }
+
   void joinedUpdate(StepText& text, const TreeStatement& tree) const override {
     text << "UPDATE ";
     text.source(*tree.target);

@@ -25,6 +25,52 @@ bool isOneRow(const Select& select) {
          !select.grouped;
 }
 
+/// What a comparison says of a column: it lies above or below something. No column for another
+/// expression.
+struct Bound {
+  const engine::Column* column = nullptr;
+  bool isLower = false;
+  friend bool operator==(const Bound&, const Bound&) = default;
+};
+
+Bound boundOf(const Expr& expr) {
+  if (expr.kind != ExprKind::kCompare) return {};
+  const bool isLess = expr.op == Operator::kLess || expr.op == Operator::kLessEqual;
+  const bool isGreater = expr.op == Operator::kGreater || expr.op == Operator::kGreaterEqual;
+  if (!isLess && !isGreater) return {};
+  if (expr.left->kind == ExprKind::kColumn) return {expr.left->column, isGreater};
+  if (expr.right->kind == ExprKind::kColumn) return {expr.right->column, isLess};
+  return {};
+}
+
+bool isLogical(const Expr& expr) {
+  return expr.kind == ExprKind::kBinary && (expr.op == Operator::kAnd || expr.op == Operator::kOr);
+}
+
+bool hasBound(const Expr& expr, const Bound& wanted) {
+  if (isLogical(expr)) return hasBound(*expr.left, wanted) || hasBound(*expr.right, wanted);
+  return boundOf(expr) == wanted;
+}
+
+/// Whether a part of the condition bounds a column on one side alone.
+bool hasOpenRange(const Expr& part, const Expr& condition) {
+  if (isLogical(part)) {
+    return hasOpenRange(*part.left, condition) || hasOpenRange(*part.right, condition);
+  }
+  Bound other = boundOf(part);
+  if (other.column == nullptr) return false;
+  other.isLower = !other.isLower;
+  return !hasBound(condition, other);
+}
+
+/// Rows of one table, each as it stands there. Not those of an open range: engines take it for a
+/// quarter of the table and would rather read all of it in order than a day's rows and sort them.
+bool comesAsStored(const Select& select) {
+  return select.sources != nullptr && select.sources->next == nullptr && !select.distinct &&
+         !select.grouped && select.unionNext == nullptr &&
+         (select.where == nullptr || !hasOpenRange(*select.where, *select.where));
+}
+
 /// A constant that an engine would read as a whole number.
 bool isConstantNumber(const Expr& expr) {
   if (expr.kind == ExprKind::kNegate) return isConstantNumber(*expr.left);
@@ -60,7 +106,7 @@ Step StepText::write(const TreeStatement& tree) {
       remove(tree);
       break;
     default:
-      select(*tree.select);
+      delivered(*tree.select);
       break;
   }
   return std::move(step_);
@@ -107,12 +153,35 @@ void StepText::join(const Join& tree) {
   expression(*tree.condition);
 }
 
+/// A SELECT whose rows somebody sees. Where it names no order, the rows of a table come as they
+/// were stored: callers take the first one of several, and an index that an engine happens to read
+/// by would give them another. An engine that reads so anyhow, or by equality, sorts nothing for
+/// it.
+void StepText::delivered(const Select& select) {
+  parts(select);
+  if (select.orderBy != nullptr) {
+    order(select.orderBy, select);
+  } else if (comesAsStored(select)) {
+    *this << " ORDER BY " << writer_.storedOrder();
+  }
+  limit(select);
+}
+
+/// A SELECT whose rows are only looked up.
 void StepText::select(const Select& select) {
+  parts(select);
+  order(select.orderBy, select);
+  limit(select);
+}
+
+void StepText::parts(const Select& select) {
   for (const Select* part = &select; part != nullptr; part = part->unionNext) {
     selectPart(*part);
     if (part->unionNext != nullptr) *this << (part->unionAll ? " UNION ALL " : " UNION ");
   }
-  order(select.orderBy, select);
+}
+
+void StepText::limit(const Select& select) {
   if (select.top >= 0) *this << " LIMIT " << select.top;
 }
 
@@ -176,7 +245,7 @@ void StepText::insert(const TreeStatement& tree) {
     column(*named, false);
   }
   *this << ") ";
-  if (tree.select != nullptr && !isOneRow(*tree.select)) return select(*tree.select);
+  if (tree.select != nullptr && !isOneRow(*tree.select)) return delivered(*tree.select);
   *this << "VALUES (";
   if (tree.select == nullptr) {
     list(tree.values);

@@ -29,6 +29,9 @@ class Writer {
   virtual std::string_view beforeTruth() const = 0;
   virtual std::string_view behindTruth() const = 0;
 
+  /// What the rows of a table are sorted by to come as they were stored.
+  virtual std::string_view storedOrder() const = 0;
+
   /// UPDATE and DELETE of a table that is joined with others.
   virtual void joinedUpdate(StepText& text, const TreeStatement& tree) const = 0;
   virtual void joinedDelete(StepText& text, const TreeStatement& tree) const = 0;
@@ -87,6 +90,9 @@ class StepText {
   void function(std::string_view name, const Expr& first, const Expr& second);
   void list(const Expr* first);
   void selectPart(const Select& part);
+  void delivered(const Select& select);
+  void parts(const Select& select);
+  void limit(const Select& select);
   void order(const OrderItem* items, const Select& select);
   void key(const Expr& expr);
   void insert(const TreeStatement& tree);
