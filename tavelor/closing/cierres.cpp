@@ -251,6 +251,8 @@ void ClsCierres::InsertarCierreFormasPago(const Variant& vCierre, std::string_vi
   write(statement, *objCn);
 }
 
+// The chain of balances compares the date with whole day numbers: with its time, a closing of today
+// would not count before tomorrow.
 void ClsCierres::Insertar(const Cierre& cierre) const {
   const Cierre& c = cierre;
   Statement statement(
@@ -262,7 +264,7 @@ void ClsCierres::Insertar(const Cierre& cierre) const {
       " Saldo_Final )"
       " SELECT ");
   statement << value(joined(c.vId)) << " AS Expr1, '" << value(c.sSerie) << "' AS Expr2, '"
-            << value(joined(c.dtFecha)) << "' AS Expr3, '" << value(c.sDescripcion)
+            << value(joined(c.dtFecha.dayOnly())) << "' AS Expr3, '" << value(c.sDescripcion)
             << "' AS Expr4, '" << value(c.sCaja) << "' AS Expr5, '" << value(c.sEmpleado)
             << "' AS Expr6, '" << value(joined(c.dEntrega)) << "' AS Expr70, '"
             << value(joined(c.dCambio)) << "' AS Expr71, '" << value(joined(c.dEfectivo))

@@ -81,7 +81,7 @@ class ClsCierres final : public OpensByWord {
   struct Cierre {
     Variant vId = {};  ///< number, from NuevoCodigo
     std::string sSerie = {};
-    Date dtFecha = {};
+    Date dtFecha = {};  ///< its day is stored, without the time
     std::string sDescripcion = {};
     std::string sCaja = {};
     std::string sEmpleado = {};

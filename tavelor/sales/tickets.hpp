@@ -191,7 +191,7 @@ class ClsTickets final : public TicketTable<OpensByWord> {
     std::int16_t iImpuesto = 0;  ///< code of the tax
     double dTotal = 0;
     std::int16_t iEstado = 0;
-    Variant vDocE = {};   ///< order document, 0 for none; Empty raises a syntax error
+    Variant vDocE = 0;    ///< order document, 0 for none; Empty raises a syntax error
     double dImpImp = 0;   ///< tax
     double bRecargo = 0;  ///< surcharge rate, percent; only whole ones under a decimal comma
     double dImpRec = 0;

@@ -32,9 +32,10 @@ std::string_view settledIf(bool bCerrados) {
   return bCerrados ? " AND (Estado = 2)" : "";
 }
 
-// The day number in plain digits: dates lie in the table without a time.
+// The day number in plain digits: dates lie in the table without a time. The mask alone would round
+// the afternoon up to the next day.
 std::string dayNumber(Date date) {
-  return format(date, "#", Apartment::current().locale());
+  return format(date.dayOnly(), "#", Apartment::current().locale());
 }
 
 /// Which tickets a member is about. All parts are always looked at: an empty one means tickets that

@@ -356,6 +356,16 @@ TEST_F(ClsCierresTest, AClosingOfTomorrowDoesNotCountYet) {
   EXPECT_EQ(previous("01"), 50);
 }
 
+TEST_F(ClsCierresTest, AClosingOfThisAfternoonCountsToday) {
+  ClsCierres::Cierre one = closing();
+  one.dtFecha = Date::of({2026, 3, 5, 20, 15, 0});
+  shop.statements();
+  closings.Insertar(one);
+  EXPECT_THAT(shop.statements().at(0), testing::HasSubstr("'05/03/2026' AS Expr3"));
+  EXPECT_EQ(column("Fecha"), "05/03/2026");
+  EXPECT_EQ(previous("01"), 438.25);
+}
+
 TEST_F(ClsCierresTest, ANullBalanceLeavesTheValue) {
   close(5, "01", "Null");
   EXPECT_EQ(previous("01", 33), 33);

@@ -164,7 +164,12 @@ TEST_F(TicketDocumentTest, AQuoteInATextIsRefusedAndADoubledOneIsNot) {
   EXPECT_EQ(column("Razon_Social", 1234), "L'Olivera");
 }
 
-TEST_F(TicketDocumentTest, ADocumentWithoutAnOrderNumberIsRefused) {
+TEST_F(TicketDocumentTest, ADocumentThatNamesNoOrderIsNone) {
+  tickets.Insertar({.vId = 1});
+  EXPECT_EQ(column("Doc_E", 1), "0");
+}
+
+TEST_F(TicketDocumentTest, AnEmptyOrderNumberIsRefused) {
   ClsTickets::Documento sale = document();
   sale.vDocE = {};
   EXPECT_EQ(errorOf([&] { tickets.Insertar(sale); }), errors::kSyntax);

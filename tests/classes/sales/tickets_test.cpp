@@ -404,6 +404,12 @@ TEST_F(ClsTicketsTest, NuevoCodigoGivesANumberOfHistoryAgainWhenTheNextDoesNotFi
   EXPECT_EQ(shown(tickets.NuevoCodigo("A")), "100000006");
 }
 
+TEST_F(ClsTicketsTest, NuevoCodigoBehindANumberTooLargeToCountOnRaisesOverflow) {
+  shop.run("INSERT INTO Tickets (Numero, Serie) VALUES (1e19, 'A')", selector::kDocuments);
+  EXPECT_EQ(errorOf([&] { tickets.NuevoCodigo("A"); }), errors::kOverflow);
+  EXPECT_EQ(shown(tickets.NuevoCodigo("B")), "1");
+}
+
 TEST_F(ClsTicketsTest, CodigoLibreLooksAtHistoryTooAndNotAtTheSeries) {
   add(1, "Serie = 'B'");
   addToHistory(2);

@@ -92,18 +92,31 @@ TEST_F(TicketSalesTest, ATicketWithATimeFallsOutOfTheLastDay) {
   EXPECT_THAT(cash(false), IsEmpty());
 }
 
-TEST_F(TicketSalesTest, ATimeInTheSpanRoundsToTheNearerDay) {
-  add(1);
-  const Date afternoon = Date::of({2026, 3, 4, 18, 0, 0});
-  const Date morning = Date::of({2026, 3, 4, 6, 0, 0});
-  EXPECT_THAT(shown(tickets.ObtenerCol(first, afternoon, "01", "001", "A", false)),
-              ElementsAre("1"));
-  EXPECT_THAT(shown(tickets.ObtenerCol(first, morning, "01", "001", "A", false)), IsEmpty());
-}
-
 TEST_F(TicketSalesTest, ADateOfDayZeroIsRefused) {
   EXPECT_EQ(errorOf([&] { tickets.ObtenerCol(Date(), last, "01", "001", "A", false); }),
             errors::kSyntax);
+}
+
+TEST_F(TicketSalesTest, ObtenerColGivesTheTicketsAsTheyWereStoredNotByDateOrNumber) {
+  add(7, "Fecha = #03/01/2026#");
+  add(9, "Fecha = #03/03/2026#");
+  add(8, "Fecha = #03/02/2026#");
+  add(2, "Fecha = #03/01/2026#");
+  EXPECT_THAT(cash(false), ElementsAre("7", "9", "8", "2"));
+}
+
+// The mask of the day number would round the afternoon up.
+TEST_F(TicketSalesTest, AnAfternoonBelongsToItsDay) {
+  add(1, "Fecha = #03/01/2026#, Total = 10");
+  ClsTickets::VentasDia sums = {.dtFecha = Date::of({2026, 3, 1, 18, 30, 0}),
+                                .sCaja = "01",
+                                .sEmpleado = "001",
+                                .sSerie = "A"};
+  tickets.VentasTotal(sums);
+  EXPECT_EQ(sums.dVentasTotal, 10);
+  EXPECT_THAT(shown(tickets.ObtenerCol(Date::of({2026, 3, 1, 18, 30, 0}),
+                                       Date::of({2026, 3, 1, 20, 0, 0}), "01", "001", "A", false)),
+              ElementsAre("1"));
 }
 
 TEST_F(TicketSalesTest, ObtenerColCreditoGivesWhatIsInvoicedWhateverItsState) {
