@@ -33,8 +33,7 @@ class clsArticulos final : public OpensByWordOnConnection {
 
   // ---- Exchange (articulos_intercambio.cpp)
 
-  /// Sets the planning flag of all articles, in the further database unless the connection says
-  /// otherwise.
+  /// Sets the planning flag of all articles.
   void Aceptar_todos(ObjCn cnnActive = {}) const;
   void Denegar_todos(ObjCn cnnActive = {}) const;
   /// Makes the articles saved in an XML file the primary record set, and gives it. Raises 53 for a
@@ -58,8 +57,9 @@ class clsArticulos final : public OpensByWordOnConnection {
   /// Codes of the stocked articles that are in use and no packages.
   std::vector<Variant> ObtenerCol_Materiales(ObjCn objCn = {}) const;
   /// Fills the new row, the last one, from the row before the current one. What tells an article
-  /// apart stays the new row's own: code, reference, stock, what is on order and date. Raises 3021
-  /// when there is no row before.
+  /// apart stays the new row's own: code, reference, stock, what is on order and date. Raises 3219
+  /// for a row that is not being added, and 3021 when there is no row before; either leaves the row
+  /// as it was.
   void CopyPrevious();
   /// One condition of a report's selection formula from one control; "" for an empty one. `iType`
   /// is the operator: ">=", "<=", "Like"; anything else is "=".

@@ -8,6 +8,7 @@
 #include "tavelor/articles/articulos.hpp"
 #include "tavelor/frame/controls.hpp"
 #include "tavelor/frame/reading.hpp"
+#include "tavelor/platform/error.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
@@ -96,19 +97,17 @@ void clsArticulos::GetExportPath(InOut<std::string> sExportPath) const {
 // The planning flag, of the whole table
 
 void clsArticulos::Aceptar_todos(ObjCn cnnActive) const {
-  DataSession().Execute(selector::kFurther,
-                        Statement("UPDATE "
-                                  "Articulos"
-                                  " SET Planificar = '1'"),
-                        *cnnActive);
+  write(Statement("UPDATE "
+                  "Articulos"
+                  " SET Planificar = '1'"),
+        *cnnActive);
 }
 
 void clsArticulos::Denegar_todos(ObjCn cnnActive) const {
-  DataSession().Execute(selector::kFurther,
-                        Statement("UPDATE "
-                                  "Articulos"
-                                  " SET Planificar = '0'"),
-                        *cnnActive);
+  write(Statement("UPDATE "
+                  "Articulos"
+                  " SET Planificar = '0'"),
+        *cnnActive);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -176,6 +175,14 @@ void clsArticulos::CopyPrevious() {
   constexpr std::array<std::string_view, 5> kOwn = {"Código", "Referencia", "Existencia",
                                                     "Pendiente", "Fecha"};
   Recordset& rows = primary();
+  // Moving away posts the row, so what cannot be copied is told before.
+  if (rows.EditMode() != EditMode::kAdd) {
+    raise(errors::kNotAllowedInContext, info().word,
+          "CopyPrevious fills a row that is being added, and replaces no stored one.");
+  }
+  if (rows.AbsolutePosition() <= 1) {
+    raise(errors::kNoCurrentRecord, info().word, "There is no row before the new one.");
+  }
   rows.MovePrevious();
   const std::int32_t count = rows.Fields().Count();
   std::vector<Variant> values;

@@ -134,12 +134,11 @@ Statement ClsArticulosLotes::insertion(const Variant& vId, const Variant& vIdLot
 // Sales
 
 void ClsArticulosLotes::DescargarStock_V(const Variant& vId, const Variant& vIdLote,
-                                         const Variant& vCant, const Variant& vRec, bool bSumar,
+                                         const Variant& /*vCant*/, const Variant& vRec, bool bSumar,
                                          ObjCn cnnActive) const {
   if (clsArticulos::isFreeText(vId)) return;
   stock::connect(*cnnActive);
   if (isNoLot(joined(vIdLote))) return;
-  stock::quantity(vCant);  // must be a number, and is not used
   const double dCant = stock::rounded(stock::units(vRec, bSumar));
   if (ExisteLote(vId, vIdLote, *cnnActive)) {
     sellKnown(vId, vIdLote, dCant, *cnnActive);

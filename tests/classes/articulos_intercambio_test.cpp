@@ -76,7 +76,7 @@ TEST_F(ClsArticulosIntercambioTest, MaterialsAreStockedAndNoPackages) {
 
 // ---- Planning
 
-TEST_F(ClsArticulosIntercambioTest, PlanningIsAcceptedAndDeniedForTheWholeFurtherDatabase) {
+TEST_F(ClsArticulosIntercambioTest, PlanningIsAcceptedAndDeniedForAllArticlesOfTheShop) {
   for (const int database : {selector::kFurther, selector::kMain}) {
     shop.run("INSERT INTO Articulos (Codigo) VALUES ('A1')", database);
     shop.run("INSERT INTO Articulos (Codigo) VALUES ('A2')", database);
@@ -85,19 +85,19 @@ TEST_F(ClsArticulosIntercambioTest, PlanningIsAcceptedAndDeniedForTheWholeFurthe
     return shop.text("SELECT Count(*) FROM Articulos WHERE Planificar <> 0", database);
   };
   articles.Aceptar_todos();
-  EXPECT_EQ(planned(selector::kFurther), "2");
-  EXPECT_EQ(planned(selector::kMain), "0");
+  EXPECT_EQ(planned(selector::kMain), "2");
+  EXPECT_EQ(planned(selector::kFurther), "0") << "the shop's articles are in the main database";
   articles.Denegar_todos();
-  EXPECT_EQ(planned(selector::kFurther), "0");
+  EXPECT_EQ(planned(selector::kMain), "0");
   EXPECT_THAT(shop.statements(), ElementsAre("UPDATE Articulos SET Planificar = '1'",
                                              "UPDATE Articulos SET Planificar = '0'"));
 }
 
 TEST_F(ClsArticulosIntercambioTest, PlanningRunsOnTheCallersConnection) {
-  add("A1");
-  ConnectionPtr connection = DataSession().OpenConnection(selector::kMain);
+  shop.run("INSERT INTO Articulos (Codigo) VALUES ('A1')", selector::kFurther);
+  ConnectionPtr connection = DataSession().OpenConnection(selector::kFurther);
   articles.Aceptar_todos(connection);
-  EXPECT_EQ(column("Planificar"), "Verdadero");
+  EXPECT_EQ(shop.text("SELECT Planificar FROM Articulos", selector::kFurther), "Verdadero");
   ConnectionPtr empty;
   articles.Denegar_todos(empty);
   EXPECT_NE(empty, nullptr);
@@ -256,7 +256,20 @@ TEST_F(ClsArticulosIntercambioTest, ThereIsNothingToCopyOnAnEmptyTable) {
   EXPECT_EQ(errorOf([&] { articles.CopyPrevious(); }), errors::kNoCurrentRecord);
   articles.AddNew();
   EXPECT_EQ(errorOf([&] { articles.CopyPrevious(); }), errors::kNoCurrentRecord);
-  EXPECT_EQ(shop.text("SELECT Count(*) FROM Articulos"), "0");
+  EXPECT_TRUE(articles.EditingRecord()) << "the new row is still being filled";
+  articles.Cancel();
+  articles.DataMember("Primary")->UpdateBatch();
+  EXPECT_EQ(shop.text("SELECT Count(*) FROM Articulos"), "0") << "and was not left to be stored";
+}
+
+TEST_F(ClsArticulosIntercambioTest, AStoredArticleIsNotReplacedByTheOneBefore) {
+  add("1", "Descripcion = 'Uno'");
+  add("2", "Descripcion = 'Dos'");
+  articles.IniciaRs();
+  articles.MoveLast();
+  EXPECT_EQ(errorOf([&] { articles.CopyPrevious(); }), errors::kNotAllowedInContext);
+  articles.Update();
+  EXPECT_EQ(column("Descripcion", "2"), "Dos");
 }
 
 // ---- A database server

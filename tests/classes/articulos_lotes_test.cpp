@@ -464,6 +464,8 @@ TEST_F(LotsTest, BadQuantitiesAndHostileTextChangeNothing) {
       << "converted though it is dropped";
   EXPECT_EQ(errorOf([&] { lots.DescargarStock_V("A100", "L1", 0, Null{}); }),
             errors::kInvalidUseOfNull);
+  EXPECT_EQ(errorOf([&] { lots.DescargarStock_V("A100", "L1", "x", 0); }), 0)
+      << "a sale does not look at it";
   for (const char* attack : {"'", "' or '1'='1", "L1') --", "x'; DELETE FROM Articulos_Lotes"}) {
     EXPECT_NE(errorOf([&] { lots.ActualizarStock_sund("A100", attack, 9, 9); }), 0) << attack;
     EXPECT_NE(errorOf([&] { lots.DescargarStock_V("A100", attack, 9, 9); }), 0) << attack;
