@@ -53,8 +53,9 @@ CREATE TABLE Articulos (
   Precio_Venta CURRENCY DEFAULT 0,
   CONSTRAINT PK_Articulos PRIMARY KEY (Codigo)
 );
--- Not unique: an article may carry a code that a later article gets as its own.
-CREATE INDEX IX_Articulos_Referencia ON Articulos (Referencia);
+-- Not unique: an article may carry a code that a later article gets as its own. With the list, so
+-- that a reference is not looked for among all articles of its list.
+CREATE INDEX IX_Articulos_Referencia_Lista ON Articulos (Referencia, Lista);
 CREATE INDEX IX_Articulos_Descripcion ON Articulos (Descripcion);
 -- The greatest code of a family is read at the end of its range.
 CREATE INDEX IX_Articulos_Familia ON Articulos (Familia, Codigo);
@@ -98,6 +99,7 @@ CREATE TABLE Articulos_Precios_Ventas (
   CONSTRAINT PK_Articulos_Precios_Ventas PRIMARY KEY (Id)
 );
 CREATE INDEX IX_Articulos_Precios_Ventas_Cliente ON Articulos_Precios_Ventas (Cliente, Codigo);
+CREATE INDEX IX_Articulos_Precios_Ventas_Familia ON Articulos_Precios_Ventas (Cliente, Familia);
 CREATE INDEX IX_Articulos_Precios_Ventas_Codigo ON Articulos_Precios_Ventas (Codigo);
 
 CREATE TABLE Articulos_Codigos_barras (

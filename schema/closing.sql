@@ -23,7 +23,10 @@ CREATE TABLE Cierres (
   Doc_F DOUBLE DEFAULT 0,           -- its number, 0 none
   CONSTRAINT PK_Cierres PRIMARY KEY (Codigo)
 );
-CREATE INDEX IX_Cierres_Caja ON Cierres (Caja, Fecha);
+-- The balance of a till: its greatest number up to a day, read from the end without the rows.
+CREATE INDEX IX_Cierres_Caja_Codigo ON Cierres (Caja, Codigo, Fecha);
+-- A day's closings, and by them its families, taxes and payments.
+CREATE INDEX IX_Cierres_Fecha ON Cierres (Fecha);
 
 -- Sales of a closing by article family.
 CREATE TABLE Cierres_Familias (

@@ -176,5 +176,31 @@ TEST(DeclaredSchema, EveryNewInstallationHasTheDeclaredTables) {
   }
 }
 
+TEST(DeclaredSchema, AnOlderInstallationGetsTheIndexesThatItLacksWhenItIsOpened) {
+  const test::TemporaryFolder folder;
+  const auto path = folder.path() / "shop";
+  Installation::create(path, test::fastSettings());
+  const auto openMain = [&] {
+    engine::OpenOptions options;
+    options.path = (path / "main.db").string();
+    options.synchronous = false;
+    return engine::sqliteEngine().open(options);
+  };
+  {
+    const auto session = openMain();
+    session->execute("DROP INDEX IX_Cierres_Fecha");
+    session->execute("DROP INDEX IX_Articulos_Referencia_Lista");
+    session->execute("UPDATE Tavelor_Schema SET Version = 2");
+  }
+  Installation::open(path);
+  engine::RowStore rows({engine::ColumnType::kInt32});
+  openMain()
+      ->prepare(
+          "SELECT count(*) FROM sqlite_master WHERE name IN ('IX_Cierres_Fecha', "
+          "'IX_Articulos_Referencia_Lista')")
+      ->fetch(rows);
+  EXPECT_EQ(rows.integer(0, 0), 2);
+}
+
 }  // namespace
 }  // namespace tavelor

@@ -6,11 +6,14 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 
 #include "tavelor/frame/class_info.hpp"
 #include "tavelor/platform/error.hpp"
+#include "tavelor/platform/number_text.hpp"
+#include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/data_session.hpp"
@@ -155,7 +158,8 @@ class Gatherer {
   void readReturns() {
     Statement statement("SELECT Count(*) AS Cuantos FROM HTickets");
     statement << inTheDays("HTickets")
-              << " AND Numero IN (SELECT Numero FROM HTickets_Lineas WHERE Cantidad < 0)";
+              << " AND Exists (SELECT Numero FROM HTickets_Lineas WHERE HTickets_Lineas.Numero = "
+                 "HTickets.Numero AND Cantidad < 0)";
     figures_.returns = Rows(selector::kDocuments, statement).whole("Cuantos");
     figures_.returned = articles(" AND Cantidad < 0");
     for (ArticleFigures& article : figures_.returned) {
@@ -194,21 +198,21 @@ class Gatherer {
     }
   }
 
-  /// Where each till stood before the first day.
-  std::unordered_map<std::string, double> balancesBefore() const {
-    Statement statement(
-        "SELECT Caja, Saldo_Final FROM Cierres WHERE Codigo IN (SELECT Max(Codigo) FROM Cierres "
-        "WHERE Fecha < ");
-    statement << value(from_) << " GROUP BY Caja)";
-    std::unordered_map<std::string, double> balances;
-    for (Rows rows(selector::kMain, statement); rows.hasRow(); rows.next()) {
-      balances[rows.text("Caja")] = rows.number("Saldo_Final");
-    }
-    return balances;
+  /// Where a till stood before the first day: nothing for one without a closing. Its numbers are
+  /// read from the greatest one down, so that years of closings cost nothing.
+  std::optional<double> balanceBefore(const std::string& till) const {
+    Statement greatest("SELECT Max(Codigo) AS Ultimo FROM Cierres WHERE Caja = '");
+    greatest << value(doubledQuotes(till)) << "' AND Fecha < " << value(from_);
+    const double last = Rows(selector::kMain, greatest).number("Ultimo");
+    Statement statement("SELECT Saldo_Final FROM Cierres WHERE Codigo = ");
+    statement << value(sqlNumber(last, 0));
+    const Rows rows(selector::kMain, statement);
+    if (!rows.hasRow()) return std::nullopt;
+    return rows.number("Saldo_Final");
   }
 
   void readClosings() {
-    auto balances = balancesBefore();
+    std::unordered_map<std::string, double> balances;
     Statement statement(
         "SELECT Codigo, Caja, Fecha, Saldo_Inicio, Total, Saldo_Final FROM Cierres");
     statement << inTheDays("Cierres") << " ORDER BY Caja, Codigo";
@@ -222,7 +226,9 @@ class Gatherer {
       closing.end = rows.number("Saldo_Final");
       // A till's very first closing begins with whatever lies in its drawer.
       const auto before = balances.find(closing.till);
-      closing.expected = before == balances.end() ? closing.start : before->second;
+      closing.expected = before != balances.end()
+                             ? before->second
+                             : balanceBefore(closing.till).value_or(closing.start);
       closing.isBroken = std::abs(closing.start - closing.expected) >= kHalfACent;
       balances[closing.till] = closing.end;
       figures_.closings.push_back(std::move(closing));
