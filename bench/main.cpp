@@ -33,6 +33,7 @@ constexpr std::array kWorks{
     Work{"import", tavelor::bench::measureImport},
     Work{"translation", tavelor::bench::measureTranslation},
     Work{"growth", tavelor::bench::measureGrowth},
+    Work{"years", tavelor::bench::measureYears},
     Work{"storage", tavelor::bench::measureStorage},
 #ifdef TAVELOR_BENCH_QT
     Work{"qt", tavelor::bench::measureQt},

@@ -26,6 +26,8 @@ void measureImport(Report& report, const Scale& scale);
 void measureTranslation(Report& report, const Scale& scale);
 /// Time a row from a thousand rows to a million.
 void measureGrowth(Report& report, const Scale& scale);
+/// A day at the tills after none, one and five million lines of history.
+void measureYears(Report& report, const Scale& scale);
 /// What dates, money and flags cost by the way they are stored. The engine alone.
 void measureStorage(Report& report, const Scale& scale);
 #ifdef TAVELOR_BENCH_QT
