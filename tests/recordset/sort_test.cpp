@@ -48,14 +48,20 @@ TEST(Sort, TextsThatBeginAlikeGoByWhatFollows) {
 }
 
 TEST(Sort, ATextComesBeforeTheSameWithANulBehindIt) {
-  Recordset set;
-  fill(set, {{std::string("abcdefg\0", 8), 0, 1},
-             {std::string("abcdefg", 7), 0, 2},
-             {std::string("abc\0\0", 5), 0, 3},
-             {std::string("abc\0", 4), 0, 4},
-             {std::string("abc", 3), 0, 5}});
-  set.Sort("Texto");
-  EXPECT_THAT(places(set), ElementsAre(5, 4, 3, 2, 1));
+  // A field takes no such text, but another program may have stored one: the file that comes from
+  // it has it escaped.
+  constexpr std::string_view kXml =
+      "<xml xmlns:tv='urn:tavelor:recordset'><s:Schema><s:ElementType name='row'>"
+      "<s:AttributeType name='Texto'><s:datatype dt:type='string' tv:type='203'/></s:AttributeType>"
+      "<s:AttributeType name='Lugar'><s:datatype dt:type='int' tv:type='3'/></s:AttributeType>"
+      "</s:ElementType></s:Schema><rs:data>"
+      "<z:row Texto='abcdefg_x0000_' Lugar='1'/><z:row Texto='abcdefg' Lugar='2'/>"
+      "<z:row Texto='abc_x0000__x0000_' Lugar='3'/><z:row Texto='abc_x0000_' Lugar='4'/>"
+      "<z:row Texto='abc' Lugar='5'/></rs:data></xml>";
+  const auto set = Recordset::LoadXml(kXml);
+  ASSERT_EQ(set->Field("Texto").Value(), Variant(std::string("abcdefg\0", 8)));
+  set->Sort("Texto");
+  EXPECT_THAT(places(*set), ElementsAre(5, 4, 3, 2, 1));
 }
 
 TEST(Sort, NullComesBeforeTheEmptyTextAndTheLeastAmount) {
@@ -68,6 +74,50 @@ TEST(Sort, NullComesBeforeTheEmptyTextAndTheLeastAmount) {
     set.Sort(std::string(field) + " DESC");
     EXPECT_THAT(places(set), ElementsAre(1, 3, 2, 4)) << field;
   }
+}
+
+TEST(Sort, AFieldNamedAgainDecidesNothingHoweverOften) {
+  Recordset set;
+  fill(set, {{"b", 1, 1}, {"a", 1, 2}, {"b", 1, 3}, {"a", 1, 4}});
+  std::string order = "Texto DESC";
+  for (int i = 0; i < 60'000; ++i) order += ", Texto, Numero";
+  set.Sort(order);
+  EXPECT_THAT(places(set), ElementsAre(1, 3, 2, 4));
+}
+
+TEST(Sort, ManyFieldsInWhichAllRowsAreEqualNeedNoStack) {
+  constexpr int kFields = 500;
+  Recordset set;
+  std::string order;
+  for (int i = 0; i < kFields; ++i) {
+    const std::string name = "F" + std::to_string(i);
+    set.Fields().Append(name, DataType::kVarWChar, 9);
+    order += (i == 0 ? "" : ", ") + name;
+  }
+  set.Open();
+  for (const char* last : {"b", "a"}) {
+    set.AddNew();
+    for (int i = 0; i < kFields; ++i) set.Field(i).Value(i + 1 < kFields ? "x" : last);
+    set.Update();
+  }
+  set.UpdateBatch();
+  set.Sort(order);
+  EXPECT_EQ(set.Field(kFields - 1).Value(), Variant("a"));
+}
+
+// Each text is the beginning of all that follow it.
+TEST(Sort, TextsThatEndOneAfterTheOtherComeOutInOrder) {
+  std::vector<Line> lines;
+  constexpr std::int32_t kLines = 400;
+  for (std::int32_t i = 0; i < kLines; ++i) {
+    const auto length = static_cast<std::size_t>((kLines - i) * 8);
+    lines.push_back({std::string(length, 'a'), 0, i});
+  }
+  Recordset set;
+  fill(set, lines);
+  set.Sort("Texto");
+  EXPECT_EQ(places(set).front(), kLines - 1);
+  EXPECT_EQ(places(set).back(), 0);
 }
 
 TEST(Sort, AgreesWithAStableSortOnManyFieldsOfAnyLength) {

@@ -128,17 +128,28 @@ SortKey parseKey(std::string_view term, const RecordsetSchema& schema) {
 }
 
 /// Sorts by keys of eight bytes that lie side by side, and looks at the rows again only where keys
-/// are equal: at the next seven bytes of their texts, then at the next field.
+/// are equal: at the next seven bytes of their texts, then at the next field. What is left to sort
+/// waits in a list and not on the stack, for rows may be equal in many fields, and texts in all but
+/// their ends.
 class Sorter {
  public:
   Sorter(const RecordsetStore& store, const std::vector<SortKey>& order)
       : store_(store), order_(order) {}
 
-  void sort(std::vector<Row>& rows) const {
+  void sort(std::vector<Row>& rows) {
     std::vector<Entry> entries;
     entries.reserve(rows.size());
     for (const Row row : rows) entries.push_back({0, {}, row});
-    sortByField(entries, 0);
+    later({entries, 0, kWholeValue});
+    while (!left_.empty()) {
+      const Part part = left_.back();
+      left_.pop_back();
+      if (part.same == kWholeValue) {
+        sortByField(part.entries, part.field);
+      } else {
+        sortByText(part.entries, part.field, part.same);
+      }
+    }
     for (std::size_t i = 0; i < rows.size(); ++i) rows[i] = entries[i].row;
   }
 
@@ -149,9 +160,20 @@ class Sorter {
     Row row;
   };
   using Entries = std::span<Entry>;
+  static constexpr std::size_t kWholeValue = static_cast<std::size_t>(-1);
+  /// Rows that lie where they belong among the others, but not yet in their own order.
+  struct Part {
+    Entries entries;
+    std::size_t field;  ///< in whose predecessors they are equal
+    std::size_t same;  ///< bytes in which their texts in that field are; kWholeValue: not looked at
+  };
+
+  void later(const Part& part) {
+    if (part.entries.size() > 1) left_.push_back(part);
+  }
 
   /// Of rows that are equal in the fields before `field`.
-  void sortByField(Entries entries, std::size_t field) const {
+  void sortByField(Entries entries, std::size_t field) {
     if (field == order_.size()) return sortByRow(entries);
     const std::size_t column = order_[field].column;
     const Storage storage = storageOf(store_.columns()[column].type);
@@ -162,18 +184,22 @@ class Sorter {
       });
       if (isNull) std::swap(entries[i], entries[nulls++]);
     }
-    const Entries values = entries.subspan(nulls);
-    if (storage == Storage::kText) {
-      sortByText(values, field, 0);
-    } else {
-      sortByKey(values, field);
-      eachTie(values, [&](Entries tie) { sortByField(tie, field + 1); });
-    }
-    sortByField(entries.first(nulls), field + 1);
-    if (order_[field].descending) {
+    const bool nullsLast = order_[field].descending;
+    if (nullsLast) {
       std::rotate(entries.begin(), entries.begin() + static_cast<std::ptrdiff_t>(nulls),
                   entries.end());
     }
+    const std::size_t first = nullsLast ? entries.size() - nulls : nulls;
+    const Entries front = entries.first(first);
+    const Entries back = entries.subspan(first);
+    later({nullsLast ? back : front, field + 1, kWholeValue});
+    sortValues(nullsLast ? front : back, field, storage);
+  }
+
+  void sortValues(Entries values, std::size_t field, Storage storage) {
+    if (storage == Storage::kText) return sortByText(values, field, 0);
+    sortByKey(values, field);
+    eachTie(values, [&](Entries tie) { later({tie, field + 1, kWholeValue}); });
   }
 
   /// Reads a cell into its entry; true for Null.
@@ -195,23 +221,23 @@ class Sorter {
   }
 
   /// Of texts whose first `same` bytes are equal.
-  void sortByText(Entries entries, std::size_t field, std::size_t same) const {
+  void sortByText(Entries entries, std::size_t field, std::size_t same) {
     if (entries.empty()) return;
-    const std::string_view first = entries.front().text;
-    std::size_t common = first.size();
+    // None has more in common with the others than the shortest one is long.
+    const std::string_view shortest =
+        std::min_element(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
+          return a.text.size() < b.text.size();
+        })->text;
+    std::size_t common = shortest.size();
     for (const Entry& entry : entries) {
-      common = std::min(
-          common, same + commonPrefix(first.substr(same, common - same), entry.text.substr(same)));
+      common = same + commonPrefix(shortest.substr(same, common - same), entry.text.substr(same));
     }
     for (Entry& entry : entries) entry.key = keyOf(entry.text.substr(common));
     sortByKey(entries, field);
     eachTie(entries, [&](Entries tie) {
       const std::uint64_t flipped = tie.front().key;
-      if (goesOn(order_[field].descending ? ~flipped : flipped)) {
-        sortByText(tie, field, common + kKeyBytes);
-      } else {
-        sortByField(tie, field + 1);
-      }
+      const bool longer = goesOn(order_[field].descending ? ~flipped : flipped);
+      later(longer ? Part{tie, field, common + kKeyBytes} : Part{tie, field + 1, kWholeValue});
     });
   }
 
@@ -240,6 +266,7 @@ class Sorter {
 
   const RecordsetStore& store_;
   const std::vector<SortKey>& order_;
+  std::vector<Part> left_;
 };
 
 }  // namespace
@@ -247,13 +274,16 @@ class Sorter {
 std::vector<SortKey> parseOrder(std::string_view order, const RecordsetSchema& schema) {
   std::vector<SortKey> keys;
   if (text::trim(order).empty()) return keys;
+  std::vector<bool> named(schema.columns().size());
   bool bracketed = false;
   std::size_t begin = 0;
   for (std::size_t i = 0; i <= order.size(); ++i) {
     if (i < order.size() && order[i] == '[') bracketed = true;
     if (i < order.size() && order[i] == ']') bracketed = false;
     if (i == order.size() || (order[i] == ',' && !bracketed)) {
-      keys.push_back(parseKey(order.substr(begin, i - begin), schema));
+      const SortKey key = parseKey(order.substr(begin, i - begin), schema);
+      if (!named[key.column]) keys.push_back(key);
+      named[key.column] = true;
       begin = i + 1;
     }
   }

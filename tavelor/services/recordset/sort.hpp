@@ -16,7 +16,8 @@ struct SortKey {
 };
 
 /// Reads "field [ASC|DESC], ...". Names may stand in brackets, those with blanks too without.
-/// Raises 3265 for an unknown field, 3001 for another word behind one.
+/// Of a field that is named again only the first place counts, so there are never more keys than
+/// columns. Raises 3265 for an unknown field, 3001 for another word behind one.
 std::vector<SortKey> parseOrder(std::string_view order, const RecordsetSchema& schema);
 
 /// Sorts row numbers: Null before everything, texts by character code, equal rows by row number.
