@@ -19,7 +19,7 @@ namespace {
 
 using engine::ColumnType;
 
-constexpr std::int64_t kNanosecondsPerDay = 86'400'000'000'000;
+constexpr long double kSecondsPerDay = 86'400;
 
 // In reading, the first row with the same names decides.
 constexpr TypeName kTypes[] = {
@@ -112,23 +112,6 @@ std::string currencyText(Currency amount) {
   return fmt::format("{}{}.{:04}", scaled < 0 ? "-" : "", size / 10'000, size % 10'000);
 }
 
-/// Nanoseconds tell every day number from its neighbours, so that it comes back the same.
-std::string dateText(Date date) {
-  const double day = std::trunc(date.days());
-  const double fraction = std::abs(date.days() - day);
-  const auto nanoseconds = std::min<std::int64_t>(
-      std::llround(fraction * static_cast<double>(kNanosecondsPerDay)), kNanosecondsPerDay - 1);
-  const CivilTime civil = Date(day).civil();
-  const std::int64_t seconds = nanoseconds / 1'000'000'000;
-  std::string text = fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}", civil.year, civil.month,
-                                 civil.day, seconds / 3600, seconds / 60 % 60, seconds % 60);
-  if (nanoseconds % 1'000'000'000 != 0) {
-    text += fmt::format(".{:09}", nanoseconds % 1'000'000'000);
-    text.erase(text.find_last_not_of('0') + 1);
-  }
-  return text;
-}
-
 std::string hexText(const Bytes& bytes) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   std::string text;
@@ -193,25 +176,57 @@ std::optional<int> digitsAt(std::string_view text, std::size_t at, std::size_t c
   return numberOf<int>(digits);
 }
 
-/// "hh:mm:ss[.f]" as a part of a day.
+/// "hh:mm:ss[.f]" as a part of a day. Computed in more bits than a day number has, so that there is
+/// a text for each day number.
 std::optional<double> timeOf(std::string_view text) {
   const auto hour = digitsAt(text, 0, 2);
   const auto minute = digitsAt(text, 3, 2);
   const auto second = digitsAt(text, 6, 2);
   if (!hour || !minute || !second || text[2] != ':' || text[5] != ':') return std::nullopt;
   if (*hour > 23 || *minute > 59 || *second > 59) return std::nullopt;
-  double fraction = 0;
+  long double seconds = *hour * 3600 + *minute * 60 + *second;
   if (text.size() > 8) {
     if (text[8] != '.' || text.size() == 9) return std::nullopt;
-    for (const char c : text.substr(9)) {
-      if (!isDigit(c)) return std::nullopt;
-    }
-    fraction = numberOf<double>("0" + std::string(text.substr(8))).value_or(0);
+    const std::string_view decimals = text.substr(9);
+    if (!std::all_of(decimals.begin(), decimals.end(), isDigit)) return std::nullopt;
+    seconds += numberOf<long double>("0." + std::string(decimals)).value_or(0);
   }
-  return (*hour * 3600 + *minute * 60 + *second + fraction) / 86'400.0;
+  return static_cast<double>(seconds / kSecondsPerDay);
+}
+
+/// The shortest text, by threes of decimals, that reads as the same part of a day. Nearly all times
+/// are whole seconds; a time close to day zero may need more than nanoseconds.
+std::string timeText(double fraction) {
+  constexpr int kMostDecimals = 345;  // those of the smallest double
+  const long double seconds = static_cast<long double>(fraction) * kSecondsPerDay;
+  std::string text;
+  for (int decimals = 0; decimals <= kMostDecimals; decimals += 3) {
+    const std::string digits = fmt::format("{:.{}f}", seconds, decimals);
+    const std::size_t point = std::min(digits.find('.'), digits.size());
+    const int whole = numberOf<int>(std::string_view(digits).substr(0, point)).value_or(0);
+    if (whole == static_cast<int>(kSecondsPerDay)) continue;  // rounded up to the next day
+    text = fmt::format("{:02}:{:02}:{:02}{}", whole / 3600, whole / 60 % 60, whole % 60,
+                       std::string_view(digits).substr(point));
+    if (timeOf(text) == fraction) break;
+  }
+  if (text.find('.') != std::string::npos) text.erase(text.find_last_not_of('0') + 1);
+  return text;
+}
+
+std::string dateText(Date date) {
+  const double day = std::trunc(date.days());
+  const CivilTime civil = Date(day).civil();
+  // A part of day zero counted backward is the same time as forward, but another number.
+  const bool backward = day == 0 && date.days() < 0;
+  return fmt::format("{}{:04}-{:02}-{:02}T{}", backward ? "-" : "", civil.year, civil.month,
+                     civil.day, timeText(std::abs(date.days() - day)));
 }
 
 std::optional<Variant> dateOf(std::string_view text) {
+  if (text.starts_with("-1899-12-30T")) {
+    const auto time = timeOf(text.substr(12));
+    return time ? std::optional<Variant>(Date(-*time)) : std::nullopt;
+  }
   if (text.size() >= 3 && text[2] == ':') {
     const auto time = timeOf(text);
     return time ? std::optional<Variant>(Date(*time)) : std::nullopt;
