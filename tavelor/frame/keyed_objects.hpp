@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "tavelor/platform/variant.hpp"
@@ -22,19 +23,19 @@ class KeyedObjects {
   void add(ObjectPtr item, std::string_view key = {});
   const ObjectPtr& item(const Variant& which) const { return entries_[find(which)].object; }
   std::int32_t count() const { return static_cast<std::int32_t>(entries_.size()); }
-  /// The items behind it move up.
+  /// The items behind it move up, which takes a time that grows with their number.
   void remove(const Variant& which);
 
  private:
   struct Entry {
-    std::string key;
+    std::string key;  // folded; "" for none
     ObjectPtr object;
   };
 
   std::size_t find(const Variant& which) const;
-  std::size_t findKey(std::string_view key) const;
 
   std::vector<Entry> entries_;
+  std::unordered_map<std::string, std::size_t> places_;  // by the folded key
 };
 
 /// What a collection class has beside Add: its `Element`s are found, counted and removed as

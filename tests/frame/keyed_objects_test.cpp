@@ -30,6 +30,28 @@ class KeyedObjectsTest : public testing::Test {
   KeyedObjects objects;
 };
 
+// Each key is looked for among all others; a day's collections have more than a line can wait for.
+TEST_F(KeyedObjectsTest, ManyKeysAreFoundWithoutGoingThroughThem) {
+  constexpr int kMany = 50'000;
+  for (int i = 0; i < kMany; ++i) add("x", "Clave " + std::to_string(i));
+  for (int i = 0; i < kMany; i += 7) EXPECT_EQ(at("CLAVE " + std::to_string(i)), "x");
+  EXPECT_EQ(errorOf([&] { add("x", "clave 9"); }), errors::kKeyAlreadyAssociated);
+  EXPECT_EQ(objects.count(), kMany);
+}
+
+TEST_F(KeyedObjectsTest, KeysFollowTheirItemsWhenOneIsRemoved) {
+  for (const char* key : {"a", "b", "", "d"}) add(std::string("item ") + key, key);
+  objects.remove("B");
+  EXPECT_EQ(at("d"), "item d");
+  EXPECT_EQ(at(std::int32_t{3}), "item d");
+  EXPECT_EQ(errorOf([&] { at("b"); }), errors::kInvalidCall);
+  add("new b", "b");
+  EXPECT_EQ(at("b"), "new b");
+  objects.remove(std::int32_t{1});
+  EXPECT_EQ(errorOf([&] { at("a"); }), errors::kInvalidCall);
+  EXPECT_EQ(at("D"), "item d");
+}
+
 TEST_F(KeyedObjectsTest, PositionsCountFromOne) {
   add("a");
   add("b");
