@@ -131,6 +131,11 @@ Variant objectOut(std::shared_ptr<T> object) {
   return object ? Variant(ObjectPtr(std::move(object))) : Variant();
 }
 
+[[noreturn]] void raiseWrongCount(std::string_view signature, std::size_t given) {
+  raise(errors::kWrongNumberOfArguments, kSource,
+        fmt::format("{} was given {} arguments", signature, given));
+}
+
 bool mayBeLeftOut(const Parameter& parameter) {
   return parameter.optional || parameter.direction == Parameter::Direction::kOut;
 }
@@ -150,6 +155,11 @@ std::string Member::signature() const {
   }
   if (!result.empty()) line += " As " + result;
   return line;
+}
+
+Variant Member::call(Object& object, std::span<Variant> arguments) const {
+  if (arguments.size() > parameters.size()) raiseWrongCount(signature(), arguments.size());
+  return body(object, arguments);
 }
 
 Component::Component(std::string_view name, std::string_view classId, std::string_view word,
@@ -173,14 +183,13 @@ Variant Component::call(Object& object, std::string_view name,
   std::size_t required = slot.parameters.size();
   while (required > 0 && mayBeLeftOut(slot.parameters[required - 1])) --required;
   if (arguments.size() < required || arguments.size() > slot.parameters.size()) {
-    raise(errors::kWrongNumberOfArguments, kSource,
-          fmt::format("{}.{} was given {} arguments", name_, slot.signature(), arguments.size()));
+    raiseWrongCount(name_ + "." + slot.signature(), arguments.size());
   }
   arguments.resize(slot.parameters.size());
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     if (arguments[i].isEmpty()) arguments[i] = slot.parameters[i].byDefault;
   }
-  return slot.call(object, arguments);
+  return slot.body(object, arguments);
 }
 
 const Member& frameMember(std::string_view name) {

@@ -35,14 +35,17 @@ struct Parameter {
 
 /// One slot: a member that can be called with variants.
 struct Member {
-  /// Arguments by reference are written back into `arguments`.
   using Call = Callback<Variant(Object& object, std::span<Variant> arguments)>;
 
   std::string name;
   bool property = false;
   std::vector<Parameter> parameters;
   std::string result;  ///< "" for none
-  Call call;
+  Call body;           ///< what call() runs, with as many arguments as parameters at most
+
+  /// Arguments by reference are written back into `arguments`; missing ones are their type's zero.
+  /// Raises 450 for more arguments than parameters, 13 for one of the wrong type.
+  Variant call(Object& object, std::span<Variant> arguments) const;
 
   /// "GetIbanBic(vId As Variant, out sIban As String, out sBic As String, [objCn As Connection])".
   std::string signature() const;
@@ -263,7 +266,7 @@ Member makeMember(std::string_view name, F function, std::string_view names) {
   slot.parameters =
       parseParameters(names, {std::string(Argument<P>::kName)...}, {Argument<P>::kByReference...});
   if constexpr (!std::is_void_v<R>) slot.result = Marshal<std::remove_cvref_t<R>>::kName;
-  slot.call = [function](Object& object, std::span<Variant> arguments) {
+  slot.body = [function](Object& object, std::span<Variant> arguments) {
     auto* typed = dynamic_cast<Class*>(&object);
     if (!typed) raiseWrongObject("record class");
     return invoke<R, Class, F, P...>(*typed, function, arguments, std::index_sequence_for<P...>());
@@ -313,7 +316,7 @@ Member member(std::string_view name, void (Class::*function)(Aggregate&) const,
   Member slot;
   slot.name = name;
   for (const auto& each : parameters) slot.parameters.push_back(each.parameter);
-  slot.call = [function, parameters](Object& object, std::span<Variant> arguments) {
+  slot.body = [function, parameters](Object& object, std::span<Variant> arguments) {
     auto* typed = dynamic_cast<Class*>(&object);
     if (!typed) detail::raiseWrongObject("record class");
     std::remove_const_t<Aggregate> all{};
@@ -356,7 +359,7 @@ Member variable(std::string_view name, T Class::*field) {
   slot.parameters =
       detail::parseParameters("[value]", {std::string(detail::Marshal<T>::kName)}, {false});
   slot.result = detail::Marshal<T>::kName;
-  slot.call = [field](Object& object, std::span<Variant> arguments) {
+  slot.body = [field](Object& object, std::span<Variant> arguments) {
     auto* typed = dynamic_cast<Class*>(&object);
     if (!typed) detail::raiseWrongObject("object of the class");
     if (!arguments.empty() && !arguments[0].isEmpty()) {

@@ -24,7 +24,7 @@ Member deliveredSlot() {
   const Member let =
       member("dQEntrega", static_cast<void (C::*)(double)>(&C::dQEntrega), "[value]");
   slot.parameters = let.parameters;
-  slot.call = [get = slot.call, set = let.call](Object& object, std::span<Variant> arguments) {
+  slot.body = [get = slot.body, set = let.body](Object& object, std::span<Variant> arguments) {
     if (!arguments.empty() && !arguments[0].isEmpty()) set(object, arguments);
     return get(object, {});
   };

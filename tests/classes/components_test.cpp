@@ -125,6 +125,17 @@ TEST_F(CallTest, ArgumentsByReferenceAreWrittenBackWhenTheMemberRaises) {
   EXPECT_EQ(arguments[2].type(), VariantType::kObject);
 }
 
+TEST_F(CallTest, AMemberTakesNoMoreArgumentsThanItHasParameters) {
+  for (const Component* each : components()) {
+    const std::unique_ptr<Object> object = each->make();
+    for (const Member& slot : each->members()) {
+      std::vector<Variant> arguments(slot.parameters.size() + 1, Variant(1));
+      EXPECT_EQ(errorOf([&] { slot.call(*object, arguments); }), errors::kWrongNumberOfArguments)
+          << each->name() << '.' << slot.name;
+    }
+  }
+}
+
 TEST_F(CallTest, AnOutputBeforeAnInputNeedsItsPlace) {
   EXPECT_EQ(errorOf([&] { call("GetOrder", {"todos"}); }), errors::kWrongNumberOfArguments);
   call("GetOrder", {{}, {}, "todos"});
