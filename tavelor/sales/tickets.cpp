@@ -416,6 +416,11 @@ void ClsTickets::ActualizarEuros(ObjCn cnnActive) const {
 // Logs and text files
 
 std::int16_t ClsTickets::OpenLog(std::string_view sAction) {
+  // Behind a separator the name would be that of another file, which opening empties.
+  if (sAction.find_first_of("/\\") != std::string_view::npos) {
+    raise(errors::kInvalidCall, kInfo.word,
+          "\"" + std::string(sAction) + "\" is no action but a path");
+  }
   std::string name("Log");
   name.append(sAction).append("Tickets.txt");
   return logs_->open(DataSession().ReportPath(name));

@@ -289,7 +289,7 @@ class ClsTickets final : public TicketTable<OpensByWord> {
   // ---- Logs and text files, in the report folder
 
   /// Opens the log of an action, empty, and gives its number: the lowest that is free in this
-  /// object. Raises 75 for a file that cannot be written, 5 for an action that leaves the folder.
+  /// object. Raises 75 for a file that cannot be written, 5 for an action that is a path.
   std::int16_t OpenLog(std::string_view sAction);
   /// Closes a log, one that is not open as well. The object closes its logs when it ends.
   void CloseLog(std::int16_t iNum);

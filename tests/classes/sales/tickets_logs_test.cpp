@@ -63,6 +63,17 @@ TEST_F(TicketLogTest, AFileThatCannotBeWrittenIsRefused) {
   EXPECT_EQ(errorOf([&] { tickets.OpenLog("/../../../x"); }), errors::kInvalidCall);
 }
 
+// The name would be that of another file of the folder, and opening empties it.
+TEST_F(TicketLogTest, AnActionThatIsAPathIsRefusedAndNothingIsEmptied) {
+  const std::string drawing = tickets.GetTxtFileDraw();
+  std::ofstream(drawing) << "kept";
+  for (const char* action : {"/../dw", "\\..\\dw", "a/b", "a\\b", "/"}) {
+    EXPECT_EQ(errorOf([&] { tickets.OpenLog(action); }), errors::kInvalidCall) << action;
+  }
+  EXPECT_EQ(bytesOf(drawing), "kept");
+  EXPECT_FALSE(std::filesystem::exists(shop.installation().reportFolder() + "/Loga"));
+}
+
 TEST_F(TicketLogTest, LogsLeftOpenAreClosedWithTheObject) {
   const auto openFiles = [] {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
