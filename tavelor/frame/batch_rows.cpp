@@ -11,6 +11,15 @@ namespace tavelor {
 
 namespace {
 
+// The rows in the order of the set, those that its filter hides too: a batch is numbered whole, and
+// a row that leaves the view by its new key is found all the same. Changes are shared.
+RecordsetPtr allRows(Recordset& rows) {
+  rows.Update();
+  RecordsetPtr all = rows.Clone();
+  all->Sort(rows.Sort());
+  return all;
+}
+
 // A key that is written may move its row in the order of the view, so they are all found first.
 template <typename Wanted>
 std::vector<Variant> placesOf(Recordset& rows, Wanted wanted) {
@@ -26,14 +35,16 @@ bool isUnstored(Recordset& rows) {
   return !key.isEmpty() && number(key) == kUnstoredId;
 }
 
-void numberRows(Recordset& rows, const std::vector<Variant>& places, const Variant& next,
-                const Variant& vId, std::string_view codeColumn) {
+template <typename Wanted>
+void numberRows(Recordset& rows, Wanted wanted, const Variant& next, const Variant& vId,
+                std::string_view codeColumn) {
+  const RecordsetPtr all = allRows(rows);
   double id = number(next);
-  for (const Variant& place : places) {
-    rows.Bookmark(place);
-    rows.Field(codeColumn).Value(vId);
-    rows.Field("ID").Value(id);
-    rows.Update();
+  for (const Variant& place : placesOf(*all, wanted)) {
+    all->Bookmark(place);
+    all->Field(codeColumn).Value(vId);
+    all->Field("ID").Value(id);
+    all->Update();
     ++id;
   }
 }
@@ -42,13 +53,15 @@ void numberRows(Recordset& rows, const std::vector<Variant>& places, const Varia
 
 void numberNewRows(Recordset& rows, const Variant& next, const Variant& vId,
                    std::string_view codeColumn) {
-  numberRows(rows, placesOf(rows, isUnstored), next, vId, codeColumn);
-  rows.MoveFirst();
+  numberRows(rows, isUnstored, next, vId, codeColumn);
+  if (rows.RecordCount() > 0) rows.MoveFirst();
 }
 
 void numberAllRows(Recordset& rows, const Variant& next, const Variant& vId,
                    std::string_view codeColumn) {
-  numberRows(rows, placesOf(rows, [](Recordset&) { return true; }), next, vId, codeColumn);
+  numberRows(
+      rows, [](Recordset&) { return true; }, next, vId, codeColumn);
+  if (rows.RecordCount() == 0) return;  // the filter let the last row go when it was posted
   rows.MoveLast();
   rows.MoveNext();
 }

@@ -13,15 +13,14 @@ class Variant;
 /// What stands in the key column of a row that was added and not stored yet.
 inline constexpr std::int32_t kUnstoredId = -1;
 
-/// Gives the rows whose ID is kUnstoredId the code `vId` and their keys, consecutive from `next`
-/// on, and posts them; they stay pending. The set must have rows, and stands on the first one
-/// afterwards. After an error the rows before the failing one have their keys.
+/// Gives the rows whose ID is kUnstoredId, those hidden by a filter included, the code `vId` and
+/// their keys, consecutive from `next` on in the order of the set, and posts them; they stay
+/// pending. The set stands on its first row afterwards. After an error the rows before the failing
+/// one have their keys.
 void numberNewRows(Recordset& rows, const Variant& next, const Variant& vId,
                    std::string_view codeColumn = "Código");
 
-/// Gives all rows the code `vId` and keys, consecutive from `next` on, and posts them; they stay
-/// pending, and the set stands at EOF. The set must have rows. After an error the rows before the
-/// failing one have their keys.
+/// The same with all rows; the set stands at EOF afterwards.
 void numberAllRows(Recordset& rows, const Variant& next, const Variant& vId,
                    std::string_view codeColumn = "Código");
 

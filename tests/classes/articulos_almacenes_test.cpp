@@ -341,6 +341,27 @@ TEST_F(WarehouseGridTest, UpdateIdGivesNewRowsConsecutiveKeysFromOneRead) {
   EXPECT_EQ(shop.text("SELECT Count(*) FROM Articulos_Almacenes WHERE Codigo = 'A100'"), "3");
 }
 
+TEST_F(WarehouseGridTest, UpdateIdGivesKeysToTheNewRowsThatAFilterHidesToo) {
+  row("7", "A100", "01", "1");
+  open();
+  add("02", 2);
+  add("03", 3);
+  const RecordsetPtr rows = warehouses.DataMember("Primary");
+  rows->Filter("ID = -1");
+  ASSERT_EQ(rows->RecordCount(), 2);
+  warehouses.UpdateId("A100");
+  rows->Filter("ID = 7");
+  add("04", 4);
+  rows->Filter("ID = 7");
+  warehouses.UpdateId("A100");
+  EXPECT_EQ(warehouses.AbsolutePosition(), 1);
+  EXPECT_EQ(rows->Filter(), "ID = 7");
+  rows->Filter("");
+  warehouses.Update();
+  EXPECT_EQ(shop.text("SELECT Almacen FROM Articulos_Almacenes WHERE Id = 9"), "03");
+  EXPECT_EQ(shop.text("SELECT Count(*) FROM Articulos_Almacenes WHERE Id = -1"), "0");
+}
+
 TEST_F(WarehouseGridTest, UpdateIdLeavesRowsThatAreStoredAlone) {
   row("7", "A100", "01", "1");
   open();

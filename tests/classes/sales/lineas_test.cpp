@@ -184,6 +184,27 @@ TEST_F(ClsTicketsLineasTest, UpdateIdCountsFromTheTablesGreatestKey) {
   EXPECT_EQ(column("Codigo", 43), "A3");
 }
 
+// The batch is the whole record set: what a filter hides is sold too, and a line whose new key the
+// filter does not let through must not stop the numbering.
+TEST_F(ClsTicketsLineasTest, UpdateIdNumbersTheWholeBatchUnderAFilter) {
+  lines.IniciaRs({}, "ninguno");
+  for (const char* code : {"A1", "B2", "A3"}) addNew(code);
+  rows().Field("ID").Value(-1);
+  rows().Filter("Código Like 'A*'");
+  lines.UpdateId(std::int32_t{7});
+  EXPECT_TRUE(rows().Eof());
+  EXPECT_EQ(rows().Filter(), "Código Like 'A*'");
+
+  rows().Filter("ID = 2");
+  EXPECT_EQ(field("Código"), "B2");
+  lines.UpdateId(std::int32_t{8});
+  EXPECT_TRUE(rows().Eof());
+  rows().Filter("");
+  lines.Update();
+  for (const int id : {1, 2, 3}) EXPECT_EQ(column("Numero", id), "8") << id;
+  EXPECT_EQ(column("Codigo", 2), "B2");
+}
+
 TEST_F(ClsTicketsLineasTest, UpdateIdOfTheFirstLinesStartsAtOne) {
   lines.IniciaRs({}, "ninguno");
   addNew("A1");
