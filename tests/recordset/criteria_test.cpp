@@ -124,7 +124,6 @@ TEST_F(Criteria, NullComparesWithEqualAndNotEqualOnly) {
   EXPECT_THAT(ids("Texto <> NULL"), ElementsAre("1", "2", "3"));
   EXPECT_EQ(number("Texto < Null"), 3001);
   EXPECT_EQ(number("Texto LIKE Null"), 3001);
-  EXPECT_EQ(number("Texto Is Null"), 3265);  // a field called "Texto Is Null"
 }
 
 TEST_F(Criteria, ANullFieldFitsNoOtherComparison) {
@@ -191,6 +190,43 @@ TEST_F(Criteria, NamesAreFoundWithoutRegardToCaseWithBracketsOrBlanks) {
   EXPECT_THAT(ids("Forma Pago Like 'giro*'"), ElementsAre("2"));
   EXPECT_THAT(ids("código = 'A1'"), ElementsAre("1"));
   EXPECT_THAT(ids("CÓDIGO = 'A1'"), ElementsAre("1"));
+}
+
+TEST_F(Criteria, WordsOfStatementsThatCriteriaHaveNotAreRefusedByName) {
+  for (const std::string_view text :
+       {"Not Id = 1", "NOT (Id = 1)", "Id = 2 AND not Id = 1", "Id In (1, 2)", "Id not in (1)",
+        "Id Between 1 And 2", "[Id] Between 1 And 2", "Texto Is Null", "Texto Is Not Null",
+        "Texto Not Like 'a*'", "Forma Pago In ('x')", "Nada In (1)"}) {
+    EXPECT_EQ(number(text), 3001) << text;
+    EXPECT_EQ(raisedBy([&] { set.Find(text); }), 3001) << text;
+  }
+  EXPECT_THAT(sentenceOf([&] { set.Filter("Id = 2 AND Id in (1)"); }),
+              HasSubstr("criteria have no IN"));
+  EXPECT_THAT(sentenceOf([&] { set.Filter("Id = 2 AND Id in (1)"); }),
+              HasSubstr("at character 15 of: "));
+  EXPECT_EQ(number("Nada = 1"), 3265);
+  EXPECT_EQ(number("Is Bueno = 1"), 3265);
+}
+
+TEST_F(Criteria, AFieldMayBeCalledByOneOfThoseWords) {
+  Recordset named;
+  named.Fields().Append("Not", DataType::kInt32);
+  named.Fields().Append("Pago In", DataType::kInt32);
+  named.Open();
+  named.AddNew({0, 1}, {1, 2});
+  named.Filter("Not = 1 AND Pago In = 2");
+  EXPECT_EQ(named.RecordCount(), 1);
+}
+
+TEST_F(Criteria, TheEmptyTextFitsNoNumberDateOrFlag) {
+  for (const std::string_view field : {"Id", "Precio", "Fecha", "Activo", "Peso", "Ratio"}) {
+    for (const std::string_view op : {"=", "<>", "<", ">="}) {
+      const std::string text = std::string(field) + " " + std::string(op) + " ''";
+      EXPECT_THAT(ids(text), IsEmpty()) << text;
+    }
+    EXPECT_THAT(ids(std::string(field) + " = '' OR Id = 2"), ElementsAre("2"));
+  }
+  EXPECT_EQ(number("Id = ' '"), errors::kCriteriaTypeMismatch);
 }
 
 TEST_F(Criteria, FaultsNameTheirPlaceInCharacters) {

@@ -51,6 +51,8 @@ bool holds(const Clause& clause, const RecordsetStore& store, const Cells& cells
       return clause.pattern->matches(cells.text(row, column));
     case Test::kLikePrinted:
       return clause.pattern->matches(store.value(row, column).toText(store.locale()));
+    case Test::kNothing:
+      return false;
     case Test::kIsNull:
     case Test::kIsNotNull:
       break;

@@ -32,7 +32,8 @@ enum class Test : std::uint8_t {
   kLikeText,        ///< the cell's text against a pattern
   kLikePrinted,     ///< the value as it prints against a pattern
   kIsNull,
-  kIsNotNull
+  kIsNotNull,
+  kNothing  ///< fits no row
 };
 
 /// One comparison, and where to go on: an index of another one, or one of the ends.
@@ -72,12 +73,13 @@ class Program {
 
 /// Reads `field operator value`, joined by AND and OR (AND binds more tightly) and grouped by
 /// parentheses. Values: 'text' (a quote inside doubled), #date# month first, or #text# for a text
-/// field, a number with a decimal point, True, False, Null. Like ignores case; in its pattern `*`
-/// and
-/// `%` stand for any run of characters and everything else for itself.
+/// field, a number with a decimal point, True, False, Null. Any number but 0 is True. A number, a
+/// date or a flag compares with the empty text as with a Null: no row fits. Like ignores case; in
+/// its pattern `*` and `%` stand for any run of characters and everything else for itself.
 ///
-/// Errors: 3001 with the place of the fault, 3265 for an unknown field, -2147217913 for a value
-/// that does not compare with the field.
+/// Errors: 3001 with the place of the fault, also for NOT, IN, BETWEEN and IS, which criteria do
+/// not have; 3265 for an unknown field, -2147217913 for a value that does not compare with the
+/// field.
 std::unique_ptr<Program> parse(std::string_view text, const RecordsetSchema& schema,
                                const Locale& locale);
 /// The same for Find: a single comparison, else 3001.

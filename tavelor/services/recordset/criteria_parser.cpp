@@ -65,6 +65,11 @@ class Typing {
   Typing(const OutputColumn& column, const Locale& locale) : column_(column), locale_(locale) {}
 
   void apply(Clause& clause, const Literal& literal) const {
+    const bool holdsText = engine::isText(column_.type) || column_.type == ColumnType::kBinary;
+    if (!holdsText && isNothing(literal)) {
+      clause.test = Test::kNothing;
+      return;
+    }
     switch (column_.type) {
       case ColumnType::kText:
       case ColumnType::kMemo:
@@ -81,6 +86,11 @@ class Typing {
   }
 
  private:
+  /// As in statements: what is no text holds no empty one, and nothing compares with it.
+  static bool isNothing(const Literal& literal) {
+    return literal.kind == LiteralKind::kText && literal.text.empty();
+  }
+
   [[noreturn]] void mismatch(const Literal& literal) const {
     raise(errors::kCriteriaTypeMismatch, kSource,
           "Field '" + column_.name + "' does not compare with '" + literal.text + "'");
@@ -267,7 +277,26 @@ class Parser {
       end = at_;
     }
     if (end == begin) fail("expected a field name", begin);
-    return schema_.require(text_.substr(begin, end - begin), kSource);
+    const std::string_view name = text_.substr(begin, end - begin);
+    if (schema_.find(name) < 0) refuseForeignWords(begin, end);
+    return schema_.require(name, kSource);
+  }
+
+  /// Words that statements have and criteria have not, where they stood in a name: NOT before a
+  /// field, these and IN, BETWEEN and IS behind one.
+  void refuseForeignWords(std::size_t begin, std::size_t end) {
+    for (at_ = begin; at_ < end;) {
+      const std::string_view word = peekWord();
+      const bool behind = at_ > begin && (text::equalsIgnoreCase(word, "IN") ||
+                                          text::equalsIgnoreCase(word, "BETWEEN") ||
+                                          text::equalsIgnoreCase(word, "IS"));
+      if (behind || text::equalsIgnoreCase(word, "NOT")) {
+        fail("criteria have no " + text::upper(word) +
+                 "; write comparisons (=, <>, <, <=, >, >=, LIKE) joined by AND and OR,",
+             at_);
+      }
+      at_ += word.size();
+    }
   }
 
   Operator comparison() {
