@@ -196,6 +196,49 @@ TEST_F(FieldRules, GetChunkReadsOnAndGivesNullAtTheEnd) {
 TEST(FieldsAppend, RefusesWhatCannotBe) {
   Recordset set;
   set.Fields().Append("a", DataType::kInt32);
+TEST_F(FieldRules, PiecesMayBeginWithNothing) {
+  const auto set = openBanks();
+  for (const Variant& nothing : {Variant(Empty{}), Variant(Null{})}) {
+    set->Field("Codigo").Value();
+    set->Field("Nota").AppendChunk(nothing);
+    set->Field("Nota").AppendChunk("x");
+    set->Field("Nota").AppendChunk(nothing);
+    set->Field("Nota").AppendChunk("y");
+    EXPECT_EQ(set->Field("Nota").Value(), Variant("xy"));
+    set->Field("Logotipo").AppendChunk(nothing);
+    set->Field("Logotipo").AppendChunk(Bytes{std::byte{7}});
+    EXPECT_EQ(set->Field("Logotipo").Value(), Variant(Bytes{std::byte{7}}));
+  }
+}
+
+TEST_F(FieldRules, PiecesMayBeginWithNothingInANewRow) {
+  const auto set = openBanks();
+  set->AddNew();
+  set->Field("Nota").AppendChunk(Empty{});
+  set->Field("Nota").AppendChunk("x");
+  EXPECT_EQ(set->Field("Nota").Value(), Variant("x"));
+}
+
+TEST_F(FieldRules, APieceIsRefusedWhenAListenerTookTheValueAway) {
+  struct Taker final : RecordsetEvents {
+    void WillChangeField(std::span<const Field> /*fields*/, EventStatus& /*status*/,
+                         Recordset& set) override {
+      if (on && !inside) {
+        inside = true;
+        set.Field("Nota").Value(Null{});
+      }
+    }
+    bool on = false;
+    bool inside = false;
+  } taker;
+  const auto set = openBanks();
+  set->addListener(&taker);
+  set->Field("Nota").AppendChunk("uno");
+  taker.on = true;
+  EXPECT_EQ(raisedBy([&] { set->Field("Nota").AppendChunk("dos"); }), errors::kNotAllowedInContext);
+  set->removeListener(&taker);
+}
+
   EXPECT_EQ(raisedBy([&] { set.Fields().Append("A", DataType::kInt32); }), 3367);
   EXPECT_EQ(raisedBy([&] { set.Fields().Append("", DataType::kInt32); }), 3001);
   EXPECT_EQ(raisedBy([&] { set.Fields().Append("b", DataType::kInt64); }), 3001);
@@ -213,6 +256,26 @@ TEST(FieldsAppend, TypeAnswersTheNumberThatWasAsked) {
   EXPECT_EQ(set.Field("a").Type(), 200);
   EXPECT_EQ(set.Field("b").Type(), 131);
   EXPECT_EQ(set.Field("a").DefinedSize(), 5);
+}
+
+TEST_F(FieldRules, GetChunkOfAValueThatBecameShorterGivesNull) {
+  const auto set = openBanks();
+  set->Field("Nota").Value("año nuevo");
+  set->Field("Nota").GetChunk(6);
+  set->Field("Nota").Value("año");
+  EXPECT_TRUE(set->Field("Nota").GetChunk(5).isNull());
+  set->Field("Logotipo").Value(Bytes(9));
+  set->Field("Logotipo").GetChunk(6);
+  set->Field("Logotipo").Value(Bytes(2));
+  EXPECT_TRUE(set->Field("Logotipo").GetChunk(5).isNull());
+}
+
+TEST_F(FieldRules, GetChunkNeverBeginsWithinACharacter) {
+  const auto set = openBanks();
+  set->Field("Nota").Value("abc");
+  set->Field("Nota").GetChunk(1);
+  set->Field("Nota").Value("ñandú");
+  EXPECT_EQ(set->Field("Nota").GetChunk(3), Variant("and"));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "tavelor/platform/text.hpp"
+#include "tavelor/platform/utf8.hpp"
 #include "tavelor/services/recordset/field_types.hpp"
 #include "tavelor/services/recordset/recordset_internal.hpp"
 
@@ -215,11 +216,16 @@ void Recordset::touchField(std::size_t column) {
   if (readColumn_ != column) readColumn_ = kNoColumn;
 }
 
+/// What the draft holds for a field that takes pieces; null when that is nothing to append to.
+const Variant* Recordset::heldInDraft(std::size_t column) const {
+  const WrittenCell* cell = draft_ ? findCell(draft_->cells, column) : nullptr;
+  const bool holds = cell != nullptr && !cell->value.isNull() && !cell->value.isEmpty();
+  return holds ? &cell->value : nullptr;
+}
+
 void Recordset::appendChunk(std::size_t column, const Variant& data) {
   touchField(column);
-  const bool goesOn = appendColumn_ == column && draft_ != nullptr;
-  const WrittenCell* cell = goesOn ? findCell(draft_->cells, column) : nullptr;
-  if (cell == nullptr || cell->value.isNull()) {
+  if (appendColumn_ != column || heldInDraft(column) == nullptr) {
     assign(column, data);
     appendColumn_ = column;
     return;
@@ -228,14 +234,15 @@ void Recordset::appendChunk(std::size_t column, const Variant& data) {
   const Row row = readable();
   announced({.told = Told::kField, .reason = EventReason::kUpdate, .column = column}, [&] {
     requireStill(row);
-    const WrittenCell* again = draft_ ? findCell(draft_->cells, column) : nullptr;
-    if (again == nullptr) raise(errors::kNotAllowedInContext, kSource);
+    // A listener may have written something else into the field.
+    const Variant* held = heldInDraft(column);
+    if (held == nullptr) raise(errors::kNotAllowedInContext, kSource);
     // Appended where it lies: copying the value for each piece would cost the square of its length.
     if (const auto* more = piece.getIf<Bytes>()) {
-      auto& bytes = const_cast<Bytes&>(*again->value.getIf<Bytes>());
+      auto& bytes = const_cast<Bytes&>(*held->getIf<Bytes>());
       bytes.insert(bytes.end(), more->begin(), more->end());
     } else if (const auto* text = piece.getIf<std::string>()) {
-      const_cast<std::string&>(*again->value.getIf<std::string>()) += *text;
+      const_cast<std::string&>(*held->getIf<std::string>()) += *text;
     }
   });
 }
@@ -246,6 +253,7 @@ Variant Recordset::getChunk(std::size_t column, std::int32_t length) {
   if (readColumn_ != column) readAt_ = 0;
   readColumn_ = column;
   const auto count = static_cast<std::size_t>(length);
+  // The value may have become a shorter one since the last piece: there are no more then.
   if (const auto* bytes = value.getIf<Bytes>()) {
     if (readAt_ >= bytes->size()) return Null{};
     const auto first = bytes->begin() + static_cast<std::ptrdiff_t>(readAt_);
@@ -254,8 +262,12 @@ Variant Recordset::getChunk(std::size_t column, std::int32_t length) {
     return Bytes(first, first + static_cast<std::ptrdiff_t>(taken));
   }
   if (const auto* whole = value.getIf<std::string>()) {
-    const std::string_view piece = text::left(std::string_view(*whole).substr(readAt_), count);
+    // The place may lie within a character of another text.
+    while (readAt_ < whole->size() &&
+           utf8::isContinuation(static_cast<unsigned char>((*whole)[readAt_])))
+      ++readAt_;
     if (readAt_ >= whole->size()) return Null{};
+    const std::string_view piece = text::left(std::string_view(*whole).substr(readAt_), count);
     readAt_ += piece.size();
     return piece;
   }

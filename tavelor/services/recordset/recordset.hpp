@@ -304,6 +304,7 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   bool listens(const RecordsetEvents* listener) const;
   bool heard(Told told) const;
   template <typename Work>
+  const Variant* heldInDraft(std::size_t column) const;
   void announced(const Notice& notice, Work&& work);
   void tellWill(const Notice& notice);
   void tellComplete(const Notice& notice, const Error* error);
