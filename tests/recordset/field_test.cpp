@@ -118,6 +118,28 @@ TEST_F(FieldRules, RefuseATextThatIsTooLongInCharacters) {
   EXPECT_EQ(textAt(*set, "Codigo"), "ññññññññññ");
 }
 
+TEST_F(FieldRules, RefuseTheEmptyTextWhereTheyHoldNone) {
+  const auto set = openBanks();
+  for (const char* name : {"Saldo", "Alta", "Activo", "Plazos", "Peso", "Ratio"}) {
+    const Variant before = set->Field(name).Value();
+    EXPECT_EQ(raisedBy([&] { set->Field(name).Value(""); }), errors::kWrongType) << name;
+    EXPECT_EQ(set->Field(name).Value(), before);
+  }
+}
+
+// A statement refuses such a text, so nothing could ever find it again.
+TEST_F(FieldRules, RefuseACharacterOfCodeZero) {
+  const auto set = openBanks();
+  const std::string text("U\0no", 4);
+  for (const char* name : {"Descripcion", "Nota"}) {
+    EXPECT_EQ(raisedBy([&] { set->Field(name).Value(text); }), errors::kWrongType) << name;
+  }
+  EXPECT_EQ(raisedBy([&] { set->Field("Nota").AppendChunk(text); }), errors::kWrongType);
+  EXPECT_EQ(raisedBy([&] { set->AddNew({"Codigo"}, {text}); }), errors::kWrongType);
+  set->Field("Logotipo").Value(Bytes(2));
+  EXPECT_EQ(textAt(*set, "Descripcion"), "Uno");
+}
+
 TEST_F(FieldRules, RefuseANumberOutOfRange) {
   const auto set = openBanks();
   EXPECT_EQ(raisedBy([&] { set->Field("Plazos").Value(40'000); }), errors::kMultipleStep);
@@ -174,28 +196,6 @@ TEST_F(FieldRules, TouchingAnotherFieldBeginsThePiecesAnew) {
   EXPECT_EQ(textAt(*set, "Nota"), "tres");
 }
 
-TEST_F(FieldRules, PiecesAreForMemoAndBinaryOnly) {
-  const auto set = openBanks();
-  EXPECT_EQ(raisedBy([&] { set->Field("Codigo").AppendChunk("x"); }), 3219);
-  EXPECT_EQ(raisedBy([&] { set->Field("Codigo").GetChunk(1); }), 3219);
-}
-
-TEST_F(FieldRules, GetChunkReadsOnAndGivesNullAtTheEnd) {
-  const auto set = openBanks();
-  set->Field("Nota").Value("año nuevo");
-  set->Update();
-  EXPECT_EQ(set->Field("Nota").GetChunk(3), Variant("año"));
-  EXPECT_EQ(set->Field("Nota").GetChunk(100), Variant(" nuevo"));
-  EXPECT_TRUE(set->Field("Nota").GetChunk(1).isNull());
-  set->Field("Codigo").Value();
-  EXPECT_EQ(set->Field("Nota").GetChunk(1), Variant("a"));
-}
-
-// ---- Appending
-
-TEST(FieldsAppend, RefusesWhatCannotBe) {
-  Recordset set;
-  set.Fields().Append("a", DataType::kInt32);
 TEST_F(FieldRules, PiecesMayBeginWithNothing) {
   const auto set = openBanks();
   for (const Variant& nothing : {Variant(Empty{}), Variant(Null{})}) {
@@ -239,24 +239,24 @@ TEST_F(FieldRules, APieceIsRefusedWhenAListenerTookTheValueAway) {
   set->removeListener(&taker);
 }
 
-  EXPECT_EQ(raisedBy([&] { set.Fields().Append("A", DataType::kInt32); }), 3367);
-  EXPECT_EQ(raisedBy([&] { set.Fields().Append("", DataType::kInt32); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set.Fields().Append("b", DataType::kInt64); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set.Fields().Append("b", static_cast<DataType>(9999)); }), 3001);
-  EXPECT_EQ(set.Fields().Count(), 1);
-  set.Open();
-  EXPECT_EQ(raisedBy([&] { set.Fields().Append("b", DataType::kInt32); }), 3705);
+TEST_F(FieldRules, PiecesAreForMemoAndBinaryOnly) {
+  const auto set = openBanks();
+  EXPECT_EQ(raisedBy([&] { set->Field("Codigo").AppendChunk("x"); }), 3219);
+  EXPECT_EQ(raisedBy([&] { set->Field("Codigo").GetChunk(1); }), 3219);
 }
 
-TEST(FieldsAppend, TypeAnswersTheNumberThatWasAsked) {
-  Recordset set;
-  set.Fields().Append("a", DataType::kVarChar, 5);
-  set.Fields().Append("b", DataType::kNumeric);
-  set.Open();
-  EXPECT_EQ(set.Field("a").Type(), 200);
-  EXPECT_EQ(set.Field("b").Type(), 131);
-  EXPECT_EQ(set.Field("a").DefinedSize(), 5);
+TEST_F(FieldRules, GetChunkReadsOnAndGivesNullAtTheEnd) {
+  const auto set = openBanks();
+  set->Field("Nota").Value("año nuevo");
+  set->Update();
+  EXPECT_EQ(set->Field("Nota").GetChunk(3), Variant("año"));
+  EXPECT_EQ(set->Field("Nota").GetChunk(100), Variant(" nuevo"));
+  EXPECT_TRUE(set->Field("Nota").GetChunk(1).isNull());
+  set->Field("Codigo").Value();
+  EXPECT_EQ(set->Field("Nota").GetChunk(1), Variant("a"));
 }
+
+// ---- Appending
 
 TEST_F(FieldRules, GetChunkOfAValueThatBecameShorterGivesNull) {
   const auto set = openBanks();
@@ -276,6 +276,28 @@ TEST_F(FieldRules, GetChunkNeverBeginsWithinACharacter) {
   set->Field("Nota").GetChunk(1);
   set->Field("Nota").Value("ñandú");
   EXPECT_EQ(set->Field("Nota").GetChunk(3), Variant("and"));
+}
+
+TEST(FieldsAppend, RefusesWhatCannotBe) {
+  Recordset set;
+  set.Fields().Append("a", DataType::kInt32);
+  EXPECT_EQ(raisedBy([&] { set.Fields().Append("A", DataType::kInt32); }), 3367);
+  EXPECT_EQ(raisedBy([&] { set.Fields().Append("", DataType::kInt32); }), 3001);
+  EXPECT_EQ(raisedBy([&] { set.Fields().Append("b", DataType::kInt64); }), 3001);
+  EXPECT_EQ(raisedBy([&] { set.Fields().Append("b", static_cast<DataType>(9999)); }), 3001);
+  EXPECT_EQ(set.Fields().Count(), 1);
+  set.Open();
+  EXPECT_EQ(raisedBy([&] { set.Fields().Append("b", DataType::kInt32); }), 3705);
+}
+
+TEST(FieldsAppend, TypeAnswersTheNumberThatWasAsked) {
+  Recordset set;
+  set.Fields().Append("a", DataType::kVarChar, 5);
+  set.Fields().Append("b", DataType::kNumeric);
+  set.Open();
+  EXPECT_EQ(set.Field("a").Type(), 200);
+  EXPECT_EQ(set.Field("b").Type(), 131);
+  EXPECT_EQ(set.Field("a").DefinedSize(), 5);
 }
 
 }  // namespace

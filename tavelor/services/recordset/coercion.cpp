@@ -66,6 +66,11 @@ Variant toText(const Variant& value, const OutputColumn& column, const Locale& l
   if (!text::isValidUtf8(result)) {
     raise(errors::kWrongType, kSource, "Field '" + column.name + "': the text is no valid UTF-8");
   }
+  // No statement can name such a text, and most programs would read its beginning only.
+  if (result.find('\0') != std::string::npos) {
+    raise(errors::kWrongType, kSource,
+          "Field '" + column.name + "': the text has a character of code 0");
+  }
   if (column.type == ColumnType::kText && column.definedSize > 0) {
     const auto size = static_cast<std::size_t>(column.definedSize);
     if (result.size() > size && text::length(result) > size) {

@@ -43,9 +43,10 @@ class Field final {
   /// connection's locale; money rounds to four decimals, whole numbers halves to even.
   ///
   /// Empty puts a field of a new row back to unwritten, so that the table's default applies, and is
-  /// Null elsewhere. Errors: 3421 for a value that is not of the type, -2147217887 for a text that
-  /// is too long or a number out of range, 3251 in a read-only clone. The field keeps its value
-  /// then.
+  /// Null elsewhere. Errors: 3421 for a value that is not of the type, the empty text included
+  /// where the field holds none, and for a text with a character of code 0; -2147217887 for a text
+  /// that is too long or a number out of range, 3251 in a read-only clone. The field keeps its
+  /// value then.
   void Value(const Variant& value);
 
   /// The value as it was read from the database, before any edit; Null in a new row. Can be read in
