@@ -506,11 +506,53 @@ TEST_F(Batch, AnOptimisticSetWritesEachUpdateAndDeleteAtOnce) {
   EXPECT_EQ(raisedBy([&] { set.LockType(LockType::kBatchOptimistic); }), 3705);
 }
 
-TEST_F(Batch, AnImmediateUpdateThatFailsStaysPendingUntilItIsCancelled) {
+TEST_F(Batch, AnImmediateUpdateThatFailsStaysInEditUntilItIsMendedOrCancelled) {
   Recordset set;
   set.LockType(LockType::kOptimistic);
   set.Open(Statement("SELECT * FROM Bancos ORDER BY Codigo"), connection);
+  set.Sort("Codigo");
+  for (const char* attempt : {"first", "again"}) {
+    set.Field("Codigo").Value("002");
+    EXPECT_EQ(raisedBy([&] { set.Update(); }), errors::kIntegrityViolation) << attempt;
+    EXPECT_EQ(set.EditMode(), EditMode::kInProgress) << attempt;
+    EXPECT_EQ(textAt(set, "Codigo"), "002") << attempt;
+  EXPECT_EQ(textAt(set, "Codigo"), "009");
+  EXPECT_FALSE(set.hasUnwrittenChanges());
+}
+
+TEST_F(Batch, AnImmediateNewRowThatFailsStaysInAddMode) {
+  Recordset set;
+  set.LockType(LockType::kOptimistic);
+  set.Open(Statement("SELECT * FROM Bancos ORDER BY Codigo"), connection);
+  set.AddNew();
   set.Field("Codigo").Value("002");
+  EXPECT_EQ(raisedBy([&] { set.Update(); }), errors::kIntegrityViolation);
+  EXPECT_EQ(set.EditMode(), EditMode::kAdd);
+  EXPECT_EQ(set.Clone()->RecordCount(), 3) << "seen by this set only";
+  set.Field("Codigo").Value("004");
+  set.Update();
+  EXPECT_EQ(scalar("SELECT COUNT(*) FROM Bancos"), "4");
+  EXPECT_EQ(set.RecordCount(), 4);
+  EXPECT_EQ(set.Clone()->RecordCount(), 4);
+}
+
+TEST_F(Batch, AnImmediateNewRowWithValuesThatIsRefusedIsNotThere) {
+  Recordset set;
+  set.LockType(LockType::kOptimistic);
+  set.Open(Statement("SELECT * FROM Bancos ORDER BY Codigo"), connection);
+  EXPECT_EQ(raisedBy([&] { set.AddNew({"Codigo"}, {"002"}); }), errors::kIntegrityViolation);
+  EXPECT_EQ(set.RecordCount(), 3);
+  EXPECT_EQ(set.EditMode(), EditMode::kNone);
+  }
+  EXPECT_FALSE(set.hasUnwrittenChanges());
+  EXPECT_EQ(raisedBy([&] { set.MoveNext(); }), errors::kIntegrityViolation);
+  EXPECT_EQ(set.AbsolutePosition(), 1);
+  set.Field("Codigo").Value("009");
+  set.Update();
+  EXPECT_EQ(set.EditMode(), EditMode::kNone);
+  EXPECT_EQ(description("009"), "Uno");
+
+  set.Field("Codigo").Value("003");
   EXPECT_EQ(raisedBy([&] { set.Update(); }), errors::kIntegrityViolation);
   set.CancelUpdate();
   EXPECT_EQ(textAt(set, "Codigo"), "001");

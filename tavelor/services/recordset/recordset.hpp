@@ -132,16 +132,19 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   const std::string& Sort() const;
   /// "field [ASC|DESC], ...": by number, date, or character code of text; Null first, last in DESC;
   /// equal rows keep their order; "" is the order of the statement. The cursor goes to the first
-  /// row. Raises 3265 for an unknown field, 3001 for other words; the old order stays.
+  /// row. A field named again decides nothing. Raises 3265 for an unknown field, 3001 for other
+  /// words; the old order stays.
   void Sort(std::string_view order);
 
   // ---- Edit
 
   /// Adds a row and makes it current. A row in edit is posted first.
   void AddNew();
-  /// Adds and posts a row. Names or positions and as many values. After an error no row is added.
+  /// Adds and posts a row. Names or positions and as many values. After an error no row is added,
+  /// whether a value is refused or, where rows are written at once, the row.
   void AddNew(const std::vector<Variant>& fields, const std::vector<Variant>& values);
-  /// Posts the row in edit to the pending changes; nothing without one.
+  /// Posts the row in edit to the pending changes; nothing without one. Where rows are written at
+  /// once, an error leaves the row in edit: mend it and post again, or CancelUpdate.
   void Update();
   void Update(const std::vector<Variant>& fields, const std::vector<Variant>& values);
   /// Takes the current row back: what is in edit; without that, the row's pending changes, an added
@@ -174,6 +177,8 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   /// Writes rows (those of a filter text), fields and pending changes as XML, first to a temporary
   /// file beside it: after an error the old file is as it was. The cursor goes to the first row.
   void Save(const std::string& path);
+  /// Whether a row is in edit here, or any row, also of a clone, has changes that are not written.
+  bool hasUnwrittenChanges() const;
   std::string SaveXml();
   /// Opens a set from what Save wrote. Raises 53 for a missing file, 75 for one that cannot be
   /// read, 3001 with the place for a text that is no record set. `locale`: by which later
@@ -286,7 +291,9 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   std::vector<std::size_t> columnsOf(const std::vector<Variant>& fields,
                                      const std::vector<Variant>& values);
   void deleteRow(Row row);
+  void postAtOnce();
   bool inScope(Row row, Affect affect) const;
+  void takeBackDraft(std::unique_ptr<Draft> draft);
   std::vector<Row> pendingRows(Affect affect) const;
   EventReason undoReason(Row row) const;
   void undo(Row row);
@@ -297,6 +304,7 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
 
   // recordset_batch.cpp
   void write(const std::vector<Row>& rows);
+  const Variant* heldInDraft(std::size_t column) const;
   void acceptWritten(const std::vector<Row>& rows);
 
   // recordset_events.cpp
@@ -304,7 +312,6 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   bool listens(const RecordsetEvents* listener) const;
   bool heard(Told told) const;
   template <typename Work>
-  const Variant* heldInDraft(std::size_t column) const;
   void announced(const Notice& notice, Work&& work);
   void tellWill(const Notice& notice);
   void tellComplete(const Notice& notice, const Error* error);

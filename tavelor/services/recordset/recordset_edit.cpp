@@ -72,9 +72,38 @@ void Recordset::post() {
     opened();
     // A listener that posted the row itself left nothing to do.
     if (!draft_ || draft_->row != row) return;
-    mergeDraft();
-    if (lockType_ == tavelor::LockType::kOptimistic && !store_->detached) write({row});
+    if (lockType_ == tavelor::LockType::kOptimistic && !store_->detached) {
+      postAtOnce();
+    } else {
+      mergeDraft();
+    }
   });
+}
+
+/// The row is in the database afterwards, or still in edit.
+void Recordset::postAtOnce() {
+  auto kept = std::make_unique<Draft>(*draft_);
+  const Row row = draft_->row;
+  mergeDraft();
+  try {
+    write({row});
+  } catch (...) {
+    takeBackDraft(std::move(kept));
+    throw;
+  }
+}
+
+/// Undoes mergeDraft(): what the draft became is in edit again.
+void Recordset::takeBackDraft(std::unique_ptr<Draft> draft) {
+  const Row row = draft->row;
+  if (draft->adding) {
+    store_->dropEdit(row);
+    store_->setFlags(row, RecordsetStore::kDraft);
+    changedByMe();
+  } else {
+    undo(row);
+  }
+  draft_ = std::move(draft);
 }
 
 void Recordset::mergeDraft() {
@@ -394,6 +423,10 @@ tavelor::EditMode Recordset::EditMode() const {
   // There is no database that a row of a fabricated set could ever have reached.
   const bool added = store_->detached && edit && edit->operation == Operation::kInsert;
   return added ? tavelor::EditMode::kAdd : tavelor::EditMode::kNone;
+}
+
+bool Recordset::hasUnwrittenChanges() const {
+  return draft_ != nullptr || !opened().edits().empty();
 }
 
 std::int32_t Recordset::Status() const {
