@@ -110,6 +110,28 @@ TEST_F(LotsTest, SeleccionartloteTakesAPattern) {
   EXPECT_EQ(rows->Field("Descripción").Value(), Variant("Artículo A100"));
 }
 
+TEST_F(LotsTest, LotsThatAreShownWithTheirArticlesAreEditedAddedAndDeleted) {
+  lot("1", "A100", "L1", "5");
+  std::string mode = "seleccionartlote";
+  lots.IniciaRs(mode, "L*");
+  const RecordsetPtr rows = lots.DataMember("Primary");
+  rows->Field("Activo").Value(-1);
+  lots.Update();
+  EXPECT_EQ(lotOf("L1"), "5/-1");
+
+  rows->AddNew({"Código", "lote", "id"}, {"A100", "L2", 2});
+  lots.Update();
+  EXPECT_EQ(count(), "2");
+  rows->Field("Descripción").Value("otra");
+  EXPECT_EQ(errorOf([&] { lots.Update(); }), errors::kMultipleStep);
+  lots.Cancel();
+
+  lots.MoveFirst();
+  lots.Delete();
+  EXPECT_EQ(count(), "1");
+  EXPECT_EQ(shop.text("SELECT Count(*) FROM Articulos"), "1");
+}
+
 TEST_F(LotsTest, RequeryWithoutAWordReadsTodosAndRestoresTheOrder) {
   lot("1", "A100", "B", "1");
   lot("2", "A100", "A", "1");

@@ -377,6 +377,44 @@ TEST_F(LedgerTest, UpdateStateWritesTheCurrentRow) {
   EXPECT_EQ(column("Estado", 2), "4");
 }
 
+// The joined list is a record set like the plain one: what it shows of the movement is written to
+// the movement, and articles and warehouses stay as they are.
+TEST_F(LedgerTest, MovementsOfTheJoinedListAreEditedAddedAndDeleted) {
+  article("A100");
+  shop.run("INSERT INTO Almacenes (Codigo, Descripcion) VALUES ('01', 'Tienda')");
+  add({.state = 2});
+  add({.state = 2});
+  for (const char* word : {"vista rapida", "seleccion"}) {
+    std::string mode = word;
+    ledger.IniciaRs(mode, "A100");
+    ledger.UpdateState(word == std::string("seleccion") ? 5 : 4);
+  }
+  EXPECT_EQ(column("Estado", 1), "5");
+  EXPECT_EQ(column("Estado", 2), "2");
+
+  const RecordsetPtr rows = ledger.DataMember("Primary");
+  rows->Field("Cantidad").Value(9);
+  ledger.Update();
+  EXPECT_EQ(column("Cantidad", 1), "9");
+
+  ledger.AddNew();
+  rows->Field("Código").Value("A100");
+  rows->Field("Cantidad").Value(3);
+  ledger.Update();
+  EXPECT_EQ(column("Codigo", 3), "A100");
+  EXPECT_EQ(column("Fecha", 3), "05/03/2026");
+  EXPECT_EQ(column("Estado", 3), "0");
+
+  ledger.MoveFirst();
+  ledger.Delete();
+  EXPECT_EQ(count(), "2");
+  EXPECT_EQ(shop.text("SELECT Count(*) FROM Articulos"), "1");
+  EXPECT_EQ(shop.text("SELECT Count(*) FROM Almacenes"), "1");
+
+  rows->Field("Artículo").Value("Otro");
+  EXPECT_EQ(errorOf([&] { ledger.Update(); }), errors::kMultipleStep);
+}
+
 TEST_F(LedgerTest, CodigoLibreTellsWhetherAKeyIsFree) {
   add({});
   shop.statements();

@@ -60,6 +60,37 @@ TEST_F(ClsArticulosPreciosTest, SeleccionIsByArticleOrBySupplier) {
   EXPECT_THAT(codes(), ElementsAre("1", "2"));
 }
 
+TEST_F(ClsArticulosPreciosTest, PricesOfTheJoinedModesAreEditedAddedAndDeleted) {
+  shop.run("INSERT INTO Articulos (Codigo, Descripcion) VALUES ('A1', 'Tornillo')");
+  shop.run("INSERT INTO Proveedores (Codigo, Razon_Social) VALUES ('P1', 'Hierros')");
+  int last = 0;
+  for (const auto& [mode, id] :
+       {std::pair{"seleccionproveedor", "P1"}, std::pair{"seleccionarticulo", "A1"}}) {
+    add(++last, "A1", "P1");
+    open(mode, id);
+    rows().Field("Precio").Value("12,5");
+    prices.Update();
+    EXPECT_EQ(price(last), "12,5");
+
+    prices.AddNew(true);
+    rows().Field("Código").Value("A1");
+    rows().Field("Proveedor").Value("P1");
+    rows().Field("Precio").Value(7);
+    prices.Update();
+    EXPECT_EQ(price(++last), "7");
+
+    prices.MoveFirst();
+    prices.Delete();
+    EXPECT_EQ(shop.text("SELECT Max(Id) FROM Articulos_Precios_Compras"), std::to_string(last));
+    prices.Requery(mode);
+    EXPECT_EQ(field("Empresa"), "Hierros");
+    prices.Delete();
+    EXPECT_EQ(count(), "0");
+  }
+  EXPECT_EQ(shop.text("SELECT Count(*) FROM Articulos"), "1");
+  EXPECT_EQ(shop.text("SELECT Count(*) FROM Proveedores"), "1");
+}
+
 TEST_F(ClsArticulosPreciosTest, TheJoinedModesShowNamesAndDropPricesWithoutThem) {
   shop.run("INSERT INTO Articulos (Codigo, Descripcion) VALUES ('A1', 'Tornillo')");
   shop.run("INSERT INTO Proveedores (Codigo, Razon_Social) VALUES ('P1', 'Hierros')");

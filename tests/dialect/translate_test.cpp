@@ -45,7 +45,7 @@ TEST(Names, InBracketsMayHoldBlanksAndBangsSeparateToo) {
 TEST(Names, StandWithTheirTableWhereSeveralTablesAre) {
   EXPECT_EQ(
       sqlOf("SELECT Orden, Importe FROM Bancos AS b INNER JOIN Apuntes a ON b.Codigo=a.Banco"),
-      "SELECT b.Orden, a.Importe FROM Bancos AS b INNER JOIN Apuntes AS a "
+      "SELECT b.Orden, a.Importe, a.Id FROM Bancos AS b INNER JOIN Apuntes AS a "
       "ON b.Codigo = a.Banco");
   EXPECT_EQ(condition("Exists (SELECT Id FROM Apuntes WHERE Apuntes.Banco = Codigo)"),
             "EXISTS (SELECT Apuntes.Id FROM Apuntes WHERE Apuntes.Banco = Bancos.Codigo)");
@@ -273,9 +273,36 @@ TEST(Result, OfATableWithoutKeyCarriesThePlaceOfTheRow) {
   EXPECT_TRUE(plan.columns.back().hidden);
 }
 
-TEST(Result, CannotBeWrittenOverJoinsGroupsDistinctAndUnion) {
+TEST(Result, OfAJoinIsWrittenToTheTableFromWhichTheOthersAreLookedUp) {
+  for (const std::string_view join :
+       {"Apuntes INNER JOIN Bancos ON Apuntes.Banco = Bancos.Codigo",
+        "Bancos INNER JOIN Apuntes ON (Apuntes.Banco = Bancos.Codigo AND Importe > 0)",
+        "Apuntes LEFT JOIN Bancos ON Apuntes.Banco = Bancos.Codigo",
+        "Bancos INNER JOIN Apuntes ON Apuntes.Banco = Bancos.Codigo WHERE Apuntes.Id = 7"}) {
+    const Plan plan = planOf("SELECT Importe, Bancos.Saldo FROM " + std::string(join));
+    EXPECT_EQ(plan.updateTable, "Apuntes") << join;
+    ASSERT_EQ(plan.columns.size(), 3U) << join;
+    EXPECT_TRUE(plan.columns[0].updatable) << join;
+    EXPECT_FALSE(plan.columns[1].updatable) << "the key of Bancos is not there";
+    EXPECT_TRUE(plan.columns[2].hidden && plan.columns[2].updatable) << join;
+  }
+  EXPECT_EQ(planOf("SELECT Importe, Saldo FROM Apuntes, Bancos WHERE Apuntes.Banco = Bancos.Codigo")
+                .updateTable,
+            "Apuntes");
+  EXPECT_TRUE(planOf("SELECT Importe, Bancos.Codigo, Saldo FROM Apuntes INNER JOIN Bancos ON "
+                     "Apuntes.Banco = Bancos.Codigo")
+                  .columns[2]
+                  .updatable);
+}
+
+TEST(Result, CannotBeWrittenOverCrossJoinsGroupsDistinctAndUnion) {
   for (const std::string_view text :
-       {"SELECT Importe FROM Apuntes INNER JOIN Bancos ON Apuntes.Banco = Bancos.Codigo",
+       {"SELECT Importe FROM Apuntes, Bancos",
+        "SELECT Importe FROM Apuntes INNER JOIN Bancos ON Apuntes.Banco <> Bancos.Codigo",
+        "SELECT Importe FROM Apuntes INNER JOIN Bancos ON (Apuntes.Banco = Bancos.Codigo OR "
+        "Importe "
+        "= 0)",
+        "SELECT Importe FROM Bancos LEFT JOIN Apuntes ON Apuntes.Banco = Bancos.Codigo",
         "SELECT DISTINCT Banco FROM Apuntes", "SELECT Banco FROM Apuntes GROUP BY Banco",
         "SELECT Max(Id) FROM Apuntes", "SELECT Id FROM Apuntes UNION SELECT Id FROM HApuntes",
         "SELECT 1"}) {

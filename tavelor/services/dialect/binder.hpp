@@ -63,7 +63,8 @@ class Binder {
   void orderOfUnion(Select& first);
   void unionTypes(Select& first);
   void checkDistinctRow(Select& part);
-  void hideKeys(Select& select);
+  void hideKeys(Select& select, Source& rowSource);
+  void selectRows(Select& select, Plan& plan);
   void describeResult(const Select& select, Plan& plan);
 
   // The others.

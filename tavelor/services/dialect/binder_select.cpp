@@ -4,6 +4,7 @@
 
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/dialect/binder.hpp"
+#include "tavelor/services/dialect/row_source.hpp"
 #include "tavelor/services/dialect/rules.hpp"
 
 namespace tavelor::dialect {
@@ -19,11 +20,6 @@ bool isKeyColumn(const engine::Table& table, const engine::Column* column) {
     if (&table.columns[position] == column) return true;
   }
   return false;
-}
-
-bool isUpdatable(const Select& select) {
-  return select.sources != nullptr && select.sources->next == nullptr && !select.distinct &&
-         !select.grouped && select.unionNext == nullptr;
 }
 
 /// Stands for the place of a row in a table without a key. It is the engine's own name for it, so
@@ -281,13 +277,14 @@ void Binder::checkDistinctRow(Select& part) {
 }
 
 /// A record set finds its rows again by their key, or by their place where the table has none.
-void Binder::hideKeys(Select& select) {
-  Source& source = *select.sources;
+void Binder::hideKeys(Select& select, Source& source) {
   OutputItem** link = &select.items;
   while (*link != nullptr) link = &(*link)->next;
   const auto hide = [&](const engine::Column& key) {
     for (const OutputItem* item = select.items; item != nullptr; item = item->next) {
-      if (item->expr->kind == ExprKind::kColumn && item->expr->column == &key) return;
+      const Expr& shown = *item->expr;
+      if (shown.kind == ExprKind::kColumn && shown.source == &source && shown.column == &key)
+        return;
     }
     OutputItem* item = arena_.make<OutputItem>();
     Expr* expr = arena_.make<Expr>();
@@ -295,6 +292,7 @@ void Binder::hideKeys(Select& select) {
     expr->source = &source;
     expr->column = &key;
     expr->type = typeOf(key.type);
+    expr->qualified = select.sources->next != nullptr;
     item->expr = expr;
     item->name = key.name;
     item->hidden = true;
@@ -314,16 +312,22 @@ void Binder::describeResult(const Select& select, Plan& plan) {
   }
 }
 
+void Binder::selectRows(Select& select, Plan& plan) {
+  Source* const source = rowSource(select);
+  if (source != nullptr) {
+    hideKeys(select, *source);
+    plan.updateTable = source->base->name;
+  }
+  describeResult(select, plan);
+  markUpdatable(select, source, plan);
+}
+
 void Binder::bind(TreeStatement& tree, Plan& plan) {
   plan.kind = tree.kind;
   switch (tree.kind) {
     case StatementKind::kSelect:
       select(*tree.select, nullptr);
-      if (isUpdatable(*tree.select)) {
-        hideKeys(*tree.select);
-        plan.updateTable = tree.select->sources->base->name;
-      }
-      describeResult(*tree.select, plan);
+      selectRows(*tree.select, plan);
       break;
     case StatementKind::kInsert:
       insert(tree);

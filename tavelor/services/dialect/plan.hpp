@@ -53,14 +53,17 @@ struct OutputColumn {
   bool hidden = false;    ///< added for finding the row again; comes after all others
   std::string baseTable;  ///< "" for an expression
   std::string baseColumn;
+  /// A record set can write it: the key of the row of `baseTable` that it stands in is among the
+  /// columns.
+  bool updatable = false;
 };
 
 struct Plan {
   StatementKind kind = StatementKind::kSelect;
   std::vector<Step> steps;
   std::vector<OutputColumn> columns;  ///< of a SELECT
-  /// The table that a record set over this SELECT writes to, or "" when it cannot be written: more
-  /// than one table, DISTINCT, grouping, or a union.
+  /// The table that a record set over this SELECT adds rows to and deletes them from, or "" when
+  /// there is none: DISTINCT, grouping, a union, or a join of which no table has each row once.
   std::string updateTable;
 };
 

@@ -160,8 +160,8 @@ std::int32_t Field::Attributes() const {
   std::int32_t bits = 0;
   if (column.nullable) bits |= field_attribute::kIsNullable | field_attribute::kMayBeNull;
   if (isLong(column.type)) bits |= field_attribute::kLong;
-  const bool computed = set_->store_ && !set_->store_->detached && column.baseColumn.empty();
-  if (!computed) bits |= field_attribute::kUpdatable;
+  const bool isWritten = !set_->store_ || set_->store_->detached || column.updatable;
+  if (isWritten) bits |= field_attribute::kUpdatable;
   return bits;
 }
 

@@ -28,7 +28,8 @@ class Field final {
   const std::string& Name() const;
   /// The number of a DataType.
   std::int32_t Type() const;
-  /// Characters of a text, bytes of the other types; 0 where there is no limit.
+  /// Characters of a text, 255 where a statement computes one, 0 where a set without a database was
+  /// told none; 536870910 characters of a memo; bytes of the other types.
   std::int32_t DefinedSize() const;
   /// Characters or bytes of the current value; 0 for Null.
   std::int32_t ActualSize() const;

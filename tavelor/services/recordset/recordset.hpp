@@ -158,10 +158,16 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   /// columns, whose stored values (defaults, automatic numbers) come back into the row. Several
   /// rows are one transaction unless the connection is in one already.
   ///
+  /// Over a join, rows are added to and deleted from one table: the one of whose rows each stands
+  /// once in the result, every other table being looked up by its key. An UPDATE goes to the table
+  /// of each changed column, if that table's key is among the columns; a row is written to all of
+  /// them or to none. What was looked up is read anew by Requery only.
+  ///
   /// Errors: -2147217864 when a row was changed or deleted by somebody else: the other rows are
   /// written, that one stays pending and shows under FilterGroup::kConflicting. -2147467259 for a
   /// set that has no table to write to or a new row without a value, -2147217887 for a changed
-  /// column that is computed, and whatever the engine raises: then no row of this call is written,
+  /// column that is computed, or of a table that cannot be written to, and whatever the engine
+  /// raises: then no row of this call is written,
   /// all stay pending, the row shows under kConflicting and its Status() says why. 3709 without a
   /// connection; a set that never had one takes its changes as written. Rows written inside a
   /// transaction of the caller count as written even if the caller rolls back later.
@@ -171,14 +177,14 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   tavelor::EditMode EditMode() const;
   /// Bits of record_status for the current row.
   std::int32_t Status() const;
+  /// Whether a row is in edit here, or any row, also of a clone, has changes that are not written.
+  bool hasUnwrittenChanges() const;
 
   // ---- Persistence
 
   /// Writes rows (those of a filter text), fields and pending changes as XML, first to a temporary
   /// file beside it: after an error the old file is as it was. The cursor goes to the first row.
   void Save(const std::string& path);
-  /// Whether a row is in edit here, or any row, also of a clone, has changes that are not written.
-  bool hasUnwrittenChanges() const;
   std::string SaveXml();
   /// Opens a set from what Save wrote. Raises 53 for a missing file, 75 for one that cannot be
   /// read, 3001 with the place for a text that is no record set. `locale`: by which later
@@ -285,26 +291,26 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   void assign(std::size_t column, const Variant& value);
   void put(std::size_t column, Variant value);
   void post();
+  void postAtOnce();
   void mergeDraft();
+  void takeBackDraft(std::unique_ptr<Draft> draft);
   void addDraft();
   void dropDraft();
   std::vector<std::size_t> columnsOf(const std::vector<Variant>& fields,
                                      const std::vector<Variant>& values);
   void deleteRow(Row row);
-  void postAtOnce();
   bool inScope(Row row, Affect affect) const;
-  void takeBackDraft(std::unique_ptr<Draft> draft);
   std::vector<Row> pendingRows(Affect affect) const;
   EventReason undoReason(Row row) const;
   void undo(Row row);
   void undoAll(const std::vector<Row>& rows);
+  const Variant* heldInDraft(std::size_t column) const;
   void appendChunk(std::size_t column, const Variant& data);
   Variant getChunk(std::size_t column, std::int32_t length);
   void touchField(std::size_t column);
 
   // recordset_batch.cpp
   void write(const std::vector<Row>& rows);
-  const Variant* heldInDraft(std::size_t column) const;
   void acceptWritten(const std::vector<Row>& rows);
 
   // recordset_events.cpp

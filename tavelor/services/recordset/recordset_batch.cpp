@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Writing pending changes to the database.
+#include <algorithm>
+
 #include "tavelor/services/dialect/plan_cache.hpp"
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/recordset/connection_trace.hpp"
@@ -9,7 +11,8 @@ namespace tavelor {
 
 using Operation = RecordsetStore::Operation;
 
-/// Composes and runs one statement a row. Nothing of the store changes before all have run.
+/// Composes and runs the statement of each row, or of each table of it. Nothing of the store
+/// changes before all have run.
 class BatchWriter {
  public:
   using Row = RecordsetStore::Row;
@@ -28,13 +31,16 @@ class BatchWriter {
  private:
   void writeAll(const std::vector<Row>& rows);
   bool write(Row row, const RecordsetStore::Edit& edit);
-  std::int64_t update(Row row, const RecordsetStore::Edit& edit);
-  std::int64_t insert(const RecordsetStore::Edit& edit);
-  std::int64_t remove(Row row);
-  void appendKey(Row row);
+  bool update(Row row, const RecordsetStore::Edit& edit);
+  bool update(std::string_view table, Row row, const RecordsetStore::Edit& edit);
+  bool insert(const RecordsetStore::Edit& edit);
+  bool remove(Row row);
+  void begin(std::string_view verb, std::string_view table);
+  void appendKey(std::string_view table, Row row);
   void appendOriginal(Row row, std::size_t column);
   void appendName(std::string_view name);
   const dialect::OutputColumn& writable(std::size_t column) const;
+  void requireRowTable() const;
   std::int64_t execute(engine::RowStore* returned);
 
   RecordsetStore& store_;
@@ -50,11 +56,15 @@ class BatchWriter {
 
 namespace {
 
+bool isOf(const dialect::OutputColumn& column, std::string_view table) {
+  return column.updatable && column.baseTable == table;
+}
+
 /// Columns that an INSERT gives back: all that the table has.
 std::vector<std::size_t> columnsOfTable(const dialect::Plan& plan) {
   std::vector<std::size_t> columns;
   for (std::size_t i = 0; i < plan.columns.size(); ++i) {
-    if (!plan.columns[i].baseColumn.empty()) columns.push_back(i);
+    if (isOf(plan.columns[i], plan.updateTable)) columns.push_back(i);
   }
   return columns;
 }
@@ -97,9 +107,14 @@ BatchWriter::BatchWriter(RecordsetStore& store, Connection& connection)
       plan_(*store.schema().plan),
       returnedColumns_(columnsOfTable(plan_)),
       returned_(typesOf(plan_, returnedColumns_)) {
-  if (plan_.updateTable.empty()) {
-    raise(errors::kUnspecified, kRecordsetSource,
-          "The rows come from no single table with a key, so they cannot be written back");
+  const bool canWrite =
+      std::any_of(plan_.columns.begin(), plan_.columns.end(),
+                  [](const dialect::OutputColumn& column) { return column.updatable; });
+  if (!canWrite) {
+    raise(
+        errors::kUnspecified, kRecordsetSource,
+        "The rows are those of no table whose key is among the columns, so they cannot be written "
+        "back");
   }
 }
 
@@ -138,48 +153,68 @@ void BatchWriter::writeAll(const std::vector<Row>& rows) {
 }
 
 bool BatchWriter::write(Row row, const RecordsetStore::Edit& edit) {
-  sql_.clear();
-  values_.clear();
   switch (edit.operation) {
     case Operation::kInsert:
-      return insert(edit) > 0;
+      return insert(edit);
     case Operation::kDelete:
-      return remove(row) > 0;
+      return remove(row);
     case Operation::kUpdate:
       break;
   }
-  return update(row, edit) > 0;
+  return update(row, edit);
 }
 
-std::int64_t BatchWriter::update(Row row, const RecordsetStore::Edit& edit) {
-  sql_ += "UPDATE ";
-  appendName(plan_.updateTable);
+/// In each table that a changed column belongs to, or in none.
+bool BatchWriter::update(Row row, const RecordsetStore::Edit& edit) {
+  std::vector<std::string_view> tables;
+  for (const WrittenCell& cell : edit.cells) {
+    const std::string& table = writable(cell.column).baseTable;
+    if (std::find(tables.begin(), tables.end(), table) == tables.end()) tables.push_back(table);
+  }
+  if (tables.size() == 1) return update(tables.front(), row, edit);
+  engine::Transaction all(connection_.lease().session());
+  const bool found = std::all_of(tables.begin(), tables.end(),
+                                 [&](std::string_view table) { return update(table, row, edit); });
+  if (found) all.commit();
+  return found;
+}
+
+bool BatchWriter::update(std::string_view table, Row row, const RecordsetStore::Edit& edit) {
+  begin("UPDATE ", table);
   const char* separator = " SET ";
   for (const WrittenCell& cell : edit.cells) {
+    if (plan_.columns[cell.column].baseTable != table) continue;
     sql_ += separator;
-    appendName(writable(cell.column).baseColumn);
+    appendName(plan_.columns[cell.column].baseColumn);
     sql_ += "=?";
     values_.push_back(forEngine(cell.value));
     separator = ",";
   }
-  appendKey(row);
+  appendKey(table, row);
   for (const WrittenCell& cell : edit.cells) {
-    if (!plan_.columns[cell.column].key) appendOriginal(row, cell.column);
+    const dialect::OutputColumn& column = plan_.columns[cell.column];
+    if (column.baseTable == table && !column.key) appendOriginal(row, cell.column);
   }
-  return execute(nullptr);
+  return execute(nullptr) > 0;
 }
 
-std::int64_t BatchWriter::insert(const RecordsetStore::Edit& edit) {
+bool BatchWriter::insert(const RecordsetStore::Edit& edit) {
+  requireRowTable();
   if (edit.cells.empty()) {
     raise(errors::kUnspecified, kRecordsetSource,
           "Cannot insert an empty row - must have at least one column value set.");
   }
-  sql_ += "INSERT INTO ";
-  appendName(plan_.updateTable);
+  begin("INSERT INTO ", plan_.updateTable);
   const char* separator = " (";
   for (const WrittenCell& cell : edit.cells) {
+    const dialect::OutputColumn& column = writable(cell.column);
+    if (column.baseTable != plan_.updateTable) {
+      raise(errors::kMultipleStep, kRecordsetSource,
+            "Field '" + column.name + "' is one of " + column.baseTable +
+                ", and a new row is added to " + plan_.updateTable + " only");
+    }
     sql_ += separator;
-    appendName(writable(cell.column).baseColumn);
+    appendName(column.baseColumn);
     values_.push_back(forEngine(cell.value));
     separator = ",";
   }
@@ -193,20 +228,26 @@ std::int64_t BatchWriter::insert(const RecordsetStore::Edit& edit) {
   }
   const std::size_t before = returned_.rows();
   execute(&returned_);
-  return static_cast<std::int64_t>(returned_.rows() - before);
+  return returned_.rows() > before;
 }
 
-std::int64_t BatchWriter::remove(Row row) {
-  sql_ += "DELETE FROM ";
-  appendName(plan_.updateTable);
-  appendKey(row);
-  return execute(nullptr);
+bool BatchWriter::remove(Row row) {
+  requireRowTable();
+  begin("DELETE FROM ", plan_.updateTable);
+  appendKey(plan_.updateTable, row);
+  return execute(nullptr) > 0;
 }
 
-void BatchWriter::appendKey(Row row) {
+void BatchWriter::begin(std::string_view verb, std::string_view table) {
+  sql_ = verb;
+  values_.clear();
+  appendName(table);
+}
+
+void BatchWriter::appendKey(std::string_view table, Row row) {
   const char* separator = " WHERE ";
   for (std::size_t i = 0; i < plan_.columns.size(); ++i) {
-    if (!plan_.columns[i].key) continue;
+    if (!plan_.columns[i].key || !isOf(plan_.columns[i], table)) continue;
     sql_ += separator;
     appendName(plan_.columns[i].baseColumn);
     sql_ += "=?";
@@ -258,7 +299,18 @@ const dialect::OutputColumn& BatchWriter::writable(std::size_t column) const {
     raise(errors::kMultipleStep, kRecordsetSource,
           "Field '" + output.name + "' is computed by the statement and cannot be written");
   }
+  if (!output.updatable) {
+    raise(errors::kMultipleStep, kRecordsetSource,
+          "Field '" + output.name + "' is one of " + output.baseTable +
+              ", whose key is not among the columns, and cannot be written");
+  }
   return output;
+}
+
+void BatchWriter::requireRowTable() const {
+  if (!plan_.updateTable.empty()) return;
+  raise(errors::kUnspecified, kRecordsetSource,
+        "No table of the statement has each of the rows once, so none can be added or deleted");
 }
 
 std::int64_t BatchWriter::execute(engine::RowStore* returned) {

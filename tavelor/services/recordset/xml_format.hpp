@@ -7,8 +7,8 @@
 //                <rs:insert>, <rs:update> (<rs:original> and the changed values), <rs:delete>
 //
 // Names that are no XML names become c0, c1... with the real one in rs:name. A value changed to
-// Null stands in rs:forcenull. Files of our own carry the exact field type in tv:type, and write
-// characters that XML has not as _x0001_.
+// Null stands in rs:forcenull. Files of our own carry the exact field type in tv:type and the table
+// that rows are added to in tv:rowtable, and write characters that XML has not as _x0001_.
 #pragma once
 
 #include <optional>

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Reading a record set from XML, which may come from anywhere and be anything.
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <fstream>
 #include <pugixml.hpp>
+#include <set>
 #include <system_error>
 #include <unordered_map>
 
@@ -35,6 +37,7 @@ class XmlReader {
   }
 
   RecordsetSchema readSchema(const pugi::xml_node& elementType);
+  void markUpdatable(const pugi::xml_node& elementType, dialect::Plan& plan) const;
   void readField(const pugi::xml_node& node, dialect::Plan& plan,
                  std::vector<std::int32_t>& declared);
   DataType readType(const pugi::xml_node& node, const pugi::xml_node& datatype) const;
@@ -78,7 +81,9 @@ std::shared_ptr<RecordsetStore> XmlReader::read(const std::shared_ptr<const Loca
   const pugi::xml_node elementType = root.child("s:Schema").child("s:ElementType");
   if (!elementType) fail("there is no s:Schema with an s:ElementType", root);
   store_ = std::make_shared<RecordsetStore>(readSchema(elementType), locale);
-  store_->detached = store_->schema().plan->updateTable.empty();
+  store_->detached =
+      std::none_of(store_->columns().begin(), store_->columns().end(),
+                   [](const dialect::OutputColumn& column) { return column.updatable; });
   readRows(root.child("rs:data"));
   return store_;
 }
@@ -92,19 +97,28 @@ RecordsetSchema XmlReader::readSchema(const pugi::xml_node& elementType) {
     readField(node, *plan, schema.declared);
   }
   if (plan->columns.empty()) fail("there are no fields", elementType);
-  if (isTrue(elementType.attribute("rs:updatable"))) {
-    std::string table;
-    bool hasKey = false;
-    bool isOne = true;
-    for (const dialect::OutputColumn& column : plan->columns) {
-      if (column.baseColumn.empty()) continue;
-      if (table.empty()) table = column.baseTable;
-      isOne = isOne && table == column.baseTable;
-      hasKey = hasKey || column.key;
-    }
-    if (isOne && hasKey) plan->updateTable = table;
-  }
+  markUpdatable(elementType, *plan);
   return schema;
+}
+
+/// Other writers do not tell which columns can be written, nor which of several tables the rows are
+/// those of: columns can be whose table has a key among them, and rows are of the only table.
+void XmlReader::markUpdatable(const pugi::xml_node& elementType, dialect::Plan& plan) const {
+  const bool any = isTrue(elementType.attribute("rs:updatable"));
+  std::set<std::string_view> tables;
+  std::set<std::string_view> keyed;
+  for (dialect::OutputColumn& column : plan.columns) {
+    const bool isStored = !column.baseTable.empty() && !column.baseColumn.empty();
+    column.updatable = any && isStored && (!own_ || column.updatable);
+    if (isStored) tables.insert(column.baseTable);
+    if (column.updatable && column.key) keyed.insert(column.baseTable);
+  }
+  for (dialect::OutputColumn& column : plan.columns) {
+    column.updatable = column.updatable && keyed.contains(column.baseTable);
+  }
+  std::string_view rowTable = elementType.attribute("tv:rowtable").value();
+  if (rowTable.empty() && tables.size() == 1) rowTable = *tables.begin();
+  if (keyed.contains(rowTable)) plan.updateTable = rowTable;
 }
 
 void XmlReader::readField(const pugi::xml_node& node, dialect::Plan& plan,
@@ -135,6 +149,7 @@ void XmlReader::readField(const pugi::xml_node& node, dialect::Plan& plan,
       isTrue(node.attribute("rs:nullable")) || isTrue(datatype.attribute("rs:maybenull"));
   column.baseTable = node.attribute("rs:basetable").value();
   column.baseColumn = node.attribute("rs:basecolumn").value();
+  column.updatable = isTrue(node.attribute("rs:write"));
   column.key = isTrue(node.attribute("rs:keycolumn"));
   column.autoNumber = isTrue(node.attribute("rs:autoincrement"));
   column.hidden = isTrue(node.attribute("rs:hidden"));

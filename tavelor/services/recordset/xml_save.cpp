@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Writing a record set as XML.
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -132,7 +133,12 @@ void XmlWriter::write() {
 
 void XmlWriter::writeSchema() {
   out_ += "<s:Schema id='RowsetSchema'>\n<s:ElementType name='row' content='eltOnly'";
-  if (!store_.schema().plan->updateTable.empty()) out_ += " rs:updatable='true'";
+  const std::string& rowTable = store_.schema().plan->updateTable;
+  const bool isUpdatable =
+      std::any_of(store_.columns().begin(), store_.columns().end(),
+                  [](const dialect::OutputColumn& column) { return column.updatable; });
+  if (isUpdatable) attribute("rs:updatable", "true");
+  if (isUpdatable && !rowTable.empty()) attribute("tv:rowtable", rowTable);
   out_ += ">\n";
   for (std::size_t i = 0; i < store_.columns().size(); ++i) writeField(i);
   out_ += "<s:extends type='rs:rowbase'/>\n</s:ElementType>\n</s:Schema>\n";
@@ -145,7 +151,7 @@ void XmlWriter::writeField(std::size_t column) {
   if (names_[column] != field.name) attribute("rs:name", xml::escapeControls(field.name));
   attribute("rs:number", std::to_string(column + 1));
   if (field.nullable) attribute("rs:nullable", "true");
-  if (store_.detached || !field.baseColumn.empty()) attribute("rs:write", "true");
+  if (store_.detached || field.updatable) attribute("rs:write", "true");
   if (!field.baseTable.empty()) attribute("rs:basetable", field.baseTable);
   if (!field.baseColumn.empty()) attribute("rs:basecolumn", field.baseColumn);
   if (field.key) attribute("rs:keycolumn", "true");
