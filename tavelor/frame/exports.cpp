@@ -11,6 +11,7 @@
 #include "tavelor/frame/controls.hpp"
 #include "tavelor/frame/page.hpp"
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/error.hpp"
 #include "tavelor/platform/format.hpp"
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/number_text.hpp"
@@ -308,6 +309,11 @@ RecordsetPtr RecordClass::pageRows(bool bDoclone, std::string_view sSelecSql, bo
     sortBy(*rows, index, mode);
   }
   if (bFilter) {
+    // A clone's changes live on in the record set it was taken from.
+    if (!bDoclone && rows->hasUnwrittenChanges()) {
+      raise(errors::kNotAllowedInContext, info_.word,
+            "The rows would be fetched again and unsaved changes lost: save or cancel them first");
+    }
     rows->Filter(GetFilter(kStoredFilter));
     rows->Requery();
   }

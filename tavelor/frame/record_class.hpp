@@ -142,8 +142,9 @@ class RecordClass : public Object {
   std::string GetHtmlFile() const;
   /// Writes the visible columns of a grid as a page. `bDoclone` works on a clone in the order
   /// remembered for `sSelecSql`, and writes nothing when there are no rows; without it the primary
-  /// record set is walked and left at EOF. `bFilter` applies the filter stored under "Filter".
-  /// Values are written as they are, with no escaping.
+  /// record set is walked and left at EOF. `bFilter` applies the filter stored under "Filter" and
+  /// fetches the rows again; on the primary record set it raises 3219 while there are unsaved
+  /// changes, before anything has happened. Values are written as they are, with no escaping.
   void ToHtmlGrid(const GridColumns& clColfields, bool bDoclone = false,
                   std::string_view sSelecSql = {}, bool bFilter = false);
 

@@ -177,6 +177,31 @@ TEST_F(ExportsTest, TheStoredFilterIsAppliedAndTheSourceFetchedAgain) {
   EXPECT_EQ(rows().RecordCount(), 2);
 }
 
+// Fetching again drops what is not written, so the page is refused before anything happens.
+TEST_F(ExportsTest, AFilteredPageOfTheRecordSetItselfIsRefusedWhileChangesAreUnsaved) {
+  fill();
+  sample.IniciaRs();
+  sample.SetFilter("Numero > 0", "Filter");
+  const auto refused = [&] {
+    return errorOf([&] { sample.ToHtmlGrid(codeOnly, false, "todos", true); }) ==
+           errors::kNotAllowedInContext;
+  };
+  rows().Field("Nombre").Value("en edición");
+  EXPECT_TRUE(refused());
+  EXPECT_EQ(rows().EditMode(), EditMode::kInProgress);
+  rows().Update();
+  EXPECT_TRUE(refused());
+  EXPECT_EQ(rows().Filter(), "");
+  EXPECT_EQ(rows().Field("Nombre").Value(), Variant("en edición"));
+  EXPECT_FALSE(fs::exists(page));
+
+  sample.ToHtmlGrid(codeOnly, true, "todos", true);
+  EXPECT_EQ(rows().Field("Nombre").Value(), Variant("en edición")) << "a clone drops nothing";
+  sample.Update();
+  sample.ToHtmlGrid(codeOnly, false, "todos", true);
+  EXPECT_THAT(codesShown(), ElementsAre("c"));
+}
+
 TEST_F(ExportsTest, AFilterThatLeavesNoRowOfACloneStillWritesAPage) {
   fill();
   sample.IniciaRs();
