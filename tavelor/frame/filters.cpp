@@ -87,6 +87,12 @@ std::string textCriterion(Control& ctl, std::string_view field, const Operators&
   return fmt::format("{} {} '{}*' ", field, op.text, ctl.Text());
 }
 
+/// A stored order that is no number, or one of no field, or whose mode is none.
+bool isOfOrder(const Error& error) {
+  return error.number() == errors::kTypeMismatch || error.number() == errors::kOverflow ||
+         error.number() == errors::kItemNotFound || error.number() == errors::kInvalidArgument;
+}
+
 }  // namespace
 
 std::string RecordClass::GetFilter(std::string_view sLlave) const {
@@ -142,6 +148,19 @@ void RecordClass::restoreOrder(std::string_view sLlave) {
   std::string mode;
   GetOrder(index, mode, sLlave);
   SetOrder(index, mode, sLlave);
+}
+
+/// For the rows that the word stands for: an order that does not fit them (stored under their word
+/// when rows of more columns were open, or written by hand) would make every opening raise.
+void RecordClass::restoreOrForgetOrder(std::string_view sLlave) {
+  try {
+    restoreOrder(sLlave);
+  } catch (const Error& error) {
+    if (!isOfOrder(error)) throw;
+    ListConfig settings = settingsOf(info_, sLlave);
+    settings.SetValue("IndexOrderField", "0");
+    settings.SetValue("Mode", "");
+  }
 }
 
 void RecordClass::sortBy(Recordset& rows, std::int16_t index, std::string_view mode) {

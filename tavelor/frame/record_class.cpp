@@ -101,7 +101,7 @@ void RecordClass::openPrimary(std::string& sSelecSql, const Variant& id, Connect
   cnnPrimary_ = adoPrimaryRS_->ActiveConnection();
 
   offerPrimary();
-  restoreOrder(sSelecSql);
+  restoreOrForgetOrder(sSelecSql);
 }
 
 RecordsetPtr RecordClass::openPrimaryFromFile(std::string_view path) {

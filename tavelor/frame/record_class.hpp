@@ -129,7 +129,8 @@ class RecordClass : public Object {
   /// Sorts by the field at `index`, its name directly followed by `Mode` (" DESC" brings its own
   /// blank), and remembers both under `sLlave`. On an empty record set it does nothing at all.
   void SetOrder(std::int16_t index, std::string_view Mode, std::string_view sLlave);
-  /// What SetOrder remembered: 0 and "" where it never did.
+  /// What SetOrder remembered: 0 and "" where it never did. IniciaRs forgets an order that does
+  /// not fit its rows; they stay in the order of their statement.
   void GetOrder(InOut<std::int16_t> index, InOut<std::string> Mode, std::string_view sLlave) const;
 
   /// Whether the current user may use the function `sId` of the application: true unless the
@@ -233,8 +234,9 @@ class RecordClass : public Object {
   void offerPrimary();
   RecordsetPtr greatest(std::string_view column, ConnectionPtr& objCn) const;
   void restoreOrder(std::string_view sLlave);
-  static void sortBy(Recordset& rows, std::int16_t index, std::string_view mode);
+  void restoreOrForgetOrder(std::string_view sLlave);
   ConnectionPtr& connection();
+  static void sortBy(Recordset& rows, std::int16_t index, std::string_view mode);
   void raiseMoveComplete();
   /// Tells every listener of an event.
   template <typename Event>

@@ -339,6 +339,39 @@ TEST_F(FiltersTest, AStoredOrderThatIsNoNumberFailsAsInThePlatform) {
   EXPECT_EQ(errorOf([&] { sample.GetOrder(index, mode, "roto"); }), errors::kTypeMismatch);
 }
 
+// SetOrder takes any word: here that of rows with fewer columns than those it sorts.
+TEST_F(FiltersTest, AnOrderThatDoesNotFitTheRowsIsForgottenWhenTheyAreOpened) {
+  sample.SetOrder(3, " DESC", "corto");
+  for (int i = 0; i < 2; ++i) {
+    std::string word = "corto";
+    sample.IniciaRs(word);
+    EXPECT_EQ(sort(), i == 0 ? "" : "Código");
+    EXPECT_EQ(sample.DataMember("Primary")->RecordCount(), 3);
+    std::int16_t index = 9;
+    std::string mode = "x";
+    sample.GetOrder(index, mode, "corto");
+    EXPECT_EQ(index, 0);
+    EXPECT_EQ(mode, "");
+  }
+}
+
+TEST_F(FiltersTest, AStoredOrderThatDoesNotReadIsForgottenWhenTheRowsAreOpened) {
+  const auto store = [&](std::string_view name, std::string_view text) {
+    shop.apartment().registry().set(
+        "SOFTWARE\\Merivan\\Tavelor\\1.0\\Configuracion\\registros\\Muestras\\todos", name, text);
+  };
+  for (const char* index : {"primero", "", "99999999999", "-1", "10"}) {
+    store("IndexOrderField", index);
+    sample.IniciaRs();
+    EXPECT_EQ(sort(), "") << index;
+  }
+  store("Mode", " HACIA ARRIBA");
+  sample.IniciaRs();
+  EXPECT_EQ(sort(), "");
+  sample.IniciaRs();
+  EXPECT_EQ(sort(), "Código");
+}
+
 // ---- Programs of one installation
 
 // Both keep it open all the time.
