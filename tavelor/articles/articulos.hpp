@@ -56,10 +56,10 @@ class clsArticulos final : public OpensByWordOnConnection {
                                      ObjCn objCn = {}) const;
   /// Codes of the stocked articles that are in use and no packages.
   std::vector<Variant> ObtenerCol_Materiales(ObjCn objCn = {}) const;
-  /// Fills the new row, the last one, from the row before the current one. What tells an article
-  /// apart stays the new row's own: code, reference, stock, what is on order and date. Raises 3219
-  /// for a row that is not being added, and 3021 when there is no row before; either leaves the row
-  /// as it was.
+  /// Fills the row that is being added from the last one before it. What tells an article apart
+  /// stays the new row's own: code, reference, stock, what is on order and date. The new row stays
+  /// in edit. Raises 3219 for a row that is not being added, and 3021 when there is no row before;
+  /// either leaves the row as it was.
   void CopyPrevious();
   /// One condition of a report's selection formula from one control; "" for an empty one. `iType`
   /// is the operator: ">=", "<=", "Like"; anything else is "=".

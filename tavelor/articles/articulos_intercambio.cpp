@@ -171,28 +171,26 @@ double clsArticulos::ObtenerTarifaArticuloImport(const Variant& vId, std::string
 // ---------------------------------------------------------------------------------------------
 // The copy
 
+// The row before is read from a clone: a move of the primary record set would post the new row, and
+// a copy that fails or is taken back would leave a half-filled article to be written later.
 void clsArticulos::CopyPrevious() {
   constexpr std::array<std::string_view, 5> kOwn = {"Código", "Referencia", "Existencia",
                                                     "Pendiente", "Fecha"};
   Recordset& rows = primary();
-  // Moving away posts the row, so what cannot be copied is told before.
   if (rows.EditMode() != EditMode::kAdd) {
     raise(errors::kNotAllowedInContext, info().word,
           "CopyPrevious fills a row that is being added, and replaces no stored one.");
   }
-  if (rows.AbsolutePosition() <= 1) {
-    raise(errors::kNoCurrentRecord, info().word, "There is no row before the new one.");
-  }
-  rows.MovePrevious();
-  const std::int32_t count = rows.Fields().Count();
-  std::vector<Variant> values;
-  for (std::int32_t i = 0; i < count; ++i) values.push_back(rows.Field(i).Value());
+  const RecordsetPtr stored = rows.Clone();
+  stored->Filter(rows.Filter());
+  stored->Sort(rows.Sort());
+  stored->MoveLast();
 
-  rows.MoveLast();
+  const std::int32_t count = rows.Fields().Count();
   for (std::int32_t i = 0; i < count; ++i) {
-    const Field field = rows.Field(i);
+    const Field field = stored->Field(i);
     if (std::find(kOwn.begin(), kOwn.end(), field.Name()) == kOwn.end()) {
-      rows.Field(i).Value(values[static_cast<std::size_t>(i)]);
+      rows.Field(i).Value(field.Value());
     }
   }
 }

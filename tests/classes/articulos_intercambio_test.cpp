@@ -251,6 +251,31 @@ TEST_F(ClsArticulosIntercambioTest, WhatTellsAnArticleApartIsNotCopied) {
   EXPECT_EQ(column("Existencia", "1"), "9");
 }
 
+TEST_F(ClsArticulosIntercambioTest, ACopiedRowIsBeingAddedStillAndCancelTakesAllOfIt) {
+  add("1", "Descripcion = 'Uno'");
+  articles.IniciaRs();
+  articles.AddNew();
+  articles.CopyPrevious();
+  const RecordsetPtr rows = articles.DataMember("Primary");
+  EXPECT_EQ(rows->EditMode(), EditMode::kAdd);
+  articles.Cancel();
+  EXPECT_EQ(rows->RecordCount(), 1);
+  EXPECT_FALSE(rows->hasUnwrittenChanges());
+}
+
+TEST_F(ClsArticulosIntercambioTest, TheRowBeforeIsTheLastOneThatTheViewShows) {
+  add("1", "Descripcion = 'Uno', Familia = 'MAT'");
+  add("2", "Descripcion = 'Dos', Familia = 'MAT'");
+  add("3", "Descripcion = 'Tres'");
+  articles.IniciaRs();
+  const RecordsetPtr rows = articles.DataMember("Primary");
+  rows->Filter("Familia = 'MAT'");
+  rows->Sort("Código DESC");
+  articles.AddNew();
+  articles.CopyPrevious();
+  EXPECT_EQ(rows->Field("Descripción").Value(), Variant("Uno"));
+}
+
 TEST_F(ClsArticulosIntercambioTest, ThereIsNothingToCopyOnAnEmptyTable) {
   articles.IniciaRs();
   EXPECT_EQ(errorOf([&] { articles.CopyPrevious(); }), errors::kNoCurrentRecord);
