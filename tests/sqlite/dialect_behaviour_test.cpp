@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What statements of the dialect do to rows of the embedded engine.
+#include <algorithm>
+
 #include <gmock/gmock.h>
 
 #include "tavelor/platform/currency.hpp"
@@ -168,6 +170,90 @@ TEST_F(DialectBehaviour, MoneyKeepsFourDecimalsAndWholeColumnsRoundToEven) {
   EXPECT_EQ(value("Corto"), "4");
   EXPECT_EQ(error("UPDATE Tarifas SET Corto = 40000"), errors::kMultipleStep);
   EXPECT_EQ(error("UPDATE Tarifas SET Corto = Orden * 40000"), errors::kOverflow);
+}
+
+TEST_F(DialectBehaviour, MoneyStaysExactInSumsProductsAndComparisons) {
+  for (const char* amount : {"0.1", "0.2"}) {
+    run("INSERT INTO Lineas (Codigo, Importe) VALUES ('s', " + std::string(amount) + ")");
+  }
+  EXPECT_EQ(first("SELECT Count(*) FROM Lineas HAVING Sum(Importe) > 0.3"), "none");
+  EXPECT_EQ(first("SELECT Count(*) FROM Lineas HAVING Sum(Importe) = 0.3"), "2");
+  EXPECT_EQ(first("SELECT Importe FROM Lineas WHERE Importe * 3 = 0.3"), "0.1");
+  EXPECT_EQ(first("SELECT Importe FROM Lineas WHERE Importe + 0.1 = 0.3"), "0.2");
+  EXPECT_EQ(first("SELECT Importe FROM Lineas WHERE 0.3 - Importe = 0.1"), "0.2");
+  EXPECT_EQ(first("SELECT Importe FROM Lineas WHERE Importe / 0.1 = 2"), "0.2");
+  EXPECT_EQ(first("SELECT Importe FROM Lineas WHERE Importe * Importe = 0.01"), "0.1");
+  EXPECT_EQ(first("SELECT Avg(Importe) FROM Lineas HAVING Avg(Importe) = 0.15"), "0.15");
+  run("UPDATE Lineas SET Importe = 4.35");
+  EXPECT_EQ(first("SELECT Int(Importe * 100) FROM Lineas"), "435");
+  EXPECT_EQ(first("SELECT Fix(-Importe * 100) FROM Lineas"), "-435");
+  EXPECT_EQ(first("SELECT Round(Importe * 1.5, 2) FROM Lineas"), "6.52");
+  EXPECT_EQ(first("SELECT Format(Importe * 100, '0') FROM Lineas"), "435");
+}
+
+TEST_F(DialectBehaviour, ASumOfManyAmountsIsExactToTheCent) {
+  session->execute(
+      "INSERT INTO Lineas (Codigo, Importe) WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 "
+      "FROM n WHERE i < 30000) SELECT 'm', 0.1 FROM n");
+  EXPECT_EQ(first("SELECT Codigo FROM Lineas GROUP BY Codigo HAVING Sum(Importe) > 3000"), "none");
+  EXPECT_EQ(first("SELECT Codigo FROM Lineas GROUP BY Codigo HAVING Sum(Importe) = 3000"), "m");
+}
+
+TEST_F(DialectBehaviour, AmountsInDoubleColumnsAreCalculatedWithAsTheyAreSeen) {
+  run("UPDATE Tarifas SET Cantidad = 0.1 WHERE Codigo = 'a'");
+  run("UPDATE Tarifas SET Cantidad = Cantidad + 0.2 WHERE Codigo = 'a'");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Cantidad = 0.3"), "a");
+  run("UPDATE Tarifas SET Cantidad = 100.3 WHERE Codigo = 'b'");
+  EXPECT_EQ(first("SELECT Count(*) FROM Tarifas HAVING Sum(Cantidad) - 100.6 = 0"), "2");
+  session->execute("UPDATE Tarifas SET Cantidad = 0.1 + 0.2 WHERE Codigo = 'a'");
+  EXPECT_EQ(first("SELECT Count(*) FROM Tarifas HAVING Sum(Cantidad) = 100.6"), "2")
+      << "what another program left behind the fifteenth digit does not count";
+}
+
+TEST_F(DialectBehaviour, AWholeNumberBeyondALongIsADouble) {
+  EXPECT_EQ(first("SELECT 5 FROM Lineas"), "none");
+  EXPECT_EQ(value("3000000000"), "3000000000");
+  EXPECT_EQ(value("7"), "7");
+  EXPECT_EQ(value("-2147483648"), "-2147483648");
+  EXPECT_EQ(value("2147483648 + 1"), "2147483649");
+  EXPECT_EQ(errorNumber([&] { value("2147483647 + 1"); }), errors::kOverflow);
+  EXPECT_EQ(errorNumber([&] { value("65536 * 65536"); }), errors::kOverflow);
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Orden + 2147483647 > 3000000000"), "none");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Orden + 2147483647 = 2147483649"), "b");
+}
+
+TEST_F(DialectBehaviour, WhatNoDoubleHoldsIsNotStored) {
+  EXPECT_EQ(error("UPDATE Tarifas SET Cantidad = 1e308 * 10"), errors::kOverflow);
+  EXPECT_EQ(error("UPDATE Tarifas SET Cantidad = Val('1e999')"), errors::kOverflow);
+  EXPECT_EQ(error("UPDATE Tarifas SET Cantidad = 1e400"), errors::kMultipleStep);
+  EXPECT_EQ(errorNumber([&] { value("1e308 * 10"); }), errors::kOverflow);
+  run("UPDATE Tarifas SET Cantidad = 1e308");
+  EXPECT_EQ(errorNumber([&] { first("SELECT Sum(Cantidad) FROM Tarifas"); }), errors::kOverflow);
+  EXPECT_EQ(error("UPDATE Tarifas SET Cantidad = Cantidad + Cantidad"), errors::kOverflow);
+}
+
+TEST_F(DialectBehaviour, LongAndDeepCalculationsRunOrAreRefusedByName) {
+  const auto chain = [](std::string_view sign, int count) {
+    std::string text = "Cantidad";
+    for (int i = 0; i < count; ++i) text.append(sign).append("1.0");
+    return text;
+  };
+  EXPECT_EQ(value(chain(" + ", 300)), "303");
+  EXPECT_EQ(value(chain(" - ", 300)), "-297");
+  EXPECT_EQ(value(chain(" * ", 300)), "3");
+  for (const std::string& open : {"(1.5 * ", "1.0 + 1.5 * (", "Round(1.5 + ", "(1.0 - Cantidad / ("}) {
+    for (int depth = 1; depth <= 16; ++depth) {
+      std::string text;
+      for (int i = 0; i < depth; ++i) text += open;
+      text += "Cantidad";
+      const auto opened = std::count(text.begin(), text.end(), '(');
+      text.append(static_cast<std::size_t>(opened), ')');
+      const auto failed = errorOf([&] { value(text); });
+      if (failed) EXPECT_EQ(failed->number(), errors::kNotSupported) << text;
+      if (depth <= 7) EXPECT_FALSE(failed) << text;
+    }
+  }
+  EXPECT_EQ(errorNumber([&] { value(chain(" / ", 60)); }), errors::kNotSupported);
 }
 
 TEST_F(DialectBehaviour, RoundGoesToEven) {

@@ -127,6 +127,8 @@ Expr* Binder::binary(Expr* expr, const Place& place) {
       break;
     case Operator::kMultiply:
       expr->type = typeOf(arithmeticType(a, b));
+      // An amount times an amount has eight decimals.
+      if (isMoney(a) && isMoney(b)) return convert_.cast(expr, Cast::kCurrency, expr->type);
       break;
     case Operator::kWholeDivide:
     case Operator::kModulo:
@@ -263,7 +265,8 @@ Expr* Binder::call(Expr* expr, const Place& place) {
   }
   if (expr->function->kind == FunctionKind::kConversion) return conversionCall(expr);
   callType(expr);
-  return expr;
+  const bool divides = expr->function->name == "avg" && isMoney(expr->type);
+  return divides ? convert_.cast(expr, Cast::kCurrency, expr->type) : expr;
 }
 
 void Binder::callArguments(Expr* expr, const Place& place) {

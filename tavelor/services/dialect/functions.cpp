@@ -25,7 +25,7 @@ constexpr ColumnType kDate = ColumnType::kDate;
 /// Sorted by name.
 constexpr std::array kFunctions{
     Function{"abs", "abs", kPlain, 1, "n", kFirst, kDouble},
-    Function{"avg", "avg", kPlain, 1, "n", kSum, kDouble, true},
+    Function{"avg", "avg", kTotal, 1, "n", kSum, kDouble, true},
     Function{"ccur", "", kConversion, 1, "n", kFixed, ColumnType::kCurrency},
     Function{"cdate", "", kConversion, 1, "d", kFixed, kDate},
     Function{"cdbl", "", kConversion, 1, "n", kFixed, kDouble},
@@ -61,7 +61,7 @@ constexpr std::array kFunctions{
     Function{"rtrim", "rtrim", kPlain, 1, "t", kFixed, kText},
     Function{"second", "s", kDatePart, 1, "d", kFixed, kWhole},
     Function{"sgn", "sign", kPlain, 1, "n", kFixed, kWhole},
-    Function{"sum", "sum", kPlain, 1, "n", kSum, kDouble, true},
+    Function{"sum", "sum", kTotal, 1, "n", kSum, kDouble, true},
     Function{"time", "tv_clock", kPlain, 0, "", kFixed, kDate},
     Function{"trim", "trim", kPlain, 1, "t", kFixed, kText},
     Function{"ucase", "tv_ucase", kPlain, 1, "t", kFixed, kText},

@@ -15,6 +15,7 @@ enum class FunctionKind : std::uint8_t {
   kTyped,       ///< the same, with the type of the first argument behind the others
   kDatePart,    ///< the part named by `engineName` of a date
   kConversion,  ///< a cast to the result type
+  kTotal,       ///< over rows, exact where the numbers have decimals
   kCount,
   kIIf,
   kIsNull,

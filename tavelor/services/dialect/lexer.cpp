@@ -11,6 +11,7 @@
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/platform/utf8.hpp"
+#include "tavelor/services/dialect/literal_value.hpp"
 #include "tavelor/services/dialect/reserved_words.hpp"
 
 namespace tavelor::dialect {
@@ -253,8 +254,20 @@ class Lexer {
   void lexNumber() {
     const std::size_t digits = position_ + (text_[position_] == '-' ? 1 : 0);
     const Number number = scanNumber(digits, limit());
-    const std::string_view text = text_.substr(position_, number.end - position_);
-    pushLiteral(number.kind, position_, number.end, [&] { return std::string(text); });
+    pushNumber(number, position_);
+  }
+
+  /// A number with its sign.
+  void pushNumber(Number number, std::size_t begin) {
+    const std::string_view text = text_.substr(begin, number.end - begin);
+    constexpr std::size_t kSurelyLong = 9;
+    if (number.kind == LiteralKind::kWhole && text.size() > kSurelyLong) {
+      Lifted read;
+      if (!readPlain(text, '.', read) || read.kind != LiteralKind::kWhole) {
+        number.kind = LiteralKind::kDecimal;
+      }
+    }
+    pushLiteral(number.kind, begin, number.end, [&] { return std::string(text); });
   }
 
   void lexText(std::size_t begin, char quote) {
@@ -376,8 +389,7 @@ class Lexer {
       const bool anyDigit = std::any_of(text_.begin() + static_cast<std::ptrdiff_t>(begin),
                                         text_.begin() + static_cast<std::ptrdiff_t>(end), isDigit);
       if (number.end != end || !anyDigit) failValue(range, "is no number");
-      const std::string_view text = text_.substr(begin, end - begin);
-      pushLiteral(number.kind, begin, end, [&] { return std::string(text); });
+      pushNumber(number, begin);
     }
     list_.values.push_back(place);
     position_ = range.end;

@@ -23,10 +23,6 @@ bool isFloating(const Type& type) {
          type.column == ColumnType::kDate;
 }
 
-bool isMoney(const Type& type) {
-  return type.column == ColumnType::kCurrency;
-}
-
 bool isPlainColumn(const Expr& expr) {
   return expr.kind == ExprKind::kColumn;
 }
@@ -204,7 +200,8 @@ Expr* Converter::toTextColumn(Expr* expr, const engine::Column& column) const {
 Expr* Converter::toNumberColumn(Expr* expr, const engine::Column& column) const {
   expr = toNumber(expr);
   if (expr->kind == ExprKind::kBoolean) return expr;
-  const bool same = isPlainColumn(*expr) && expr->type.column == column.type;
+  const bool fits = isPlainColumn(*expr) || expr->kind == ExprKind::kCast;
+  const bool same = fits && expr->type.column == column.type;
   if (same || column.type == ColumnType::kDouble) return expr;
   switch (column.type) {
     case ColumnType::kCurrency:

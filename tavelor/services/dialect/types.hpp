@@ -16,10 +16,18 @@ inline bool isDate(const Type& type) {
 inline bool isBinary(const Type& type) {
   return !type.null && !type.predicate && type.column == ColumnType::kBinary;
 }
+inline bool isMoney(const Type& type) {
+  return type.column == ColumnType::kCurrency;
+}
 /// Numbers, money, flags and truth values.
 inline bool isNumberLike(const Type& type) {
   return !type.null &&
          (type.predicate || type.column == ColumnType::kBoolean || engine::isNumeric(type.column));
+}
+/// Money and floating numbers: those that must be calculated with as decimals.
+inline bool hasDecimals(const Type& type) {
+  return type.column == ColumnType::kCurrency || type.column == ColumnType::kDouble ||
+         type.column == ColumnType::kSingle;
 }
 /// "a text", "a number": for messages.
 std::string_view describe(const Type& type);

@@ -2,6 +2,7 @@
 // Tree to an engine's text: what is common, and what engines differ in.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -75,20 +76,26 @@ class StepText {
 
  private:
   void expression(const Expr& expr, int level);
+  /// What stands behind `open` symbols that an engine's parser keeps until it has read it. Raises
+  /// kNotSupported (kTooDeep) where the parser would have no room for more.
+  void nested(const Expr& expr, int level, int open);
   void bare(const Expr& expr, int level);
   void literal(const Expr& expr);
   void placeholder(const Expr& expr);
   void binary(const Expr& expr, int level);
+  void exact(const Expr& expr);
   void joinedTexts(const Expr& expr);
   void compare(const Expr& expr, int level);
   void between(const Expr& expr, int level);
   void like(const Expr& expr);
   void membership(const Expr& expr, int level);
+  void inner(const Expr& expr);
   void call(const Expr& expr);
   void cast(const Expr& expr);
   void truth(const Expr& condition);
   void function(std::string_view name, const Expr& first, const Expr& second);
   void list(const Expr* first);
+  void arguments(std::span<const Expr* const> arguments);
   void selectPart(const Select& part);
   void delivered(const Select& select);
   void parts(const Select& select);
@@ -102,6 +109,7 @@ class StepText {
   const Writer& writer_;
   std::string_view statement_;
   std::int32_t number_;
+  int open_ = 0;
   Step step_;
 };
 

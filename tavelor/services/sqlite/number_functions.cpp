@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include "tavelor/platform/currency.hpp"
+#include "tavelor/platform/decimal_arithmetic.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/services/sqlite/functions.hpp"
 
@@ -40,10 +41,18 @@ void number(Call& call) {
   give(call, read, read == std::trunc(read));
 }
 
+/// The first argument, and each of the others to what there is.
+template <double (*operation)(double, double)>
+void chain(Call& call) {
+  double result = call.real(0);
+  for (int i = 1; i < call.count(); ++i) result = operation(result, call.real(i));
+  call.give(result);
+}
+
 void divide(Call& call) {
   const double divisor = call.real(1);
   if (divisor == 0) refuse(errors::kDivisionByZero);
-  call.give(call.real(0) / divisor);
+  call.give(decimalQuotient(call.real(0), divisor));
 }
 
 /// The two whole operands of `\` and Mod.
@@ -82,20 +91,7 @@ void currency(Call& call) {
 }
 
 void whole(Call& call) {
-  std::int64_t least = std::numeric_limits<std::int32_t>::min();
-  std::int64_t most = std::numeric_limits<std::int32_t>::max();
-  switch (call.columnType(1)) {
-    case ColumnType::kByte:
-      least = 0;
-      most = std::numeric_limits<std::uint8_t>::max();
-      break;
-    case ColumnType::kInt16:
-      least = std::numeric_limits<std::int16_t>::min();
-      most = std::numeric_limits<std::int16_t>::max();
-      break;
-    default:
-      break;
-  }
+  const auto [least, most] = wholeRange(call.columnType(1));
   const std::int64_t value = call.rounded(0);
   if (value < least || value > most) {
     refuse(errors::kOverflow, fmt::format("{} is not between {} and {}", value, least, most));
@@ -111,36 +107,36 @@ void single(Call& call) {
 
 void floorOf(Call& call) {
   if (call.isWhole(0)) return call.pass(0);
-  call.give(std::floor(call.real(0)));
+  call.give(decimalFloor(call.real(0)));
 }
 
 void truncate(Call& call) {
   if (call.isWhole(0)) return call.pass(0);
-  call.give(std::trunc(call.real(0)));
+  call.give(decimalTruncate(call.real(0)));
 }
 
 /// What begins a text as a number with a point; blanks count nowhere, and the first character that
-/// does not fit ends it.
+/// does not fit ends it. Raises 6 for a number that no double holds.
 double leadingNumber(std::string_view text) {
   std::string digits;
   for (const char c : text) {
     if (c != ' ' && c != '\t' && c != '\n') digits += c;
   }
+  if (const auto radix = readRadix(digits)) return static_cast<double>(radix->number);
   const char* first = digits.data();
   const char* const last = first + digits.size();
-  if (digits.size() > 1 && digits[0] == '&') {
-    const bool hex = digits[1] == 'H' || digits[1] == 'h';
-    const bool octal = digits[1] == 'O' || digits[1] == 'o';
-    std::int64_t value = 0;
-    if (hex || octal) std::from_chars(first + 2, last, value, hex ? 16 : 8);
-    return static_cast<double>(value);
-  }
   if (first != last && *first == '+') ++first;
   // Letters that the reader would take for a number of its own.
   const char* const start = first != last && *first == '-' ? first + 1 : first;
   if (start == last || !((*start >= '0' && *start <= '9') || *start == '.')) return 0;
   double value = 0;
-  std::from_chars(first, last, value);
+  const auto read = std::from_chars(first, last, value);
+  if (read.ec == std::errc::result_out_of_range) {
+    // Too small a number is 0.
+    value = parseSqlNumber({first, static_cast<std::size_t>(read.ptr - first)})
+                .value_or(std::numeric_limits<double>::infinity());
+  }
+  if (!std::isfinite(value)) refuse(errors::kOverflow);
   return value;
 }
 
@@ -152,6 +148,9 @@ void val(Call& call) {
 
 constexpr std::array kFunctions{Function{"tv_round", 2, entry<roundTo, Nulls::kGiveNull>},
                                 Function{"tv_number", 1, entry<number, Nulls::kGiveNull>},
+                                Function{"tv_add", -1, entry<chain<decimalSum>, Nulls::kGiveNull>},
+                                Function{"tv_sub", -1, entry<chain<decimalDifference>, Nulls::kGiveNull>},
+                                Function{"tv_mul", -1, entry<chain<decimalProduct>, Nulls::kGiveNull>},
                                 Function{"tv_div", 2, entry<divide, Nulls::kGiveNull>},
                                 Function{"tv_intdiv", 2, entry<divideWhole, Nulls::kGiveNull>},
                                 Function{"tv_mod", 2, entry<modulo, Nulls::kGiveNull>},
