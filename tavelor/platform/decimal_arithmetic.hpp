@@ -7,11 +7,11 @@
 
 namespace tavelor {
 
-// A double stands for the decimal that it prints as. One of up to four decimals, which is what money
-// and nearly all quantities are, is calculated with as that decimal and rounded once, to the double
-// nearest to the result: 0.1 + 0.2 is 0.3, 4.35 * 100 is 435, 0.3 / 0.1 is 3. So results compare
-// equal to what is stored or written. Numbers of more decimals, and those from about 900,000,000,000
-// on, are calculated with as doubles.
+// A double stands for the decimal that it prints as. One of up to four decimals, which is what
+// money and nearly all quantities are, is calculated with as that decimal and rounded once, to the
+// double nearest to the result: 0.1 + 0.2 is 0.3, 4.35 * 100 is 435, 0.3 / 0.1 is 3. So results
+// compare equal to what is stored or written. Numbers of more decimals, and those from about
+// 900,000,000,000 on, are calculated with as doubles.
 //
 // Errors: 6 for a result that no double holds.
 

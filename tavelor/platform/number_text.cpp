@@ -251,7 +251,8 @@ std::optional<RadixNumber> readRadix(std::string_view text) {
     ++radix.length;
     radix.number = static_cast<std::int32_t>(bits);
   } else {
-    radix.number = bits > 0xFFFF ? static_cast<std::int32_t>(bits) : static_cast<std::int16_t>(bits);
+    radix.number =
+        bits > 0xFFFF ? static_cast<std::int32_t>(bits) : static_cast<std::int16_t>(bits);
   }
   return radix;
 }

@@ -8,6 +8,7 @@
 
 #include "tavelor/platform/date_text.hpp"
 #include "tavelor/platform/error.hpp"
+#include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/platform/utf8.hpp"
@@ -233,19 +234,32 @@ class Lexer {
     return number;
   }
 
+  /// True where no operand stands before, so that a sign can't be an operator between two.
+  bool wantsOperand() const {
+    if (list_.tokens.empty()) return true;
+    const Token& before = list_.tokens.back();
+    if (before.kind == TokenKind::kSymbol) return before.symbol != Symbol::kRightParen;
+    const bool constant =
+        before.word == Word::kNull || before.word == Word::kTrue || before.word == Word::kFalse;
+    return before.word != Word::kNone && !constant;
+  }
+
+  /// &H1A and &O17 where an operand is wanted, and so no & that joins one with a name.
+  bool lexRadix() {
+    if (lifting_ == Lifting::kOff || !wantsOperand()) return false;
+    const auto radix = readRadix(text_.substr(position_, limit() - position_));
+    if (!radix || isNameCharacter(charAt(position_ + radix->length))) return false;
+    const std::string_view text = text_.substr(position_, radix->length);
+    pushLiteral(LiteralKind::kWhole, position_, position_ + radix->length,
+                [&] { return std::string(text); });
+    return true;
+  }
+
   /// A minus that no operand precedes belongs to the number behind it, so that -3 in the text of a
   /// statement and a value of -3 are the same; but -2^2 is the minus of a power.
   bool startsSignedNumber() const {
     if (!isDigit(charAt(position_ + 1)) || position_ + 1 >= limit()) return false;
-    if (!list_.tokens.empty()) {
-      const Token& before = list_.tokens.back();
-      const bool constant =
-          before.word == Word::kNull || before.word == Word::kTrue || before.word == Word::kFalse;
-      const bool operates = before.kind == TokenKind::kSymbol
-                                ? before.symbol != Symbol::kRightParen
-                                : before.word != Word::kNone && !constant;
-      if (!operates) return false;
-    }
+    if (!wantsOperand()) return false;
     std::size_t next = scanNumber(position_ + 1, limit()).end;
     while (isBlank(charAt(next))) ++next;
     return charAt(next) != '^';
@@ -435,6 +449,7 @@ class Lexer {
     std::size_t length = 1;
     switch (text_[position_]) {
       case '&':
+        if (lexRadix()) return;
         token.symbol = Symbol::kAmpersand;
         break;
       case '\\':

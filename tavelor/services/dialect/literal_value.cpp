@@ -98,6 +98,11 @@ void takeReal(double real, Lifted& number) {
 /// A bare number of a statement.
 void readWritten(Lifted& number) {
   if (readPlain(number.text, '.', number)) return;
+  if (const auto radix = readRadix(number.text)) {
+    number.kind = LiteralKind::kWhole;
+    number.whole = radix->number;
+    return;
+  }
   takeReal(parseSqlNumber(number.text).value_or(kInfinity), number);
 }
 

@@ -7,6 +7,7 @@
 
 #include "tavelor/platform/date_text.hpp"
 #include "tavelor/services/dialect/functions.hpp"
+#include "tavelor/services/dialect/literal_value.hpp"
 #include "tavelor/services/dialect/rules.hpp"
 #include "tavelor/services/dialect/types.hpp"
 #include "tavelor/services/dialect/writer.hpp"
@@ -69,14 +70,21 @@ bool isExact(const Expr& expr) {
   return hasDecimals(expr.type);
 }
 
+/// And, Or and Not of numbers.
+bool isBitwise(const Expr& expr) {
+  const bool joins =
+      expr.kind == ExprKind::kBinary && (expr.op == Operator::kAnd || expr.op == Operator::kOr);
+  return (joins || expr.kind == ExprKind::kNot) && !expr.type.predicate;
+}
+
 int levelOf(const Expr& expr) {
+  if (isExact(expr) || isBitwise(expr)) return kAtomLevel;
   switch (expr.kind) {
     case ExprKind::kNegate:
       return kSignLevel;
     case ExprKind::kNot:
       return kNotLevel;
     case ExprKind::kBinary:
-      if (isExact(expr)) return kAtomLevel;
       switch (expr.op) {
         case Operator::kOr:
           return kOrLevel;
@@ -179,6 +187,12 @@ void StepText::bare(const Expr& expr, int level) {
       return nested(*expr.left, isConstant ? kAtomLevel + 1 : kAtomLevel, kParenthesisOpen);
     }
     case ExprKind::kNot:
+      if (isBitwise(expr)) {
+        *this << "tv_not(";
+        nested(*expr.left, 0, kFirstArgumentOpen);
+        *this << ")";
+        return;
+      }
       *this << "NOT ";
       return nested(*expr.left, kNotLevel, kParenthesisOpen);
     case ExprKind::kBinary:
@@ -224,7 +238,11 @@ void StepText::literal(const Expr& expr) {
       return;
     }
     default:
-      *this << written;
+      if (written.starts_with('&')) {
+        *this << lift(written, token.literalKind).whole;
+      } else {
+        *this << written;
+      }
       return;
   }
 }
@@ -257,6 +275,9 @@ void StepText::function(std::string_view name, const Expr& first, const Expr& se
 
 void StepText::binary(const Expr& expr, int level) {
   if (isExact(expr)) return exact(expr);
+  if (isBitwise(expr)) {
+    return function(expr.op == Operator::kAnd ? "tv_and" : "tv_or", *expr.left, *expr.right);
+  }
   std::string_view sign;
   switch (expr.op) {
     case Operator::kDivide:
@@ -452,6 +473,9 @@ void StepText::cast(const Expr& expr) {
       break;
     case Cast::kDate:
       function = "tv_date(";
+      break;
+    case Cast::kDay:
+      function = "tv_day(";
       break;
     case Cast::kText:
       function = "tv_text(";

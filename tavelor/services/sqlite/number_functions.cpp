@@ -19,6 +19,15 @@ namespace {
 
 constexpr double kExactWhole = 9007199254740992.0;  // 2^53: from here on doubles skip whole numbers
 
+/// Raises 6 for a number that the type does not hold.
+std::int64_t inRange(std::int64_t number, ColumnType type) {
+  const auto [least, most] = wholeRange(type);
+  if (number < least || number > most) {
+    refuse(errors::kOverflow, fmt::format("{} is not between {} and {}", number, least, most));
+  }
+  return number;
+}
+
 void give(const Call& call, double number, bool asWhole) {
   if (asWhole && std::abs(number) < kExactWhole) {
     call.give(static_cast<std::int64_t>(number));
@@ -80,6 +89,29 @@ void modulo(Call& call) {
   call.give(divisor == -1 ? std::int64_t{0} : dividend % divisor);
 }
 
+/// A number whose bits are wanted: a LONG.
+std::int64_t bitsOf(const Call& call, int i) {
+  return inRange(call.rounded(i), ColumnType::kInt32);
+}
+
+/// A Null may be any number: with 0 it is 0.
+void bitAnd(Call& call) {
+  if (!call.isNull(0) && !call.isNull(1)) return call.give(bitsOf(call, 0) & bitsOf(call, 1));
+  const int other = call.isNull(0) ? 1 : 0;
+  if (!call.isNull(other) && bitsOf(call, other) == 0) call.give(std::int64_t{0});
+}
+
+/// And with -1, all of whose bits are set, it is -1.
+void bitOr(Call& call) {
+  if (!call.isNull(0) && !call.isNull(1)) return call.give(bitsOf(call, 0) | bitsOf(call, 1));
+  const int other = call.isNull(0) ? 1 : 0;
+  if (!call.isNull(other) && bitsOf(call, other) == -1) call.give(std::int64_t{-1});
+}
+
+void bitNot(Call& call) {
+  call.give(~bitsOf(call, 0));
+}
+
 void power(Call& call) {
   const double result = std::pow(call.real(0), call.real(1));
   if (!std::isfinite(result)) refuse(errors::kOverflow);
@@ -91,12 +123,7 @@ void currency(Call& call) {
 }
 
 void whole(Call& call) {
-  const auto [least, most] = wholeRange(call.columnType(1));
-  const std::int64_t value = call.rounded(0);
-  if (value < least || value > most) {
-    refuse(errors::kOverflow, fmt::format("{} is not between {} and {}", value, least, most));
-  }
-  call.give(value);
+  call.give(inRange(call.rounded(0), call.columnType(1)));
 }
 
 void single(Call& call) {
@@ -146,21 +173,25 @@ void val(Call& call) {
   give(call, value, value == std::trunc(value));
 }
 
-constexpr std::array kFunctions{Function{"tv_round", 2, entry<roundTo, Nulls::kGiveNull>},
-                                Function{"tv_number", 1, entry<number, Nulls::kGiveNull>},
-                                Function{"tv_add", -1, entry<chain<decimalSum>, Nulls::kGiveNull>},
-                                Function{"tv_sub", -1, entry<chain<decimalDifference>, Nulls::kGiveNull>},
-                                Function{"tv_mul", -1, entry<chain<decimalProduct>, Nulls::kGiveNull>},
-                                Function{"tv_div", 2, entry<divide, Nulls::kGiveNull>},
-                                Function{"tv_intdiv", 2, entry<divideWhole, Nulls::kGiveNull>},
-                                Function{"tv_mod", 2, entry<modulo, Nulls::kGiveNull>},
-                                Function{"tv_power", 2, entry<power, Nulls::kGiveNull>},
-                                Function{"tv_currency", 1, entry<currency, Nulls::kGiveNull>},
-                                Function{"tv_whole", 2, entry<whole, Nulls::kGiveNull>},
-                                Function{"tv_single", 1, entry<single, Nulls::kGiveNull>},
-                                Function{"tv_int", 1, entry<floorOf, Nulls::kGiveNull>},
-                                Function{"tv_fix", 1, entry<truncate, Nulls::kGiveNull>},
-                                Function{"tv_val", 1, entry<val, Nulls::kGiveNull>}};
+constexpr std::array kFunctions{
+    Function{"tv_round", 2, entry<roundTo, Nulls::kGiveNull>},
+    Function{"tv_number", 1, entry<number, Nulls::kGiveNull>},
+    Function{"tv_add", -1, entry<chain<decimalSum>, Nulls::kGiveNull>},
+    Function{"tv_sub", -1, entry<chain<decimalDifference>, Nulls::kGiveNull>},
+    Function{"tv_mul", -1, entry<chain<decimalProduct>, Nulls::kGiveNull>},
+    Function{"tv_div", 2, entry<divide, Nulls::kGiveNull>},
+    Function{"tv_intdiv", 2, entry<divideWhole, Nulls::kGiveNull>},
+    Function{"tv_mod", 2, entry<modulo, Nulls::kGiveNull>},
+    Function{"tv_and", 2, entry<bitAnd, Nulls::kTaken>},
+    Function{"tv_or", 2, entry<bitOr, Nulls::kTaken>},
+    Function{"tv_not", 1, entry<bitNot, Nulls::kGiveNull>},
+    Function{"tv_power", 2, entry<power, Nulls::kGiveNull>},
+    Function{"tv_currency", 1, entry<currency, Nulls::kGiveNull>},
+    Function{"tv_whole", 2, entry<whole, Nulls::kGiveNull>},
+    Function{"tv_single", 1, entry<single, Nulls::kGiveNull>},
+    Function{"tv_int", 1, entry<floorOf, Nulls::kGiveNull>},
+    Function{"tv_fix", 1, entry<truncate, Nulls::kGiveNull>},
+    Function{"tv_val", 1, entry<val, Nulls::kGiveNull>}};
 
 }  // namespace
 
