@@ -27,19 +27,29 @@ double fromTenThousandths(std::int64_t count) {
   return static_cast<double>(count) / kRealScale;
 }
 
-/// A product of counts as a number, where it is exact.
-std::optional<double> product(std::int64_t a, std::int64_t b) {
-  double scale = kRealScale * kRealScale;
-  if (a % kScale == 0) {
-    a /= kScale;
-    scale /= kRealScale;
-  } else if (b % kScale == 0) {
-    b /= kScale;
-    scale /= kRealScale;
+/// A count of ten-thousandths in the largest unit of which it is a whole count.
+struct Units {
+  explicit Units(std::int64_t tenThousandths) : count(tenThousandths), scale(kRealScale) {
+    if (count % kScale == 0) {
+      count /= kScale;
+      scale = 1;
+    } else if (count % 100 == 0) {
+      count /= 100;
+      scale /= 100;
+    }
   }
-  const double count = static_cast<double>(a) * static_cast<double>(b);
+
+  std::int64_t count;
+  double scale;  ///< of them in 1
+};
+
+/// A product of counts of ten-thousandths as a number, where it is exact.
+std::optional<double> product(std::int64_t a, std::int64_t b) {
+  const Units x(a);
+  const Units y(b);
+  const double count = static_cast<double>(x.count) * static_cast<double>(y.count);
   if (std::fabs(count) > kMostExact) return std::nullopt;
-  return count / scale;
+  return count / (x.scale * y.scale);
 }
 
 }  // namespace

@@ -88,7 +88,7 @@ TEST(RoundingMask, ATextThatIsNoNumberIsRefused) {
 TEST(MaskThatReadsBack, IsOneThatRoundsOrGroups) {
   for (const char* mask :
        {"#,##0.00", "0", "0.###", "#,##0.0000", "0.00;(0.00)", "Standard", "Fixed", "Currency",
-        "#,##0.00 €", "0.0000E+00", "General Number", "@"}) {
+        "#,##0.00 €", "0.0000000E+00", "General Number", "@"}) {
     EXPECT_TRUE(readsBack(mask, *Locale::spanish())) << mask;
     EXPECT_TRUE(readsBack(mask, *Locale::neutral())) << mask;
   }

@@ -20,7 +20,8 @@ class Writer {
  public:
   virtual ~Writer() = default;
 
-  virtual void placeholder(std::string& out, std::int32_t number) const = 0;
+  /// `isNew` where this number stands for the first time; those that do come in order.
+  virtual void placeholder(std::string& out, std::int32_t number, bool isNew) const = 0;
   /// True for a word that can't be a name without quotes.
   virtual bool isReserved(std::string_view name) const = 0;
   /// The functions that give the smaller and the larger of two values.

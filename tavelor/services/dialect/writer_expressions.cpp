@@ -248,7 +248,8 @@ void StepText::literal(const Expr& expr) {
 }
 
 void StepText::placeholder(const Expr& expr) {
-  if (expr.step != number_) {
+  const bool isNew = expr.step != number_;
+  if (isNew) {
     Parameter parameter;
     parameter.literal = expr.literal.literal;
     parameter.conversion = expr.conversion;
@@ -262,7 +263,7 @@ void StepText::placeholder(const Expr& expr) {
     expr.step = number_;
     expr.placeholder = static_cast<std::int32_t>(step_.parameters.size());
   }
-  writer_.placeholder(step_.sql, expr.placeholder);
+  writer_.placeholder(step_.sql, expr.placeholder, isNew);
 }
 
 void StepText::function(std::string_view name, const Expr& first, const Expr& second) {
