@@ -113,7 +113,7 @@ void readWritten(Lifted& number) {
 
 /// `plain` is the number in plain form, "" where it is the text of a bare number: a double has not
 /// all the digits of the largest amounts.
-Value moneyOf(const Lifted& number, std::string plain, const Parameter& parameter) {
+Value moneyOf(const Lifted& number, std::string_view plain, const Parameter& parameter) {
   // Of 0 to 4 decimals.
   constexpr std::array<std::int64_t, 5> kToScale{10'000, 1'000, 100, 10, 1};
   if (number.kind == LiteralKind::kWhole) {
@@ -126,13 +126,11 @@ Value moneyOf(const Lifted& number, std::string plain, const Parameter& paramete
     const std::int64_t toScale = kToScale[static_cast<std::size_t>(number.decimals)];
     if (!__builtin_mul_overflow(number.whole, toScale, &product)) scaled = product;
   } else {
-    if (plain.empty()) {
-      plain = number.text;
-      plain.erase(std::remove(plain.begin(), plain.end(), '+'), plain.end());
-      std::replace(plain.begin(), plain.end(), 'E', 'e');
-    }
+    std::string written(plain.empty() ? number.text : plain);
+    written.erase(std::remove(written.begin(), written.end(), '+'), written.end());
+    std::replace(written.begin(), written.end(), 'E', 'e');
     constexpr int kDecimals = 4;
-    scaled = scaledBy(digitsOf(std::string_view(plain)), kDecimals);
+    scaled = scaledBy(digitsOf(std::string_view(written)), kDecimals);
   }
   if (!scaled) refuseRange(number, parameter);
   return Value::ofCurrency(Currency::fromScaled(*scaled));
@@ -164,14 +162,14 @@ Value numberOf(const Lifted& number) {
 }
 
 /// A number that is assigned to a column takes the column's type.
-Value assigned(const Lifted& number, std::string plain, const Parameter& parameter) {
+Value assigned(const Lifted& number, std::string_view plain, const Parameter& parameter) {
   switch (parameter.columnType) {
     case ColumnType::kByte:
     case ColumnType::kInt16:
     case ColumnType::kInt32:
       return wholeOf(number, parameter);
     case ColumnType::kCurrency:
-      return moneyOf(number, std::move(plain), parameter);
+      return moneyOf(number, plain, parameter);
     case ColumnType::kSingle: {
       const auto single = static_cast<float>(number.asReal());
       if (!std::isfinite(single)) refuseRange(number, parameter);
@@ -193,15 +191,15 @@ Value assigned(const Lifted& number, std::string plain, const Parameter& paramet
 }
 
 /// As the parameter wants it; `plain` as of moneyOf().
-Value fitted(const Lifted& number, std::string plain, const Parameter& parameter) {
+Value fitted(const Lifted& number, std::string_view plain, const Parameter& parameter) {
   if (number.kind == LiteralKind::kDecimal && !std::isfinite(number.real)) {
     if (!parameter.column.empty()) refuseRange(number, parameter);
     raise(errors::kOverflow, kSource, fmt::format("no number holds {}", number.text));
   }
   if (parameter.conversion == Conversion::kCurrency) {
-    return moneyOf(number, std::move(plain), parameter);
+    return moneyOf(number, plain, parameter);
   }
-  if (!parameter.column.empty()) return assigned(number, std::move(plain), parameter);
+  if (!parameter.column.empty()) return assigned(number, plain, parameter);
   return numberOf(number);
 }
 
@@ -285,7 +283,7 @@ Value LiteralReader::quotedNumber(const Lifted& literal, const Parameter& parame
   } else if (number.decimals > 4) {
     plain = fmt::format("{}e-{}", number.whole, number.decimals);
   }
-  return fitted(number, std::move(plain), parameter);
+  return fitted(number, plain, parameter);
 }
 
 Value LiteralReader::date(const Lifted& literal, const Parameter& parameter) const {

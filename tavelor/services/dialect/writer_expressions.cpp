@@ -54,6 +54,7 @@ enum Open : int {
   kOperatorOpen = 2,
   kFirstArgumentOpen = 3,
   kArgumentOpen = 5,
+  kBetweenOpen = 4,
   kCaseOpen = 5,
   kSelectOpen = 8,
   kMostOpen = 84
@@ -339,7 +340,9 @@ void StepText::joinedTexts(const Expr& expr) {
   const bool mayBeNull = std::none_of(parts.begin(), parts.end(), isNeverNull);
   if (mayBeNull) {
     *this << "CASE WHEN coalesce(";
+    open_ += kCaseOpen;
     arguments(parts);
+    open_ -= kCaseOpen;
     *this << ") IS NOT NULL THEN ";
   }
   for (std::size_t i = 0; i < parts.size(); ++i) {
@@ -364,9 +367,11 @@ void StepText::compare(const Expr& expr, int level) {
 void StepText::between(const Expr& expr, int level) {
   expression(*expr.left, level + 1);
   *this << (expr.negated ? " NOT BETWEEN " : " BETWEEN ");
+  open_ += kBetweenOpen;
   function(writer_.smaller(), *expr.right, *expr.third);
   *this << " AND ";
   function(writer_.larger(), *expr.right, *expr.third);
+  open_ -= kBetweenOpen;
 }
 
 void StepText::like(const Expr& expr) {
@@ -436,7 +441,10 @@ void StepText::call(const Expr& expr) {
       *this << function.engineName << "(";
       break;
   }
+  // Behind the name of a part.
+  if (function.kind == FunctionKind::kDatePart) open_ += kOperatorOpen;
   list(first);
+  if (function.kind == FunctionKind::kDatePart) open_ -= kOperatorOpen;
   if (function.kind == FunctionKind::kTyped) {
     if (first->next == nullptr) *this << ", NULL";
     *this << ", " << typeNumber(first->type);
@@ -466,7 +474,7 @@ void StepText::cast(const Expr& expr) {
       return;
     case Cast::kFlag:
       *this << writer_.beforeTruth();
-      expression(*expr.left, kCompareLevel + 1);
+      nested(*expr.left, kCompareLevel + 1, kOperatorOpen);
       *this << " <> 0" << writer_.behindTruth();
       return;
     case Cast::kNumber:
