@@ -29,8 +29,13 @@ Currency Currency::fromDouble(double amount) {
   if (!std::isfinite(amount)) raiseOverflow();
   const auto scaled = scaledBy(
       std::fabs(amount) < kFifthDecimalSeen ? digitsOf(amount) : allDigitsOf(amount), kDecimals);
-  if (!scaled) raiseOverflow();
-  return fromScaled(*scaled);
+  if (scaled) return fromScaled(*scaled);
+  // The doubles nearest to the first and the last amount lie beyond them.
+  for (const std::int64_t end :
+       {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()}) {
+    if (amount == fromScaled(end).toDouble()) return fromScaled(end);
+  }
+  raiseOverflow();
 }
 
 Currency Currency::operator-() const {

@@ -6,6 +6,7 @@
 #include <array>
 #include <utility>
 
+#include "tavelor/platform/text.hpp"
 #include "tavelor/platform/utf8.hpp"
 
 namespace tavelor {
@@ -101,10 +102,38 @@ std::string shownPart(std::string_view statement, std::int64_t offset) {
   return shown;
 }
 
+/// Bytes of the longest description: no sentence of ours is near, only what is quoted in one.
+constexpr std::size_t kMostBytes = 4'000;
+
+/// What is no character, and NUL, becomes the sign that stands for such.
+std::string cleaned(std::string_view text) {
+  std::string clean;
+  for (std::size_t i = 0; i < text.size();) {
+    const utf8::Character character = utf8::decode(text, i);
+    const bool isShown = character.code != 0 && character.code < utf8::kInvalidBase;
+    clean += isShown ? text.substr(i, character.size) : std::string_view("\uFFFD");
+    i += character.size;
+  }
+  return clean;
+}
+
+/// A text for people: of one that is too long the middle goes.
+std::string readable(std::string text) {
+  if (text.find('\0') != std::string::npos || !text::isValidUtf8(text)) text = cleaned(text);
+  if (text.size() <= kMostBytes) return text;
+  std::size_t head = kMostBytes * 3 / 4;
+  std::size_t tail = text.size() - kMostBytes / 4;
+  while (!startsCharacter(text, head)) --head;
+  while (!startsCharacter(text, tail)) ++tail;
+  return text.replace(head, tail - head, " ... ");
+}
+
 }  // namespace
 
 Error::Error(std::int32_t number, std::string source, std::string description)
-    : number_(number), source_(std::move(source)), description_(std::move(description)) {
+    : number_(number),
+      source_(readable(std::move(source))),
+      description_(readable(std::move(description))) {
   compose();
 }
 
@@ -126,7 +155,7 @@ void Error::compose() {
   if (!source_.empty()) what_.append(source_).append(": ");
   what_.append(description_).append(" (error ").append(std::to_string(number_)).append(")");
   if (statement_.empty()) return;
-  what_.append("\n  in: ").append(shownPart(statement_, offset_));
+  what_.append("\n  in: ").append(readable(shownPart(statement_, offset_)));
   if (offset_ < 0) return;
   const TextPlace place = placeOf(statement_, offset_);
   what_.append("\n  at line ").append(std::to_string(place.line));

@@ -57,6 +57,9 @@ inline constexpr std::int32_t kBusy = -2147217843;
 
 /// What went wrong: a number for programs, a source and a description for people, and for whoever
 /// debugs the statement, the engine's own code and the place in the statement.
+///
+/// Source, description and what() are for people whatever was quoted in them: valid UTF-8 without
+/// NUL, and at most some thousand bytes, of a longer one its beginning and its end.
 class Error : public std::exception {
  public:
   Error(std::int32_t number, std::string source, std::string description);

@@ -2,6 +2,7 @@
 // The platform's format function: which kind of mask, and the named formats.
 #include "tavelor/platform/format.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <optional>
@@ -61,6 +62,10 @@ MaskKind kindOf(std::string_view mask) {
       case 'c':
       case 'C':
         return MaskKind::kDate;
+      case 'a':
+      case 'A':
+        if (startsHalfDay(mask.substr(i))) return MaskKind::kDate;
+        break;
       case 't':
       case 'T':
         if (text::equalsIgnoreCase(mask.substr(i, 5), "ttttt")) return MaskKind::kDate;
@@ -217,6 +222,16 @@ std::string format(const Variant& value, std::string_view mask, const Locale& lo
 
 RoundingMask::RoundingMask(std::string_view mask, const Locale& locale)
     : mask_(mask), locale_(locale), decimals_(roundedDecimals(maskBehind(mask))) {}
+
+bool readsBack(std::string_view mask, const Locale& locale) {
+  // Nothing, whole and broken numbers, both signs, with and without groups.
+  constexpr std::array kTried{0.0, 0.25, 1.0, 1.5, -1.5, 1234.5, -9876543.25};
+  constexpr double kRounding = 0.5;
+  return std::all_of(kTried.begin(), kTried.end(), [&](double number) {
+    const auto read = parseNumber(format(number, mask, locale), locale);
+    return read && std::fabs(*read - number) <= kRounding;
+  });
+}
 
 double RoundingMask::operator()(double value) const {
   constexpr double kMostWhole = 1e15;  // from here on digits are lost before the point

@@ -46,4 +46,8 @@ class RoundingMask {
   int decimals_;  ///< of a mask that does nothing but round and group; else negative
 };
 
+/// True if what numbers become by the mask reads as them again by the same locale, rounded to whole
+/// ones at most. For masks by which numbers are rounded, not only shown.
+bool readsBack(std::string_view mask, const Locale& locale);
+
 }  // namespace tavelor

@@ -169,7 +169,7 @@ class DateWriter {
   }
 
   void writeYear(std::size_t size) {
-    if (size == 1) return appendPadded(out_, dayOfYear(civil_), 1);
+    if (size == 1 || size == 3) return appendPadded(out_, dayOfYear(civil_), 1);
     if (size == 2) return appendPadded(out_, civil_.year % 100, 2);
     appendPadded(out_, civil_.year, 4);
   }
@@ -192,6 +192,10 @@ class DateWriter {
 };
 
 }  // namespace
+
+bool startsHalfDay(std::string_view mask) {
+  return !mask.empty() && !halfDayMarkAt(mask, 0).empty();
+}
 
 std::string formatDate(Date date, std::string_view mask, const Locale& locale) {
   return DateWriter(date, mask, locale).write();

@@ -22,6 +22,9 @@ std::string formatNullSection(std::string_view mask, const Locale& locale);
 /// a digit; else negative.
 int roundedDecimals(std::string_view mask);
 
+/// True for a mask that begins with AM/PM, A/P or AMPM.
+bool startsHalfDay(std::string_view mask);
+
 /// Writes a date by a mask. Raises 6 outside the years 100 to 9999.
 std::string formatDate(Date date, std::string_view mask, const Locale& locale);
 

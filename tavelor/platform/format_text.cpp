@@ -72,7 +72,6 @@ std::string formatText(std::string_view text, std::string_view mask) {
   }
   const std::size_t length = text::length(text);
   std::size_t empty = section.places > length ? section.places - length : 0;
-  std::size_t extra = length > section.places ? length - section.places : 0;
   std::size_t placesLeft = section.places;
   std::string out;
   const auto put = [&](std::size_t count) {
@@ -92,9 +91,8 @@ std::string formatText(std::string_view text, std::string_view mask) {
       if (piece.blankWhenEmpty) out += ' ';
       continue;
     }
-    // Filled from the right, what is too much comes out at the first place.
-    put(section.fromLeft ? 1 : 1 + extra);
-    if (!section.fromLeft) extra = 0;
+    // What is too much goes to the last place, before the text behind it.
+    put(placesLeft == 0 ? std::string_view::npos : 1);
   }
   out += text;
   return out;

@@ -82,6 +82,9 @@ std::shared_ptr<const Locale> Locale::byName(const std::string& name) {
   for (const auto& locale : {spanish(), neutral()}) {
     if (text::equalsIgnoreCase(locale->name, name)) return locale;
   }
+  for (const std::string_view alike : {"ca-ES", "gl-ES", "eu-ES"}) {
+    if (text::equalsIgnoreCase(alike, name)) return spanish();
+  }
   return nullptr;
 }
 

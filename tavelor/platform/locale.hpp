@@ -38,7 +38,8 @@ struct Locale {
   /// English names and a decimal point: 1,234.56 · 2026-12-31, read as year, month, day. For tests
   /// and exports that must not depend on a country.
   static const std::shared_ptr<const Locale>& neutral();
-  /// One of the above by its name, without regard to case; null when there is none.
+  /// One of the above by its name, without regard to case; null when there is none. ca-ES, gl-ES
+  /// and eu-ES are spanish(), its words and the names of its days too.
   static std::shared_ptr<const Locale> byName(const std::string& name);
 };
 

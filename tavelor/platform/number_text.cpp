@@ -66,7 +66,7 @@ class NumberReader {
     plain_.clear();
     if (!readPrefix()) return false;
     if (at_ < text_.size() && text_[at_] == '&') {
-      if (hasSymbol_ || hasParenthesis_ || !readRadix()) return false;
+      if (hasSymbol_ || hasParenthesis_ || !readAmpersand()) return false;
     } else if (!readDigits() || !readExponent()) {
       return false;
     }
@@ -146,18 +146,11 @@ class NumberReader {
     return at_ > begin;
   }
 
-  /// &H1A and &O17: 32 bits, so eight F are -1.
-  bool readRadix() {
-    const char letter = at_ + 1 < text_.size() ? text_[at_ + 1] : '\0';
-    const bool hexadecimal = letter == 'H' || letter == 'h';
-    if (!hexadecimal && letter != 'O' && letter != 'o') return false;
-    const char* const begin = text_.data() + at_ + 2;
-    std::uint32_t bits = 0;
-    const auto result =
-        std::from_chars(begin, text_.data() + text_.size(), bits, hexadecimal ? 16 : 8);
-    if (result.ec != std::errc{}) return false;
-    at_ = static_cast<std::size_t>(result.ptr - text_.data());
-    std::int64_t value = static_cast<std::int32_t>(bits);
+  bool readAmpersand() {
+    const auto radix = readRadix(text_.substr(at_));
+    if (!radix) return false;
+    at_ += radix->length;
+    std::int64_t value = radix->number;
     if (!plain_.empty()) value = -value;
     plain_ = std::to_string(value);
     return true;
@@ -242,6 +235,26 @@ double plainFormToDouble(std::string_view plain) {
   double value = 0;
   const auto result = std::from_chars(plain.data(), plain.data() + plain.size(), value);
   return result.ec == std::errc{} ? value : toDouble(digitsOf(plain));
+}
+
+std::optional<RadixNumber> readRadix(std::string_view text) {
+  if (text.size() < 3 || text[0] != '&') return std::nullopt;
+  const bool hexadecimal = text[1] == 'H' || text[1] == 'h';
+  if (!hexadecimal && text[1] != 'O' && text[1] != 'o') return std::nullopt;
+  const char* const end = text.data() + text.size();
+  std::uint32_t bits = 0;
+  const auto read = std::from_chars(text.data() + 2, end, bits, hexadecimal ? 16 : 8);
+  if (read.ec != std::errc{}) return std::nullopt;
+  RadixNumber radix;
+  radix.length = static_cast<std::size_t>(read.ptr - text.data());
+  if (read.ptr != end && *read.ptr == '&') {
+    ++radix.length;
+    radix.number = static_cast<std::int32_t>(bits);
+  } else {
+    radix.number =
+        bits > 0xFFFF ? static_cast<std::int32_t>(bits) : static_cast<std::int16_t>(bits);
+  }
+  return radix;
 }
 
 std::optional<double> parseNumber(std::string_view text, const Locale& locale) {

@@ -2,6 +2,7 @@
 // Numbers as text and text as numbers.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -25,8 +26,20 @@ std::string sqlNumber(double value, int decimals = 6);
 /// Reads a number as the locale writes it: blanks around, sign, grouping marks before the decimal
 /// sign, an exponent (E or D), a currency symbol, parentheses for negative, &H and &O. Nothing when
 /// the text is no number ("" too) or one that a double cannot hold. Thousands marks are skipped
-/// wherever they stand before the decimal sign; &HFFFFFFFF is -1.
+/// wherever they stand before the decimal sign; &H and &O as readRadix() has them.
 std::optional<double> parseNumber(std::string_view text, const Locale& locale);
+
+/// A whole number of another base, and the characters that it takes.
+struct RadixNumber {
+  std::int32_t number = 0;
+  std::size_t length = 0;
+};
+/// What begins a text as a number in hexadecimal (&H1A) or octal (&O17), whatever the case of its
+/// letters. Up to 16 bits are a signed whole number of 16 bits, more than that one of 32, so
+/// &HFFFF and &HFFFFFFFF are -1 and &H10000 is 65536; a & behind the digits belongs to the number
+/// and makes 32 bits of it, so &HFFFF& is 65535. Nothing for any other text, and for more than 32
+/// bits.
+std::optional<RadixNumber> readRadix(std::string_view text);
 
 /// Reads a number with a decimal point and nothing else around it, as statements write it.
 std::optional<double> parseSqlNumber(std::string_view text);

@@ -39,12 +39,16 @@ bool isValidUtf8(std::string_view text);
 
 /// The entry of `candidates` closest to `name` by edit distance without regard to case, "" when
 /// none is near. For "did you mean" in messages. `candidates` iterates over string-like values.
+/// Names that are too long to be near cost nothing, however long they are.
 std::size_t editDistance(std::string_view a, std::string_view b);
 template <typename Range>
 std::string nearest(std::string_view name, const Range& candidates) {
   std::string best;
-  std::size_t bestDistance = length(name) / 2 + 1;
+  const std::size_t size = length(name);
+  std::size_t bestDistance = size / 2 + 1;
   for (const auto& candidate : candidates) {
+    const std::size_t other = length(candidate);
+    if ((size > other ? size - other : other - size) >= bestDistance) continue;
     const std::size_t distance = editDistance(foldCase(name), foldCase(candidate));
     if (distance < bestDistance) {
       bestDistance = distance;

@@ -15,6 +15,7 @@
 #include <fmt/format.h>
 
 #include "tavelor/platform/error.hpp"
+#include "tavelor/platform/format.hpp"
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/engines.hpp"
@@ -237,6 +238,17 @@ void checkText(std::string_view what, std::string_view value, const std::string&
   }
 }
 
+/// Amounts and quantities are rounded by their formats: what these write is read again.
+void checkFormat(std::string_view what, const std::string& mask, const Locale& locale,
+                 const std::string& where) {
+  checkText(what, mask, where);
+  if (readsBack(mask, locale)) return;
+  raise(errors::kInvalidCall, kSource,
+        fmt::format("{}: {} \"{}\" writes numbers that do not read as the same numbers again, as "
+                    "\"#,##0.00\" does.",
+                    where, what, mask));
+}
+
 void checkKeyName(std::string_view what, std::string_view value, const std::string& where) {
   checkText(what, value, where);
   if (value.find('\\') != std::string_view::npos || text::trim(value) != value) {
@@ -329,8 +341,8 @@ void checkSettings(const Settings& s, const fs::path& folder, const std::string&
     complain(fmt::format("there is no locale \"{}\"; there are \"{}\" and \"{}\"", s.locale,
                          Locale::spanish()->name, Locale::neutral()->name));
   }
-  checkText("the amount format", s.amountFormat, where);
-  checkText("the quantity format", s.quantityFormat, where);
+  checkFormat("the amount format", s.amountFormat, *Locale::byName(s.locale), where);
+  checkFormat("the quantity format", s.quantityFormat, *Locale::byName(s.locale), where);
   if (s.currencyDecimals < 0 || s.currencyDecimals > kMostDecimals) {
     complain(fmt::format("the currency can't have {} decimals", s.currencyDecimals));
   }

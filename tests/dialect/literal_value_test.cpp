@@ -29,9 +29,10 @@ TEST(PlainNumber, OfEveryLengthIsReadToTheDigit) {
   const std::string digits = "987654321098765";
   for (std::size_t count = 1; count <= digits.size(); ++count) {
     const std::string whole = digits.substr(0, count);
-    EXPECT_EQ(readAs(whole), whole);
-    EXPECT_EQ(readAs("-" + whole), "-" + whole);
-    EXPECT_EQ(readAs("+" + whole), whole);
+    const std::string kind = count > 9 ? "/0" : "";
+    EXPECT_EQ(readAs(whole), whole + kind);
+    EXPECT_EQ(readAs("-" + whole), "-" + whole + kind);
+    EXPECT_EQ(readAs("+" + whole), whole + kind);
     for (std::size_t point = 0; point <= count; ++point) {
       const std::string text = whole.substr(0, point) + "." + whole.substr(point);
       EXPECT_EQ(readAs(text), whole + "/" + std::to_string(count - point)) << text;
@@ -43,6 +44,14 @@ TEST(PlainNumber, OfEveryLengthIsReadToTheDigit) {
   EXPECT_EQ(readAs("00000000"), "0");
   EXPECT_EQ(readAs("0000012"), "12");
   EXPECT_EQ(readAs("-0"), "0");
+}
+
+TEST(PlainNumber, BeyondALongIsADecimal) {
+  EXPECT_EQ(readAs("2147483647"), "2147483647");
+  EXPECT_EQ(readAs("2147483648"), "2147483648/0");
+  EXPECT_EQ(readAs("-2147483648"), "-2147483648");
+  EXPECT_EQ(readAs("-2147483649"), "-2147483649/0");
+  EXPECT_EQ(readAs("000000000000007"), "7");
 }
 
 TEST(PlainNumber, HasTheDecimalSignThatIsAskedFor) {

@@ -231,8 +231,10 @@ TEST_F(PlanCacheTest, ANumberOfAnAssignmentMayBeWholeOrNot) {
   }
   EXPECT_EQ(cache.counters().shapeHits, 7U);
   EXPECT_THAT(journal.bound, ElementsAre("real -0.250000"));
+  run(insertBare("2147483647"));
+  EXPECT_THAT(journal.bound, ElementsAre("whole 2147483647"));
   run(insertBare("9223372036854775807"));
-  EXPECT_THAT(journal.bound, ElementsAre("whole 9223372036854775807"));
+  EXPECT_THAT(journal.bound, ElementsAre("real 9223372036854775808.000000"));
   run(insertBare("1e3"));
   EXPECT_THAT(journal.bound, ElementsAre("real 1000.000000"));
 }
@@ -273,7 +275,7 @@ TEST_F(PlanCacheTest, ATextWithoutValuesIsRememberedWhenItComesAgain) {
 }
 
 TEST_F(PlanCacheTest, WhatOnlyTheLexerCanJudgeIsRememberedOnce) {
-  run(insertBare("1"));
+  run(insertBare("1.5"));
   for (int count = 0; count < 20; ++count) run(insertBare("12345678901234567890"));
   EXPECT_THAT(journal.bound, ElementsAre("real 12345678901234567168.000000"));
   EXPECT_EQ(cache.counters().lexedHits, 20U);
@@ -378,6 +380,29 @@ TEST_F(PlanCacheTest, MoneyRoundsToFourDecimalsHalvesToEven) {
   run(insertQuoted("Importe", "922337203685477"));
   EXPECT_THAT(journal.bound, ElementsAre("money 9223372036854770000"));
   EXPECT_EQ(errorOf(insertQuoted("Importe", "1922337203685478")), errors::kMultipleStep);
+}
+
+TEST_F(PlanCacheTest, TheFirstAndTheLastAmountAreReadFromAllOfTheirDigits) {
+  run(insertQuoted("Importe", "922.337.203.685.477,5807"));
+  EXPECT_THAT(journal.bound, ElementsAre("money 9223372036854775807"));
+  run(insertQuoted("Importe", "-922337203685477,5808"));
+  EXPECT_THAT(journal.bound, ElementsAre("money -9223372036854775808"));
+  run(Statement("UPDATE Lineas SET Importe = 922337203685477.5807"));
+  EXPECT_THAT(journal.bound, ElementsAre("money 9223372036854775807"));
+  run(Statement("UPDATE Lineas SET Importe = +9.223372036854775807E+14"));
+  EXPECT_THAT(journal.bound, ElementsAre("money 9223372036854775807"));
+  EXPECT_EQ(errorOf(insertQuoted("Importe", "922337203685477,5808")), errors::kMultipleStep);
+  run(insertQuoted("Importe", "0,12345"));
+  EXPECT_THAT(journal.bound, ElementsAre("money 1234"));
+  run(insertQuoted("Importe", "1.500"));
+  EXPECT_THAT(journal.bound, ElementsAre("money 15000000"));
+}
+
+TEST_F(PlanCacheTest, ANumberThatNoDoubleHoldsIsAnOverflow) {
+  EXPECT_EQ(errorOf(Statement("DELETE FROM Lineas WHERE Cantidad > 1e400")), errors::kOverflow);
+  EXPECT_THAT(description, HasSubstr("1e400"));
+  EXPECT_EQ(errorOf(Statement("UPDATE Lineas SET Cantidad = 1e400")), errors::kMultipleStep);
+  EXPECT_THAT(description, HasSubstr("Cantidad"));
 }
 
 TEST_F(PlanCacheTest, AWholeColumnRoundsAndRefusesWhatIsOutOfItsRange) {

@@ -105,7 +105,7 @@ TEST(Operators, BindAsInTheDialect) {
 
 TEST(Comparison, ChainsFromTheLeftAndIsMinusOneAsAValue) {
   EXPECT_EQ(sqlOf("UPDATE Bancos SET Tipo = Tipo = Tipo + 3"),
-            "UPDATE Bancos SET Tipo = -(Tipo = Tipo + ?1)");
+            "UPDATE Bancos SET Tipo = -(Tipo = tv_add(Tipo, ?1))");
   EXPECT_EQ(condition("Orden = 1 = 2"), "-(Orden = ?1) = ?2");
   EXPECT_EQ(item("Orden > 3"), "-(Orden > ?1)");
   EXPECT_EQ(typeOfItem("Orden > 3"), ColumnType::kBoolean);
@@ -175,7 +175,7 @@ TEST(Conversion, OfAnAssignedExpressionIsWrittenOut) {
     const std::string sql = sqlOf("UPDATE Bancos SET " + std::string(text));
     return sql.substr(sql.find(" = ") + 3);
   };
-  EXPECT_EQ(assigned("Saldo = Saldo * 2"), "tv_currency(Saldo * ?1)");
+  EXPECT_EQ(assigned("Saldo = Saldo * 2"), "tv_currency(tv_mul(Saldo, ?1))");
   EXPECT_EQ(assigned("Saldo = Saldo"), "Saldo");
   EXPECT_EQ(assigned("Saldo = Banco"), "tv_currency(tv_number(Banco))");
   EXPECT_EQ(assigned("Orden = Orden + 1"), "tv_whole(Orden + ?1, 3)");
@@ -195,8 +195,8 @@ TEST(Conversion, OfAnAssignedExpressionIsWrittenOut) {
 
 TEST(Plus, JoinsTwoTextsAndAddsEverythingElse) {
   EXPECT_EQ(item("Banco + ' ' + Codigo"), "Banco || ?1 || Codigo");
-  EXPECT_EQ(item("Orden + '1'"), "Orden + ?1");
-  EXPECT_EQ(item("Banco + 1"), "tv_number(Banco) + ?1");
+  EXPECT_EQ(item("Orden + '1'"), "tv_add(Orden, ?1)");
+  EXPECT_EQ(item("Banco + 1"), "tv_add(tv_number(Banco), ?1)");
   EXPECT_EQ(typeOfItem("Alta + 1"), ColumnType::kDate);
   EXPECT_EQ(typeOfItem("Alta - Alta"), ColumnType::kDouble);
   EXPECT_EQ(typeOfItem("Orden + Corto"), ColumnType::kInt32);

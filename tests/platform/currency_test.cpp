@@ -52,6 +52,12 @@ TEST(Currency, RaisesOverflowOutOfRange) {
   EXPECT_EQ(scaledOf(922337203685477.0), 9223372036854770000);
 }
 
+TEST(Currency, TheFirstAndTheLastAmountComeBackFromTheirDoubles) {
+  for (const std::int64_t end : {INT64_MIN, INT64_MAX}) {
+    EXPECT_EQ(Currency::fromDouble(Currency::fromScaled(end).toDouble()).scaled(), end);
+  }
+}
+
 TEST(Currency, AddsAndSubtractsExactly) {
   const Currency tenth = Currency::fromScaled(1000);
   const Currency fifth = Currency::fromScaled(2000);

@@ -185,5 +185,32 @@ TEST(PlaceOf, CountsLinesAndCharactersFromOne) {
   EXPECT_EQ(place(1000), "2:3");
 }
 
+TEST(ErrorText, OfAMegabyteIsCutInTheMiddleBetweenCharacters) {
+  std::string text = "begin";
+  for (int i = 0; i < 500'000; ++i) text += "ñ";
+  const Error error(13, "Source", text + "end");
+  EXPECT_LT(error.description().size(), 4'200U);
+  EXPECT_TRUE(error.description().starts_with("beginñ"));
+  EXPECT_TRUE(error.description().ends_with("ñend"));
+  EXPECT_TRUE(text::isValidUtf8(error.description()));
+  EXPECT_LT(std::string_view(error.what()).size(), 4'300U);
+}
+
+TEST(ErrorText, IsCleanedOfNulAndWhatIsNoCharacter) {
+  const Error error(13, "So\xFFurce", std::string("caf\xE9 'a\0b'", 10));
+  EXPECT_EQ(error.description(), "caf\uFFFD 'a\uFFFDb'");
+  EXPECT_EQ(error.source(), "So\uFFFDurce");
+  Error inStatement(13, "", "x");
+  inStatement.inStatement("SELECT '\xE9'");
+  EXPECT_TRUE(text::isValidUtf8(inStatement.what()));
+  EXPECT_EQ(inStatement.statement(), "SELECT '\xE9'") << "the statement itself stays as it is";
+}
+
+TEST(ErrorText, OfDamagedBytesAloneIsCutToo) {
+  const Error error(13, "", std::string(1 << 20, '\x80'));
+  EXPECT_LT(error.description().size(), 4'200U);
+  EXPECT_TRUE(text::isValidUtf8(error.description()));
+}
+
 }  // namespace
 }  // namespace tavelor

@@ -56,6 +56,7 @@ TEST(FormatDate, DaysMonthsAndYears) {
   EXPECT_EQ(es(kMoment, "mmmm"), "marzo");
   EXPECT_EQ(es(kMoment, "yy"), "24");
   EXPECT_EQ(es(kMoment, "yyyy"), "2024");
+  EXPECT_EQ(es(kMoment, "yyy"), es(kMoment, "y")) << "three are the day of the year as one is";
   EXPECT_EQ(es(kMoment, "y"), "65") << "day of the year";
   EXPECT_EQ(es(kMoment, "q"), "1");
   EXPECT_EQ(es(Date::of(2024, 12, 31), "q y"), "4 366");
@@ -99,6 +100,9 @@ TEST(FormatDate, HalfDayMarksMakeTheClockCountToTwelve) {
   EXPECT_EQ(es(kMoment, "h:nn AM/PM"), "2:05 PM");
   EXPECT_EQ(es(kMoment, "h:nn am/pm"), "2:05 pm");
   EXPECT_EQ(es(kMoment, "h a/p"), "2 p");
+  EXPECT_EQ(es(kMoment, "a/p"), "p");
+  EXPECT_EQ(es(kMoment, "a/p hh"), "p 02");
+  EXPECT_EQ(es(0.25, "A/P"), "A");
   EXPECT_EQ(es(Date(0.0), "h A/P"), "12 A");
   EXPECT_EQ(es(Date(0.5), "hh AM/PM"), "12 PM");
   EXPECT_EQ(es(kMoment, "hh:nn AMPM"), "02:05 ");

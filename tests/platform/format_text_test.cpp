@@ -27,9 +27,12 @@ TEST(FormatText, AtSignsAreBlankAndAmpersandsNothingWithoutACharacter) {
   EXPECT_EQ(es("ab", "!&&&&"), "ab");
 }
 
-TEST(FormatText, WhatIsTooLongIsNotCut) {
-  EXPECT_EQ(es("abcdef", "@-@@"), "abcd-ef");
+TEST(FormatText, WhatIsTooLongGoesToTheLastPlace) {
+  EXPECT_EQ(es("abcdef", "@-@@"), "a-bcdef");
   EXPECT_EQ(es("abcdef", "!@-@@"), "a-bcdef");
+  EXPECT_EQ(es("15551212", "(@@@) @@@."), "(155) 51212.");
+  EXPECT_EQ(es("abc", "!&x"), "abcx");
+  EXPECT_EQ(es("abc", "<"), "abc");
 }
 
 TEST(FormatText, KeepsLiterals) {

@@ -43,6 +43,13 @@ TEST(Locale, ReadsBackWhatItWrites) {
   }
 }
 
+TEST(Locale, TheOtherCountriesOfSpainWriteAsSpanishDoes) {
+  for (const char* name : {"ca-ES", "gl-ES", "eu-ES", "EU-es", "es-ES"}) {
+    EXPECT_EQ(Locale::byName(name), Locale::spanish()) << name;
+  }
+  EXPECT_EQ(Locale::byName("pt-PT"), nullptr);
+}
+
 TEST(Locale, SpanishNamesBeginOnSundayAndInJanuary) {
   const Locale& es = *Locale::spanish();
   EXPECT_EQ(es.dayNames.front(), "domingo");

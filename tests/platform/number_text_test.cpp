@@ -199,6 +199,11 @@ TEST(ParseNumber, ReadsHexadecimalAndOctal) {
   EXPECT_EQ(parseNumber("&O17", es()), 15);
   EXPECT_EQ(parseNumber("-&H10", es()), -16);
   EXPECT_EQ(parseNumber("&HFFFFFFFF", es()), -1);
+  EXPECT_EQ(parseNumber("&HFFFF", es()), -1) << "16 bits are a signed whole number";
+  EXPECT_EQ(parseNumber("&H7FFF", es()), 32767);
+  EXPECT_EQ(parseNumber("&H10000", es()), 65536);
+  EXPECT_EQ(parseNumber("&HFFFF&", es()), 65535) << "the mark behind it makes it long";
+  EXPECT_EQ(parseNumber("&o177777", es()), -1);
   EXPECT_EQ(parseNumber("&H", es()), std::nullopt);
   EXPECT_EQ(parseNumber("&", es()), std::nullopt);
   EXPECT_EQ(parseNumber("&HG", es()), std::nullopt);

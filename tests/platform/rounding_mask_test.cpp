@@ -85,5 +85,21 @@ TEST(RoundingMask, ATextThatIsNoNumberIsRefused) {
   EXPECT_EQ(errorOf("0.00", std::numeric_limits<double>::infinity()), errors::kTypeMismatch);
 }
 
+TEST(MaskThatReadsBack, IsOneThatRoundsOrGroups) {
+  for (const char* mask :
+       {"#,##0.00", "0", "0.###", "#,##0.0000", "0.00;(0.00)", "Standard", "Fixed", "Currency",
+        "#,##0.00 €", "0.0000000E+00", "General Number", "@"}) {
+    EXPECT_TRUE(readsBack(mask, *Locale::spanish())) << mask;
+    EXPECT_TRUE(readsBack(mask, *Locale::neutral())) << mask;
+  }
+}
+
+TEST(MaskThatReadsBack, IsNoneThatScalesOrLeavesOutOrAddsWords) {
+  for (const char* mask : {"#,###.##", "#", "0,", "0%", "Percent", "0.00;0.00", "0.00 \"kg\"",
+                           "0;-0;\"nada\"", "dd/mm/yyyy", "Yes/No"}) {
+    EXPECT_FALSE(readsBack(mask, *Locale::spanish())) << mask;
+  }
+}
+
 }  // namespace
 }  // namespace tavelor

@@ -169,5 +169,12 @@ TEST(Text, NearestFindsTheClosestNameOrNothing) {
   EXPECT_EQ(nearest("zzzzzz", names), "");
 }
 
+TEST(Nearest, OfANameOfAMegabyteIsNoneAndCostsNothing) {
+  const std::string name(1 << 20, 'x');
+  const std::vector<std::string> candidates(1'000, "Codigo");
+  EXPECT_EQ(text::nearest(name, candidates), "");
+  EXPECT_EQ(text::nearest("Codgo", candidates), "Codigo");
+}
+
 }  // namespace
 }  // namespace tavelor::text

@@ -365,6 +365,27 @@ TEST_F(InstallationFolder, SettingsReadAsTheyWereWritten) {
   EXPECT_EQ(read.traceFile, written.traceFile);
 }
 
+TEST_F(InstallationFolder, AFormatWhoseNumbersDoNotReadAgainIsRefusedWhenTheSettingsAreOpened) {
+  const fs::path file = folder_.path() / "s.xml";
+  const auto opened = [&](const char* kind, const char* mask) -> std::string {
+    test::writeFile(
+        file, std::string("<installation format='1'><company>Tienda</company><formats ") + kind +
+                  "='" + mask + "'/></installation>");
+    try {
+      readSettings(file);
+    } catch (const Error& error) {
+      EXPECT_EQ(error.number(), errors::kInvalidCall);
+      return error.description();
+    }
+    return "";
+  };
+  EXPECT_THAT(opened("quantity", "#,###.##"), HasSubstr("the quantity format \"#,###.##\""));
+  EXPECT_THAT(opened("quantity", "0,"), HasSubstr("the quantity format"));
+  EXPECT_THAT(opened("amount", "0%"), HasSubstr("the amount format"));
+  EXPECT_EQ(opened("quantity", "#,##0.###"), "");
+  EXPECT_EQ(opened("amount", "#,##0"), "");
+}
+
 TEST_F(InstallationFolder, SettingsThatAreLeftOutHaveTheirDefaults) {
   const fs::path file = folder_.path() / "s.xml";
   test::writeFile(file, "<installation format='1'><company>Tienda</company></installation>");

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What statements of the dialect do to rows of the embedded engine.
+#include <algorithm>
+
 #include <gmock/gmock.h>
 
 #include "tavelor/platform/currency.hpp"
@@ -135,6 +137,8 @@ TEST_F(DialectBehaviour, AnEmptyTextEqualsNoNumberAndIsNoneToStore) {
   EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Orden = ''"), "none");
   EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Fecha > ''"), "none");
   EXPECT_EQ(error("UPDATE Tarifas SET Orden = ''"), errors::kTypeMismatch);
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Orden IN ('', 2)"), "b");
+  EXPECT_EQ(first("SELECT Count(*) FROM Tarifas GROUP BY Orden = ''"), "2") << "no placeholder";
 }
 
 TEST_F(DialectBehaviour, OnlyACounterNumbersItselfAndAnotherKeyMustBeGiven) {
@@ -170,9 +174,196 @@ TEST_F(DialectBehaviour, MoneyKeepsFourDecimalsAndWholeColumnsRoundToEven) {
   EXPECT_EQ(error("UPDATE Tarifas SET Corto = Orden * 40000"), errors::kOverflow);
 }
 
+TEST_F(DialectBehaviour, MoneyStaysExactInSumsProductsAndComparisons) {
+  for (const char* amount : {"0.1", "0.2"}) {
+    run("INSERT INTO Lineas (Codigo, Importe) VALUES ('s', " + std::string(amount) + ")");
+  }
+  EXPECT_EQ(first("SELECT Count(*) FROM Lineas HAVING Sum(Importe) > 0.3"), "none");
+  EXPECT_EQ(first("SELECT Count(*) FROM Lineas HAVING Sum(Importe) = 0.3"), "2");
+  EXPECT_EQ(first("SELECT Importe FROM Lineas WHERE Importe * 3 = 0.3"), "0.1");
+  EXPECT_EQ(first("SELECT Importe FROM Lineas WHERE Importe + 0.1 = 0.3"), "0.2");
+  EXPECT_EQ(first("SELECT Importe FROM Lineas WHERE 0.3 - Importe = 0.1"), "0.2");
+  EXPECT_EQ(first("SELECT Importe FROM Lineas WHERE Importe / 0.1 = 2"), "0.2");
+  EXPECT_EQ(first("SELECT Importe FROM Lineas WHERE Importe * Importe = 0.01"), "0.1");
+  EXPECT_EQ(first("SELECT Avg(Importe) FROM Lineas HAVING Avg(Importe) = 0.15"), "0.15");
+  run("UPDATE Lineas SET Importe = 4.35");
+  EXPECT_EQ(first("SELECT Int(Importe * 100) FROM Lineas"), "435");
+  EXPECT_EQ(first("SELECT Fix(-Importe * 100) FROM Lineas"), "-435");
+  EXPECT_EQ(first("SELECT Round(Importe * 1.5, 2) FROM Lineas"), "6.52");
+  EXPECT_EQ(first("SELECT Format(Importe * 100, '0') FROM Lineas"), "435");
+}
+
+TEST_F(DialectBehaviour, ASumOfManyAmountsIsExactToTheCent) {
+  session->execute(
+      "INSERT INTO Lineas (Codigo, Importe) WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + "
+      "1 "
+      "FROM n WHERE i < 30000) SELECT 'm', 0.1 FROM n");
+  EXPECT_EQ(first("SELECT Codigo FROM Lineas GROUP BY Codigo HAVING Sum(Importe) > 3000"), "none");
+  EXPECT_EQ(first("SELECT Codigo FROM Lineas GROUP BY Codigo HAVING Sum(Importe) = 3000"), "m");
+}
+
+TEST_F(DialectBehaviour, AmountsInDoubleColumnsAreCalculatedWithAsTheyAreSeen) {
+  run("UPDATE Tarifas SET Cantidad = 0.1 WHERE Codigo = 'a'");
+  run("UPDATE Tarifas SET Cantidad = Cantidad + 0.2 WHERE Codigo = 'a'");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Cantidad = 0.3"), "a");
+  run("UPDATE Tarifas SET Cantidad = 100.3 WHERE Codigo = 'b'");
+  EXPECT_EQ(first("SELECT Count(*) FROM Tarifas HAVING Sum(Cantidad) - 100.6 = 0"), "2");
+  session->execute("UPDATE Tarifas SET Cantidad = 0.1 + 0.2 WHERE Codigo = 'a'");
+  EXPECT_EQ(first("SELECT Count(*) FROM Tarifas HAVING Sum(Cantidad) = 100.6"), "2")
+      << "what another program left behind the fifteenth digit does not count";
+}
+
+TEST_F(DialectBehaviour, AWholeNumberBeyondALongIsADouble) {
+  EXPECT_EQ(first("SELECT 5 FROM Lineas"), "none");
+  EXPECT_EQ(value("3000000000"), "3000000000");
+  EXPECT_EQ(value("7"), "7");
+  EXPECT_EQ(value("-2147483648"), "-2147483648");
+  EXPECT_EQ(value("2147483648 + 1"), "2147483649");
+  EXPECT_EQ(errorNumber([&] { value("2147483647 + 1"); }), errors::kOverflow);
+  EXPECT_EQ(errorNumber([&] { value("65536 * 65536"); }), errors::kOverflow);
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Orden + 2147483647 > 3000000000"), "none");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Orden + 2147483647 = 2147483649"), "b");
+}
+
+TEST_F(DialectBehaviour, WhatNoDoubleHoldsIsNotStored) {
+  EXPECT_EQ(error("UPDATE Tarifas SET Cantidad = 1e308 * 10"), errors::kOverflow);
+  EXPECT_EQ(error("UPDATE Tarifas SET Cantidad = Val('1e999')"), errors::kOverflow);
+  EXPECT_EQ(error("UPDATE Tarifas SET Cantidad = 1e400"), errors::kMultipleStep);
+  EXPECT_EQ(errorNumber([&] { value("1e308 * 10"); }), errors::kOverflow);
+  run("UPDATE Tarifas SET Cantidad = 1e308");
+  EXPECT_EQ(errorNumber([&] { first("SELECT Sum(Cantidad) FROM Tarifas"); }), errors::kOverflow);
+  EXPECT_EQ(error("UPDATE Tarifas SET Cantidad = Cantidad + Cantidad"), errors::kOverflow);
+}
+
+TEST_F(DialectBehaviour, LongAndDeepCalculationsRunOrAreRefusedByName) {
+  const auto chain = [](std::string_view sign, int count) {
+    std::string text = "Cantidad";
+    for (int i = 0; i < count; ++i) text.append(sign).append("1.0");
+    return text;
+  };
+  EXPECT_EQ(value(chain(" + ", 300)), "303");
+  EXPECT_EQ(value(chain(" - ", 300)), "-297");
+  EXPECT_EQ(value(chain(" * ", 300)), "3");
+  for (const std::string_view open :
+       {"(1.5 * ", "1.0 + 1.5 * (", "Round(1.5 + ", "(1.0 - Cantidad * ("}) {
+    for (int depth = 1; depth <= 16; ++depth) {
+      std::string text;
+      for (int i = 0; i < depth; ++i) text += open;
+      text += "Cantidad";
+      const auto opened = std::count(text.begin(), text.end(), '(');
+      text.append(static_cast<std::size_t>(opened), ')');
+      const auto failed = errorOf([&] { value(text); });
+      if (failed) {
+        EXPECT_EQ(failed->number(), errors::kNotSupported) << text;
+      }
+      if (depth <= 7) {
+        EXPECT_FALSE(failed) << text;
+      }
+    }
+  }
+  EXPECT_EQ(errorNumber([&] { value(chain(" / ", 60)); }), errors::kNotSupported);
+}
+
 TEST_F(DialectBehaviour, RoundGoesToEven) {
   EXPECT_EQ(value("Round(2.5)"), "2");
   EXPECT_EQ(value("Round(0.12345, 4)"), "0.1234");
+}
+
+TEST_F(DialectBehaviour, BranchesBecomeWhatBothShareByTheLocale) {
+  EXPECT_EQ(value("IIf(Orden = 1, 1.5, 'nada')"), "1,5");
+  EXPECT_EQ(value("IIf(Orden = 2, 1.5, 'nada')"), "nada");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE IIf(Orden = 1, Precio, 'nada') = '1,5'"), "a");
+  EXPECT_EQ(value("IIf(True, Activo, 'x')"), "Verdadero");
+  EXPECT_EQ(value("IIf(True, Fecha, 'x')"), "05/03/2026");
+  EXPECT_EQ(value("IIf(True, Fecha, 0)"), "46086");
+  EXPECT_EQ(value("IIf(True, 7, 0.5)"), "7");
+  EXPECT_EQ(value("Nz(Nombre, 0)", "b"), "0");
+  EXPECT_EQ(value("Nz(Orden, 'nada')"), "1");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Nz(Precio, '') = '10'"), "b");
+  EXPECT_EQ(value("Nz(Nombre, 1.5) & '!'", "b"), "1,5!");
+}
+
+TEST_F(DialectBehaviour, InStrFindsWithoutRegardToCaseAndFromAPlace) {
+  EXPECT_EQ(value("InStr('La CAÑA', 'ñ')"), "6");
+  EXPECT_EQ(value("InStr('abcabc', 'C')"), "3");
+  EXPECT_EQ(value("InStr(4, 'abcabc', 'c')"), "6");
+  EXPECT_EQ(value("InStr(4.5, 'abcabc', 'a')"), "4") << "halves to even";
+  EXPECT_EQ(value("InStr(1, 'abcabc', 'C', 0)"), "0");
+  EXPECT_EQ(value("InStr(1, 'abcabC', 'C', 0)"), "6");
+  EXPECT_EQ(value("InStr(1, 'abcabc', 'C', 1)"), "3");
+  EXPECT_EQ(value("InStr(3, 'abc', '')"), "3");
+  EXPECT_EQ(value("InStr(4, 'abc', '')"), "0");
+  EXPECT_EQ(value("InStr('', 'a')"), "0");
+  EXPECT_EQ(value("InStr('canción', 'cion')"), "0") << "accents count";
+  EXPECT_EQ(value("InStr(Nota, 'a')"), "Null");
+  EXPECT_EQ(errorNumber([&] { value("InStr(0, 'abc', 'a')"); }), errors::kInvalidCall);
+  EXPECT_EQ(errorNumber([&] { value("InStr(1, 'abc', 'a', 3)"); }), errors::kInvalidCall);
+  EXPECT_EQ(errorNumber([&] { value("InStr(1, 'abc', 'a', 1, 1)"); }), errors::kSyntax);
+}
+
+TEST_F(DialectBehaviour, WeekdayCountsFromItsFirstDay) {
+  // 5 March 2026 is a Thursday.
+  EXPECT_EQ(value("Weekday(Fecha)"), "5");
+  EXPECT_EQ(value("Weekday(Fecha, 1)"), "5");
+  EXPECT_EQ(value("Weekday(Fecha, 2)"), "4");
+  EXPECT_EQ(value("Weekday(Fecha, 5)"), "1");
+  EXPECT_EQ(value("Weekday(Fecha, 6)"), "7");
+  EXPECT_EQ(value("Weekday(Fecha, 0)"), "4") << "the country's own: Monday";
+  EXPECT_EQ(errorNumber([&] { value("Weekday(Fecha, 8)"); }), errors::kInvalidCall);
+}
+
+TEST_F(DialectBehaviour, AndOrAndNotOfNumbersGoBitByBit) {
+  EXPECT_EQ(value("10 And 12"), "8");
+  EXPECT_EQ(value("10 Or 12"), "14");
+  EXPECT_EQ(value("Not 5"), "-6");
+  EXPECT_EQ(value("Not 0"), "-1");
+  EXPECT_EQ(value("2.5 And 3"), "2") << "halves to even";
+  EXPECT_EQ(value("6 And (Orden = 1)"), "6") << "true has all bits";
+  EXPECT_EQ(value("(10 And 8) = 8"), "-1");
+  EXPECT_EQ(value("Null And 0"), "0");
+  EXPECT_EQ(value("(Null + 1) And 0"), "0");
+  EXPECT_EQ(value("(Null + 1) Or -1"), "-1");
+  EXPECT_EQ(value("(Null + 1) And 1"), "Null");
+  EXPECT_EQ(errorNumber([&] { value("3000000000 And 1"); }), errors::kOverflow);
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Orden And 2"), "b") << "1 And 2 is 0";
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Not Orden ORDER BY Codigo"), "a");
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas WHERE Orden = 2 And 4"), "b");
+  EXPECT_EQ(first("SELECT Count(*) FROM Tarifas WHERE Activo Or Orden"), "2");
+  EXPECT_EQ(error("DELETE FROM Tarifas WHERE Codigo And 1"), errors::kCriteriaTypeMismatch);
+}
+
+TEST_F(DialectBehaviour, NumbersMayBeHexadecimalAndOctal) {
+  EXPECT_EQ(value("&H1A"), "26");
+  EXPECT_EQ(value("&o17 + &hff"), "270");
+  EXPECT_EQ(value("&HFFFF"), "-1");
+  EXPECT_EQ(value("&HFFFF&"), "65535");
+  EXPECT_EQ(value("Val('&HFFFF')"), "-1");
+  EXPECT_EQ(value("'x' &Orden"), "x1") << "a name behind & is joined";
+  EXPECT_EQ(errorNumber([&] { value("'x' &H1A"); }), errors::kMissingParameter) << "a name: H1A";
+  EXPECT_EQ(first("SELECT Codigo FROM Tarifas ORDER BY &H1"), "a");
+  EXPECT_EQ(error("DELETE FROM Tarifas WHERE Orden = &H1G"), errors::kSyntax);
+}
+
+TEST_F(DialectBehaviour, ADayThatAStatementComputesIsOneOfTheYearsThatThereAre) {
+  EXPECT_EQ(error("UPDATE Tarifas SET Fecha = Fecha + 3000000"), errors::kOverflow);
+  EXPECT_EQ(error("UPDATE Tarifas SET Fecha = Orden - 700000"), errors::kOverflow);
+  EXPECT_EQ(error("INSERT INTO Tarifas (Codigo, Fecha) SELECT 'x', Fecha * 99 FROM Tarifas"),
+            errors::kOverflow);
+  run("UPDATE Tarifas SET Fecha = Fecha + 1 WHERE Codigo = 'a'");
+  EXPECT_EQ(value("Fecha"), "46087");
+  run("UPDATE Tarifas SET Fecha = Date() WHERE Codigo = 'b'");
+}
+
+TEST_F(DialectBehaviour, AListOfManyValuesAndANameOfAMegabyteAreRead) {
+  std::string list = "SELECT Codigo FROM Tarifas WHERE Orden IN (9";
+  for (int i = 0; i < 100'000; ++i) list += ", 9";
+  EXPECT_EQ(first(list + ", 2)"), "b");
+  const std::string name(1 << 20, 'x');
+  const auto failed = errorOf([&] { first("SELECT " + name + " FROM Tarifas"); });
+  ASSERT_TRUE(failed);
+  EXPECT_EQ(failed->number(), errors::kMissingParameter);
+  EXPECT_LT(failed->description().size(), 5'000U);
+  EXPECT_EQ(error("UPDATE Tarifas SET Nota = " + name + "('x')"), errors::kNotSupported);
 }
 
 TEST_F(DialectBehaviour, TextsTooLongForTheirColumnAreRefused) {

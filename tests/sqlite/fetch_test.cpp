@@ -114,6 +114,24 @@ TEST_F(SqliteFetch, ANumberBeyondItsTypeRaises6) {
             errors::kOverflow);
 }
 
+TEST_F(SqliteFetch, AWholeNumberBeyondItsColumnRaises6AndDoesNotWrap) {
+  const auto error = [&](const char* sql, ColumnType type) {
+    return errorNumber([&] { fetch(sql, {type}); });
+  };
+  EXPECT_EQ(error("SELECT 3000000000", ColumnType::kInt32), errors::kOverflow);
+  EXPECT_EQ(error("SELECT -2147483649", ColumnType::kInt32), errors::kOverflow);
+  EXPECT_EQ(error("SELECT 100000", ColumnType::kInt16), errors::kOverflow);
+  EXPECT_EQ(error("SELECT 256", ColumnType::kByte), errors::kOverflow);
+  EXPECT_EQ(error("SELECT -1", ColumnType::kByte), errors::kOverflow);
+  EXPECT_EQ(error("SELECT 32767.5", ColumnType::kInt16), errors::kOverflow);
+  EXPECT_EQ(fetch("SELECT -2147483648", {ColumnType::kInt32}).integer(0, 0), -2147483648);
+  EXPECT_EQ(fetch("SELECT 255", {ColumnType::kByte}).integer(0, 0), 255);
+  const auto named = errorOf([&] { fetch("SELECT 100000 AS Corto", {ColumnType::kInt16}); });
+  ASSERT_TRUE(named);
+  EXPECT_THAT(named->description(), HasSubstr("Column Corto"));
+  EXPECT_THAT(named->description(), HasSubstr("100000 is not between -32768 and 32767"));
+}
+
 TEST_F(SqliteFetch, MoneyRoundsToFourDecimalsHalvesToEven) {
   const RowStore rows = fetch(
       "SELECT 0.00005 UNION ALL SELECT 0.00015 UNION ALL SELECT 1.1 * 1.1 "

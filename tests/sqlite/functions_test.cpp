@@ -63,6 +63,40 @@ TEST_F(SqliteFunctions, DivisionIsRealAndByZeroRaises11) {
   EXPECT_TRUE(null("tv_div(NULL, 0)"));
 }
 
+TEST_F(SqliteFunctions, SumsAndProductsAreThoseOfDecimals) {
+  EXPECT_EQ(real("tv_add(0.1, 0.2)"), 0.3);
+  EXPECT_EQ(real("tv_add(0.1, 0.2, 0.7)"), 1);
+  EXPECT_EQ(real("tv_sub(1, 0.9, 0.1)"), 0);
+  EXPECT_EQ(real("tv_mul(0.1, 3)"), 0.3);
+  EXPECT_EQ(real("tv_div(0.3, 0.1)"), 3);
+  EXPECT_EQ(whole("tv_int(tv_mul(4.35, 100))"), 435);
+  EXPECT_EQ(real("tv_add('1,5', 1)"), 2.5) << "a text in a numeric column reads by the locale";
+  EXPECT_EQ(error("tv_add('uno', 1)"), errors::kTypeMismatch);
+  EXPECT_TRUE(null("tv_add(1, NULL, 2)"));
+}
+
+TEST_F(SqliteFunctions, WhatNoDoubleHoldsRaises6) {
+  for (const char* text : {"tv_add(1e308, 1e308)", "tv_sub(-1e308, 1e308)", "tv_mul(1e308, 10)",
+                           "tv_div(1e308, 0.1)", "tv_val('1e999')", "tv_power(10, 400)"}) {
+    EXPECT_EQ(error(text), errors::kOverflow) << text;
+  }
+  EXPECT_EQ(real("tv_val('1e-999')"), 0) << "too small a number is no number at all";
+}
+
+TEST_F(SqliteFunctions, TotalsAreExactWhateverTheirOrder) {
+  session->execute("CREATE TABLE T (A, B)");
+  session->execute("INSERT INTO T VALUES (0.1, 1e16), (0.2, 1e-7), (-0.3, -1e16), (NULL, NULL)");
+  EXPECT_EQ(realOf(*session, "SELECT tv_sum(A) FROM T"), 0);
+  EXPECT_EQ(realOf(*session, "SELECT tv_sum(B) FROM T"), 1e-7);
+  EXPECT_EQ(realOf(*session, "SELECT tv_avg(A) FROM T WHERE A > 0"), 0.15);
+  EXPECT_TRUE(isNull(*session, "SELECT tv_sum(A) FROM T WHERE A > 9"));
+  EXPECT_TRUE(isNull(*session, "SELECT tv_avg(A) FROM T WHERE A IS NULL"));
+  session->execute("INSERT INTO T VALUES (1e308, 'uno'), (1e308, 'dos')");
+  EXPECT_EQ(errorNumber([&] { textOf(*session, "SELECT tv_sum(A) FROM T"); }), errors::kOverflow);
+  EXPECT_EQ(errorNumber([&] { textOf(*session, "SELECT tv_avg(B) FROM T"); }),
+            errors::kTypeMismatch);
+}
+
 TEST_F(SqliteFunctions, AnErrorInAFunctionKeepsItsNumberOnlyForItsStatement) {
   EXPECT_EQ(error("tv_div(1, 0)"), errors::kDivisionByZero);
   EXPECT_EQ(errorNumber([&] { session->prepare("SELECT nada"); }), errors::kSyntax);
@@ -168,6 +202,8 @@ TEST_F(SqliteFunctions, ValReadsWhatBeginsTheText) {
   EXPECT_EQ(real("tv_val('')"), 0);
   EXPECT_EQ(real("tv_val('inf')"), 0);
   EXPECT_EQ(real("tv_val('&H1F')"), 31);
+  EXPECT_EQ(real("tv_val('&HFFFF')"), -1);
+  EXPECT_EQ(real("tv_val(' & O 17x')"), 15);
   EXPECT_EQ(real("tv_val('1e3x')"), 1000);
 }
 

@@ -38,6 +38,8 @@ class Binder {
   Expr* column(Expr* expr, const Place& place);
   Expr* literal(Expr* expr);
   Expr* negation(Expr* expr, const Place& place);
+  Expr* negatedTruth(Expr* expr, const Place& place);
+  Expr* connection(Expr* expr, const Place& place);
   Expr* binary(Expr* expr, const Place& place);
   Expr* addition(Expr* expr);
   Expr* comparison(Expr* expr, const Place& place);

@@ -24,9 +24,7 @@ Expr* Binder::value(Expr* expr, const Place& place) {
     case ExprKind::kNegate:
       return negation(expr, place);
     case ExprKind::kNot:
-      expr->left = condition(expr->left, place);
-      expr->type = predicateType();
-      return expr;
+      return negatedTruth(expr, place);
     case ExprKind::kBinary:
       return binary(expr, place);
     case ExprKind::kCompare:
@@ -97,13 +95,41 @@ Expr* Binder::negation(Expr* expr, const Place& place) {
   return expr;
 }
 
-Expr* Binder::binary(Expr* expr, const Place& place) {
-  if (expr->op == Operator::kAnd || expr->op == Operator::kOr) {
-    expr->left = condition(expr->left, place);
-    expr->right = condition(expr->right, place);
+/// Of a number the contrary of its bits; of a condition or a flag its contrary.
+Expr* Binder::negatedTruth(Expr* expr, const Place& place) {
+  Expr* operand = value(expr->left, place);
+  if (isTruth(operand->type)) {
+    expr->left = convert_.toCondition(operand);
+    expr->type = predicateType();
+  } else {
+    convert_.checkTruth(operand);
+    expr->left = operand;
+    expr->type = typeOf(ColumnType::kInt32);
+  }
+  return expr;
+}
+
+/// Numbers are joined bit by bit, conditions and flags as what is true. Both at once count as
+/// numbers, which makes no difference to where a condition is wanted: see Converter::toCondition().
+Expr* Binder::connection(Expr* expr, const Place& place) {
+  Expr* left = value(expr->left, place);
+  Expr* right = value(expr->right, place);
+  if (isTruth(left->type) && isTruth(right->type)) {
+    expr->left = convert_.toCondition(left);
+    expr->right = convert_.toCondition(right);
     expr->type = predicateType();
     return expr;
   }
+  convert_.checkTruth(left);
+  convert_.checkTruth(right);
+  expr->left = convert_.toValue(left);
+  expr->right = convert_.toValue(right);
+  expr->type = typeOf(ColumnType::kInt32);
+  return expr;
+}
+
+Expr* Binder::binary(Expr* expr, const Place& place) {
+  if (expr->op == Operator::kAnd || expr->op == Operator::kOr) return connection(expr, place);
   expr->left = convert_.toValue(value(expr->left, place));
   expr->right = convert_.toValue(value(expr->right, place));
   switch (expr->op) {
@@ -127,6 +153,8 @@ Expr* Binder::binary(Expr* expr, const Place& place) {
       break;
     case Operator::kMultiply:
       expr->type = typeOf(arithmeticType(a, b));
+      // An amount times an amount has eight decimals.
+      if (isMoney(a) && isMoney(b)) return convert_.cast(expr, Cast::kCurrency, expr->type);
       break;
     case Operator::kWholeDivide:
     case Operator::kModulo:
@@ -246,7 +274,9 @@ Expr* Binder::subSelect(Expr* expr, const Place& place) {
 }
 
 Expr* Binder::call(Expr* expr, const Place& place) {
-  expr->function = findFunction(expr->name);
+  std::size_t arguments = 0;
+  for (const Expr* item = expr->arguments; item != nullptr; item = item->next) ++arguments;
+  expr->function = findFunction(expr->name, arguments);
   if (expr->function == nullptr) {
     const std::string near = nearestFunction(expr->name);
     refuse(Rule::kUnknownFunction, statement_, expr->offset,
@@ -263,7 +293,8 @@ Expr* Binder::call(Expr* expr, const Place& place) {
   }
   if (expr->function->kind == FunctionKind::kConversion) return conversionCall(expr);
   callType(expr);
-  return expr;
+  const bool divides = expr->function->name == "avg" && isMoney(expr->type);
+  return divides ? convert_.cast(expr, Cast::kCurrency, expr->type) : expr;
 }
 
 void Binder::callArguments(Expr* expr, const Place& place) {
@@ -321,9 +352,15 @@ void Binder::callType(Expr* expr) {
           typeOf(expr->arguments->type.column == ColumnType::kCurrency ? ColumnType::kCurrency
                                                                        : ColumnType::kDouble);
       return;
-    case ResultType::kBoth: {
-      const Expr* first = expr->arguments->next;
-      expr->type = commonType(first->type, first->next->type);
+    case ResultType::kCommon: {
+      Expr** first = &expr->arguments;
+      while ((*first)->next->next != nullptr) first = &(*first)->next;
+      Expr* second = (*first)->next;
+      expr->type = commonType((*first)->type, second->type);
+      second = convert_.toCommon(second, expr->type);
+      *first = convert_.toCommon(*first, expr->type);
+      (*first)->next = second;
+      second->next = nullptr;
       return;
     }
   }

@@ -4,6 +4,7 @@
 
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/dialect/binder.hpp"
+#include "tavelor/services/dialect/literal_value.hpp"
 #include "tavelor/services/dialect/row_source.hpp"
 #include "tavelor/services/dialect/rules.hpp"
 
@@ -201,11 +202,12 @@ void Binder::order(Select& first, const Scope& scope) {
   for (OrderItem* item = first.orderBy; item != nullptr; item = item->next) {
     const Token& token = item->expr->literal;
     if (item->expr->kind == ExprKind::kLiteral && token.literalKind == LiteralKind::kWhole) {
-      const std::string digits(statement_.substr(token.begin, token.end - token.begin));
-      item->position = digits.size() > 4 ? 0 : std::stoi(digits);
-      if (item->position < 1 || item->position > columns) {
-        failSyntax(token.begin, "there is no column " + digits + " to sort by");
+      const std::string_view digits = statement_.substr(token.begin, token.end - token.begin);
+      const std::int64_t position = lift(digits, token.literalKind).whole;
+      if (position < 1 || position > columns) {
+        failSyntax(token.begin, "there is no column " + std::string(digits) + " to sort by");
       }
+      item->position = static_cast<int>(position);
       continue;
     }
     bool sawAggregate = false;

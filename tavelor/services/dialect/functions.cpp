@@ -22,10 +22,10 @@ constexpr ColumnType kWhole = ColumnType::kInt32;
 constexpr ColumnType kDouble = ColumnType::kDouble;
 constexpr ColumnType kDate = ColumnType::kDate;
 
-/// Sorted by name.
+/// Sorted by name, and those of one name by how many arguments they take.
 constexpr std::array kFunctions{
     Function{"abs", "abs", kPlain, 1, "n", kFirst, kDouble},
-    Function{"avg", "avg", kPlain, 1, "n", kSum, kDouble, true},
+    Function{"avg", "avg", kTotal, 1, "n", kSum, kDouble, true},
     Function{"ccur", "", kConversion, 1, "n", kFixed, ColumnType::kCurrency},
     Function{"cdate", "", kConversion, 1, "d", kFixed, kDate},
     Function{"cdbl", "", kConversion, 1, "n", kFixed, kDouble},
@@ -40,8 +40,9 @@ constexpr std::array kFunctions{
     Function{"fix", "tv_fix", kPlain, 1, "n", kFirst, kDouble},
     Function{"format", "tv_format", kTyped, 1, "vt", kFixed, kText},
     Function{"hour", "h", kDatePart, 1, "d", kFixed, kWhole},
-    Function{"iif", "", kIIf, 3, "cvv", kBoth, kText},
-    Function{"instr", "instr", kPlain, 2, "tt", kFixed, kWhole},
+    Function{"iif", "", kIIf, 3, "cvv", kCommon, kText},
+    Function{"instr", "tv_instr", kPlain, 2, "tt", kFixed, kWhole},
+    Function{"instr", "tv_instr", kPlain, 3, "nttn", kFixed, kWhole},
     Function{"int", "tv_int", kPlain, 1, "n", kFirst, kDouble},
     Function{"isnull", "", kIsNull, 1, "v", kFixed, ColumnType::kBoolean},
     Function{"last", "tv_last", kPlain, 1, "v", kFirst, kText, true},
@@ -55,23 +56,26 @@ constexpr std::array kFunctions{
     Function{"minute", "n", kDatePart, 1, "d", kFixed, kWhole},
     Function{"month", "m", kDatePart, 1, "d", kFixed, kWhole},
     Function{"now", "tv_now", kPlain, 0, "", kFixed, kDate},
-    Function{"nz", "", kNz, 2, "vv", kFirst, kText},
+    Function{"nz", "", kNz, 2, "vv", kCommon, kText},
     Function{"right", "tv_right", kPlain, 2, "tn", kFixed, kText},
     Function{"round", "tv_round", kPlain, 1, "nn", kFirst, kDouble},
     Function{"rtrim", "rtrim", kPlain, 1, "t", kFixed, kText},
     Function{"second", "s", kDatePart, 1, "d", kFixed, kWhole},
     Function{"sgn", "sign", kPlain, 1, "n", kFixed, kWhole},
-    Function{"sum", "sum", kPlain, 1, "n", kSum, kDouble, true},
+    Function{"sum", "sum", kTotal, 1, "n", kSum, kDouble, true},
     Function{"time", "tv_clock", kPlain, 0, "", kFixed, kDate},
     Function{"trim", "trim", kPlain, 1, "t", kFixed, kText},
     Function{"ucase", "tv_ucase", kPlain, 1, "t", kFixed, kText},
     Function{"val", "tv_val", kPlain, 1, "t", kFixed, kDouble},
-    Function{"weekday", "w", kDatePart, 1, "d", kFixed, kWhole},
+    Function{"weekday", "w", kDatePart, 1, "dn", kFixed, kWhole},
     Function{"year", "yyyy", kDatePart, 1, "d", kFixed, kWhole}};
 
 constexpr bool isSorted() {
   for (std::size_t i = 1; i < kFunctions.size(); ++i) {
-    if (kFunctions[i - 1].name >= kFunctions[i].name) return false;
+    const Function& a = kFunctions[i - 1];
+    const Function& b = kFunctions[i];
+    if (a.name > b.name) return false;
+    if (a.name == b.name && a.arguments.size() >= b.arguments.size()) return false;
   }
   return true;
 }
@@ -81,7 +85,7 @@ constexpr std::size_t kLongestName = 12;
 
 }  // namespace
 
-const Function* findFunction(std::string_view name) {
+const Function* findFunction(std::string_view name, std::size_t arguments) {
   if (name.size() > kLongestName) return nullptr;
   std::array<char, kLongestName> lower{};
   std::transform(name.begin(), name.end(), lower.begin(), [](char c) {
@@ -91,7 +95,12 @@ const Function* findFunction(std::string_view name) {
   const auto* found =
       std::lower_bound(kFunctions.begin(), kFunctions.end(), wanted,
                        [](const Function& f, std::string_view n) { return f.name < n; });
-  return found != kFunctions.end() && found->name == wanted ? found : nullptr;
+  if (found == kFunctions.end() || found->name != wanted) return nullptr;
+  while (found->arguments.size() < arguments && found + 1 != kFunctions.end() &&
+         found[1].name == wanted) {
+    ++found;
+  }
+  return found;
 }
 
 std::string nearestFunction(std::string_view name) {

@@ -15,6 +15,7 @@ enum class FunctionKind : std::uint8_t {
   kTyped,       ///< the same, with the type of the first argument behind the others
   kDatePart,    ///< the part named by `engineName` of a date
   kConversion,  ///< a cast to the result type
+  kTotal,       ///< over rows, exact where the numbers have decimals
   kCount,
   kIIf,
   kIsNull,
@@ -25,7 +26,7 @@ enum class ResultType : std::uint8_t {
   kFixed,  ///< `type`
   kFirst,  ///< as the first argument
   kSum,    ///< money stays money, all else becomes double
-  kBoth    ///< what the second and the third argument have in common
+  kCommon  ///< what the last two arguments have in common; they are made that
 };
 
 struct Function {
@@ -41,8 +42,9 @@ struct Function {
   bool aggregate = false;
 };
 
-/// Without regard to case; null when there is none.
-const Function* findFunction(std::string_view name);
+/// Without regard to case; null when there is none. Of several functions of one name the first one
+/// that takes as many arguments, or the one that takes the most.
+const Function* findFunction(std::string_view name, std::size_t arguments);
 /// The name nearest to an unknown one, or "".
 std::string nearestFunction(std::string_view name);
 

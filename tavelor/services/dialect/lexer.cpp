@@ -8,9 +8,11 @@
 
 #include "tavelor/platform/date_text.hpp"
 #include "tavelor/platform/error.hpp"
+#include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/platform/utf8.hpp"
+#include "tavelor/services/dialect/literal_value.hpp"
 #include "tavelor/services/dialect/reserved_words.hpp"
 
 namespace tavelor::dialect {
@@ -232,19 +234,32 @@ class Lexer {
     return number;
   }
 
+  /// True where no operand stands before, so that a sign can't be an operator between two.
+  bool wantsOperand() const {
+    if (list_.tokens.empty()) return true;
+    const Token& before = list_.tokens.back();
+    if (before.kind == TokenKind::kSymbol) return before.symbol != Symbol::kRightParen;
+    const bool constant =
+        before.word == Word::kNull || before.word == Word::kTrue || before.word == Word::kFalse;
+    return before.word != Word::kNone && !constant;
+  }
+
+  /// &H1A and &O17 where an operand is wanted, and so no & that joins one with a name.
+  bool lexRadix() {
+    if (lifting_ == Lifting::kOff || !wantsOperand()) return false;
+    const auto radix = readRadix(text_.substr(position_, limit() - position_));
+    if (!radix || isNameCharacter(charAt(position_ + radix->length))) return false;
+    const std::string_view text = text_.substr(position_, radix->length);
+    pushLiteral(LiteralKind::kWhole, position_, position_ + radix->length,
+                [&] { return std::string(text); });
+    return true;
+  }
+
   /// A minus that no operand precedes belongs to the number behind it, so that -3 in the text of a
   /// statement and a value of -3 are the same; but -2^2 is the minus of a power.
   bool startsSignedNumber() const {
     if (!isDigit(charAt(position_ + 1)) || position_ + 1 >= limit()) return false;
-    if (!list_.tokens.empty()) {
-      const Token& before = list_.tokens.back();
-      const bool constant =
-          before.word == Word::kNull || before.word == Word::kTrue || before.word == Word::kFalse;
-      const bool operates = before.kind == TokenKind::kSymbol
-                                ? before.symbol != Symbol::kRightParen
-                                : before.word != Word::kNone && !constant;
-      if (!operates) return false;
-    }
+    if (!wantsOperand()) return false;
     std::size_t next = scanNumber(position_ + 1, limit()).end;
     while (isBlank(charAt(next))) ++next;
     return charAt(next) != '^';
@@ -253,8 +268,20 @@ class Lexer {
   void lexNumber() {
     const std::size_t digits = position_ + (text_[position_] == '-' ? 1 : 0);
     const Number number = scanNumber(digits, limit());
-    const std::string_view text = text_.substr(position_, number.end - position_);
-    pushLiteral(number.kind, position_, number.end, [&] { return std::string(text); });
+    pushNumber(number, position_);
+  }
+
+  /// A number with its sign.
+  void pushNumber(Number number, std::size_t begin) {
+    const std::string_view text = text_.substr(begin, number.end - begin);
+    constexpr std::size_t kSurelyLong = 9;
+    if (number.kind == LiteralKind::kWhole && text.size() > kSurelyLong) {
+      Lifted read;
+      if (!readPlain(text, '.', read) || read.kind != LiteralKind::kWhole) {
+        number.kind = LiteralKind::kDecimal;
+      }
+    }
+    pushLiteral(number.kind, begin, number.end, [&] { return std::string(text); });
   }
 
   void lexText(std::size_t begin, char quote) {
@@ -376,8 +403,7 @@ class Lexer {
       const bool anyDigit = std::any_of(text_.begin() + static_cast<std::ptrdiff_t>(begin),
                                         text_.begin() + static_cast<std::ptrdiff_t>(end), isDigit);
       if (number.end != end || !anyDigit) failValue(range, "is no number");
-      const std::string_view text = text_.substr(begin, end - begin);
-      pushLiteral(number.kind, begin, end, [&] { return std::string(text); });
+      pushNumber(number, begin);
     }
     list_.values.push_back(place);
     position_ = range.end;
@@ -423,6 +449,7 @@ class Lexer {
     std::size_t length = 1;
     switch (text_[position_]) {
       case '&':
+        if (lexRadix()) return;
         token.symbol = Symbol::kAmpersand;
         break;
       case '\\':

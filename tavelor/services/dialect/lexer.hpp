@@ -13,7 +13,8 @@ namespace tavelor::dialect {
 
 enum class TokenKind : std::uint8_t { kEnd, kWord, kBracketed, kLiteral, kSymbol };
 
-/// The kind of a literal; a number with a point or an exponent is a decimal. Part of the shape.
+/// The kind of a literal; a number with a point or an exponent, or beyond a LONG, is a decimal.
+/// Part of the shape.
 enum class LiteralKind : std::uint8_t { kText, kWhole, kDecimal, kDate };
 
 /// The reserved words. All others, function names too, are names.

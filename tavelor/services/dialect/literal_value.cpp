@@ -9,12 +9,15 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <utility>
 
 #include <fmt/format.h>
 
 #include "tavelor/platform/date_text.hpp"
+#include "tavelor/platform/decimal_digits.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/locale.hpp"
+#include "tavelor/platform/number_reader.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/platform/words.hpp"
@@ -94,16 +97,13 @@ void takeReal(double real, Lifted& number) {
 
 /// A bare number of a statement.
 void readWritten(Lifted& number) {
-  std::string_view text = number.text;
-  if (readPlain(text, '.', number)) return;
-  if (text.starts_with('+')) text.remove_prefix(1);
-  const char* const last = text.data() + text.size();
-  const auto read = std::from_chars(text.data(), last, number.whole);
-  if (read.ec == std::errc() && read.ptr == last) {
+  if (readPlain(number.text, '.', number)) return;
+  if (const auto radix = readRadix(number.text)) {
     number.kind = LiteralKind::kWhole;
-  } else {
-    takeReal(parseSqlNumber(text).value_or(kInfinity), number);
+    number.whole = radix->number;
+    return;
   }
+  takeReal(parseSqlNumber(number.text).value_or(kInfinity), number);
 }
 
 [[noreturn, gnu::cold]] void refuseRange(const Lifted& number, const Parameter& parameter) {
@@ -111,38 +111,38 @@ void readWritten(Lifted& number) {
         fmt::format("{} is out of range{}", number.text, inColumn(parameter)));
 }
 
-Value moneyOf(const Lifted& number, const Parameter& parameter) {
-  constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max() / Currency::kScale;
-  constexpr std::array<std::int64_t, 4> kToScale{1'000, 100, 10, 1};  // of 1 to 4 decimals
+/// `plain` is the number in plain form, "" where it is the text of a bare number: a double has not
+/// all the digits of the largest amounts.
+Value moneyOf(const Lifted& number, std::string_view plain, const Parameter& parameter) {
+  // Of 0 to 4 decimals.
+  constexpr std::array<std::int64_t, 5> kToScale{10'000, 1'000, 100, 10, 1};
   if (number.kind == LiteralKind::kWhole) {
-    if (number.whole > kMost || number.whole < -kMost) refuseRange(number, parameter);
     return Value::ofCurrency(Currency::fromScaled(number.whole * Currency::kScale));
   }
-  // Its digits are 15 at most: the product fits.
-  if (number.decimals >= 1 && number.decimals <= 4) {
-    const std::int64_t toScale = kToScale[static_cast<std::size_t>(number.decimals - 1)];
-    return Value::ofCurrency(Currency::fromScaled(number.whole * toScale));
+  std::optional<std::int64_t> scaled;
+  if (number.decimals >= 0 && number.decimals <= 4) {
+    // Its digits are 15 at most.
+    std::int64_t product = 0;
+    const std::int64_t toScale = kToScale[static_cast<std::size_t>(number.decimals)];
+    if (!__builtin_mul_overflow(number.whole, toScale, &product)) scaled = product;
+  } else {
+    std::string written(plain.empty() ? number.text : plain);
+    written.erase(std::remove(written.begin(), written.end(), '+'), written.end());
+    std::replace(written.begin(), written.end(), 'E', 'e');
+    constexpr int kDecimals = 4;
+    scaled = scaledBy(digitsOf(std::string_view(written)), kDecimals);
   }
-  try {
-    return Value::ofCurrency(Currency::fromDouble(number.real));
-  } catch (const Error&) {
-    refuseRange(number, parameter);
-  }
+  if (!scaled) refuseRange(number, parameter);
+  return Value::ofCurrency(Currency::fromScaled(*scaled));
 }
 
 Value wholeOf(const Lifted& number, const Parameter& parameter) {
-  double least = std::numeric_limits<std::int32_t>::min();
-  double most = std::numeric_limits<std::int32_t>::max();
-  if (parameter.columnType == ColumnType::kByte) {
-    least = 0;
-    most = std::numeric_limits<std::uint8_t>::max();
-  } else if (parameter.columnType == ColumnType::kInt16) {
-    least = std::numeric_limits<std::int16_t>::min();
-    most = std::numeric_limits<std::int16_t>::max();
-  }
+  const auto [least, most] = engine::wholeRange(parameter.columnType);
   const double rounded =
       number.kind == LiteralKind::kWhole ? number.asReal() : roundHalfEven(number.real);
-  if (!(rounded >= least && rounded <= most)) refuseRange(number, parameter);
+  if (!(rounded >= static_cast<double>(least) && rounded <= static_cast<double>(most))) {
+    refuseRange(number, parameter);
+  }
   return Value::ofInteger(static_cast<std::int64_t>(rounded));
 }
 
@@ -162,14 +162,14 @@ Value numberOf(const Lifted& number) {
 }
 
 /// A number that is assigned to a column takes the column's type.
-Value assigned(const Lifted& number, const Parameter& parameter) {
+Value assigned(const Lifted& number, std::string_view plain, const Parameter& parameter) {
   switch (parameter.columnType) {
     case ColumnType::kByte:
     case ColumnType::kInt16:
     case ColumnType::kInt32:
       return wholeOf(number, parameter);
     case ColumnType::kCurrency:
-      return moneyOf(number, parameter);
+      return moneyOf(number, plain, parameter);
     case ColumnType::kSingle: {
       const auto single = static_cast<float>(number.asReal());
       if (!std::isfinite(single)) refuseRange(number, parameter);
@@ -190,13 +190,16 @@ Value assigned(const Lifted& number, const Parameter& parameter) {
         fmt::format("'{}' is no number{}", text, inColumn(parameter)));
 }
 
-/// As the parameter wants it.
-Value fitted(const Lifted& number, const Parameter& parameter) {
-  if (number.kind == LiteralKind::kDecimal && number.real == kInfinity) {
-    refuseNumber(number.text, parameter);
+/// As the parameter wants it; `plain` as of moneyOf().
+Value fitted(const Lifted& number, std::string_view plain, const Parameter& parameter) {
+  if (number.kind == LiteralKind::kDecimal && !std::isfinite(number.real)) {
+    if (!parameter.column.empty()) refuseRange(number, parameter);
+    raise(errors::kOverflow, kSource, fmt::format("no number holds {}", number.text));
   }
-  if (parameter.conversion == Conversion::kCurrency) return moneyOf(number, parameter);
-  if (!parameter.column.empty()) return assigned(number, parameter);
+  if (parameter.conversion == Conversion::kCurrency) {
+    return moneyOf(number, plain, parameter);
+  }
+  if (!parameter.column.empty()) return assigned(number, plain, parameter);
   return numberOf(number);
 }
 
@@ -227,15 +230,16 @@ bool readPlain(std::string_view text, char decimal, Lifted& number) {
       text.size() <= kWordSize ? readShort(text, decimal) : readLong(text, decimal);
   if (!digits.areAll) return false;
   number.whole = negative ? -digits.number : digits.number;
-  if (digits.decimals < 0) {
+  if (digits.decimals < 0 && std::in_range<std::int32_t>(number.whole)) {
     number.kind = LiteralKind::kWhole;
     return true;
   }
+  const int decimals = std::max(digits.decimals, 0);
   number.kind = LiteralKind::kDecimal;
-  number.decimals = static_cast<std::int8_t>(digits.decimals);
+  number.decimals = static_cast<std::int8_t>(decimals);
   // Both are exact doubles, so their quotient is the nearest double.
   number.real =
-      static_cast<double>(number.whole) / kPowersOfTen[static_cast<std::size_t>(digits.decimals)];
+      static_cast<double>(number.whole) / kPowersOfTen[static_cast<std::size_t>(decimals)];
   return true;
 }
 
@@ -263,7 +267,7 @@ void LiteralReader::checkLength(std::string_view text, const Parameter& paramete
 
 Value LiteralReader::number(const Lifted& literal, const Parameter& parameter) const {
   if (literal.kind == LiteralKind::kText) return quotedNumber(literal, parameter);
-  return fitted(literal, parameter);
+  return fitted(literal, {}, parameter);
 }
 
 Value LiteralReader::quotedNumber(const Lifted& literal, const Parameter& parameter) const {
@@ -272,12 +276,14 @@ Value LiteralReader::quotedNumber(const Lifted& literal, const Parameter& parame
     if (const auto truth = truthOf(literal.text, locale_)) return Value::ofBoolean(*truth);
   }
   Lifted number{.text = literal.text};
+  std::string plain;
   if (!readPlain(literal.text, decimal_, number)) {
-    const std::optional<double> real = parseNumber(literal.text, locale_);
-    if (!real) refuseNumber(literal.text, parameter);
-    takeReal(*real, number);
+    if (!readPlainForm(literal.text, locale_, plain)) refuseNumber(literal.text, parameter);
+    takeReal(plainFormToDouble(plain), number);
+  } else if (number.decimals > 4) {
+    plain = fmt::format("{}e-{}", number.whole, number.decimals);
   }
-  return fitted(number, parameter);
+  return fitted(number, plain, parameter);
 }
 
 Value LiteralReader::date(const Lifted& literal, const Parameter& parameter) const {

@@ -16,7 +16,7 @@ struct Locale;
 namespace tavelor::dialect {
 
 /// A literal that was lifted out of a statement. A number keeps how it was written: a whole one
-/// stays whole.
+/// stays whole, as long as it is a LONG.
 struct Lifted {
   std::string_view text;  ///< without delimiters
   LiteralKind kind = LiteralKind::kText;

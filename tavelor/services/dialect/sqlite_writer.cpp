@@ -68,9 +68,12 @@ constexpr std::array<std::string_view, 108> kReservedWords{"add",          "all"
 
 class SqliteWriter final : public Writer {
  public:
-  void placeholder(std::string& out, std::int32_t number) const override {
+  /// A bare ? takes the next number. The engine searches the numbered ones from the first on for
+  /// each that it compiles, so of a long list the rest has no numbers.
+  void placeholder(std::string& out, std::int32_t number, bool isNew) const override {
+    constexpr std::int32_t kNumbered = 500;
     out.push_back('?');
-    out.append(std::to_string(number));
+    if (number <= kNumbered || !isNew) out.append(std::to_string(number));
   }
 
   bool isReserved(std::string_view name) const override {

@@ -60,6 +60,7 @@ enum class Cast : std::uint8_t {
   kNone,
   kNumber,             ///< a text read by the locale
   kDate,               ///< a text read by the locale
+  kDay,                ///< a day of the years that there are
   kText,               ///< a value printed by the locale
   kNumberOfPredicate,  ///< true as -1, false as 0
   kPredicateOfNumber,  ///< anything but 0 is true

@@ -23,10 +23,6 @@ bool isFloating(const Type& type) {
          type.column == ColumnType::kDate;
 }
 
-bool isMoney(const Type& type) {
-  return type.column == ColumnType::kCurrency;
-}
-
 bool isPlainColumn(const Expr& expr) {
   return expr.kind == ExprKind::kColumn;
 }
@@ -61,6 +57,9 @@ Type commonType(const Type& a, const Type& b) {
   if (a.null) return b;
   if (b.null || a.column == b.column) return typeOf(a.column);
   if (isNumberLike(a) && isNumberLike(b)) return typeOf(arithmeticType(a, b));
+  if ((isDate(a) && isNumberLike(b)) || (isNumberLike(a) && isDate(b))) {
+    return typeOf(ColumnType::kDate);
+  }
   if (a.column == ColumnType::kMemo || b.column == ColumnType::kMemo) {
     return typeOf(ColumnType::kMemo);
   }
@@ -85,8 +84,24 @@ Expr* Converter::toValue(Expr* expr) const {
 
 Expr* Converter::toCondition(Expr* expr) const {
   if (expr->type.predicate || expr->type.null) return expr;
-  if (!isNumberLike(expr->type)) raiseMismatch(expr->type, predicateType(), expr->offset);
+  if (expr->kind == ExprKind::kCast && expr->cast == Cast::kNumberOfPredicate) return expr->left;
+  checkTruth(expr);
+  const bool isOr = expr->kind == ExprKind::kBinary && expr->op == Operator::kOr;
+  const bool isAnd = expr->kind == ExprKind::kBinary && expr->op == Operator::kAnd;
+  // A bit of either number is a bit of both by Or, and all bits of a true condition are set: what
+  // the engine knows as its own And and Or can use an index.
+  if (isOr || (isAnd && (isTruth(expr->left->type) || isTruth(expr->right->type)))) {
+    expr->left = toCondition(expr->left);
+    expr->right = toCondition(expr->right);
+    expr->type = predicateType();
+    return expr;
+  }
   return cast(expr, Cast::kPredicateOfNumber, predicateType());
+}
+
+void Converter::checkTruth(const Expr* expr) const {
+  if (expr->type.null || isNumberLike(expr->type)) return;
+  raiseMismatch(expr->type, predicateType(), expr->offset);
 }
 
 Expr* Converter::toNumber(Expr* expr) const {
@@ -117,6 +132,11 @@ Expr* Converter::toText(Expr* expr) const {
   return cast(expr, Cast::kText, typeOf(ColumnType::kText));
 }
 
+Expr* Converter::toCommon(Expr* expr, const Type& type) const {
+  if (isTextual(type)) return toText(expr);
+  return toValue(expr);
+}
+
 void Converter::match(Expr*& left, Expr*& right, std::uint32_t offset) const {
   left = toValue(left);
   right = toValue(right);
@@ -138,6 +158,13 @@ void Converter::match(Expr*& left, Expr*& right, std::uint32_t offset) const {
   Expr*& text = isTextual(a) ? left : right;
   const Expr* other = isTextual(a) ? right : left;
   if (!isLiteral(*text, LiteralKind::kText)) raiseMismatch(a, b, offset);
+  constexpr std::uint32_t kQuotesAlone = 2;
+  if (!isLifted(*text) && text->literal.end - text->literal.begin == kQuotesAlone) {
+    // As the placeholder of an empty text is bound.
+    text->kind = ExprKind::kNull;
+    text->type = nullType();
+    return;
+  }
   text = isDate(other->type) ? toDate(text) : toNumber(text);
   if (text->kind != ExprKind::kLiteral) return;
   text->meets = other->type.column;
@@ -155,7 +182,7 @@ Expr* Converter::toColumn(Expr* expr, const engine::Column& column) const {
   }
   if (engine::isText(column.type)) return toTextColumn(expr, column);
   if (column.type == ColumnType::kBoolean) return toFlagColumn(expr, column);
-  if (column.type == ColumnType::kDate) return toDate(expr);
+  if (column.type == ColumnType::kDate) return toDateColumn(expr);
   return toNumberColumn(expr, column);
 }
 
@@ -201,10 +228,20 @@ Expr* Converter::toTextColumn(Expr* expr, const engine::Column& column) const {
   return result;
 }
 
+/// The clock's day, and one that was read or is stored, are days already.
+Expr* Converter::toDateColumn(Expr* expr) const {
+  expr = toDate(expr);
+  const bool isDay = isPlainColumn(*expr) || expr->kind == ExprKind::kCast ||
+                     (expr->kind == ExprKind::kCall && expr->arguments == nullptr);
+  if (isDay && isDate(expr->type)) return expr;
+  return cast(expr, Cast::kDay, typeOf(ColumnType::kDate));
+}
+
 Expr* Converter::toNumberColumn(Expr* expr, const engine::Column& column) const {
   expr = toNumber(expr);
   if (expr->kind == ExprKind::kBoolean) return expr;
-  const bool same = isPlainColumn(*expr) && expr->type.column == column.type;
+  const bool fits = isPlainColumn(*expr) || expr->kind == ExprKind::kCast;
+  const bool same = fits && expr->type.column == column.type;
   if (same || column.type == ColumnType::kDouble) return expr;
   switch (column.type) {
     case ColumnType::kCurrency:

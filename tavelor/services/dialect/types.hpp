@@ -16,10 +16,22 @@ inline bool isDate(const Type& type) {
 inline bool isBinary(const Type& type) {
   return !type.null && !type.predicate && type.column == ColumnType::kBinary;
 }
+inline bool isMoney(const Type& type) {
+  return type.column == ColumnType::kCurrency;
+}
 /// Numbers, money, flags and truth values.
 inline bool isNumberLike(const Type& type) {
   return !type.null &&
          (type.predicate || type.column == ColumnType::kBoolean || engine::isNumeric(type.column));
+}
+/// Conditions and flags, and Null.
+inline bool isTruth(const Type& type) {
+  return type.null || type.predicate || type.column == ColumnType::kBoolean;
+}
+/// Money and floating numbers: those that must be calculated with as decimals.
+inline bool hasDecimals(const Type& type) {
+  return type.column == ColumnType::kCurrency || type.column == ColumnType::kDouble ||
+         type.column == ColumnType::kSingle;
 }
 /// "a text", "a number": for messages.
 std::string_view describe(const Type& type);
@@ -51,9 +63,13 @@ class Converter {
   Expr* toValue(Expr* expr) const;
   /// A number becomes "not 0". Raises kCriteriaTypeMismatch for texts, dates and bytes.
   Expr* toCondition(Expr* expr) const;
+  /// Raises as toCondition() and leaves the expression as it is.
+  void checkTruth(const Expr* expr) const;
   Expr* toNumber(Expr* expr) const;
   Expr* toDate(Expr* expr) const;
   Expr* toText(Expr* expr) const;
+  /// One of several values that must be of one type; numbers of all kinds are.
+  Expr* toCommon(Expr* expr, const Type& type) const;
 
   /// Makes two sides comparable: a quoted literal reads as a number or a date where it meets one.
   /// Raises kCriteriaTypeMismatch where the types can't meet.
@@ -65,6 +81,7 @@ class Converter {
  private:
   Expr* literalToColumn(Expr* expr, const engine::Column& column) const;
   Expr* toTextColumn(Expr* expr, const engine::Column& column) const;
+  Expr* toDateColumn(Expr* expr) const;
   Expr* toNumberColumn(Expr* expr, const engine::Column& column) const;
   Expr* toFlagColumn(Expr* expr, const engine::Column& column) const;
   [[noreturn]] void raiseMismatch(const Type& left, const Type& right, std::uint32_t offset) const;

@@ -2,6 +2,7 @@
 // Tree to an engine's text: what is common, and what engines differ in.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,7 +20,8 @@ class Writer {
  public:
   virtual ~Writer() = default;
 
-  virtual void placeholder(std::string& out, std::int32_t number) const = 0;
+  /// `isNew` where this number stands for the first time; those that do come in order.
+  virtual void placeholder(std::string& out, std::int32_t number, bool isNew) const = 0;
   /// True for a word that can't be a name without quotes.
   virtual bool isReserved(std::string_view name) const = 0;
   /// The functions that give the smaller and the larger of two values.
@@ -75,20 +77,26 @@ class StepText {
 
  private:
   void expression(const Expr& expr, int level);
+  /// What stands behind `open` symbols that an engine's parser keeps until it has read it. Raises
+  /// kNotSupported (kTooDeep) where the parser would have no room for more.
+  void nested(const Expr& expr, int level, int open);
   void bare(const Expr& expr, int level);
   void literal(const Expr& expr);
   void placeholder(const Expr& expr);
   void binary(const Expr& expr, int level);
+  void exact(const Expr& expr);
   void joinedTexts(const Expr& expr);
   void compare(const Expr& expr, int level);
   void between(const Expr& expr, int level);
   void like(const Expr& expr);
   void membership(const Expr& expr, int level);
+  void inner(const Expr& expr);
   void call(const Expr& expr);
   void cast(const Expr& expr);
   void truth(const Expr& condition);
   void function(std::string_view name, const Expr& first, const Expr& second);
   void list(const Expr* first);
+  void arguments(std::span<const Expr* const> arguments);
   void selectPart(const Select& part);
   void delivered(const Select& select);
   void parts(const Select& select);
@@ -102,6 +110,7 @@ class StepText {
   const Writer& writer_;
   std::string_view statement_;
   std::int32_t number_;
+  int open_ = 0;
   Step step_;
 };
 

@@ -7,6 +7,9 @@
 
 #include "tavelor/platform/date_text.hpp"
 #include "tavelor/services/dialect/functions.hpp"
+#include "tavelor/services/dialect/literal_value.hpp"
+#include "tavelor/services/dialect/rules.hpp"
+#include "tavelor/services/dialect/types.hpp"
 #include "tavelor/services/dialect/writer.hpp"
 
 namespace tavelor::dialect {
@@ -44,7 +47,39 @@ std::string_view comparisonSign(Operator op) {
   }
 }
 
+/// What an engine's parser keeps on its stack before it reads an operand; the embedded one has room
+/// for a hundred symbols, some of which the statement around takes.
+enum Open : int {
+  kParenthesisOpen = 1,
+  kOperatorOpen = 2,
+  kFirstArgumentOpen = 3,
+  kArgumentOpen = 5,
+  kBetweenOpen = 4,
+  kCaseOpen = 5,
+  kSelectOpen = 8,
+  kMostOpen = 84
+};
+
+/// Calculated with as decimals, by functions: an engine's own signs would calculate with doubles,
+/// and make an infinite number of what is too large. Whole numbers and days need neither.
+bool isExact(const Expr& expr) {
+  if (expr.kind != ExprKind::kBinary) return false;
+  if (expr.op != Operator::kAdd && expr.op != Operator::kSubtract &&
+      expr.op != Operator::kMultiply) {
+    return false;
+  }
+  return hasDecimals(expr.type);
+}
+
+/// And, Or and Not of numbers.
+bool isBitwise(const Expr& expr) {
+  const bool joins =
+      expr.kind == ExprKind::kBinary && (expr.op == Operator::kAnd || expr.op == Operator::kOr);
+  return (joins || expr.kind == ExprKind::kNot) && !expr.type.predicate;
+}
+
 int levelOf(const Expr& expr) {
+  if (isExact(expr) || isBitwise(expr)) return kAtomLevel;
   switch (expr.kind) {
     case ExprKind::kNegate:
       return kSignLevel;
@@ -117,10 +152,17 @@ void StepText::conjunct(const Expr& condition) {
 
 void StepText::expression(const Expr& expr, int level) {
   const int own = levelOf(expr);
-  const bool parentheses = own < level;
-  if (parentheses) *this << "(";
-  bare(expr, own);
-  if (parentheses) *this << ")";
+  if (own >= level) return bare(expr, own);
+  *this << "(";
+  nested(expr, own, kParenthesisOpen);
+  *this << ")";
+}
+
+void StepText::nested(const Expr& expr, int level, int open) {
+  open_ += open;
+  if (open_ > kMostOpen) refuse(Rule::kTooDeep, statement_, expr.offset);
+  expression(expr, level);
+  open_ -= open;
 }
 
 void StepText::bare(const Expr& expr, int level) {
@@ -143,11 +185,17 @@ void StepText::bare(const Expr& expr, int level) {
       const bool isConstant =
           expr.left->kind == ExprKind::kLiteral || expr.left->kind == ExprKind::kBoolean;
       *this << "-";
-      return expression(*expr.left, isConstant ? kAtomLevel + 1 : kAtomLevel);
+      return nested(*expr.left, isConstant ? kAtomLevel + 1 : kAtomLevel, kParenthesisOpen);
     }
     case ExprKind::kNot:
+      if (isBitwise(expr)) {
+        *this << "tv_not(";
+        nested(*expr.left, 0, kFirstArgumentOpen);
+        *this << ")";
+        return;
+      }
       *this << "NOT ";
-      return expression(*expr.left, kNotLevel);
+      return nested(*expr.left, kNotLevel, kParenthesisOpen);
     case ExprKind::kBinary:
       return binary(expr, level);
     case ExprKind::kCompare:
@@ -168,7 +216,7 @@ void StepText::bare(const Expr& expr, int level) {
       [[fallthrough]];
     case ExprKind::kSubselect:
       *this << "(";
-      select(*expr.select);
+      inner(expr);
       *this << ")";
       return;
     case ExprKind::kCall:
@@ -191,13 +239,18 @@ void StepText::literal(const Expr& expr) {
       return;
     }
     default:
-      *this << written;
+      if (written.starts_with('&')) {
+        *this << lift(written, token.literalKind).whole;
+      } else {
+        *this << written;
+      }
       return;
   }
 }
 
 void StepText::placeholder(const Expr& expr) {
-  if (expr.step != number_) {
+  const bool isNew = expr.step != number_;
+  if (isNew) {
     Parameter parameter;
     parameter.literal = expr.literal.literal;
     parameter.conversion = expr.conversion;
@@ -211,18 +264,22 @@ void StepText::placeholder(const Expr& expr) {
     expr.step = number_;
     expr.placeholder = static_cast<std::int32_t>(step_.parameters.size());
   }
-  writer_.placeholder(step_.sql, expr.placeholder);
+  writer_.placeholder(step_.sql, expr.placeholder, isNew);
 }
 
 void StepText::function(std::string_view name, const Expr& first, const Expr& second) {
   *this << name << "(";
-  expression(first);
+  nested(first, 0, kFirstArgumentOpen);
   *this << ", ";
-  expression(second);
+  nested(second, 0, kArgumentOpen);
   *this << ")";
 }
 
 void StepText::binary(const Expr& expr, int level) {
+  if (isExact(expr)) return exact(expr);
+  if (isBitwise(expr)) {
+    return function(expr.op == Operator::kAnd ? "tv_and" : "tv_or", *expr.left, *expr.right);
+  }
   std::string_view sign;
   switch (expr.op) {
     case Operator::kDivide:
@@ -254,7 +311,25 @@ void StepText::binary(const Expr& expr, int level) {
   const bool groupsAlike = expr.op == Operator::kAnd || expr.op == Operator::kOr;
   expression(*expr.left, level);
   *this << sign;
-  expression(*expr.right, groupsAlike ? level : level + 1);
+  nested(*expr.right, groupsAlike ? level : level + 1, kOperatorOpen);
+}
+
+/// A chain of one operation is one call: nested, a long one would be too much for an engine.
+void StepText::exact(const Expr& expr) {
+  constexpr std::size_t kMostArguments = 100;
+  std::vector<const Expr*> operands{expr.right};
+  const Expr* left = expr.left;
+  while (isExact(*left) && left->op == expr.op && operands.size() < kMostArguments) {
+    operands.push_back(left->right);
+    left = left->left;
+  }
+  operands.push_back(left);
+  std::reverse(operands.begin(), operands.end());
+  *this << (expr.op == Operator::kAdd        ? "tv_add("
+            : expr.op == Operator::kSubtract ? "tv_sub("
+                                             : "tv_mul(");
+  arguments(operands);
+  *this << ")";
 }
 
 /// Null counts as an empty text, and only all Null make Null.
@@ -265,10 +340,9 @@ void StepText::joinedTexts(const Expr& expr) {
   const bool mayBeNull = std::none_of(parts.begin(), parts.end(), isNeverNull);
   if (mayBeNull) {
     *this << "CASE WHEN coalesce(";
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-      if (i > 0) *this << ", ";
-      expression(*parts[i]);
-    }
+    open_ += kCaseOpen;
+    arguments(parts);
+    open_ -= kCaseOpen;
     *this << ") IS NOT NULL THEN ";
   }
   for (std::size_t i = 0; i < parts.size(); ++i) {
@@ -277,7 +351,7 @@ void StepText::joinedTexts(const Expr& expr) {
       expression(*parts[i], kConcatLevel);
     } else {
       *this << "coalesce(";
-      expression(*parts[i]);
+      nested(*parts[i], 0, kCaseOpen + kFirstArgumentOpen);
       *this << ", '')";
     }
   }
@@ -287,15 +361,17 @@ void StepText::joinedTexts(const Expr& expr) {
 void StepText::compare(const Expr& expr, int level) {
   expression(*expr.left, level + 1);
   *this << comparisonSign(expr.op);
-  expression(*expr.right, level + 1);
+  nested(*expr.right, level + 1, kOperatorOpen);
 }
 
 void StepText::between(const Expr& expr, int level) {
   expression(*expr.left, level + 1);
   *this << (expr.negated ? " NOT BETWEEN " : " BETWEEN ");
+  open_ += kBetweenOpen;
   function(writer_.smaller(), *expr.right, *expr.third);
   *this << " AND ";
   function(writer_.larger(), *expr.right, *expr.third);
+  open_ -= kBetweenOpen;
 }
 
 void StepText::like(const Expr& expr) {
@@ -309,15 +385,30 @@ void StepText::membership(const Expr& expr, int level) {
   if (expr.kind == ExprKind::kIn) {
     list(expr.arguments);
   } else {
-    select(*expr.select);
+    inner(expr);
   }
   *this << ")";
+}
+
+/// The SELECT of an expression.
+void StepText::inner(const Expr& expr) {
+  open_ += kSelectOpen;
+  if (open_ > kMostOpen) refuse(Rule::kTooDeep, statement_, expr.offset);
+  select(*expr.select);
+  open_ -= kSelectOpen;
 }
 
 void StepText::list(const Expr* first) {
   for (const Expr* expr = first; expr != nullptr; expr = expr->next) {
     if (expr != first) *this << ", ";
-    expression(*expr);
+    nested(*expr, 0, expr == first ? kFirstArgumentOpen : kArgumentOpen);
+  }
+}
+
+void StepText::arguments(std::span<const Expr* const> arguments) {
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    if (i > 0) *this << ", ";
+    nested(*arguments[i], 0, i == 0 ? kFirstArgumentOpen : kArgumentOpen);
   }
 }
 
@@ -333,21 +424,27 @@ void StepText::call(const Expr& expr) {
       return this->function("coalesce", *first, *first->next);
     case FunctionKind::kIIf:
       *this << "CASE WHEN ";
-      expression(*first);
+      nested(*first, 0, kCaseOpen);
       *this << " THEN ";
-      expression(*first->next);
+      nested(*first->next, 0, kCaseOpen);
       *this << " ELSE ";
-      expression(*first->next->next);
+      nested(*first->next->next, 0, kCaseOpen);
       *this << " END";
       return;
     case FunctionKind::kDatePart:
       *this << "tv_part('" << function.engineName << "', ";
       break;
+    case FunctionKind::kTotal:
+      *this << (hasDecimals(first->type) ? "tv_" : "") << function.engineName << "(";
+      break;
     default:
       *this << function.engineName << "(";
       break;
   }
+  // Behind the name of a part.
+  if (function.kind == FunctionKind::kDatePart) open_ += kOperatorOpen;
   list(first);
+  if (function.kind == FunctionKind::kDatePart) open_ -= kOperatorOpen;
   if (function.kind == FunctionKind::kTyped) {
     if (first->next == nullptr) *this << ", NULL";
     *this << ", " << typeNumber(first->type);
@@ -359,7 +456,7 @@ void StepText::call(const Expr& expr) {
 
 void StepText::truth(const Expr& condition) {
   *this << writer_.beforeTruth();
-  expression(condition);
+  nested(condition, 0, kOperatorOpen);
   *this << writer_.behindTruth();
 }
 
@@ -377,7 +474,7 @@ void StepText::cast(const Expr& expr) {
       return;
     case Cast::kFlag:
       *this << writer_.beforeTruth();
-      expression(*expr.left, kCompareLevel + 1);
+      nested(*expr.left, kCompareLevel + 1, kOperatorOpen);
       *this << " <> 0" << writer_.behindTruth();
       return;
     case Cast::kNumber:
@@ -385,6 +482,9 @@ void StepText::cast(const Expr& expr) {
       break;
     case Cast::kDate:
       function = "tv_date(";
+      break;
+    case Cast::kDay:
+      function = "tv_day(";
       break;
     case Cast::kText:
       function = "tv_text(";
@@ -406,7 +506,7 @@ void StepText::cast(const Expr& expr) {
       break;
   }
   *this << function;
-  expression(*expr.left);
+  nested(*expr.left, 0, kFirstArgumentOpen);
   if (second >= 0) *this << ", " << second;
   *this << ")";
 }

@@ -31,6 +31,16 @@ constexpr bool isText(ColumnType t) {
 constexpr bool isWhole(ColumnType t) {
   return t == ColumnType::kInt16 || t == ColumnType::kInt32 || t == ColumnType::kByte;
 }
+/// What a whole type holds.
+struct WholeRange {
+  std::int64_t least;
+  std::int64_t most;
+};
+constexpr WholeRange wholeRange(ColumnType t) {
+  if (t == ColumnType::kByte) return {0, 0xFF};
+  if (t == ColumnType::kInt16) return {-0x8000, 0x7FFF};
+  return {-0x8000'0000LL, 0x7FFF'FFFF};
+}
 constexpr bool isNumeric(ColumnType t) {
   return isWhole(t) || t == ColumnType::kSingle || t == ColumnType::kDouble ||
          t == ColumnType::kCurrency;

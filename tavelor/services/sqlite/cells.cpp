@@ -23,9 +23,16 @@ double numberOf(sqlite3_value* value, const Locale& locale) {
   return *number;
 }
 
-std::int64_t wholeOf(sqlite3_value* value, const Locale& locale) {
+/// Within the range of a column's type.
+std::int64_t wholeOf(sqlite3_value* value, ColumnType type, const Locale& locale) {
+  const WholeRange range = wholeRange(type);
   const double rounded = roundHalfEven(numberOf(value, locale));
-  if (!(std::abs(rounded) < 9.2e18)) raise(errors::kOverflow, kSource);
+  if (!(rounded >= static_cast<double>(range.least) &&
+        rounded <= static_cast<double>(range.most))) {
+    raise(errors::kOverflow, kSource,
+          plainNumber(rounded, locale) + " is not between " + std::to_string(range.least) +
+              " and " + std::to_string(range.most));
+  }
   return static_cast<std::int64_t>(rounded);
 }
 
@@ -62,7 +69,7 @@ void CellReader::convert(sqlite3_value* value, ColumnType type, RowStore::Cells&
     case ColumnType::kByte:
     case ColumnType::kInt16:
     case ColumnType::kInt32:
-      return cells.setInteger(column, wholeOf(value, locale_));
+      return cells.setInteger(column, wholeOf(value, type, locale_));
     case ColumnType::kBoolean:
       return cells.setInteger(column, numberOf(value, locale_) != 0 ? -1 : 0);
     case ColumnType::kSingle:

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string_view>
+#include <utility>
 
 #include <sqlite3.h>
 
@@ -34,9 +35,18 @@ class CellReader {
         if (stored == SQLITE_TEXT) return cells.setText(column, textOf(value));
         break;
       case ColumnType::kInt32:
-      case ColumnType::kInt16:
+        if (stored == SQLITE_INTEGER) {
+          const std::int64_t whole = sqlite3_value_int64(value);
+          if (std::in_range<std::int32_t>(whole)) return cells.setInteger(column, whole);
+        }
+        break;
       case ColumnType::kByte:
-        if (stored == SQLITE_INTEGER) return cells.setInteger(column, sqlite3_value_int64(value));
+      case ColumnType::kInt16:
+        if (stored == SQLITE_INTEGER) {
+          const std::int64_t whole = sqlite3_value_int64(value);
+          const auto [least, most] = wholeRange(type);
+          if (whole >= least && whole <= most) return cells.setInteger(column, whole);
+        }
         break;
       case ColumnType::kBoolean:
         if (stored == SQLITE_INTEGER) {

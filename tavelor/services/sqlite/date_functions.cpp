@@ -4,6 +4,8 @@
 #include <cmath>
 #include <ctime>
 
+#include <fmt/format.h>
+
 #include "tavelor/platform/date.hpp"
 #include "tavelor/platform/date_text.hpp"
 #include "tavelor/services/sqlite/functions.hpp"
@@ -25,10 +27,26 @@ void dateValue(Call& call) {
   call.give(dateOf(call, 0));
 }
 
+/// Raises 6 for a day of no year that there is.
+void day(Call& call) {
+  const double days = dateOf(call, 0);
+  static_cast<void>(Date(days).civil());
+  call.give(days);
+}
+
+/// From 1 on, counted from the day `first`: 1 is Sunday, 0 the country's own, Monday.
+std::int64_t weekday(Date date, std::int64_t first) {
+  if (first < 0 || first > 7) {
+    refuse(errors::kInvalidCall, fmt::format("A week begins on day 1 to 7, not {}", first));
+  }
+  if (first == 0) first = 2;
+  return (date.weekday() - first + 7) % 7 + 1;
+}
+
 void part(Call& call) {
   const std::string_view code = call.text(0);
   const Date date(dateOf(call, 1));
-  if (code == "w") return call.give(std::int64_t{date.weekday()});
+  if (code == "w") return call.give(weekday(date, call.count() == 3 ? call.rounded(2) : 1));
   const CivilTime civil = date.civil();
   const auto give = [&](int value) { call.give(std::int64_t{value}); };
   if (code == "yyyy") return give(civil.year);
@@ -73,7 +91,9 @@ void clock(Call& call) {
 }
 
 constexpr std::array kFunctions{Function{"tv_date", 1, entry<dateValue, Nulls::kGiveNull>},
+                                Function{"tv_day", 1, entry<day, Nulls::kGiveNull>},
                                 Function{"tv_part", 2, entry<part, Nulls::kGiveNull>},
+                                Function{"tv_part", 3, entry<part, Nulls::kGiveNull>},
                                 Function{"tv_date_serial", 3, entry<dateSerial, Nulls::kGiveNull>},
                                 Function{"tv_now", 0, entry<now, Nulls::kTaken>, 0},
                                 Function{"tv_today", 0, entry<today, Nulls::kTaken>, 0},

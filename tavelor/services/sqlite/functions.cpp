@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "tavelor/platform/decimal_arithmetic.hpp"
 #include "tavelor/platform/number_text.hpp"
 
 namespace tavelor::engine::sqlite {
@@ -73,17 +74,49 @@ void giveKept(sqlite3_context* context) noexcept {
   kept->value = nullptr;
 }
 
+/// The state of tv_sum and tv_avg, made by the engine in zeroed memory.
+struct Total {
+  DecimalSum sum;
+  std::int64_t count;
+};
+
+void addToTotal(sqlite3_context* context, int count, sqlite3_value** arguments) noexcept {
+  Call call(context, count, arguments);
+  if (call.isNull(0)) return;
+  auto* const total = static_cast<Total*>(sqlite3_aggregate_context(context, sizeof(Total)));
+  if (total == nullptr) return sqlite3_result_error_nomem(context);
+  guarded(call, [total](const Call& added) {
+    total->sum.add(added.real(0));
+    ++total->count;
+  });
+}
+
+/// Of no number at all there is neither a sum nor a mean.
+template <bool mean>
+void giveTotal(sqlite3_context* context) noexcept {
+  const auto* const total = static_cast<Total*>(sqlite3_aggregate_context(context, 0));
+  if (total == nullptr || total->count == 0) return sqlite3_result_null(context);
+  Call call(context, 0, nullptr);
+  guarded(call, [total](const Call& given) {
+    const double sum = total->sum.total();
+    given.give(mean ? decimalQuotient(sum, static_cast<double>(total->count)) : sum);
+  });
+}
+
 }  // namespace
 
 void addAggregates(Database& database) {
-  const auto add = [&](const char* name, void (*step)(sqlite3_context*, int, sqlite3_value**)) {
+  using Step = void (*)(sqlite3_context*, int, sqlite3_value**);
+  const auto add = [&](const char* name, Step step, void (*give)(sqlite3_context*)) {
     const int code =
         sqlite3_create_function_v2(database.handle, name, 1, SQLITE_UTF8 | SQLITE_INNOCUOUS,
-                                   &database, nullptr, step, giveKept, nullptr);
+                                   &database, nullptr, step, give, nullptr);
     if (code != SQLITE_OK) database.fail(code);
   };
-  add("tv_first", keepFirst);
-  add("tv_last", keepLast);
+  add("tv_first", keepFirst, giveKept);
+  add("tv_last", keepLast, giveKept);
+  add("tv_sum", addToTotal, giveTotal<false>);
+  add("tv_avg", addToTotal, giveTotal<true>);
 }
 
 }  // namespace tavelor::engine::sqlite

@@ -67,6 +67,19 @@ enum class Nulls { kGiveNull, kTaken };
 using Body = void (*)(Call&);
 
 /// No exception may cross the engine's own frames.
+template <typename Action>
+void guarded(Call& call, Action action) noexcept {
+  try {
+    action(call);
+  } catch (const Error& error) {
+    call.fail(error.number(), error.description());
+  } catch (const std::bad_alloc&) {
+    sqlite3_result_error_nomem(call.context());
+  } catch (const std::exception& error) {
+    call.fail(errors::kUnspecified, error.what());
+  }
+}
+
 template <Body body, Nulls nulls>
 void entry(sqlite3_context* context, int count, sqlite3_value** arguments) noexcept {
   Call call(context, count, arguments);
@@ -75,15 +88,7 @@ void entry(sqlite3_context* context, int count, sqlite3_value** arguments) noexc
       if (call.isNull(i)) return sqlite3_result_null(context);
     }
   }
-  try {
-    body(call);
-  } catch (const Error& error) {
-    call.fail(error.number(), error.description());
-  } catch (const std::bad_alloc&) {
-    sqlite3_result_error_nomem(context);
-  } catch (const std::exception& error) {
-    call.fail(errors::kUnspecified, error.what());
-  }
+  guarded(call, body);
 }
 
 struct Function {
@@ -98,7 +103,7 @@ void addFunctions(Database& database, const Function* first, std::size_t count);
 void addTextFunctions(Database& database);
 void addNumberFunctions(Database& database);
 void addDateFunctions(Database& database);
-/// tv_first, tv_last.
+/// tv_first, tv_last, tv_sum, tv_avg.
 void addAggregates(Database& database);
 
 inline void addFunctions(Database& database) {

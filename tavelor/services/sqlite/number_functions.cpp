@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include "tavelor/platform/currency.hpp"
+#include "tavelor/platform/decimal_arithmetic.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/services/sqlite/functions.hpp"
 
@@ -17,6 +18,15 @@ namespace tavelor::engine::sqlite {
 namespace {
 
 constexpr double kExactWhole = 9007199254740992.0;  // 2^53: from here on doubles skip whole numbers
+
+/// Raises 6 for a number that the type does not hold.
+std::int64_t inRange(std::int64_t number, ColumnType type) {
+  const auto [least, most] = wholeRange(type);
+  if (number < least || number > most) {
+    refuse(errors::kOverflow, fmt::format("{} is not between {} and {}", number, least, most));
+  }
+  return number;
+}
 
 void give(const Call& call, double number, bool asWhole) {
   if (asWhole && std::abs(number) < kExactWhole) {
@@ -40,10 +50,18 @@ void number(Call& call) {
   give(call, read, read == std::trunc(read));
 }
 
+/// The first argument, and each of the others to what there is.
+template <double (*operation)(double, double)>
+void chain(Call& call) {
+  double result = call.real(0);
+  for (int i = 1; i < call.count(); ++i) result = operation(result, call.real(i));
+  call.give(result);
+}
+
 void divide(Call& call) {
   const double divisor = call.real(1);
   if (divisor == 0) refuse(errors::kDivisionByZero);
-  call.give(call.real(0) / divisor);
+  call.give(decimalQuotient(call.real(0), divisor));
 }
 
 /// The two whole operands of `\` and Mod.
@@ -71,6 +89,29 @@ void modulo(Call& call) {
   call.give(divisor == -1 ? std::int64_t{0} : dividend % divisor);
 }
 
+/// A number whose bits are wanted: a LONG.
+std::int64_t bitsOf(const Call& call, int i) {
+  return inRange(call.rounded(i), ColumnType::kInt32);
+}
+
+/// A Null may be any number: with 0 it is 0.
+void bitAnd(Call& call) {
+  if (!call.isNull(0) && !call.isNull(1)) return call.give(bitsOf(call, 0) & bitsOf(call, 1));
+  const int other = call.isNull(0) ? 1 : 0;
+  if (!call.isNull(other) && bitsOf(call, other) == 0) call.give(std::int64_t{0});
+}
+
+/// And with -1, all of whose bits are set, it is -1.
+void bitOr(Call& call) {
+  if (!call.isNull(0) && !call.isNull(1)) return call.give(bitsOf(call, 0) | bitsOf(call, 1));
+  const int other = call.isNull(0) ? 1 : 0;
+  if (!call.isNull(other) && bitsOf(call, other) == -1) call.give(std::int64_t{-1});
+}
+
+void bitNot(Call& call) {
+  call.give(~bitsOf(call, 0));
+}
+
 void power(Call& call) {
   const double result = std::pow(call.real(0), call.real(1));
   if (!std::isfinite(result)) refuse(errors::kOverflow);
@@ -82,25 +123,7 @@ void currency(Call& call) {
 }
 
 void whole(Call& call) {
-  std::int64_t least = std::numeric_limits<std::int32_t>::min();
-  std::int64_t most = std::numeric_limits<std::int32_t>::max();
-  switch (call.columnType(1)) {
-    case ColumnType::kByte:
-      least = 0;
-      most = std::numeric_limits<std::uint8_t>::max();
-      break;
-    case ColumnType::kInt16:
-      least = std::numeric_limits<std::int16_t>::min();
-      most = std::numeric_limits<std::int16_t>::max();
-      break;
-    default:
-      break;
-  }
-  const std::int64_t value = call.rounded(0);
-  if (value < least || value > most) {
-    refuse(errors::kOverflow, fmt::format("{} is not between {} and {}", value, least, most));
-  }
-  call.give(value);
+  call.give(inRange(call.rounded(0), call.columnType(1)));
 }
 
 void single(Call& call) {
@@ -111,36 +134,36 @@ void single(Call& call) {
 
 void floorOf(Call& call) {
   if (call.isWhole(0)) return call.pass(0);
-  call.give(std::floor(call.real(0)));
+  call.give(decimalFloor(call.real(0)));
 }
 
 void truncate(Call& call) {
   if (call.isWhole(0)) return call.pass(0);
-  call.give(std::trunc(call.real(0)));
+  call.give(decimalTruncate(call.real(0)));
 }
 
 /// What begins a text as a number with a point; blanks count nowhere, and the first character that
-/// does not fit ends it.
+/// does not fit ends it. Raises 6 for a number that no double holds.
 double leadingNumber(std::string_view text) {
   std::string digits;
   for (const char c : text) {
     if (c != ' ' && c != '\t' && c != '\n') digits += c;
   }
+  if (const auto radix = readRadix(digits)) return static_cast<double>(radix->number);
   const char* first = digits.data();
   const char* const last = first + digits.size();
-  if (digits.size() > 1 && digits[0] == '&') {
-    const bool hex = digits[1] == 'H' || digits[1] == 'h';
-    const bool octal = digits[1] == 'O' || digits[1] == 'o';
-    std::int64_t value = 0;
-    if (hex || octal) std::from_chars(first + 2, last, value, hex ? 16 : 8);
-    return static_cast<double>(value);
-  }
   if (first != last && *first == '+') ++first;
   // Letters that the reader would take for a number of its own.
   const char* const start = first != last && *first == '-' ? first + 1 : first;
   if (start == last || !((*start >= '0' && *start <= '9') || *start == '.')) return 0;
   double value = 0;
-  std::from_chars(first, last, value);
+  const auto read = std::from_chars(first, last, value);
+  if (read.ec == std::errc::result_out_of_range) {
+    // Too small a number is 0.
+    value = parseSqlNumber({first, static_cast<std::size_t>(read.ptr - first)})
+                .value_or(std::numeric_limits<double>::infinity());
+  }
+  if (!std::isfinite(value)) refuse(errors::kOverflow);
   return value;
 }
 
@@ -150,18 +173,25 @@ void val(Call& call) {
   give(call, value, value == std::trunc(value));
 }
 
-constexpr std::array kFunctions{Function{"tv_round", 2, entry<roundTo, Nulls::kGiveNull>},
-                                Function{"tv_number", 1, entry<number, Nulls::kGiveNull>},
-                                Function{"tv_div", 2, entry<divide, Nulls::kGiveNull>},
-                                Function{"tv_intdiv", 2, entry<divideWhole, Nulls::kGiveNull>},
-                                Function{"tv_mod", 2, entry<modulo, Nulls::kGiveNull>},
-                                Function{"tv_power", 2, entry<power, Nulls::kGiveNull>},
-                                Function{"tv_currency", 1, entry<currency, Nulls::kGiveNull>},
-                                Function{"tv_whole", 2, entry<whole, Nulls::kGiveNull>},
-                                Function{"tv_single", 1, entry<single, Nulls::kGiveNull>},
-                                Function{"tv_int", 1, entry<floorOf, Nulls::kGiveNull>},
-                                Function{"tv_fix", 1, entry<truncate, Nulls::kGiveNull>},
-                                Function{"tv_val", 1, entry<val, Nulls::kGiveNull>}};
+constexpr std::array kFunctions{
+    Function{"tv_round", 2, entry<roundTo, Nulls::kGiveNull>},
+    Function{"tv_number", 1, entry<number, Nulls::kGiveNull>},
+    Function{"tv_add", -1, entry<chain<decimalSum>, Nulls::kGiveNull>},
+    Function{"tv_sub", -1, entry<chain<decimalDifference>, Nulls::kGiveNull>},
+    Function{"tv_mul", -1, entry<chain<decimalProduct>, Nulls::kGiveNull>},
+    Function{"tv_div", 2, entry<divide, Nulls::kGiveNull>},
+    Function{"tv_intdiv", 2, entry<divideWhole, Nulls::kGiveNull>},
+    Function{"tv_mod", 2, entry<modulo, Nulls::kGiveNull>},
+    Function{"tv_and", 2, entry<bitAnd, Nulls::kTaken>},
+    Function{"tv_or", 2, entry<bitOr, Nulls::kTaken>},
+    Function{"tv_not", 1, entry<bitNot, Nulls::kGiveNull>},
+    Function{"tv_power", 2, entry<power, Nulls::kGiveNull>},
+    Function{"tv_currency", 1, entry<currency, Nulls::kGiveNull>},
+    Function{"tv_whole", 2, entry<whole, Nulls::kGiveNull>},
+    Function{"tv_single", 1, entry<single, Nulls::kGiveNull>},
+    Function{"tv_int", 1, entry<floorOf, Nulls::kGiveNull>},
+    Function{"tv_fix", 1, entry<truncate, Nulls::kGiveNull>},
+    Function{"tv_val", 1, entry<val, Nulls::kGiveNull>}};
 
 }  // namespace
 

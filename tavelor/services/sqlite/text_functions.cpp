@@ -57,6 +57,26 @@ void mid(Call& call) {
   call.give(text::mid(call.text(0), start, count));
 }
 
+/// tv_instr([start,] text, part[, compare]): where a part begins, in characters from 1; 0 where it
+/// does not stand. Without regard to case unless `compare` is 0, for exact characters.
+void findPart(Call& call) {
+  const int first = call.count() == 2 ? 0 : 1;
+  const std::size_t start = first == 0 ? 1 : countOf(call, 0, 1);
+  const std::int64_t compare = call.count() == 4 ? call.rounded(3) : 1;
+  if (compare < 0 || compare > 2) {
+    refuse(errors::kInvalidCall, fmt::format("InStr compares by 0, 1 or 2, not by {}", compare));
+  }
+  const std::string text =
+      compare == 0 ? std::string(call.text(first)) : text::foldCase(call.text(first));
+  const std::string part =
+      compare == 0 ? std::string(call.text(first + 1)) : text::foldCase(call.text(first + 1));
+  if (start > text::length(text)) return call.give(std::int64_t{0});
+  const std::size_t before = text.size() - text::mid(text, start - 1).size();
+  const std::size_t found = text.find(part, before);
+  if (found == std::string::npos) return call.give(std::int64_t{0});
+  call.give(static_cast<std::int64_t>(text::length(std::string_view(text).substr(0, found)) + 1));
+}
+
 void upper(Call& call) {
   call.give(std::string_view(text::upper(call.text(0))));
 }
@@ -90,6 +110,7 @@ void textValue(Call& call) {
 constexpr std::array kFunctions{Function{"tv_like", 2, entry<like, Nulls::kGiveNull>},
                                 Function{"tv_left", 2, entry<left, Nulls::kGiveNull>},
                                 Function{"tv_right", 2, entry<right, Nulls::kGiveNull>},
+                                Function{"tv_instr", -1, entry<findPart, Nulls::kGiveNull>},
                                 Function{"tv_mid", 2, entry<mid, Nulls::kGiveNull>},
                                 Function{"tv_mid", 3, entry<mid, Nulls::kGiveNull>},
                                 Function{"tv_ucase", 1, entry<upper, Nulls::kGiveNull>},
