@@ -15,6 +15,7 @@
 #include "tavelor/articles/articulos_precios_ventas.hpp"
 #include "tavelor/articles/registros.hpp"
 #include "tavelor/closing/cierres.hpp"
+#include "tavelor/customers/clientes.hpp"
 #include "tavelor/frame/component.hpp"
 #include "tavelor/numbering/numeradores.hpp"
 #include "tavelor/platform/error.hpp"
@@ -86,6 +87,8 @@ const std::vector<const Component*>& components() {
       &ClsRegTickets::component(),
       // closing
       &ClsCierres::component(),
+      // customers
+      &ClsClientes::component(),
   };
   // clang-format on
   return all;

@@ -3,6 +3,7 @@
 #include "tavelor/frame/component.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 
 #include <fmt/format.h>
@@ -216,6 +217,18 @@ std::vector<Member> withFrameTail(std::vector<Member> first, std::vector<Member>
   return first;
 }
 
+std::vector<Member> withSlotsBehind(std::string_view name, std::vector<Member> more,
+                                    std::vector<Member> slots) {
+  const auto before = std::find_if(slots.begin(), slots.end(),
+                                   [&](const Member& slot) { return slot.name == name; });
+  if (before == slots.end()) {
+    raise(errors::kMemberNotFound, kSource, fmt::format("There is no slot {}", name));
+  }
+  slots.insert(before + 1, std::make_move_iterator(more.begin()),
+               std::make_move_iterator(more.end()));
+  return slots;
+}
+
 namespace detail {
 
 const Locale& callLocale() {
@@ -268,6 +281,17 @@ Object& objectArgument(const Variant* value, std::string_view wanted) {
   const ObjectPtr* object = value != nullptr ? value->getIf<ObjectPtr>() : nullptr;
   if (object == nullptr || *object == nullptr) raiseWrongObject(wanted);
   return **object;
+}
+
+std::vector<Variant> Marshal<std::vector<Variant>>::in(const Variant& v) {
+  std::vector<Variant> entries;
+  const std::string lines = v.toText(callLocale());
+  for (std::size_t begin = 0; begin < lines.size();) {
+    const std::size_t end = std::min(lines.find('\n', begin), lines.size());
+    entries.emplace_back(lines.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  return entries;
 }
 
 Variant Marshal<std::vector<Variant>>::out(const std::vector<Variant>& entries) {

@@ -90,6 +90,10 @@ const Member& frameMember(std::string_view name);
 /// same in all classes, and what some classes have behind them. A member of `last` that bears the
 /// name of a frame member is the class's own version of it and takes its place.
 std::vector<Member> withFrameTail(std::vector<Member> first, std::vector<Member> last = {});
+/// The same slots with `more` behind the one called `name`: members of a class that stand among
+/// those of the frame. Raises 438 when there is no such slot.
+std::vector<Member> withSlotsBehind(std::string_view name, std::vector<Member> more,
+                                    std::vector<Member> slots);
 
 // ---------------------------------------------------------------------------------------------
 // From a member function to a slot.
@@ -160,6 +164,7 @@ struct Marshal<Date> {
 template <>
 struct Marshal<std::vector<Variant>> {
   static constexpr std::string_view kName = "Collection";
+  static std::vector<Variant> in(const Variant& v);
   static Variant out(const std::vector<Variant>& entries);
 };
 template <>
@@ -310,11 +315,12 @@ AggregateParameter<Aggregate> parameter(std::string_view name, T Aggregate::*fie
 }
 
 /// A slot of a member that takes its parameters, in the order of `parameters`, as one aggregate.
-template <typename Class, typename Aggregate>
-Member member(std::string_view name, void (Class::*function)(Aggregate&) const,
+template <typename R, typename Class, typename Aggregate>
+Member member(std::string_view name, R (Class::*function)(Aggregate&) const,
               std::vector<AggregateParameter<std::remove_const_t<Aggregate>>> parameters) {
   Member slot;
   slot.name = name;
+  if constexpr (!std::is_void_v<R>) slot.result = detail::Marshal<R>::kName;
   for (const auto& each : parameters) slot.parameters.push_back(each.parameter);
   slot.body = [function, parameters](Object& object, std::span<Variant> arguments) {
     auto* typed = dynamic_cast<Class*>(&object);
@@ -330,14 +336,19 @@ Member member(std::string_view name, void (Class::*function)(Aggregate&) const,
         }
       }
     };
+    Variant result;
     try {
-      (typed->*function)(all);
+      if constexpr (std::is_void_v<R>) {
+        (typed->*function)(all);
+      } else {
+        result = detail::Marshal<R>::out((typed->*function)(all));
+      }
     } catch (...) {
       writeBack();
       throw;
     }
     writeBack();
-    return Variant();
+    return result;
   };
   return slot;
 }

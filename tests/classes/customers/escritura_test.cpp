@@ -1,0 +1,265 @@
+// SPDX-License-Identifier: MIT
+// ClsClientes: writes of one customer, and paths, files and lists.
+#include <filesystem>
+
+#include "tavelor/frame/component.hpp"
+#include "tests/classes/customers/clientes.hpp"
+
+namespace tavelor {
+namespace {
+
+using test::corpus;
+using test::errorOf;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::IsEmpty;
+
+class ClsClientesEscrituraTest : public testing::Test, protected test::CustomerShop {
+ protected:
+  explicit ClsClientesEscrituraTest(const Settings& settings = test::fastSettings())
+      : CustomerShop(settings) {}
+
+  static ClsClientes::Alta whole() {
+    return {.vId = "00012",
+            .sNombre = "Clínica Sol",
+            .sRazonSocial = "Clínica Sol, S.L.",
+            .sNif = "B12345679",
+            .sdir = "Calle Mayor, 1",
+            .sCp = "28001",
+            .sPob = "Madrid",
+            .sProv = "Madrid",
+            .stel = "910000000",
+            .sMov = "600000000",
+            .sEmail = "sol@example.org",
+            .seMailDoc = "doc@example.org",
+            .bActivo = true,
+            .dDescuento = 12.5,
+            .sTarifa = "A",
+            .sSerie = "A",
+            .sConcepto = "Varios",
+            .stpcli = "Nuevo",
+            .sLista = "PRC",
+            .dFecha = {},
+            .objCn = {},
+            .sExternalId = "00"};
+  }
+};
+
+// ---- Insertar
+
+TEST_F(ClsClientesEscrituraTest, ANewCustomerIsWrittenToTheLetter) {
+  EXPECT_THAT(traceOf([&] { customers.Insertar(whole()); }), ElementsAre(corpus("Insertar")));
+  EXPECT_EQ(column("Razon_Social"), "Clínica Sol, S.L.");
+  EXPECT_EQ(column("Activo"), "-1");
+  EXPECT_EQ(column("Descuento"), "12,5");
+  EXPECT_EQ(column("Fecha"), "05/03/2026");
+  EXPECT_EQ(column("ExternalID"), "00");
+}
+
+TEST_F(ClsClientesEscrituraTest, AnEmptyListBecomesTheUsualOneForTheCallerToo) {
+  ClsClientes::Alta alta;
+  alta.vId = "00013";
+  alta.sTarifa = "A";
+  alta.sSerie = "A";
+  EXPECT_THAT(traceOf([&] { customers.Insertar(alta); }),
+              ElementsAre(corpus("Insertar / inactive, empty texts")));
+  EXPECT_EQ(*alta.sLista, "PRC");
+  EXPECT_EQ(column("Lista", "00013"), "PRC");
+}
+
+TEST_F(ClsClientesEscrituraTest, TheDateIsTodayWhateverIsGiven) {
+  ClsClientes::Alta alta = whole();
+  for (const Variant& given : {Variant(Date::of(1999, 12, 31)), Variant("no date"), Variant()}) {
+    shop.run("DELETE FROM Clientes");
+    alta.dFecha = given;
+    customers.Insertar(alta);
+    EXPECT_EQ(column("Fecha"), "05/03/2026");
+  }
+}
+
+TEST_F(ClsClientesEscrituraTest, ByNameTheExternalIdentifierStandsBehindTheConnection) {
+  std::vector<Variant> arguments = {"00012", "",   "", "",  "",  "", "", "", "", "", "",
+                                    "",      true, 0,  "A", "A", "", "", "", {}, {}, "EXT-7"};
+  ClsClientes::component().call(customers, "Insertar", arguments);
+  EXPECT_EQ(column("ExternalID"), "EXT-7");
+  EXPECT_EQ(arguments[18], Variant("PRC"));
+}
+
+TEST_F(ClsClientesEscrituraTest, AnApostropheBreaksTheStatementAndADoubledOneIsOne) {
+  ClsClientes::Alta alta = whole();
+  alta.sRazonSocial = "L'Hospital, S.L.";
+  EXPECT_EQ(errorOf([&] { customers.Insertar(alta); }), errors::kSyntax);
+  EXPECT_EQ(shop.text("SELECT Count(*) FROM Clientes"), "0");
+  alta.sRazonSocial = "L''Hospital, S.L.";
+  customers.Insertar(alta);
+  EXPECT_EQ(column("Razon_Social"), "L'Hospital, S.L.");
+}
+
+TEST_F(ClsClientesEscrituraTest, ACodeThatIsThereIsRefused) {
+  customers.Insertar(whole());
+  EXPECT_EQ(errorOf([&] { customers.Insertar(whole()); }), errors::kIntegrityViolation);
+}
+
+TEST_F(ClsClientesEscrituraTest, AnEmptyConnectionComesBackFilled) {
+  ClsClientes::Alta alta = whole();
+  customers.Insertar(alta);
+  ASSERT_NE(*alta.objCn, nullptr);
+  const ConnectionPtr filled = *alta.objCn;
+  filled->BeginTrans();
+  alta.sNombre = "Luna";
+  customers.Actualizar(alta);
+  EXPECT_EQ(*alta.objCn, filled);
+  filled->RollbackTrans();
+  EXPECT_EQ(column("Nombre"), "Clínica Sol");
+}
+
+class ClsClientesDecimalPointTest : public ClsClientesEscrituraTest {
+ protected:
+  ClsClientesDecimalPointTest() : ClsClientesEscrituraTest(test::customerSettings("neutral")) {}
+};
+
+TEST_F(ClsClientesDecimalPointTest, TheDiscountIsPrintedAndReadByTheLocale) {
+  EXPECT_THAT(traceOf([&] { customers.Insertar(whole()); }).front(),
+              testing::HasSubstr("'-1', '12.5', 'A'"));
+  EXPECT_EQ(shop.value("SELECT Descuento FROM Clientes"), Variant(12.5));
+}
+
+TEST_F(ClsClientesEscrituraTest, AValueWiderThanItsColumnIsRefusedWhole) {
+  ClsClientes::Alta alta = whole();
+  alta.sNif = std::string(300, '9');
+  EXPECT_NE(errorOf([&] { customers.Insertar(alta); }), 0);
+  EXPECT_EQ(shop.text("SELECT Count(*) FROM Clientes"), "0");
+}
+
+// ---- Actualizar and the small ones
+
+TEST_F(ClsClientesEscrituraTest, RewritingEndsWithTheSeries) {
+  add("00012", "Concepto = 'was', Lista = 'TDS', ExternalID = 'x'");
+  EXPECT_THAT(traceOf([&] { customers.Actualizar(whole()); }), ElementsAre(corpus("Actualizar")));
+  EXPECT_EQ(column("Nombre"), "Clínica Sol");
+  EXPECT_EQ(column("Serie"), "A");
+  EXPECT_EQ(column("Concepto"), "was");
+  EXPECT_EQ(column("Lista"), "TDS");
+  EXPECT_EQ(column("ExternalID"), "x");
+}
+
+TEST_F(ClsClientesEscrituraTest, RewritingNobodyIsPassedOver) {
+  customers.Actualizar(whole());
+  EXPECT_EQ(shop.text("SELECT Count(*) FROM Clientes"), "0");
+}
+
+TEST_F(ClsClientesEscrituraTest, TariffAndExternalIdentifierAreOneStatementEach) {
+  add("00012");
+  EXPECT_THAT(traceOf([&] { customers.CambiarTarifa("00012", "B"); }),
+              ElementsAre(corpus("CambiarTarifa")));
+  EXPECT_THAT(traceOf([&] { customers.ActualizarExternalId("00012", "EXT-7"); }),
+              ElementsAre(corpus("ActualizarExternalId")));
+  EXPECT_EQ(column("Tarifa"), "B");
+  EXPECT_EQ(column("ExternalID"), "EXT-7");
+}
+
+TEST_F(ClsClientesEscrituraTest, TakingOutOfUseLeavesTheDayOfReturnAndBringingBackSetsIt) {
+  add("00012", "Fecha_re = #01/02/2020#");
+  EXPECT_THAT(traceOf([&] { customers.CambiarEstadoCliente("00012", 0); }),
+              ElementsAre(corpus("CambiarEstadoCliente / 0")));
+  EXPECT_EQ(column("Activo"), "0");
+  EXPECT_EQ(column("Fecha_re"), "02/01/2020");
+  EXPECT_THAT(traceOf([&] { customers.CambiarEstadoCliente("00012", 1); }),
+              ElementsAre(corpus("CambiarEstadoCliente / 1")));
+  EXPECT_EQ(column("Activo"), "1");
+  EXPECT_EQ(column("Fecha_re"), "05/03/2026");
+  EXPECT_THAT(traceOf([&] { customers.CambiarEstadoCliente("00012", -1); }),
+              ElementsAre(corpus("CambiarEstadoCliente / -1")));
+  EXPECT_EQ(column("Activo"), "-1");
+}
+
+TEST_F(ClsClientesEscrituraTest, AnyOtherStateIsRefusedByTheDatabase) {
+  add("00012");
+  for (const double state : {2.0, 0.5, -2.0}) {
+    EXPECT_EQ(errorOf([&] { customers.CambiarEstadoCliente("00012", state); }), errors::kSyntax);
+  }
+  EXPECT_EQ(column("Activo"), "-1");
+}
+
+// ---- Paths and files
+
+TEST_F(ClsClientesEscrituraTest, PathsLeadIntoTheirFolders) {
+  std::string path = "clientes.xls";
+  customers.GetExportPath(path);
+  EXPECT_THAT(path, EndsWith("/export/clientes.xls"));
+  path = "contrato.doc";
+  customers.GetDocPath(path);
+  EXPECT_THAT(path, EndsWith("/doc/contrato.doc"));
+  path = "Clientes.rpt";
+  customers.GetRptPath(path);
+  EXPECT_THAT(path, EndsWith("/rpt/Clientes.rpt"));
+  EXPECT_THAT(customers.GetTxtFile(), EndsWith("/txt/Clientes.txt"));
+  EXPECT_THAT(customers.GetTxtFile_email(), EndsWith("/email/Clientes_e.txt"));
+}
+
+TEST_F(ClsClientesEscrituraTest, ReportsMayReadTheHistoricDatabase) {
+  std::string kind, source, catalogue, user, password;
+  customers.GetConnectionStrToRpt(kind, source, catalogue, user, password);
+  EXPECT_THAT(source, EndsWith("/main.db"));
+  customers.GetConnectionStrToRpt(kind, source, catalogue, user, password, true);
+  EXPECT_THAT(source, EndsWith("/historic.db"));
+  EXPECT_EQ(customers.GetConnectionStr(), "");
+}
+
+TEST_F(ClsClientesEscrituraTest, CustomersGoOutAsXmlAndComeBackWithTheirColumns) {
+  add("1", "Nombre = 'Añil & <Sol>', Riesgo = 12.5, Fecha = #03/05/2026#, Aviso = True");
+  add("2", "Nombre = Null");
+  const std::string path = shop.installation().folder() + "/clientes.xml";
+  EXPECT_THAT(traceOf([&] { customers.Create_xml_Clientes(path); }),
+              ElementsAre(corpus("Create_xml_Clientes")));
+  const RecordsetPtr rows = customers.IniciaXML(path);
+  EXPECT_EQ(customers.DataMember("Primary"), rows);
+  EXPECT_THAT(customers.DataMembers(), ElementsAre("Primary"));
+  ASSERT_EQ(rows->RecordCount(), 2);
+  EXPECT_EQ(rows->Field("Codigo").Value(), Variant("1"));
+  EXPECT_EQ(rows->Field("Nombre").Value(), Variant("Añil & <Sol>"));
+  EXPECT_EQ(rows->Field("Riesgo").Value(), Variant(12.5));
+  EXPECT_EQ(rows->Field("Fecha").Value(), Variant(Date::of(2026, 3, 5)));
+  EXPECT_EQ(rows->Field("Aviso").Value(), Variant(true));
+  rows->MoveNext();
+  EXPECT_TRUE(rows->Field("Nombre").Value().isNull());
+}
+
+TEST_F(ClsClientesEscrituraTest, WithoutCustomersNoFileIsWritten) {
+  const std::string path = shop.installation().folder() + "/clientes.xml";
+  customers.Create_xml_Clientes(path);
+  EXPECT_FALSE(std::filesystem::exists(path));
+  customers.IniciaRs("todos");
+  const auto rows = customers.DataMember("Primary");
+  EXPECT_EQ(errorOf([&] { customers.IniciaXML(path); }), errors::kFileNotFound);
+  EXPECT_EQ(customers.DataMember("Primary"), rows);
+}
+
+// ---- Lists
+
+TEST_F(ClsClientesEscrituraTest, ListsOfCodesInUseAndOfThoseBilledToOne) {
+  EXPECT_THAT(customers.ObtenerColActivos(), IsEmpty());
+  add("1", "codigo_fac = '9'");
+  add("2", "Activo = 0, codigo_fac = '9'");
+  add("3");
+  EXPECT_THAT(traceOf([&] {
+                EXPECT_EQ(customers.ObtenerColActivos(), (std::vector<Variant>{"1", "3"}));
+              }),
+              ElementsAre(corpus("ObtenerColActivos")));
+  EXPECT_EQ(customers.ObtenerColAsociados("9"), std::vector<Variant>{"1"});
+  EXPECT_THAT(traceOf([&] { EXPECT_THAT(customers.ObtenerColAsociados("00012"), IsEmpty()); }),
+              ElementsAre(corpus("ObtenerColAsociados")));
+}
+
+TEST_F(ClsClientesEscrituraTest, CentresAreListedOnceWithAllBehindThem) {
+  add("1", "Centro = Null");
+  add("2", "Centro = ''");
+  EXPECT_THAT(traceOf([&] { EXPECT_THAT(customers.ObtenerColCentrosProd(), IsEmpty()); }),
+              ElementsAre(corpus("ObtenerColCentrosProd")));
+  add("3", "Centro = 'Norte'");
+  add("4", "Centro = 'Norte'");
+  EXPECT_EQ(customers.ObtenerColCentrosProd(), (std::vector<Variant>{"Norte", "TODOS"}));
+}
+
+}  // namespace
+}  // namespace tavelor
