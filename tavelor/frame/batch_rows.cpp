@@ -26,31 +26,43 @@ bool isUnstored(Recordset& rows) {
   return !key.isEmpty() && number(key) == kUnstoredId;
 }
 
+template <typename Write>
 void numberRows(Recordset& rows, const std::vector<Variant>& places, const Variant& next,
-                const Variant& vId, std::string_view codeColumn) {
+                Write alsoWrite) {
   double id = number(next);
   for (const Variant& place : places) {
     rows.Bookmark(place);
-    rows.Field(codeColumn).Value(vId);
+    alsoWrite(rows);
     rows.Field("ID").Value(id);
     rows.Update();
     ++id;
   }
 }
 
+constexpr auto kEveryRow = [](Recordset&) { return true; };
+
+auto codeOf(const Variant& vId, std::string_view codeColumn) {
+  return [&vId, codeColumn](Recordset& rows) { rows.Field(codeColumn).Value(vId); };
+}
+
 }  // namespace
 
 void numberNewRows(Recordset& rows, const Variant& next, const Variant& vId,
                    std::string_view codeColumn) {
-  numberRows(rows, placesOf(rows, isUnstored), next, vId, codeColumn);
+  numberRows(rows, placesOf(rows, isUnstored), next, codeOf(vId, codeColumn));
   rows.MoveFirst();
 }
 
 void numberAllRows(Recordset& rows, const Variant& next, const Variant& vId,
                    std::string_view codeColumn) {
-  numberRows(rows, placesOf(rows, [](Recordset&) { return true; }), next, vId, codeColumn);
+  numberRows(rows, placesOf(rows, kEveryRow), next, codeOf(vId, codeColumn));
   rows.MoveLast();
   rows.MoveNext();
+}
+
+void keyAllRows(Recordset& rows, const Variant& next) {
+  numberRows(rows, placesOf(rows, kEveryRow), next, [](Recordset&) {});
+  rows.MoveFirst();
 }
 
 void keyCurrentRow(Recordset& rows, const Variant& vId, std::string_view codeColumn) {

@@ -3,6 +3,7 @@
 #include "tavelor/frame/component.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 
 #include <fmt/format.h>
@@ -205,6 +206,18 @@ std::vector<Member> withFrameTail(std::vector<Member> first, std::vector<Member>
   }
   first.insert(first.end(), last.begin(), last.end());
   return first;
+}
+
+std::vector<Member> withSlotsBehind(std::string_view name, std::vector<Member> more,
+                                    std::vector<Member> slots) {
+  const auto before = std::find_if(slots.begin(), slots.end(),
+                                   [&](const Member& slot) { return slot.name == name; });
+  if (before == slots.end()) {
+    raise(errors::kMemberNotFound, kSource, fmt::format("There is no slot {}", name));
+  }
+  slots.insert(before + 1, std::make_move_iterator(more.begin()),
+               std::make_move_iterator(more.end()));
+  return slots;
 }
 
 namespace detail {

@@ -87,6 +87,10 @@ const Member& frameMember(std::string_view name);
 /// same in all classes, and what some classes have behind them. A member of `last` that bears the
 /// name of a frame member is the class's own version of it and takes its place.
 std::vector<Member> withFrameTail(std::vector<Member> first, std::vector<Member> last = {});
+/// The same slots with `more` behind the one called `name`: members of a class that stand among
+/// those of the frame. Raises 438 when there is no such slot.
+std::vector<Member> withSlotsBehind(std::string_view name, std::vector<Member> more,
+                                    std::vector<Member> slots);
 
 // ---------------------------------------------------------------------------------------------
 // From a member function to a slot.
