@@ -30,6 +30,7 @@ constexpr std::array kWorks{
     Work{"sales", tavelor::bench::measureSales},
     Work{"articles", tavelor::bench::measureArticles},
     Work{"stock", tavelor::bench::measureStock},
+    Work{"ledger", tavelor::bench::measureLedger},
     Work{"import", tavelor::bench::measureImport},
     Work{"translation", tavelor::bench::measureTranslation},
     Work{"growth", tavelor::bench::measureGrowth},

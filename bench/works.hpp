@@ -20,6 +20,8 @@ void measureSales(Report& report, const Scale& scale);
 void measureArticles(Report& report, const Scale& scale);
 /// The stock of a ticket's lines, in all places that hold it.
 void measureStock(Report& report, const Scale& scale);
+/// An entry of the past in the ledger of one customer.
+void measureLedger(Report& report, const Scale& scale);
 /// Articles taken from rows of text, through their class.
 void measureImport(Report& report, const Scale& scale);
 /// Translation of every statement of the corpus beside the engine's own compiling.

@@ -181,6 +181,7 @@ CREATE TABLE Clientes_Comentarios (
   Comentarios MEMO,
   CONSTRAINT PK_Clientes_Comentarios PRIMARY KEY (Codigo, Id)
 );
+CREATE INDEX IX_Clientes_Comentarios_Id ON Clientes_Comentarios (Id);
 
 -- Running account of a customer; every entry stores the balance after it, in the order
 -- of Fecha, then Id.

@@ -16,6 +16,11 @@
 #include "tavelor/articles/registros.hpp"
 #include "tavelor/closing/cierres.hpp"
 #include "tavelor/customers/clientes.hpp"
+#include "tavelor/customers/clientes_apuntes_conta.hpp"
+#include "tavelor/customers/clientes_centros.hpp"
+#include "tavelor/customers/clientes_colaboradores.hpp"
+#include "tavelor/customers/clientes_comentarios.hpp"
+#include "tavelor/customers/clientes_direcciones.hpp"
 #include "tavelor/frame/component.hpp"
 #include "tavelor/numbering/numeradores.hpp"
 #include "tavelor/platform/error.hpp"
@@ -78,6 +83,12 @@ const std::vector<const Component*>& components() {
       &ClsArticulosComentarios::component(),
       &CollectionRegistros::component(),
       &ClsRegistros::component(),
+      // customers
+      &ClsClientesDirecciones::component(),
+      &ClsClientesCentros::component(),
+      &ClsClientesColaboradores::component(),
+      &ClsClientesComentarios::component(),
+      &ClsClientesApuntesConta::component(),
       // sales
       &ClsTickets::component(),
       &ClsTicketsCabecera::component(),

@@ -45,6 +45,7 @@ void addPeriod(CLI::App& app, Common& common);
 void addDay(CLI::App& app, Common& common);
 void addTicket(CLI::App& app, Common& common);
 void addRecover(CLI::App& app, Common& common);
+void addAccount(CLI::App& app, Common& common);
 void addStock(CLI::App& app, Common& common);
 void addSql(CLI::App& app, Common& common);
 void addImport(CLI::App& app, Common& common);

@@ -9,7 +9,6 @@
 
 #include <fmt/format.h>
 
-#include "tavelor/platform/date_text.hpp"
 #include "tavelor/platform/format.hpp"
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/number_text.hpp"
@@ -18,6 +17,7 @@
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/installation.hpp"
 #include "tools/command.hpp"
+#include "tools/day_option.hpp"
 #include "tools/interrupt.hpp"
 #include "tools/output.hpp"
 #include "tools/progress.hpp"
@@ -62,15 +62,6 @@ struct DayOptions {
   std::string to;
   std::string report;
 };
-
-std::optional<Date> dayOption(const std::string& name, const std::string& text) {
-  if (text.empty()) return std::nullopt;
-  const std::optional<Date> day = parseSqlDate(text);
-  if (!day || text.size() != 10 || text[4] != '-') {
-    throw UsageError(fmt::format("{} is no day like 2010-12-31: {}", name, printable(text)));
-  }
-  return day;
-}
 
 std::string counted(std::size_t count, std::string_view one, std::string_view many) {
   return fmt::format("{} {}", count, count == 1 ? one : many);

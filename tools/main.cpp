@@ -63,6 +63,7 @@ void addCommands(CLI::App& app, Common& common) {
   addDay(app, common);
   addTicket(app, common);
   addRecover(app, common);
+  addAccount(app, common);
   addStock(app, common);
   addSql(app, common);
   addImport(app, common);

@@ -30,40 +30,54 @@ std::vector<Variant> placesOf(Recordset& rows, Wanted wanted) {
   return bookmarks;
 }
 
+constexpr auto kEveryRow = [](Recordset&) { return true; };
+
 bool isUnstored(Recordset& rows) {
   const Variant key = rows.Field("ID").Value();
   return !key.isEmpty() && number(key) == kUnstoredId;
 }
 
-template <typename Wanted>
-void numberRows(Recordset& rows, Wanted wanted, const Variant& next, const Variant& vId,
-                std::string_view codeColumn) {
+template <typename Wanted, typename Write>
+void numberRows(Recordset& rows, Wanted wanted, const Variant& next, Write alsoWrite) {
   const RecordsetPtr all = allRows(rows);
   double id = number(next);
   for (const Variant& place : placesOf(*all, wanted)) {
     all->Bookmark(place);
-    all->Field(codeColumn).Value(vId);
+    alsoWrite(*all);
     all->Field("ID").Value(id);
     all->Update();
     ++id;
   }
 }
 
+auto codeOf(const Variant& vId, std::string_view codeColumn) {
+  return [&vId, codeColumn](Recordset& rows) { rows.Field(codeColumn).Value(vId); };
+}
+
+// None may be left to stand on: the filter lets the last row go when its new key is posted.
+void standOnFirst(Recordset& rows) {
+  if (rows.RecordCount() > 0) rows.MoveFirst();
+}
+
 }  // namespace
 
 void numberNewRows(Recordset& rows, const Variant& next, const Variant& vId,
                    std::string_view codeColumn) {
-  numberRows(rows, isUnstored, next, vId, codeColumn);
-  if (rows.RecordCount() > 0) rows.MoveFirst();
+  numberRows(rows, isUnstored, next, codeOf(vId, codeColumn));
+  standOnFirst(rows);
 }
 
 void numberAllRows(Recordset& rows, const Variant& next, const Variant& vId,
                    std::string_view codeColumn) {
-  numberRows(
-      rows, [](Recordset&) { return true; }, next, vId, codeColumn);
-  if (rows.RecordCount() == 0) return;  // the filter let the last row go when it was posted
+  numberRows(rows, kEveryRow, next, codeOf(vId, codeColumn));
+  if (rows.RecordCount() == 0) return;
   rows.MoveLast();
   rows.MoveNext();
+}
+
+void keyAllRows(Recordset& rows, const Variant& next) {
+  numberRows(rows, kEveryRow, next, [](Recordset&) {});
+  standOnFirst(rows);
 }
 
 void keyCurrentRow(Recordset& rows, const Variant& vId, std::string_view codeColumn) {

@@ -24,6 +24,11 @@ void numberNewRows(Recordset& rows, const Variant& next, const Variant& vId,
 void numberAllRows(Recordset& rows, const Variant& next, const Variant& vId,
                    std::string_view codeColumn = "Código");
 
+/// Gives all rows keys, consecutive from `next` on, and posts them; they stay pending, and the set
+/// stands on the first one. The set must have rows. After an error the rows before the failing one
+/// have their keys.
+void keyAllRows(Recordset& rows, const Variant& next);
+
 /// Gives the current row the code `vId` and posts it.
 void keyCurrentRow(Recordset& rows, const Variant& vId, std::string_view codeColumn = "Código");
 

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+// A customer's statement of account, and whether stored balances are right.
+#include "tools/shop/account.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+#include "tavelor/customers/clientes_apuntes_conta.hpp"
+#include "tavelor/frame/class_info.hpp"
+#include "tavelor/platform/format.hpp"
+#include "tavelor/platform/statement.hpp"
+#include "tavelor/services/apartment.hpp"
+#include "tools/shop/rows.hpp"
+
+namespace tavelor::shop {
+
+namespace {
+
+constexpr double kHalfACent = 0.005;
+constexpr std::string_view kEntries =
+    "SELECT Codigo, Id, Fecha, Serie, Concepto, Documento_E, Debe, Haber, Saldo"
+    " FROM Clientes_Apuntes_Contables";
+
+/// Balances of one customer after another, computed as UpdateTotal does.
+class Walk {
+ public:
+  explicit Walk(const Locale& locale) : round_("Standard", locale) {}
+
+  /// The entry of the current row, with its right balance. Rows come by customer, date and Id.
+  AccountEntry take(const Rows& rows) {
+    const std::string customer = rows.text("Codigo");
+    if (isFirst_ || customer != customer_) {
+      customer_ = customer;
+      total_ = 0;
+      ++customers_;
+    }
+    isFirst_ = false;
+    AccountEntry entry;
+    entry.id = rows.whole("Id");
+    if (!rows.isNull("Fecha")) entry.date = Date(rows.number("Fecha"));
+    entry.series = rows.text("Serie");
+    entry.text = rows.text("Concepto");
+    entry.document = rows.number("Documento_E");
+    entry.debit = rows.number("Debe");
+    entry.credit = rows.number("Haber");
+    entry.stored = rows.number("Saldo");
+    total_ = round_(total_ + round_(entry.credit - entry.debit));
+    entry.right = total_;
+    return entry;
+  }
+  const std::string& customer() const { return customer_; }
+  std::size_t customers() const { return customers_; }
+
+ private:
+  RoundingMask round_;
+  std::string customer_;
+  double total_ = 0;
+  std::size_t customers_ = 0;
+  bool isFirst_ = true;
+};
+
+bool isBefore(const AccountEntry& entry, const std::optional<Date>& from) {
+  return from && (!entry.date || entry.date->days() < from->days());
+}
+
+/// A day ends with its last moment.
+bool isBehind(const AccountEntry& entry, const std::optional<Date>& to) {
+  return to && entry.date && entry.date->days() >= to->days() + 1;
+}
+
+}  // namespace
+
+bool AccountEntry::isWrong() const {
+  return std::fabs(stored - right) >= kHalfACent;
+}
+
+std::optional<Account> readAccount(const std::string& customer, std::optional<Date> from,
+                                   std::optional<Date> to) {
+  Account account;
+  account.customer = customer;
+  Statement named("SELECT Razon_Social FROM Clientes WHERE Codigo = '");
+  named << value(customer) << "'";
+  const Rows master(selector::kMain, named);
+  if (master.hasRow()) account.name = master.text("Razon_Social");
+
+  Statement entries(kEntries);
+  entries << " WHERE Codigo = '" << value(customer) << "' ORDER BY Fecha, Id";
+  Rows rows(selector::kMain, entries);
+  if (!master.hasRow() && !rows.hasRow()) return std::nullopt;
+
+  Walk walk(Apartment::current().locale());
+  for (; rows.hasRow(); rows.next()) {
+    AccountEntry entry = walk.take(rows);
+    if (isBefore(entry, from)) {
+      account.opening = entry.right;
+      account.closing = entry.right;
+    } else if (!isBehind(entry, to)) {
+      account.debit += entry.debit;
+      account.credit += entry.credit;
+      account.closing = entry.right;
+      account.entries.push_back(std::move(entry));
+    }
+  }
+  return account;
+}
+
+LedgerCheck checkLedger() {
+  LedgerCheck check;
+  Statement entries(kEntries);
+  entries << " ORDER BY Codigo, Fecha, Id";
+  Walk walk(Apartment::current().locale());
+  for (Rows rows(selector::kMain, entries); rows.hasRow(); rows.next()) {
+    AccountEntry entry = walk.take(rows);
+    ++check.entries;
+    if (entry.isWrong()) check.wrong.push_back({walk.customer(), std::move(entry)});
+  }
+  check.customers = walk.customers();
+  return check;
+}
+
+void mendLedger(const LedgerCheck& check) {
+  std::set<std::string> customers;
+  for (const WrongBalance& each : check.wrong) customers.insert(each.customer);
+  for (const std::string& customer : customers) {
+    // Tills that write to the same account wait: what is read is what is mended.
+    ConnectionPtr connection = DataSession().OpenConnection(selector::kMain);
+    connection->BeginTrans();
+    ClsClientesApuntesConta ledger;
+    ledger.IniciaRs(connection, "seleccion", customer);
+    ledger.UpdateTotal();
+    ledger.MoveFirst();
+    ledger.Update();
+    connection->CommitTrans();
+  }
+}
+
+}  // namespace tavelor::shop
