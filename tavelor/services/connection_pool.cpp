@@ -69,11 +69,6 @@ std::unique_ptr<ConnectionPool::Session> ConnectionPool::open(int selector) {
   options.synchronous = installation_->settings().synchronous;
   options.busyTimeoutMs = installation_->settings().busyTimeoutMs;
   options.locale = installation_->locale();
-  // A transaction of this very thread ends no sooner for being waited for.
-  options.worthWaiting = [weak = weak_from_this(), selector] {
-    const auto pool = weak.lock();
-    return !pool || !pool->holdsTransaction(selector);
-  };
 
   auto session = std::make_unique<Session>();
   session->catalogue = installation_->catalogue(selector);
@@ -81,12 +76,6 @@ std::unique_ptr<ConnectionPool::Session> ConnectionPool::open(int selector) {
   session->plans = std::make_unique<dialect::PlanCache>(*session->session, session->catalogue,
                                                         installation_->locale(), writerOf(engine));
   return session;
-}
-
-bool ConnectionPool::holdsTransaction(int selector) const {
-  return std::any_of(lent_.begin(), lent_.end(), [selector](const Lease* lease) {
-    return lease->selector_ == selector && lease->session_->session->depth() > 0;
-  });
 }
 
 void ConnectionPool::giveBack(Lease& lease) {

@@ -31,7 +31,6 @@ class ConnectionPool : public std::enable_shared_from_this<ConnectionPool> {
   static constexpr std::size_t kMostIdle = 8;  // of one database
 
   std::unique_ptr<Session> open(int selector);
-  bool holdsTransaction(int selector) const;
   void giveBack(Lease& lease);
 
   std::shared_ptr<const Installation> installation_;
