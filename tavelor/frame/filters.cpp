@@ -90,10 +90,12 @@ std::string textCriterion(Control& ctl, std::string_view field, const Operators&
 }  // namespace
 
 std::string RecordClass::GetFilter(std::string_view sLlave) const {
+  mustBeHome();
   return settingsOf(info_, sLlave).GetValue("Criteria", "");
 }
 
 void RecordClass::SetFilter(std::string_view Criteria, std::string_view sLlave) const {
+  mustBeHome();
   settingsOf(info_, sLlave).SetValue("Criteria", Criteria);
 }
 
@@ -123,6 +125,7 @@ std::string RecordClass::CreateFilter(Control& ctl, std::string_view iType) cons
 void RecordClass::SetOrder(std::int16_t index, std::string_view Mode, std::string_view sLlave) {
   Recordset& rows = primary();
   if (rows.RecordCount() == 0) return;
+  mustBeHome();
   sortBy(rows, index, Mode);
   ListConfig settings = settingsOf(info_, sLlave);
   settings.SetValue("IndexOrderField", std::to_string(index));
@@ -131,6 +134,7 @@ void RecordClass::SetOrder(std::int16_t index, std::string_view Mode, std::strin
 
 void RecordClass::GetOrder(InOut<std::int16_t> index, InOut<std::string> Mode,
                            std::string_view sLlave) const {
+  mustBeHome();
   ListConfig settings = settingsOf(info_, sLlave);
   index = Variant(settings.GetValue("IndexOrderField", "0")).toInt16(Apartment::current().locale());
   Mode = settings.GetValue("Mode", "");

@@ -64,7 +64,10 @@ class DataSession {
   RecordsetPtr OpenRecordsetFromFile(std::string_view path);
 
   /// Opens the statement into `recordset`, fully fetched, over `objCn`; either is made when it is
-  /// empty. Raises 3705 for a record set that is open. `reserved` means nothing.
+  /// empty. A connection that is made here reads what a transaction of this apartment on that
+  /// database has written so far, for as long as it is open; what it writes itself waits for nobody
+  /// of its own thread and is refused with errors::kBusy. Raises 3705 for a record set that is
+  /// open. `reserved` means nothing.
   void OpenRecordset(int selector, const Statement& statement, RecordsetPtr& recordset,
                      ConnectionPtr& objCn, int reserved = 0);
 

@@ -129,7 +129,10 @@ TEST_F(DataSessionOperations, OpenConnectionIsOpenAndItsOwn) {
   EXPECT_EQ(options, 0);
   first->BeginTrans();
   first->Execute(Statement("INSERT INTO Bancos (Codigo) VALUES ('1')"));
-  EXPECT_EQ(shop_.text("SELECT Count(*) AS n FROM Bancos"), "0") << "not committed yet";
+  RecordsetPtr rows;
+  ConnectionPtr over = second;
+  session_.OpenRecordset(1, Statement("SELECT Codigo FROM Bancos"), rows, over);
+  EXPECT_EQ(rows->RecordCount(), 0) << "not committed yet";
   first->CommitTrans();
   EXPECT_EQ(second->transactionLevel(), 0);
 }
