@@ -46,7 +46,8 @@ class DataSession {
   std::string DbFilePath(int selector) const;
 
   /// Full path of a file in the report, export and documents folder. An empty name gives the folder
-  /// with a separator at its end. Raises 5 for a name that leaves the folder.
+  /// with a separator at its end. Raises 5 for a name that leaves the folder, 75 for one that the
+  /// system does not take and for a folder that is missing and cannot be made.
   std::string ReportPath(std::string_view file) const;
   std::string ExportPath(std::string_view file) const;
   std::string DocPath(std::string_view file) const;

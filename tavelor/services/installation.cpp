@@ -36,7 +36,12 @@ void makeFolder(const fs::path& folder) {
 
 fs::path absoluteFolder(const fs::path& folder) {
   if (folder.empty()) raise(errors::kInvalidCall, kSource, "The installation has no folder.");
-  fs::path path = fs::absolute(folder).lexically_normal();
+  std::error_code error;
+  fs::path path = fs::absolute(folder, error).lexically_normal();
+  if (error) {
+    raise(errors::kPathAccess, kSource,
+          fmt::format("The folder {} cannot be found: {}.", folder.string(), error.message()));
+  }
   // Without the separator at its end, so that what is joined to it has one and not two.
   return path.has_filename() ? path : path.parent_path();
 }

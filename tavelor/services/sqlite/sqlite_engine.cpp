@@ -39,8 +39,12 @@ std::string placeOf(const OpenOptions& options) {
   if (options.path.find('\0') != std::string::npos) {
     refusePlace(errors::kFileNotFound, "The path of the database holds a NUL character.");
   }
-  const fs::path path = fs::absolute(options.path);
   std::error_code failure;
+  const fs::path path = fs::absolute(options.path, failure);
+  if (failure) {
+    refusePlace(errors::kPathAccess, fmt::format("The database {} can't be reached: {}.",
+                                                 options.path, failure.message()));
+  }
   const fs::file_status status = fs::status(path, failure);
   if (fs::is_directory(status)) {
     refusePlace(errors::kPathAccess,
@@ -59,6 +63,15 @@ std::string placeOf(const OpenOptions& options) {
     if (!options.create || options.readOnly) {
       refusePlace(errors::kFileNotFound, fmt::format("There is no database {}.", path.string()));
     }
+  }
+  // The engine names files beside the database, and takes shorter paths than the system.
+  constexpr std::size_t kLongestEnding = 8;
+  const auto longest = static_cast<std::size_t>(sqlite3_vfs_find(nullptr)->mxPathname);
+  if (path.string().size() + kLongestEnding > longest) {
+    refusePlace(errors::kPathAccess,
+                fmt::format("The path of the database {} is longer than the {} bytes that the "
+                            "engine takes.",
+                            path.string(), longest - kLongestEnding));
   }
   return path.string();
 }
