@@ -300,6 +300,7 @@ std::string RecordClass::GetHtmlFile() const {
 
 RecordsetPtr RecordClass::pageRows(bool bDoclone, std::string_view sSelecSql, bool bFilter) {
   RecordsetPtr rows = primary().shared_from_this();
+  mustBeHome();
   if (bDoclone) {
     rows = rows->Clone(LockType::kUnspecified);
     std::int16_t index = 0;

@@ -96,10 +96,12 @@ bool isOfOrder(const Error& error) {
 }  // namespace
 
 std::string RecordClass::GetFilter(std::string_view sLlave) const {
+  mustBeHome();
   return settingsOf(info_, sLlave).GetValue("Criteria", "");
 }
 
 void RecordClass::SetFilter(std::string_view Criteria, std::string_view sLlave) const {
+  mustBeHome();
   settingsOf(info_, sLlave).SetValue("Criteria", Criteria);
 }
 
@@ -129,6 +131,7 @@ std::string RecordClass::CreateFilter(Control& ctl, std::string_view iType) cons
 void RecordClass::SetOrder(std::int16_t index, std::string_view Mode, std::string_view sLlave) {
   Recordset& rows = primary();
   if (rows.RecordCount() == 0) return;
+  mustBeHome();
   sortBy(rows, index, Mode);
   ListConfig settings = settingsOf(info_, sLlave);
   settings.SetValue("IndexOrderField", std::to_string(index));
@@ -137,6 +140,7 @@ void RecordClass::SetOrder(std::int16_t index, std::string_view Mode, std::strin
 
 void RecordClass::GetOrder(InOut<std::int16_t> index, InOut<std::string> Mode,
                            std::string_view sLlave) const {
+  mustBeHome();
   ListConfig settings = settingsOf(info_, sLlave);
   index = Variant(settings.GetValue("IndexOrderField", "0")).toInt16(Apartment::current().locale());
   Mode = settings.GetValue("Mode", "");

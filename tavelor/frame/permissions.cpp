@@ -9,6 +9,7 @@ namespace tavelor {
 
 // A value that is there, whatever it holds, denies; so a new installation allows everything.
 bool RecordClass::SeguridadPermiso(std::string_view sId) const {
+  mustBeHome();
   Apartment& apartment = Apartment::current();
   RegistryStore& store = apartment.registryStore();
   const std::string key = store.BaseKey(apartment.version().registryRoot() + "\\Seguridad\\") +

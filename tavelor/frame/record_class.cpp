@@ -93,11 +93,10 @@ void RecordClass::offerPrimary() {
 }
 
 void RecordClass::openPrimary(std::string& sSelecSql, const Variant& id, ConnectionPtr& cnnActive) {
+  mustBeHome();
   takePrimary(std::make_shared<Recordset>());
   const Statement statement = modeStatement(sSelecSql, id);
-  DataSession session;
-  if (!cnnActive) cnnActive = session.OpenConnection(info_.selector);
-  session.OpenRecordset(info_.selector, statement, adoPrimaryRS_, cnnActive);
+  DataSession().OpenRecordset(info_.selector, statement, adoPrimaryRS_, cnnActive);
   cnnPrimary_ = adoPrimaryRS_->ActiveConnection();
 
   offerPrimary();
@@ -105,6 +104,7 @@ void RecordClass::openPrimary(std::string& sSelecSql, const Variant& id, Connect
 }
 
 RecordsetPtr RecordClass::openPrimaryFromFile(std::string_view path) {
+  mustBeHome();
   takePrimary(DataSession().OpenRecordsetFromFile(path));
   offerPrimary();
   return adoPrimaryRS_;
@@ -324,6 +324,7 @@ void RecordClass::reportConnection(int selector, std::string& sDbtype, std::stri
 }
 
 void RecordClass::GetRptPath(InOut<std::string> sRptPath) const {
+  mustBeHome();
   sRptPath = DataSession().ReportPath(*sRptPath);
 }
 
@@ -368,13 +369,15 @@ RecordsetPtr RecordClass::read(const Statement& statement, ObjCn objCn) const {
   return readOn(info_.selector, statement, *objCn);
 }
 
-RecordsetPtr RecordClass::readOn(int selector, const Statement& statement, ObjCn objCn) {
+RecordsetPtr RecordClass::readOn(int selector, const Statement& statement, ObjCn objCn) const {
+  mustBeHome();
   auto rows = std::make_shared<Recordset>();
   DataSession().OpenRecordset(selector, statement, rows, *objCn);
   return rows;
 }
 
 void RecordClass::write(const Statement& statement, ObjCn objCn) const {
+  mustBeHome();
   DataSession session;
   if (!*objCn) objCn = session.OpenConnection(info_.selector);
   session.Execute(info_.selector, statement, *objCn);

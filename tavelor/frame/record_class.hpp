@@ -12,6 +12,7 @@
 #include "tavelor/frame/class_info.hpp"
 #include "tavelor/platform/inout.hpp"
 #include "tavelor/platform/variant.hpp"
+#include "tavelor/services/apartment.hpp"
 
 namespace tavelor {
 
@@ -42,7 +43,9 @@ class RecordClassEvents {
 /// A new object holds no record set; IniciaRs makes one, and until then members that need it raise
 /// 91 (EditingRecord and AbsolutePosition answer false and 0 instead). Errors of the platform and
 /// of the services pass unchanged, and nothing is rolled back: state stays as it was at that
-/// moment. An object is used by one thread, the one whose apartment it was made in.
+/// moment. An object is used by one thread, while the apartment is bound that it was made in; what
+/// would reach a database, the registry or a file of another one raises 5, and 91 once its own has
+/// ended.
 class RecordClass : public Object {
  public:
   ~RecordClass() override;
@@ -200,7 +203,7 @@ class RecordClass : public Object {
   /// Opens a SELECT on `objCn`, filling it when it is empty.
   RecordsetPtr read(const Statement& statement, ObjCn objCn) const;
   /// The same on another database than the class's.
-  static RecordsetPtr readOn(int selector, const Statement& statement, ObjCn objCn);
+  RecordsetPtr readOn(int selector, const Statement& statement, ObjCn objCn) const;
   /// Runs a statement that gives no rows on `objCn`, filling it when it is empty.
   void write(const Statement& statement, ObjCn objCn) const;
   /// The first row's `column`; Empty when there is no row or its value is null.
@@ -223,6 +226,9 @@ class RecordClass : public Object {
   /// cannot tell the sum from the code.
   static Variant successor(const Variant& code);
 
+  /// Raises unless the object's own apartment is bound.
+  void mustBeHome() const { home_.mustBeBound(info_.word); }
+
   /// A value as it is joined into a statement: plain printing, Null as nothing.
   static std::string joined(const Variant& value);
   /// `text` with {id} replaced by the value.
@@ -244,6 +250,7 @@ class RecordClass : public Object {
   void tell(Event event);
 
   const ClassInfo& info_;
+  Apartment::Home home_;
   RecordsetPtr adoPrimaryRS_;
   ConnectionPtr cnnPrimary_;
   std::unique_ptr<PrimaryEvents> primaryEvents_;

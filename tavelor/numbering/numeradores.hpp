@@ -78,7 +78,8 @@ class clsNumeradores final : public OpensByWord {
   /// makes two rows, of which readers take the first. After a failure the year is not current and
   /// the row not written, and the primary record set holds it as an added one.
   void CrearPeriodoActual();
-  /// Whether today's year has a row, whatever the session's period.
+  /// Whether today's year has a row, whatever the session's period. After a no CrearPeriodoActual
+  /// of this object makes none where another program has begun the year meanwhile.
   bool ExistenPeriodoActual(ObjCn objCn = {}) const;
   /// Gives rows without a period the year 2004, and makes today's year current.
   void ActualizarPeriodosNulos(ObjCn cnnActive = {}) const;
@@ -100,6 +101,9 @@ class clsNumeradores final : public OpensByWord {
                    double& dSerieA, double& dSerieB, double& dSerieC, ObjCn objCn) const;
   void writeCounters(Statement statement, ObjCn objCn, std::string& sPeriodo) const;
   Variant periodColumn(std::string_view column, ObjCn objCn, std::string& sPeriodo) const;
+  void addPeriod(const std::string& year);
+
+  mutable std::string missingYear_;  // the one that ExistenPeriodoActual found no row of last
 };
 
 }  // namespace tavelor

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 // clsNumeradores: the years that counters are kept in, and the format of their codes.
 #include <array>
+#include <utility>
 
 #include "tavelor/frame/reading.hpp"
 #include "tavelor/numbering/numeradores.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/installation.hpp"
+#include "tavelor/services/recordset/connection.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 #include "tavelor/services/session_global.hpp"
 
@@ -77,11 +79,14 @@ bool clsNumeradores::ExistenPeriodosNulos(ObjCn objCn) const {
 }
 
 bool clsNumeradores::ExistenPeriodoActual(ObjCn objCn) const {
-  return anyRow(withId("SELECT Codigo FROM "
-                       "Numeradores"
-                       " WHERE (((Periodo)= '{id}'));",
-                       today("YYYY")),
-                *objCn);
+  const std::string year = today("YYYY");
+  const bool isThere = anyRow(withId("SELECT Codigo FROM "
+                                     "Numeradores"
+                                     " WHERE (((Periodo)= '{id}'));",
+                                     year),
+                              *objCn);
+  missingYear_ = isThere ? std::string() : year;
+  return isThere;
 }
 
 // 2004 is the first year that had periods: rows from before it are taken for that year's, whatever
@@ -95,12 +100,32 @@ void clsNumeradores::ActualizarPeriodosNulos(ObjCn cnnActive) const {
   setCurrentPeriod(today("YYYY"));
 }
 
+// Who asked and was told that there is no row wants one, and not a second: another program may have
+// begun the year since then. Who did not ask gets a row of its own.
 void clsNumeradores::CrearPeriodoActual() {
   const std::string year = today("YYYY");
+  const bool wasMissing = std::exchange(missingYear_, {}) == year;
+  IniciaRs();
+  const ConnectionPtr connection = GetConnection();
+  connection->BeginTrans();
+  try {
+    if (wasMissing && ExistenPeriodoActual(connection)) {
+      Requery();
+    } else {
+      addPeriod(year);
+    }
+    connection->CommitTrans();
+  } catch (...) {
+    connection->RollbackTrans();
+    throw;
+  }
+  setCurrentPeriod(year);
+}
+
+void clsNumeradores::addPeriod(const std::string& year) {
   const std::string seed = today("yy") + "0000";
   const std::array<double, 3> seeds = {number(Variant(seed)), number(Variant(seed + "0")),
                                        number(Variant(seed + "00"))};
-  IniciaRs();
   AddNew(true);
 
   Recordset& rows = primary();
@@ -120,7 +145,6 @@ void clsNumeradores::CrearPeriodoActual() {
     rows.Field(std::string(family) + "c").Value(seeds[2]);
   }
   Update();
-  setCurrentPeriod(year);
 }
 
 }  // namespace tavelor

@@ -2,7 +2,9 @@
 // Dates and times as day numbers.
 #include "tavelor/platform/date.hpp"
 
+#include <algorithm>
 #include <cmath>
+#include <ctime>
 
 #include "tavelor/platform/error.hpp"
 
@@ -89,6 +91,14 @@ std::optional<Date> Date::tryOf(const CivilTime& civil) {
   }
   return Date(daysOf(dayNumber(civil.year, civil.month, civil.day),
                      (civil.hour * 60 + civil.minute) * 60 + civil.second));
+}
+
+Date Date::now() {
+  const std::time_t seconds = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&seconds, &local);
+  return Date::of({local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour,
+                   local.tm_min, std::min(local.tm_sec, 59)});
 }
 
 Date Date::of(const CivilTime& civil) {

@@ -32,6 +32,8 @@ class Date {
   /// The same with parts that may overflow: month 13 is January of the next year, day 0 the last
   /// of the month before. Raises 5 when the result leaves the years 100 to 9999.
   static Date serial(int year, int month, int day);
+  /// This computer's local time, to the second. A leap second reads as the second before it.
+  static Date now();
   /// Nothing when the parts are no date.
   static std::optional<Date> tryOf(const CivilTime& civil);
 

@@ -62,6 +62,9 @@ constexpr std::array kDescriptions{
     NumberedText{errors::kUnspecified, "Unspecified error."},
     NumberedText{errors::kOperationCanceled, "Operation was canceled."},
     NumberedText{errors::kBusy, "The database is locked."},
+    NumberedText{errors::kTransactionLost,
+                 "The transaction was lost: the database has undone all of it after an error. Roll "
+                 "it back before anything else."},
     NumberedText{errors::kRowNotLocated,
                  "Row cannot be located for updating. Some values may have been changed since it "
                  "was last read."},

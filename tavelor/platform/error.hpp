@@ -53,6 +53,8 @@ inline constexpr std::int32_t kMissingParameter = -2147217904;
 inline constexpr std::int32_t kCriteriaTypeMismatch = -2147217913;
 /// The database is locked by somebody else and stayed so for the whole wait.
 inline constexpr std::int32_t kBusy = -2147217843;
+/// The engine has ended the open transaction by itself; only its rollback is taken now.
+inline constexpr std::int32_t kTransactionLost = -2147168231;
 }  // namespace errors
 
 /// What went wrong: a number for programs, a source and a description for people, and for whoever

@@ -320,6 +320,7 @@ void ClsTickets::UpdateNumerador(ObjCn objCn) const {
 // Connections
 
 ConnectionPtr ClsTickets::IniciaConnection() const {
+  mustBeHome();
   return DataSession().OpenConnection(info().selector);
 }
 

@@ -2,7 +2,12 @@
 // The services of one thread.
 #include "tavelor/services/apartment.hpp"
 
+#include <algorithm>
+#include <atomic>
 #include <filesystem>
+#include <thread>
+#include <utility>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -21,25 +26,38 @@
 
 namespace tavelor {
 
-namespace {
+/// What a thread, and the objects that were made in it, know of an apartment. It outlives it.
+struct Apartment::Binding {
+  explicit Binding(Apartment& made) : apartment(&made) {}
 
-// The innermost apartment of this thread; it knows the one that it covers.
-thread_local Apartment* innermost = nullptr;
+  /// Those of the calling thread, the innermost last. One that another thread has ended stays until
+  /// it is looked at.
+  static std::vector<std::shared_ptr<Binding>>& stack() noexcept {
+    thread_local std::vector<std::shared_ptr<Binding>> bound;
+    return bound;
+  }
+  static Binding* innermost() noexcept {
+    auto& bound = stack();
+    while (!bound.empty() && bound.back()->apartment == nullptr) bound.pop_back();
+    return bound.empty() ? nullptr : bound.back().get();
+  }
 
-}  // namespace
+  std::atomic<Apartment*> apartment;  // null once it has ended
+  const std::thread::id thread = std::this_thread::get_id();
+};
 
 struct Apartment::State {
   std::shared_ptr<Installation> installation;
   std::shared_ptr<ConnectionPool> connections;
   std::shared_ptr<StatementTrace> trace = std::make_shared<StatementTrace>();
   std::shared_ptr<PromptHandler> promptHandler;
-  Clock clock;
+  std::shared_ptr<Clock> clock = std::make_shared<Clock>();
   std::unique_ptr<RegistryTree> registry;
   std::unique_ptr<RegistryStore> registryStore;
   std::unique_ptr<FormatGlobal> formatGlobal;
   std::unique_ptr<SessionGlobal> sessionGlobal;
   std::unique_ptr<PromptGlobal> promptGlobal;
-  Apartment* covered = nullptr;
+  std::shared_ptr<Binding> binding;
 };
 
 Apartment::Apartment(std::shared_ptr<Installation> installation)
@@ -49,31 +67,66 @@ Apartment::Apartment(std::shared_ptr<Installation> installation)
   }
   State& s = *state_;
   s.installation = std::move(installation);
-  s.connections = std::make_shared<ConnectionPool>(s.installation);
+  s.connections = std::make_shared<ConnectionPool>(s.installation, s.clock);
   const Settings& settings = s.installation->settings();
   s.trace->turn(settings.trace);
   if (settings.trace && !settings.traceFile.empty()) {
     s.trace->writeTo(
         (std::filesystem::path(s.installation->folder()) / settings.traceFile).string());
   }
-  s.covered = innermost;
-  innermost = this;
+  s.binding = std::make_shared<Binding>(*this);
+  Binding::stack().push_back(s.binding);
 }
 
 Apartment::~Apartment() {
-  Apartment** link = &innermost;
-  while (*link != nullptr && *link != this) link = &(*link)->state_->covered;
-  if (*link == this) *link = state_->covered;
+  state_->binding->apartment = nullptr;
+  std::erase(Binding::stack(), state_->binding);
 }
 
 Apartment& Apartment::current() {
-  if (innermost == nullptr)
+  Apartment* const apartment = find();
+  if (apartment == nullptr) {
     raise(errors::kObjectNotSet, "Apartment", "No apartment on this thread.");
-  return *innermost;
+  }
+  return *apartment;
 }
 
 Apartment* Apartment::find() noexcept {
-  return innermost;
+  Binding* const binding = Binding::innermost();
+  return binding == nullptr ? nullptr : binding->apartment.load();
+}
+
+Apartment::Home::Home() {
+  if (Binding::innermost() != nullptr) binding_ = Binding::stack().back();
+}
+
+void Apartment::Home::mustBeBound(std::string_view source) const {
+  const Binding* const bound = Binding::innermost();
+  if (!binding_ || binding_.get() == bound) return;
+  const Apartment* const home = binding_->apartment;
+  if (home == nullptr) {
+    raise(errors::kObjectNotSet, source, "The apartment that the object was made in has ended.");
+  }
+  if (binding_->thread != std::this_thread::get_id()) {
+    raise(errors::kInvalidCall, source, "The object was made in the apartment of another thread.");
+  }
+  raise(errors::kInvalidCall, source,
+        fmt::format("The object was made in the apartment of {}, which that of {} covers: bind its "
+                    "own again while it is used.",
+                    home->installation().folder(), current().installation().folder()));
+}
+
+Apartment::Scope::Scope(Apartment& apartment) : binding_(apartment.state_->binding) {
+  if (binding_->thread != std::this_thread::get_id()) {
+    raise(errors::kInvalidCall, "Apartment", "The apartment is of another thread.");
+  }
+  Binding::stack().push_back(binding_);
+}
+
+Apartment::Scope::~Scope() {
+  auto& bound = Binding::stack();
+  const auto ours = std::find(bound.rbegin(), bound.rend(), binding_);
+  if (ours != bound.rend()) bound.erase(std::next(ours).base());
 }
 
 Installation& Apartment::installation() const {
@@ -136,13 +189,22 @@ StatementTrace& Apartment::trace() {
 }
 
 Clock& Apartment::clock() {
-  return state_->clock;
+  return *state_->clock;
 }
 
 ConnectionPtr Apartment::openConnection(int selector) {
+  return connect(selector, state_->connections->take(selector));
+}
+
+ConnectionPtr Apartment::openForReading(int selector) {
+  return connect(selector,
+                 state_->connections->take(selector, ConnectionPool::Reads::kOpenTransaction));
+}
+
+ConnectionPtr Apartment::connect(int selector, std::shared_ptr<SessionLease> lease) {
   const Installation& installation = *state_->installation;
   ConnectionSettings settings;
-  settings.lease = state_->connections->take(selector);
+  settings.lease = std::move(lease);
   settings.locale = installation.locale();
   settings.connectionString = installation.connectionString(selector);
   settings.selector = selector;

@@ -8,7 +8,8 @@
 
 namespace tavelor {
 
-/// Local time of this computer, to the second.
+/// Local time of this computer, to the second; also what statements take for Now(), Date() and
+/// Time().
 class Clock {
  public:
   Date now() const;

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "tavelor/platform/locale.hpp"
+#include "tavelor/services/clock.hpp"
 #include "tavelor/services/dialect/plan_cache.hpp"
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/engines.hpp"
@@ -20,8 +21,9 @@ struct ConnectionPool::Session {
 
 class ConnectionPool::Lease final : public SessionLease {
  public:
-  Lease(const std::shared_ptr<ConnectionPool>& pool, int selector, std::unique_ptr<Session> session)
-      : pool_(pool), selector_(selector), session_(std::move(session)) {
+  Lease(const std::shared_ptr<ConnectionPool>& pool, int selector, Reads reads,
+        std::unique_ptr<Session> session)
+      : pool_(pool), selector_(selector), reads_(reads), session_(std::move(session)) {
     pool->lent_.push_back(this);
   }
   ~Lease() override {
@@ -33,20 +35,31 @@ class ConnectionPool::Lease final : public SessionLease {
 
   engine::Session& session() override { return *session_->session; }
   dialect::PlanCache& plans() override { return *session_->plans; }
+  dialect::PlanCache& readingPlans() override {
+    if (reads_ == Reads::kOpenTransaction && session().depth() == 0) {
+      const auto pool = pool_.lock();
+      if (Lease* const holder = pool ? pool->inTransaction(selector_) : nullptr) {
+        return holder->plans();
+      }
+    }
+    return plans();
+  }
 
  private:
   friend class ConnectionPool;
   std::weak_ptr<ConnectionPool> pool_;
   int selector_;
+  Reads reads_;
   std::unique_ptr<Session> session_;
 };
 
-ConnectionPool::ConnectionPool(std::shared_ptr<const Installation> installation)
-    : installation_(std::move(installation)) {}
+ConnectionPool::ConnectionPool(std::shared_ptr<const Installation> installation,
+                               std::shared_ptr<const Clock> clock)
+    : installation_(std::move(installation)), clock_(std::move(clock)) {}
 
 ConnectionPool::~ConnectionPool() = default;
 
-std::shared_ptr<SessionLease> ConnectionPool::take(int selector) {
+std::shared_ptr<SessionLease> ConnectionPool::take(int selector, Reads reads) {
   std::unique_ptr<Session> session;
   if (auto& idle = idle_[selector]; !idle.empty()) {
     session = std::move(idle.back());
@@ -54,12 +67,12 @@ std::shared_ptr<SessionLease> ConnectionPool::take(int selector) {
   } else {
     session = open(selector);
   }
-  auto catalogue = installation_->catalogue(selector);
+  auto catalogue = installation_->catalogue(selector, *session->session);
   if (session->catalogue != catalogue) {
     session->plans->reset(catalogue);
     session->catalogue = std::move(catalogue);
   }
-  return std::make_shared<Lease>(shared_from_this(), selector, std::move(session));
+  return std::make_shared<Lease>(shared_from_this(), selector, reads, std::move(session));
 }
 
 std::unique_ptr<ConnectionPool::Session> ConnectionPool::open(int selector) {
@@ -69,24 +82,21 @@ std::unique_ptr<ConnectionPool::Session> ConnectionPool::open(int selector) {
   options.synchronous = installation_->settings().synchronous;
   options.busyTimeoutMs = installation_->settings().busyTimeoutMs;
   options.locale = installation_->locale();
-  // A transaction of this very thread ends no sooner for being waited for.
-  options.worthWaiting = [weak = weak_from_this(), selector] {
-    const auto pool = weak.lock();
-    return !pool || !pool->holdsTransaction(selector);
-  };
+  options.now = [clock = clock_] { return clock->now(); };
 
   auto session = std::make_unique<Session>();
-  session->catalogue = installation_->catalogue(selector);
   session->session = engine.open(options);
+  session->catalogue = installation_->catalogue(selector, *session->session);
   session->plans = std::make_unique<dialect::PlanCache>(*session->session, session->catalogue,
                                                         installation_->locale(), writerOf(engine));
   return session;
 }
 
-bool ConnectionPool::holdsTransaction(int selector) const {
-  return std::any_of(lent_.begin(), lent_.end(), [selector](const Lease* lease) {
+ConnectionPool::Lease* ConnectionPool::inTransaction(int selector) const {
+  const auto found = std::find_if(lent_.begin(), lent_.end(), [selector](const Lease* lease) {
     return lease->selector_ == selector && lease->session_->session->depth() > 0;
   });
+  return found == lent_.end() ? nullptr : *found;
 }
 
 void ConnectionPool::giveBack(Lease& lease) {

@@ -2,6 +2,7 @@
 // The sessions of one apartment: those in use and the idle ones, with their prepared plans.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -10,20 +11,30 @@
 
 namespace tavelor {
 
+class Clock;
 class Installation;
 
 /// Lends sessions, each with its plans, and takes them back when the last holder lets go. Used by
 /// one thread.
 class ConnectionPool : public std::enable_shared_from_this<ConnectionPool> {
  public:
-  explicit ConnectionPool(std::shared_ptr<const Installation> installation);
+  /// Statements take the time from `clock`.
+  ConnectionPool(std::shared_ptr<const Installation> installation,
+                 std::shared_ptr<const Clock> clock);
   ~ConnectionPool();
   ConnectionPool(const ConnectionPool&) = delete;
   ConnectionPool& operator=(const ConnectionPool&) = delete;
 
-  /// An idle session of that database, or a new one. Raises 9 for an unknown selector and what the
-  /// engine raises on opening.
-  std::shared_ptr<SessionLease> take(int selector);
+  /// What a lease reads rows by.
+  enum class Reads : std::uint8_t {
+    kOwnSession,       ///< what is committed, and what its own transaction has written
+    kOpenTransaction,  ///< while another lease of this pool has a transaction on that database:
+                       ///< that one's state
+  };
+  /// An idle session of that database, or a new one. It knows the tables and columns as they are
+  /// now, whoever made them. Raises 9 for an unknown selector and what the engine raises on
+  /// opening.
+  std::shared_ptr<SessionLease> take(int selector, Reads reads = Reads::kOwnSession);
 
  private:
   class Lease;
@@ -31,10 +42,13 @@ class ConnectionPool : public std::enable_shared_from_this<ConnectionPool> {
   static constexpr std::size_t kMostIdle = 8;  // of one database
 
   std::unique_ptr<Session> open(int selector);
-  bool holdsTransaction(int selector) const;
+  /// The lease with an open transaction on that database, or null. Two can't have one: the first
+  /// holds the right to write.
+  Lease* inTransaction(int selector) const;
   void giveBack(Lease& lease);
 
   std::shared_ptr<const Installation> installation_;
+  std::shared_ptr<const Clock> clock_;
   std::unordered_map<int, std::vector<std::unique_ptr<Session>>> idle_;
   std::vector<Lease*> lent_;
 };

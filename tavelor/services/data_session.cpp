@@ -87,7 +87,7 @@ RecordsetPtr DataSession::OpenRecordsetFromFile(std::string_view path) {
 
 void DataSession::OpenRecordset(int selector, const Statement& statement, RecordsetPtr& recordset,
                                 ConnectionPtr& objCn, int /*reserved*/) {
-  if (!objCn) objCn = OpenConnection(selector);
+  if (!objCn) objCn = apartment_.openForReading(selector);
   if (!recordset) recordset = std::make_shared<Recordset>();
   recordset->Open(statement, objCn);
 }

@@ -46,7 +46,8 @@ class DataSession {
   std::string DbFilePath(int selector) const;
 
   /// Full path of a file in the report, export and documents folder. An empty name gives the folder
-  /// with a separator at its end. Raises 5 for a name that leaves the folder.
+  /// with a separator at its end. Raises 5 for a name that leaves the folder, 75 for one that the
+  /// system does not take and for a folder that is missing and cannot be made.
   std::string ReportPath(std::string_view file) const;
   std::string ExportPath(std::string_view file) const;
   std::string DocPath(std::string_view file) const;
@@ -64,7 +65,10 @@ class DataSession {
   RecordsetPtr OpenRecordsetFromFile(std::string_view path);
 
   /// Opens the statement into `recordset`, fully fetched, over `objCn`; either is made when it is
-  /// empty. Raises 3705 for a record set that is open. `reserved` means nothing.
+  /// empty. A connection that is made here reads what a transaction of this apartment on that
+  /// database has written so far, for as long as it is open; what it writes itself waits for nobody
+  /// of its own thread and is refused with errors::kBusy. Raises 3705 for a record set that is
+  /// open. `reserved` means nothing.
   void OpenRecordset(int selector, const Statement& statement, RecordsetPtr& recordset,
                      ConnectionPtr& objCn, int reserved = 0);
 

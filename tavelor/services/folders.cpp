@@ -8,19 +8,37 @@
 #include <fmt/format.h>
 
 #include "tavelor/platform/error.hpp"
+#include "tavelor/platform/text.hpp"
 
 namespace tavelor {
 
 namespace fs = std::filesystem;
 
-std::string folderText(const fs::path& folder) {
-  std::error_code ignored;
-  fs::create_directories(folder, ignored);
+namespace {
+
+/// Characters: error texts go to screens and logs.
+constexpr std::size_t kMostShown = 200;
+
+[[noreturn]] void refuse(std::string_view source, std::string_view what, const fs::path& path,
+                         const std::error_code& reason) {
+  const std::string whole = path.string();
+  const std::string_view shown = text::left(whole, kMostShown);
+  raise(errors::kPathAccess, source,
+        fmt::format("The {} {}{} cannot be used: {}.", what, shown,
+                    shown.size() < whole.size() ? "..." : "", reason.message()));
+}
+
+}  // namespace
+
+std::string folderText(const fs::path& folder, std::string_view source) {
+  std::error_code failure;
+  fs::create_directories(folder, failure);
+  if (failure) refuse(source, "folder", folder, failure);
   return folder.string() + static_cast<char>(fs::path::preferred_separator);
 }
 
 std::string pathInFolder(const fs::path& folder, std::string_view file, std::string_view source) {
-  if (file.empty()) return folderText(folder);
+  if (file.empty()) return folderText(folder, source);
   std::string name(file);
   std::replace(name.begin(), name.end(), '\\', static_cast<char>(fs::path::preferred_separator));
 
@@ -32,7 +50,11 @@ std::string pathInFolder(const fs::path& folder, std::string_view file, std::str
     raise(errors::kInvalidCall, source,
           fmt::format("\"{}\" is no file of the folder {}.", file, folder.string()));
   }
-  folderText(full.parent_path());
+  folderText(full.parent_path(), source);
+  std::error_code failure;
+  if (fs::symlink_status(full, failure).type() == fs::file_type::none) {
+    refuse(source, "file", full, failure);
+  }
   return full.string();
 }
 

@@ -8,14 +8,14 @@
 
 namespace tavelor {
 
-/// `folder` with a separator at its end. Makes the folder when it is missing; when that fails the
-/// one who writes there will say so.
-std::string folderText(const std::filesystem::path& folder);
+/// `folder` with a separator at its end. Makes the folder when it is missing; raises 75, from
+/// `source`, when that fails.
+std::string folderText(const std::filesystem::path& folder, std::string_view source);
 
 /// Full path of a file in `folder`; an empty name gives folderText(). Backslashes in the name are
 /// separators too, as older programs write them. A full path inside the folder is given back as it
 /// is, so that asking twice does no harm. Raises 5, from `source`, for a name that leaves the
-/// folder.
+/// folder, and 75 for one that the system does not take (too long, or in a folder without rights).
 std::string pathInFolder(const std::filesystem::path& folder, std::string_view file,
                          std::string_view source);
 

@@ -36,7 +36,12 @@ void makeFolder(const fs::path& folder) {
 
 fs::path absoluteFolder(const fs::path& folder) {
   if (folder.empty()) raise(errors::kInvalidCall, kSource, "The installation has no folder.");
-  fs::path path = fs::absolute(folder).lexically_normal();
+  std::error_code error;
+  fs::path path = fs::absolute(folder, error).lexically_normal();
+  if (error) {
+    raise(errors::kPathAccess, kSource,
+          fmt::format("The folder {} cannot be found: {}.", folder.string(), error.message()));
+  }
   // Without the separator at its end, so that what is joined to it has one and not two.
   return path.has_filename() ? path : path.parent_path();
 }
@@ -59,6 +64,7 @@ struct Installation::Database {
 
   mutable std::mutex mutex;  // of what follows; the rest never changes
   mutable std::shared_ptr<const engine::Catalogue> catalogue;
+  mutable std::int64_t schemaVersion = 0;  // of the catalogue
 };
 
 std::unique_ptr<engine::Session> Installation::openSession(const Database& database,
@@ -183,11 +189,18 @@ std::string Installation::within(const std::string& path) const {
 }
 
 std::shared_ptr<const engine::Catalogue> Installation::catalogue(int selector) const {
+  return catalogue(selector, *openSession(entry(selector), false));
+}
+
+std::shared_ptr<const engine::Catalogue> Installation::catalogue(int selector,
+                                                                 engine::Session& over) const {
   const Database& database = entry(selector);
+  // Asked before the tables are read: a change between the two is noticed the next time.
+  const std::int64_t version = over.schemaVersion();
   const std::lock_guard lock(database.mutex);
-  if (!database.catalogue) {
-    database.catalogue =
-        std::make_shared<const engine::Catalogue>(openSession(database, false)->describe());
+  if (!database.catalogue || database.schemaVersion != version) {
+    database.catalogue = std::make_shared<const engine::Catalogue>(over.describe());
+    database.schemaVersion = version;
   }
   return database.catalogue;
 }
@@ -196,9 +209,6 @@ void Installation::addToSchema(int selector, std::string_view ddl) {
   const Database& database = entry(selector);
   const auto session = openSession(database, false);
   schema::apply(*session, ddl, writerOf(*database.engine));
-  auto described = std::make_shared<const engine::Catalogue>(session->describe());
-  const std::lock_guard lock(database.mutex);
-  database.catalogue = std::move(described);
 }
 
 }  // namespace tavelor

@@ -115,11 +115,15 @@ class Installation {
   /// whole. Those who have the installation open go on with the old ones.
   static void saveSettings(const std::string& folder, const Settings& settings);
 
-  /// The tables of a database, shared by all threads.
+  /// The tables of a database as they are now, whoever made them. The description is shared by all
+  /// threads, and read anew only after a change.
   std::shared_ptr<const engine::Catalogue> catalogue(int selector) const;
+  /// The same, read by a session of that database that is open already.
+  std::shared_ptr<const engine::Catalogue> catalogue(int selector, engine::Session& over) const;
   /// Adds tables, columns and indexes of the application's own to a database, in one transaction:
   /// any number of CREATE TABLE, CREATE INDEX and ALTER TABLE .. ADD COLUMN of the dialect.
-  /// Connections taken from then on see them. Raises 3251 for DDL that drops.
+  /// Connections taken from then on, of this installation or of any other over the same folder, see
+  /// them. Raises 3251 for DDL that drops.
   void addToSchema(int selector, std::string_view ddl);
 
  private:

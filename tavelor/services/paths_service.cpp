@@ -11,18 +11,22 @@
 
 namespace tavelor {
 
+namespace {
+constexpr std::string_view kSource = "PathsService";
+}
+
 PathsService::PathsService() : apartment_(Apartment::current()) {}
 
 std::string PathsService::HtmlFile(std::string_view file) const {
-  return pathInFolder(apartment_.installation().reportFolder(), file, "PathsService");
+  return pathInFolder(apartment_.installation().reportFolder(), file, kSource);
 }
 
 std::string PathsService::TxtFolder() const {
-  return folderText(apartment_.installation().textFolder());
+  return folderText(apartment_.installation().textFolder(), kSource);
 }
 
 std::string PathsService::EmailTxtFolder() const {
-  return folderText(apartment_.installation().emailTextFolder());
+  return folderText(apartment_.installation().emailTextFolder(), kSource);
 }
 
 std::string PathsService::WorkPath() const {

@@ -1,5 +1,9 @@
 // SPDX-License-Identifier: MIT
 // clsNumeradores: periods, the format of their codes, and the session's choice among them.
+#include <array>
+#include <memory>
+#include <vector>
+
 #include "tavelor/services/recordset/recordset.hpp"
 #include "tavelor/services/registry_tree.hpp"
 #include "tavelor/services/session_global.hpp"
@@ -349,6 +353,45 @@ TEST_F(PeriodsTest, AFailedCreationLeavesTheOldPeriodCurrentAndTheRowPending) {
   EXPECT_EQ(clsNumeradores::currentPeriod(), "2026");
   EXPECT_EQ(shop.text("SELECT Count(*) FROM Numeradores"), "1");
   EXPECT_EQ(counters.DataMember("Primary")->Field("Periodo").Value(), Variant("2027"));
+}
+
+TEST(Periods, ProgramsThatBeginAYearAtOnceMakeItsRowOnce) {
+  constexpr int kPrograms = 4;
+  const test::TemporaryFolder folder;
+  const auto shop = folder.path() / "shop";
+  Installation::create(shop, test::fastSettings());
+  std::array<int, 2> asked{};
+  std::array<int, 2> go{};
+  ASSERT_EQ(::pipe(asked.data()), 0);
+  ASSERT_EQ(::pipe(go.data()), 0);
+  std::vector<std::unique_ptr<test::Child>> programs;
+  for (int program = 0; program < kPrograms; ++program) {
+    programs.push_back(std::make_unique<test::Child>([&] {
+      Apartment apartment(Installation::open(shop));
+      apartment.clock().fix(Date::of(2027, 1, 1));
+      clsNumeradores counters;
+      if (counters.ExistenPeriodoActual()) ::_exit(1);
+      char byte = 'a';
+      if (::write(asked[1], &byte, 1) != 1 || ::read(go[0], &byte, 1) != 1) ::_exit(1);
+      counters.CrearPeriodoActual();
+      if (counters.DataMember("Primary")->RecordCount() != 1) ::_exit(1);
+      if (clsNumeradores::currentPeriod() != "2027") ::_exit(1);
+    }));
+  }
+  char byte = 0;
+  for (int program = 0; program < kPrograms; ++program) {
+    ASSERT_EQ(::read(asked[0], &byte, 1), 1);
+  }
+  ASSERT_EQ(::write(go[1], "gggg", kPrograms), kPrograms);
+  for (const auto& program : programs) EXPECT_TRUE(program->wait());
+  for (const int end : {asked[0], asked[1], go[0], go[1]}) ::close(end);
+
+  Apartment apartment(Installation::open(shop));
+  RecordsetPtr rows;
+  ConnectionPtr connection;
+  DataSession().OpenRecordset(1, Statement("SELECT Codigo, Periodo FROM Numeradores"), rows,
+                              connection);
+  EXPECT_EQ(rows->RecordCount(), 1);
 }
 
 // The start of a year, as an application runs it.

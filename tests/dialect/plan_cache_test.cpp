@@ -98,7 +98,9 @@ class FakeSession final : public engine::Session {
     return --journal_.depth;
   }
   int depth() const override { return journal_.depth; }
+  void mustNotBeLost() const override {}
   Catalogue describe() override { return {}; }
+  std::int64_t schemaVersion() override { return 0; }
 
  private:
   Journal& journal_;

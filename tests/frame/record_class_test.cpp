@@ -202,7 +202,48 @@ TEST_F(RecordClassTest, BeforeIniciaRsTheConnectionIsAClosedOneAndTransactionsFa
   EXPECT_NE(errorOf([&] { banks.CnnRollbackTrans(); }), 0);
 }
 
+// ---- Its apartment
+
+TEST_F(RecordClassTest, WorksInNoOtherApartmentThanTheOneThatItWasMadeIn) {
+  banks.IniciaRs();
+  test::Shop other;
+  EXPECT_EQ(errorOf([&] { banks.NuevoCodigo(); }), errors::kInvalidCall);
+  EXPECT_EQ(errorOf([&] { banks.CodigoLibre("1"); }), errors::kInvalidCall);
+  EXPECT_EQ(errorOf([&] { banks.AddNew(true); }), errors::kInvalidCall);
+  EXPECT_EQ(errorOf([&] { banks.IniciaRs(); }), errors::kInvalidCall);
+  EXPECT_EQ(errorOf([&] { banks.Requery(); }), errors::kInvalidCall);
+  EXPECT_EQ(errorOf([&] { banks.SetFilter("Codigo = '1'", "x"); }), errors::kInvalidCall);
+  EXPECT_EQ(errorOf([&] { banks.GetFilter("x"); }), errors::kInvalidCall);
+  EXPECT_EQ(errorOf([&] { banks.SeguridadPermiso("x"); }), errors::kInvalidCall);
+  EXPECT_EQ(other.text("SELECT Count(*) AS n FROM Bancos"), "0");
+
+  const Apartment::Scope scope(shop.apartment());
+  banks.IniciaRs();
+  EXPECT_NO_THROW(banks.AddNew(true));
+}
+
+TEST_F(RecordClassTest, RefusesToWorkOnceItsApartmentHasEnded) {
+  auto apartment = std::make_unique<Apartment>(shop.installationPtr());
+  AnyClass<OpensByWord> left(kBase);
+  left.IniciaRs();
+  apartment.reset();
+  EXPECT_EQ(errorOf([&] { left.NuevoCodigo(); }), errors::kObjectNotSet);
+  EXPECT_FALSE(left.ExistenRegistros()) << "the rows are there";
+}
+
 // ---- Codes
+
+TEST_F(RecordClassTest, SecondAddNewInsideOneTransactionGetsTheNextCode) {
+  banks.IniciaRs();
+  banks.CnnBeginTrans();
+  for (const char* code : {"1", "2", "3"}) {
+    banks.AddNew(true);
+    EXPECT_EQ(rows(banks).Field(0).Value(), Variant(code));
+    banks.Update();
+  }
+  banks.CnnCommitTrans();
+  EXPECT_EQ(shop.text("SELECT Count(*) AS n FROM Bancos"), "3");
+}
 
 TEST_F(RecordClassTest, NuevoCodigoOnAnEmptyTableIsTheNumberOne) {
   EXPECT_EQ(banks.NuevoCodigo(), Variant(std::int32_t{1}));

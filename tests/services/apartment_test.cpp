@@ -67,6 +67,83 @@ TEST(ApartmentOfAThread, MayEndInAnyOrder) {
   EXPECT_EQ(&Apartment::current(), &shop.apartment());
 }
 
+TEST(ApartmentOfAThread, EndedOnAnotherThreadIsGoneFromItsOwn) {
+  Shop shop;
+  auto second = std::make_unique<Apartment>(shop.installationPtr());
+  std::thread([&] { second.reset(); }).join();
+  EXPECT_EQ(&Apartment::current(), &shop.apartment());
+
+  std::unique_ptr<Apartment> only;
+  std::thread([&] {
+    only = std::make_unique<Apartment>(shop.installationPtr());
+    std::thread([&] { only.reset(); }).join();
+    EXPECT_EQ(Apartment::find(), nullptr);
+    EXPECT_EQ(errorOf([] { DataSession(); }), errors::kObjectNotSet);
+  }).join();
+}
+
+TEST(ApartmentOfAThread, MayOutliveItsThread) {
+  Shop shop;
+  std::unique_ptr<Apartment> left;
+  std::thread([&] { left = std::make_unique<Apartment>(shop.installationPtr()); }).join();
+  left.reset();
+  EXPECT_EQ(&Apartment::current(), &shop.apartment());
+}
+
+TEST(ApartmentOfAThread, ScopeBindsACoveredOneAgain) {
+  Shop shop;
+  Apartment second(shop.installationPtr());
+  {
+    const Apartment::Scope scope(shop.apartment());
+    EXPECT_EQ(&Apartment::current(), &shop.apartment());
+    {
+      const Apartment::Scope inner(second);
+      EXPECT_EQ(&Apartment::current(), &second);
+    }
+    EXPECT_EQ(&Apartment::current(), &shop.apartment());
+  }
+  EXPECT_EQ(&Apartment::current(), &second);
+}
+
+TEST(ApartmentOfAThread, EndedInsideItsScopeIsNotBoundAnyMore) {
+  Shop shop;
+  auto second = std::make_unique<Apartment>(shop.installationPtr());
+  const Apartment::Scope outer(shop.apartment());
+  const Apartment::Scope scope(*second);
+  second.reset();
+  EXPECT_EQ(&Apartment::current(), &shop.apartment());
+}
+
+TEST(ApartmentOfAThread, ScopeOfAnotherThreadIsRefused) {
+  Shop shop;
+  std::int32_t error = 0;
+  std::thread([&] {
+    error = errorOf([&] { const Apartment::Scope scope(shop.apartment()); });
+    EXPECT_EQ(Apartment::find(), nullptr);
+  }).join();
+  EXPECT_EQ(error, errors::kInvalidCall);
+}
+
+TEST(ApartmentOfAThread, HomeIsTheOneThatAnObjectWasMadeIn) {
+  const Apartment::Home anywhere;
+  EXPECT_NO_THROW(anywhere.mustBeBound("x"));
+  Shop shop;
+  EXPECT_NO_THROW(anywhere.mustBeBound("x"));
+  auto second = std::make_unique<Apartment>(shop.installationPtr());
+  const Apartment::Home home;
+  EXPECT_NO_THROW(home.mustBeBound("x"));
+  {
+    const Apartment::Scope scope(shop.apartment());
+    EXPECT_EQ(errorOf([&] { home.mustBeBound("x"); }), errors::kInvalidCall);
+  }
+  std::int32_t elsewhere = 0;
+  std::thread([&] { elsewhere = errorOf([&] { home.mustBeBound("x"); }); }).join();
+  EXPECT_EQ(elsewhere, errors::kInvalidCall);
+  EXPECT_NO_THROW(home.mustBeBound("x"));
+  second.reset();
+  EXPECT_EQ(errorOf([&] { home.mustBeBound("x"); }), errors::kObjectNotSet);
+}
+
 TEST(ApartmentOfAThread, OtherThreadsDoNotSeeIt) {
   Shop shop;
   Apartment* seen = &shop.apartment();
@@ -219,6 +296,96 @@ TEST(ConnectionsOfAnApartment, WriteThatWouldWaitForItsOwnThreadFailsAtOnce) {
   EXPECT_NO_THROW(other->Execute(insert));
 }
 
+TEST(ReadWithoutAConnection, SeesTheOpenTransactionOfItsApartment) {
+  Shop shop;
+  const ConnectionPtr writer = DataSession().OpenConnection(1);
+  writer->BeginTrans();
+  writer->Execute(Statement("INSERT INTO Bancos (Codigo) VALUES ('7')"));
+  EXPECT_EQ(shop.text("SELECT Max(Codigo) AS m FROM Bancos"), "7");
+  writer->BeginTrans();
+  writer->Execute(Statement("INSERT INTO Bancos (Codigo) VALUES ('8')"));
+  EXPECT_EQ(shop.text("SELECT Max(Codigo) AS m FROM Bancos"), "8");
+  writer->RollbackTrans();
+  EXPECT_EQ(shop.text("SELECT Max(Codigo) AS m FROM Bancos"), "7");
+  writer->RollbackTrans();
+  EXPECT_EQ(shop.text("SELECT Count(*) AS n FROM Bancos"), "0");
+}
+
+TEST(ReadWithoutAConnection, SeesNoTransactionOfAnotherDatabaseApartmentOrGivenConnection) {
+  Shop shop;
+  const ConnectionPtr writer = DataSession().OpenConnection(1);
+  const ConnectionPtr given = DataSession().OpenConnection(1);
+  writer->BeginTrans();
+  writer->Execute(Statement("INSERT INTO Bancos (Codigo) VALUES ('7')"));
+  EXPECT_EQ(shop.text("SELECT Count(*) AS n FROM Tickets", 3), "0");
+  const auto countOn = [](ConnectionPtr connection) {
+    RecordsetPtr rows;
+    DataSession().OpenRecordset(1, Statement("SELECT Codigo FROM Bancos"), rows, connection);
+    return rows->RecordCount();
+  };
+  EXPECT_EQ(countOn(given), 0);
+  EXPECT_EQ(countOn(writer), 1);
+  EXPECT_EQ(countOn(nullptr), 1);
+  {
+    Apartment other(shop.installationPtr());
+    EXPECT_EQ(countOn(nullptr), 0);
+  }
+}
+
+TEST(ReadWithoutAConnection, KeepsAConnectionOfItsOwn) {
+  Shop shop;
+  ConnectionPtr writer = DataSession().OpenConnection(1);
+  writer->BeginTrans();
+  writer->Execute(Statement("INSERT INTO Bancos (Codigo) VALUES ('7')"));
+  RecordsetPtr rows;
+  ConnectionPtr own;
+  DataSession().OpenRecordset(1, Statement("SELECT Codigo FROM Bancos"), rows, own);
+  ASSERT_EQ(rows->RecordCount(), 1);
+  EXPECT_NE(own, writer);
+  EXPECT_EQ(own->transactionLevel(), 0);
+  // What is written over it would wait for the transaction of its own thread.
+  rows->Field("Codigo").Value("9");
+  EXPECT_EQ(errorOf([&] { rows->UpdateBatch(); }), errors::kBusy);
+  rows->CancelBatch();
+  // The rows stay, and the transaction ends, when its connection goes.
+  writer.reset();
+  EXPECT_EQ(rows->RecordCount(), 1);
+  rows->Requery();
+  EXPECT_EQ(rows->RecordCount(), 0);
+  EXPECT_NO_THROW(shop.run("INSERT INTO Bancos (Codigo) VALUES ('1')"));
+}
+
+TEST(ReadWithoutAConnection, IsRefusedWhileThatTransactionIsLost) {
+  Shop shop;
+  const ConnectionPtr writer = DataSession().OpenConnection(1);
+  writer->BeginTrans();
+  test::loseTransaction(*writer);
+  EXPECT_EQ(errorOf([&] { shop.text("SELECT Count(*) AS n FROM Bancos"); }),
+            errors::kTransactionLost);
+  const ConnectionPtr other = DataSession().OpenConnection(1);
+  EXPECT_NO_THROW(other->Execute(Statement("INSERT INTO Bancos (Codigo) VALUES ('1')")));
+  writer->RollbackTrans();
+  EXPECT_EQ(shop.text("SELECT Count(*) AS n FROM Bancos"), "1");
+}
+
+TEST(ConnectionsOfAnApartment, TwoApartmentsOfOneThreadDoNotWaitForEachOther) {
+  Settings settings = fastSettings();
+  settings.busyTimeoutMs = 3'600'000;  // whoever waits here hangs
+  Shop shop(settings);
+  const ConnectionPtr holder = DataSession().OpenConnection(1);
+  holder->BeginTrans();
+  // Neither one over the same installation nor one over the folder opened anew.
+  for (const auto& installation :
+       {shop.installationPtr(), Installation::open(shop.installation().folder())}) {
+    Apartment second(installation);
+    EXPECT_EQ(errorOf([&] { shop.run("DELETE FROM Bancos"); }), errors::kBusy);
+    EXPECT_EQ(errorOf([&] { DataSession().OpenConnection(1)->BeginTrans(); }), errors::kBusy);
+  }
+  holder->CommitTrans();
+  Apartment second(shop.installationPtr());
+  EXPECT_NO_THROW(shop.run("DELETE FROM Bancos"));
+}
+
 TEST(ConnectionsOfAnApartment, WriteWaitsForAnotherThread) {
   Shop shop;
   const ConnectionPtr holder = DataSession().OpenConnection(1);
@@ -250,6 +417,32 @@ TEST(ConnectionsOfAnApartment, TablesAddedLaterAreSeen) {
   EXPECT_EQ(shop.text("SELECT Id FROM Propia"), "1");
   EXPECT_NE(errorOf([&] { shop.installation().addToSchema(1, "DROP TABLE Bancos"); }), 0);
   EXPECT_EQ(shop.text("SELECT Count(*) AS n FROM Bancos"), "1");
+}
+
+TEST(ConnectionsOfAnApartment, ColumnsThatAnotherInstallationAddedAreSeen) {
+  Shop shop;
+  shop.run("INSERT INTO Bancos (Codigo) VALUES ('1')");  // leaves an idle session
+  EXPECT_EQ(errorOf([&] { shop.text("SELECT Apodo FROM Bancos"); }), errors::kMissingParameter);
+  Installation::open(shop.installation().folder())
+      ->addToSchema(1, "ALTER TABLE Bancos ADD COLUMN Apodo TEXT(20);");
+  shop.run("UPDATE Bancos SET Apodo = 'uno'");
+  EXPECT_EQ(shop.text("SELECT Apodo FROM Bancos"), "uno");
+  RecordsetPtr rows;
+  ConnectionPtr connection;
+  DataSession().OpenRecordset(1, Statement("SELECT * FROM Bancos"), rows, connection);
+  EXPECT_EQ(rows->Field("Apodo").Value(), Variant("uno"));
+}
+
+TEST(ConnectionsOfAnApartment, ColumnsThatAnotherProcessAddedAreSeen) {
+  Shop shop;
+  shop.run("INSERT INTO Bancos (Codigo) VALUES ('1')");
+  test::Child child([&] {
+    Installation::open(shop.installation().folder())
+        ->addToSchema(1, "ALTER TABLE Bancos ADD COLUMN Apodo TEXT(20);");
+  });
+  ASSERT_TRUE(child.wait());
+  shop.run("UPDATE Bancos SET Apodo = 'uno'");
+  EXPECT_EQ(shop.text("SELECT Apodo FROM Bancos"), "uno");
 }
 
 TEST(TraceOfAnApartment, TellsStatementsTimesRowsAndErrors) {
@@ -338,6 +531,36 @@ TEST(ClockOfAnApartment, MayBeFixedAndReleased) {
   EXPECT_EQ(clock.today(), Date::of(2026, 11, 21));
   clock.release();
   EXPECT_NE(clock.now(), moment);
+}
+
+TEST(ClockOfAnApartment, IsThatOfItsStatements) {
+  Shop shop;
+  shop.run("INSERT INTO Bancos (Codigo) VALUES ('1')");  // leaves an idle session
+  const Date moment = Date::of({2026, 11, 21, 10, 30, 15});
+  shop.apartment().clock().fix(moment);
+  EXPECT_EQ(shop.value("SELECT Now() AS a FROM Bancos"), Variant(moment));
+  EXPECT_EQ(shop.value("SELECT Date() AS a FROM Bancos"), Variant(Date::of(2026, 11, 21)));
+  EXPECT_EQ(shop.text("SELECT Format(Time(), 'hh:nn:ss') AS a FROM Bancos"), "10:30:15");
+  EXPECT_EQ(shop.text("SELECT Count(*) AS n FROM Bancos WHERE Date() = #11/21/2026#"), "1");
+  {
+    Apartment other(shop.installationPtr());
+    EXPECT_NE(shop.value("SELECT Now() AS a FROM Bancos"), Variant(moment));
+  }
+  shop.apartment().clock().release();
+  EXPECT_NE(shop.value("SELECT Now() AS a FROM Bancos"), Variant(moment));
+}
+
+TEST(ClockOfAnApartment, OutlivesItInItsConnections) {
+  test::TemporaryFolder folder;
+  ConnectionPtr connection;
+  {
+    Apartment apartment(Installation::create(folder.path() / "shop", fastSettings()));
+    apartment.clock().fix(Date::of(2026, 11, 21));
+    connection = DataSession().OpenConnection(1);
+  }
+  Recordset rows;
+  rows.Open(Statement("SELECT Date() AS a FROM Tavelor_Schema"), connection);
+  EXPECT_EQ(rows.Field(0).Value(), Variant(Date::of(2026, 11, 21)));
 }
 
 class RecordingHandler final : public PromptHandler {

@@ -105,6 +105,25 @@ TEST_F(DataSessionOperations, MissingFolderIsMadeWhenItIsAskedFor) {
   EXPECT_TRUE(fs::is_directory(path("doc/a")));
 }
 
+TEST_F(DataSessionOperations, FolderThatCannotBeMadeIsNamed) {
+  fs::remove_all(path("doc"));
+  test::writeFile(path("doc"), "a file");
+  const Error error = test::raisedBy([&] { session_.DocPath("a/b.txt"); });
+  EXPECT_EQ(error.number(), errors::kPathAccess);
+  EXPECT_THAT(error.description(), HasSubstr(path("doc/a")));
+}
+
+TEST_F(DataSessionOperations, NameThatIsTooLongForTheSystemIsRefusedAndCutInTheError) {
+  for (const std::size_t length : {300U, 100'000U}) {
+    const std::string name(length, 'n');
+    for (const std::string& file : {name, name + "/x.txt"}) {
+      const Error error = test::raisedBy([&] { session_.ExportPath(file); });
+      EXPECT_EQ(error.number(), errors::kPathAccess);
+      EXPECT_LT(error.description().size(), 400U);
+    }
+  }
+}
+
 TEST_F(DataSessionOperations, BackslashesInFileNamesAreSeparators) {
   EXPECT_EQ(session_.ReportPath("ventas\\dia.rpt"), path("rpt/ventas/dia.rpt"));
 }
@@ -129,7 +148,10 @@ TEST_F(DataSessionOperations, OpenConnectionIsOpenAndItsOwn) {
   EXPECT_EQ(options, 0);
   first->BeginTrans();
   first->Execute(Statement("INSERT INTO Bancos (Codigo) VALUES ('1')"));
-  EXPECT_EQ(shop_.text("SELECT Count(*) AS n FROM Bancos"), "0") << "not committed yet";
+  RecordsetPtr rows;
+  ConnectionPtr over = second;
+  session_.OpenRecordset(1, Statement("SELECT Codigo FROM Bancos"), rows, over);
+  EXPECT_EQ(rows->RecordCount(), 0) << "not committed yet";
   first->CommitTrans();
   EXPECT_EQ(second->transactionLevel(), 0);
 }

@@ -15,6 +15,8 @@
 #include <unistd.h>
 
 #include "tavelor/platform/error.hpp"
+#include "tavelor/services/recordset/connection.hpp"
+#include "tests/support/file_limit.hpp"
 #include "tests/support/shop.hpp"
 
 namespace tavelor::test {
@@ -28,6 +30,21 @@ Error raisedBy(Action&& action) {
     return error;
   }
   return {0, "", ""};
+}
+
+/// Makes the engine undo the open transaction of a connection to the main database by itself: its
+/// changes no longer fit in memory, and not in the file either.
+inline void loseTransaction(Connection& connection) {
+  const FileLimit limit(4U << 20U);
+  const std::string text(1U << 20U, 'x');
+  EXPECT_NE(errorOf([&] {
+              for (int i = 0; i < 40; ++i) {
+                connection.Execute(
+                    Statement("INSERT INTO Articulos_Comentarios (Id, Comentarios) VALUES (")
+                    << std::to_string(i) << ", '" << value(text) << "')");
+              }
+            }),
+            0);
 }
 
 inline std::string readFile(const std::filesystem::path& file) {

@@ -181,6 +181,53 @@ TEST_F(InstallationFolder, FolderThatCannotBeMadeIsNamed) {
   EXPECT_THAT(error.description(), HasSubstr(place_.string()));
 }
 
+TEST_F(InstallationFolder, PathThatTheSystemFindsTooLongIsAnErrorOfItsOwn) {
+  for (const std::string& name : {std::string(300, 'x'), std::string(5000, 'x')}) {
+    place_ = folder_.path() / name;
+    EXPECT_EQ(raisedBy([&] { create(); }).number(), errors::kPathAccess);
+    EXPECT_EQ(openError().number(), errors::kPathAccess);
+  }
+  EXPECT_TRUE(fs::is_empty(folder_.path()));
+}
+
+TEST_F(InstallationFolder, PathThatTheEngineFindsTooLongIsNamedWithItsLength) {
+  for (int i = 0; i < 6; ++i) place_ /= std::string(100, 'x');
+  const Error error = raisedBy([&] { create(); });
+  EXPECT_EQ(error.number(), errors::kPathAccess);
+  EXPECT_THAT(error.description(), HasSubstr("main.db is longer than the 504 bytes"));
+  EXPECT_EQ(openError().number(), errors::kFileNotFound) << "it is no installation";
+}
+
+/// Runs `work` in a process that has no rights but those of everybody.
+template <typename Work>
+bool holdsForNobody(Work work) {
+  constexpr unsigned kNobody = 65534;
+  test::Child child([&] {
+    if (::geteuid() == 0 && ::setresuid(kNobody, kNobody, kNobody) != 0) ::_exit(1);
+    if (!work()) ::_exit(1);
+  });
+  return child.wait();
+}
+
+TEST_F(InstallationFolder, WithoutRightsIsNamed) {
+  fs::permissions(folder_.path(), fs::perms{0755});
+  const auto isRefusedWith = [&](const fs::path& named, auto action) {
+    return holdsForNobody([&] {
+      const Error error = raisedBy(action);
+      return error.number() == errors::kPathAccess &&
+             error.description().find(named.string()) != std::string::npos;
+    });
+  };
+  EXPECT_TRUE(isRefusedWith(place_, [&] { create(); }));
+  EXPECT_FALSE(fs::exists(place_));
+  create();
+  EXPECT_TRUE(isRefusedWith(place_ / "main.db", [&] { Installation::open(place_); }));
+  fs::permissions(settingsFile(), fs::perms{0600});
+  EXPECT_TRUE(isRefusedWith(settingsFile(), [&] { Installation::open(place_); }));
+  fs::permissions(place_, fs::perms{0700});
+  EXPECT_TRUE(isRefusedWith(place_, [&] { Installation::open(place_); }));
+}
+
 TEST_F(InstallationFolder, OpenOfAFolderWithoutSettingsIsRefused) {
   EXPECT_EQ(openError().number(), errors::kFileNotFound);
   fs::create_directories(place_);

@@ -92,19 +92,29 @@ TEST_F(SqliteSession, AFailedStatementLeavesTheRestOfItsTransaction) {
   EXPECT_EQ(count(), 2);
 }
 
-TEST_F(SqliteSession, DepthFollowsWhenTheEngineEndsTheTransactionItself) {
+TEST_F(SqliteSession, ATransactionThatTheEngineEndedTakesNothingButItsRollbacks) {
   session->begin();
   session->begin();
   insert(1);
   EXPECT_EQ(errorNumber([&] { session->execute("INSERT OR ROLLBACK INTO T VALUES (1, 'y')"); }),
             errors::kIntegrityViolation);
-  EXPECT_EQ(session->depth(), 0);
+  for (const int levels : {2, 1}) {
+    EXPECT_EQ(session->depth(), levels);
+    EXPECT_EQ(errorNumber([&] { insert(1); }), errors::kTransactionLost);
+    EXPECT_EQ(errorNumber([&] { session->execute("DELETE FROM T"); }), errors::kTransactionLost);
+    EXPECT_EQ(errorNumber([&] { count(); }), errors::kTransactionLost);
+    EXPECT_EQ(errorNumber([&] { session->begin(); }), errors::kTransactionLost);
+    EXPECT_EQ(errorNumber([&] { session->commit(); }), errors::kTransactionLost);
+    EXPECT_EQ(errorNumber([&] { session->mustNotBeLost(); }), errors::kTransactionLost);
+    EXPECT_EQ(session->rollback(), levels - 1);
+  }
   EXPECT_EQ(count(), 0);
   insert(1);
   EXPECT_EQ(count(), 1);
+  EXPECT_EQ(session->begin(), 1);
 }
 
-TEST_F(SqliteSession, AGuardDoesNotEndALevelThatIsGone) {
+TEST_F(SqliteSession, AGuardRollsBackALevelThatTheEngineHasEnded) {
   EXPECT_EQ(errorNumber([&] {
               Transaction transaction(*session);
               insert(1);
@@ -112,6 +122,21 @@ TEST_F(SqliteSession, AGuardDoesNotEndALevelThatIsGone) {
             }),
             errors::kIntegrityViolation);
   EXPECT_EQ(session->depth(), 0);
+  EXPECT_EQ(count(), 0);
+}
+
+TEST_F(SqliteSession, AGuardInsideALostTransactionLeavesTheOuterLevelLost) {
+  session->begin();
+  EXPECT_EQ(errorNumber([&] {
+              Transaction transaction(*session);
+              insert(1);
+              session->execute("INSERT OR ROLLBACK INTO T VALUES (1, 'y')");
+            }),
+            errors::kIntegrityViolation);
+  EXPECT_EQ(session->depth(), 1);
+  EXPECT_EQ(errorNumber([&] { insert(2); }), errors::kTransactionLost);
+  EXPECT_EQ(session->rollback(), 0);
+  EXPECT_EQ(count(), 0);
 }
 
 TEST_F(SqliteSession, ASessionThatDiesRollsBackEvenWhileAStatementLives) {

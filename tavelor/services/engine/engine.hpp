@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "tavelor/platform/callback.hpp"
+#include "tavelor/platform/date.hpp"
 
 namespace tavelor {
 struct Locale;
@@ -43,11 +44,15 @@ class Prepared {
 /// One connection to a database, used by one thread.
 ///
 /// Errors come as tavelor::Error: errors::kBusy when another writer did not finish within the wait,
+/// and at once when waiting would never end,
 /// kIntegrityViolation for a key or a null that the table refuses, kSyntax for a text that the
 /// engine refuses, kPathAccess for what may not be written, the number that a function of the
 /// dialect raised (13, 11, 6...), kUnspecified for the rest (disk full, file damaged), each with
-/// the engine's own code. Some of them, a full disk above all, end the whole transaction: depth()
-/// is then 0.
+/// the engine's own code.
+///
+/// Some of them, a full disk above all, make the engine undo the whole transaction by itself. The
+/// levels stay open then, so that nothing that was meant for the transaction is written singly:
+/// whatever is run, begun or committed raises kTransactionLost until each level is rolled back.
 class Session {
  public:
   virtual ~Session() = default;
@@ -57,16 +62,22 @@ class Session {
   virtual void execute(std::string_view engineText) = 0;
 
   /// Transactions nest; the number of open levels is the result. The outermost one takes the right
-  /// to write at once, waiting for it if need be, so that it can't fail half way for want of it.
-  /// Without an open level commit() and rollback() raise kNotAllowedInContext. When the outermost
-  /// commit() fails nothing of the transaction is left, and no level is open. A session that dies
-  /// rolls back.
+  /// to write at once, so that it can't fail half way for want of it. Those who want it get it in
+  /// the order in which they came; a wait that would never end, for a transaction of the same
+  /// thread or for one that waits for us on another database, raises kBusy at once. Without an open
+  /// level commit() and rollback() raise kNotAllowedInContext. When the outermost commit() fails
+  /// nothing of the transaction is left, and no level is open; the rollback() that whoever meets
+  /// the error may send after it does nothing. A session that dies rolls back.
   virtual int begin() = 0;
   virtual int commit() = 0;
   virtual int rollback() = 0;
   virtual int depth() const = 0;
+  /// Raises kTransactionLost when the open transaction is.
+  virtual void mustNotBeLost() const = 0;
 
   virtual Catalogue describe() = 0;
+  /// Another number after each change of tables or columns, whoever made it.
+  virtual std::int64_t schemaVersion() = 0;
 
   /// Moves all that is committed into the database's own file, for whoever copies or reads that one
   /// alone. Raises kBusy while others read or write. Nothing to do for a server.
@@ -78,11 +89,9 @@ struct OpenOptions {
   bool create = false;  ///< make the file if it is not there; else that is an error
   bool readOnly = false;
   bool synchronous = true;   ///< false: a power cut may lose the last transactions, never the file
-  int busyTimeoutMs = 5000;  ///< how long to wait for another writer
-  /// Asked before each wait for another writer, when it is set: false gives kBusy at once. Whoever
-  /// owns several sessions of one thread knows when it would wait for itself.
-  Callback<bool()> worthWaiting;
+  int busyTimeoutMs = 5000;  ///< how long to wait for one other writer to end
   std::shared_ptr<const Locale> locale;  ///< by which texts in columns read as numbers
+  Callback<Date()> now;  ///< the clock of statements; the computer's when it is not set
 };
 
 class Engine {

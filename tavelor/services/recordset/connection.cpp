@@ -37,29 +37,25 @@ SessionLease& Connection::lease() const {
 }
 
 int Connection::BeginTrans() {
-  lease().session().begin();
-  return ++level_;
+  return lease().session().begin();
 }
 
 void Connection::CommitTrans() {
-  SessionLease& open = lease();
-  if (level_ == 0) raise(errors::kNotAllowedInContext, kSource, "No transaction is open");
-  // A commit that fails (the disk is full) leaves the transaction open, to be rolled back.
-  open.session().commit();
-  --level_;
+  lease().session().commit();
 }
 
 void Connection::RollbackTrans() {
-  SessionLease& open = lease();
-  if (level_ == 0) raise(errors::kNotAllowedInContext, kSource, "No transaction is open");
-  --level_;
-  // The engine may have rolled everything back by itself after a serious error.
-  if (open.session().depth() > 0) open.session().rollback();
+  lease().session().rollback();
+}
+
+int Connection::transactionLevel() const {
+  return lease_ ? lease_->session().depth() : 0;
 }
 
 void Connection::Close() {
-  lease();
-  if (level_ > 0) {
+  const engine::Session& session = lease().session();
+  session.mustNotBeLost();
+  if (session.depth() > 0) {
     raise(errors::kInTransaction, kSource,
           "The connection cannot be closed while a transaction is open");
   }
@@ -76,7 +72,7 @@ std::int64_t Connection::Execute(const Statement& statement) {
 void Connection::rollbackAll() noexcept {
   if (!lease_) return;
   try {
-    for (; level_ > 0 && lease_->session().depth() > 0; --level_) lease_->session().rollback();
+    while (lease_->session().depth() > 0) lease_->session().rollback();
   } catch (const Error&) {
     // The session is beyond use; the engine rolls back when it is closed.
   }

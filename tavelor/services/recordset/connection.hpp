@@ -32,6 +32,9 @@ class SessionLease {
   virtual ~SessionLease() = default;
   virtual engine::Session& session() = 0;
   virtual dialect::PlanCache& plans() = 0;
+  /// What rows are read by. Another one than plans() where this lease stands for a read that was
+  /// given no connection, while whoever keeps the sessions has a transaction open in another.
+  virtual dialect::PlanCache& readingPlans() { return plans(); }
 };
 
 /// Who is told of every statement that goes through connections: Execute, Open, Requery,
@@ -64,7 +67,10 @@ struct ConnectionSettings {
 
 /// An open connection, or a closed one that refuses everything. Used by one thread.
 ///
-/// Errors of all members but State, ConnectionString: 3704 when closed.
+/// Errors of all members but State, ConnectionString: 3704 when closed. After some errors, a full
+/// disk above all, the database undoes the whole transaction by itself; everything but
+/// RollbackTrans raises errors::kTransactionLost then, until each level is rolled back, so that
+/// nothing meant for the transaction is stored alone.
 class Connection final : public Object, public std::enable_shared_from_this<Connection> {
  public:
   /// A closed connection.
@@ -79,9 +85,11 @@ class Connection final : public Object, public std::enable_shared_from_this<Conn
 
   /// Gives the number of open levels: 1 for the outermost transaction.
   int BeginTrans();
-  /// 3219 when no transaction is open.
+  /// 3219 when no transaction is open. When the outermost one fails nothing of the transaction is
+  /// left, and none is open.
   void CommitTrans();
-  /// 3219 when no transaction is open.
+  /// 3219 when no transaction is open. After an outermost commit that failed it does nothing, once:
+  /// whoever catches the error may roll back whatever it was that failed.
   void RollbackTrans();
   /// Closes the record sets that are open over it; their pending changes are lost. Raises 3246
   /// inside a transaction, with nothing closed.
@@ -94,7 +102,8 @@ class Connection final : public Object, public std::enable_shared_from_this<Conn
   std::int64_t Execute(const Statement& statement);
 
   int selector() const { return selector_; }
-  int transactionLevel() const { return level_; }
+  /// Open levels; 0 when closed.
+  int transactionLevel() const;
   const std::shared_ptr<const Locale>& locale() const { return locale_; }
 
  private:
@@ -113,7 +122,6 @@ class Connection final : public Object, public std::enable_shared_from_this<Conn
   std::shared_ptr<TraceSink> trace_;
   Recordset* firstRecordset_ = nullptr;  // those open over this connection, linked through them
   int selector_ = 0;
-  int level_ = 0;
 };
 
 }  // namespace tavelor

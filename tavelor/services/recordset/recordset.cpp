@@ -94,7 +94,7 @@ std::shared_ptr<RecordsetStore> Recordset::fetch(const Statement& statement,
                                                  const Connection& over) {
   std::shared_ptr<RecordsetStore> store;
   over.traced(statement.text(), [&] {
-    dialect::PlanCache& plans = over.lease().plans();
+    dialect::PlanCache& plans = over.lease().readingPlans();
     store =
         std::make_shared<RecordsetStore>(RecordsetSchema{plans.plan(statement), {}}, over.locale());
     plans.fetch(statement, store->rows());

@@ -120,16 +120,9 @@ BatchWriter::BatchWriter(RecordsetStore& store, Connection& connection)
 
 void BatchWriter::run(const std::vector<Row>& rows) {
   if (rows.size() == 1) return writeAll(rows);
-  engine::Session& session = connection_.lease().session();
-  session.begin();
-  try {
-    writeAll(rows);
-    session.commit();
-  } catch (...) {
-    // After a serious error the engine may have rolled back by itself.
-    if (session.depth() > 0) session.rollback();
-    throw;
-  }
+  engine::Transaction transaction(connection_.lease().session());
+  writeAll(rows);
+  transaction.commit();
 }
 
 void BatchWriter::writeAll(const std::vector<Row>& rows) {

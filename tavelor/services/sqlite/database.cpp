@@ -33,11 +33,18 @@ Error describe(const Database& database, int code, std::string_view engineMessag
   switch (code & 0xFF) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-      if (database.waitsForItself) {
+      if (database.turn == WriteQueue::Answer::kOwnThread) {
         return error(
             errors::kBusy,
             fmt::format("The database {} is locked by a transaction of this same thread on "
                         "another connection: waiting for it would never end.",
+                        path));
+      }
+      if (database.turn == WriteQueue::Answer::kCircle) {
+        return error(
+            errors::kBusy,
+            fmt::format("The database {} is locked by a session that itself waits for a "
+                        "database that this thread has locked: neither wait would ever end.",
                         path));
       }
       return error(
@@ -105,7 +112,8 @@ Error errorOf(const Database& database, int code, std::string_view engineMessage
 void Database::fail(int code) {
   const int extended = sqlite3_extended_errcode(handle);
   if ((extended & 0xFF) == (code & 0xFF)) code = extended;
-  followRollback();
+  lost = depth > 0 && sqlite3_get_autocommit(handle) != 0;
+  if (lost) endTurn();
   if (functionError != 0) {
     Error error(functionError, std::string(kSource), std::move(functionErrorText));
     functionError = 0;
@@ -123,6 +131,13 @@ void Database::mustBeInPlace() {
               fmt::format("The database {} was removed, moved or replaced while it was open; "
                           "nothing is written until it is opened anew.",
                           path));
+}
+
+void Database::takeTurn() {
+  mustBeInPlace();
+  if (!queue) return;
+  turn = queue->enter(std::chrono::milliseconds(busyTimeoutMs));
+  if (turn != WriteQueue::Answer::kFirst) throw errorOf(*this, SQLITE_BUSY, "");
 }
 
 StatementHandle compile(Database& database, std::string_view engineText) {

@@ -11,7 +11,9 @@
 #include <sqlite3.h>
 
 #include "tavelor/platform/callback.hpp"
+#include "tavelor/platform/date.hpp"
 #include "tavelor/platform/error.hpp"
+#include "tavelor/services/sqlite/write_queue.hpp"
 
 namespace tavelor {
 struct Locale;
@@ -34,24 +36,54 @@ struct Database {
   /// moved or replaced since it was opened. The engine would go on writing to what is left of it,
   /// and all of that would be lost.
   void mustBeInPlace();
-  /// The engine ends the transaction by itself after some errors: our count of levels follows.
-  void followRollback() {
-    if (depth > 0 && sqlite3_get_autocommit(handle) != 0) depth = 0;
+  void mustNotBeLost() const {
+    if (lost) [[unlikely]]
+      raise(errors::kTransactionLost, kSource);
+  }
+  /// Waits for the right to write, in the order of those who want it. Raises kBusy when it does not
+  /// come, and what mustBeInPlace() raises.
+  void takeTurn();
+  void endTurn() noexcept {
+    if (queue) queue->leave();
   }
 
   sqlite3* handle = nullptr;
   std::string path;
   std::shared_ptr<const Locale> locale;
   int busyTimeoutMs = 0;
-  int depth = 0;
+  int depth = 0;      // levels of transaction that the caller has open
+  bool lost = false;  // the engine has ended them by itself
   std::chrono::steady_clock::time_point waitSince;
-  Callback<bool()> worthWaiting;  // may be empty
-  bool waitsForItself = false;    // what worthWaiting said last
+  Callback<Date()> now;                                  // may be empty
+  std::unique_ptr<WriteQueue> queue;                     // null where nobody else can write
+  WriteQueue::Answer turn = WriteQueue::Answer::kFirst;  // what it said last
 
   // What a function raised last. The engine carries only a text through; the number waits here
   // until the statement that called the function fails.
   std::int32_t functionError = 0;
   std::string functionErrorText;
+};
+
+/// The right to write for one statement, unless the transaction around it has it already. Raises
+/// when that one is lost.
+class WriteTurn {
+ public:
+  explicit WriteTurn(Database& database) : database_(database), isOurs_(database.depth == 0) {
+    if (isOurs_) {
+      database.takeTurn();
+    } else {
+      database.mustNotBeLost();
+    }
+  }
+  WriteTurn(const WriteTurn&) = delete;
+  WriteTurn& operator=(const WriteTurn&) = delete;
+  ~WriteTurn() {
+    if (isOurs_) database_.endTurn();
+  }
+
+ private:
+  Database& database_;
+  bool isOurs_;
 };
 
 /// The error of an engine's (extended) result code.

@@ -2,7 +2,6 @@
 // Functions on dates, and the clock.
 #include <array>
 #include <cmath>
-#include <ctime>
 
 #include <fmt/format.h>
 
@@ -69,24 +68,20 @@ void dateSerial(Call& call) {
   call.give(Date::serial(partOf(call, 0), partOf(call, 1), partOf(call, 2)).days());
 }
 
-/// Local time, to the second.
-double nowDays() {
-  const std::time_t seconds = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&seconds, &local);
-  return Date::of({local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour,
-                   local.tm_min, std::min(local.tm_sec, 59)})
-      .days();
+/// By the session's clock, to the second.
+double nowDays(const Call& call) {
+  const Database& database = call.database();
+  return (database.now ? database.now() : Date::now()).days();
 }
 
 void now(Call& call) {
-  call.give(nowDays());
+  call.give(nowDays(call));
 }
 void today(Call& call) {
-  call.give(std::floor(nowDays()));
+  call.give(std::floor(nowDays(call)));
 }
 void clock(Call& call) {
-  const double days = nowDays();
+  const double days = nowDays(call);
   call.give(days - std::floor(days));
 }
 

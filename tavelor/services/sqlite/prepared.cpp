@@ -61,7 +61,7 @@ void PreparedStatement::bind(int index, const Value& value) {
 }
 
 std::int64_t PreparedStatement::run() {
-  if (database_->depth == 0) database_->mustBeInPlace();
+  const WriteTurn turn(*database_);
   sqlite3_stmt* statement = statement_.get();
   const int before = sqlite3_total_changes(database_->handle);
   int code = SQLITE_ROW;
@@ -79,6 +79,10 @@ std::int64_t PreparedStatement::run() {
 }
 
 void PreparedStatement::fetch(RowStore& rows) {
+  database_->mustNotBeLost();
+  std::optional<WriteTurn> turn;
+  if (writes_) [[unlikely]]
+    turn.emplace(*database_);
   sqlite3_stmt* statement = statement_.get();
   const auto columns = static_cast<int>(rows.columns());
   if (sqlite3_column_count(statement) != columns) {

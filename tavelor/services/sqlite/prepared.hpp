@@ -2,7 +2,7 @@
 // A compiled statement: binding, running, fetching.
 #pragma once
 
-#include <vector>
+#include <optional>
 
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/engine/value.hpp"
@@ -13,7 +13,9 @@ namespace tavelor::engine::sqlite {
 class PreparedStatement final : public Prepared {
  public:
   PreparedStatement(std::shared_ptr<Database> database, std::string_view engineText)
-      : database_(std::move(database)), statement_(compile(*database_, engineText)) {}
+      : database_(std::move(database)),
+        statement_(compile(*database_, engineText)),
+        writes_(sqlite3_stmt_readonly(statement_.get()) == 0) {}
 
   int parameterCount() const override { return sqlite3_bind_parameter_count(statement_.get()); }
   void bind(int index, const Value& value) override;
@@ -26,6 +28,7 @@ class PreparedStatement final : public Prepared {
 
   std::shared_ptr<Database> database_;
   StatementHandle statement_;
+  bool writes_;
 };
 
 }  // namespace tavelor::engine::sqlite

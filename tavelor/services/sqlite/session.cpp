@@ -2,6 +2,8 @@
 // Statements and transactions of a session.
 #include "tavelor/services/sqlite/session.hpp"
 
+#include <utility>
+
 #include "tavelor/services/engine/catalogue.hpp"
 #include "tavelor/services/sqlite/describe.hpp"
 #include "tavelor/services/sqlite/prepared.hpp"
@@ -17,6 +19,7 @@ FileSession::~FileSession() {
     sqlite3_exec(database_->handle, "ROLLBACK", nullptr, nullptr, nullptr);
   }
   database_->depth = 0;
+  database_->endTurn();
 }
 
 std::unique_ptr<Prepared> FileSession::prepare(std::string_view engineText) {
@@ -24,7 +27,7 @@ std::unique_ptr<Prepared> FileSession::prepare(std::string_view engineText) {
 }
 
 void FileSession::execute(std::string_view engineText) {
-  if (database_->depth == 0) database_->mustBeInPlace();
+  const WriteTurn turn(*database_);
   const std::string text(engineText);
   const int code = sqlite3_exec(database_->handle, text.c_str(), nullptr, nullptr, nullptr);
   if (code == SQLITE_OK) return;
@@ -49,9 +52,16 @@ void FileSession::mustControl(StatementHandle& statement, std::string_view text)
 
 int FileSession::begin() {
   if (database_->depth == 0) {
-    database_->mustBeInPlace();
-    mustControl(begin_, beginText_);
+    database_->takeTurn();
+    try {
+      mustControl(begin_, beginText_);
+    } catch (...) {
+      database_->endTurn();
+      throw;
+    }
+    commitFailed_ = false;
   } else {
+    database_->mustNotBeLost();
     mustControl(savepoint_, "SAVEPOINT level");
   }
   return ++database_->depth;
@@ -61,25 +71,35 @@ int FileSession::commit() {
   if (database_->depth == 0) {
     raise(errors::kNotAllowedInContext, kSource, "There is no transaction to commit");
   }
+  database_->mustNotBeLost();
   if (database_->depth > 1) {
     mustControl(release_, "RELEASE level");
     return --database_->depth;
   }
   const int code = control(commit_, "COMMIT");
-  if (code == SQLITE_OK) return database_->depth = 0;
+  if (code == SQLITE_OK) {
+    database_->endTurn();
+    return database_->depth = 0;
+  }
   const Error error = errorOf(*database_, sqlite3_extended_errcode(database_->handle),
                               sqlite3_errmsg(database_->handle));
   if (sqlite3_get_autocommit(database_->handle) == 0) control(rollback_, "ROLLBACK");
   database_->depth = 0;
+  database_->endTurn();
+  commitFailed_ = true;
   throw error;
 }
 
 int FileSession::rollback() {
   if (database_->depth == 0) {
+    if (std::exchange(commitFailed_, false)) return 0;
     raise(errors::kNotAllowedInContext, kSource, "There is no transaction to roll back");
   }
-  if (database_->depth == 1) {
+  if (database_->lost) {
+    database_->lost = database_->depth > 1;
+  } else if (database_->depth == 1) {
     mustControl(rollback_, "ROLLBACK");
+    database_->endTurn();
   } else {
     mustControl(undo_, "ROLLBACK TO level");
     mustControl(release_, "RELEASE level");
@@ -88,9 +108,20 @@ int FileSession::rollback() {
 }
 
 void FileSession::settle() {
+  const WriteTurn turn(*database_);
   const int code = sqlite3_wal_checkpoint_v2(database_->handle, nullptr, SQLITE_CHECKPOINT_TRUNCATE,
                                              nullptr, nullptr);
   if (code != SQLITE_OK) database_->fail(code);
+}
+
+std::int64_t FileSession::schemaVersion() {
+  if (!schemaVersion_) schemaVersion_ = compile(*database_, "PRAGMA schema_version");
+  sqlite3_stmt* const statement = schemaVersion_.get();
+  const int code = sqlite3_step(statement);
+  const std::int64_t version = code == SQLITE_ROW ? sqlite3_column_int64(statement, 0) : 0;
+  sqlite3_reset(statement);
+  if (code != SQLITE_ROW) database_->fail(code);
+  return version;
 }
 
 Catalogue FileSession::describe() {

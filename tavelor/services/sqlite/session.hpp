@@ -21,7 +21,9 @@ class FileSession final : public Session {
   int commit() override;
   int rollback() override;
   int depth() const override { return database_->depth; }
+  void mustNotBeLost() const override { database_->mustNotBeLost(); }
   Catalogue describe() override;
+  std::int64_t schemaVersion() override;
   void settle() override;
 
  private:
@@ -31,7 +33,8 @@ class FileSession final : public Session {
 
   std::shared_ptr<Database> database_;
   std::string_view beginText_;
-  StatementHandle begin_, commit_, rollback_, savepoint_, release_, undo_;
+  bool commitFailed_ = false;  // and neither a rollback nor a new transaction came since
+  StatementHandle begin_, commit_, rollback_, savepoint_, release_, undo_, schemaVersion_;
 };
 
 }  // namespace tavelor::engine::sqlite

@@ -39,8 +39,12 @@ std::string placeOf(const OpenOptions& options) {
   if (options.path.find('\0') != std::string::npos) {
     refusePlace(errors::kFileNotFound, "The path of the database holds a NUL character.");
   }
-  const fs::path path = fs::absolute(options.path);
   std::error_code failure;
+  const fs::path path = fs::absolute(options.path, failure);
+  if (failure) {
+    refusePlace(errors::kPathAccess, fmt::format("The database {} can't be reached: {}.",
+                                                 options.path, failure.message()));
+  }
   const fs::file_status status = fs::status(path, failure);
   if (fs::is_directory(status)) {
     refusePlace(errors::kPathAccess,
@@ -60,19 +64,25 @@ std::string placeOf(const OpenOptions& options) {
       refusePlace(errors::kFileNotFound, fmt::format("There is no database {}.", path.string()));
     }
   }
+  // The engine names files beside the database, and takes shorter paths than the system.
+  constexpr std::size_t kLongestEnding = 8;
+  const auto longest = static_cast<std::size_t>(sqlite3_vfs_find(nullptr)->mxPathname);
+  if (path.string().size() + kLongestEnding > longest) {
+    refusePlace(errors::kPathAccess,
+                fmt::format("The path of the database {} is longer than the {} bytes that the "
+                            "engine takes.",
+                            path.string(), longest - kLongestEnding));
+  }
   return path.string();
 }
 
-/// Waits a little longer at each call, and no longer than the wait that was asked for.
+/// Waits for what does not stand in the queue: a program of another kind, or the engine's own
+/// moment alone with the file. A little longer at each call, and no longer than was asked for.
 int waitForOther(void* shared, int calls) {
   static constexpr std::array kPauses{1, 1, 2, 3, 5, 8, 13, 21, 34};
   auto& database = *static_cast<Database*>(shared);
   const auto now = steady_clock::now();
-  if (calls == 0) {
-    database.waitSince = now;
-    database.waitsForItself = database.worthWaiting && !database.worthWaiting();
-  }
-  if (database.waitsForItself) return 0;
+  if (calls == 0) database.waitSince = now;
   const auto left = database.waitSince + milliseconds(database.busyTimeoutMs) - now;
   if (left <= steady_clock::duration::zero()) return 0;
   const auto step = std::min(static_cast<std::size_t>(calls), kPauses.size() - 1);
@@ -147,10 +157,14 @@ class FileEngine final : public Engine {
     database->path = placeOf(options);
     database->locale = options.locale ? options.locale : Locale::spanish();
     database->busyTimeoutMs = options.busyTimeoutMs;
-    database->worthWaiting = options.worthWaiting;
+    database->now = options.now;
     openHandle(*database, options);
     addFunctions(*database);
     configure(*database, options);
+    if (!options.readOnly && database->path != kInMemory) {
+      // The engine follows links to the file; all writers must meet in one queue.
+      database->queue = std::make_unique<WriteQueue>(sqlite3_db_filename(database->handle, "main"));
+    }
     return std::make_unique<FileSession>(std::move(database), options.readOnly);
   }
 };

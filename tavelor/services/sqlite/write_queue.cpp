@@ -1,0 +1,303 @@
+// SPDX-License-Identifier: MIT
+// Tickets in a file that all writers share.
+//
+// Taking a ticket: lock the byte of the next number, then make it the last number given. Who finds
+// the byte locked, or the number given meanwhile, tries the one after it. A lock is never waited
+// for, so none can block: a writer whose turn has not come sleeps on a word of its own place, which
+// its predecessor changes when it leaves. Only the death of a predecessor goes untold; it is found
+// by looking at the locks every kLook.
+#include "tavelor/services/sqlite/write_queue.hpp"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <ctime>
+#include <random>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <linux/futex.h>
+#include <sched.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace tavelor::engine::sqlite {
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::nanoseconds;
+using std::chrono::steady_clock;
+
+constexpr milliseconds kLook{20};
+// More may wait; those that share a place with another are woken by kLook only.
+constexpr std::size_t kPlaces = 256;
+// Its byte is still a place in a file.
+constexpr std::uint64_t kLastTicket = std::uint64_t{1} << 62U;
+// So often a number that somebody is just taking is tried before it is passed over.
+constexpr int kTries = 1000;
+
+/// Names a thread among those of all processes. Another one after a fork.
+std::uint64_t thisThread() {
+  thread_local pid_t process = 0;
+  thread_local std::uint64_t name = 0;
+  if (const pid_t now = ::getpid(); process != now) {
+    std::random_device random;
+    name = (std::uint64_t{random()} << 32U | random()) | 1U;  // 0 is nobody
+    process = now;
+  }
+  return name;
+}
+
+/// Sleeps while `word` is `value`, at most for `time`.
+void sleepOn(std::atomic<std::uint32_t>& word, std::uint32_t value, nanoseconds time) {
+  constexpr std::int64_t kSecond = 1'000'000'000;
+  timespec limit{};
+  limit.tv_sec = static_cast<std::time_t>(time.count() / kSecond);
+  limit.tv_nsec = time.count() % kSecond;
+  ::syscall(SYS_futex, &word, FUTEX_WAIT, value, &limit, nullptr, 0);
+}
+
+void wake(std::atomic<std::uint32_t>& word) {
+  word.fetch_add(1);
+  ::syscall(SYS_futex, &word, FUTEX_WAKE, INT_MAX, nullptr, nullptr, 0);
+}
+
+/// What lies in the file. It holds sense in all states that a killed process or a power cut can
+/// leave: the numbers need not be right, as the locks alone decide.
+struct Shared {
+  struct Place {
+    std::atomic<std::uint32_t> calls;   // slept on; changed to wake
+    std::atomic<std::uint64_t> ticket;  // of the waiter, or 0
+    std::atomic<std::uint64_t> thread;
+  };
+  std::atomic<std::uint64_t> given;   // the last ticket
+  std::atomic<std::uint64_t> served;  // the last that was first and left: all before it are gone
+  std::atomic<std::uint64_t> holder;
+  std::atomic<std::uint64_t> holderThread;  // 0 while nobody holds the right
+  std::array<Place, kPlaces> places;
+
+  Place& place(std::uint64_t ticket) { return places[ticket % kPlaces]; }
+};
+
+}  // namespace
+
+class QueueFile {
+ public:
+  /// Null where it can't be opened or made.
+  static std::shared_ptr<QueueFile> open(const std::string& databasePath) {
+    static_assert(std::atomic<std::uint64_t>::is_always_lock_free);
+    struct stat database {};
+    if (::stat(databasePath.c_str(), &database) != 0) return nullptr;
+    const mode_t mode = database.st_mode & 0666;
+    const std::string path = databasePath + "-queue";
+    constexpr int kFlags = O_RDWR | O_CLOEXEC | O_NOFOLLOW;
+    int descriptor = ::open(path.c_str(), kFlags);
+    if (descriptor < 0 && errno == ENOENT) {
+      descriptor = ::open(path.c_str(), kFlags | O_CREAT, mode);
+      // Whoever may write the database may queue, whatever this process masks.
+      if (descriptor >= 0 && ::fchmod(descriptor, mode) != 0) errno = 0;
+    }
+    if (descriptor < 0) return nullptr;
+    std::shared_ptr<QueueFile> file(new QueueFile(descriptor));
+    return file->map() ? file : nullptr;
+  }
+  ~QueueFile() {
+    if (shared_ != nullptr) ::munmap(shared_, sizeof(Shared));
+    ::close(descriptor_);
+  }
+  QueueFile(const QueueFile&) = delete;
+  QueueFile& operator=(const QueueFile&) = delete;
+
+  Shared& shared() const { return *shared_; }
+
+  enum class Locking : std::uint8_t { kDone, kTaken, kImpossible };
+  Locking lock(std::uint64_t ticket) const {
+    struct flock region = regionOf(F_WRLCK, ticket, 1);
+    if (::fcntl(descriptor_, F_OFD_SETLK, &region) == 0) return Locking::kDone;
+    return errno == EAGAIN || errno == EACCES ? Locking::kTaken : Locking::kImpossible;
+  }
+  void unlock(std::uint64_t ticket) const noexcept {
+    struct flock region = regionOf(F_UNLCK, ticket, 1);
+    ::fcntl(descriptor_, F_OFD_SETLK, &region);
+  }
+  /// Does another session hold one of `count` tickets from `first` on?
+  bool isLocked(std::uint64_t first, std::uint64_t count) const {
+    struct flock region = regionOf(F_WRLCK, first, count);
+    return ::fcntl(descriptor_, F_OFD_GETLK, &region) == 0 && region.l_type != F_UNLCK;
+  }
+
+ private:
+  explicit QueueFile(int descriptor) : descriptor_(descriptor) {}
+
+  bool map() {
+    struct stat now {};
+    if (::fstat(descriptor_, &now) != 0) return false;
+    // The room is taken at once: a full disk found out later would end the process.
+    if (static_cast<std::size_t>(now.st_size) < sizeof(Shared) &&
+        ::posix_fallocate(descriptor_, 0, sizeof(Shared)) != 0) {
+      return false;
+    }
+    void* const address =
+        ::mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED, descriptor_, 0);
+    if (address == MAP_FAILED) return false;
+    shared_ = static_cast<Shared*>(address);
+    return true;
+  }
+  static struct flock regionOf(short type, std::uint64_t first, std::uint64_t count) {
+    struct flock region {};
+    region.l_type = type;
+    region.l_whence = SEEK_SET;
+    region.l_start = static_cast<off_t>(first);
+    region.l_len = static_cast<off_t>(count);
+    return region;
+  }
+
+  int descriptor_;
+  Shared* shared_ = nullptr;
+};
+
+namespace {
+
+/// The queues at whose head this thread stands, by their files. One that another thread has left
+/// for us stays until it is looked at.
+thread_local std::vector<std::weak_ptr<QueueFile>> heldHere;
+
+}  // namespace
+
+WriteQueue::WriteQueue(std::string databasePath) : databasePath_(std::move(databasePath)) {}
+
+WriteQueue::~WriteQueue() {
+  leave();
+}
+
+WriteQueue::Answer WriteQueue::enter(milliseconds patience) {
+  if (!file_) file_ = QueueFile::open(databasePath_);
+  if (!file_ || !takeTicket()) return Answer::kFirst;
+  if (!isFirst()) {
+    const Answer answer = wait(patience);
+    if (answer != Answer::kFirst) {
+      giveUp();
+      return answer;
+    }
+  }
+  Shared& shared = file_->shared();
+  const std::uint64_t us = thisThread();
+  shared.holder = ticket_;
+  shared.holderThread = us;
+  std::erase_if(heldHere, [us](const std::weak_ptr<QueueFile>& each) {
+    const auto held = each.lock();
+    return !held || held->shared().holderThread != us;
+  });
+  heldHere.push_back(file_);
+  return Answer::kFirst;
+}
+
+bool WriteQueue::takeTicket() {
+  Shared& shared = file_->shared();
+  for (int tries = 1;; ++tries) {
+    std::uint64_t last = shared.given;
+    if (last >= kLastTicket) {
+      // Nobody comes so far: somebody wrote into the file.
+      shared.given.compare_exchange_strong(last, 0);
+      continue;
+    }
+    const QueueFile::Locking locking = file_->lock(last + 1);
+    if (locking == QueueFile::Locking::kImpossible) return false;
+    if (locking == QueueFile::Locking::kDone) {
+      if (shared.given.compare_exchange_strong(last, last + 1)) {
+        ticket_ = last + 1;
+        return true;
+      }
+      file_->unlock(last + 1);
+    } else if (tries % kTries == 0) {
+      // Nobody takes a number for so long: the count was put back by somebody, and this one waits.
+      shared.given.compare_exchange_strong(last, last + 1);
+    } else {
+      ::sched_yield();
+    }
+  }
+}
+
+bool WriteQueue::isFirst() const {
+  return ticket_ == 1 || file_->shared().served == ticket_ - 1 || !file_->isLocked(1, ticket_ - 1);
+}
+
+WriteQueue::Answer WriteQueue::wait(milliseconds patience) {
+  Shared& shared = file_->shared();
+  Shared::Place& place = shared.place(ticket_);
+  const std::uint64_t us = thisThread();
+  place.thread = us;
+  place.ticket = ticket_;
+  std::uint64_t served = shared.served;
+  auto until = steady_clock::now() + patience;
+  for (;;) {
+    const std::uint32_t calls = place.calls;
+    if (isFirst()) break;
+    const std::uint64_t holder = shared.holderThread;
+    if (holder == us) return Answer::kOwnThread;
+    // Both of a circle see it; one is enough to break it.
+    if (holder > us && waitsForUs(holder, us)) return Answer::kCircle;
+    const auto now = steady_clock::now();
+    if (const std::uint64_t moved = shared.served; moved != served) {
+      served = moved;
+      until = now + patience;
+    }
+    if (now >= until) return Answer::kTooLong;
+    sleepOn(place.calls, calls, std::min<nanoseconds>(kLook, until - now));
+  }
+  place.ticket = 0;
+  return Answer::kFirst;
+}
+
+/// Whether the thread `holder` waits in a queue at whose head we stand.
+bool WriteQueue::waitsForUs(std::uint64_t holder, std::uint64_t us) const {
+  for (const std::weak_ptr<QueueFile>& each : heldHere) {
+    const auto held = each.lock();
+    if (!held || held == file_ || held->shared().holderThread != us) continue;
+    for (const Shared::Place& place : held->shared().places) {
+      const std::uint64_t ticket = place.ticket;
+      if (ticket != 0 && place.thread == holder && held->isLocked(ticket, 1)) return true;
+    }
+  }
+  return false;
+}
+
+void WriteQueue::giveUp() noexcept {
+  Shared::Place& place = file_->shared().place(ticket_);
+  std::uint64_t own = ticket_;
+  place.ticket.compare_exchange_strong(own, 0);
+  file_->unlock(ticket_);
+  wakeNext();
+  ticket_ = 0;
+}
+
+void WriteQueue::leave() noexcept {
+  if (ticket_ == 0) return;
+  Shared& shared = file_->shared();
+  std::uint64_t own = ticket_;
+  if (shared.holder.compare_exchange_strong(own, 0)) shared.holderThread = 0;
+  shared.served = ticket_;
+  file_->unlock(ticket_);
+  wakeNext();
+  ticket_ = 0;
+}
+
+/// The nearest waiter behind us; who gave up in between has no ticket in its place any more.
+void WriteQueue::wakeNext() noexcept {
+  Shared& shared = file_->shared();
+  const std::uint64_t last = std::min(shared.given.load(), ticket_ + kPlaces);
+  for (std::uint64_t ticket = ticket_ + 1; ticket <= last; ++ticket) {
+    Shared::Place& place = shared.place(ticket);
+    if (place.ticket != ticket) continue;
+    wake(place.calls);
+    return;
+  }
+}
+
+}  // namespace tavelor::engine::sqlite

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+// writers FILE PROCESSES THREADS EACH: so many processes of so many threads each write to one
+// database without a pause, in transactions of ten rows. Prints how long they took: the median, one
+// in a hundred, the slowest, that by the median, and how many were refused.
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "tavelor/platform/error.hpp"
+#include "tavelor/services/engine/engine.hpp"
+#include "tavelor/services/engine/value.hpp"
+#include "tavelor/services/sqlite/sqlite_engine.hpp"
+
+namespace {
+
+using namespace tavelor::engine;
+using std::chrono::duration_cast;
+using std::chrono::nanoseconds;
+using std::chrono::steady_clock;
+
+constexpr int kRows = 10;
+constexpr std::int64_t kRefused = -1;
+
+std::unique_ptr<Session> open(const std::string& path, bool create) {
+  OpenOptions options;
+  options.path = path;
+  options.create = create;
+  return sqliteEngine().open(options);
+}
+
+/// Nanoseconds of each transaction, from before it began to after its commit.
+void write(const std::string& path, std::int64_t* times, int count) {
+  const auto session = open(path, false);
+  const auto insert = session->prepare("INSERT INTO T (A, B) VALUES (?1, ?2)");
+  for (int i = 0; i < count; ++i) {
+    const auto started = steady_clock::now();
+    try {
+      Transaction transaction(*session);
+      for (int row = 0; row < kRows; ++row) {
+        insert->bind(1, Value::ofInteger(row));
+        insert->bind(2, Value::ofText("una línea de un ticket de la tienda"));
+        insert->run();
+      }
+      transaction.commit();
+      times[i] = duration_cast<nanoseconds>(steady_clock::now() - started).count();
+    } catch (const tavelor::Error&) {
+      times[i] = kRefused;
+    }
+  }
+}
+
+void writeByThreads(const std::string& path, std::int64_t* times, int threads, int each) {
+  std::vector<std::thread> all;
+  for (int thread = 0; thread < threads; ++thread) {
+    all.emplace_back(write, path, times + std::ptrdiff_t{thread} * each, each);
+  }
+  for (std::thread& thread : all) thread.join();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 5) {
+    std::fputs("usage: writers FILE PROCESSES THREADS EACH\n", stderr);
+    return 2;
+  }
+  const std::string path = argv[1];
+  const int processes = std::atoi(argv[2]);
+  const int threads = std::atoi(argv[3]);
+  const int each = std::atoi(argv[4]);
+  open(path, true)->execute("CREATE TABLE T (Id INTEGER PRIMARY KEY, A INTEGER, B TEXT)");
+
+  const auto count = static_cast<std::size_t>(processes) * static_cast<std::size_t>(threads) *
+                     static_cast<std::size_t>(each);
+  auto* const times =
+      static_cast<std::int64_t*>(::mmap(nullptr, count * sizeof(std::int64_t),
+                                        PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+  if (times == MAP_FAILED) return 1;
+  for (int process = 0; process < processes; ++process) {
+    if (::fork() != 0) continue;
+    writeByThreads(path, times + std::ptrdiff_t{process} * threads * each, threads, each);
+    ::_exit(0);
+  }
+  bool isWell = true;
+  for (int process = 0, status = 0; process < processes; ++process) {
+    isWell = ::wait(&status) > 0 && status == 0 && isWell;
+  }
+  std::sort(times, times + count);
+  const auto refused = std::count(times, times + count, kRefused);
+  const auto at = [&](std::size_t place) { return static_cast<double>(times[place]) / 1e6; };
+  std::printf("%9d %7d %7zu %9.2f %9.2f %9.2f %11.1f %8td\n", processes, threads, count,
+              at(count / 2), at(count - 1 - count / 100), at(count - 1),
+              at(count - 1) / std::max(at(count / 2), 1e-6), refused);
+  return isWell ? 0 : 1;
+}
