@@ -288,8 +288,8 @@ void tellReconciliation(shop::Reconciliation& reconciliation, const Locale& loca
                                   ? ""
                                   : fmt::format("till {}, {}, ", printable(difference.till),
                                                 shop::isoDay(difference.day));
-    fmt::print(stderr, "{}{}: {}\n", where, Reconciliation::kNames[difference.place],
-               difference.what);
+    complain(fmt::format("{}{}: {}\n", where, Reconciliation::kNames[difference.place],
+                         difference.what));
   }
   throw FileError(fmt::format("{} between the sales and the shop",
                               counted(differences.size(), "difference", "differences")));
@@ -338,7 +338,7 @@ void replay(const DayOptions& options, const Common& common) {
   requireTills(options);
   const std::vector<std::string>& own = options.only.empty() ? options.tills : options.only;
   const std::unique_ptr<Source> source = sourceOf(options);
-  Refusals refusals(options.report, options.sales);
+  Refusals refusals(options.report, options.sales, session.installation());
 
   const auto began = std::chrono::steady_clock::now();
   Replay replay(*source, refusals, own);

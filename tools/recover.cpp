@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // tavelor recover: mends what a program that died in the middle has left.
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <memory>
 #include <stdexcept>
 
@@ -84,7 +83,6 @@ void recover(const RecoverOptions& options, const Common& common) {
   for (const std::string& file : files) fmt::print("{}: written\n", file);
   if (!recovered.undecided.empty()) {
     tellFindings(recovered.undecided, "");
-    std::fflush(stdout);
     throw std::runtime_error(
         "this cannot be mended from what is stored; `tavelor recover --help` tells what to do");
   }
