@@ -26,6 +26,7 @@
 #include "tools/session.hpp"
 #include "tools/shop/built_in_day.hpp"
 #include "tools/shop/day_page.hpp"
+#include "tools/shop/papers.hpp"
 #include "tools/shop/receipt.hpp"
 #include "tools/shop/reconciliation.hpp"
 #include "tools/shop/shop.hpp"
@@ -150,7 +151,7 @@ class Replay {
     mended_ = shop_.recover();
     if (!mended_.undecided.empty()) throw shop::Disagreement(mended_.undecided);
     shop_.openTills(tills_);
-    shop_.writeMissingSlips();
+    shop::writeMissingPapers(shop::PapersOf::kLatest);
   }
 
   /// To the end of the source, or until somebody interrupts it. What is not over then stays open.
@@ -165,7 +166,10 @@ class Replay {
       if (std::find(tills_.begin(), tills_.end(), sale.till) != tills_.end()) take(sale);
       progress.at(source_.done());
     }
-    if (!Interruptible::interrupted()) closeDays(std::nullopt);
+    if (Interruptible::interrupted()) return;
+    closeDays(std::nullopt);
+    // A run that died may have closed days without their page.
+    for (const double day : days_) shop::writeMissingPage(Date(day));
   }
 
   const shop::Recovered& mended() const { return mended_; }
@@ -193,6 +197,7 @@ class Replay {
       ++known_;
     }
     open_.emplace(sale.day.days(), sale.till);
+    days_.insert(sale.day.days());
     first_ = std::min(first_.value_or(sale.day), sale.day);
     last_ = std::max(last_.value_or(sale.day), sale.day);
   }
@@ -222,6 +227,7 @@ class Replay {
   shop::Recovered mended_;
   shop::Reconciliation reconciliation_;
   std::set<std::pair<double, std::string>> open_;  // days and tills with sales, not closed
+  std::set<double> days_;                          // with sales
   std::vector<shop::Closing> closings_;
   std::string lastPage_;  // of the day closed last
   std::size_t sold_ = 0;
