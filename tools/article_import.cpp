@@ -20,6 +20,7 @@
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 #include "tools/output.hpp"
+#include "tools/typed_number.hpp"
 
 namespace tavelor::tools {
 
@@ -49,29 +50,6 @@ std::optional<bool> flagIn(std::string_view text, const Locale& numbers) {
   }
   const std::optional<double> number = parseNumber(text, numbers);
   return number ? std::optional(*number != 0) : std::nullopt;
-}
-
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
-/// Whether marks of thousands stand between groups of three digits, which nobody else asks for:
-/// under a decimal comma 2.55 would be read as 255, and a file with a decimal point be taken at a
-/// hundred times its prices.
-bool groupsFit(std::string_view text, const Locale& numbers) {
-  const std::string_view mark = numbers.thousands;
-  std::size_t at = text.find(mark);
-  if (mark.empty() || at == std::string_view::npos) return true;
-  if (text.find(numbers.decimal) < at) return false;
-  std::size_t first = at;
-  while (first > 0 && isDigit(text[first - 1])) --first;
-  if (first == at || at - first > 3 || text[first] == '0') return false;
-  for (; at != std::string_view::npos; at = text.find(mark, at + mark.size())) {
-    const std::string_view behind = text.substr(at + mark.size());
-    const auto digits = std::find_if_not(behind.begin(), behind.end(), isDigit) - behind.begin();
-    if (digits != 3) return false;
-  }
-  return true;
 }
 
 /// A row's fields as values. The first that does not read is the fault; an empty number or flag

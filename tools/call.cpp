@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: MIT
 // tavelor call: calls a member by its name.
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <string_view>
 
 #include <fmt/format.h>
 
 #include "tavelor/components.hpp"
 #include "tavelor/frame/component.hpp"
+#include "tavelor/platform/text.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 #include "tools/command.hpp"
 #include "tools/output.hpp"
 #include "tools/session.hpp"
 #include "tools/table.hpp"
+#include "tools/typed_number.hpp"
 
 namespace tavelor::tools {
 
@@ -18,10 +23,11 @@ namespace {
 
 constexpr const char* kFooter =
     R"(Arguments are texts that the member reads by the installation's locale: 1,5 is
-one and a half in Spanish. An empty one stands for what is not given, unless the
-parameter is a text. Outputs need no argument, or an empty one where an input
-follows; they are printed after the result as name = value, (empty) and (null)
-for what has no value. -- ends the options.
+one and a half in Spanish, and 1.5 would be fifteen, so it is refused where a
+number is wanted. An empty one stands for what is not given, unless the parameter
+is a text. Outputs need no argument, or an empty one where an input follows; they
+are printed after the result as name = value, (empty) and (null) for what has no
+value. -- ends the options.
 
   tavelor call ClsBancos NuevoCodigo
   tavelor call ClsBancos CrearBanco "" "Banco de Ahorro"
@@ -41,12 +47,27 @@ Variant argumentFor(const std::string& text, const Parameter* parameter) {
   return text.empty() && !takesText ? Variant() : Variant(text);
 }
 
-std::vector<Variant> argumentsFor(const Member& member, const std::vector<std::string>& texts) {
+/// Whether a member reads a typed argument as a number. One that takes anything does so, unless its
+/// name says that it is a code or a date.
+bool takesNumber(const Parameter& parameter) {
+  if (parameter.type != "Variant") {
+    constexpr std::array<std::string_view, 6> kNumbers = {"Double",  "Single", "Currency",
+                                                          "Integer", "Long",   "Byte"};
+    return std::find(kNumbers.begin(), kNumbers.end(), parameter.type) != kNumbers.end();
+  }
+  const std::string name = text::lower(parameter.name);
+  return name.find("id") == std::string::npos && !name.starts_with("dt");
+}
+
+std::vector<Variant> argumentsFor(const Member& member, const std::vector<std::string>& texts,
+                                  const Locale& locale) {
   std::vector<Variant> arguments;
   for (const std::string& text : texts) {
     const std::size_t position = arguments.size();
     const bool known = position < member.parameters.size();
-    arguments.push_back(argumentFor(text, known ? &member.parameters[position] : nullptr));
+    const Parameter* const parameter = known ? &member.parameters[position] : nullptr;
+    if (known && takesNumber(*parameter)) requireTypedNumber(parameter->name, text, locale);
+    arguments.push_back(argumentFor(text, parameter));
   }
   return arguments;
 }
@@ -100,9 +121,9 @@ void addCall(CLI::App& app, Common& common) {
   command->callback([options, command, &common] {
     const Component& called = component(options->className);
     const Member& member = called.member(options->member);
-    std::vector<Variant> arguments = argumentsFor(member, argumentTexts(*command, common));
-
     Session session(common);
+    std::vector<Variant> arguments =
+        argumentsFor(member, argumentTexts(*command, common), session.locale());
     const std::unique_ptr<Object> object = called.make();
     if (command->count("--init") > 0) initialise(called, *object, options->word, options->id);
     const Variant result = called.call(*object, options->member, arguments);

@@ -26,6 +26,7 @@
 #include "tools/session.hpp"
 #include "tools/shop/built_in_day.hpp"
 #include "tools/shop/day_page.hpp"
+#include "tools/shop/papers.hpp"
 #include "tools/shop/receipt.hpp"
 #include "tools/shop/reconciliation.hpp"
 #include "tools/shop/shop.hpp"
@@ -141,7 +142,7 @@ class Replay {
     mended_ = shop_.recover();
     if (!mended_.undecided.empty()) throw shop::Disagreement(mended_.undecided);
     shop_.openTills(tills_);
-    shop_.writeMissingSlips();
+    shop::writeMissingPapers(shop::PapersOf::kLatest);
   }
 
   /// To the end of the source, or until somebody interrupts it. What is not over then stays open.
@@ -156,7 +157,10 @@ class Replay {
       if (std::find(tills_.begin(), tills_.end(), sale.till) != tills_.end()) take(sale);
       progress.at(source_.done());
     }
-    if (!Interruptible::interrupted()) closeDays(std::nullopt);
+    if (Interruptible::interrupted()) return;
+    closeDays(std::nullopt);
+    // A run that died may have closed days without their page.
+    for (const double day : days_) shop::writeMissingPage(Date(day));
   }
 
   const shop::Recovered& mended() const { return mended_; }
@@ -184,6 +188,7 @@ class Replay {
       ++known_;
     }
     open_.emplace(sale.day.days(), sale.till);
+    days_.insert(sale.day.days());
     first_ = std::min(first_.value_or(sale.day), sale.day);
     last_ = std::max(last_.value_or(sale.day), sale.day);
   }
@@ -213,6 +218,7 @@ class Replay {
   shop::Recovered mended_;
   shop::Reconciliation reconciliation_;
   std::set<std::pair<double, std::string>> open_;  // days and tills with sales, not closed
+  std::set<double> days_;                          // with sales
   std::vector<shop::Closing> closings_;
   std::string lastPage_;  // of the day closed last
   std::size_t sold_ = 0;
@@ -279,8 +285,8 @@ void tellReconciliation(shop::Reconciliation& reconciliation, const Locale& loca
                                   ? ""
                                   : fmt::format("till {}, {}, ", printable(difference.till),
                                                 shop::isoDay(difference.day));
-    fmt::print(stderr, "{}{}: {}\n", where, Reconciliation::kNames[difference.place],
-               difference.what);
+    complain(fmt::format("{}{}: {}\n", where, Reconciliation::kNames[difference.place],
+                         difference.what));
   }
   throw FileError(fmt::format("{} between the sales and the shop",
                               counted(differences.size(), "difference", "differences")));
@@ -329,7 +335,7 @@ void replay(const DayOptions& options, const Common& common) {
   requireTills(options);
   const std::vector<std::string>& own = options.only.empty() ? options.tills : options.only;
   const std::unique_ptr<Source> source = sourceOf(options);
-  Refusals refusals(options.report, options.sales);
+  Refusals refusals(options.report, options.sales, session.installation());
 
   const auto began = std::chrono::steady_clock::now();
   Replay replay(*source, refusals, own);

@@ -13,6 +13,7 @@
 #include "tools/output.hpp"
 #include "tools/session.hpp"
 #include "tools/table.hpp"
+#include "tools/typed_number.hpp"
 
 namespace tavelor::tools {
 
@@ -21,9 +22,10 @@ namespace {
 constexpr const char* kFooter =
     R"(The row is opened by IniciaRs, changed through the record set and written by
 Update, as a form does it. COLUMN is a name as browse shows it; VALUE is read by
-the locale and the column's type, and nothing behind the = is Null. Where the
-mode does not look for the ID, or finds several rows, it is the row whose first
-column is the ID.
+the locale and the column's type, and nothing behind the = is Null. A number that
+reads only by dropping a mark, as 9.95 under a decimal comma, is refused. Where
+the mode does not look for the ID, or finds several rows, it is the row whose
+first column is the ID.
 
   tavelor edit ClsBancos --id 00001 "Dirección=Calle Mayor 1" Predeterminada=True
   tavelor edit ClsBancos --add "Descripción=Caja Rural"
@@ -94,6 +96,32 @@ void leaveOne(Recordset& rows, const EditOptions& options, const ClassInfo& info
   rows.Filter(found);
 }
 
+bool isNumber(DataType type) {
+  switch (type) {
+    case DataType::kByte:
+    case DataType::kInt16:
+    case DataType::kInt32:
+    case DataType::kInt64:
+    case DataType::kSingle:
+    case DataType::kDouble:
+    case DataType::kCurrency:
+    case DataType::kDecimal:
+    case DataType::kNumeric:
+      return true;
+    default:
+      return false;
+  }
+}
+
+void assign(Recordset& rows, const Assignment& assignment, const Locale& locale) {
+  Field field = rows.Field(assignment.column);
+  if (isNumber(static_cast<DataType>(field.Type()))) {
+    const std::string typed = shown(assignment.value, locale);
+    requireTypedNumber(assignment.column, typed, locale);
+  }
+  field.Value(assignment.value);
+}
+
 void edit(const EditOptions& options, const std::vector<Assignment>& assignments,
           const Common& common) {
   const Component& edited = component(options.className);
@@ -112,7 +140,7 @@ void edit(const EditOptions& options, const std::vector<Assignment>& assignments
     return;
   }
   if (options.add) callPlain(edited, *object, "AddNew", {Variant(true)});
-  for (const Assignment& each : assignments) rows->Field(each.column).Value(each.value);
+  for (const Assignment& each : assignments) assign(*rows, each, session.locale());
   callPlain(edited, *object, "Update");
   rows->Filter(std::vector{rows->Bookmark()});
   printRows(*rows, session.locale(), options.table, Style(common.color, stdout));

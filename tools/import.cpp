@@ -186,7 +186,7 @@ void importArticles(const ImportOptions& options, const Common& common) {
   Session session(common);
   const std::shared_ptr<const Locale> numbers = numbersOf(options.decimal, session);
   const std::uint64_t total = countRows(options);
-  Refusals refusals(options.report, options.file);
+  Refusals refusals(options.report, options.file, session.installation());
   ArticleImport import(sources, file.columns().size(), *numbers);
 
   takeRows(file, import, refusals, total);

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <lzma.h>
 #include <sys/stat.h>
@@ -34,11 +35,17 @@ struct Closer {
 /// Blocks of the file as they are, or of what is compressed in it.
 class InputFile::Source {
  public:
-  explicit Source(const std::string& path) : file_(std::fopen(path.c_str(), "rb")) {
+  explicit Source(const std::string& path) {
+    // Without waiting: a pipe would be opened only when somebody writes into it.
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor >= 0) file_.reset(fdopen(descriptor, "rb"));
     if (!file_) throw FileError(fmt::format("{}: {}", printable(path), std::strerror(errno)));
     struct stat status = {};
-    if (fstat(fileno(file_.get()), &status) == 0 &&
-        (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode) || S_ISCHR(status.st_mode))) {
+    fstat(descriptor, &status);
+    if (S_ISDIR(status.st_mode)) {
+      throw FileError(fmt::format("{}: it is a folder", printable(path)));
+    }
+    if (!S_ISREG(status.st_mode)) {
       throw FileError(fmt::format("{}: it is read twice, so save it as a file", printable(path)));
     }
     readRaw();

@@ -3,9 +3,12 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/text.hpp"
@@ -81,10 +84,21 @@ std::vector<std::string> takeLiteral(std::vector<std::string>& arguments) {
   return literal;
 }
 
+/// A standard stream that the shell has closed leaves its number to the next file that is opened,
+/// and a message would be written into a database or a report. Its place is taken by what refuses
+/// to be written, or read.
+void occupyStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) != -1) continue;
+    // The lowest free number is given, and those below are in use.
+    if (open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY) != stream) std::abort();
+  }
+}
+
 /// What was printed must have arrived: a full disk is no success.
 int flushed(int code) {
   if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return code;
-  std::fputs("tavelor: the output cannot be written\n", stderr);
+  complain("tavelor: the output cannot be written\n");
   return kFailed;
 }
 
@@ -101,13 +115,14 @@ int run(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? flushed(kDone) : kMisused;
   } catch (const UsageError& error) {
-    fmt::print(stderr, "tavelor: {}\n", error.what());
+    complain(fmt::format("tavelor: {}\n", error.what()));
     return kMisused;
   } catch (const Error& error) {
     std::fflush(stdout);  // what was found before the error comes before it
     printError(error, Style(common.color, stderr));
   } catch (const std::exception& error) {
-    fmt::print(stderr, "tavelor: {}\n", error.what());
+    if (flushed(kDone) != kDone) return kFailed;  // of which the error may be the consequence
+    complain(fmt::format("tavelor: {}\n", error.what()));
   }
   return kFailed;
 }
@@ -134,5 +149,6 @@ std::vector<std::string> argumentTexts(const CLI::App& command, const Common& co
 }  // namespace tavelor::tools
 
 int main(int argc, char** argv) {
+  tavelor::tools::occupyStandardStreams();
   return tavelor::tools::run(argc, argv);
 }

@@ -76,6 +76,10 @@ std::string shown(const Variant& value, const Locale& locale) {
   return value.toText(locale);
 }
 
+void complain(const std::string& text) {
+  std::fputs(text.c_str(), stderr);
+}
+
 void printError(const Error& error, const Style& style) {
   std::string message = style.red(fmt::format("Error {}", error.number()));
   if (!error.source().empty()) message += fmt::format(" from {}", printable(error.source()));
@@ -90,7 +94,7 @@ void printError(const Error& error, const Style& style) {
     const std::string_view head = text::left(line, kShownWidth);
     message += fmt::format("  {}{}\n", head, head.size() < line.size() ? " …" : "");
   }
-  std::fputs(message.c_str(), stderr);
+  complain(message);
 }
 
 }  // namespace tavelor::tools

@@ -34,6 +34,10 @@ std::string printable(std::string_view text);
 /// A value as a table or a script shows it: "" for Null and Empty, the type's name for an object.
 std::string shown(const Variant& value, const Locale& locale);
 
+/// Writes to standard error. What cannot be written there, closed or full, is lost without a word:
+/// there is no other place to tell it, and the work goes on.
+void complain(const std::string& text);
+
 /// Number, source and description on standard error, and the statement with the place marked.
 void printError(const Error& error, const Style& style);
 

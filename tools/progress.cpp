@@ -40,9 +40,10 @@ void Progress::at(std::uint64_t done) {
   const double left = static_cast<double>(total_ - std::min(done, total_)) / std::max(rate, 1e-9);
   const auto filled = static_cast<std::size_t>(
       static_cast<double>(kBar) * static_cast<double>(done) / static_cast<double>(total_));
-  fmt::print(stream_, "\r[{:<{}}] {:3} %  {:.0f} rows/s  {} left\x1b[K",
-             std::string(std::min(filled, kBar), '='), kBar, 100 * done / total_, rate,
-             timeLeft(left));
+  const std::string line = fmt::format("\r[{:<{}}] {:3} %  {:.0f} rows/s  {} left\x1b[K",
+                                       std::string(std::min(filled, kBar), '='), kBar,
+                                       100 * done / total_, rate, timeLeft(left));
+  std::fputs(line.c_str(), stream_);
   std::fflush(stream_);
 }
 

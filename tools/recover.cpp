@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // tavelor recover: mends what a program that died in the middle has left.
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <memory>
 #include <stdexcept>
 
@@ -10,6 +9,7 @@
 #include "tools/command.hpp"
 #include "tools/output.hpp"
 #include "tools/session.hpp"
+#include "tools/shop/papers.hpp"
 #include "tools/shop/shop.hpp"
 
 namespace tavelor::tools {
@@ -25,6 +25,9 @@ database that has lost its latest changes. Here
   a closing whose tickets are open      is taken back; the next closing takes them
   closed tickets without their closing  have it written again
   a closing without its slip            has it written
+  a day without its page                has it written, as has one whose page does
+                                        not know the last closing
+  the half of a file                    is removed
 
 The next sale or closing does the first three by itself. All tickets and closings
 there are are looked at. What is stored cannot mend the rest: movements of stock
@@ -79,16 +82,17 @@ void recover(const RecoverOptions& options, const Common& common) {
                recovered.unused->first, recovered.unused->second);
   }
   // What is undecided may still change what slips and pages tell.
-  std::vector<std::string> files;
-  if (recovered.undecided.empty()) files = shop.writeMissingSlips();
-  for (const std::string& file : files) fmt::print("{}: written\n", file);
+  shop::Papers papers;
+  if (recovered.undecided.empty()) papers = shop::writeMissingPapers(shop::PapersOf::kAll);
+  for (const std::string& file : papers.removed) fmt::print("{}: removed\n", printable(file));
+  for (const std::string& file : papers.written) fmt::print("{}: written\n", printable(file));
   if (!recovered.undecided.empty()) {
     tellFindings(recovered.undecided, "");
-    std::fflush(stdout);
     throw std::runtime_error(
         "this cannot be mended from what is stored; `tavelor recover --help` tells what to do");
   }
-  if (!recovered.hasMended() && files.empty()) fmt::print("Nothing to mend.\n");
+  if (!recovered.hasMended() && papers.written.empty() && papers.removed.empty())
+    fmt::print("Nothing to mend.\n");
 }
 
 }  // namespace

@@ -2,11 +2,8 @@
 // Rows of a file that were not taken.
 #include "tools/refusals.hpp"
 
-#include <filesystem>
-
 #include <fmt/format.h>
 
-#include "tools/command.hpp"
 #include "tools/input_file.hpp"
 #include "tools/output.hpp"
 
@@ -25,36 +22,34 @@ std::string quoted(const std::string& text) {
 
 }  // namespace
 
-Refusals::Refusals(const std::string& file, const std::string& input) : path_(file) {
+Refusals::Refusals(const std::string& file, const std::string& input, const Installation& shop)
+    : path_(file) {
   if (file.empty()) return;
-  std::error_code unknown;
-  if (std::filesystem::equivalent(file, input, unknown)) {
-    throw UsageError(fmt::format("{}: the report would replace what it is about", printable(file)));
-  }
-  file_.reset(std::fopen(file.c_str(), "wb"));
-  if (!file_) throw FileError(fmt::format("{}: the report cannot be written", printable(file)));
-  fmt::print(file_.get(), "line,code,reason\n");
+  file_ = beginOutput("--report", file, "line,code,reason\n", input, shop);
+}
+
+/// Whether it arrived is asked at the end: a full disk must not end what is reported on.
+void Refusals::write(const std::string& text) {
+  if (file_) std::fputs(text.c_str(), file_.get());
 }
 
 void Refusals::add(const std::vector<Refusal>& refusals) {
   for (const Refusal& refusal : refusals) {
     if (shown_.size() < kShown) shown_.push_back(refusal);
     ++count_;
-    if (!file_) continue;
-    fmt::print(file_.get(), "{},{},{}\n", refusal.line, quoted(refusal.code),
-               quoted(refusal.reason));
+    write(fmt::format("{},{},{}\n", refusal.line, quoted(refusal.code), quoted(refusal.reason)));
   }
 }
 
 void Refusals::print() const {
   for (const Refusal& refusal : shown_) {
-    fmt::print(stderr, "line {}, {}: {}\n", refusal.line,
-               refusal.code.empty() ? "no code" : printable(refusal.code),
-               printable(refusal.reason));
+    complain(fmt::format("line {}, {}: {}\n", refusal.line,
+                         refusal.code.empty() ? "no code" : printable(refusal.code),
+                         printable(refusal.reason)));
   }
   if (count_ > shown_.size()) {
-    fmt::print(stderr, "and {} rows more{}\n", count_ - shown_.size(),
-               path_.empty() ? "; --report FILE writes them all" : "");
+    complain(fmt::format("and {} rows more{}\n", count_ - shown_.size(),
+                         path_.empty() ? "; --report FILE writes them all" : ""));
   }
   if (file_ && (std::fflush(file_.get()) != 0 || std::ferror(file_.get()) != 0)) {
     throw FileError(fmt::format("{}: the report cannot be written", printable(path_)));

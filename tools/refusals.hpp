@@ -3,10 +3,10 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
-#include <memory>
 #include <string>
 #include <vector>
+
+#include "tools/output_file.hpp"
 
 namespace tavelor::tools {
 
@@ -20,9 +20,8 @@ struct Refusal {
 /// Shows the first refusals and writes all of them to a file, when there is one.
 class Refusals {
  public:
-  /// `file` "" for none; `input` is the file that the rows come from. Raises FileError for one that
-  /// cannot be written, UsageError for writing over the input.
-  Refusals(const std::string& file, const std::string& input);
+  /// `file` "" for none; `input` is the file that the rows come from. Errors: those of beginOutput.
+  Refusals(const std::string& file, const std::string& input, const Installation& shop);
 
   void add(const std::vector<Refusal>& refusals);
   std::uint64_t count() const { return count_; }
@@ -31,12 +30,10 @@ class Refusals {
 
  private:
   static constexpr std::size_t kShown = 20;
-  struct Closer {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-  };
+  void write(const std::string& text);
 
   std::string path_;
-  std::unique_ptr<std::FILE, Closer> file_;
+  OutputFile file_;
   std::vector<Refusal> shown_;
   std::uint64_t count_ = 0;
 };

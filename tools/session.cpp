@@ -14,6 +14,7 @@
 
 #include "tavelor/frame/component.hpp"
 #include "tavelor/platform/error.hpp"
+#include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/installation.hpp"
 #include "tavelor/services/prompt_global.hpp"
@@ -31,7 +32,7 @@ class TerminalPrompts final : public PromptHandler {
  public:
   void message(const Prompt& prompt) override { print(prompt, "\n"); }
   Variant askInput(const std::string& prompt) override {
-    fmt::print(stderr, "{} ", prompt);
+    complain(fmt::format("{} ", prompt));
     return answer();
   }
   bool question(const Prompt& prompt) override {
@@ -45,8 +46,8 @@ class TerminalPrompts final : public PromptHandler {
 
  private:
   static void print(const Prompt& prompt, std::string_view end) {
-    fmt::print(stderr, "{}{}{}{}", prompt.title, prompt.title.empty() ? "" : ": ", prompt.text,
-               end);
+    complain(
+        fmt::format("{}{}{}{}", prompt.title, prompt.title.empty() ? "" : ": ", prompt.text, end));
   }
   static std::string answer() {
     std::string line;
@@ -64,10 +65,13 @@ std::shared_ptr<Installation> openInstallation(const Common& common) {
   folder = std::filesystem::absolute(folder).lexically_normal();
   if (!folder.has_filename()) folder = folder.parent_path();
 
-  std::error_code ignored;
+  std::error_code fault;
   const auto settings = folder / Installation::kSettingsFile;
-  if (std::filesystem::exists(std::filesystem::symlink_status(settings, ignored))) {
-    return Installation::open(folder);
+  const auto status = std::filesystem::symlink_status(settings, fault);
+  if (std::filesystem::exists(status)) return Installation::open(folder);
+  if (status.type() != std::filesystem::file_type::not_found) {
+    raise(errors::kPathAccess, "tavelor",
+          fmt::format("{} cannot be looked at: {}.", settings.string(), fault.message()));
   }
   raise(errors::kFileNotFound, "tavelor",
         fmt::format("There is no installation in {}: {} is missing. Make one with `tavelor new`, "
@@ -86,8 +90,8 @@ void Session::showTrace() {
     const std::string end = entry.error == 0
                                 ? fmt::format("{} row{}", entry.rows, entry.rows == 1 ? "" : "s")
                                 : fmt::format("error {}", entry.error);
-    fmt::print(stderr, "[{}] {} µs, {}: {}\n", installation().database(entry.selector).label,
-               entry.microseconds, end, printable(entry.text));
+    complain(fmt::format("[{}] {} µs, {}: {}\n", installation().database(entry.selector).label,
+                         entry.microseconds, end, printable(entry.text)));
   });
 }
 
@@ -108,7 +112,7 @@ void initialise(const Component& component, Object& object, const std::string& w
   for (const Parameter& parameter : component.member("IniciaRs").parameters) {
     Variant argument;
     if (parameter.name == "sSelecSql") argument = Variant(word);
-    if (parameter.name == "id") argument = Variant(id);
+    if (parameter.name == "id") argument = Variant(doubledQuotes(id));
     arguments.push_back(std::move(argument));
   }
   component.call(object, "IniciaRs", arguments);

@@ -16,6 +16,7 @@
 #include "tavelor/articles/articulos_mov_almacen.hpp"
 #include "tavelor/frame/reading.hpp"
 #include "tavelor/platform/number_text.hpp"
+#include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/data_session.hpp"
@@ -85,7 +86,8 @@ struct Stock {
 
 class StockReader {
  public:
-  StockReader(const std::string& code, const Locale& locale) : code_(code), locale_(locale) {}
+  StockReader(const std::string& code, const Locale& locale)
+      : code_(doubledQuotes(code)), locale_(locale) {}
 
   Stock read() {
     Stock stock;
@@ -165,7 +167,7 @@ class StockReader {
     }
   }
 
-  std::string code_;
+  std::string code_;  // as a statement and the classes take it
   const Locale& locale_;
   ConnectionPtr connection_;
 };

@@ -4,6 +4,7 @@
 #include <deque>
 #include <filesystem>
 #include <fstream>
+#include <system_error>
 
 #include <fmt/format.h>
 
@@ -11,6 +12,7 @@
 #include "tavelor/services/installation.hpp"
 #include "tools/command.hpp"
 #include "tools/output.hpp"
+#include "tools/output_file.hpp"
 #include "tools/session.hpp"
 #include "tools/table.hpp"
 
@@ -42,8 +44,13 @@ void change(const Installation& installation, const TraceOptions& options) {
   if (!options.file.empty()) settings.traceFile = options.file;
   if (settings.traceFile.empty()) settings.traceFile = kUsualFile;
   const auto path = std::filesystem::path(installation.folder()) / settings.traceFile;
-  // Programs lose what they cannot write without a word, so it is told here.
-  if (settings.trace && !std::ofstream(path, std::ios::app)) {
+  const bool isKnown = settings.traceFile == installation.settings().traceFile;
+  if (settings.trace && !isKnown) requireForeign("--file", path.string(), installation);
+  // Programs lose what they cannot write without a word, or wait at a pipe, so it is told here.
+  std::error_code unknown;
+  const bool isFile =
+      !std::filesystem::exists(path, unknown) || std::filesystem::is_regular_file(path, unknown);
+  if (settings.trace && (!isFile || !std::ofstream(path, std::ios::app))) {
     raise(errors::kPathAccess, "tavelor",
           fmt::format("The trace file {} cannot be written.", path.string()));
   }

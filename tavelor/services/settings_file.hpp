@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tavelor {
 
@@ -27,5 +28,8 @@ void writeSettings(const std::filesystem::path& file, const Settings& settings);
 /// Puts a file in its place in one step: a temporary one beside it, flushed to the disk, renamed
 /// over it. Raises 75; the old file is untouched then.
 void replaceFile(const std::filesystem::path& file, std::string_view content);
+/// Removes the temporary files that programs have left in a folder by dying over replaceFile; those
+/// of programs that run stay. Gives their paths. Never raises: what cannot be removed stays.
+std::vector<std::string> removeUnfinished(const std::filesystem::path& folder);
 
 }  // namespace tavelor

@@ -33,6 +33,10 @@ while (( killed < count )); do
   grep -q '^mended' "$work/out" && mended=$(( mended + 1 ))
   state "$work/shop" >"$work/found"
   diff "$work/expected" "$work/found" || fail "after $killed kills the shop differs"
+  for page in "$work"/peace/export/day-*.htm; do
+    [[ -s $work/shop/export/${page##*/} ]] || fail "after $killed kills a day has no page"
+  done
+  find "$work/shop" -name '*.new-*' | grep -q . && fail "after $killed kills the half of a file is left"
   "$program" recover "$work/shop" | grep -q '^Nothing to mend' || fail "something is left to mend"
 done
 printf '%d kills; %d times a sale or a closing between the two databases was mended\n' "$killed" "$mended"

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tavelor/services/trace.hpp"
 #include "tests/shop/lives.hpp"
 #include "tools/shop/audit.hpp"
 #include "tools/shop/decisions.hpp"
@@ -18,6 +19,7 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 
 using Kind = Finding::Kind;
 
@@ -365,6 +367,27 @@ TEST_F(LossTest, TicketsOfAnotherSeriesNeedNoMovements) {
     Shop shop;
     shop.sell(saleOf("V1"));
     EXPECT_THAT(shop.recoverAll().undecided, IsEmpty());
+  });
+}
+
+// ---------------------------------------------------------------------------------------------
+// What it costs
+
+TEST_F(LossTest, WhereTheNumbersAgreeNoOtherTicketIsLookedAt) {
+  live([&] {
+    Shop shop;
+    shop.sell(saleOf("V1"));
+    shop.close("01", kDay);
+    StatementTrace& trace = Apartment::current().trace();
+    trace.turn(true);
+    shop.sell(saleOf("V2"));
+    shop.close("01", kDay);
+    for (const TraceEntry& entry : trace.entries()) {
+      EXPECT_THAT(entry.text, Not(HasSubstr("Doc_E >="))) << "movements of a span of tickets";
+      EXPECT_THAT(entry.text, Not(HasSubstr("Numero >="))) << "a span of tickets";
+      if (entry.text.find("Cierre >=") == std::string::npos) continue;
+      EXPECT_THAT(entry.text, HasSubstr(">= 2 ")) << "closings behind the last one of history";
+    }
   });
 }
 

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <iterator>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -142,12 +143,20 @@ class DayPage {
                : "del " + text_.day(figures_.first) + " al " + text_.day(figures_.last);
   }
 
+  /// Pages of several days are made when they are asked for, and never looked at again.
+  std::string mark() const {
+    if (figures_.first != figures_.last) return {};
+    std::vector<double> closings;
+    for (const ClosingFigures& each : figures_.closings) closings.push_back(each.number);
+    return closingsMark(std::move(closings)) + "\n";
+  }
+
   void begin() {
     const std::string shop = escaped(figures_.shop);
     put("<!DOCTYPE html>\n<html lang=\"es\">\n<head>\n<meta charset=\"utf-8\">\n"
         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-        "<title>{} · ventas {}</title>\n<style>\n{}{}{}</style>\n</head>\n<body>\n<main>\n",
-        shop, when(), kStyle, chartStyle(), kNarrowStyle);
+        "{}<title>{} · ventas {}</title>\n<style>\n{}{}{}</style>\n</head>\n<body>\n<main>\n",
+        mark(), shop, when(), kStyle, chartStyle(), kNarrowStyle);
     put("<header><p>Ventas · {}</p><h1>{}</h1></header>\n", when(), shop);
   }
 
@@ -477,6 +486,17 @@ std::string fileName(Date first, Date last) {
 
 std::string dayPage(const PageFigures& figures) {
   return DayPage(figures).make();
+}
+
+std::string dayPagePath(Date day) {
+  return DataSession().ExportPath(fileName(day, day));
+}
+
+std::string closingsMark(std::vector<double> closings) {
+  std::sort(closings.begin(), closings.end());
+  std::string mark(kClosingsMark);
+  for (const double closing : closings) mark += fmt::format(" {:.0f}", closing);
+  return mark + "\">";
 }
 
 std::string writeDayPage(Date first, Date last) {

@@ -17,6 +17,7 @@
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/format_global.hpp"
 #include "tavelor/services/recordset/connection.hpp"
+#include "tavelor/services/settings_file.hpp"
 #include "tools/shop/rows.hpp"
 
 namespace tavelor::shop {
@@ -134,6 +135,14 @@ std::vector<std::string> slipText(double closing) {
 
 std::string slipPath(double closing) {
   return DataSession().ReportPath(fmt::format("Cierre_{:06.0f}.txt", closing));
+}
+
+std::string writeSlip(double closing) {
+  std::string slip;
+  for (const std::string& line : slipText(closing)) slip += line + "\n";
+  std::string path = slipPath(closing);
+  replaceFile(path, slip);
+  return path;
 }
 
 }  // namespace tavelor::shop

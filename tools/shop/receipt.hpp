@@ -18,5 +18,8 @@ std::vector<std::string> slipText(double closing);
 
 /// Where the slip of a closing lies.
 std::string slipPath(double closing);
+/// Writes it there, in the place of an earlier one, and gives the path. Raises 75 when it cannot be
+/// written; the earlier one is untouched then.
+std::string writeSlip(double closing);
 
 }  // namespace tavelor::shop

@@ -94,10 +94,10 @@ std::optional<double> Shop::sell(const Sale& sale) {
   try {
     BothDatabases transaction(main_, documents_);
     Recovered recovered;
-    startCounters(transaction, recovered);
+    const Counters counters = startedCounters(transaction, recovered);
     refuseLosses(recovered);
     if (isSold(sale.reference)) return std::nullopt;
-    const Counters next = settle(recovered);
+    const Counters next = settle(counters, recovered);
     refuseLosses(recovered);
     writeTicket(sale, next.a);
     moveStock(sale, next.a);

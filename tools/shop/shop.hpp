@@ -105,10 +105,6 @@ class Shop {
   /// decided about what cannot be mended.
   Recovered recoverAll(Decision decision = Decision::kNone);
 
-  /// Writes the slips that are not there, as after a death between a closing and its slip. Gives
-  /// their paths.
-  std::vector<std::string> writeMissingSlips();
-
  private:
   /// The next number of each series.
   struct Counters {
@@ -135,11 +131,10 @@ class Shop {
   double writeClosing(double closing, const std::string& till, Date day);
   void writeDetails(double closing, const CollectionTickets& payments);
   void moveToHistory(double closing);
-  void writeSlip(double closing);
 
   Recovered mend(Extent extent);
-  void startCounters(BothDatabases& transaction, Recovered& recovered);
-  Counters settle(Recovered& recovered);
+  Counters startedCounters(BothDatabases& transaction, Recovered& recovered);
+  Counters settle(Counters next, Recovered& recovered);
   Counters storedCounters();
   void settleClosings(Extent extent, Recovered& recovered);
   void finishSales(double first, Recovered& recovered);

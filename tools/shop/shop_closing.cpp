@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The closing of a till, and its slip.
-#include <filesystem>
-
 #include "tavelor/platform/quotes.hpp"
 #include "tavelor/sales/registros_tickets.hpp"
-#include "tavelor/services/settings_file.hpp"
 #include "tools/shop/receipt.hpp"
 #include "tools/shop/shop.hpp"
 #include "tools/shop/shop_inner.hpp"
@@ -28,9 +25,9 @@ std::optional<Closing> Shop::close(const std::string& till, Date day) {
   {
     BothDatabases transaction(main_, documents_);
     Recovered recovered;
-    startCounters(transaction, recovered);
+    const Counters counters = startedCounters(transaction, recovered);
     refuseLosses(recovered);
-    settle(recovered);
+    settle(counters, recovered);
     refuseLosses(recovered);
     settleClosings(Extent::kTail, recovered);
     refuseLosses(recovered);
@@ -147,28 +144,6 @@ void Shop::moveToHistory(double closing) {
   lines_.Mover_A_Historicos(closing, documents_);
   headers_.Mover_A_Historicos(closing, documents_);
   comments_.Mover_A_Historicos(closing, documents_);
-}
-
-// ---------------------------------------------------------------------------------------------
-// Slips
-
-void Shop::writeSlip(double closing) {
-  std::string slip;
-  for (const std::string& line : slipText(closing)) slip += line + "\n";
-  replaceFile(slipPath(closing), slip);
-}
-
-std::vector<std::string> Shop::writeMissingSlips() {
-  std::vector<std::string> written;
-  ConnectionPtr connection = DataSession().OpenConnection(selector::kMain);
-  const Statement statement("SELECT Codigo FROM Cierres ORDER BY Codigo");
-  for (const double closing : numbersOf(selector::kMain, statement, "Codigo", connection)) {
-    const std::string path = slipPath(closing);
-    if (std::filesystem::exists(path)) continue;
-    writeSlip(closing);
-    written.push_back(path);
-  }
-  return written;
 }
 
 }  // namespace tavelor::shop

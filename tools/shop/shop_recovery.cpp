@@ -66,8 +66,8 @@ Recovered Shop::mend(Extent extent) {
   openTickets();
   Recovered recovered;
   BothDatabases transaction(main_, documents_);
-  startCounters(transaction, recovered);
-  if (recovered.undecided.empty()) settle(recovered);
+  const Counters counters = startedCounters(transaction, recovered);
+  if (recovered.undecided.empty()) settle(counters, recovered);
   if (recovered.undecided.empty()) settleClosings(extent, recovered);
   transaction.commit(BothDatabases::First::kMain);
   return recovered;
@@ -78,8 +78,7 @@ Recovered Shop::mend(Extent extent) {
 
 /// The next numbers, of which that of the series in use is free. Tickets that are ahead of the
 /// counter may not have moved their stock; movements that are ahead of the tickets have lost them.
-Shop::Counters Shop::settle(Recovered& recovered) {
-  Counters next = storedCounters();
+Shop::Counters Shop::settle(Counters next, Recovered& recovered) {
   const double written = number(tickets_.NuevoCodigo(kSeries, documents_));
   if (next.a == written) {
     // The road of every sale: nothing is open.
@@ -101,19 +100,20 @@ Shop::Counters Shop::storedCounters() {
   return next;
 }
 
-/// A period that has no numbers gets them from the tickets, and they are stored before anything
-/// else is: only where a counter stands can a ticket be ahead of it. Whether one is nevertheless,
-/// as where the main database is of a time before the counters, is asked first: then none are
-/// stored.
-void Shop::startCounters(BothDatabases& transaction, Recovered& recovered) {
+/// The next numbers by the counters alone. A period that has none gets them from the tickets, and
+/// they are stored before anything else is: only where a counter stands can a ticket be ahead of
+/// it. Whether one is nevertheless, as where the main database is of a time before the counters, is
+/// asked first: then none are stored.
+Shop::Counters Shop::startedCounters(BothDatabases& transaction, Recovered& recovered) {
   const Counters next = storedCounters();
-  if (next.a != kUnused && next.b != kUnused && next.c != kUnused) return;
+  if (next.a != kUnused && next.b != kUnused && next.c != kUnused) return next;
   const double last = number(tickets_.NuevoCodigo(kSeries, documents_)) - 1;
   recovered.undecided = Decisions::open(Audit(main_, documents_).tickets(last, Audit::kNoEnd));
-  if (!recovered.undecided.empty()) return;
+  if (!recovered.undecided.empty()) return next;
   tickets_.UpdateNumerador(main_);
   transaction.commit(BothDatabases::First::kMain);
   transaction.begin();
+  return storedCounters();
 }
 
 /// Of the tickets from `first` on. Some may be whole: those of another period, where somebody has
