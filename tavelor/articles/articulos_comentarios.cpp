@@ -37,7 +37,7 @@ const Component& ClsArticulosComentarios::component() {
   static const Component table(
       "ClsArticulosComentarios", "{6B1F0A52-3C4D-4E8B-9A57-21D0C7E4B60A}", kInfo.word,
       []() -> std::unique_ptr<Object> { return std::make_unique<ClsArticulosComentarios>(); },
-      slots());
+      slots({}));
   return table;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "tavelor/frame/record_class.hpp"
 
@@ -39,7 +40,7 @@ class Comments : public OpensOnConnection {
   Comments(const ClassInfo& info, CommentKeys keys) : OpensOnConnection(info), keys_(keys) {}
 
   /// The slots of a class of comments; `own` are those before DeleteAll.
-  static std::vector<Member> slots(std::vector<Member> own = {});
+  static std::vector<Member> slots(std::vector<Member> own);
 
  private:
   const CommentKeys keys_;
