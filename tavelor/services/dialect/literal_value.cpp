@@ -120,10 +120,10 @@ Value moneyOf(const Lifted& number, std::string_view plain, const Parameter& par
     return Value::ofCurrency(Currency::fromScaled(number.whole * Currency::kScale));
   }
   std::optional<std::int64_t> scaled;
-  if (const int decimals = number.decimals; decimals >= 0 && decimals <= 4) {
+  if (number.decimals >= 0 && number.decimals <= 4) {
     // Its digits are 15 at most.
     std::int64_t product = 0;
-    const std::int64_t toScale = kToScale[static_cast<std::size_t>(decimals)];
+    const std::int64_t toScale = kToScale[static_cast<unsigned char>(number.decimals)];
     if (!__builtin_mul_overflow(number.whole, toScale, &product)) scaled = product;
   } else {
     std::string written(plain.empty() ? number.text : plain);
