@@ -4,10 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "tavelor/platform/variant.hpp"
@@ -35,7 +35,7 @@ class KeyedObjects {
   std::size_t find(const Variant& which) const;
 
   std::vector<Entry> entries_;
-  std::unordered_map<std::string, std::size_t> places_;  // by the folded key
+  std::map<std::string, std::size_t> places_;  // by the folded key
 };
 
 /// What a collection class has beside Add: its `Element`s are found, counted and removed as

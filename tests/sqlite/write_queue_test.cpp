@@ -392,8 +392,38 @@ TEST_F(WriteQueueThreads, MayBeUsedByWhoeverMayWriteTheDatabase) {
   const std::string shared = folder.file("shared.db");
   openNew(shared);
   ASSERT_EQ(::chmod(shared.c_str(), 0660), 0);
-  openExisting(shared)->execute("CREATE TABLE T (A INTEGER)");
+  const auto session = openExisting(shared);
+  session->execute("CREATE TABLE T (A INTEGER)");
   EXPECT_EQ(modeOf(shared + "-queue"), 0660U);
+}
+
+TEST_F(WriteQueueThreads, GoesWithItsLastUser) {
+  auto second = openExisting(path);
+  second->execute("INSERT INTO T (A) VALUES (1)");
+  holder.reset();
+  EXPECT_TRUE(std::filesystem::exists(path + "-queue"));
+  second.reset();
+  EXPECT_FALSE(std::filesystem::exists(path + "-queue"));
+  holder = openExisting(path);
+  holder->begin();
+  startThread(2);
+  holder->commit();
+  joinAll();
+  EXPECT_THAT(marks(), ElementsAre(1, 2));
+}
+
+// Each of them opens the file, takes it away or finds it taken away.
+TEST_F(WriteQueueThreads, ManyThatComeAndGoLoseNothing) {
+  constexpr int kEach = 40;
+  holder.reset();
+  for (int thread = 0; thread < 4; ++thread) {
+    threads.emplace_back([this] {
+      for (int i = 0; i < kEach; ++i) write(i);
+    });
+  }
+  joinAll();
+  holder = openExisting(path);
+  EXPECT_EQ(marks().size(), 4U * kEach);
 }
 
 TEST_F(WriteQueueThreads, WhereThereCanBeNoneTheEnginesOwnWaitIsLeft) {

@@ -39,7 +39,7 @@ constexpr milliseconds kLook{20};
 constexpr std::size_t kPlaces = 256;
 // Its byte is still a place in a file.
 constexpr std::uint64_t kLastTicket = std::uint64_t{1} << 62U;
-// So often a number that somebody is just taking is tried before it is passed over.
+// So often a number that somebody is just taking, or a file that somebody takes away, is tried.
 constexpr int kTries = 1000;
 
 /// Names a thread among those of all processes. Another one after a fork.
@@ -95,21 +95,29 @@ class QueueFile {
     struct stat database {};
     if (::stat(databasePath.c_str(), &database) != 0) return nullptr;
     const mode_t mode = database.st_mode & 0666;
-    const std::string path = databasePath + "-queue";
-    constexpr int kFlags = O_RDWR | O_CLOEXEC | O_NOFOLLOW;
-    int descriptor = ::open(path.c_str(), kFlags);
-    if (descriptor < 0 && errno == ENOENT) {
-      descriptor = ::open(path.c_str(), kFlags | O_CREAT, mode);
-      // Whoever may write the database may queue, whatever this process masks.
-      if (descriptor >= 0 && ::fchmod(descriptor, mode) != 0) errno = 0;
+    for (int tries = 0; tries < kTries; ++tries) {
+      std::shared_ptr<QueueFile> file(new QueueFile(databasePath + "-queue"));
+      if (!file->openDescriptor(mode)) return nullptr;
+      switch (file->join()) {
+        case Locking::kDone:
+          return file->map() ? file : nullptr;
+        case Locking::kTaken:  // its last user is taking it away
+          ::sched_yield();
+          break;
+        case Locking::kImpossible:
+          return nullptr;
+      }
     }
-    if (descriptor < 0) return nullptr;
-    std::shared_ptr<QueueFile> file(new QueueFile(descriptor));
-    return file->map() ? file : nullptr;
+    return nullptr;
   }
   ~QueueFile() {
     if (shared_ != nullptr) ::munmap(shared_, sizeof(Shared));
-    ::close(descriptor_);
+    // The last one takes the file away. A process that was forked has it from its parent.
+    if (isUser_ && process_ == ::getpid() && set(F_WRLCK, kUsers, 1) == Locking::kDone &&
+        isInPlace()) {
+      ::unlink(path_.c_str());
+    }
+    if (descriptor_ >= 0) ::close(descriptor_);
   }
   QueueFile(const QueueFile&) = delete;
   QueueFile& operator=(const QueueFile&) = delete;
@@ -117,15 +125,8 @@ class QueueFile {
   Shared& shared() const { return *shared_; }
 
   enum class Locking : std::uint8_t { kDone, kTaken, kImpossible };
-  Locking lock(std::uint64_t ticket) const {
-    struct flock region = regionOf(F_WRLCK, ticket, 1);
-    if (::fcntl(descriptor_, F_OFD_SETLK, &region) == 0) return Locking::kDone;
-    return errno == EAGAIN || errno == EACCES ? Locking::kTaken : Locking::kImpossible;
-  }
-  void unlock(std::uint64_t ticket) const noexcept {
-    struct flock region = regionOf(F_UNLCK, ticket, 1);
-    ::fcntl(descriptor_, F_OFD_SETLK, &region);
-  }
+  Locking lock(std::uint64_t ticket) const noexcept { return set(F_WRLCK, ticket, 1); }
+  void unlock(std::uint64_t ticket) const noexcept { set(F_UNLCK, ticket, 1); }
   /// Does another session hold one of `count` tickets from `first` on?
   bool isLocked(std::uint64_t first, std::uint64_t count) const {
     struct flock region = regionOf(F_WRLCK, first, count);
@@ -133,8 +134,34 @@ class QueueFile {
   }
 
  private:
-  explicit QueueFile(int descriptor) : descriptor_(descriptor) {}
+  // Everybody who has the file open holds this byte together; tickets come after it.
+  static constexpr std::uint64_t kUsers = 0;
 
+  explicit QueueFile(std::string path) : path_(std::move(path)) {}
+
+  bool openDescriptor(mode_t mode) {
+    constexpr int kFlags = O_RDWR | O_CLOEXEC | O_NOFOLLOW;
+    descriptor_ = ::open(path_.c_str(), kFlags);
+    if (descriptor_ < 0 && errno == ENOENT) {
+      descriptor_ = ::open(path_.c_str(), kFlags | O_CREAT, mode);
+      // Whoever may write the database may queue, whatever this process masks.
+      if (descriptor_ >= 0 && ::fchmod(descriptor_, mode) != 0) errno = 0;
+    }
+    return descriptor_ >= 0;
+  }
+  /// Becomes one of its users, unless it is not there any more.
+  Locking join() {
+    const Locking locking = set(F_RDLCK, kUsers, 1);
+    if (locking != Locking::kDone) return locking;
+    isUser_ = isInPlace();
+    return isUser_ ? Locking::kDone : Locking::kTaken;
+  }
+  bool isInPlace() const {
+    struct stat ours {};
+    struct stat named {};
+    return ::fstat(descriptor_, &ours) == 0 && ::stat(path_.c_str(), &named) == 0 &&
+           ours.st_ino == named.st_ino && ours.st_dev == named.st_dev;
+  }
   bool map() {
     struct stat now {};
     if (::fstat(descriptor_, &now) != 0) return false;
@@ -149,6 +176,11 @@ class QueueFile {
     shared_ = static_cast<Shared*>(address);
     return true;
   }
+  Locking set(short type, std::uint64_t first, std::uint64_t count) const noexcept {
+    struct flock region = regionOf(type, first, count);
+    if (::fcntl(descriptor_, F_OFD_SETLK, &region) == 0) return Locking::kDone;
+    return errno == EAGAIN || errno == EACCES ? Locking::kTaken : Locking::kImpossible;
+  }
   static struct flock regionOf(short type, std::uint64_t first, std::uint64_t count) {
     struct flock region {};
     region.l_type = type;
@@ -158,7 +190,10 @@ class QueueFile {
     return region;
   }
 
-  int descriptor_;
+  std::string path_;
+  pid_t process_ = ::getpid();
+  int descriptor_ = -1;
+  bool isUser_ = false;
   Shared* shared_ = nullptr;
 };
 

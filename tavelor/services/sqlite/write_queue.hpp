@@ -16,10 +16,11 @@ class QueueFile;
 /// only sees to it that they do not race for it, so whatever goes wrong here costs the order and
 /// never a row.
 ///
-/// The queue is a file beside the database, "main.db-queue". Each place is a ticket: a number and
-/// a lock on the byte of that number. Locks belong to the open file, so they end with a process
-/// that is killed, waiting or writing, and those behind it move up. A place is held by whoever is
-/// at its head until leave(); any thread may call that.
+/// The queue is a file beside the database, "main.db-queue", that goes with its last user, as the
+/// engine's own files do; what a killed program leaves is taken up by the next. Each place is a
+/// ticket: a number and a lock on the byte of that number. Locks belong to the open file, so they
+/// end with a process that is killed, waiting or writing, and those behind it move up. A place is
+/// held by whoever is at its head until leave(); any thread may call that.
 class WriteQueue {
  public:
   enum class Answer : std::uint8_t {
