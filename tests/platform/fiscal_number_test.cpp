@@ -97,7 +97,7 @@ TEST(FiscalNumber, OtherPrefixesAndCharactersStayAndAreRefused) {
   EXPECT_EQ(lenient("1234567á8"), FiscalFault::kForm);
   EXPECT_EQ(lenient("ESES12345678Z"), FiscalFault::kLength);
   EXPECT_EQ(lenient(std::string(300, '1')), FiscalFault::kLength);
-  EXPECT_EQ(lenient(std::string("1234\0678Z", 9)), FiscalFault::kForm);
+  EXPECT_EQ(lenient(std::string("1234\000678Z", 9)), FiscalFault::kForm);
   EXPECT_EQ(lenient("\xff\xfe"), FiscalFault::kLength);
   for (const char* empty : {"", "  ", "-", "ES", " es- "}) {
     EXPECT_EQ(lenient(empty), FiscalFault::kEmpty) << empty;
