@@ -100,7 +100,7 @@ void measurePage(Report& report, const Scale& scale) {
   report.add(compare(
       pageWork("page of 12 columns", 2.0, rows, shop, [&] { rows.ToHtmlGrid(columns); }), scale));
   // A third less markup around the same cells: what is left is mostly the printing of values.
-  report.add(compare(pageWork("modern page of 12 columns", 0, rows, shop,
+  report.add(compare(pageWork("modern page of 12 columns", 2.0, rows, shop,
                               [&] { rows.writeModernPage("", columns, false, "", false); }),
                      scale));
 }

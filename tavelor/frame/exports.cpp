@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "tavelor/frame/controls.hpp"
@@ -82,22 +81,33 @@ class DayTexts {
  public:
   explicit DayTexts(const Locale& locale) : locale_(locale) {}
 
-  void write(Page& page, double days) {
-    const double whole = std::trunc(days);
-    if (days != whole || std::fabs(whole) > kLastDay) {
-      page << Variant(Date(days)).toText(locale_);
-      return;
+  /// Good until the next call.
+  std::string_view of(double days) {
+    const auto whole = std::fabs(days) <= kLastDay ? static_cast<std::int32_t>(days) : 0;
+    if (days != whole) {
+      moment_ = Variant(Date(days)).toText(locale_);
+      return moment_;
     }
-    std::string& text = known_[static_cast<std::int32_t>(whole)];
-    if (text.empty()) text = Variant(Date(days)).toText(locale_);
-    page << text;
+    if (known_.empty()) known_.resize(kKept);
+    Known& known = known_[static_cast<std::uint32_t>(whole) % kKept];
+    if (known.text.empty() || known.day != whole) {
+      known = {whole, Variant(Date(days)).toText(locale_)};
+    }
+    return known.text;
   }
 
  private:
+  struct Known {
+    std::int32_t day = 0;
+    std::string text;
+  };
   static constexpr double kLastDay = 2'958'465;  // 31/12/9999
+  // Days of more than five years keep out of each other's place.
+  static constexpr std::size_t kKept = 2048;
 
   const Locale& locale_;
-  std::unordered_map<std::int32_t, std::string> known_;
+  std::vector<Known> known_;
+  std::string moment_;
 };
 
 /// Writes the cells of a row where they lie.
@@ -109,27 +119,31 @@ class CellWriter {
   /// Goes to the current row. False when its values are not to be had here.
   bool take() { return row_.take(); }
 
-  /// As writeValue. False for the rarer types, which go by their Variant.
-  bool write(std::size_t column) {
-    if (row_.isNull(column)) return true;
+  /// `before`, then what writeValue writes. False, with nothing written, for the rarer types, which
+  /// go by their Variant.
+  bool write(const PageMark& before, std::size_t column) {
+    if (row_.isNull(column)) {
+      page_ << before;
+      return true;
+    }
     switch (row_.type(column)) {
       case engine::ColumnType::kText:
       case engine::ColumnType::kMemo:
-        page_ << row_.text(column);
+        page_.cell(before, row_.text(column));
         return true;
       case engine::ColumnType::kByte:
       case engine::ColumnType::kInt16:
       case engine::ColumnType::kInt32:
-        page_.number(row_.integer(column));
+        page_.cell(before, row_.integer(column));
         return true;
       case engine::ColumnType::kBoolean:
-        page_ << (row_.integer(column) != 0 ? locale_.trueText : locale_.falseText);
+        page_.cell(before, row_.integer(column) != 0 ? locale_.trueText : locale_.falseText);
         return true;
       case engine::ColumnType::kDouble:
-        page_.number(row_.real(column), locale_);
+        page_.cell(before, row_.real(column), locale_);
         return true;
       case engine::ColumnType::kDate:
-        days_.write(page_, row_.real(column));
+        page_.cell(before, days_.of(row_.real(column)));
         return true;
       default:
         return false;
@@ -186,8 +200,8 @@ std::size_t writeRows(Page& page, Recordset& rows, const std::vector<ShownColumn
     }
     const bool asStored = cells.take();
     for (std::size_t i = 0; i < fields.size(); ++i) {
+      if (asStored && cells.write(between[i], fields[i].column())) continue;
       page << between[i];
-      if (asStored && cells.write(fields[i].column())) continue;
       writeValue(page, fields[i].Value(), locale);
     }
     page << between.back();

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -34,6 +35,8 @@ constexpr std::array<char32_t, 32> kUpper = {
 constexpr std::size_t kLongestReference = 10;
 // "-9223372036854775808".
 constexpr std::size_t kLongestNumber = 20;
+// A text that goes in one piece with the mark before it.
+constexpr std::size_t kShortText = 64;
 
 template <typename Word>
 Word load(const char* from) {
@@ -77,6 +80,71 @@ std::size_t copyAscii(const char* from, std::size_t count, char* to) {
   }
   for (; done < count && utf8::isAscii(from[done]); ++done) to[done] = from[done];
   return done;
+}
+
+constexpr std::size_t kPair = 2;
+constexpr std::uint32_t kHundred = 100;
+
+/// The digits of 0 to 99.
+constexpr auto kPairs = [] {
+  std::array<char, kPair * kHundred> pairs{};
+  for (std::size_t i = 0; i < kHundred; ++i) {
+    pairs[kPair * i] = static_cast<char>('0' + i / 10);
+    pairs[kPair * i + 1] = static_cast<char>('0' + i % 10);
+  }
+  return pairs;
+}();
+
+std::size_t digitsOf(std::uint32_t number) {
+  std::size_t digits = 1;
+  for (std::uint64_t limit = 10; number >= limit; limit *= 10) ++digits;
+  return digits;
+}
+
+// Numbers are written where they will lie; each gives the place behind it.
+
+char* writeDigits(char* at, std::uint32_t number) {
+  char* const end = at + digitsOf(number);
+  char* place = end;
+  for (; number >= kHundred; number /= kHundred) {
+    place -= kPair;
+    std::memcpy(place, &kPairs[kPair * (number % kHundred)], kPair);
+  }
+  if (number >= 10) {
+    std::memcpy(place - kPair, &kPairs[kPair * number], kPair);
+  } else {
+    place[-1] = static_cast<char>('0' + number);
+  }
+  return end;
+}
+
+char* writeWhole(char* at, std::int64_t value) {
+  if (value < 0 || value > std::numeric_limits<std::uint32_t>::max()) {
+    return std::to_chars(at, at + kLongestNumber, value).ptr;
+  }
+  return writeDigits(at, static_cast<std::uint32_t>(value));
+}
+
+/// Most numbers of a shop are whole counts of hundredths. The number that is nearest to such a
+/// count has its digits, and they are quickly told. Null for another number.
+char* writeHundredths(char* at, double value, char decimal) {
+  constexpr double kLimit = 1e9;
+  if (!(std::fabs(value) < kLimit)) return nullptr;
+  const auto hundredths = static_cast<std::int64_t>(value * kHundred + (value < 0 ? -0.5 : 0.5));
+  if (static_cast<double>(hundredths) / kHundred != value) return nullptr;
+  if (hundredths < 0) *at++ = '-';
+  const auto count = static_cast<std::uint64_t>(std::abs(hundredths));
+  at = writeDigits(at, static_cast<std::uint32_t>(count / kHundred));
+  const std::size_t rest = count % kHundred;
+  if (rest == 0) return at;
+  *at++ = decimal;
+  std::memcpy(at, &kPairs[kPair * rest], kPair);
+  return at + (rest % 10 == 0 ? 1 : kPair);
+}
+
+/// 0 where it is no single character.
+char decimalOf(const Locale& locale) {
+  return locale.decimal.size() == 1 ? locale.decimal.front() : '\0';
 }
 
 }  // namespace
@@ -126,32 +194,43 @@ Page& Page::operator<<(std::string_view text) {
 
 void Page::number(std::int64_t value) {
   if (room() < kLongestNumber) flush();
-  next_ = std::to_chars(next_, next_ + kLongestNumber, value).ptr;
+  next_ = writeWhole(next_, value);
 }
 
-// Most numbers of a shop are whole counts of hundredths. The number that is nearest to such a count
-// has its digits, and they are quickly told.
 void Page::number(double value, const Locale& locale) {
-  constexpr double kLimit = 1e9;
-  constexpr std::int64_t kHundred = 100;
-  if (std::fabs(value) < kLimit) {
-    const auto hundredths =
-        static_cast<std::int64_t>(value * static_cast<double>(kHundred) + (value < 0 ? -0.5 : 0.5));
-    if (static_cast<double>(hundredths) / static_cast<double>(kHundred) == value) {
-      if (room() < kLongestNumber) flush();
-      if (hundredths < 0) *next_++ = '-';
-      const std::int64_t count = std::abs(hundredths);
-      number(count / kHundred);
-      const auto rest = static_cast<char>(count % kHundred);
-      if (rest == 0) return;
-      *this << locale.decimal;
-      if (room() < kLongestNumber) flush();
-      *next_++ = static_cast<char>('0' + rest / 10);
-      if (rest % 10 != 0) *next_++ = static_cast<char>('0' + rest % 10);
+  if (const char decimal = decimalOf(locale); decimal != '\0') {
+    if (room() < kLongestNumber) flush();
+    if (char* const end = writeHundredths(next_, value, decimal)) {
+      next_ = end;
       return;
     }
   }
   *this << plainNumber(value, locale);
+}
+
+void Page::cell(const PageMark& mark, std::string_view text) {
+  char* const at = behind(mark, kShortText);
+  next_ = at;
+  if (text.size() <= kShortText && copyAscii(text.data(), text.size(), at) == text.size()) {
+    next_ = at + text.size();
+  } else {
+    *this << text;
+  }
+}
+
+void Page::cell(const PageMark& mark, std::int64_t value) {
+  next_ = writeWhole(behind(mark, kLongestNumber), value);
+}
+
+void Page::cell(const PageMark& mark, double value, const Locale& locale) {
+  char* const at = behind(mark, kLongestNumber);
+  const char decimal = decimalOf(locale);
+  if (char* const end = decimal == '\0' ? nullptr : writeHundredths(at, value, decimal)) {
+    next_ = end;
+  } else {
+    next_ = at;
+    *this << plainNumber(value, locale);
+  }
 }
 
 /// Of a character that is not ASCII. A byte that is no UTF-8 goes out as it is: it came from a

@@ -47,16 +47,17 @@ class Page {
 
   Page& operator<<(std::string_view text);
   Page& operator<<(const PageMark& mark) {
-    if (mark.bytes_.size() > room()) flush();
-    for (std::size_t at = 0; at < mark.size_; at += PageMark::kPiece) {
-      std::memcpy(next_ + at, mark.bytes_.data() + at, PageMark::kPiece);
-    }
-    next_ += mark.size_;
+    next_ = behind(mark, 0);
     return *this;
   }
   void number(std::int64_t value);
   /// As plainNumber() prints it.
   void number(double value, const Locale& locale);
+  /// A mark and a value behind it, as the calls above write one after the other. Pages of many
+  /// cells are written so: one look at the room for both.
+  void cell(const PageMark& mark, std::string_view text);
+  void cell(const PageMark& mark, std::int64_t value);
+  void cell(const PageMark& mark, double value, const Locale& locale);
   /// Ends the line.
   Page& line(std::string_view text = {}) { return *this << text << "\r\n"; }
   void finish();
@@ -65,6 +66,14 @@ class Page {
   static constexpr std::size_t kBuffer = 256UL * 1024;
 
   std::size_t room() const { return static_cast<std::size_t>(buffer_.get() + kBuffer - next_); }
+  /// Writes a mark; the place behind it, which has room for `more` and which nothing counts yet.
+  char* behind(const PageMark& mark, std::size_t more) {
+    if (mark.bytes_.size() + more > room()) flush();
+    for (std::size_t at = 0; at < mark.size_; at += PageMark::kPiece) {
+      std::memcpy(next_ + at, mark.bytes_.data() + at, PageMark::kPiece);
+    }
+    return next_ + mark.size_;
+  }
   void encode(char32_t character);
   void flush();
   [[noreturn]] void fail(std::string_view what) const;

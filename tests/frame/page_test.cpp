@@ -178,6 +178,74 @@ TEST_F(PageTest, NumbersArePrintedAsTheyAreEverywhere) {
   }
 }
 
+// Through several buffers, so that marks and values meet their ends.
+TEST_F(PageTest, ACellIsItsMarkAndItsValueBehindIt) {
+  const auto& locale = *Locale::spanish();
+  const PageMark shortMark("<td>");
+  const PageMark longMark("</td>\r\n    <td align='right' title='" + std::string(60, 'x') + "'>");
+  const std::vector<std::string> texts = {"",
+                                          "a",
+                                          "siete..",
+                                          "ocho ...",
+                                          "quince caracter",
+                                          "dieciséis",
+                                          "Łódź",
+                                          std::string(63, 'y') + "ñ",
+                                          std::string(64, 'z'),
+                                          std::string(65, 'z'),
+                                          std::string(1000, 'w') + "€"};
+  const std::vector<std::int64_t> wholes = {0,
+                                            1,
+                                            9,
+                                            10,
+                                            99,
+                                            100,
+                                            123'456'789,
+                                            4'294'967'295,
+                                            -1,
+                                            -1'000'000,
+                                            4'294'967'296,
+                                            -9'223'372'036'854'775'807};
+  const std::vector<double> numbers = {0, 0.01, -0.5, 12.3, 1'234.56, -99.99, 1.0 / 3, 1e15};
+  std::string expected;
+  {
+    Page page(file);
+    for (int round = 0; round < 200; ++round) {
+      for (const PageMark* mark : {&shortMark, &longMark}) {
+        for (const std::string& text : texts) page << *mark << text;
+        for (const std::int64_t whole : wholes) (page << *mark).number(whole);
+        for (const double number : numbers) (page << *mark).number(number, locale);
+      }
+    }
+    page.finish();
+    expected = bytesOf(file);
+  }
+  Page page(file);
+  for (int round = 0; round < 200; ++round) {
+    for (const PageMark* mark : {&shortMark, &longMark}) {
+      for (const std::string& text : texts) page.cell(*mark, text);
+      for (const std::int64_t whole : wholes) page.cell(*mark, whole);
+      for (const double number : numbers) page.cell(*mark, number, locale);
+    }
+  }
+  page.finish();
+  EXPECT_EQ(bytesOf(file), expected);
+}
+
+TEST_F(PageTest, WholeNumbersOfEveryLengthArePrinted) {
+  std::string expected;
+  Page page(file);
+  for (std::int64_t power = 1; power <= 1'000'000'000'000'000'000 / 10; power *= 10) {
+    for (const std::int64_t value : {power - 1, power, 5 * power + 3, -power}) {
+      page.number(value);
+      page.line();
+      expected += std::to_string(value) + "\r\n";
+    }
+  }
+  page.finish();
+  EXPECT_EQ(bytesOf(file), expected);
+}
+
 TEST_F(PageTest, AnEarlierPageStaysWholeUntilTheNewOneIsFinished) {
   written("earlier");
   {
