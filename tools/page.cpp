@@ -2,6 +2,7 @@
 // The page of a class.
 #include "tools/page.hpp"
 
+#include "tavelor/customers/clientes.hpp"
 #include "tavelor/frame/controls.hpp"
 #include "tavelor/frame/record_class.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
@@ -41,7 +42,12 @@ class FieldColumns final : public GridColumns {
 }  // namespace
 
 std::string writePage(RecordClass& record, const std::vector<std::string>& columns) {
-  record.ToHtmlGrid(FieldColumns(*record.DataMember("Primary"), columns));
+  const FieldColumns grid(*record.DataMember("Primary"), columns);
+  if (auto* const customers = dynamic_cast<ClsClientes*>(&record)) {
+    customers->ToHtmlGrid("", grid);  // which takes a user's folder first
+  } else {
+    record.ToHtmlGrid(grid);
+  }
   return record.GetHtmlFile();
 }
 

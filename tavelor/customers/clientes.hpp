@@ -94,6 +94,14 @@ class ClsClientes final : public OpensByWord {
   /// Makes the customers saved in an XML file the primary record set, and gives it. Raises 53 for a
   /// file that is not there; then the record set is as it was.
   RecordsetPtr IniciaXML(std::string_view sPath);
+  /// Writes the visible columns of a grid as a page with a style of its own, in the user's folder:
+  /// as given, or below the installation's folder where it is relative; "" is the usual place. The
+  /// rest as the frame's; a folder that is not there raises 75.
+  void ToHtmlGrid(std::string_view sPersonalFolder, const GridColumns& clColfields,
+                  bool bDoclone = false, std::string_view sSelecSql = {}, bool bFilter = false);
+  /// The page that all other classes write.
+  void ToHtmlGrid_V0(const GridColumns& clColfields, bool bDoclone = false,
+                     std::string_view sSelecSql = {}, bool bFilter = false);
   /// Of the current row of the primary record set. What cannot be read leaves its variable as it
   /// is. Never raises.
   void ObtenerRegistroActivo(InOut<Variant> vId, InOut<std::string> sNombre,

@@ -4,6 +4,7 @@
 
 #include "tavelor/customers/clientes.hpp"
 #include "tavelor/frame/component.hpp"
+#include "tavelor/frame/controls.hpp"
 
 namespace tavelor {
 
@@ -299,22 +300,31 @@ std::vector<Member> ownSlots() {
   return slots;
 }
 
+std::vector<Member> allSlots() {
+  std::vector<Member> slots = withFrameTail(
+      ownSlots(), {
+                      member("AddNew", &C::AddNew, "[bDefVal]"),
+                      member("Update", &C::Update),
+                      member("ToHtmlGrid", &C::ToHtmlGrid,
+                             "sPersonalFolder, clColfields, [bDoclone], [sSelecSql], [bFilter]"),
+                      member("ToHtmlGrid_V0", &C::ToHtmlGrid_V0,
+                             "clColfields, [bDoclone], [sSelecSql], [bFilter]"),
+                  });
+  return withSlotsBehind("AbsolutePosition",
+                         {
+                             property("sQBanco", &C::sQBanco),
+                             property("sQFormaPago", &C::sQFormaPago),
+                             property("sQMailDoc", &C::sQMailDoc),
+                         },
+                         std::move(slots));
+}
+
 }  // namespace
 
 const Component& C::component() {
   static const Component table(
       "ClsClientes", "{A93D2C17-5B84-4F6E-8D10-7C2E5F90B301}", "Clientes",
-      []() -> std::unique_ptr<Object> { return std::make_unique<C>(); },
-      withSlotsBehind("AbsolutePosition",
-                      {
-                          property("sQBanco", &C::sQBanco),
-                          property("sQFormaPago", &C::sQFormaPago),
-                          property("sQMailDoc", &C::sQMailDoc),
-                      },
-                      withFrameTail(ownSlots(), {
-                                                    member("AddNew", &C::AddNew, "[bDefVal]"),
-                                                    member("Update", &C::Update),
-                                                })));
+      []() -> std::unique_ptr<Object> { return std::make_unique<C>(); }, allSlots());
   return table;
 }
 

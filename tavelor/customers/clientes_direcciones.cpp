@@ -4,9 +4,9 @@
 
 #include <array>
 
+#include "tavelor/companions/active_row.hpp"
 #include "tavelor/frame/component.hpp"
 #include "tavelor/frame/reading.hpp"
-#include "tavelor/platform/error.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 
@@ -61,16 +61,6 @@ Statement ofPair(std::string_view before, const std::string& first, std::string_
   Statement statement(before);
   statement << value(first) << between << value(second) << after;
   return statement;
-}
-
-/// What takes a value of the current row, where there is one.
-template <typename To>
-void takeIfThere(Recordset& rows, std::string_view column, To& to) {
-  try {
-    take(rows, column, to);
-  } catch (const Error&) {
-    // A list that does not show the column, or no row: the variable stays as it came.
-  }
 }
 
 }  // namespace
@@ -157,18 +147,8 @@ void ClsClientesDirecciones::ObtenerRegistroActivo(
     InOut<Variant> vId, InOut<std::string> sNombre, InOut<std::string> sEmpresa,
     InOut<std::string> sDireccion, InOut<std::string> sCp, InOut<std::string> sPoblacion,
     InOut<std::string> sProvincia, InOut<std::string> sTelefono) const {
-  const RecordsetPtr rows = DataMember("Primary");
-  if (!rows) return;
-  std::string code;
-  takeIfThere(*rows, "Código", code);
-  if (!code.empty()) vId = code;
-  takeIfThere(*rows, "Nombre", *sNombre);
-  takeIfThere(*rows, "Empresa", *sEmpresa);
-  takeIfThere(*rows, "Dirección", *sDireccion);
-  takeIfThere(*rows, "Codigo_Postal", *sCp);
-  takeIfThere(*rows, "Población", *sPoblacion);
-  takeIfThere(*rows, "Provincia", *sProvincia);
-  takeIfThere(*rows, "Teléfono", *sTelefono);
+  takeActiveRow(DataMember("Primary"), {*vId, *sNombre, *sEmpresa, *sDireccion, *sCp, *sPoblacion,
+                                        *sProvincia, *sTelefono});
 }
 
 std::vector<Variant> ClsClientesDirecciones::ObtenerColActivos(const Variant& id,

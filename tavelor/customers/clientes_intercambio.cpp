@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// ClsClientes: paths, files, the current row, and lists of codes.
+// ClsClientes: paths, files, pages, the current row, and lists of codes.
+#include "tavelor/companions/active_row.hpp"
 #include "tavelor/customers/clientes.hpp"
 #include "tavelor/frame/reading.hpp"
 #include "tavelor/platform/error.hpp"
@@ -47,31 +48,28 @@ RecordsetPtr ClsClientes::IniciaXML(std::string_view sPath) {
 }
 
 // ---------------------------------------------------------------------------------------------
+// Pages
+
+void ClsClientes::ToHtmlGrid(std::string_view sPersonalFolder, const GridColumns& clColfields,
+                             bool bDoclone, std::string_view sSelecSql, bool bFilter) {
+  writeModernPage(sPersonalFolder, clColfields, bDoclone, sSelecSql, bFilter);
+}
+
+void ClsClientes::ToHtmlGrid_V0(const GridColumns& clColfields, bool bDoclone,
+                                std::string_view sSelecSql, bool bFilter) {
+  OpensByWord::ToHtmlGrid(clColfields, bDoclone, sSelecSql, bFilter);
+}
+
+// ---------------------------------------------------------------------------------------------
 // The current row
 
-// Each variable for itself: one that cannot be read keeps none of the others from it.
 void ClsClientes::ObtenerRegistroActivo(InOut<Variant> vId, InOut<std::string> sNombre,
                                         InOut<std::string> sEmpresa, InOut<std::string> sDireccion,
                                         InOut<std::string> sCp, InOut<std::string> sPoblacion,
                                         InOut<std::string> sProvincia,
                                         InOut<std::string> sTelefono) const {
-  const auto copy = [this](std::string_view field, auto assign) {
-    try {
-      assign(primary().Field(field).Value());
-    } catch (const Error&) {
-    }
-  };
-  const auto text = [&](std::string_view field, std::string& to) {
-    copy(field, [&](const Variant& v) { to = v.toText(Apartment::current().locale()); });
-  };
-  copy("Código", [&](const Variant& v) { vId = v; });
-  text("Nombre", *sNombre);
-  text("Empresa", *sEmpresa);
-  text("Dirección", *sDireccion);
-  text("Codigo_Postal", *sCp);
-  text("Población", *sPoblacion);
-  text("Provincia", *sProvincia);
-  text("Teléfono", *sTelefono);
+  takeActiveRow(DataMember("Primary"), {*vId, *sNombre, *sEmpresa, *sDireccion, *sCp, *sPoblacion,
+                                        *sProvincia, *sTelefono});
 }
 
 std::string ClsClientes::currentText(std::string_view field) const {

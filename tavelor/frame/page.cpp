@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <bit>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -95,10 +96,13 @@ constexpr auto kPairs = [] {
   return pairs;
 }();
 
+/// By the length in bits, which tells it but for one: 1233/4096 is the logarithm of 2.
 std::size_t digitsOf(std::uint32_t number) {
-  std::size_t digits = 1;
-  for (std::uint64_t limit = 10; number >= limit; limit *= 10) ++digits;
-  return digits;
+  constexpr std::array<std::uint32_t, 10> kPowers = {
+      1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
+  number |= 1U;  // 0 has a digit; no other number gets another count
+  const auto atLeast = static_cast<std::size_t>(std::bit_width(number)) * 1233 >> 12U;
+  return atLeast + (number >= kPowers[atLeast] ? 1 : 0);
 }
 
 // Numbers are written where they will lie; each gives the place behind it.

@@ -19,9 +19,9 @@ inline std::string bytesOf(const std::filesystem::path& file) {
 }
 
 /// With TAVELOR_APPROVE=1 the page becomes the approved one: look at the difference and commit it.
-inline void expectApproved(const std::filesystem::path& page, const std::string& name) {
-  const std::filesystem::path approved =
-      std::filesystem::path(TAVELOR_SOURCE_DIR) / "tests/frame/approved" / name;
+inline void expectApproved(const std::filesystem::path& page, const std::string& name,
+                           const std::string& folder = "tests/frame/approved") {
+  const std::filesystem::path approved = std::filesystem::path(TAVELOR_SOURCE_DIR) / folder / name;
   const std::string bytes = bytesOf(page);
   const char* approve = std::getenv("TAVELOR_APPROVE");
   if (approve != nullptr && std::string(approve) == "1") {

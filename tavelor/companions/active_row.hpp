@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+// The row that a form stands on, for masters and what hangs from them.
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace tavelor {
+
+class Recordset;
+class Variant;
+using RecordsetPtr = std::shared_ptr<Recordset>;
+
+/// Variables that take the current row of a list with addresses.
+struct ActiveRow {
+  Variant& code;
+  std::string& name;
+  std::string& company;
+  std::string& street;
+  std::string& postcode;
+  std::string& town;
+  std::string& province;
+  std::string& telephone;
+};
+
+/// Each variable for itself: one that cannot be read, since the list does not show it, it is Null
+/// or there is no row, stays as it came and keeps none of the others from it. Never raises.
+void takeActiveRow(const RecordsetPtr& rows, const ActiveRow& to);
+
+}  // namespace tavelor
