@@ -29,6 +29,7 @@ constexpr std::array kWorks{
     Work{"sale", tavelor::bench::measureSale},
     Work{"sales", tavelor::bench::measureSales},
     Work{"articles", tavelor::bench::measureArticles},
+    Work{"customers", tavelor::bench::measureCustomers},
     Work{"stock", tavelor::bench::measureStock},
     Work{"ledger", tavelor::bench::measureLedger},
     Work{"import", tavelor::bench::measureImport},

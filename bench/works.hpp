@@ -18,6 +18,8 @@ void measureSale(Report& report, const Scale& scale);
 void measureSales(Report& report, const Scale& scale);
 /// Members of the article master.
 void measureArticles(Report& report, const Scale& scale);
+/// Customers as lists, and the cleaning of their fiscal numbers.
+void measureCustomers(Report& report, const Scale& scale);
 /// The stock of a ticket's lines, in all places that hold it.
 void measureStock(Report& report, const Scale& scale);
 /// An entry of the past in the ledger of one customer.

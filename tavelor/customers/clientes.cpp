@@ -129,12 +129,6 @@ constexpr std::array kModes = {
     Mode{kAnyOtherWord, kSelectCampos, kTodos},
 };
 
-constexpr ClassInfo kInfo = {.word = "Clientes",
-                             .table = "Clientes",
-                             .modes = kModes,
-                             .find = FindForm::kPrefix,
-                             .clearsDataMembers = true};
-
 // ---------------------------------------------------------------------------------------------
 // Modes by delivery notes
 
@@ -209,7 +203,7 @@ Date today() {
 }
 
 std::string dateLiteral(Date day) {
-  return DataSession().DateLiteral(kInfo.selector, day);
+  return DataSession().DateLiteral(selector::kMain, day);
 }
 
 Statement conditionOf(const DeliveryMode& mode) {
@@ -243,7 +237,11 @@ consultas::LastYear consultas::lastYear() {
   return {dateLiteral(lastYearBegins(now)), dateLiteral(lastYearEnds(now))};
 }
 
-ClsClientes::ClsClientes() : OpensByWord(kInfo) {}
+constinit const ClassInfo ClsClientes::kInfo = {.word = "Clientes",
+                                                .table = "Clientes",
+                                                .modes = kModes,
+                                                .find = FindForm::kPrefix,
+                                                .clearsDataMembers = true};
 
 // ---------------------------------------------------------------------------------------------
 // Modes

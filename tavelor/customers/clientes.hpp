@@ -22,11 +22,11 @@ class ClsClientes final : public OpensByWord {
   std::string typeName() const override { return "ClsClientes"; }
   static const Component& component();
 
-  /// A member that reads one value of one customer: `GetSerie(id)`, `GetSerie(id, objCn)`. What it
-  /// gives for no customer and for Null stands, with its statement, in clientes_lecturas.cpp.
-  using Text = SingleRead<std::string>;
-  using Flag = SingleRead<bool>;
-  using Number = SingleRead<double>;
+  /// Members that read one value of one customer: `GetSerie(id)`, `GetSerie(id, objCn)`. What they
+  /// ask and answer is the table in clientes_lecturas.cpp.
+  using Text = SingleReadOf<std::string>;
+  using Flag = SingleReadOf<bool>;
+  using Number = SingleReadOf<double>;
 
   // ---- Fiscal identifiers (clientes_fiscal.cpp)
   //
@@ -64,11 +64,11 @@ class ClsClientes final : public OpensByWord {
 
   // ---- Is it there
 
-  static const Flag ObtenerBloqueo;  ///< blocked; false for Null
-  static const Flag ExisteCli;
-  static const Flag ExisteNif;         ///< by fiscal identifier, as stored
-  static const Flag ExisteExternalID;  ///< by identifier in the outside system
-  static const Flag EstaDisponible;    ///< there, and not marked as not available
+  const Flag ObtenerBloqueo;  ///< blocked; false for Null
+  const Flag ExisteCli;
+  const Flag ExisteNif;         ///< by fiscal identifier, as stored
+  const Flag ExisteExternalID;  ///< by identifier in the outside system
+  const Flag EstaDisponible;    ///< there, and not marked as not available
   /// Whether a customer names a production centre of two characters or more.
   bool ExistenCentros(ObjCn objCn = {}) const;
   /// How many customers the modes "bajas", "bajas60", "bajas30" and "347" of IniciaRs would show,
@@ -138,17 +138,17 @@ class ClsClientes final : public OpensByWord {
 
   // ---- Flags of one customer, false for no customer
 
-  static const Flag esFacturable;  ///< billed itself: billed to nobody, or to its own code
-  static const Flag esDistribuidor;
-  static const Flag esAsociado;
-  static const Flag esActivo;
-  static const Flag esSerie_as;
-  static const Flag esPortesNoIncl;
-  static const Flag esPersonaFisica;    ///< a natural person, by class word; raises 94 for Null
-  static const Flag ObtenerPrintPaper;  ///< invoices are printed
-  static const Flag IncludeTax;         ///< prices include tax; of a usable customer
-  static const Flag EsIvaDeducible;     ///< tax is charged; of a usable customer
-  static const Flag PortesAlConvertir;  ///< of a usable customer
+  const Flag esFacturable;  ///< billed itself: billed to nobody, or to its own code
+  const Flag esDistribuidor;
+  const Flag esAsociado;
+  const Flag esActivo;
+  const Flag esSerie_as;
+  const Flag esPortesNoIncl;
+  const Flag esPersonaFisica;    ///< a natural person, by class word; raises 94 for Null
+  const Flag ObtenerPrintPaper;  ///< invoices are printed
+  const Flag IncludeTax;         ///< prices include tax; of a usable customer
+  const Flag EsIvaDeducible;     ///< tax is charged; of a usable customer
+  const Flag PortesAlConvertir;  ///< of a usable customer
   /// Billed to another one: neither to its own code nor as an associate. Also true where nobody is
   /// named by an empty text; false for Null.
   bool NoesFacturable(const Variant& id, ObjCn objCn = {}) const;
@@ -157,26 +157,26 @@ class ClsClientes final : public OpensByWord {
 
   // ---- Texts and numbers of one customer
 
-  static const Text GetTipoCli;       ///< "no" for no customer and Null
-  static const Text GetCodigo_Banco;  ///< "0" for no customer, Null and ""
-  static const Text ObtenerRazonSocial;
-  static const Text ObtenerCP;             ///< the production centre, whatever the name says
-  static const Text ObtenerHorario;        ///< "[ " and the opening hours; "no" for Null
-  static const Text ObtenerTexto;          ///< "{ " and the warning that documents take up; or "no"
-  static const Text ObtenerMailDoc;        ///< for documents; "no" for none
-  static const Text ObtenerMailDoc_Admin;  ///< the same, or the administration's where it is wanted
-  static const Text ObtenerRpt_Fac;        ///< report of invoices; "no" up to four characters
-  static const Text ObtenerRpt_Alb;        ///< of delivery notes
-  static const Text ObtenerRpt_dec;        ///< of declarations; "no" after any failure
-  static const Number ObtenerRiesgo;       ///< credit limit; 0 for Null
+  const Text GetTipoCli;       ///< "no" for no customer and Null
+  const Text GetCodigo_Banco;  ///< "0" for no customer, Null and ""
+  const Text ObtenerRazonSocial;
+  const Text ObtenerCP;             ///< the production centre, whatever the name says
+  const Text ObtenerHorario;        ///< "[ " and the opening hours; "no" for Null
+  const Text ObtenerTexto;          ///< "{ " and the warning that documents take up; or "no"
+  const Text ObtenerMailDoc;        ///< for documents; "no" for none
+  const Text ObtenerMailDoc_Admin;  ///< the same, or the administration's where it is wanted
+  const Text ObtenerRpt_Fac;        ///< report of invoices; "no" up to four characters
+  const Text ObtenerRpt_Alb;        ///< of delivery notes
+  const Text ObtenerRpt_dec;        ///< of declarations; "no" after any failure
+  const Number ObtenerRiesgo;       ///< credit limit; 0 for Null
 
   // ---- Of a usable customer. Null raises 94.
 
-  static const Text GetSerie;        ///< "A" for no customer
-  static const Text GetLista;        ///< "PRC"
-  static const Text GetRefPortes;    ///< article of the carriage line; "0", also after any failure
-  static const Text GetFacturacion;  ///< word of the invoicing period; "Mensual"
-  static const Text GetCodigo_fac;   ///< who is billed; "0"
+  const Text GetSerie;        ///< "A" for no customer
+  const Text GetLista;        ///< "PRC"
+  const Text GetRefPortes;    ///< article of the carriage line; "0", also after any failure
+  const Text GetFacturacion;  ///< word of the invoicing period; "Mensual"
+  const Text GetCodigo_fac;   ///< who is billed; "0"
 
   // ---- Invoicing profile (clientes_facturacion.cpp)
   //
@@ -371,12 +371,14 @@ class ClsClientes final : public OpensByWord {
                                    ObjCn cnnActive = {}) const;
 
   /// A single read as a member function, for the component table.
-  template <const auto& kRead>
+  template <auto kRead>
   auto single(const Variant& id, ObjCn objCn) const {
-    return kRead(id, *objCn);
+    return (this->*kRead)(id, *objCn);
   }
 
  private:
+  static const ClassInfo kInfo;
+
   Statement modeStatement(std::string& word, const Variant& id) const override;
   Variant newCode(ConnectionPtr& objCn) const override;
   void setDefaults(bool bDefVal) override;

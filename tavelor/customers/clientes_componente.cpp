@@ -16,7 +16,7 @@ constexpr std::string_view kOf = "id, [objCn]";
 constexpr std::string_view kOfId = "vId, [objCn]";
 constexpr std::string_view kOnAll = "[cnnActive]";
 
-template <const auto& kRead>
+template <auto kRead>
 Member single(std::string_view name, std::string_view names = kOf) {
   return member(name, &C::single<kRead>, names);
 }
@@ -30,12 +30,12 @@ std::vector<Member> fiscalSlots() {
       member("Tipo_Id_Fiscal", &C::Tipo_Id_Fiscal, "s"),
       member("LimpiarNIFCIF_v1", &C::LimpiarNIFCIF_v1, "[objCn]"),
       member("ValidarNIFCIF", &C::ValidarNIFCIF, "valorOriginal"),
-      single<C::ObtenerBloqueo>("ObtenerBloqueo"),
-      single<C::ExisteCli>("ExisteCli", kOfId),
-      single<C::ExisteNif>("ExisteNif", kOfId),
-      single<C::ExisteExternalID>("ExisteExternalID", kOfId),
+      single<&C::ObtenerBloqueo>("ObtenerBloqueo"),
+      single<&C::ExisteCli>("ExisteCli", kOfId),
+      single<&C::ExisteNif>("ExisteNif", kOfId),
+      single<&C::ExisteExternalID>("ExisteExternalID", kOfId),
       member("ExistenCentros", &C::ExistenCentros, "[objCn]"),
-      single<C::EstaDisponible>("EstaDisponible", kOfId),
+      single<&C::EstaDisponible>("EstaDisponible", kOfId),
       member("ExistenRegistros_consulta", &C::ExistenRegistros_consulta, "ssql, [objCn]"),
       member("ExistenClientesSinCodigoPostal", &C::ExistenClientesSinCodigoPostal, "[objCn]"),
       member("ExistenClientesSinIdFiscal", &C::ExistenClientesSinIdFiscal, "[objCn]"),
@@ -76,25 +76,25 @@ std::vector<Member> changeSlots() {
 
 std::vector<Member> readingSlots() {
   return {
-      single<C::GetSerie>("GetSerie"),
-      single<C::GetLista>("GetLista"),
-      single<C::GetRefPortes>("GetRefPortes"),
-      single<C::GetFacturacion>("GetFacturacion"),
-      single<C::IncludeTax>("IncludeTax"),
-      single<C::PortesAlConvertir>("PortesAlConvertir"),
+      single<&C::GetSerie>("GetSerie"),
+      single<&C::GetLista>("GetLista"),
+      single<&C::GetRefPortes>("GetRefPortes"),
+      single<&C::GetFacturacion>("GetFacturacion"),
+      single<&C::IncludeTax>("IncludeTax"),
+      single<&C::PortesAlConvertir>("PortesAlConvertir"),
       member("NoesFacturable", &C::NoesFacturable, kOf),
-      single<C::esFacturable>("esFacturable"),
-      single<C::EsIvaDeducible>("EsIvaDeducible"),
-      single<C::GetCodigo_fac>("GetCodigo_fac"),
-      single<C::GetCodigo_Banco>("GetCodigo_Banco"),
-      single<C::GetTipoCli>("GetTipoCli"),
+      single<&C::esFacturable>("esFacturable"),
+      single<&C::EsIvaDeducible>("EsIvaDeducible"),
+      single<&C::GetCodigo_fac>("GetCodigo_fac"),
+      single<&C::GetCodigo_Banco>("GetCodigo_Banco"),
+      single<&C::GetTipoCli>("GetTipoCli"),
       member("GetLenMaxDigit", &C::GetLenMaxDigit, "[objCn]"),
-      single<C::esDistribuidor>("esDistribuidor"),
-      single<C::esAsociado>("esAsociado"),
+      single<&C::esDistribuidor>("esDistribuidor"),
+      single<&C::esAsociado>("esAsociado"),
       member("esDbFile", &C::esDbFile),
-      single<C::esActivo>("esActivo"),
-      single<C::esSerie_as>("esSerie_as"),
-      single<C::esPortesNoIncl>("esPortesNoIncl"),
+      single<&C::esActivo>("esActivo"),
+      single<&C::esSerie_as>("esSerie_as"),
+      single<&C::esPortesNoIncl>("esPortesNoIncl"),
   };
 }
 
@@ -206,7 +206,7 @@ std::vector<AggregateParameter<C::Centros>> centreParameters() {
 std::vector<Member> profileSlots() {
   return {
       member("GetDatosCabecera", &C::GetDatosCabecera, partyParameters(false)),
-      single<C::esPersonaFisica>("esPersonaFisica"),
+      single<&C::esPersonaFisica>("esPersonaFisica"),
       member("GetDatosEmpresa", &C::GetDatosEmpresa, partyParameters(true)),
       member("GetAdministrativeCentres", &C::GetAdministrativeCentres, centreParameters()),
       member("GetDatosFacturar", &C::GetDatosFacturar, invoicingParameters()),
@@ -229,17 +229,17 @@ std::vector<Member> profileSlots() {
       member("ObtenerColCentrosProd", &C::ObtenerColCentrosProd, "[objCn]"),
       member("ObtenerColActivos", &C::ObtenerColActivos, "[objCn]"),
       member("ObtenerColAsociados", &C::ObtenerColAsociados, kOfId),
-      single<C::ObtenerMailDoc>("ObtenerMailDoc", kOfId),
-      single<C::ObtenerMailDoc_Admin>("ObtenerMailDoc_Admin", kOfId),
-      single<C::ObtenerRiesgo>("ObtenerRiesgo", kOfId),
-      single<C::ObtenerRazonSocial>("ObtenerRazonSocial"),
-      single<C::ObtenerCP>("ObtenerCP"),
-      single<C::ObtenerPrintPaper>("ObtenerPrintPaper", kOfId),
-      single<C::ObtenerRpt_Fac>("ObtenerRpt_Fac", kOfId),
-      single<C::ObtenerRpt_Alb>("ObtenerRpt_Alb", kOfId),
-      single<C::ObtenerRpt_dec>("ObtenerRpt_dec", kOfId),
-      single<C::ObtenerHorario>("ObtenerHorario"),
-      single<C::ObtenerTexto>("ObtenerTexto"),
+      single<&C::ObtenerMailDoc>("ObtenerMailDoc", kOfId),
+      single<&C::ObtenerMailDoc_Admin>("ObtenerMailDoc_Admin", kOfId),
+      single<&C::ObtenerRiesgo>("ObtenerRiesgo", kOfId),
+      single<&C::ObtenerRazonSocial>("ObtenerRazonSocial"),
+      single<&C::ObtenerCP>("ObtenerCP"),
+      single<&C::ObtenerPrintPaper>("ObtenerPrintPaper", kOfId),
+      single<&C::ObtenerRpt_Fac>("ObtenerRpt_Fac", kOfId),
+      single<&C::ObtenerRpt_Alb>("ObtenerRpt_Alb", kOfId),
+      single<&C::ObtenerRpt_dec>("ObtenerRpt_dec", kOfId),
+      single<&C::ObtenerHorario>("ObtenerHorario"),
+      single<&C::ObtenerTexto>("ObtenerTexto"),
       member("IniciaXML", &C::IniciaXML, "sPath"),
   };
 }

@@ -11,8 +11,6 @@ namespace tavelor {
 
 namespace {
 
-using C = ClsClientes;
-
 // ---------------------------------------------------------------------------------------------
 // Whose value it is
 
@@ -108,47 +106,45 @@ constexpr bool kQuiet = true;
 // ---------------------------------------------------------------------------------------------
 // Statement, answer for nobody, answer for a customer
 
-const C::Flag C::ObtenerBloqueo = {"SELECT Bloqueo", kOf, false, isSet};
-const C::Flag C::ExisteCli = {"SELECT Codigo", " FROM Clientes Where codigo ='{id}'", false,
-                              isThere};
-const C::Flag C::ExisteNif = {"SELECT NIF", " FROM Clientes Where NIF ='{id}'", false, isThere};
-const C::Flag C::ExisteExternalID = {"SELECT ExternalId", " FROM Clientes Where ExternalId ='{id}'",
-                                     false, isThere};
-const C::Flag C::EstaDisponible = {
-    "SELECT Codigo", " FROM Clientes Where codigo ='{id}' And Activo <> 2", false, isThere};
-
-const C::Flag C::esFacturable = {"SELECT codigo, codigo_fac", kOf, false, billedItself};
-const C::Flag C::esDistribuidor = {"SELECT codigo, codigo_fac", kOf, false, distributor};
-const C::Flag C::esAsociado = {"SELECT codigo, codigo_fac", kOf, false, associate};
-const C::Flag C::esActivo = {"SELECT activo", kOf, false, isSet};
-const C::Flag C::esSerie_as = {"SELECT Serie_as", kOf, false, isSet};
-const C::Flag C::esPortesNoIncl = {"SELECT Portes_Alb", kOf, false, isSet};
-const C::Flag C::esPersonaFisica = {"SELECT ID_Fiscal", " FROM Clientes WHERE Codigo = '{id}'",
-                                    false, naturalPerson};
-const C::Flag C::ObtenerPrintPaper = {"SELECT Fact_Papel", kByCode, false, isSet};
-const C::Flag C::IncludeTax = {"SELECT Impuesto_Incluido as IncludeTax", kOfUsable, false, isSet};
-const C::Flag C::EsIvaDeducible = {"SELECT Impuesto as IncludeTax", kOfUsable, false, isSet};
-const C::Flag C::PortesAlConvertir = {"SELECT Portes_Alb as Portes", kOfUsable, false, isSet};
-
-const C::Text C::GetTipoCli = {"SELECT Tipo_Cliente", kOf, "no", orNo};
-const C::Text C::GetCodigo_Banco = {"SELECT Banco", kOf, "0", bank};
-const C::Text C::ObtenerRazonSocial = {"SELECT Razon_social", kByCode, "", orNo};
-const C::Text C::ObtenerCP = {"SELECT Centro", kByCode, "", orNothing};
-const C::Text C::ObtenerHorario = {"SELECT Horario", kByCode, "", hours};
-const C::Text C::ObtenerTexto = {"SELECT Texto_Aviso, Incorporar", kByCode, "", warning};
-const C::Text C::ObtenerMailDoc = {"SELECT E_Mail_DOC", kByCode, "", documentMail};
-const C::Text C::ObtenerMailDoc_Admin = {"SELECT E_Mail_doc, E_Mail_admin, UemlAdm", kByCode, "",
-                                         wantedMail};
-const C::Text C::ObtenerRpt_Fac = {"SELECT Rpt_Fac", kByCode, "no", report};
-const C::Text C::ObtenerRpt_Alb = {"SELECT Rpt_Alb", kByCode, "no", report};
-const C::Text C::ObtenerRpt_dec = {"SELECT Rpt_Dec", kByCode, "no", report, kQuiet};
-const C::Number C::ObtenerRiesgo = {"SELECT Riesgo", kByCode, 0, orZero};
-
-const C::Text C::GetSerie = {"SELECT Serie", kOfUsable, "A", itself};
-const C::Text C::GetLista = {"SELECT Lista", kOfUsable, "PRC", itself};
-const C::Text C::GetRefPortes = {"SELECT Codigo_portes", kOfUsable, "0", itself, kQuiet};
-const C::Text C::GetFacturacion = {"SELECT Facturar", kOfUsable, "Mensual", itself};
-const C::Text C::GetCodigo_fac = {"SELECT codigo_fac", kOfUsable, "0", itself};
+ClsClientes::ClsClientes()
+    : OpensByWord(kInfo),
+      ObtenerBloqueo(*this, {"SELECT Bloqueo", kOf, false, isSet}),
+      ExisteCli(*this, {"SELECT Codigo", " FROM Clientes Where codigo ='{id}'", false, isThere}),
+      ExisteNif(*this, {"SELECT NIF", " FROM Clientes Where NIF ='{id}'", false, isThere}),
+      ExisteExternalID(
+          *this, {"SELECT ExternalId", " FROM Clientes Where ExternalId ='{id}'", false, isThere}),
+      EstaDisponible(*this, {"SELECT Codigo", " FROM Clientes Where codigo ='{id}' And Activo <> 2",
+                             false, isThere}),
+      esFacturable(*this, {"SELECT codigo, codigo_fac", kOf, false, billedItself}),
+      esDistribuidor(*this, {"SELECT codigo, codigo_fac", kOf, false, distributor}),
+      esAsociado(*this, {"SELECT codigo, codigo_fac", kOf, false, associate}),
+      esActivo(*this, {"SELECT activo", kOf, false, isSet}),
+      esSerie_as(*this, {"SELECT Serie_as", kOf, false, isSet}),
+      esPortesNoIncl(*this, {"SELECT Portes_Alb", kOf, false, isSet}),
+      esPersonaFisica(*this, {"SELECT ID_Fiscal", " FROM Clientes WHERE Codigo = '{id}'", false,
+                              naturalPerson}),
+      ObtenerPrintPaper(*this, {"SELECT Fact_Papel", kByCode, false, isSet}),
+      IncludeTax(*this, {"SELECT Impuesto_Incluido as IncludeTax", kOfUsable, false, isSet}),
+      EsIvaDeducible(*this, {"SELECT Impuesto as IncludeTax", kOfUsable, false, isSet}),
+      PortesAlConvertir(*this, {"SELECT Portes_Alb as Portes", kOfUsable, false, isSet}),
+      GetTipoCli(*this, {"SELECT Tipo_Cliente", kOf, "no", orNo}),
+      GetCodigo_Banco(*this, {"SELECT Banco", kOf, "0", bank}),
+      ObtenerRazonSocial(*this, {"SELECT Razon_social", kByCode, "", orNo}),
+      ObtenerCP(*this, {"SELECT Centro", kByCode, "", orNothing}),
+      ObtenerHorario(*this, {"SELECT Horario", kByCode, "", hours}),
+      ObtenerTexto(*this, {"SELECT Texto_Aviso, Incorporar", kByCode, "", warning}),
+      ObtenerMailDoc(*this, {"SELECT E_Mail_DOC", kByCode, "", documentMail}),
+      ObtenerMailDoc_Admin(*this,
+                           {"SELECT E_Mail_doc, E_Mail_admin, UemlAdm", kByCode, "", wantedMail}),
+      ObtenerRpt_Fac(*this, {"SELECT Rpt_Fac", kByCode, "no", report}),
+      ObtenerRpt_Alb(*this, {"SELECT Rpt_Alb", kByCode, "no", report}),
+      ObtenerRpt_dec(*this, {"SELECT Rpt_Dec", kByCode, "no", report, kQuiet}),
+      ObtenerRiesgo(*this, {"SELECT Riesgo", kByCode, 0, orZero}),
+      GetSerie(*this, {"SELECT Serie", kOfUsable, "A", itself}),
+      GetLista(*this, {"SELECT Lista", kOfUsable, "PRC", itself}),
+      GetRefPortes(*this, {"SELECT Codigo_portes", kOfUsable, "0", itself, kQuiet}),
+      GetFacturacion(*this, {"SELECT Facturar", kOfUsable, "Mensual", itself}),
+      GetCodigo_fac(*this, {"SELECT codigo_fac", kOfUsable, "0", itself}) {}
 
 // Null is asked once more, for the customer whose code is True, and the answer dropped: the trace
 // of a shop has always shown both statements.

@@ -235,6 +235,8 @@ class RecordClass : public Object {
   static Statement withId(std::string_view text, const Variant& id);
 
  private:
+  template <typename>
+  friend class SingleReadOf;
   class PrimaryEvents;
 
   void takePrimary(RecordsetPtr rows);

@@ -235,6 +235,32 @@ TEST_F(ClsClientesEscrituraTest, WithoutCustomersNoFileIsWritten) {
   EXPECT_EQ(customers.DataMember("Primary"), rows);
 }
 
+TEST_F(ClsClientesEscrituraTest, ATruncatedFileIsRefusedAndTheOldRowsStay) {
+  add("1");
+  const std::string path = shop.installation().folder() + "/clientes.xml";
+  customers.Create_xml_Clientes(path);
+  std::filesystem::resize_file(path, std::filesystem::file_size(path) / 2);
+  customers.IniciaRs("todos");
+  const auto rows = customers.DataMember("Primary");
+  EXPECT_EQ(errorOf([&] { customers.IniciaXML(path); }), errors::kInvalidArgument);
+  EXPECT_EQ(customers.DataMember("Primary"), rows);
+  EXPECT_EQ(rows->RecordCount(), 1);
+}
+
+// The file tells its columns, not its class; members that want a customer's say which is missing.
+TEST_F(ClsClientesEscrituraTest, RowsOfAnotherClassAreShownAsTheyAre) {
+  shop.run("INSERT INTO Bancos (Codigo, Banco) VALUES ('001', 'Caja Rural')");
+  const std::string path = shop.installation().folder() + "/bancos.xml";
+  {
+    RecordsetPtr rows;
+    ConnectionPtr connection;
+    DataSession().OpenRecordset(1, Statement("SELECT * FROM Bancos"), rows, connection);
+    rows->Save(path);
+  }
+  EXPECT_EQ(customers.IniciaXML(path)->RecordCount(), 1);
+  EXPECT_EQ(errorOf([&] { customers.Update(); }), errors::kItemNotFound);
+}
+
 // ---- Lists
 
 TEST_F(ClsClientesEscrituraTest, ListsOfCodesInUseAndOfThoseBilledToOne) {

@@ -256,8 +256,8 @@ TEST_F(ClsClientesLecturasTest, AMemberOfUsableCustomersTakesAnInactiveOneForNob
 
 TEST_F(ClsClientesLecturasTest, ANullRaisesInThoseThatReadItUntested) {
   add("00012");
-  for (const auto* member : {&C::GetSerie, &C::GetLista, &C::GetFacturacion, &C::GetCodigo_fac}) {
-    EXPECT_EQ(errorOf([&] { (*member)("00012"); }), errors::kInvalidUseOfNull);
+  for (const auto member : {&C::GetSerie, &C::GetLista, &C::GetFacturacion, &C::GetCodigo_fac}) {
+    EXPECT_EQ(errorOf([&] { (customers.*member)("00012"); }), errors::kInvalidUseOfNull);
   }
 }
 
@@ -332,14 +332,14 @@ TEST_F(ClsClientesLecturasTest, TheAdministrationsMailTakesTheDocumentsPlaceEven
 
 TEST_F(ClsClientesLecturasTest, AReportNeedsMoreThanFourCharacters) {
   add("00012");
-  for (const auto* member : {&C::ObtenerRpt_Fac, &C::ObtenerRpt_Alb, &C::ObtenerRpt_dec}) {
+  for (const auto member : {&C::ObtenerRpt_Fac, &C::ObtenerRpt_Alb, &C::ObtenerRpt_dec}) {
     for (const char* none : {"Null", "''", "'No'", "'abcd'", "'ñoño'"}) {
       set("00012",
           std::string("Rpt_Fac = ") + none + ", Rpt_Alb = " + none + ", Rpt_Dec = " + none);
-      EXPECT_EQ((*member)("00012"), "no") << none;
+      EXPECT_EQ((customers.*member)("00012"), "no") << none;
     }
     set("00012", "Rpt_Fac = 'abcde', Rpt_Alb = 'abcde', Rpt_Dec = 'abcde'");
-    EXPECT_EQ((*member)("00012"), "abcde");
+    EXPECT_EQ((customers.*member)("00012"), "abcde");
   }
 }
 
