@@ -49,17 +49,18 @@ std::string otherValue(const Slot& slot, std::string_view now) {
 }  // namespace
 
 Statement withOtherValues(const Statement& statement, const Shape& shape) {
-  const std::string_view text = statement.text();
   Statement other;
-  std::size_t at = 0;
-  for (std::size_t i = 0; i < statement.ranges().size(); ++i) {
-    const Statement::Range range = statement.ranges()[i];
-    const std::string changed =
-        otherValue(shape.slots[i], text.substr(range.begin, range.end - range.begin));
-    other << text.substr(at, range.begin - at) << value(changed);
-    at = range.end;
+  const char* kept = statement.keptText().data();
+  std::size_t slot = 0;
+  for (const Statement::Piece& piece : statement.pieces()) {
+    const std::string_view text(kept, piece.size);
+    kept += piece.size;
+    if (piece.kind == Statement::Piece::Kind::kValue) {
+      other << value(otherValue(shape.slots[slot++], text));
+    } else {
+      other << text;
+    }
   }
-  other << text.substr(at);
   return other;
 }
 

@@ -51,7 +51,7 @@ Outcome outcomeOf(PlanCache& cache, const Statement& statement) {
 }
 
 void check(PlanCache& cache, const Statement& statement) {
-  const std::string text(statement.text());
+  const std::string text = statement.text();
   const Outcome first = outcomeOf(cache, statement);
   const Outcome again = outcomeOf(cache, statement);
   require(first == again, "a statement does the same when it runs again",

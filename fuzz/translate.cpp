@@ -37,10 +37,10 @@ void checkEngineText(const Statement& statement, const dialect::Step& step,
   try {
     const auto prepared = database().session->prepare(step.sql);
     require(static_cast<std::size_t>(prepared->parameterCount()) == step.parameters.size(),
-            "a parameter a placeholder", std::string(statement.text()) + "\n" + step.sql);
+            "a parameter a placeholder", statement.text() + "\n" + step.sql);
   } catch (const Error& error) {
     require(false, "the engine takes what was translated",
-            std::string(statement.text()) + "\n" + step.sql + "\n" + error.what());
+            statement.text() + "\n" + step.sql + "\n" + error.what());
   }
 }
 
@@ -54,7 +54,7 @@ void check(const Statement& statement) {
   dialect::Literals others;
   const Statement changed = withOtherValues(statement, shape);
   require(samePlan(plan, translated(changed, others)), "the plan does not depend on the values",
-          std::string(statement.text()) + "\n" + std::string(changed.text()));
+          statement.text() + "\n" + changed.text());
 }
 
 }  // namespace

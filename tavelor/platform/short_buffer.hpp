@@ -20,19 +20,22 @@ class ShortBuffer {
   // Without {}: what lies behind the last element needs no value.
   ShortBuffer() {}  // NOLINT(modernize-use-equals-default, *-member-init)
   // Moved as it is copied, so that what is left behind is whole.
-  ShortBuffer(const ShortBuffer&) = default;
-  ShortBuffer& operator=(const ShortBuffer&) = default;
+  ShortBuffer(const ShortBuffer& other) { append(other.elements()); }
+  ShortBuffer& operator=(const ShortBuffer& other) {
+    if (this == &other) return *this;
+    size_ = 0;
+    append(other.elements());
+    return *this;
+  }
 
   const Element* data() const { return size_ <= kRoom ? own_.data() : heap_.data(); }
   std::size_t size() const { return size_; }
   std::span<const Element> elements() const { return {data(), size_}; }
 
   void append(const Element& one) {
-    if (size_ < kRoom) {
-      own_[size_++] = one;
-    } else {
-      appendOnHeap({&one, 1});
-    }
+    if (size_ >= kRoom) [[unlikely]]
+      return appendOnHeap({&one, 1});
+    own_[size_++] = one;
   }
   void append(std::span<const Element> more) {
     if (more.empty()) return;  // which may have no address
@@ -44,7 +47,7 @@ class ShortBuffer {
  private:
   // `more` may be a part of this buffer, so what is outgrown goes last. Room on the heap may be
   // left from longer contents that were assigned over; the elements are not there yet.
-  void appendOnHeap(std::span<const Element> more) {
+  [[gnu::noinline, gnu::cold]] void appendOnHeap(std::span<const Element> more) {
     std::vector<Element> grown;
     if (size_ <= kRoom || heap_.capacity() < size_ + more.size()) {
       grown.reserve(2 * (size_ + more.size()));

@@ -1,62 +1,111 @@
 // SPDX-License-Identifier: MIT
-// Statement text that remembers which bytes came from values.
+// Statements made of constant text and of values, and joined only where their text is needed.
 #pragma once
 
+#include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
+#include <type_traits>
+#include <vector>
 
 #include "tavelor/platform/short_buffer.hpp"
 
 namespace tavelor {
 
-/// A statement of the dialect, joined from the class's own text and from values:
+/// A statement of the dialect, made of the class's own text and of values:
 ///
 ///     Statement s("SELECT Http as web FROM Bancos WHERE codigo = '");
 ///     s << value(vId) << "'";
 ///
-/// text() is exactly the joined text. Because the ranges of the values are known, a value that does
-/// not stay inside the literal that it was put into is refused as a syntax error: a quote breaks
-/// the statement, and can never change what it does.
+/// text() is exactly the joined text. Because the values are known, one that does not stay inside
+/// the literal that it was put into is refused as a syntax error: a quote breaks the statement, and
+/// can never change what it does.
 class Statement {
  public:
-  /// Bytes [begin, end) of text() that came from outside.
+  /// Text that is known when compiling. It never changes and never goes, so two constants at one
+  /// address with one length are the same text.
+  class Constant {
+   public:
+    template <std::size_t kSize>
+    consteval Constant(const char (&text)[kSize])  // NOLINT(google-explicit-constructor,*-c-arrays)
+        : text_(text, kSize - 1) {
+      // Reading it while compiling proves that nothing can write to it.
+      if (text_.find('\0') != std::string_view::npos) throw "a constant has no NUL";
+    }
+    constexpr std::string_view text() const { return text_; }
+
+   private:
+    std::string_view text_;
+  };
+  /// A text marked as coming from outside.
+  struct Value {
+    std::string_view text;
+  };
+  /// Text that is trusted though it is known only when running, as a table's name.
+  template <typename Text>
+  static constexpr bool kIsTrusted =
+      std::convertible_to<const Text&, std::string_view> && !std::is_array_v<Text>;
+
+  Statement() = default;
+  explicit Statement(Constant constant) { *this << constant; }
+  template <typename Text>
+  requires kIsTrusted<Text>
+  explicit Statement(const Text& trusted) { *this << trusted; }
+
+  Statement& operator<<(Constant constant) {
+    pieces_.append({constant.text().data(), sizeOf(constant.text()), Piece::Kind::kConstant});
+    return *this;
+  }
+  template <typename Text>
+  requires kIsTrusted<Text> Statement& operator<<(const Text& trusted) {
+    return keep(trusted, Piece::Kind::kTrusted);
+  }
+  Statement& operator<<(Value value) { return keep(value.text, Piece::Kind::kValue); }
+  /// Appends another statement, piece by piece.
+  Statement& operator<<(const Statement& part);
+
+  bool empty() const { return pieces_.size() == 0; }
+  /// The joined text, made anew by each call.
+  std::string text() const { return joined().text; }
+
+  /// Bytes [begin, end) of the text that came from outside.
   struct Range {
     std::uint32_t begin;
     std::uint32_t end;
     friend constexpr bool operator==(Range, Range) = default;
   };
-  /// A text marked as coming from outside. Lives only as long as the text that it views.
-  struct Value {
-    std::string_view text;
+  struct Joined {
+    std::string text;
+    std::vector<Range> ranges;  ///< one a value
   };
+  Joined joined() const;
 
-  Statement() = default;
-  /// The library's own text, trusted.
-  explicit Statement(std::string_view trusted) { text_.append(trusted); }
-
-  Statement& operator<<(std::string_view trusted) {
-    text_.append(trusted);
-    return *this;
-  }
-  Statement& operator<<(Value value) {
-    const auto begin = static_cast<std::uint32_t>(text_.size());
-    text_.append(value.text);
-    ranges_.append(Range{begin, static_cast<std::uint32_t>(text_.size())});
-    return *this;
-  }
-  /// Appends another statement with its ranges.
-  Statement& operator<<(const Statement& part);
-
-  /// Good until the statement grows or goes.
-  std::string_view text() const { return {text_.data(), text_.size()}; }
-  std::span<const Range> ranges() const { return ranges_.elements(); }
+  /// What was appended at once.
+  struct Piece {
+    enum class Kind : std::uint8_t { kConstant, kTrusted, kValue };
+    const char* constant;  ///< null unless a constant: the text is in keptText()
+    std::uint32_t size;    ///< bytes
+    Kind kind;
+    friend bool operator==(const Piece&, const Piece&) = default;
+  };
+  /// Good until the statement grows or goes; so is keptText().
+  std::span<const Piece> pieces() const { return pieces_.elements(); }
+  /// The texts of all pieces that are no constants, one behind the other.
+  std::string_view keptText() const { return {kept_.data(), kept_.size()}; }
 
  private:
-  // Room for most statements: they are joined by the thousand, and the heap would cost as much as
-  // the joining.
-  ShortBuffer<char, 256> text_;
-  ShortBuffer<Range, 12> ranges_;
+  static std::uint32_t sizeOf(std::string_view text) {
+    return static_cast<std::uint32_t>(text.size());
+  }
+  Statement& keep(std::string_view text, Piece::Kind kind);
+
+  // Room for most statements: they are made by the thousand, and the heap would cost as much as the
+  // rest.
+  ShortBuffer<Piece, 24> pieces_;
+  ShortBuffer<char, 256> kept_;
 };
 
 /// Marks a text as a value from outside.

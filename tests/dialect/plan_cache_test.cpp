@@ -260,8 +260,9 @@ TEST_F(PlanCacheTest, AQuoteInAValueIsSeenWhereverItStands) {
   }
 }
 
-TEST_F(PlanCacheTest, ATextWithoutValuesIsRememberedWhenItComesAgain) {
-  const Statement text("DELETE FROM Lineas WHERE Codigo = 'a' AND Cantidad > 1.5");
+TEST_F(PlanCacheTest, ATextKnownWhenRunningOnlyIsRememberedWhenItComesAgain) {
+  const std::string known("DELETE FROM Lineas WHERE Codigo = 'a' AND Cantidad > 1.5");
+  const Statement text(known);
   run(text);
   run(text);
   EXPECT_EQ(cache.counters().shapeHits, 0U);
@@ -327,6 +328,36 @@ TEST_F(PlanCacheTest, ConstantsOfTheTextAreTakenFromTheStatementAtHand) {
   EXPECT_THAT(journal.bound, ElementsAre("whole 1", "text c"));
   EXPECT_EQ(cache.counters().translated, 1U);
   EXPECT_EQ(cache.counters().shapeHits, 1U);
+}
+
+// A buffer that is used again, a page of memory that is: the address tells nothing there.
+TEST_F(PlanCacheTest, ATextThatMayChangeIsKnownByWhatItSaysNotByItsAddress) {
+  std::string condition = "Codigo = '";
+  const auto remove = [&](std::string_view text) {
+    return Statement("DELETE FROM Lineas WHERE ") << condition << value(text) << "'";
+  };
+  run(remove("a"));
+  EXPECT_THAT(journal.runs.back(), HasSubstr("WHERE Codigo = "));
+  condition.replace(0, 6, "  Nota");
+  run(remove("b"));
+  EXPECT_THAT(journal.runs.back(), HasSubstr("WHERE Nota = "));
+  std::string whole = "DELETE FROM Lineas WHERE Codigo = 'c'";
+  for (int count = 0; count < 3; ++count) run(Statement(whole));
+  whole[whole.size() - 2] = 'd';
+  run(Statement(whole));
+  EXPECT_THAT(journal.bound, ElementsAre("text d"));
+}
+
+// As two files of one program may have it.
+TEST_F(PlanCacheTest, AConstantThatStandsTwiceIsTheSameStatement) {
+  static constexpr char kHere[] = "DELETE FROM Lineas WHERE Codigo = '";
+  static constexpr char kThere[] = "DELETE FROM Lineas WHERE Codigo = '";
+  for (int round = 0; round < 2; ++round) {
+    run(Statement(kHere) << value("a") << "'");
+    run(Statement(kThere) << value("b") << "'");
+    EXPECT_THAT(journal.bound, ElementsAre("text b"));
+  }
+  EXPECT_EQ(journal.prepared, 1);
 }
 
 TEST_F(PlanCacheTest, TextsThatDifferBehindTheirValuesAreAllRemembered) {

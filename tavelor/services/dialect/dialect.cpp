@@ -16,8 +16,8 @@ Plan translate(const Statement& statement, const engine::Catalogue& catalogue, c
   Arena arena;
   TreeStatement* tree = parse(tokens, arena);
   Plan plan;
-  Binder(statement.text(), catalogue, arena).bind(*tree, plan);
-  plan.steps.push_back(StepText(writer, statement.text(), 0).write(*tree));
+  Binder(tokens.text, catalogue, arena).bind(*tree, plan);
+  plan.steps.push_back(StepText(writer, tokens.text, 0).write(*tree));
   literals = std::move(tokens.literals);
   return plan;
 }

@@ -4,7 +4,8 @@
 
 #include <algorithm>
 #include <array>
-#include <span>
+#include <utility>
+#include <vector>
 
 #include "tavelor/platform/date_text.hpp"
 #include "tavelor/platform/error.hpp"
@@ -52,12 +53,13 @@ enum class Lifting : std::uint8_t { kOn, kOff };
 
 class Lexer {
  public:
-  Lexer(std::string_view text, std::span<const Statement::Range> ranges, Lifting lifting)
-      : text_(text), ranges_(ranges), lifting_(lifting) {
-    list_.text = text;
-    list_.tokens.reserve(text.size() / 4 + 2);
-    list_.values.reserve(ranges.size());
-    list_.literals.reserve(ranges.size() + 4);
+  Lexer(Statement::Joined statement, Lifting lifting)
+      : ranges_(std::move(statement.ranges)), lifting_(lifting) {
+    list_.text = std::move(statement.text);
+    text_ = list_.text;
+    list_.tokens.reserve(text_.size() / 4 + 2);
+    list_.values.reserve(ranges_.size());
+    list_.literals.reserve(ranges_.size() + 4);
   }
 
   TokenList run() {
@@ -330,7 +332,11 @@ class Lexer {
     place.token = static_cast<std::uint32_t>(list_.tokens.size());
     place.quote = quote;
     if (lifts()) place.literal = static_cast<std::int32_t>(list_.literals.size());
-    list_.values.insert(list_.values.end(), nextRange_ - first, place);
+    for (std::size_t i = first; i < nextRange_; ++i) {
+      place.begin = ranges_[i].begin;
+      place.end = ranges_[i].end;
+      list_.values.push_back(place);
+    }
   }
 
   void lexDate() {
@@ -381,6 +387,8 @@ class Lexer {
     if (begin == end) fail(range.begin, nameOf(range) + " is empty where a number is expected");
     checkNeighbours(range);
     ValuePlace place;
+    place.begin = range.begin;
+    place.end = range.end;
     place.token = static_cast<std::uint32_t>(list_.tokens.size());
     const bool lifted = lifts();
     if (lifted) place.literal = static_cast<std::int32_t>(list_.literals.size());
@@ -509,10 +517,10 @@ class Lexer {
     push(token, position_, position_ + length);
   }
 
-  std::string_view text_;
-  std::span<const Statement::Range> ranges_;
-  Lifting lifting_;
   TokenList list_;
+  std::string_view text_;
+  std::vector<Statement::Range> ranges_;
+  Lifting lifting_;
   std::size_t position_ = 0;
   std::size_t nextRange_ = 0;
   int depth_ = 0;
@@ -522,11 +530,11 @@ class Lexer {
 }  // namespace
 
 TokenList lex(const Statement& statement) {
-  return Lexer(statement.text(), statement.ranges(), Lifting::kOn).run();
+  return Lexer(statement.joined(), Lifting::kOn).run();
 }
 
 TokenList lexSchema(std::string_view ddl) {
-  return Lexer(ddl, {}, Lifting::kOff).run();
+  return Lexer({std::string(ddl), {}}, Lifting::kOff).run();
 }
 
 std::string unquoted(std::string_view literal) {

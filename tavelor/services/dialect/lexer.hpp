@@ -99,6 +99,8 @@ struct Token {
 
 /// Where a value of the statement stands.
 struct ValuePlace {
+  std::uint32_t begin = 0;  ///< bytes of the statement
+  std::uint32_t end = 0;
   std::int32_t literal = -1;  ///< lifted literal that holds it; -1: the value is part of the shape
   std::uint32_t token = 0;    ///< index of the token that holds it
   char quote = 0;             ///< ' or " around the literal, # of a date, 0 of a bare number
@@ -106,13 +108,13 @@ struct ValuePlace {
 };
 
 struct TokenList {
-  std::string_view text;           ///< the statement; must outlive the list
+  std::string text;                ///< the statement
   std::vector<Token> tokens;       ///< the last one is kEnd
   Literals literals;               ///< the lifted ones
-  std::vector<ValuePlace> values;  ///< one for each range of the statement
+  std::vector<ValuePlace> values;  ///< one for each value of the statement
 
   std::string_view textOf(const Token& token) const {
-    return text.substr(token.begin, token.end - token.begin);
+    return std::string_view(text).substr(token.begin, token.end - token.begin);
   }
 };
 
@@ -131,9 +133,9 @@ TokenList lexSchema(std::string_view ddl);
 /// A quoted text without its quotes, doubled quotes made single; a date without its #.
 std::string unquoted(std::string_view literal);
 
-/// The value of a range in its literal. The literal's text is the prefix, the value and the suffix;
-/// where several values share a literal, these follow each other in the order of the ranges, each
-/// with the constant text before it, and only the last one has a suffix.
+/// A value in its literal. The literal's text is the prefix, the value and the suffix; where
+/// several values share a literal, these follow each other in the order of the statement, each with
+/// the constant text before it, and only the last one has a suffix.
 struct Slot {
   std::int32_t literal = -1;  ///< index in Shape::literals
   LiteralKind kind = LiteralKind::kText;
@@ -141,6 +143,9 @@ struct Slot {
   bool delimited = false;  ///< as in ValuePlace
   std::string prefix;      ///< constant text, without quotes
   std::string suffix;
+  /// Empty, and only for that the two quotes around it are one doubled quote, or the bytes around
+  /// it one letter.
+  bool joinsNeighbours = false;
 };
 
 /// What two statements have in common that differ in their lifted literals only.
@@ -150,8 +155,8 @@ struct Shape {
   std::string key;
   Literals literals;
   std::vector<LiteralKind> kinds;  ///< of each literal
-  std::vector<Slot> slots;         ///< one for each range of the statement
-  /// True if every range lies in a lifted literal, so that the text between the ranges and the
+  std::vector<Slot> slots;         ///< one for each value of the statement
+  /// True if every value lies in a lifted literal, so that the text between the values and the
   /// kinds of the literals decide the shape.
   bool spliceable = false;
 };

@@ -27,8 +27,8 @@ namespace {
 
 // Statements of a till and of a back office number some hundreds; lists of varying length add more.
 constexpr std::size_t kCapacity = 512;
-// Statements share a place that differ only in the kinds of their numbers, or between their values
-// at equal lengths. More than these few are not worth remembering.
+// Statements share a place that differ only in the kinds of their numbers. More than these few are
+// not worth remembering.
 constexpr std::size_t kMostAlike = 8;
 
 /// Texts by text, found without making a string.
@@ -121,10 +121,15 @@ struct PlanCache::State {
     return *found;
   }
 
-  /// A text without values may hold literals that never come again, so it has to come twice.
+  /// A text that is known when running only may hold literals that never come again: where nothing
+  /// in it is marked as a value, it has to come twice.
   bool isWorthRemembering(const Statement& statement, std::uint64_t hash) {
-    return !statement.ranges().empty() ||
-           std::exchange(plainTexts[hash % plainTexts.size()], hash) == hash;
+    bool hasTrusted = false;
+    for (const Statement::Piece& piece : statement.pieces()) {
+      if (piece.kind == Statement::Piece::Kind::kValue) return true;
+      hasTrusted = hasTrusted || piece.kind == Statement::Piece::Kind::kTrusted;
+    }
+    return !hasTrusted || std::exchange(plainTexts[hash % plainTexts.size()], hash) == hash;
   }
 
   void remember(const Statement& statement, std::uint64_t hash,

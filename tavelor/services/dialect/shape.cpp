@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What statements have in common that differ in their literals only.
-#include "tavelor/platform/statement.hpp"
+#include "tavelor/platform/utf8.hpp"
 #include "tavelor/services/dialect/lexer.hpp"
 
 namespace tavelor::dialect {
@@ -32,13 +32,12 @@ std::string undoubled(std::string_view part, char quote) {
   return text;
 }
 
-void addSlots(const Statement& statement, const TokenList& list, Shape& shape) {
-  const std::string_view text = statement.text();
-  const std::span<const Statement::Range> ranges = statement.ranges();
-  shape.slots.reserve(ranges.size());
+void addSlots(const TokenList& list, Shape& shape) {
+  const std::string_view text = list.text;
+  shape.slots.reserve(list.values.size());
   shape.spliceable = true;
   std::size_t constantBegin = 0;
-  for (std::size_t i = 0; i < ranges.size(); ++i) {
+  for (std::size_t i = 0; i < list.values.size(); ++i) {
     const ValuePlace& place = list.values[i];
     const Token& token = list.tokens[place.token];
     Slot slot;
@@ -49,14 +48,17 @@ void addSlots(const Statement& statement, const TokenList& list, Shape& shape) {
     if (place.literal < 0) shape.spliceable = false;
     if (place.quote != 0 && !place.delimited) {
       const bool first = i == 0 || list.values[i - 1].token != place.token;
-      const bool last = i + 1 == ranges.size() || list.values[i + 1].token != place.token;
+      const bool last = i + 1 == list.values.size() || list.values[i + 1].token != place.token;
       if (first) constantBegin = token.begin + 1;
       const auto part = [&](std::size_t begin, std::size_t end) {
         return undoubled(text.substr(begin, end - begin), place.quote);
       };
-      slot.prefix = part(constantBegin, ranges[i].begin);
-      if (last) slot.suffix = part(ranges[i].end, token.end - 1);
-      constantBegin = ranges[i].end;
+      slot.prefix = part(constantBegin, place.begin);
+      if (last) slot.suffix = part(place.end, token.end - 1);
+      constantBegin = place.end;
+      const auto behind = static_cast<unsigned char>(text[place.end]);
+      slot.joinsNeighbours = place.begin == place.end &&
+                             (slot.prefix.ends_with(place.quote) || utf8::isContinuation(behind));
     }
     shape.slots.push_back(std::move(slot));
   }
@@ -67,7 +69,7 @@ void addSlots(const Statement& statement, const TokenList& list, Shape& shape) {
 Shape shapeOf(const Statement& statement) {
   TokenList list = lex(statement);
   Shape shape;
-  shape.key.reserve(statement.text().size());
+  shape.key.reserve(list.text.size());
   shape.kinds.reserve(list.literals.size());
   for (const Token& token : list.tokens) {
     if (token.kind == TokenKind::kEnd) break;
@@ -79,7 +81,7 @@ Shape shapeOf(const Statement& statement) {
       shape.key.append(list.textOf(token));
     }
   }
-  addSlots(statement, list, shape);
+  addSlots(list, shape);
   shape.literals = std::move(list.literals);
   return shape;
 }

@@ -2,11 +2,10 @@
 // The short road from a statement to its plan.
 #include "tavelor/services/dialect/splice.hpp"
 
+#include <functional>
 #include <optional>
-#include <span>
 
 #include "tavelor/platform/date_text.hpp"
-#include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/platform/utf8.hpp"
 #include "tavelor/platform/words.hpp"
@@ -15,6 +14,8 @@
 namespace tavelor::dialect {
 
 namespace {
+
+using Piece = Statement::Piece;
 
 constexpr Word64 kSeed = 0xA0761D6478BD642FU;
 constexpr Word64 kFactor = 0xE7037ED1A0B428DBU;
@@ -48,24 +49,37 @@ bool staysInside(std::string_view value, char quote) {
 
 }  // namespace
 
+Splice::Place Splice::placeOf(LiteralKind kind, bool eitherKind) {
+  switch (kind) {
+    case LiteralKind::kText:
+      return Place::kText;
+    case LiteralKind::kDate:
+      return Place::kDate;
+    case LiteralKind::kWhole:
+      return eitherKind ? Place::kNumber : Place::kWhole;
+    case LiteralKind::kDecimal:
+      return eitherKind ? Place::kNumber : Place::kDecimal;
+  }
+  return Place::kText;
+}
+
 std::uint64_t Splice::hash(const Statement& statement) {
-  const std::string_view text = statement.text();
-  const std::span<const Statement::Range> ranges = statement.ranges();
-  std::size_t length = text.size();
-  for (const Statement::Range& range : ranges) length -= range.end - range.begin;
-  Word64 hash = fold(kSeed ^ length, kFactor ^ ranges.size());
-  const auto add = [&](std::string_view segment) {
-    std::size_t at = 0;
-    for (; at + kWordSize < segment.size(); at += kWordSize) {
-      hash = fold(hash ^ load(segment.data() + at), kFactor);
+  Word64 hash = kSeed;
+  const char* kept = statement.keptText().data();
+  for (const Piece& piece : statement.pieces()) {
+    switch (piece.kind) {
+      case Piece::Kind::kConstant:
+        hash = fold(hash ^ reinterpret_cast<std::uintptr_t>(piece.constant), kFactor ^ piece.size);
+        break;
+      case Piece::Kind::kTrusted:
+        hash = fold(hash ^ std::hash<std::string_view>()({kept, piece.size}), kFactor);
+        kept += piece.size;
+        break;
+      case Piece::Kind::kValue:
+        hash = fold(hash, kFactor);
+        kept += piece.size;
+        break;
     }
-    hash = fold(hash ^ load(segment.data() + at, segment.size() - at), kFactor);
-  };
-  if (ranges.empty()) {
-    add(text);
-  } else {
-    add(text.substr(0, ranges.front().begin));
-    add(text.substr(ranges.back().end));
   }
   return hash;
 }
@@ -74,106 +88,89 @@ std::optional<Splice> Splice::of(const Statement& statement, const Shape& shape,
                                  const std::vector<bool>& eitherKind) {
   if (!shape.spliceable) return std::nullopt;
   Splice splice;
-  const std::string_view text = statement.text();
-  std::size_t begin = 0;
-  for (const Statement::Range& range : statement.ranges()) {
-    splice.segments_.emplace_back(text.substr(begin, range.begin - begin));
-    begin = range.end;
-  }
-  splice.segments_.emplace_back(text.substr(begin));
   splice.literalCount_ = shape.literals.size();
-  std::vector<std::size_t> parts(shape.literals.size(), 0);
-  for (const dialect::Slot& slot : shape.slots) ++parts[static_cast<std::size_t>(slot.literal)];
+  std::vector<std::size_t> values(shape.literals.size(), 0);
+  for (const dialect::Slot& from : shape.slots) {
+    if (from.joinsNeighbours) return std::nullopt;
+    ++values[static_cast<std::size_t>(from.literal)];
+  }
 
-  for (std::size_t i = 0; i < shape.slots.size(); ++i) {
+  const auto slotOf = [&](std::size_t i) {
     const dialect::Slot& from = shape.slots[i];
     const auto literal = static_cast<std::size_t>(from.literal);
-    const Statement::Range& range = statement.ranges()[i];
-    // An empty value next to a quote inside its literal, or within a letter: whether the two are
-    // one doubled quote, or the bytes one letter, depends on the value being empty.
-    const auto behind = static_cast<unsigned char>(text[range.begin]);
-    if (range.begin == range.end &&
-        (from.prefix.ends_with(from.quote) || utf8::isContinuation(behind))) {
-      return std::nullopt;
-    }
     Slot slot;
     slot.literal = from.literal;
     slot.quote = from.quote;
     slot.delimited = from.delimited;
-    const bool isFirst = i == 0 || shape.slots[i - 1].literal != from.literal;
-    const bool isLast = i + 1 == shape.slots.size() || shape.slots[i + 1].literal != from.literal;
-    switch (from.kind) {
-      case LiteralKind::kText:
-        slot.place = Place::kText;
-        break;
-      case LiteralKind::kDate:
-        slot.place = Place::kDate;
-        break;
-      case LiteralKind::kWhole:
-        slot.place = eitherKind[literal] ? Place::kNumber : Place::kWhole;
-        break;
-      case LiteralKind::kDecimal:
-        slot.place = eitherKind[literal] ? Place::kNumber : Place::kDecimal;
-        break;
-    }
-    if (parts[literal] > 1 || !from.prefix.empty() || !from.suffix.empty()) {
+    slot.place = placeOf(from.kind, eitherKind[literal]);
+    if (values[literal] > 1 || !from.prefix.empty() || !from.suffix.empty()) {
+      const bool isFirst = i == 0 || shape.slots[i - 1].literal != from.literal;
+      const bool isLast = i + 1 == shape.slots.size() || shape.slots[i + 1].literal != from.literal;
       slot.joint = static_cast<std::int32_t>(splice.joints_.size());
       splice.joints_.push_back({from.prefix, from.suffix, isFirst, isLast});
       splice.joined_.resize(shape.literals.size());
     }
-    splice.slots_.push_back(std::move(slot));
+    return slot;
+  };
+  const char* kept = statement.keptText().data();
+  std::size_t value = 0;
+  for (const Piece& piece : statement.pieces()) {
+    Part& part = splice.parts_.emplace_back(Part{piece, {}, {}});
+    if (piece.constant != nullptr) continue;
+    part.piece.size = 0;
+    if (piece.kind == Piece::Kind::kTrusted) {
+      part.trusted.assign(kept, piece.size);
+    } else {
+      part.slot = slotOf(value++);
+    }
+    kept += piece.size;
   }
-  for (std::size_t i = 0; i < parts.size(); ++i) {
-    if (parts[i] > 0) continue;
-    Constant constant;
-    constant.literal = static_cast<std::int32_t>(i);
-    constant.text = shape.literals[i];
-    constant.lifted = lift(constant.text, shape.kinds[i]);
-    splice.constants_.push_back(std::move(constant));
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (values[i] > 0) continue;
+    Fixed fixed;
+    fixed.literal = static_cast<std::int32_t>(i);
+    fixed.text = shape.literals[i];
+    fixed.lifted = lift(fixed.text, shape.kinds[i]);
+    splice.fixed_.push_back(std::move(fixed));
   }
   return splice;
 }
 
-Splice::Segment::Segment(std::string_view text)
-    : length_(text.size()),
-      word_(length_ <= kWordSize ? load(text.data(), length_) : 0),
-      text_(length_ <= kWordSize ? std::string_view() : text) {}
-
-inline bool Splice::Segment::is(std::string_view text) const {
-  if (text.size() != length_) return false;
-  if (length_ <= kWordSize) return load(text.data(), length_) == word_;
-  return text == text_;
-}
-
 bool Splice::take(const Statement& statement, std::vector<Lifted>& literals) {
-  if (statement.ranges().size() != slots_.size()) return false;
-  const std::string_view text = statement.text();
+  if (statement.pieces().size() != parts_.size()) return false;
   literals.resize(literalCount_);
-  const Segment* segment = segments_.data();
-  const Statement::Range* range = statement.ranges().data();
-  std::size_t begin = 0;
-  for (const Slot& slot : slots_) {
-    const Statement::Range at = *range++;
-    if (!segment++->is({text.data() + begin, at.begin - begin})) return false;
-    begin = at.end;
-    const std::string_view value(text.data() + at.begin, at.end - at.begin);
-    Lifted& literal = literals[static_cast<std::size_t>(slot.literal)];
-    if (slot.quote != 0) {
-      if (!takeQuoted(slot, value, literal)) return false;
-    } else {
-      if (!readPlain(value, '.', literal)) return false;
-      literal.text = value;
-      if (slot.place == Place::kNumber) continue;
-      if ((literal.kind == LiteralKind::kWhole) != (slot.place == Place::kWhole)) return false;
+  const char* kept = statement.keptText().data();
+  const Part* part = parts_.data();
+  for (const Piece& piece : statement.pieces()) {
+    const Part& known = *part++;
+    if (piece.constant != nullptr) {
+      if (piece != known.piece) return false;
+      continue;
+    }
+    if (piece.kind != known.piece.kind) return false;
+    const std::string_view text(kept, piece.size);
+    kept += piece.size;
+    if (piece.kind == Piece::Kind::kTrusted) {
+      if (text != known.trusted) return false;
+    } else if (!takeValue(known.slot, text,
+                          literals[static_cast<std::size_t>(known.slot.literal)])) {
+      return false;
     }
   }
-  if (!segment->is({text.data() + begin, text.size() - begin})) return false;
-  for (const Constant& constant : constants_) {
-    Lifted& literal = literals[static_cast<std::size_t>(constant.literal)];
-    literal = constant.lifted;
-    literal.text = constant.text;
+  for (const Fixed& fixed : fixed_) {
+    Lifted& literal = literals[static_cast<std::size_t>(fixed.literal)];
+    literal = fixed.lifted;
+    literal.text = fixed.text;
   }
   return true;
+}
+
+bool Splice::takeValue(const Slot& slot, std::string_view value, Lifted& literal) {
+  if (slot.quote != 0) return takeQuoted(slot, value, literal);
+  if (!readPlain(value, '.', literal)) return false;
+  literal.text = value;
+  return slot.place == Place::kNumber ||
+         (literal.kind == LiteralKind::kWhole) == (slot.place == Place::kWhole);
 }
 
 bool Splice::takeQuoted(const Slot& slot, std::string_view value, Lifted& literal) {

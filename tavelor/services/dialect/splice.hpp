@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The short road from a statement to its plan: no lexer, only its text between the values.
+// The short road from a statement to its plan: no lexer, and its text is never joined.
 #pragma once
 
 #include <cstdint>
@@ -8,19 +8,16 @@
 #include <string_view>
 #include <vector>
 
+#include "tavelor/platform/statement.hpp"
 #include "tavelor/services/dialect/literal_value.hpp"
-
-namespace tavelor {
-class Statement;
-}
 
 namespace tavelor::dialect {
 
 struct Shape;
 
-/// A statement's own text between its values, remembered with what the lexer found there. Another
-/// statement with the very same text between its values, each value of which stays inside its
-/// literal, has the same tokens; so its literals can be taken straight out of it.
+/// The pieces of a statement, remembered with what the lexer found there. Another statement of the
+/// same pieces but for its values, each of which stays inside its literal, has the same tokens; so
+/// its literals can be taken straight out of it. Constants are told apart by their addresses.
 class Splice {
  public:
   /// Of a statement and its shape. `eitherKind[i]` tells that it makes no difference to the plan
@@ -29,36 +26,22 @@ class Splice {
   static std::optional<Splice> of(const Statement& statement, const Shape& shape,
                                   const std::vector<bool>& eitherKind);
 
-  /// A hash of the text before the first value and behind the last one, and of how long the rest of
-  /// the own text is. Those few that have these in common are told apart by take().
+  /// A hash of all pieces but the texts of the values.
   static std::uint64_t hash(const Statement& statement);
 
-  /// Takes the literals out of `statement`. False when its own text is another, or when a value
-  /// does not plainly fit its place: quotes, broken UTF-8, a number of another kind, no date. Then
+  /// Takes the literals out of `statement`. False when its pieces are others, or when a value does
+  /// not plainly fit its place: quotes, broken UTF-8, a number of another kind, no date. Then
   /// `literals` may have changed, and the lexer has to judge.
   /// The literals view the statement and this object until its next use.
   bool take(const Statement& statement, std::vector<Lifted>& literals);
 
   /// True if both take the same statements.
-  friend bool operator==(const Splice& a, const Splice& b) {
-    return a.segments_ == b.segments_ && a.slots_ == b.slots_;
-  }
+  friend bool operator==(const Splice& a, const Splice& b) { return a.parts_ == b.parts_; }
 
  private:
   enum class Place : std::uint8_t { kText, kDate, kWhole, kDecimal, kNumber };
 
-  /// The text before, between or behind values.
-  class Segment {
-   public:
-    explicit Segment(std::string_view text);
-    bool is(std::string_view text) const;
-    friend bool operator==(const Segment&, const Segment&) = default;
-
-   private:
-    std::size_t length_;
-    std::uint64_t word_;  ///< of up to 8 bytes: these
-    std::string text_;    ///< of more
-  };
+  /// Where a value goes.
   struct Slot {
     std::int32_t literal = 0;
     std::int32_t joint = -1;  ///< -1: the value is its whole literal
@@ -68,6 +51,13 @@ class Splice {
 
     friend bool operator==(const Slot&, const Slot&) = default;
   };
+  struct Part {
+    Statement::Piece piece;  ///< a constant; of others the kind only
+    Slot slot;               ///< of a value
+    std::string trusted;     ///< a text that is no constant
+
+    friend bool operator==(const Part&, const Part&) = default;
+  };
   /// A value that is a part of its literal, and the constant text around it.
   struct Joint {
     std::string prefix;
@@ -76,19 +66,20 @@ class Splice {
     bool isLast = false;
   };
   /// A literal without a value: its text does not change.
-  struct Constant {
+  struct Fixed {
     std::int32_t literal = 0;
     std::string text;
     Lifted lifted;
   };
 
+  static Place placeOf(LiteralKind kind, bool eitherKind);
+  bool takeValue(const Slot& slot, std::string_view value, Lifted& literal);
   bool takeQuoted(const Slot& slot, std::string_view value, Lifted& literal);
   static bool takeDate(std::string_view text, Lifted& literal);
 
-  std::vector<Segment> segments_;  ///< before, between and behind the values
-  std::vector<Slot> slots_;        ///< one a value
+  std::vector<Part> parts_;
   std::vector<Joint> joints_;
-  std::vector<Constant> constants_;  ///< the literals without a value
+  std::vector<Fixed> fixed_;
   std::size_t literalCount_ = 0;
   std::vector<std::string> joined_;  ///< by literal; empty when there are no joints
 };

@@ -66,7 +66,7 @@ void Connection::Close() {
 
 std::int64_t Connection::Execute(const Statement& statement) {
   SessionLease& open = lease();
-  return traced(statement.text(), [&] { return open.plans().run(statement); });
+  return traced([&] { return statement.text(); }, [&] { return open.plans().run(statement); });
 }
 
 void Connection::rollbackAll() noexcept {

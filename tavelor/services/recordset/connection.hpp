@@ -111,9 +111,10 @@ class Connection final : public Object, public std::enable_shared_from_this<Conn
   friend class BatchWriter;
 
   SessionLease& lease() const;
-  /// Runs `work`, which gives a number of rows, and tells the trace of it.
-  template <typename Work>
-  std::int64_t traced(std::string_view text, Work&& work) const;
+  /// Runs `work`, which gives a number of rows, and tells the trace of it. The text of what runs is
+  /// asked for only where a trace is on.
+  template <typename TextOf, typename Work>
+  std::int64_t traced(const TextOf& textOf, Work&& work) const;
   void rollbackAll() noexcept;
 
   std::shared_ptr<SessionLease> lease_;

@@ -4,21 +4,20 @@
 
 #include <chrono>
 #include <cstdint>
-#include <string_view>
 
 #include "tavelor/platform/error.hpp"
 #include "tavelor/services/recordset/connection.hpp"
 
 namespace tavelor {
 
-template <typename Work>
-std::int64_t Connection::traced(std::string_view text, Work&& work) const {
+template <typename TextOf, typename Work>
+std::int64_t Connection::traced(const TextOf& textOf, Work&& work) const {
   if (!trace_ || !trace_->isOn()) return work();
   const auto started = std::chrono::steady_clock::now();
   const auto tell = [&](std::int64_t rows, std::int32_t error) {
     const auto taken = std::chrono::duration_cast<std::chrono::microseconds>(
         std::chrono::steady_clock::now() - started);
-    trace_->statement({selector_, text, taken.count(), rows, error});
+    trace_->statement({selector_, textOf(), taken.count(), rows, error});
   };
   std::int64_t rows = 0;
   try {

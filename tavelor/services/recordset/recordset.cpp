@@ -31,8 +31,8 @@ ObjectState Recordset::State() const {
   return store_ ? ObjectState::kOpen : ObjectState::kClosed;
 }
 
-std::string_view Recordset::Source() const {
-  return store_ ? store_->statement.text() : std::string_view();
+std::string Recordset::Source() const {
+  return store_ ? store_->statement.text() : std::string();
 }
 
 // ---- Sharing
@@ -93,13 +93,14 @@ void Recordset::detach() noexcept {
 std::shared_ptr<RecordsetStore> Recordset::fetch(const Statement& statement,
                                                  const Connection& over) {
   std::shared_ptr<RecordsetStore> store;
-  over.traced(statement.text(), [&] {
-    dialect::PlanCache& plans = over.lease().readingPlans();
-    store =
-        std::make_shared<RecordsetStore>(RecordsetSchema{plans.plan(statement), {}}, over.locale());
-    plans.fetch(statement, store->rows());
-    return static_cast<std::int64_t>(store->rows().rows());
-  });
+  over.traced([&] { return statement.text(); },
+              [&] {
+                dialect::PlanCache& plans = over.lease().readingPlans();
+                store = std::make_shared<RecordsetStore>(RecordsetSchema{plans.plan(statement), {}},
+                                                         over.locale());
+                plans.fetch(statement, store->rows());
+                return static_cast<std::int64_t>(store->rows().rows());
+              });
   store->statement = statement;
   return store;
 }
@@ -139,7 +140,7 @@ void Recordset::Close() {
 void Recordset::Requery(std::int32_t /*options*/) {
   opened();
   if (draft_) raise(errors::kNotAllowedInContext, kRecordsetSource, "A row is being edited");
-  if (store_->statement.text().empty()) {
+  if (store_->statement.empty()) {
     raise(errors::kNotAllowedInContext, kRecordsetSource, "The set comes from no statement");
   }
   if (!connection_ || connection_->State() == ObjectState::kClosed) {

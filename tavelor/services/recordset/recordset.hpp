@@ -68,8 +68,8 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   ConnectionPtr ActiveConnection() const;
   /// Null disconnects: rows and pending changes stay. UpdateBatch wants a connection again.
   void ActiveConnection(const ConnectionPtr& connection);
-  /// The text of the statement, "" for a set without one. Good until the set is closed.
-  std::string_view Source() const;
+  /// The text of the statement, "" for a set without one.
+  std::string Source() const;
   tavelor::CursorLocation CursorLocation() const { return tavelor::CursorLocation::kClient; }
   tavelor::CursorType CursorType() const { return tavelor::CursorType::kStatic; }
   tavelor::LockType LockType() const { return lockType_; }

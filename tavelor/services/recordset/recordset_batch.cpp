@@ -308,7 +308,8 @@ void BatchWriter::requireRowTable() const {
 
 std::int64_t BatchWriter::execute(engine::RowStore* returned) {
   return connection_.traced(
-      sql_, [&] { return connection_.lease().plans().run(sql_, values_, returned); });
+      [&] { return std::string_view(sql_); },
+      [&] { return connection_.lease().plans().run(sql_, values_, returned); });
 }
 
 void BatchWriter::accept() {
