@@ -386,14 +386,18 @@ void RecordClass::write(const Statement& statement, ObjCn objCn) const {
 
 Variant RecordClass::lookUp(const Statement& statement, std::string_view column,
                             ObjCn objCn) const {
-  const RecordsetPtr rows = read(statement, *objCn);
-  if (rows->RecordCount() == 0) return {};
-  Variant found = rows->Field(column).Value();
+  Variant found = forReading(*objCn).firstValue(statement, column).value_or(Variant());
   return found.isNull() ? Variant() : found;
 }
 
 bool RecordClass::anyRow(const Statement& statement, ObjCn objCn) const {
-  return read(statement, *objCn)->RecordCount() > 0;
+  return forReading(*objCn).anyRow(statement);
+}
+
+Connection& RecordClass::forReading(ConnectionPtr& objCn) const {
+  mustBeHome();
+  if (!objCn) objCn = Apartment::current().openForReading(info_.selector);
+  return *objCn;
 }
 
 std::string RecordClass::describe(const Statement& statement, const Variant& vId,

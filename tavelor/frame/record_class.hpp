@@ -246,6 +246,7 @@ class RecordClass : public Object {
   void restoreOrForgetOrder(std::string_view sLlave);
   static void sortBy(Recordset& rows, std::int16_t index, std::string_view mode);
   ConnectionPtr& connection();
+  Connection& forReading(ConnectionPtr& objCn) const;
   void raiseMoveComplete();
   /// Tells every listener of an event.
   template <typename Event>

@@ -72,12 +72,13 @@ class FakePrepared final : public engine::Prepared {
     journal_.runs.push_back(text_);
     return 1;
   }
-  void fetch(engine::RowStore& rows) override {
+
+ private:
+  void fetchRows(engine::RowStore& rows, std::size_t /*most*/) override {
     journal_.runs.push_back(text_);
     rows.append();
   }
 
- private:
   Journal& journal_;
   std::string text_;
   int count_;

@@ -214,6 +214,25 @@ TEST_F(Open, ExecuteTellsTheRowsWritten) {
   EXPECT_EQ(connection->Execute(Statement("UPDATE Bancos SET Saldo = 0")), 3);
 }
 
+TEST_F(Open, TheFirstValueIsReadWithoutALookAtLaterRows) {
+  run("UPDATE Bancos SET Plazos = 0 WHERE Codigo = '002'");
+  const Statement quotients("SELECT 6 / Plazos AS Cociente, Nota FROM Bancos ORDER BY Codigo");
+  EXPECT_EQ(raisedBy([&] { open(quotients.text()); }), errors::kDivisionByZero);
+  journal->lines.clear();
+  EXPECT_EQ(connection->firstValue(quotients, "cociente"), Variant(2.0));
+  EXPECT_TRUE(connection->firstValue(quotients, "Nota")->isNull());
+  EXPECT_TRUE(connection->anyRow(quotients));
+  EXPECT_THAT(journal->texts(), ElementsAre(quotients.text(), quotients.text(), quotients.text()));
+  EXPECT_EQ(journal->lines[0].rows, 1);
+  EXPECT_EQ(raisedBy([&] { connection->firstValue(quotients, "Nadie"); }), errors::kItemNotFound);
+}
+
+TEST_F(Open, WithoutARowThereIsNoFirstValue) {
+  const Statement none("SELECT Codigo FROM Bancos WHERE Codigo = 'x'");
+  EXPECT_EQ(connection->firstValue(none, "Codigo"), std::nullopt);
+  EXPECT_FALSE(connection->anyRow(none));
+}
+
 TEST_F(Open, AClosedConnectionRefusesEverything) {
   const Connection none;
   EXPECT_EQ(none.State(), ObjectState::kClosed);

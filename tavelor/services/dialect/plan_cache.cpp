@@ -212,13 +212,13 @@ std::shared_ptr<const Plan> PlanCache::plan(const Statement& statement) {
   return state_->find(statement)->plan;
 }
 
-void PlanCache::fetch(const Statement& statement, engine::RowStore& rows) {
+void PlanCache::fetch(const Statement& statement, engine::RowStore& rows, std::size_t most) {
   try {
     Compiled& compiled = *state_->find(statement);
     if (compiled.plan->kind != StatementKind::kSelect) {
       raise(errors::kNotAllowedInContext, "Statement", "it gives no rows");
     }
-    state_->ready(compiled, 0).fetch(rows);
+    state_->ready(compiled, 0).fetch(rows, most);
   } catch (Error& error) {
     error.inStatement(statement.text());
     throw;

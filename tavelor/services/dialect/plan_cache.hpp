@@ -2,7 +2,9 @@
 // Prepared plans by the shape of a statement.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -43,9 +45,10 @@ class PlanCache {
 
   /// The plan of a SELECT; record sets keep it for their fields.
   std::shared_ptr<const Plan> plan(const Statement& statement);
-  /// Runs a SELECT and appends its rows, hidden columns included, to `rows`, which must have the
-  /// column types of plan().
-  void fetch(const Statement& statement, engine::RowStore& rows);
+  /// Runs a SELECT and appends its first `most` rows, hidden columns included, to `rows`, which
+  /// must have the column types of plan().
+  void fetch(const Statement& statement, engine::RowStore& rows,
+             std::size_t most = std::numeric_limits<std::size_t>::max());
 
   /// Runs a text with `?` placeholders that the library itself composed (a record set's batch).
   /// RETURNING gives its rows to `returned` when that is not null.

@@ -3,7 +3,9 @@
 // own.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -32,13 +34,17 @@ class Prepared {
   /// Runs to the end and gives the number of rows written; rows that it would give are dropped.
   /// After an error the statement has changed nothing and may be run again.
   virtual std::int64_t run() = 0;
-  /// Runs to the end and appends every row, whose number of columns must be that of the store. A
-  /// value that is not of the store's column type is converted as far as it can be: texts by the
-  /// session's locale, numbers to whole ones by rounding halves to even. What cannot be converted
-  /// raises 13, what does not fit 6. After an error `rows` holds what was fetched before it; a
-  /// statement that writes and failed in reading its rows has written, unless its transaction is
-  /// rolled back.
-  virtual void fetch(RowStore& rows) = 0;
+  static constexpr std::size_t kAllRows = std::numeric_limits<std::size_t>::max();
+  /// Appends every row, or the first `most` of a SELECT and looks at no further one. The number of
+  /// columns must be that of the store. A value that is not of the store's column type is converted
+  /// as far as it can be: texts by the session's locale, numbers to whole ones by rounding halves
+  /// to even. What cannot be converted raises 13, what does not fit 6. After an error `rows` holds
+  /// what was fetched before it; a statement that writes and failed in reading its rows has
+  /// written, unless its transaction is rolled back.
+  void fetch(RowStore& rows, std::size_t most = kAllRows) { fetchRows(rows, most); }
+
+ private:
+  virtual void fetchRows(RowStore& rows, std::size_t most) = 0;
 };
 
 /// One connection to a database, used by one thread.

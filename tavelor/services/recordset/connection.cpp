@@ -9,6 +9,7 @@
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/recordset/connection_trace.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
+#include "tavelor/services/recordset/recordset_store.hpp"
 
 namespace tavelor {
 
@@ -67,6 +68,17 @@ void Connection::Close() {
 std::int64_t Connection::Execute(const Statement& statement) {
   SessionLease& open = lease();
   return traced([&] { return statement.text(); }, [&] { return open.plans().run(statement); });
+}
+
+std::optional<Variant> Connection::firstValue(const Statement& statement,
+                                              std::string_view column) const {
+  const std::shared_ptr<const RecordsetStore> store = Recordset::fetch(statement, *this, 1);
+  if (store->rows().rows() == 0) return std::nullopt;
+  return store->baseValue(0, store->schema().require(column, kSource));
+}
+
+bool Connection::anyRow(const Statement& statement) const {
+  return Recordset::fetch(statement, *this, 1)->rows().rows() > 0;
 }
 
 void Connection::rollbackAll() noexcept {

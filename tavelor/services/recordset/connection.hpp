@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -100,6 +101,13 @@ class Connection final : public Object, public std::enable_shared_from_this<Conn
   /// Runs a statement that gives no rows; the number of rows written. After an error nothing of the
   /// statement is left.
   std::int64_t Execute(const Statement& statement);
+
+  /// The value of `column` in the first row of a SELECT; nothing when there is no row. Looks at no
+  /// further row, so what is wrong with a later one stays unknown. Raises 3265 for a column that
+  /// the row does not have.
+  std::optional<Variant> firstValue(const Statement& statement, std::string_view column) const;
+  /// True if a SELECT gives a row; looks at no further one.
+  bool anyRow(const Statement& statement) const;
 
   int selector() const { return selector_; }
   /// Open levels; 0 when closed.

@@ -3,6 +3,7 @@
 #include "tavelor/services/recordset/recordset.hpp"
 
 #include "tavelor/services/dialect/plan_cache.hpp"
+#include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/recordset/connection_trace.hpp"
 #include "tavelor/services/recordset/criteria.hpp"
 #include "tavelor/services/recordset/recordset_internal.hpp"
@@ -90,15 +91,15 @@ void Recordset::detach() noexcept {
 
 // ---- Open and close
 
-std::shared_ptr<RecordsetStore> Recordset::fetch(const Statement& statement,
-                                                 const Connection& over) {
+std::shared_ptr<RecordsetStore> Recordset::fetch(const Statement& statement, const Connection& over,
+                                                 std::size_t most) {
   std::shared_ptr<RecordsetStore> store;
   over.traced([&] { return statement.text(); },
               [&] {
                 dialect::PlanCache& plans = over.lease().readingPlans();
                 store = std::make_shared<RecordsetStore>(RecordsetSchema{plans.plan(statement), {}},
                                                          over.locale());
-                plans.fetch(statement, store->rows());
+                plans.fetch(statement, store->rows(), most);
                 return static_cast<std::int64_t>(store->rows().rows());
               });
   store->statement = statement;
@@ -110,7 +111,7 @@ void Recordset::Open(const Statement& statement, const ConnectionPtr& connection
   if (!connection || connection->State() == ObjectState::kClosed) {
     raise(errors::kInvalidConnection, kRecordsetSource);
   }
-  attach(fetch(statement, *connection));
+  attach(fetch(statement, *connection, engine::Prepared::kAllRows));
   fabric_.reset();
   join(connection);
   rebuildView();
@@ -154,7 +155,8 @@ void Recordset::Requery(std::int32_t /*options*/) {
 
 void Recordset::refetch() {
   if (!store_ || !connection_) raise(errors::kNotAllowedInContext, kRecordsetSource);
-  std::shared_ptr<RecordsetStore> fresh = fetch(store_->statement, *connection_);
+  std::shared_ptr<RecordsetStore> fresh =
+      fetch(store_->statement, *connection_, engine::Prepared::kAllRows);
   // The schema may have changed meanwhile: filter and order are read again before the old rows go.
   std::unique_ptr<criteria::Program> program;
   if (criteria_) program = criteria::parse(filter_, fresh->schema(), fresh->locale());

@@ -244,7 +244,8 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   void join(const ConnectionPtr& connection);
   void leaveConnection() noexcept;
   void detach() noexcept;
-  static std::shared_ptr<RecordsetStore> fetch(const Statement& statement, const Connection& over);
+  static std::shared_ptr<RecordsetStore> fetch(const Statement& statement, const Connection& over,
+                                               std::size_t most);
   void refetch();
 
   // recordset_view.cpp

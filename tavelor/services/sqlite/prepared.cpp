@@ -78,7 +78,7 @@ std::int64_t PreparedStatement::run() {
       static_cast<std::uint32_t>(before));
 }
 
-void PreparedStatement::fetch(RowStore& rows) {
+void PreparedStatement::fetchRows(RowStore& rows, std::size_t most) {
   database_->mustNotBeLost();
   std::optional<WriteTurn> turn;
   if (writes_) [[unlikely]]
@@ -91,7 +91,7 @@ void PreparedStatement::fetch(RowStore& rows) {
   }
   const CellReader reader(*database_->locale);
   const Resetter resetter(statement);
-  for (;;) {
+  for (std::size_t fetched = 0; fetched < most; ++fetched) {
     const int code = sqlite3_step(statement);
     if (code == SQLITE_DONE) return;
     if (code != SQLITE_ROW) failAndReset(code);

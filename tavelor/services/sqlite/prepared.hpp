@@ -20,9 +20,9 @@ class PreparedStatement final : public Prepared {
   int parameterCount() const override { return sqlite3_bind_parameter_count(statement_.get()); }
   void bind(int index, const Value& value) override;
   std::int64_t run() override;
-  void fetch(RowStore& rows) override;
 
  private:
+  void fetchRows(RowStore& rows, std::size_t most) override;
   /// Leaves the statement ready for its next run, then raises.
   [[noreturn]] void failAndReset(int code);
 
