@@ -82,10 +82,16 @@ function(tavelor_test floor)
   target_include_directories(${floor}_tests PRIVATE ${PROJECT_SOURCE_DIR})
   target_compile_definitions(${floor}_tests PRIVATE TAVELOR_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   target_link_libraries(${floor}_tests PRIVATE
-    tavelor_options GTest::gtest GTest::gtest_main GTest::gmock ${links} Threads::Threads ${test_LINK})
+    tavelor_options tavelor_test_options GTest::gtest GTest::gtest_main GTest::gmock ${links} Threads::Threads ${test_LINK})
   if(NOT TARGET tavelor_test_pch)
+    # Under a sanitizer most of the time goes into compiling the tests, and what they call is
+    # optimised without them.
+    add_library(tavelor_test_options INTERFACE)
+    if(TAVELOR_SANITIZE)
+      target_compile_options(tavelor_test_options INTERFACE -O0)
+    endif()
     tavelor_precompiled(tavelor_test_pch <gmock/gmock.h> <gtest/gtest.h> <memory> <string> <vector>)
-    target_link_libraries(tavelor_test_pch PRIVATE tavelor_options GTest::gtest GTest::gmock)
+    target_link_libraries(tavelor_test_pch PRIVATE tavelor_options tavelor_test_options GTest::gtest GTest::gmock)
     set_target_properties(tavelor_test_pch PROPERTIES POSITION_INDEPENDENT_CODE OFF)
   endif()
   set_target_properties(${floor}_tests PROPERTIES POSITION_INDEPENDENT_CODE OFF)
