@@ -14,8 +14,9 @@ namespace {
 
 constexpr const char* kFooter =
     R"(Tax rates, the euro, payment methods, document and invoice types, an issuer, a
-warehouse, a till, a section, a family, a customer type, and the counters of this
-year. What has rows already is left alone, so a second run adds nothing.
+warehouse, a till, a section, a family, a customer type, the counters of this year,
+and the walk-in customer, whom nobody at the till knows by name. What has rows
+already is left alone, so a second run adds nothing.
 
   tavelor new shop
   tavelor seed shop)";

@@ -5,6 +5,7 @@
 #include <string>
 #include <type_traits>
 
+#include "tavelor/customers/clientes.hpp"
 #include "tavelor/frame/record_class.hpp"
 #include "tavelor/numbering/numeradores.hpp"
 #include "tavelor/platform/error.hpp"
@@ -23,6 +24,7 @@
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/clock.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
+#include "tools/shop/customers.hpp"
 
 namespace tavelor::shop {
 
@@ -98,14 +100,16 @@ std::vector<Row> currencies() {
            {"Predeterminada", true}}};
 }
 
-// Types are those of the electronic invoice: 01 cash, 04 transfer, 19 card.
+// Types are those of the electronic invoice: 01 cash, 04 transfer, 19 card. A method with a receipt
+// is paid later: see PaymentMethods.
 std::vector<Row> paymentMethods() {
-  const auto method = [](const char* code, const char* name, bool cash, const char* type) {
-    return Row{{"Código", code},  {"Descripción", name},    {"Recibo", false},
+  const auto method = [](const char* code, const char* name, bool cash, const char* type,
+                         bool later = false) {
+    return Row{{"Código", code},  {"Descripción", name},    {"Recibo", later},
                {"Contado", cash}, {"Predeterminada", cash}, {"Tipo", type}};
   };
   return {method("1", "Contado", true, "01"), method("2", "Tarjeta", false, "19"),
-          method("3", "Transferencia", false, "04")};
+          method("3", "Transferencia", false, "04"), method("4", "Crédito", false, "04", true)};
 }
 
 Row named(const char* code, const char* name) {
@@ -116,6 +120,16 @@ Row preferred(const char* code, const char* name) {
   Row row = named(code, name);
   row.push_back({"Predeterminada", true});
   return row;
+}
+
+// Nobody in particular: no number, no credit. A person, so that his class word is told.
+std::vector<Row> walkIn() {
+  return {{{"Código", std::string(kWalkIn)},
+           {"Nombre", "Contado"},
+           {"Empresa", "Clientes varios"},
+           {"ID_Fiscal", "NIF"},
+           {"NIF", ""},
+           {"Riesgo", std::int32_t{0}}}};
 }
 
 Seeded period() {
@@ -151,6 +165,7 @@ std::vector<Seeded> seedCatalogues() {
       fill<clsFamilias>({named("001", "General")}),
       fill<ClsTiposCliente>({named("1", "General")}),
       period(),
+      fill<ClsClientes>(walkIn()),
   };
 }
 
