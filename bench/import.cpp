@@ -36,13 +36,12 @@ Rows supplierList(std::size_t count) {
   return rows;
 }
 
-tools::ArticleSources sources() {
-  tools::ArticleSources from;
+std::vector<tools::FieldSource> sources() {
+  std::vector<tools::FieldSource> from(ArticleImport::kTable.fields.size());
   std::size_t column = 0;
   for (const ArticleField field : {ArticleField::kCode, ArticleField::kDescription,
                                    ArticleField::kFamily, ArticleField::kPriceA}) {
-    from[field].given = true;
-    from[field].column = column++;
+    from[static_cast<std::size_t>(field)] = {.column = column++, .constant = {}, .given = true};
   }
   return from;
 }
@@ -84,7 +83,7 @@ std::vector<Rows> inBatches(const Rows& rows) {
 }
 
 void importRows(const std::vector<Rows>& batches) {
-  ArticleImport import(sources(), 4, *Locale::neutral());
+  ArticleImport import({sources(), 4, Locale::neutral().get(), false});
   for (const Rows& batch : batches) import.take(batch, batch.size());
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Rows of a file that were not taken.
+// Rows of a file that were not taken, or not without a remark.
 #include "tools/refusals.hpp"
 
 #include <fmt/format.h>
@@ -37,6 +37,7 @@ void Refusals::add(const std::vector<Refusal>& refusals) {
   for (const Refusal& refusal : refusals) {
     if (shown_.size() < kShown) shown_.push_back(refusal);
     ++count_;
+    if (refusal.isRemark) ++remarks_;
     write(fmt::format("{},{},{}\n", refusal.line, quoted(refusal.code), quoted(refusal.reason)));
   }
 }

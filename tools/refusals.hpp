@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Rows of a file that were not taken.
+// Rows of a file that were not taken, or not without a remark.
 #pragma once
 
 #include <cstdint>
@@ -10,21 +10,24 @@
 
 namespace tavelor::tools {
 
-/// A row that was not taken, and why.
+/// A row that was not taken, and why; or one that was, and what a person should look at.
 struct Refusal {
   std::uint64_t line = 0;
   std::string code;  ///< what the row is known by, "" when it does not say
   std::string reason;
+  bool isRemark = false;
 };
 
-/// Shows the first refusals and writes all of them to a file, when there is one.
+/// Shows the first refusals and remarks and writes all of them to a file, when there is one.
 class Refusals {
  public:
   /// `file` "" for none; `input` is the file that the rows come from. Errors: those of beginOutput.
   Refusals(const std::string& file, const std::string& input, const Installation& shop);
 
   void add(const std::vector<Refusal>& refusals);
-  std::uint64_t count() const { return count_; }
+  /// Without the remarks.
+  std::uint64_t count() const { return count_ - remarks_; }
+  std::uint64_t remarks() const { return remarks_; }
   /// On standard error. Raises FileError when the file could not be written whole.
   void print() const;
 
@@ -36,6 +39,7 @@ class Refusals {
   OutputFile file_;
   std::vector<Refusal> shown_;
   std::uint64_t count_ = 0;
+  std::uint64_t remarks_ = 0;
 };
 
 }  // namespace tavelor::tools

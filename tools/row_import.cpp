@@ -1,0 +1,337 @@
+// SPDX-License-Identifier: MIT
+// Reads the values of a row, compares them with what is stored, and has them written.
+#include "tools/row_import.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+#include <fmt/format.h>
+
+#include "tavelor/frame/class_info.hpp"
+#include "tavelor/frame/reading.hpp"
+#include "tavelor/platform/currency.hpp"
+#include "tavelor/platform/error.hpp"
+#include "tavelor/platform/locale.hpp"
+#include "tavelor/platform/number_text.hpp"
+#include "tavelor/platform/quotes.hpp"
+#include "tavelor/platform/statement.hpp"
+#include "tavelor/platform/text.hpp"
+#include "tavelor/services/data_session.hpp"
+#include "tools/output.hpp"
+#include "tools/shop/both_databases.hpp"
+#include "tools/typed_number.hpp"
+
+namespace tavelor::tools {
+
+namespace {
+
+/// Errors that tell of a row's own values; all others are the shop's trouble.
+bool isOfTheRow(std::int32_t number) {
+  switch (number) {
+    case errors::kOverflow:
+    case errors::kTypeMismatch:
+    case errors::kSyntax:
+    case errors::kIntegrityViolation:
+    case errors::kMultipleStep:
+    case errors::kCriteriaTypeMismatch:
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::optional<bool> flagIn(std::string_view text, const Locale& numbers) {
+  for (const std::string_view word : {"true", "yes", "sí", "si", "verdadero"}) {
+    if (text::equalsIgnoreCase(text, word)) return true;
+  }
+  for (const std::string_view word : {"false", "no", "falso"}) {
+    if (text::equalsIgnoreCase(text, word)) return false;
+  }
+  const std::optional<double> number = parseNumber(text, numbers);
+  return number ? std::optional(*number != 0) : std::nullopt;
+}
+
+std::optional<double> numberIn(std::string_view text, const Locale& numbers) {
+  return groupsFit(text, numbers) ? parseNumber(text, numbers) : std::nullopt;
+}
+
+/// To the digits that are printed, so that the same row compares equal the next time.
+std::optional<double> printedNumber(std::string_view text, const Locale& numbers) {
+  const std::optional<double> read = numberIn(text, numbers);
+  return read ? parseNumber(plainNumber(*read, numbers), numbers) : read;
+}
+
+/// To the four decimals that are kept, so that the same row compares equal the next time.
+std::optional<double> moneyIn(std::string_view text, const Locale& numbers) {
+  constexpr double kMost = 9e14;
+  const std::optional<double> amount = numberIn(text, numbers);
+  if (!amount || std::abs(*amount) > kMost) return std::nullopt;
+  return Currency::fromDouble(*amount).toDouble();
+}
+
+bool isText(FieldKind kind) {
+  return kind == FieldKind::kText || kind == FieldKind::kWord;
+}
+
+}  // namespace
+
+/// The keys of the file with their lines, 12 bytes in at most half of the slots. Keys count as
+/// equal when their hashes are, which for distinct keys is not to be expected in 64 bits.
+class RowImport::SeenKeys {
+ public:
+  /// The line that had the key before, or 0.
+  std::uint64_t add(std::string_view key, std::uint64_t line) {
+    if (2 * (used_ + 1) > hashes_.size()) grow();
+    const std::uint64_t hash = std::max<std::uint64_t>(std::hash<std::string_view>()(key), 1);
+    const std::size_t slot = slotOf(hash);
+    if (hashes_[slot] == hash) return lines_[slot];
+    hashes_[slot] = hash;
+    lines_[slot] = static_cast<std::uint32_t>(line);
+    ++used_;
+    return 0;
+  }
+
+ private:
+  std::size_t slotOf(std::uint64_t hash) const {
+    std::size_t slot = hash & (hashes_.size() - 1);
+    while (hashes_[slot] != 0 && hashes_[slot] != hash) slot = (slot + 1) & (hashes_.size() - 1);
+    return slot;
+  }
+  void grow() {
+    std::vector<std::uint64_t> hashes(hashes_.empty() ? 1024 : 2 * hashes_.size());
+    std::vector<std::uint32_t> lines(hashes.size());
+    hashes.swap(hashes_);
+    lines.swap(lines_);
+    for (std::size_t i = 0; i < hashes.size(); ++i) {
+      if (hashes[i] == 0) continue;
+      const std::size_t slot = slotOf(hashes[i]);
+      hashes_[slot] = hashes[i];
+      lines_[slot] = lines[i];
+    }
+  }
+
+  std::vector<std::uint64_t> hashes_;  // 0 is free
+  std::vector<std::uint32_t> lines_;
+  std::size_t used_ = 0;
+};
+
+/// What is stored of the rows of a batch.
+struct RowImport::Stored {
+  RecordsetPtr rows;
+  std::unordered_map<std::string, std::int32_t> positions;
+};
+
+RowImport::RowImport(const ImportTable& table, ImportSetup setup)
+    : table_(table),
+      setup_(std::move(setup)),
+      connection_(DataSession().OpenConnection(selector::kMain)),
+      seen_(std::make_unique<SeenKeys>()) {}
+
+RowImport::~RowImport() = default;
+
+void RowImport::taken(const Record& /*record*/, Recordset* /*before*/) {}
+
+// ---------------------------------------------------------------------------------------------
+// Reading a row
+
+std::string RowImport::faultOf(std::size_t field, std::string_view what,
+                               std::string_view text) const {
+  return fmt::format("{} is {}: {}", table_.fields[field].name, what,
+                     printable(text::left(text, 40)));
+}
+
+std::string RowImport::readField(std::string_view text, std::size_t field, FieldValue& to) const {
+  const FieldKind kind = table_.fields[field].kind;
+  if (text.empty() && kind != FieldKind::kText) return {};
+  const Locale& numbers = *setup_.numbers;
+  const auto take = [&](const auto& value, std::string_view what) -> std::string {
+    if (value) {
+      to = *value;
+      return {};
+    }
+    const std::string_view sign = groupsFit(text, numbers) ? ""
+                                  : numbers.decimal == "," ? " with a decimal comma"
+                                                           : " with a decimal point";
+    return faultOf(field, fmt::format("{}{}", what, sign), text);
+  };
+  switch (kind) {
+    case FieldKind::kText:
+    case FieldKind::kWord:
+      to = text;
+      return {};
+    case FieldKind::kNumber:
+      return take(printedNumber(text, numbers), "no number");
+    case FieldKind::kPercent: {
+      const std::optional<double> percent = printedNumber(text, numbers);
+      const bool isOutside = percent && !(*percent >= 0 && *percent <= 100);
+      return take(isOutside ? std::nullopt : percent, isOutside ? "no percentage" : "no number");
+    }
+    case FieldKind::kMoney:
+      return take(moneyIn(text, numbers), "no amount");
+    case FieldKind::kFlag:
+      return take(flagIn(text, numbers), "no flag");
+  }
+  return {};
+}
+
+std::string RowImport::read(const CsvFile::Row& row, Record& record) {
+  const std::size_t keyColumn = *setup_.sources.front().column;
+  record.line = row.line;
+  record.values.assign(table_.fields.size(), {});
+  if (keyColumn < row.fields.size()) record.key = row.fields[keyColumn];
+  if (row.fields.size() != setup_.columns) {
+    return fmt::format("{} fields where the first row has {}", row.fields.size(), setup_.columns);
+  }
+  if (record.key.empty()) return "there is no code";
+  for (std::size_t field = 0; field < table_.fields.size(); ++field) {
+    const FieldSource& source = setup_.sources[field];
+    if (!source.given) continue;
+    const std::string& text = source.column ? row.fields[*source.column] : source.constant;
+    if (std::string fault = readField(text, field, record.values[field]); !fault.empty()) {
+      return fault;
+    }
+  }
+  return check(record);
+}
+
+std::vector<RowImport::Record> RowImport::readBatch(const std::vector<CsvFile::Row>& rows,
+                                                    std::size_t count) {
+  std::vector<Record> batch;
+  batch.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    Record record;
+    std::string fault = read(rows[i], record);
+    if (fault.empty()) {
+      const std::uint64_t before = seen_->add(record.key, record.line);
+      if (before != 0) fault = fmt::format("line {} has that code already", before);
+    }
+    if (fault.empty()) {
+      batch.push_back(std::move(record));
+    } else {
+      refuse(record.line, std::string(record.key), std::move(fault));
+    }
+  }
+  return batch;
+}
+
+void RowImport::refuse(std::uint64_t line, std::string key, std::string reason) {
+  ++counts_.refused;
+  refusals_.push_back({line, std::move(key), std::move(reason)});
+}
+
+void RowImport::remark(const Record& record, std::string what) {
+  refusals_.push_back({record.line, std::string(record.key), std::move(what), true});
+}
+
+// ---------------------------------------------------------------------------------------------
+// Writing a batch
+
+void RowImport::take(const std::vector<CsvFile::Row>& rows, std::size_t count) {
+  refusals_.clear();
+  const ImportCounts before = counts_;
+  shop::Transaction transaction(connection_);
+  try {
+    const std::vector<Record> batch = readBatch(rows, count);
+    if (!batch.empty()) {
+      const Stored present = stored(batch);
+      for (const Record& record : batch) write(record, present);
+    }
+    if (!setup_.isDryRun) transaction.commit();
+  } catch (...) {
+    counts_ = before;
+    throw;
+  }
+  std::stable_sort(refusals_.begin(), refusals_.end(),
+                   [](const Refusal& a, const Refusal& b) { return a.line < b.line; });
+}
+
+// One read a batch, by all its keys: a read a row would take longer than its write.
+RowImport::Stored RowImport::stored(const std::vector<Record>& batch) {
+  Statement statement("SELECT ");
+  for (const ImportField& field : table_.fields) {
+    statement << (&field == &table_.fields.front() ? "" : ", ") << field.name;
+  }
+  const std::string_view key = table_.fields.front().name;
+  statement << " FROM " << table_.name << " WHERE " << key << " In (";
+  for (const Record& record : batch) {
+    statement << (&record == &batch.front() ? "'" : ", '") << value(doubledQuotes(record.key))
+              << "'";
+  }
+  statement << ")";
+  Stored found;
+  DataSession().OpenRecordset(selector::kMain, statement, found.rows, connection_);
+  const Field code = found.rows->Field(key);
+  for (std::int32_t position = 1; !found.rows->Eof(); ++position) {
+    found.positions.emplace(*code.Value().getIf<std::string>(), position);
+    found.rows->MoveNext();
+  }
+  return found;
+}
+
+std::string RowImport::widthFault(const Record& record, Recordset& rows) const {
+  for (std::size_t field = 0; field < table_.fields.size(); ++field) {
+    if (!isText(table_.fields[field].kind)) continue;
+    const std::string_view text = record.text(field);
+    const auto width =
+        static_cast<std::size_t>(rows.Field(static_cast<std::int32_t>(field)).DefinedSize());
+    if (text.size() > width && text::length(text) > width) {
+      return fmt::format("{} has more than {} characters", table_.fields[field].name, width);
+    }
+  }
+  return {};
+}
+
+bool RowImport::differs(const Record& record, std::size_t field, Recordset& rows) const {
+  const std::string_view column = table_.fields[field].name;
+  switch (table_.fields[field].kind) {
+    case FieldKind::kText:
+    case FieldKind::kWord: {
+      std::string old;
+      tavelor::take(rows, column, old);
+      return record.text(field) != old;
+    }
+    case FieldKind::kFlag: {
+      bool old = false;
+      tavelor::take(rows, column, old);
+      return record.flag(field) != old;
+    }
+    default: {
+      double old = 0;
+      tavelor::take(rows, column, old);
+      return record.number(field) != old;
+    }
+  }
+}
+
+void RowImport::write(const Record& record, const Stored& before) {
+  Recordset& rows = *before.rows;
+  if (std::string fault = widthFault(record, rows); !fault.empty()) {
+    return refuse(record.line, std::string(record.key), std::move(fault));
+  }
+  try {
+    shop::Transaction ofTheRow(connection_);
+    const auto position = before.positions.find(std::string(record.key));
+    if (position == before.positions.end()) {
+      insert(record);
+      ofTheRow.commit();
+      ++counts_.added;
+      return taken(record, nullptr);
+    }
+    rows.AbsolutePosition(position->second);
+    std::vector<std::size_t> differing;
+    for (std::size_t field = 1; field < table_.fields.size(); ++field) {
+      const bool counts = record.has(field) && table_.fields[field].use != FieldUse::kForNew;
+      if (counts && differs(record, field, rows)) differing.push_back(field);
+    }
+    if (!differing.empty()) rewrite(record, rows, differing);
+    ofTheRow.commit();
+    ++(differing.empty() ? counts_.same : counts_.changed);
+    taken(record, &rows);
+  } catch (const Error& error) {
+    if (!isOfTheRow(error.number())) throw;
+    refuse(record.line, std::string(record.key), error.description());
+  }
+}
+
+}  // namespace tavelor::tools
