@@ -9,6 +9,7 @@
 #include "tavelor/customers/clientes_apuntes_conta.hpp"
 #include "tavelor/frame/class_info.hpp"
 #include "tavelor/platform/format.hpp"
+#include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/apartment.hpp"
 #include "tools/shop/rows.hpp"
@@ -80,12 +81,12 @@ std::optional<Account> readAccount(const std::string& customer, std::optional<Da
   Account account;
   account.customer = customer;
   Statement named("SELECT Razon_Social FROM Clientes WHERE Codigo = '");
-  named << value(customer) << "'";
+  named << value(doubledQuotes(customer)) << "'";
   const Rows master(selector::kMain, named);
   if (master.hasRow()) account.name = master.text("Razon_Social");
 
   Statement entries(kEntries);
-  entries << " WHERE Codigo = '" << value(customer) << "' ORDER BY Fecha, Id";
+  entries << " WHERE Codigo = '" << value(doubledQuotes(customer)) << "' ORDER BY Fecha, Id";
   Rows rows(selector::kMain, entries);
   if (!master.hasRow() && !rows.hasRow()) return std::nullopt;
 
@@ -127,7 +128,7 @@ void mendLedger(const LedgerCheck& check) {
     ConnectionPtr connection = DataSession().OpenConnection(selector::kMain);
     connection->BeginTrans();
     ClsClientesApuntesConta ledger;
-    ledger.IniciaRs(connection, "seleccion", customer);
+    ledger.IniciaRs(connection, "seleccion", doubledQuotes(customer));
     ledger.UpdateTotal();
     ledger.MoveFirst();
     ledger.Update();

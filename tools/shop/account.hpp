@@ -38,7 +38,8 @@ struct Account {
   double closing = 0;
 };
 
-/// Nothing for a code that is neither a customer's nor in the ledger. Without a day the account is
+/// Of a code as it stands, quotes included. Nothing for one that is neither a customer's nor in the
+/// ledger. Without a day the account is
 /// told from its beginning, or to its end. The opening balance is computed.
 std::optional<Account> readAccount(const std::string& customer, std::optional<Date> from,
                                    std::optional<Date> to);
