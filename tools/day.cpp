@@ -37,15 +37,18 @@ namespace {
 
 constexpr const char* kFooter =
     R"(Each sale becomes a ticket with its lines, takes its articles off the stock and
-writes their movements; articles that the shop does not know are made. When a day
+writes their movements; articles and customers that the shop does not know are made,
+and what is sold on credit is owed in the customer's account. When a day
 is over its tills are closed: the closing is stored, the tickets move to history,
 slip and page are written. At the end all of it is compared with the file.
 
 FILE is comma-separated values in UTF-8, plain or compressed by xz, with the columns
-InvoiceNo, StockCode, Quantity, InvoiceDate, UnitPrice (tax included) and, where
-they are there, Description, CustomerID, Country, Family, Tax (percent, else 21),
-Payment, Delivered, Till. A negative quantity is a return. Without a file a small
-day is sold that comes with the program.
+InvoiceNo, StockCode, Quantity, InvoiceDate and, where they are there, UnitPrice (tax
+included), Description, CustomerID, Country, Family, Tax (percent, else 21), Payment,
+Delivered, Till. A negative quantity is a return. A line without a price is sold at
+the customer's own price, offer, tariff and discount. Payment is a method of the shop
+by code or name, or the word credit. Without a file a small day is sold that comes
+with the program.
 
 A sale that is there already, by its InvoiceNo, is not sold twice: after an
 interruption, of whatever kind, give the same command again. Several programs may
@@ -178,8 +181,12 @@ class Replay {
   }
 
  private:
-  void take(const shop::Sale& sale) {
+  void take(shop::Sale& sale) {
     closeDays(sale.day);
+    for (const shop::Unpriced& each : shop_.price(sale)) {
+      refusals_.add({{each.line.origin, sale.reference, each.reason}});
+    }
+    if (sale.lines.empty()) return;
     reconciliation_.expect(sale);
     if (shop_.sell(sale)) {
       ++sold_;
@@ -260,12 +267,18 @@ void tellReconciliation(shop::Reconciliation& reconciliation, const Locale& loca
   for (std::size_t at = 0; at < Reconciliation::kPlaces; ++at) {
     const auto place = static_cast<Reconciliation::Place>(at);
     const shop::Tally& figures = reconciliation.total(place);
+    const bool isAccounts = place == Reconciliation::kAccounts;
+    // A shop that sells nothing on credit has nothing to compare.
+    if (isAccounts && figures.owed == 0 && reconciliation.total(Reconciliation::kMeant).owed == 0) {
+      continue;
+    }
     const bool countsTickets = place < Reconciliation::kClosings;
-    const bool countsLines = place != Reconciliation::kClosings;
+    const bool countsLines = place != Reconciliation::kClosings && !isAccounts;
     fmt::print("{:<12} {:>9} {:>9} {:>12} {:>15}\n", Reconciliation::kNames[at],
                countsTickets ? whole(figures.tickets) : "", countsLines ? whole(figures.lines) : "",
                countsLines ? unitsText(figures.units, locale) : "",
-               format(static_cast<double>(figures.cents) / 100, "#,##0.00", locale));
+               format(static_cast<double>(isAccounts ? figures.owed : figures.cents) / 100,
+                      "#,##0.00", locale));
   }
   constexpr std::size_t kShown = 20;
   const auto& differences = reconciliation.differences();
@@ -327,7 +340,8 @@ std::unique_ptr<Source> sourceOf(const DayOptions& options) {
     throw UsageError(fmt::format("--from lies behind --to: {}, {}", options.from, options.to));
   }
   return std::make_unique<FileSource>(
-      options.sales, SalesSelection{.tills = options.tills, .from = from, .to = to});
+      options.sales,
+      SalesSelection{.tills = options.tills, .from = from, .to = to, .payments = {}});
 }
 
 void replay(const DayOptions& options, const Common& common) {

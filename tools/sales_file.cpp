@@ -15,6 +15,7 @@
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/clock.hpp"
 #include "tools/output.hpp"
+#include "tools/shop/customers.hpp"
 
 namespace tavelor::tools {
 
@@ -31,7 +32,6 @@ constexpr std::size_t kPlaceWidth = 100;
 constexpr std::size_t kPaymentWidth = 50;
 constexpr double kMostMoney = 1e9;
 
-constexpr double kGeneralTax = 21;  // percent
 constexpr std::string_view kCash = "1";
 constexpr std::string_view kCard = "2";
 
@@ -176,27 +176,30 @@ bool SalesFile::readLine(Line& line) {
   line.moment = *date;
 
   shop::SaleLine& sold = line.sold;
+  sold.origin = row_.line;
+  sold.wantsPrice = text(kPrice).empty();
   if (!readNumber(kQuantity, kMostMoney, sold.quantity, 0) ||
       !readNumber(kPrice, kMostMoney, sold.price, 0) ||
-      !readNumber(kTax, 100, sold.tax, kGeneralTax) ||
+      !readNumber(kTax, 100, sold.tax, sold.wantsPrice ? shop::kTaxOfArticle : shop::kGeneralTax) ||
       !readNumber(kDelivered, kMostMoney, line.delivered, 0)) {
     return false;
   }
   if (sold.quantity == 0) return refuse("the quantity is 0");
-  if (sold.price == 0) return refuse("the price is 0");
+  if (sold.price == 0 && !sold.wantsPrice) return refuse("the price is 0");
   if (sold.price < 0) return refuse("the price is negative");
-  if (sold.tax < 0) return refuse("the tax is negative");
+  if (sold.tax < 0 && !text(kTax).empty()) return refuse("the tax is negative");
   if (std::abs(sold.quantity * sold.price) > kMostMoney) return refuse("the amount is too large");
   sold.code = text(kCode);
   sold.description = text(kDescription);
-  sold.family = text(kFamily).empty() ? familyOf(sold.code) : std::string(text(kFamily));
+  sold.family = text(kFamily);
+  if (sold.family.empty() && !sold.wantsPrice) sold.family = familyOf(sold.code);
   return true;
 }
 
 bool SalesFile::readNumber(Column column, double most, double& to, double otherwise) {
   const std::string_view given = text(column);
   to = otherwise;
-  if (given.empty() && column >= kDescription) return true;
+  if (given.empty() && column >= kWanted) return true;
   const std::optional<double> number = parseSqlNumber(given);
   if (!number) return refuse(fmt::format("{} is no number: {}", kNames[column], printable(given)));
   if (std::abs(*number) > most) {
@@ -217,6 +220,9 @@ SalesFile::OpenSale* SalesFile::openSale(const Line& line) {
   for (OpenSale& open : open_) {
     if (open.sale.reference == line.reference) return belongs(open.sale) ? &open : nullptr;
   }
+  const std::string customer(withoutDecimals(text(kCustomer)));
+  const std::optional<std::string> payment = paymentOf(customer);
+  if (!payment) return nullptr;
   const auto [begun, isNew] = begun_.try_emplace(std::string(line.reference), row_.line);
   if (!isNew) {
     refuse(fmt::format("the invoice began at line {} and was complete", begun->second));
@@ -228,27 +234,43 @@ SalesFile::OpenSale* SalesFile::openSale(const Line& line) {
   sale.till = text(kTill).empty() ? tillOf(line.reference) : std::string(text(kTill));
   sale.day = line.moment.dayOnly();
   sale.time = clockTime(line.moment);
-  sale.customer = withoutDecimals(text(kCustomer));
+  sale.customer = customer;
   sale.place = text(kPlace);
-  // A file that does not tell: who is known has a card.
-  if (!text(kPayment).empty()) {
-    sale.payment = text(kPayment);
-  } else {
-    sale.payment = sale.customer.empty() ? kCash : kCard;
-  }
+  sale.payment = *payment;
   if (line.reference.starts_with('C')) sale.comment = "Devolución";
   return &open;
 }
 
+/// Code of the method by which the sale of a line is paid; nothing, and the line is refused, for
+/// one that the shop does not have, and for credit to nobody.
+std::optional<std::string> SalesFile::paymentOf(const std::string& customer) {
+  const std::string_view given = text(kPayment);
+  // A file that does not tell: who is known has a card.
+  if (given.empty()) return std::string(customer.empty() ? kCash : kCard);
+  const shop::PaymentMethod* const method = selection_.payments.find(given);
+  if (method == nullptr) {
+    refuse(fmt::format("the shop has no payment method {}", printable(given)));
+    return std::nullopt;
+  }
+  if (method->isOnCredit && (customer.empty() || customer == shop::kWalkIn)) {
+    refuse("a sale on credit needs a CustomerID of somebody");
+    return std::nullopt;
+  }
+  return method->code;
+}
+
 // A sale has one till and is paid in one way.
 bool SalesFile::belongs(const shop::Sale& sale) {
-  const auto agrees = [&](Column column, const std::string& first) {
+  const auto agrees = [&](Column column, std::string_view code, const std::string& first) {
     const std::string_view given = text(column);
-    return given.empty() || given == first ||
+    return given.empty() || code == first ||
            refuse(fmt::format("{} is {} where the invoice began with {}", kNames[column],
                               printable(given), printable(first)));
   };
-  return agrees(kTill, sale.till) && agrees(kPayment, sale.payment);
+  const std::string_view payment = text(kPayment);
+  const shop::PaymentMethod* const method = selection_.payments.find(payment);
+  return agrees(kTill, text(kTill), sale.till) &&
+         agrees(kPayment, method == nullptr ? payment : method->code, sale.payment);
 }
 
 // The same sale is of the same till in each run, whatever part of the file is read.

@@ -14,6 +14,7 @@
 
 #include "tools/csv_file.hpp"
 #include "tools/refusals.hpp"
+#include "tools/shop/payments.hpp"
 #include "tools/shop/sale.hpp"
 
 namespace tavelor::tools {
@@ -23,12 +24,13 @@ struct SalesSelection {
   std::vector<std::string> tills;  ///< of the shop; a sale's reference says which one made it
   std::optional<Date> from;        ///< first day
   std::optional<Date> to;          ///< last day
+  shop::PaymentMethods payments;   ///< of the shop
 };
 
-/// Reads the columns InvoiceNo, StockCode, Quantity, InvoiceDate and UnitPrice, and, where they are
-/// there, Description, CustomerID, Country, Family, Tax, Payment, Delivered and Till; case does not
-/// count, others are passed over. Numbers have a decimal point; dates are yyyy-mm-dd, with or
-/// without a time.
+/// Reads the columns InvoiceNo, StockCode, Quantity and InvoiceDate, and, where they are there,
+/// UnitPrice, Description, CustomerID, Country, Family, Tax, Payment, Delivered and Till; case does
+/// not count, others are passed over. A line without a price wants the shop's own. Numbers have a
+/// decimal point; dates are yyyy-mm-dd, with or without a time.
 ///
 /// The lines of a sale need not follow each other, but may lie no more than fifteen minutes apart:
 /// with the first line after that, or of another day, the sale is complete. So no more than some
@@ -39,7 +41,7 @@ struct SalesSelection {
 /// are not given.
 class SalesFile {
  public:
-  /// Raises FileError for a file without one of the five columns, or with one of them all twice.
+  /// Raises FileError for a file without one of the four columns, or with one of them all twice.
   SalesFile(const std::string& path, SalesSelection selection);
 
   /// The next complete sale; false at the end.
@@ -69,7 +71,7 @@ class SalesFile {
   static constexpr std::array<std::string_view, kColumns> kNames = {
       "InvoiceNo", "StockCode", "Quantity", "InvoiceDate", "UnitPrice", "Description", "CustomerID",
       "Country",   "Family",    "Tax",      "Payment",     "Delivered", "Till"};
-  static constexpr std::size_t kWanted = kDescription;
+  static constexpr std::size_t kWanted = kPrice;
 
   struct OpenSale {
     shop::Sale sale;
@@ -83,6 +85,7 @@ class SalesFile {
   bool readNumber(Column column, double most, double& to, double otherwise);
   bool wanted(Date day) const;
   OpenSale* openSale(const Line& line);
+  std::optional<std::string> paymentOf(const std::string& customer);
   bool belongs(const shop::Sale& sale);
   std::string tillOf(std::string_view reference) const;
   bool refuse(std::string reason);

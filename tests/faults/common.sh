@@ -49,8 +49,11 @@ main:SELECT Caja, Fecha, Base, Total, Saldo_Inicio, Saldo_Final FROM Cierres ORD
 main:SELECT Movimiento, Count(*) AS n, Round(Sum(Cantidad), 4) AS c FROM Articulos_Movimientos_Almacen GROUP BY Movimiento
 main:SELECT Count(*) AS n, Round(Sum(Existencia), 4) AS e FROM Articulos
 main:SELECT Count(*) AS n, Round(Sum(Cantidad), 4) AS c FROM Articulos_Almacenes
+main:SELECT Codigo, Razon_Social FROM Clientes ORDER BY Codigo
+main:SELECT Codigo, Count(*) AS n, Round(Sum(Debe), 4) AS d, Round(Sum(Haber), 4) AS h FROM Clientes_Apuntes_Contables GROUP BY Codigo ORDER BY Codigo
 main:SELECT Ticket_a FROM Numeradores
 END
+  "$program" -C "$folder" account --check
 }
 
 tills=${TILLS:-01,02,03}

@@ -42,6 +42,7 @@ Tally& Tally::operator+=(const Tally& other) {
   units += other.units;
   cents += other.cents;
   lineCents += other.lineCents;
+  owed += other.owed;
   return *this;
 }
 
@@ -51,6 +52,8 @@ void Reconciliation::expect(const Sale& sale) {
     figures.units += line.quantity;
     figures.cents += shop::cents(line.amount());
   }
+  const PaymentMethod* const method = methods_.find(sale.payment);
+  if (method != nullptr && method->isOnCredit) figures.owed = figures.cents;
   meant_[{sale.day.days(), sale.till}] += figures;
 }
 
@@ -66,6 +69,7 @@ class Reconciliation::Day {
     readTickets("HTickets", true);
     readClosings();
     readMovements();
+    readAccounts();
     findDisagreements(Date(day));
   }
 
@@ -130,6 +134,21 @@ class Reconciliation::Day {
       const double units = rows.number("Cantidad") * (isExit ? 1 : -1);
       tills_[ticket->second][kMovements] +=
           {.lines = 1, .units = units, .cents = cents(units * rows.number("Precio"))};
+    }
+  }
+
+  /// Entries that name a ticket of the day, whoever their customer is.
+  void readAccounts() {
+    if (tillOf_.empty()) return;
+    Statement statement("SELECT Documento_E, Debe, Haber FROM Clientes_Apuntes_Contables WHERE ");
+    statement << "Estado = " << value(std::to_string(kTicketKind))
+              << " AND Documento_E >= " << value(sqlNumber(tillOf_.begin()->first, 0))
+              << " AND Documento_E <= " << value(sqlNumber(tillOf_.rbegin()->first, 0));
+    for (Rows rows = read(selector::kMain, statement); rows.hasRow(); rows.next()) {
+      const auto ticket = tillOf_.find(rows.number("Documento_E"));
+      if (ticket == tillOf_.end()) continue;
+      tills_[ticket->second][kAccounts] +=
+          {.owed = cents(rows.number("Debe") - rows.number("Haber"))};
     }
   }
 
@@ -201,6 +220,7 @@ void Reconciliation::judge(const TillDay& key, const PlaceTallies& found) {
     differences_.push_back({key.second, Date(key.first), place,
                             fmt::format("{} {} where {} were sold", has, what, wanted)});
   };
+  differ(kAccounts, "euros", money(found[kAccounts].owed), money(meant.owed));
   for (const Place place : {kTickets, kHistory, kClosings, kMovements}) {
     const Tally& has = found[place];
     const bool tellsTickets = place == kTickets || place == kHistory;

@@ -12,6 +12,7 @@
 
 #include "tavelor/platform/date.hpp"
 #include "tools/shop/findings.hpp"
+#include "tools/shop/payments.hpp"
 #include "tools/shop/sale.hpp"
 
 namespace tavelor::shop {
@@ -23,21 +24,30 @@ struct Tally {
   double units = 0;            ///< returns count negative
   std::int64_t cents = 0;      ///< money, tax included
   std::int64_t lineCents = 0;  ///< the same by the lines, where the tickets tell theirs
+  std::int64_t owed = 0;       ///< cents that went on account, returns negative
 
   Tally& operator+=(const Tally& other);
 };
 
-/// Compares sales as they were meant with five places of the installation, for each till and day of
+/// Compares sales as they were meant with six places of the installation, for each till and day of
 /// which a sale was meant: its tickets and their lines, live and in history; what is in history of
-/// them; the closings; the movements of stock.
+/// them; the closings; the movements of stock; what the ledgers of customers hold of its tickets.
 ///
 /// All that the installation has of such a till and day counts, whoever sold it. Movements of such
 /// a day whose ticket is nowhere, and lines without movements, are told by the ticket's number.
 class Reconciliation {
  public:
-  enum Place : std::uint8_t { kMeant, kTickets, kHistory, kClosings, kMovements, kPlaces };
-  static constexpr std::array<std::string_view, kPlaces> kNames = {"sales", "tickets", "history",
-                                                                   "closings", "stock moves"};
+  enum Place : std::uint8_t {
+    kMeant,
+    kTickets,
+    kHistory,
+    kClosings,
+    kMovements,
+    kAccounts,
+    kPlaces
+  };
+  static constexpr std::array<std::string_view, kPlaces> kNames = {
+      "sales", "tickets", "history", "closings", "stock moves", "accounts"};
 
   /// One figure that differs, or one ticket or closing that only one of the databases knows.
   struct Difference {
@@ -63,6 +73,7 @@ class Reconciliation {
   void judge(const TillDay& key, const PlaceTallies& found);
   void tellDisagreements(Date day, const std::vector<Finding>& findings);
 
+  PaymentMethods methods_;
   std::map<TillDay, Tally> meant_;
   std::array<Tally, kPlaces> totals_ = {};
   std::vector<Difference> differences_;

@@ -13,8 +13,12 @@ std::string isoDay(Date day) {
   return fmt::format("{:04}-{:02}-{:02}", civil.year, civil.month, civil.day);
 }
 
+double SaleLine::netPrice() const {
+  return discount == 0 ? price : roundHalfAway(price * (1 - discount / 100), 4);
+}
+
 double SaleLine::amount() const {
-  return roundHalfAway(quantity * price, 2);
+  return roundHalfAway(quantity * netPrice(), 2);
 }
 
 double Sale::total() const {

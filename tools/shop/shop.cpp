@@ -12,6 +12,8 @@
 #include "tavelor/platform/quotes.hpp"
 #include "tavelor/reference/cajas.hpp"
 #include "tavelor/reference/familias.hpp"
+#include "tools/shop/customers.hpp"
+#include "tools/shop/payments.hpp"
 #include "tools/shop/shop_inner.hpp"
 
 namespace tavelor::shop {
@@ -37,7 +39,7 @@ std::string taxCode(double rate, ConnectionPtr& connection) {
 
 }  // namespace
 
-Shop::Shop() : main_(DataSession().OpenConnection(selector::kMain)) {
+Shop::Shop() : main_(DataSession().OpenConnection(selector::kMain)), prices_(main_) {
   double a = 0, b = 0, c = 0;
   try {
     tickets_.GetNumerador(a, b, c, main_);
@@ -83,29 +85,78 @@ void Shop::openTills(const std::vector<std::string>& tills) {
   }
 }
 
+void Shop::requireWhole(const Sale& sale) {
+  const auto fail = [](std::string what) {
+    throw Error(errors::kInvalidCall, "Shop", std::move(what));
+  };
+  if (sale.lines.empty()) fail(fmt::format("Sale {} has no lines.", sale.reference));
+  if (sale.reference.empty()) fail("A sale needs a reference of its own.");
+  for (const SaleLine& line : sale.lines) {
+    if (line.wantsPrice) fail(fmt::format("Sale {}: {} has no price.", sale.reference, line.code));
+  }
+}
+
+std::vector<Unpriced> Shop::price(Sale& sale) {
+  const auto wantsPrice = [](const SaleLine& line) { return line.wantsPrice; };
+  if (std::none_of(sale.lines.begin(), sale.lines.end(), wantsPrice)) return {};
+  std::vector<SaleLine> sold;
+  const std::optional<double> ticket = ticketOf(sale.reference);
+  if (ticket) sold = storedSale(*ticket).lines;
+
+  std::vector<Unpriced> unpriced;
+  auto next = sold.begin();
+  std::erase_if(sale.lines, [&](SaleLine& line) {
+    const auto was = std::find_if(next, sold.end(), [&](const SaleLine& each) {
+      return each.code == line.code && each.quantity == line.quantity &&
+             (line.wantsPrice || each.price == line.price);
+    });
+    if (was != sold.end()) next = std::next(was);
+    if (!line.wantsPrice) return false;
+    std::string fault;
+    if (!ticket) {
+      fault = prices_.fill(line, sale.customer);
+    } else if (was == sold.end()) {
+      fault = "there is no price, and the sale is there without this line";
+    } else {
+      line.price = was->price;
+      line.discount = was->discount;
+      line.tax = was->tax;
+      line.description = was->description;
+      line.family = was->family;
+      line.wantsPrice = false;
+    }
+    if (fault.empty() && std::abs(line.amount()) > kMostMoney) fault = "the amount is too large";
+    if (fault.empty()) return false;
+    unpriced.push_back({line, std::move(fault)});
+    return true;
+  });
+  return unpriced;
+}
+
 std::optional<double> Shop::sell(const Sale& sale) {
-  if (sale.lines.empty()) {
-    throw Error(errors::kInvalidCall, "Shop", fmt::format("Sale {} has no lines.", sale.reference));
-  }
-  if (sale.reference.empty()) {
-    throw Error(errors::kInvalidCall, "Shop", "A sale needs a reference of its own.");
-  }
+  requireWhole(sale);
   openTickets();
   try {
     BothDatabases transaction(main_, documents_);
     Recovered recovered;
     const Counters counters = startedCounters(transaction, recovered);
     refuseLosses(recovered);
-    if (isSold(sale.reference)) return std::nullopt;
+    if (ticketOf(sale.reference)) return std::nullopt;
     const Counters next = settle(counters, recovered);
     refuseLosses(recovered);
-    writeTicket(sale, next.a);
-    moveStock(sale, next.a);
+    const bool onCredit = isOnCredit(sale);
+    if (onCredit && (sale.customer.empty() || sale.customer == kWalkIn)) {
+      throw Error(errors::kInvalidCall, "Shop",
+                  fmt::format("Sale {} is on credit, and for nobody.", sale.reference));
+    }
+    writeTicket(sale, next.a, onCredit);
+    book(sale, next.a, onCredit);
     useNumber(next);
     transaction.commit(BothDatabases::First::kDocuments);
     return next.a;
   } catch (...) {
     knownArticles_.clear();  // some of them may be undone
+    knownCustomers_.clear();
     throw;
   }
 }
@@ -117,16 +168,23 @@ void Shop::openTickets() {
   rows->Requery();
 }
 
-bool Shop::isSold(const std::string& reference) {
+bool Shop::isOnCredit(const Sale& sale) {
+  const std::optional<PaymentMethod> method = paymentMethod(sale.payment, main_);
+  return method && method->isOnCredit;
+}
+
+/// Of a sale that is there, live or in history.
+std::optional<double> Shop::ticketOf(const std::string& reference) {
   for (const std::string_view table : {"Tickets", "HTickets"}) {
     Statement statement("SELECT Numero FROM ");
     statement << table << " WHERE Referencia = '" << value(doubledQuotes(reference)) << "'";
-    if (Rows(selector::kDocuments, statement, documents_).hasRow()) return true;
+    const Rows row(selector::kDocuments, statement, documents_);
+    if (row.hasRow()) return row.number("Numero");
   }
-  return false;
+  return std::nullopt;
 }
 
-void Shop::writeTicket(const Sale& sale, double ticket) {
+void Shop::writeTicket(const Sale& sale, double ticket, bool onCredit) {
   lines_.IniciaRs(documents_, "ninguno", "0");
   for (const SaleLine& line : sale.lines) addLine(line, ticket);
   double base = 0, tax = 0, surcharge = 0;
@@ -138,8 +196,10 @@ void Shop::writeTicket(const Sale& sale, double ticket) {
     row->Field(column).Value(content);
   };
   const double total = sale.total();
-  // Who hands over no more than the price, or gets money back, gets no change.
-  const double delivered = total < 0 ? total : std::max(sale.delivered, total);
+  // Who hands over no more than the price, or gets money back, gets no change; who pays later hands
+  // over nothing.
+  const double paid = total < 0 ? total : std::max(sale.delivered, total);
+  const double delivered = onCredit ? 0 : paid;
   set("Ticket", ticket);
   set("Serie", kSeries);
   set("Fecha", sale.day);
@@ -154,7 +214,7 @@ void Shop::writeTicket(const Sale& sale, double ticket) {
   set("Total", total);
   set("Concepto", sale.time);
   set("Entrega", delivered);
-  set("Cambio", roundHalfAway(delivered - total, 2));
+  set("Cambio", onCredit ? 0 : roundHalfAway(delivered - total, 2));
   set("Caja", sale.till);
   set("Empleado", kNobody);
   tickets_.UpdateIncTax(true);
@@ -176,7 +236,7 @@ void Shop::addLine(const SaleLine& line, double ticket) {
   set("Descripción", line.description);
   set("Cantidad", line.quantity);
   set("Precio", line.price);
-  set("DTO", 0.0);
+  set("DTO", line.discount);
   set("IVA", line.tax);
   set("Importe", line.amount());
   set("Lote", kNoLot);
@@ -201,6 +261,13 @@ void Shop::writeHeader(const Sale& sale, double ticket) {
   comments_.Update();
 }
 
+/// What a sale comes to in the main database: whole with the ticket, or made again from it.
+void Shop::book(const Sale& sale, double ticket, bool onCredit) {
+  makeCustomer(sale);
+  moveStock(sale, ticket);
+  if (onCredit) charge(sale, ticket);
+}
+
 /// Takes what was sold off the article, its warehouse and its lot, and writes the movement; returns
 /// go the other way. Articles without stock keep none, but their movements are written too.
 void Shop::moveStock(const Sale& sale, double ticket) {
@@ -221,7 +288,7 @@ void Shop::moveStock(const Sale& sale, double ticket) {
                          .sCodigo = code,
                          .sLote = std::string(kNoLot),
                          .dCantidad = units,
-                         .dPrecio = line.price,
+                         .dPrecio = line.netPrice(),
                          .sReferencia = doubledQuotes(sale.reference),
                          .iMovimiento = isReturn ? std::int16_t{0} : std::int16_t{1},
                          .sSeccion = {},
@@ -255,6 +322,41 @@ void Shop::makeArticle(const SaleLine& line) {
     DataSession().Execute(selector::kMain, statement, main_);
   }
   knownArticles_.insert(line.code);
+}
+
+void Shop::makeCustomer(const Sale& sale) {
+  if (sale.customer.empty() || knownCustomers_.contains(sale.customer)) return;
+  const std::string code = doubledQuotes(sale.customer);
+  if (!customers_.ExisteCli(code, main_)) {
+    const std::string name = doubledQuotes(sale.name.empty() ? sale.customer : sale.name);
+    shop::makeCustomer({.vId = code,
+                        .sNombre = name,
+                        .sRazonSocial = name,
+                        .sProv = doubledQuotes(sale.place),
+                        .bActivo = true,
+                        .sTarifa = std::string(kTariff),
+                        .sSerie = std::string(kSeries),
+                        .stpcli = "Nuevo",
+                        .objCn = main_},
+                       "");
+  }
+  knownCustomers_.insert(sale.customer);
+}
+
+/// The customer owes what is sold on credit, and is owed what comes back.
+void Shop::charge(const Sale& sale, double ticket) {
+  const double total = sale.total();
+  if (total == 0 || sale.customer.empty()) return;
+  ledger_.Insertar({.sSerie = std::string(kSeries),
+                    .sCodigo = doubledQuotes(sale.customer),
+                    .dtFecha = sale.day,
+                    .sConcepto = fmt::format("Ticket {}/{:.0f}", kSeries, ticket),
+                    .sD_H = total > 0 ? "D" : "H",
+                    .dDebe = std::max(total, 0.0),
+                    .dHaber = std::max(-total, 0.0),
+                    .iEstado = kTicketKind,
+                    .vDoc_E = ticket,
+                    .objCn = main_});
 }
 
 void Shop::makeFamily(const std::string& family) {

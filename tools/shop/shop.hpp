@@ -17,16 +17,20 @@
 #include "tavelor/articles/articulos_lotes.hpp"
 #include "tavelor/articles/articulos_mov_almacen.hpp"
 #include "tavelor/closing/cierres.hpp"
+#include "tavelor/customers/clientes.hpp"
+#include "tavelor/customers/clientes_apuntes_conta.hpp"
 #include "tavelor/sales/tickets.hpp"
 #include "tavelor/sales/tickets_cabecera.hpp"
 #include "tavelor/sales/tickets_comentarios.hpp"
 #include "tavelor/sales/tickets_lineas.hpp"
 #include "tools/shop/audit.hpp"
+#include "tools/shop/prices.hpp"
 #include "tools/shop/sale.hpp"
 
 namespace tavelor::shop {
 
-/// The kind of document that a ticket is to the ledger of movements (its column Estado).
+/// The kind of document that a ticket is to the ledgers of movements and of customers (their column
+/// Estado). Entries that a person writes have another.
 inline constexpr std::int16_t kTicketKind = 1;
 
 /// A closing that was made.
@@ -36,12 +40,19 @@ struct Closing {
   double total = 0;  ///< euros
 };
 
+/// A line that the shop has no price for.
+struct Unpriced {
+  SaleLine line;
+  std::string reason;
+};
+
 /// What a person wants done with what is lost.
 enum class Decision : std::uint8_t {
   kNone,
-  /// Stock and closings become what the tickets tell: movements without their ticket are taken
-  /// back, lines without movements are moved, closings without tickets are deleted, unless they
-  /// were invoiced. The numbers of lost tickets are not given again.
+  /// Stock, accounts and closings become what the tickets tell: movements without their ticket are
+  /// taken back and so is what it put on an account, lines without movements are moved, closings
+  /// without tickets are deleted, unless they were invoiced. The numbers of lost tickets are not
+  /// given again.
   kFollowTickets,
   kKeep,  ///< all stays, and counts as right from now on
 };
@@ -66,10 +77,10 @@ struct Recovered {
 
 /// Sells, closes and recovers in the installation of the thread's apartment.
 ///
-/// Tickets lie in the documents database; stock, movements, counters and closings in the main one,
-/// and no transaction spans both. Each flow begins one in the main database first, which only one
-/// process has at a time, then one in the documents, and ends them one after the other. Whatever
-/// raises before the first commit undoes both.
+/// Tickets lie in the documents database; stock, movements, customers and their accounts, counters
+/// and closings in the main one, and no transaction spans both. Each flow begins one in the main
+/// database first, which only one process has at a time, then one in the documents, and ends them
+/// one after the other. Whatever raises before the first commit undoes both.
 ///
 /// A process that dies between the two commits, or a main database that has lost its latest ones,
 /// leaves what the tickets can mend: stock that was not moved, closings whose tickets are open,
@@ -88,9 +99,16 @@ class Shop {
   /// Makes sure that the catalogue of tills has them all.
   void openTills(const std::vector<std::string>& tills);
 
+  /// Gives the lines that want one their price for the sale's customer; those for which there is
+  /// none leave the sale, and are given. A sale that is there already gets the prices at which it
+  /// was sold.
+  std::vector<Unpriced> price(Sale& sale);
+
   /// Sells, unless a sale with that reference is there, live or in history: gives the number of the
-  /// new ticket, or nothing. Articles and families that the shop does not know are made on the way,
-  /// with the price of the line. Raises 5 for a sale without lines or reference.
+  /// new ticket, or nothing. Articles, families and customers that the shop does not know are made
+  /// on the way, articles with the price of the line. What is paid later is owed: an entry in the
+  /// customer's ledger, in the same transaction as the stock. Raises 5 for a sale without lines or
+  /// reference, with a line that wants a price, or on credit for nobody or the walk-in customer.
   std::optional<double> sell(const Sale& sale);
 
   /// Closes a till's tickets of a day and moves them to history; nothing where there are none. The
@@ -117,11 +135,16 @@ class Shop {
 
   void openTickets();
 
-  bool isSold(const std::string& reference);
-  void writeTicket(const Sale& sale, double ticket);
+  std::optional<double> ticketOf(const std::string& reference);
+  bool isOnCredit(const Sale& sale);
+  void requireWhole(const Sale& sale);
+  void writeTicket(const Sale& sale, double ticket, bool onCredit);
   void addLine(const SaleLine& line, double ticket);
   void writeHeader(const Sale& sale, double ticket);
+  void book(const Sale& sale, double ticket, bool onCredit);
   void moveStock(const Sale& sale, double ticket);
+  void makeCustomer(const Sale& sale);
+  void charge(const Sale& sale, double ticket);
   void makeArticle(const SaleLine& line);
   void makeFamily(const std::string& family);
   void useNumber(const Counters& next);
@@ -138,9 +161,10 @@ class Shop {
   Counters storedCounters();
   void settleClosings(Extent extent, Recovered& recovered);
   void finishSales(double first, Recovered& recovered);
+  void bookStored(double ticket);
   bool hasMovedStock(double ticket);
   Sale storedSale(double ticket);
-  void takeBackStock(double ticket);
+  void takeBack(double ticket);
   void takeBackClosings(const Statement& candidates, Recovered& recovered);
   bool isUnfinished(double closing);
   bool isInvoiced(double closing);
@@ -161,8 +185,13 @@ class Shop {
   ClsArticulosAlmacenes warehouses_;
   ClsArticulosLotes lots_;
   ClsArticulosMovAlmacen movements_;
+  ClsClientes customers_;
+  ClsClientesApuntesConta ledger_;
+  Prices prices_;
 
-  std::unordered_set<std::string> knownArticles_;  ///< that are there, as far as committed
+  // What is there, as far as committed.
+  std::unordered_set<std::string> knownArticles_;
+  std::unordered_set<std::string> knownCustomers_;
 };
 
 }  // namespace tavelor::shop

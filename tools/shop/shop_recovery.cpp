@@ -125,10 +125,16 @@ void Shop::finishSales(double first, Recovered& recovered) {
               << kSeries << "' ORDER BY Numero";
     for (const double ticket : numbersOf(selector::kDocuments, statement, "Numero", documents_)) {
       if (hasMovedStock(ticket)) continue;
-      moveStock(storedSale(ticket), ticket);
+      bookStored(ticket);
       recovered.sales.push_back(ticket);
     }
   }
+}
+
+/// What a sale did in the main database, once more, from its ticket.
+void Shop::bookStored(double ticket) {
+  const Sale sale = storedSale(ticket);
+  book(sale, ticket, isOnCredit(sale));
 }
 
 bool Shop::hasMovedStock(double ticket) {
@@ -137,18 +143,25 @@ bool Shop::hasMovedStock(double ticket) {
   return Rows(selector::kMain, statement, main_).hasRow();
 }
 
-/// What moveStock needs of a ticket, live or in history.
+/// What book() needs of a ticket, live or in history.
 Sale Shop::storedSale(double ticket) {
   Sale sale;
   for (const std::string_view table : {"Tickets", "HTickets"}) {
-    Statement head("SELECT Referencia, Fecha, Concepto FROM ");
+    Statement head("SELECT Referencia, Fecha, Concepto, Codigo, Razon_Social, Forma_Pago FROM ");
     head << table << " WHERE Numero = " << value(numberText(ticket));
     const Rows row(selector::kDocuments, head, documents_);
     if (!row.hasRow()) continue;
     sale.reference = row.text("Referencia");
     sale.time = row.text("Concepto");
     sale.day = Date(row.number("Fecha"));
-    Statement lines("SELECT Codigo, Descripcion, Familia, Cantidad, Precio, IVA FROM ");
+    sale.customer = row.text("Codigo");
+    sale.name = row.text("Razon_Social");
+    sale.payment = row.text("Forma_Pago");
+    Statement header("SELECT Provincia FROM ");
+    header << table << "_Cabecera WHERE Codigo = " << value(numberText(ticket));
+    const Rows place(selector::kDocuments, header, documents_);
+    if (place.hasRow()) sale.place = place.text("Provincia");
+    Statement lines("SELECT Codigo, Descripcion, Familia, Cantidad, Precio, IVA, DTO FROM ");
     lines << table << "_Lineas WHERE Numero = " << value(numberText(ticket)) << " ORDER BY ID";
     for (Rows rows(selector::kDocuments, lines, documents_); rows.hasRow(); rows.next()) {
       sale.lines.push_back({.code = rows.text("Codigo"),
@@ -156,15 +169,16 @@ Sale Shop::storedSale(double ticket) {
                             .family = rows.text("Familia"),
                             .quantity = rows.number("Cantidad"),
                             .price = rows.number("Precio"),
-                            .tax = rows.number("IVA")});
+                            .tax = rows.number("IVA"),
+                            .discount = rows.number("DTO")});
     }
     break;
   }
   return sale;
 }
 
-/// Undoes what moveStock did, line by line. Articles that were made on the way stay.
-void Shop::takeBackStock(double ticket) {
+/// Undoes what book() did. Articles and customers that were made on the way stay.
+void Shop::takeBack(double ticket) {
   Statement statement(
       "SELECT Codigo, Almacen, Lote, Cantidad, Movimiento FROM Articulos_Movimientos_Almacen WHERE "
       "Estado = ");
@@ -180,6 +194,7 @@ void Shop::takeBackStock(double ticket) {
     lots_.DescargarStock_V(code, lot, 0.0, units, wasExit, main_);
   }
   movements_.DeleteAll(ticket, kTicketKind, main_);
+  ledger_.Eliminar(kTicketKind, ticket, main_);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -304,13 +319,13 @@ void Shop::followTickets(Recovered& recovered) {
          known.isOfTicket() ? audit.tickets(each, each) : audit.closings(each, each)) {
       switch (finding.kind) {
         case Kind::kTicketLost:
-          takeBackStock(each);
+          takeBack(each);
           recovered.takenBack.push_back(each);
           break;
         case Kind::kStockNotMoved:
         case Kind::kLinesDiffer:
-          takeBackStock(each);
-          moveStock(storedSale(each), each);
+          takeBack(each);
+          bookStored(each);
           recovered.sales.push_back(each);
           break;
         case Kind::kTicketsOfClosing:
