@@ -40,6 +40,28 @@ tell "A ticket as its receipt, from history, and the four places that hold the s
 tavelor ticket 17
 tavelor stock PAN001
 
+tell "Customers from a file: numbers are cleaned and classed, what is not right is told."
+cat >"$folder/customers.csv" <<'END'
+Codigo,Razon_Social,NIF,Tarifa,Descuento
+0012,Obras del Sur SL,b-12345674,A,10
+0013,Núria O'Hara,nif: 12.345.678-z,A,0
+0014,Bar Central,12345678A,A,0
+END
+tavelor import customers "$folder/customers.csv"
+
+tell "Without a price in the file they buy at their own; what is on credit they owe, in their accounts."
+cat >"$folder/credit.csv" <<'END'
+InvoiceNo,StockCode,Quantity,InvoiceDate,CustomerID,Payment
+K1,PAN001,6,2025-11-20 08:30,0012,credit
+K1,BEB001,2,2025-11-20 08:30,0012,credit
+K2,PAN001,4,2025-11-20 08:45,0013,credit
+K3,BEB001,-1,2025-11-20 09:00,0012,credit
+END
+tavelor day "$TAVELOR_HOME" --sales "$folder/credit.csv" --tills 04 | sed -n '1,2p;/tickets  /,$p'
+tavelor call ClsClientesApuntesConta Insertar A 0012 25/11/2025 Transferencia H 0 5 2 1
+tavelor account 0012
+tavelor account --check
+
 tell "Any class, any member, by name. A value can break its statement, and do nothing else."
 tavelor call ClsCierres SaldoAnterior "20/11/2026" 01 "" "" 0
 tavelor call ClsTickets CodigoLibre 17
