@@ -18,6 +18,7 @@ try:
     from stdnum import iban
     from stdnum import numdb
     from stdnum.es import ccc, nif
+    from stdnum.iso7064 import mod_97_10
 except ImportError:
     print("python3-stdnum is not installed: skipped")
     sys.exit(77)
@@ -32,6 +33,7 @@ STRICT_PROVINCE = "the tax office wants a province behind K, L and M"
 STRICT_RESERVED = "the tax office reserves the number"
 NOT_ASCII = "characters outside ASCII: refused here, turned into ASCII there"
 NEVER_ISSUED = "control digits 00, 01 and 99: never issued, refused here"
+NO_DIGITS = "control digits that are letters: refused here, counted as numbers there"
 NATIONAL = "national control digits of BE, ME and NO: not looked at here"
 
 
@@ -50,6 +52,8 @@ def reason(kind, code, ours, theirs):
         number = iban.compact(code)
         if theirs and not ours and number[2:4] in ("00", "01", "99"):
             return NEVER_ISSUED
+        if theirs and not ours and not number[2:4].isdigit():
+            return NO_DIGITS
         if ours and not theirs and number[:2] in ("BE", "ME", "NO"):
             return NATIONAL
     return None
@@ -122,6 +126,10 @@ def account():
     if random.random() < 0.2:
         # The same remainder by digits that are never issued.
         control = {"97": "00", "98": "01", "02": "99"}.get(control, control)
+    if random.random() < 0.01:
+        # The same remainder by a letter, which counts as two digits.
+        control = random.choice([a + b for a in string.ascii_uppercase for b in string.digits
+                                 if mod_97_10.is_valid(inside + country + a + b)] or [control])
     return country + control + inside
 
 
@@ -195,7 +203,8 @@ def main():
                 found[why] += 1
 
     print("%d codes, %d answers agree, %d of them yes" % (count, agreed, accepted))
-    reasons = (STRICT_ENDING, STRICT_PROVINCE, STRICT_RESERVED, NOT_ASCII, NEVER_ISSUED, NATIONAL)
+    reasons = (STRICT_ENDING, STRICT_PROVINCE, STRICT_RESERVED, NOT_ASCII, NEVER_ISSUED, NO_DIGITS,
+               NATIONAL)
     for why in reasons:
         print("%9d  %s" % (found[why], why))
     for kind, typed in unlisted[:20]:
