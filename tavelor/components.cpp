@@ -46,6 +46,7 @@
 #include "tavelor/sales/tickets_cabecera.hpp"
 #include "tavelor/sales/tickets_comentarios.hpp"
 #include "tavelor/sales/tickets_lineas.hpp"
+#include "tavelor/staff/empleados.hpp"
 
 namespace tavelor {
 
@@ -100,6 +101,8 @@ const std::vector<const Component*>& components() {
       &ClsCierres::component(),
       // customers
       &ClsClientes::component(),
+      // staff
+      &ClsEmpleados::component(),
   };
   // clang-format on
   return all;
