@@ -47,6 +47,7 @@
 #include "tavelor/sales/tickets_comentarios.hpp"
 #include "tavelor/sales/tickets_lineas.hpp"
 #include "tavelor/staff/empleados.hpp"
+#include "tavelor/staff/empleados_puntos.hpp"
 
 namespace tavelor {
 
@@ -103,6 +104,7 @@ const std::vector<const Component*>& components() {
       &ClsClientes::component(),
       // staff
       &ClsEmpleados::component(),
+      &ClsEmpleadosPuntos::component(),
   };
   // clang-format on
   return all;

@@ -37,14 +37,15 @@ bool isUnstored(Recordset& rows) {
   return !key.isEmpty() && number(key) == kUnstoredId;
 }
 
+// The key comes first: where the list shows none, nothing has changed.
 template <typename Wanted, typename Write>
 void numberRows(Recordset& rows, Wanted wanted, const Variant& next, Write alsoWrite) {
   const RecordsetPtr all = allRows(rows);
   double id = number(next);
   for (const Variant& place : placesOf(*all, wanted)) {
     all->Bookmark(place);
-    alsoWrite(*all);
     all->Field("ID").Value(id);
+    alsoWrite(*all);
     all->Update();
     ++id;
   }
