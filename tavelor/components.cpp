@@ -46,6 +46,7 @@
 #include "tavelor/sales/tickets_cabecera.hpp"
 #include "tavelor/sales/tickets_comentarios.hpp"
 #include "tavelor/sales/tickets_lineas.hpp"
+#include "tavelor/staff/citas.hpp"
 #include "tavelor/staff/empleados.hpp"
 #include "tavelor/staff/empleados_puntos.hpp"
 
@@ -105,6 +106,7 @@ const std::vector<const Component*>& components() {
       // staff
       &ClsEmpleados::component(),
       &ClsEmpleadosPuntos::component(),
+      &ClsCitas::component(),
   };
   // clang-format on
   return all;
