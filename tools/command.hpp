@@ -46,6 +46,7 @@ void addDay(CLI::App& app, Common& common);
 void addTicket(CLI::App& app, Common& common);
 void addRecover(CLI::App& app, Common& common);
 void addAccount(CLI::App& app, Common& common);
+void addAgenda(CLI::App& app, Common& common);
 void addStock(CLI::App& app, Common& common);
 void addSql(CLI::App& app, Common& common);
 void addImport(CLI::App& app, Common& common);

@@ -67,6 +67,7 @@ void addCommands(CLI::App& app, Common& common) {
   addTicket(app, common);
   addRecover(app, common);
   addAccount(app, common);
+  addAgenda(app, common);
   addStock(app, common);
   addSql(app, common);
   addImport(app, common);
