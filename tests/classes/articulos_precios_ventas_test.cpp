@@ -550,6 +550,13 @@ TEST_F(ClsArticulosPreciosVentasTest, TheSlotsStandInOrder) {
   EXPECT_EQ(signature("AddNew"), "AddNew([bDefVal As Boolean], [sIdCli As String])");
 }
 
+TEST_F(ClsArticulosPreciosVentasTest, SQFamiliaNamesTheColumnOfTheFamily) {
+  EXPECT_EQ(prices.sQFamilia(), "Familia");
+  std::vector<Variant> none;
+  EXPECT_EQ(ClsArticulosPreciosVentas::component().call(catalogue, "sQFamilia", none),
+            Variant("Familia"));
+}
+
 TEST_F(ClsArticulosPreciosVentasTest, HostileTextInEveryValueChangesNothing) {
   add({});
   for (const std::string& attack : test::hostileTexts()) {

@@ -8,9 +8,9 @@
 #include <iterator>
 
 #include "tavelor/services/clock.hpp"
-#include "tavelor/services/prompt_global.hpp"
 #include "tests/classes/catalogue.hpp"
 #include "tests/support/form.hpp"
+#include "tests/support/typist.hpp"
 
 namespace tavelor {
 namespace {
@@ -19,6 +19,7 @@ namespace fs = std::filesystem;
 
 using test::errorOf;
 using test::hostileTexts;
+using test::Typist;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -26,24 +27,6 @@ using testing::IsEmpty;
 const std::string kTodos =
     "SELECT Hora, Cliente, Empleado, Box, Tipo, Descripcion, Estado, id FROM Citas";
 constexpr const char* kNuevoCodigo = "SELECT MAX(Id) AS Nuevo_Codigo FROM Citas";
-
-/// Types a line.
-class Typist final : public PromptHandler {
- public:
-  explicit Typist(std::string line) : line_(std::move(line)) {}
-  void message(const Prompt& /*prompt*/) override {}
-  Variant askInput(const std::string& prompt) override {
-    asked.push_back(prompt);
-    return line_;
-  }
-  bool question(const Prompt& /*prompt*/) override { return false; }
-  void beep() override {}
-
-  std::vector<std::string> asked;
-
- private:
-  std::string line_;
-};
 
 /// 5 March 2026, 14:05:09.
 class ClsCitasTest : public test::CatalogueTest<ClsCitas> {
