@@ -2,6 +2,7 @@
 // All classes are there, each with its page, and each of their members with its test.
 #include <algorithm>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tavelor/components.hpp"
@@ -16,6 +17,57 @@ namespace tavelor {
 namespace {
 
 using test::textsBelow;
+
+const std::vector<std::string>& publicClasses() {
+  static const std::vector<std::string> names = {"ClsBancos",
+                                                 "ClsImpuestos",
+                                                 "ClsDivisas",
+                                                 "ClsFormasPago",
+                                                 "ClsTiposDocumento",
+                                                 "ClsTiposFactura",
+                                                 "Emisores",
+                                                 "ClsAlmacenes",
+                                                 "ClsCajas",
+                                                 "ClsTiposCliente",
+                                                 "ClsSecciones",
+                                                 "clsFamilias",
+                                                 "clsIncidencias",
+                                                 "Rutas",
+                                                 "ClsTransportistas",
+                                                 "ClsContactos",
+                                                 "clsNumeradores",
+                                                 "ClsTickets",
+                                                 "ClsTicketsLineas",
+                                                 "ClsTicketsCabecera",
+                                                 "ClsTicketsComentarios",
+                                                 "CollectionTickets",
+                                                 "ClsRegTickets",
+                                                 "ClsCierres",
+                                                 "clsArticulos",
+                                                 "ClsArticulosAlmacenes",
+                                                 "ClsArticulosLotes",
+                                                 "ClsArticulosMovAlmacen",
+                                                 "ClsArticulosPrecios",
+                                                 "ClsArticulosPreciosVentas",
+                                                 "ClsArticulosCbarras",
+                                                 "ClsArticulosComponentes",
+                                                 "ClsArticulosComentarios",
+                                                 "CollectionRegistros",
+                                                 "ClsRegistros",
+                                                 "ClsClientes",
+                                                 "ClsClientesDirecciones",
+                                                 "ClsClientesCentros",
+                                                 "ClsClientesColaboradores",
+                                                 "ClsClientesComentarios",
+                                                 "ClsClientesApuntesConta",
+                                                 "ClsProveedores",
+                                                 "ClsProveedoresApuntesConta",
+                                                 "ClsProveedoresComentarios",
+                                                 "ClsEmpleados",
+                                                 "ClsEmpleadosPuntos",
+                                                 "ClsCitas"};
+  return names;
+}
 
 /// IniciaRs has three shapes, but every class has it.
 bool isFrameMember(const Member& slot) {
@@ -43,6 +95,13 @@ bool calls(std::string_view text, const std::string& name) {
     }
   }
   return false;
+}
+
+TEST(Completeness, TheRegistryHoldsTheFortySevenPublicClasses) {
+  std::vector<std::string> found;
+  for (const Component* each : components()) found.push_back(each->name());
+  EXPECT_THAT(found, testing::UnorderedElementsAreArray(publicClasses()));
+  EXPECT_EQ(found.size(), 47U);
 }
 
 TEST(Completeness, EachClassHasItsPage) {

@@ -92,10 +92,9 @@ TEST_F(ClsClientesModosTest, AnUnknownWordOpensAllAndReadsTodosAfterwards) {
 }
 
 TEST_F(ClsClientesModosTest, TheMixedDescriptionOfAFileDatabaseHoldsTheTradeName) {
-  EXPECT_EQ(statementOf("seleccionmixta"),
-            corpus("IniciaRs / seleccionmixta, file database, operator &"));
+  EXPECT_EQ(statementOf("seleccionmixta"), corpus("IniciaRs / seleccionmixta, file database"));
   EXPECT_EQ(statementOf("seleccionmixta_center", "Norte"),
-            corpus("IniciaRs / seleccionmixta_center, file database, operator &"));
+            corpus("IniciaRs / seleccionmixta_center, file database"));
 }
 
 class ClsClientesModosOnServerTest : public ClsClientesModosTest {
@@ -105,9 +104,9 @@ class ClsClientesModosOnServerTest : public ClsClientesModosTest {
 
 TEST_F(ClsClientesModosOnServerTest, TheMixedDescriptionHoldsNoTradeName) {
   EXPECT_FALSE(customers.esDbFile());
-  EXPECT_EQ(statementOf("seleccionmixta"), corpus("IniciaRs / seleccionmixta, server, operator &"));
+  EXPECT_EQ(statementOf("seleccionmixta"), corpus("IniciaRs / seleccionmixta, server"));
   EXPECT_EQ(statementOf("seleccionmixta_center", "Norte"),
-            corpus("IniciaRs / seleccionmixta_center, server, operator &"));
+            corpus("IniciaRs / seleccionmixta_center, server"));
 }
 
 TEST_F(ClsClientesModosTest, TheDeclarationTakesTheSeriesOfTheSession) {
