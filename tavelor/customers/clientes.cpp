@@ -10,7 +10,6 @@
 
 #include "tavelor/customers/consultas.hpp"
 #include "tavelor/frame/reading.hpp"
-#include "tavelor/numbering/numeradores.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/apartment.hpp"
@@ -331,35 +330,10 @@ bool ClsClientes::ExistenCentros(ObjCn objCn) const {
 // ---------------------------------------------------------------------------------------------
 // Codes
 
-Variant ClsClientes::newCode(ConnectionPtr& objCn) const {
-  const std::int32_t digits =
-      clsNumeradores().GetLong("Clientes", objCn).toInt32(Apartment::current().locale());
-  return nextCode(info().codeColumn, digits, objCn);
-}
-
-std::string ClsClientes::ObtenerCodigo(InOut<std::string> sMidato) const {
-  try {
-    const std::int32_t digits =
-        clsNumeradores().GetLong("Clientes").toInt32(Apartment::current().locale());
-    if (digits > 0 && text::length(*sMidato) < static_cast<std::size_t>(digits)) {
-      sMidato = text::padLeft(*sMidato, static_cast<std::size_t>(digits), '0');
-    }
-  } catch (const Error&) {
-    // A form that pads what was typed goes on with what was typed.
-  }
-  return *sMidato;
-}
-
 std::string ClsClientes::GetLenMaxDigit(ObjCn objCn) const {
   const Variant longest =
       lookUp(Statement("SELECT Max(Len([Codigo])) AS Digitos FROM Clientes"), "Digitos", *objCn);
   return longest.isEmpty() ? "0" : joined(longest);
-}
-
-bool ClsClientes::CtaLibre(const Variant& vId, const Variant& vIdCodigo, ObjCn objCn) const {
-  Statement statement("SELECT Cta_Contable FROM Clientes where (Cta_Contable ='");
-  statement << value(joined(vId)) << "' and Codigo <>'" << value(joined(vIdCodigo)) << "')";
-  return !anyRow(statement, *objCn);
 }
 
 // ---------------------------------------------------------------------------------------------

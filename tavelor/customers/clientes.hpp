@@ -2,7 +2,7 @@
 // The customer master.
 #pragma once
 
-#include "tavelor/frame/single_read.hpp"
+#include "tavelor/companions/business_partner.hpp"
 
 namespace tavelor {
 
@@ -11,22 +11,18 @@ class Component;
 /// Who buys: trade and legal name, address, fiscal identifier, conditions of sale, what invoices
 /// need, accounts and reports, one row a customer.
 ///
-/// A customer is found by its code, a text of digits by custom, whose greatest length the counters
-/// tell. `Activo` is 0 for customers no longer in use, 2 for those that are not available, anything
-/// else for the usual ones; members that ask for a usable customer take all but 0. Values are
-/// joined into statements without escaping: a quote in a code or a name raises the database's
-/// syntax error. Members that write or read customers beside the primary record set keep no state.
-class ClsClientes final : public OpensByWord {
+/// `Activo` is 0 for customers no longer in use, 2 for those that are not available, anything else
+/// for the usual ones; members that ask for a usable customer take all but 0. Values are joined
+/// into statements without escaping: a quote in a code or a name raises the database's syntax
+/// error. Members that write or read customers beside the primary record set keep no state.
+class ClsClientes final : public BusinessPartner {
  public:
   ClsClientes();
   std::string typeName() const override { return "ClsClientes"; }
   static const Component& component();
 
-  /// Members that read one value of one customer: `GetSerie(id)`, `GetSerie(id, objCn)`. What they
-  /// ask and answer is the table in clientes_lecturas.cpp.
-  using Text = SingleReadOf<std::string>;
-  using Flag = SingleReadOf<bool>;
-  using Number = SingleReadOf<double>;
+  // What the single reads (Text, Flag and Number) ask and answer is the table in
+  // clientes_lecturas.cpp.
 
   // ---- Fiscal identifiers (clientes_fiscal.cpp)
   //
@@ -83,8 +79,6 @@ class ClsClientes final : public OpensByWord {
                              InOut<std::string> sPasw, bool bHistorico = false) const;
   /// Puts the full path of the export file of that name in its place.
   void GetExportPath(InOut<std::string> sExportPath) const;
-  /// Puts the full path of the document of that name in its place.
-  void GetDocPath(InOut<std::string> sDocPath) const;
   /// Full path of the class's text file, and of the one that goes out by mail.
   std::string GetTxtFile() const;
   std::string GetTxtFile_email() const;
@@ -102,12 +96,6 @@ class ClsClientes final : public OpensByWord {
   /// The page that all other classes write.
   void ToHtmlGrid_V0(const GridColumns& clColfields, bool bDoclone = false,
                      std::string_view sSelecSql = {}, bool bFilter = false);
-  /// Of the current row of the primary record set. What cannot be read leaves its variable as it
-  /// is. Never raises.
-  void ObtenerRegistroActivo(InOut<Variant> vId, InOut<std::string> sNombre,
-                             InOut<std::string> sEmpresa, InOut<std::string> sDireccion,
-                             InOut<std::string> sCp, InOut<std::string> sPoblacion,
-                             InOut<std::string> sProvincia, InOut<std::string> sTelefono) const;
   /// Of the current row, as text; "" after any failure.
   std::string sQBanco() const;
   std::string sQFormaPago() const;
@@ -119,16 +107,10 @@ class ClsClientes final : public OpensByWord {
   /// Production centres, and behind them "TODOS"; nothing where there are none.
   std::vector<Variant> ObtenerColCentrosProd(ObjCn objCn = {}) const;
 
-  // ---- Codes. NuevoCodigo keeps to the length of customer codes that the counters tell, where it
-  // is one, not to the width of the column.
+  // ---- Codes and new rows
 
-  /// Fills a code with zeros on the left to the length of customer codes, in place; longer ones
-  /// stay. Never raises: after a failure the code stays too.
-  std::string ObtenerCodigo(InOut<std::string> sMidato) const;
   /// Characters of the longest code; "0" without customers.
   std::string GetLenMaxDigit(ObjCn objCn = {}) const;
-  /// Whether no customer but `vIdCodigo` has the ledger account `vId`.
-  bool CtaLibre(const Variant& vId, const Variant& vIdCodigo, ObjCn objCn = {}) const;
   /// Adds a row; with `bDefVal`, filled with what a new customer begins with. The record set must
   /// show the whole customer.
   void AddNew(bool bDefVal = false);
@@ -185,36 +167,6 @@ class ClsClientes final : public OpensByWord {
   // as 10 for 10 %; a bonus goes with the amount from which it is due, and nothing here decides
   // when that is.
 
-  /// Parameters of GetDatosFacturacion, in their order.
-  struct Facturacion {
-    Variant id = {};            ///< where `index` is 0; becomes the code, "" for no customer
-    std::string sEmpresa = {};  ///< legal name, where `index` is 1; becomes it, "" for no customer
-    std::string sTransportista = {};
-    std::string sPago = {};
-    std::string sDivisa = {};
-    bool bImpuesto = false;
-    double dIrpf = 0;
-    std::string sSerie = {};   ///< "A" for Null
-    std::string sTarifa = {};  ///< "A" for Null
-    double dDtoLinea = 0;      ///< 0 for Null
-    double dDto = 0;           ///< prompt payment; 0 for Null
-    std::string sCta = {};
-    std::string sCtaC = {};
-    std::string sBanco = {};
-    bool bRecargo = false;
-    std::string sConcepto = {};
-    double dBonificacion = 0;
-    double dImpBonif = 0;
-    std::string sFactura_A = {};
-    std::string sFactura_B = {};
-    std::string sFactura_C = {};
-    std::string sDocumento_P = {};
-    std::string sDocumento_A = {};
-    std::string sDocumento_F = {};
-    std::int16_t index = 0;  ///< what is looked for; any other raises the database's syntax error
-    ObjCn objCn = {};
-    std::string sNom = {};
-  };
   /// Whether the customer is there. Shows its warning, unless documents take that up.
   bool GetDatosFacturacion(Facturacion& datos) const;
   /// Shows the warning alone, of customers that are no longer in use too.
@@ -299,8 +251,6 @@ class ClsClientes final : public OpensByWord {
   /// other, for Null and without a customer. In use or not.
   double GetIrpfSerie(const Variant& id, std::string_view sSerie, ObjCn objCn = {}) const;
   double GetDtoSerie(const Variant& id, std::string_view sSerie, ObjCn objCn = {}) const;
-  /// Always true. "no" for Null.
-  bool GetCtaTesoreria(const Variant& id, InOut<std::string> sCtaTes, ObjCn objCn = {}) const;
   /// The codes of order, delivery note and invoice; `id` goes in, and comes back as it is stored.
   void GetDocumentos(InOut<Variant> id, InOut<std::string> sDocumento_P,
                      InOut<std::string> sDocumento_A, InOut<std::string> sDocumento_F,
@@ -370,17 +320,10 @@ class ClsClientes final : public OpensByWord {
   void Actualizar_A_Nuevo_Registro(std::string_view IdCliente, bool bCopy, std::int16_t mdigitos,
                                    ObjCn cnnActive = {}) const;
 
-  /// A single read as a member function, for the component table.
-  template <auto kRead>
-  auto single(const Variant& id, ObjCn objCn) const {
-    return (this->*kRead)(id, *objCn);
-  }
-
  private:
   static const ClassInfo kInfo;
 
   Statement modeStatement(std::string& word, const Variant& id) const override;
-  Variant newCode(ConnectionPtr& objCn) const override;
   void setDefaults(bool bDefVal) override;
 
   /// The condition of "bajas", "bajas60" and "bajas30", the whole statement of "347", or nothing.

@@ -2,6 +2,7 @@
 // The component table of ClsClientes.
 #include <array>
 
+#include "tavelor/companions/profile_slots.hpp"
 #include "tavelor/customers/clientes.hpp"
 #include "tavelor/frame/component.hpp"
 #include "tavelor/frame/controls.hpp"
@@ -16,11 +17,6 @@ constexpr std::string_view kOf = "id, [objCn]";
 constexpr std::string_view kOfId = "vId, [objCn]";
 constexpr std::string_view kOnAll = "[cnnActive]";
 
-template <auto kRead>
-Member single(std::string_view name, std::string_view names = kOf) {
-  return member(name, &C::single<kRead>, names);
-}
-
 std::vector<Member> fiscalSlots() {
   return {
       member("EsNIF", &C::EsNIF, "s"),
@@ -30,12 +26,12 @@ std::vector<Member> fiscalSlots() {
       member("Tipo_Id_Fiscal", &C::Tipo_Id_Fiscal, "s"),
       member("LimpiarNIFCIF_v1", &C::LimpiarNIFCIF_v1, "[objCn]"),
       member("ValidarNIFCIF", &C::ValidarNIFCIF, "valorOriginal"),
-      single<&C::ObtenerBloqueo>("ObtenerBloqueo"),
-      single<&C::ExisteCli>("ExisteCli", kOfId),
-      single<&C::ExisteNif>("ExisteNif", kOfId),
-      single<&C::ExisteExternalID>("ExisteExternalID", kOfId),
+      member("ObtenerBloqueo", &C::ObtenerBloqueo),
+      member("ExisteCli", &C::ExisteCli, kOfId),
+      member("ExisteNif", &C::ExisteNif, kOfId),
+      member("ExisteExternalID", &C::ExisteExternalID, kOfId),
       member("ExistenCentros", &C::ExistenCentros, "[objCn]"),
-      single<&C::EstaDisponible>("EstaDisponible", kOfId),
+      member("EstaDisponible", &C::EstaDisponible, kOfId),
       member("ExistenRegistros_consulta", &C::ExistenRegistros_consulta, "ssql, [objCn]"),
       member("ExistenClientesSinCodigoPostal", &C::ExistenClientesSinCodigoPostal, "[objCn]"),
       member("ExistenClientesSinIdFiscal", &C::ExistenClientesSinIdFiscal, "[objCn]"),
@@ -76,25 +72,25 @@ std::vector<Member> changeSlots() {
 
 std::vector<Member> readingSlots() {
   return {
-      single<&C::GetSerie>("GetSerie"),
-      single<&C::GetLista>("GetLista"),
-      single<&C::GetRefPortes>("GetRefPortes"),
-      single<&C::GetFacturacion>("GetFacturacion"),
-      single<&C::IncludeTax>("IncludeTax"),
-      single<&C::PortesAlConvertir>("PortesAlConvertir"),
+      member("GetSerie", &C::GetSerie),
+      member("GetLista", &C::GetLista),
+      member("GetRefPortes", &C::GetRefPortes),
+      member("GetFacturacion", &C::GetFacturacion),
+      member("IncludeTax", &C::IncludeTax),
+      member("PortesAlConvertir", &C::PortesAlConvertir),
       member("NoesFacturable", &C::NoesFacturable, kOf),
-      single<&C::esFacturable>("esFacturable"),
-      single<&C::EsIvaDeducible>("EsIvaDeducible"),
-      single<&C::GetCodigo_fac>("GetCodigo_fac"),
-      single<&C::GetCodigo_Banco>("GetCodigo_Banco"),
-      single<&C::GetTipoCli>("GetTipoCli"),
+      member("esFacturable", &C::esFacturable),
+      member("EsIvaDeducible", &C::EsIvaDeducible),
+      member("GetCodigo_fac", &C::GetCodigo_fac),
+      member("GetCodigo_Banco", &C::GetCodigo_Banco),
+      member("GetTipoCli", &C::GetTipoCli),
       member("GetLenMaxDigit", &C::GetLenMaxDigit, "[objCn]"),
-      single<&C::esDistribuidor>("esDistribuidor"),
-      single<&C::esAsociado>("esAsociado"),
+      member("esDistribuidor", &C::esDistribuidor),
+      member("esAsociado", &C::esAsociado),
       member("esDbFile", &C::esDbFile),
-      single<&C::esActivo>("esActivo"),
-      single<&C::esSerie_as>("esSerie_as"),
-      single<&C::esPortesNoIncl>("esPortesNoIncl"),
+      member("esActivo", &C::esActivo),
+      member("esSerie_as", &C::esSerie_as),
+      member("esPortesNoIncl", &C::esPortesNoIncl),
   };
 }
 
@@ -116,37 +112,10 @@ std::vector<AggregateParameter<C::Cabecera>> partyParameters(bool withMail) {
   return parameters;
 }
 
-std::vector<AggregateParameter<C::Facturacion>> profileParameters() {
-  using P = C::Facturacion;
-  return {
-      parameter("inout id", &P::id),
-      parameter("inout sEmpresa", &P::sEmpresa),
-      parameter("out sTransportista", &P::sTransportista),
-      parameter("out sPago", &P::sPago),
-      parameter("out sDivisa", &P::sDivisa),
-      parameter("out bImpuesto", &P::bImpuesto),
-      parameter("out dIrpf", &P::dIrpf),
-      parameter("out sSerie", &P::sSerie),
-      parameter("out sTarifa", &P::sTarifa),
-      parameter("out dDtoLinea", &P::dDtoLinea),
-      parameter("out dDto", &P::dDto),
-      parameter("out sCta", &P::sCta),
-      parameter("out sCtaC", &P::sCtaC),
-      parameter("out sBanco", &P::sBanco),
-      parameter("out bRecargo", &P::bRecargo),
-      parameter("out sConcepto", &P::sConcepto),
-      parameter("out dBonificacion", &P::dBonificacion),
-      parameter("out dImpBonif", &P::dImpBonif),
-      parameter("out sFactura_A", &P::sFactura_A),
-      parameter("out sFactura_B", &P::sFactura_B),
-      parameter("out sFactura_C", &P::sFactura_C),
-      parameter("out sDocumento_P", &P::sDocumento_P),
-      parameter("out sDocumento_A", &P::sDocumento_A),
-      parameter("out sDocumento_F", &P::sDocumento_F),
-      parameter("[index]", &P::index),
-      parameter("[objCn]", &P::objCn),
-      parameter("[out sNom]", &P::sNom),
-  };
+std::vector<AggregateParameter<C::Facturacion>> customerProfileParameters() {
+  std::vector<AggregateParameter<C::Facturacion>> parameters = profileParameters();
+  parameters.push_back(parameter("[out sNom]", &C::Facturacion::sNom));
+  return parameters;
 }
 
 std::vector<AggregateParameter<C::Facturar>> invoicingParameters() {
@@ -206,7 +175,7 @@ std::vector<AggregateParameter<C::Centros>> centreParameters() {
 std::vector<Member> profileSlots() {
   return {
       member("GetDatosCabecera", &C::GetDatosCabecera, partyParameters(false)),
-      single<&C::esPersonaFisica>("esPersonaFisica"),
+      member("esPersonaFisica", &C::esPersonaFisica),
       member("GetDatosEmpresa", &C::GetDatosEmpresa, partyParameters(true)),
       member("GetAdministrativeCentres", &C::GetAdministrativeCentres, centreParameters()),
       member("GetDatosFacturar", &C::GetDatosFacturar, invoicingParameters()),
@@ -214,7 +183,7 @@ std::vector<Member> profileSlots() {
       member("GetDto", &C::GetDto, "id, out dDtoRpt, [objCn]"),
       member("GetOtrosDatosFacturar", &C::GetOtrosDatosFacturar, "inout id, out sPago, [objCn]"),
       member("GetAviso", &C::GetAviso, kOf),
-      member("GetDatosFacturacion", &C::GetDatosFacturacion, profileParameters()),
+      member("GetDatosFacturacion", &C::GetDatosFacturacion, customerProfileParameters()),
       member("GetDtoRpt", &C::GetDtoRpt, "id, out dDtoRpt, [objCn]"),
       member("GetIrpfSerie", &C::GetIrpfSerie, "id, sSerie, [objCn]"),
       member("GetDtoSerie", &C::GetDtoSerie, "id, sSerie, [objCn]"),
@@ -229,17 +198,17 @@ std::vector<Member> profileSlots() {
       member("ObtenerColCentrosProd", &C::ObtenerColCentrosProd, "[objCn]"),
       member("ObtenerColActivos", &C::ObtenerColActivos, "[objCn]"),
       member("ObtenerColAsociados", &C::ObtenerColAsociados, kOfId),
-      single<&C::ObtenerMailDoc>("ObtenerMailDoc", kOfId),
-      single<&C::ObtenerMailDoc_Admin>("ObtenerMailDoc_Admin", kOfId),
-      single<&C::ObtenerRiesgo>("ObtenerRiesgo", kOfId),
-      single<&C::ObtenerRazonSocial>("ObtenerRazonSocial"),
-      single<&C::ObtenerCP>("ObtenerCP"),
-      single<&C::ObtenerPrintPaper>("ObtenerPrintPaper", kOfId),
-      single<&C::ObtenerRpt_Fac>("ObtenerRpt_Fac", kOfId),
-      single<&C::ObtenerRpt_Alb>("ObtenerRpt_Alb", kOfId),
-      single<&C::ObtenerRpt_dec>("ObtenerRpt_dec", kOfId),
-      single<&C::ObtenerHorario>("ObtenerHorario"),
-      single<&C::ObtenerTexto>("ObtenerTexto"),
+      member("ObtenerMailDoc", &C::ObtenerMailDoc, kOfId),
+      member("ObtenerMailDoc_Admin", &C::ObtenerMailDoc_Admin, kOfId),
+      member("ObtenerRiesgo", &C::ObtenerRiesgo, kOfId),
+      member("ObtenerRazonSocial", &C::ObtenerRazonSocial),
+      member("ObtenerCP", &C::ObtenerCP),
+      member("ObtenerPrintPaper", &C::ObtenerPrintPaper, kOfId),
+      member("ObtenerRpt_Fac", &C::ObtenerRpt_Fac, kOfId),
+      member("ObtenerRpt_Alb", &C::ObtenerRpt_Alb, kOfId),
+      member("ObtenerRpt_dec", &C::ObtenerRpt_dec, kOfId),
+      member("ObtenerHorario", &C::ObtenerHorario),
+      member("ObtenerTexto", &C::ObtenerTexto),
       member("IniciaXML", &C::IniciaXML, "sPath"),
   };
 }

@@ -12,17 +12,6 @@ namespace tavelor {
 
 namespace {
 
-// As it is, whatever its type.
-void takeValue(Recordset& rows, std::string_view column, Variant& to) {
-  const Variant found = rows.Field(column).Value();
-  if (!found.isNull()) to = found;
-}
-
-void takeOr(Recordset& rows, std::string_view column, std::string_view missing, std::string& to) {
-  to = missing;
-  take(rows, column, to);
-}
-
 // A warning that documents take up is not shown: it stands on them.
 void showWarning(Recordset& rows) {
   if (!flag(rows.Field("Aviso").Value()) || flag(rows.Field("Incorporar").Value())) return;
@@ -37,49 +26,16 @@ constexpr std::string_view kSeries = "abc";
 }  // namespace
 
 bool ClsClientes::GetDatosFacturacion(Facturacion& datos) const {
-  Statement statement(
+  const RecordsetPtr rows = profile(
       "SELECT Codigo, Razon_Social, Nombre  , Activo, Transportista , Forma_Pago as Pago, Divisa,"
       " Impuesto, IRPF, Serie, Tarifa , Descuento as Dto, Descuento_pp as Dto_PP , Cta_Contable,"
       " Cta_Contrapartida, Banco, Recargo , Concepto, Bonificacion_1 as Bonificación,"
       " Condicion_1 as ImpBonif , Tipo_Factura_A as Factura_A, Tipo_Factura_B as Factura_B,"
       " Tipo_Factura_C as Factura_C , Documento_P, Documento_A, Documento_F, Aviso, Incorporar,"
-      " Texto_Aviso FROM Clientes WHERE");
-  if (datos.index == 0) {
-    statement << " ( Codigo =  '" << value(joined(datos.id)) << "' and activo <> 0 )";
-  } else if (datos.index == 1) {
-    statement << " ( Razon_Social = '" << value(datos.sEmpresa) << "' and activo <> 0 )";
-  }
-  const RecordsetPtr rows = read(statement, *datos.objCn);
-  if (rows->RecordCount() == 0) {
-    datos.id = "";
-    datos.sEmpresa.clear();
-    return false;
-  }
-  takeValue(*rows, "Codigo", datos.id);
-  take(*rows, "Razon_Social", datos.sEmpresa);
+      " Texto_Aviso FROM Clientes WHERE",
+      datos);
+  if (!rows) return false;
   take(*rows, "Nombre", datos.sNom);
-  take(*rows, "Transportista", datos.sTransportista);
-  take(*rows, "Pago", datos.sPago);
-  take(*rows, "Divisa", datos.sDivisa);
-  datos.bImpuesto = flag(rows->Field("Impuesto").Value());
-  take(*rows, "IRPF", datos.dIrpf);
-  takeOr(*rows, "Serie", "A", datos.sSerie);
-  takeOr(*rows, "Tarifa", "A", datos.sTarifa);
-  datos.dDtoLinea = number(rows->Field("Dto").Value());
-  datos.dDto = number(rows->Field("Dto_PP").Value());
-  take(*rows, "Cta_Contable", datos.sCta);
-  take(*rows, "Cta_Contrapartida", datos.sCtaC);
-  take(*rows, "Banco", datos.sBanco);
-  datos.bRecargo = flag(rows->Field("Recargo").Value());
-  take(*rows, "Concepto", datos.sConcepto);
-  take(*rows, "Bonificación", datos.dBonificacion);
-  take(*rows, "ImpBonif", datos.dImpBonif);
-  take(*rows, "Factura_A", datos.sFactura_A);
-  take(*rows, "Factura_B", datos.sFactura_B);
-  take(*rows, "Factura_C", datos.sFactura_C);
-  take(*rows, "Documento_P", datos.sDocumento_P);
-  take(*rows, "Documento_A", datos.sDocumento_A);
-  take(*rows, "Documento_F", datos.sDocumento_F);
   showWarning(*rows);
   return true;
 }
@@ -108,7 +64,7 @@ void ClsClientes::GetDatosFacturar(Facturar& datos) const {
                   datos.id),
            *datos.objCn);
   if (rows->RecordCount() == 0) return;
-  takeValue(*rows, "Codigo", datos.id);
+  take(*rows, "Codigo", datos.id);
   take(*rows, "Dto_PP", datos.dDto);
   take(*rows, "Banco", datos.sBanco);
   take(*rows, "Bonificación", datos.dBonificacion);
@@ -141,7 +97,7 @@ void ClsClientes::GetOtrosDatosFacturar(InOut<Variant> id, InOut<std::string> sP
                   *id),
            *objCn);
   if (rows->RecordCount() == 0) return;
-  takeValue(*rows, "Codigo", *id);
+  take(*rows, "Codigo", *id);
   take(*rows, "Pago", *sPago);
 }
 
@@ -160,7 +116,7 @@ void ClsClientes::GetDatosBonificar(Bonificar& datos) const {
   take(*rows, "ImpBonif2", datos.dImpBonif2);
   take(*rows, "Bonificación3", datos.dBonificacion3);
   take(*rows, "ImpBonif3", datos.dImpBonif3);
-  takeValue(*rows, "Condicion_1_SI", datos.bCondicion_1_SI);
+  take(*rows, "Condicion_1_SI", datos.bCondicion_1_SI);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -254,15 +210,6 @@ double ClsClientes::GetDtoSerie(const Variant& id, std::string_view sSerie, ObjC
                   sSerie, *objCn);
 }
 
-bool ClsClientes::GetCtaTesoreria(const Variant& id, InOut<std::string> sCtaTes,
-                                  ObjCn objCn) const {
-  const RecordsetPtr rows = read(
-      withId("SELECT Cta_Tesoreria FROM Clientes WHERE ( Codigo =  '{id}' and activo <> 0 )", id),
-      *objCn);
-  if (rows->RecordCount() > 0) takeOr(*rows, "Cta_Tesoreria", "no", *sCtaTes);
-  return true;
-}
-
 void ClsClientes::GetDocumentos(InOut<Variant> id, InOut<std::string> sDocumento_P,
                                 InOut<std::string> sDocumento_A, InOut<std::string> sDocumento_F,
                                 ObjCn objCn) const {
@@ -272,7 +219,7 @@ void ClsClientes::GetDocumentos(InOut<Variant> id, InOut<std::string> sDocumento
                   *id),
            *objCn);
   if (rows->RecordCount() == 0) return;
-  takeValue(*rows, "Codigo", *id);
+  take(*rows, "Codigo", *id);
   take(*rows, "Documento_P", *sDocumento_P);
   take(*rows, "Documento_A", *sDocumento_A);
   take(*rows, "Documento_F", *sDocumento_F);

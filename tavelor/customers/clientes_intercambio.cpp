@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // ClsClientes: paths, files, pages, the current row, and lists of codes.
-#include "tavelor/companions/active_row.hpp"
 #include "tavelor/customers/clientes.hpp"
 #include "tavelor/frame/reading.hpp"
 #include "tavelor/platform/error.hpp"
@@ -24,10 +23,6 @@ void ClsClientes::GetConnectionStrToRpt(InOut<std::string> sDbtype, InOut<std::s
 
 void ClsClientes::GetExportPath(InOut<std::string> sExportPath) const {
   sExportPath = DataSession().ExportPath(*sExportPath);
-}
-
-void ClsClientes::GetDocPath(InOut<std::string> sDocPath) const {
-  sDocPath = DataSession().DocPath(*sDocPath);
 }
 
 std::string ClsClientes::GetTxtFile() const {
@@ -62,15 +57,6 @@ void ClsClientes::ToHtmlGrid_V0(const GridColumns& clColfields, bool bDoclone,
 
 // ---------------------------------------------------------------------------------------------
 // The current row
-
-void ClsClientes::ObtenerRegistroActivo(InOut<Variant> vId, InOut<std::string> sNombre,
-                                        InOut<std::string> sEmpresa, InOut<std::string> sDireccion,
-                                        InOut<std::string> sCp, InOut<std::string> sPoblacion,
-                                        InOut<std::string> sProvincia,
-                                        InOut<std::string> sTelefono) const {
-  takeActiveRow(DataMember("Primary"), {*vId, *sNombre, *sEmpresa, *sDireccion, *sCp, *sPoblacion,
-                                        *sProvincia, *sTelefono});
-}
 
 std::string ClsClientes::currentText(std::string_view field) const {
   try {

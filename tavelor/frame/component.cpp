@@ -137,6 +137,15 @@ Variant objectOut(std::shared_ptr<T> object) {
         fmt::format("{} was given {} arguments", signature, given));
 }
 
+std::vector<Member>::iterator slotCalled(std::string_view name, std::vector<Member>& slots) {
+  const auto found = std::find_if(slots.begin(), slots.end(),
+                                  [&](const Member& slot) { return slot.name == name; });
+  if (found == slots.end()) {
+    raise(errors::kMemberNotFound, kSource, fmt::format("There is no slot {}", name));
+  }
+  return found;
+}
+
 bool mayBeLeftOut(const Parameter& parameter) {
   return parameter.optional || parameter.direction == Parameter::Direction::kOut;
 }
@@ -219,13 +228,13 @@ std::vector<Member> withFrameTail(std::vector<Member> first, std::vector<Member>
 
 std::vector<Member> withSlotsBehind(std::string_view name, std::vector<Member> more,
                                     std::vector<Member> slots) {
-  const auto before = std::find_if(slots.begin(), slots.end(),
-                                   [&](const Member& slot) { return slot.name == name; });
-  if (before == slots.end()) {
-    raise(errors::kMemberNotFound, kSource, fmt::format("There is no slot {}", name));
-  }
-  slots.insert(before + 1, std::make_move_iterator(more.begin()),
+  slots.insert(slotCalled(name, slots) + 1, std::make_move_iterator(more.begin()),
                std::make_move_iterator(more.end()));
+  return slots;
+}
+
+std::vector<Member> withoutSlot(std::string_view name, std::vector<Member> slots) {
+  slots.erase(slotCalled(name, slots));
   return slots;
 }
 

@@ -20,6 +20,8 @@ namespace tavelor {
 
 class Connection;
 class Recordset;
+template <typename Result>
+class SingleReadOf;
 
 /// One parameter of a member, as the printed interface shows it.
 struct Parameter {
@@ -94,6 +96,9 @@ std::vector<Member> withFrameTail(std::vector<Member> first, std::vector<Member>
 /// those of the frame. Raises 438 when there is no such slot.
 std::vector<Member> withSlotsBehind(std::string_view name, std::vector<Member> more,
                                     std::vector<Member> slots);
+/// The same slots without the one called `name`: a frame member that a class does not have. Raises
+/// 438 when there is no such slot.
+std::vector<Member> withoutSlot(std::string_view name, std::vector<Member> slots);
 
 // ---------------------------------------------------------------------------------------------
 // From a member function to a slot.
@@ -292,6 +297,13 @@ template <typename R, typename Class, typename... P>
 Member member(std::string_view name, R (Class::*function)(P...) const,
               std::string_view names = {}) {
   return detail::makeMember<Class, R, decltype(function), P...>(name, function, names);
+}
+/// A slot from a member that reads one value of one row.
+template <typename Result, typename Class>
+Member member(std::string_view name, const SingleReadOf<Result> Class::*read,
+              std::string_view names = "id, [objCn]") {
+  return detail::makeMember<Class, Result, decltype(read), const Variant&,
+                            InOut<std::shared_ptr<Connection>>>(name, read, names);
 }
 /// One parameter of a member that takes them all in one aggregate.
 template <typename Aggregate>

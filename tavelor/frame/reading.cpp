@@ -67,6 +67,10 @@ void take(Recordset& rows, std::string_view column, bool& to) {
   takeUnlessNull(rows, column, [&](const Variant& v) { to = v.toBoolean(locale()); });
 }
 
+void take(Recordset& rows, std::string_view column, Variant& to) {
+  takeUnlessNull(rows, column, [&](const Variant& v) { to = v; });
+}
+
 std::vector<Variant> columnValues(Recordset& rows, std::string_view column) {
   std::vector<Variant> values;
   values.reserve(static_cast<std::size_t>(std::max(rows.RecordCount(), 0)));

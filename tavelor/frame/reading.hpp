@@ -26,6 +26,8 @@ void take(Recordset& rows, std::string_view column, std::int32_t& to);
 void take(Recordset& rows, std::string_view column, float& to);
 void take(Recordset& rows, std::string_view column, double& to);
 void take(Recordset& rows, std::string_view column, bool& to);
+/// As it is, whatever its type.
+void take(Recordset& rows, std::string_view column, Variant& to);
 
 /// A column of all rows from the current one on; the set is left at EOF.
 std::vector<Variant> columnValues(Recordset& rows, std::string_view column);

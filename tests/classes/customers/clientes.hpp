@@ -2,8 +2,6 @@
 // A shop with customers, for the tests of their classes.
 #pragma once
 
-#include <algorithm>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -13,7 +11,7 @@
 #include "tavelor/customers/clientes.hpp"
 #include "tavelor/services/clock.hpp"
 #include "tavelor/services/prompt_global.hpp"
-#include "tests/dialect/corpus_case.hpp"
+#include "tests/classes/corpus.hpp"
 #include "tests/support/shop.hpp"
 
 namespace tavelor::test {
@@ -31,24 +29,11 @@ inline Settings customerServer() {
   return settings;
 }
 
-/// The statement of that name in the corpus of the dialect, which holds every statement of the
-/// class: `Insertar` is "ClsClientes.Insertar".
+/// The statement of that name in the corpus: `Insertar` is "ClsClientes.Insertar".
 inline std::string corpus(const std::string& name) {
-  static const std::vector<tests::CorpusCase> all = [] {
-    std::vector<tests::CorpusCase> cases;
-    for (const char* file : {"customers-clsclientes", "customers-clsclientes-fiscal",
-                             "customers-clsclientes-invoicing", "customers-clsclientes-bulk"}) {
-      const auto path =
-          tests::detail::kSource / "tests/dialect/corpus" / (std::string(file) + ".txt");
-      for (tests::CorpusCase& each : tests::readCorpus(path)) cases.push_back(std::move(each));
-    }
-    return cases;
-  }();
-  const auto found = std::find_if(all.begin(), all.end(), [&](const tests::CorpusCase& each) {
-    return each.name == "ClsClientes." + name;
-  });
-  if (found == all.end()) throw std::out_of_range("The corpus has no " + name);
-  return std::string(found->statement().text());
+  return corpusStatement({"customers-clsclientes", "customers-clsclientes-fiscal",
+                          "customers-clsclientes-invoicing", "customers-clsclientes-bulk"},
+                         "ClsClientes." + name);
 }
 
 /// Answers questions as told and keeps what was shown.
