@@ -49,6 +49,9 @@
 #include "tavelor/staff/citas.hpp"
 #include "tavelor/staff/empleados.hpp"
 #include "tavelor/staff/empleados_puntos.hpp"
+#include "tavelor/suppliers/proveedores.hpp"
+#include "tavelor/suppliers/proveedores_apuntes_conta.hpp"
+#include "tavelor/suppliers/proveedores_comentarios.hpp"
 
 namespace tavelor {
 
@@ -92,6 +95,10 @@ const std::vector<const Component*>& components() {
       &ClsClientesColaboradores::component(),
       &ClsClientesComentarios::component(),
       &ClsClientesApuntesConta::component(),
+      // suppliers
+      &ClsProveedores::component(),
+      &ClsProveedoresApuntesConta::component(),
+      &ClsProveedoresComentarios::component(),
       // sales
       &ClsTickets::component(),
       &ClsTicketsCabecera::component(),

@@ -4,6 +4,7 @@
 
 #include "tavelor/frame/batch_rows.hpp"
 #include "tavelor/frame/component.hpp"
+#include "tavelor/frame/reading.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 
@@ -13,6 +14,10 @@ namespace {
 
 /// Key of the one comment that an owner has.
 constexpr std::int32_t kTheComment = 1;
+
+bool lacksKey(const Variant& id) {
+  return id.isEmpty() || id.isNull() || number(id) == kUnstoredId;
+}
 
 }  // namespace
 
@@ -37,7 +42,12 @@ void Comments::UpdateId(const Variant& vId) {
     numberNewRows(rows, NuevoCodigo(GetConnection()), vId);
     return;
   }
-  rows.Field("ID").Value(kTheComment);
+  Field id = rows.Field("ID");
+  if (keys_ == CommentKeys::kOneAnOwner) {
+    id.Value(kTheComment);
+  } else if (lacksKey(id.Value())) {
+    id.Value(NuevoCodigo(GetConnection()));
+  }
   keyCurrentRow(rows, vId);
 }
 

@@ -13,8 +13,9 @@ struct Member;
 
 /// How the rows of a table of comments are told apart.
 enum class CommentKeys : std::uint8_t {
-  kOfTable,     ///< by a key of the whole table: an owner may have many comments
-  kOneAnOwner,  ///< by the owner: its comment is the row of key 1
+  kOfTable,      ///< by a key of the whole table, which UpdateId gives to all rows of a batch
+  kOneAnOwner,   ///< by the owner: its comment is the row of key 1
+  kManyAnOwner,  ///< by a key of the whole table, which UpdateId gives to the current row
 };
 
 /// What the tables of comments share: Id, Codigo (the owner's code) and Comentarios.
@@ -29,7 +30,8 @@ class Comments : public OpensOnConnection {
   ///
   /// With keys of the table the new rows are those whose ID is -1, and the set stands on its first
   /// row afterwards. With one comment an owner it is the current row that becomes the owner's;
-  /// where he has another one, Update raises the integrity error and both are as they were.
+  /// where he has another one, Update raises the integrity error and both are as they were. With
+  /// many it is the current row too, which keeps a key that it has: AddNew may have given it one.
   void UpdateId(const Variant& vId);
   /// The rows as a page, record by record; see ToHtmlGrid for the parameters.
   void ToHtml(bool bDoclone = true, std::string_view sSelecSql = "todos", bool bFilter = false);

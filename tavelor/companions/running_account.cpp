@@ -113,8 +113,8 @@ void RunningAccount::Insertar(const Apunte& apunte) const {
 }
 
 void RunningAccount::Eliminar(std::int16_t iEst, const Variant& vDoc, ObjCn objCn) const {
-  DataSession session;
-  if (!*objCn) objCn = session.OpenConnection(info().selector);
+  mustBeHome();
+  if (!*objCn) objCn = DataSession().OpenConnection(info().selector);
   Statement ofDocument("SELECT Id, Codigo, Fecha, Debe, Haber From ");
   ofDocument << info().table << " WHERE ((Estado = " << value(std::to_string(iEst))
              << " ) AND (Documento_E = " << value(joined(vDoc)) << " ));";
@@ -142,6 +142,7 @@ void RunningAccount::Eliminar(std::int16_t iEst, const Variant& vDoc, ObjCn objC
 // The rows of the primary record set
 
 void RunningAccount::AddNew(InOut<Variant> vId, bool bDefVal) {
+  mustBeHome();
   Recordset& rows = primary();
   rows.AddNew();
   if (!bDefVal) return;
