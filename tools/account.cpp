@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// tavelor account: a customer's statement of account; whether all balances are right.
+// tavelor account: a statement of account of a customer or a supplier; whether all balances are
+// right.
 #include "tools/shop/account.hpp"
 
 #include <CLI/CLI.hpp>
@@ -26,20 +27,37 @@ namespace {
 
 constexpr const char* kFooter =
     R"(Every entry stores the balance after it. --check computes all of them anew and
-says which differ; --mend writes them as they should be, a customer at a time.
+says which differ; --mend writes them as they should be, an account at a time.
 
   tavelor account 00012
   tavelor account 00012 --from 2026-01-01 --to 2026-03-31 --html
-  tavelor account --check --mend)";
+  tavelor account --check --mend
+  tavelor account 400 --supplier
+  tavelor account --check --supplier)";
 
 struct AccountOptions {
   std::string customer;
   std::string from;
   std::string to;
+  bool isSupplier = false;
   bool html = false;
   bool check = false;
   bool mend = false;
+
+  shop::LedgerOf of() const {
+    return isSupplier ? shop::LedgerOf::kSuppliers : shop::LedgerOf::kCustomers;
+  }
 };
+
+struct Words {
+  const char* one;
+  const char* many;
+  const char* head;
+};
+constexpr Words wordsOf(shop::LedgerOf of) {
+  return of == shop::LedgerOf::kCustomers ? Words{"customer", "customers", "Customer"}
+                                          : Words{"supplier", "suppliers", "Supplier"};
+}
 
 /// Lines of cells below their heads; text to the left, amounts to the right.
 class Sheet {
@@ -89,9 +107,10 @@ class Sheet {
 
 void printAccount(const shop::Account& account, bool hasOpening, const Locale& locale,
                   const Style& style) {
-  fmt::print(
-      "{}  {}\n\n", printable(account.customer),
-      account.name.empty() ? "there is no such customer, only a ledger" : printable(account.name));
+  fmt::print("{}  {}\n\n", printable(account.owner),
+             account.name.empty()
+                 ? fmt::format("there is no such {}, only a ledger", wordsOf(account.of).one)
+                 : printable(account.name));
   Sheet sheet(locale, style);
   sheet.add({"Date", "Text", "Debit", "Credit", "Balance", ""});
   if (hasOpening) sheet.add({"", "carried over", "", "", sheet.money(account.opening), ""});
@@ -111,10 +130,11 @@ void showAccount(const AccountOptions& options, const Common& common) {
   const std::optional<Date> from = dayOption("--from", options.from);
   const std::optional<Date> to = dayOption("--to", options.to);
   const Session session(common);
-  const std::optional<shop::Account> account = shop::readAccount(options.customer, from, to);
+  const std::optional<shop::Account> account =
+      shop::readAccount(options.of(), options.customer, from, to);
   if (!account) {
-    throw std::runtime_error(
-        fmt::format("there is no customer {} and no ledger of one", printable(options.customer)));
+    throw std::runtime_error(fmt::format("there is no {} {} and no ledger of one",
+                                         wordsOf(options.of()).one, printable(options.customer)));
   }
   printAccount(*account, from.has_value(), session.locale(), Style(common.color, stdout));
   if (options.html) fmt::print("page: {}\n", shop::writeAccountPage(*account, from, to));
@@ -123,20 +143,21 @@ void showAccount(const AccountOptions& options, const Common& common) {
 void checkAccounts(const AccountOptions& options, const Common& common) {
   const Session session(common);
   const Style style(common.color, stdout);
-  const shop::LedgerCheck check = shop::checkLedger();
+  const shop::LedgerCheck check = shop::checkLedger(options.of());
   const auto counted = [](std::size_t count, const char* one, const char* many) {
     return fmt::format("{} {}", count, count == 1 ? one : many);
   };
+  const Words words = wordsOf(check.of);
   fmt::print("{} of {}: {}\n", counted(check.entries, "entry", "entries"),
-             counted(check.customers, "customer", "customers"),
+             counted(check.owners, words.one, words.many),
              check.wrong.empty() ? std::string("every balance is right")
                                  : counted(check.wrong.size(), "wrong balance", "wrong balances"));
   if (check.wrong.empty()) return;
 
   Sheet sheet(session.locale(), style);
-  sheet.add({"Customer", "Date", "Id", "Stored", "Right", "Difference"});
-  for (const auto& [customer, entry] : check.wrong) {
-    sheet.add({printable(customer), sheet.day(entry.date), std::to_string(entry.id),
+  sheet.add({words.head, "Date", "Id", "Stored", "Right", "Difference"});
+  for (const auto& [owner, entry] : check.wrong) {
+    sheet.add({printable(owner), sheet.day(entry.date), std::to_string(entry.id),
                sheet.money(entry.stored), sheet.money(entry.right),
                sheet.money(entry.stored - entry.right)});
   }
@@ -149,7 +170,9 @@ void checkAccounts(const AccountOptions& options, const Common& common) {
 void runAccount(const AccountOptions& options, const Common& common) {
   const bool shows = !options.customer.empty();
   if (shows == (options.check || options.mend)) {
-    throw UsageError("give the code of a customer, or --check for all of them");
+    throw UsageError(
+        "give the code of a customer, or of a supplier with --supplier; or --check for all of "
+        "them");
   }
   if (shows) {
     showAccount(options, common);
@@ -162,13 +185,14 @@ void runAccount(const AccountOptions& options, const Common& common) {
 
 void addAccount(CLI::App& app, Common& common) {
   CLI::App* command =
-      app.add_subcommand("account", "Show a customer's account, or check all balances");
+      app.add_subcommand("account", "Show an account of a customer or supplier, or check balances");
   auto options = std::make_shared<AccountOptions>();
   command->add_option("customer", options->customer, "Code of the customer")->type_name("CUSTOMER");
+  command->add_flag("--supplier", options->isSupplier, "The code is a supplier's; check suppliers");
   command->add_option("--from", options->from, "First day shown")->type_name("DAY");
   command->add_option("--to", options->to, "Last day shown")->type_name("DAY");
   command->add_flag("--html", options->html, "Write the statement as a page too");
-  command->add_flag("--check", options->check, "Compute the balances of all customers anew");
+  command->add_flag("--check", options->check, "Compute all balances anew");
   command->add_flag("--mend", options->mend, "Write those that are wrong");
   addInstallationOptions(*command, common);
   addColorOption(*command, common);

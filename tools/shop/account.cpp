@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A customer's statement of account, and whether stored balances are right.
+// The statement of account of a customer or a supplier, and whether stored balances are right.
 #include "tools/shop/account.hpp"
 
 #include <algorithm>
@@ -12,6 +12,7 @@
 #include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/apartment.hpp"
+#include "tavelor/suppliers/proveedores_apuntes_conta.hpp"
 #include "tools/shop/rows.hpp"
 
 namespace tavelor::shop {
@@ -20,21 +21,29 @@ namespace {
 
 constexpr double kHalfACent = 0.005;
 constexpr std::string_view kEntries =
-    "SELECT Codigo, Id, Fecha, Serie, Concepto, Documento_E, Debe, Haber, Saldo"
-    " FROM Clientes_Apuntes_Contables";
+    "SELECT Codigo, Id, Fecha, Serie, Concepto, Documento_E, Debe, Haber, Saldo FROM ";
 
-/// Balances of one customer after another, computed as UpdateTotal does.
+struct Tables {
+  std::string_view owners;
+  std::string_view entries;
+};
+constexpr Tables tablesOf(LedgerOf of) {
+  return of == LedgerOf::kCustomers ? Tables{"Clientes", "Clientes_Apuntes_Contables"}
+                                    : Tables{"Proveedores", "Proveedores_Apuntes_Contables"};
+}
+
+/// Balances of one owner after another, computed as UpdateTotal does.
 class Walk {
  public:
   explicit Walk(const Locale& locale) : round_("Standard", locale) {}
 
-  /// The entry of the current row, with its right balance. Rows come by customer, date and Id.
+  /// The entry of the current row, with its right balance. Rows come by owner, date and Id.
   AccountEntry take(const Rows& rows) {
-    const std::string customer = rows.text("Codigo");
-    if (isFirst_ || customer != customer_) {
-      customer_ = customer;
+    const std::string owner = rows.text("Codigo");
+    if (isFirst_ || owner != owner_) {
+      owner_ = owner;
       total_ = 0;
-      ++customers_;
+      ++owners_;
     }
     isFirst_ = false;
     AccountEntry entry;
@@ -50,14 +59,14 @@ class Walk {
     entry.right = total_;
     return entry;
   }
-  const std::string& customer() const { return customer_; }
-  std::size_t customers() const { return customers_; }
+  const std::string& owner() const { return owner_; }
+  std::size_t owners() const { return owners_; }
 
  private:
   RoundingMask round_;
-  std::string customer_;
+  std::string owner_;
   double total_ = 0;
-  std::size_t customers_ = 0;
+  std::size_t owners_ = 0;
   bool isFirst_ = true;
 };
 
@@ -76,17 +85,19 @@ bool AccountEntry::isWrong() const {
   return std::fabs(stored - right) >= kHalfACent;
 }
 
-std::optional<Account> readAccount(const std::string& customer, std::optional<Date> from,
+std::optional<Account> readAccount(LedgerOf of, const std::string& owner, std::optional<Date> from,
                                    std::optional<Date> to) {
   Account account;
-  account.customer = customer;
-  Statement named("SELECT Razon_Social FROM Clientes WHERE Codigo = '");
-  named << value(doubledQuotes(customer)) << "'";
+  account.of = of;
+  account.owner = owner;
+  Statement named("SELECT Razon_Social FROM ");
+  named << tablesOf(of).owners << " WHERE Codigo = '" << value(doubledQuotes(owner)) << "'";
   const Rows master(selector::kMain, named);
   if (master.hasRow()) account.name = master.text("Razon_Social");
 
   Statement entries(kEntries);
-  entries << " WHERE Codigo = '" << value(doubledQuotes(customer)) << "' ORDER BY Fecha, Id";
+  entries << tablesOf(of).entries << " WHERE Codigo = '" << value(doubledQuotes(owner))
+          << "' ORDER BY Fecha, Id";
   Rows rows(selector::kMain, entries);
   if (!master.hasRow() && !rows.hasRow()) return std::nullopt;
 
@@ -106,33 +117,44 @@ std::optional<Account> readAccount(const std::string& customer, std::optional<Da
   return account;
 }
 
-LedgerCheck checkLedger() {
+LedgerCheck checkLedger(LedgerOf of) {
   LedgerCheck check;
+  check.of = of;
   Statement entries(kEntries);
-  entries << " ORDER BY Codigo, Fecha, Id";
+  entries << tablesOf(of).entries << " ORDER BY Codigo, Fecha, Id";
   Walk walk(Apartment::current().locale());
   for (Rows rows(selector::kMain, entries); rows.hasRow(); rows.next()) {
     AccountEntry entry = walk.take(rows);
     ++check.entries;
-    if (entry.isWrong()) check.wrong.push_back({walk.customer(), std::move(entry)});
+    if (entry.isWrong()) check.wrong.push_back({walk.owner(), std::move(entry)});
   }
-  check.customers = walk.customers();
+  check.owners = walk.owners();
   return check;
 }
 
+namespace {
+
+template <typename Ledger>
+void mendOf(const std::string& owner) {
+  // Tills that write to the same account wait: what is read is what is mended.
+  ConnectionPtr connection = DataSession().OpenConnection(selector::kMain);
+  connection->BeginTrans();
+  Ledger ledger;
+  ledger.IniciaRs(connection, "seleccion", doubledQuotes(owner));
+  ledger.UpdateTotal();
+  ledger.MoveFirst();
+  ledger.Update();
+  connection->CommitTrans();
+}
+
+}  // namespace
+
 void mendLedger(const LedgerCheck& check) {
-  std::set<std::string> customers;
-  for (const WrongBalance& each : check.wrong) customers.insert(each.customer);
-  for (const std::string& customer : customers) {
-    // Tills that write to the same account wait: what is read is what is mended.
-    ConnectionPtr connection = DataSession().OpenConnection(selector::kMain);
-    connection->BeginTrans();
-    ClsClientesApuntesConta ledger;
-    ledger.IniciaRs(connection, "seleccion", doubledQuotes(customer));
-    ledger.UpdateTotal();
-    ledger.MoveFirst();
-    ledger.Update();
-    connection->CommitTrans();
+  std::set<std::string> owners;
+  for (const WrongBalance& each : check.wrong) owners.insert(each.owner);
+  for (const std::string& owner : owners) {
+    check.of == LedgerOf::kCustomers ? mendOf<ClsClientesApuntesConta>(owner)
+                                     : mendOf<ClsProveedoresApuntesConta>(owner);
   }
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A customer's statement of account, and whether stored balances are right.
+// The statement of account of a customer or a supplier, and whether stored balances are right.
 #pragma once
 
 #include <cstdint>
@@ -10,6 +10,9 @@
 #include "tavelor/platform/date.hpp"
 
 namespace tavelor::shop {
+
+/// Whose ledger.
+enum class LedgerOf : std::uint8_t { kCustomers, kSuppliers };
 
 /// An entry of an account, with the balance that is stored and the one that its ledger makes.
 struct AccountEntry {
@@ -27,10 +30,12 @@ struct AccountEntry {
   bool isWrong() const;
 };
 
-/// What a customer owes and has paid, from one day to another, both included.
+/// What a customer or a supplier owes and has paid, from one day to another, both included. A
+/// balance above 0 is what the shop owes.
 struct Account {
-  std::string customer;
-  std::string name;    ///< "" for a customer who is not there
+  LedgerOf of = LedgerOf::kCustomers;
+  std::string owner;   ///< code
+  std::string name;    ///< "" for one who is not there
   double opening = 0;  ///< balance before the first entry shown
   std::vector<AccountEntry> entries;
   double debit = 0;  ///< sums of the entries shown
@@ -38,29 +43,30 @@ struct Account {
   double closing = 0;
 };
 
-/// Of a code as it stands, quotes included. Nothing for one that is neither a customer's nor in the
-/// ledger. Without a day the account is
-/// told from its beginning, or to its end. The opening balance is computed.
-std::optional<Account> readAccount(const std::string& customer, std::optional<Date> from,
+/// Of a code as it stands, quotes included. Nothing for one that neither has an owner nor is in the
+/// ledger. Without a day the account is told from its beginning, or to its end. The opening balance
+/// is computed.
+std::optional<Account> readAccount(LedgerOf of, const std::string& owner, std::optional<Date> from,
                                    std::optional<Date> to);
 
 /// An entry whose stored balance is not what its ledger makes.
 struct WrongBalance {
-  std::string customer;
+  std::string owner;
   AccountEntry entry;
 };
 
 struct LedgerCheck {
-  std::size_t customers = 0;
+  LedgerOf of = LedgerOf::kCustomers;
+  std::size_t owners = 0;
   std::size_t entries = 0;
   std::vector<WrongBalance> wrong;
 };
 
-/// Computes the balances of every customer anew, as UpdateTotal does, and compares.
-LedgerCheck checkLedger();
+/// Computes the balances of every owner anew, as UpdateTotal does, and compares.
+LedgerCheck checkLedger(LedgerOf of);
 
-/// Writes right balances for the customers of what is wrong, a transaction each. Raises what the
-/// database does; the customers before the failing one are mended.
+/// Writes right balances for the owners of what is wrong, a transaction each. Raises what the
+/// database does; the owners before the failing one are mended.
 void mendLedger(const LedgerCheck& check);
 
 /// The statement as a page of its own, for the export folder.

@@ -62,13 +62,14 @@ class AccountPage {
         text_(locale_) {}
 
   std::string make() {
-    const std::string name = escaped(account_.name.empty() ? account_.customer : account_.name);
+    const std::string name = escaped(account_.name.empty() ? account_.owner : account_.name);
     put("<!DOCTYPE html>\n<html lang=\"es\">\n<head>\n<meta charset=\"utf-8\">\n"
         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
         "<title>Extracto de {}</title>\n<style>\n{}</style>\n</head>\n<body>\n<main>\n",
         name, kStyle);
-    put("<header><p>Extracto de cuenta · cliente {}{}</p><h1>{}</h1></header>\n",
-        escaped(account_.customer), period(), name);
+    put("<header><p>Extracto de cuenta · {} {}{}</p><h1>{}</h1></header>\n",
+        account_.of == LedgerOf::kCustomers ? "cliente" : "proveedor", escaped(account_.owner),
+        period(), name);
     put("<section class=\"card\"><table>\n<thead><tr><th>Fecha</th><th>Concepto</th>"
         "<th class=\"wide\">Documento</th><th class=\"n\">Debe</th><th class=\"n\">Haber</th>"
         "<th class=\"n\">Saldo</th></tr></thead>\n<tbody>\n");
@@ -127,13 +128,14 @@ class AccountPage {
 };
 
 /// A code may hold what no file name may.
-std::string fileName(const std::string& customer) {
+std::string fileName(const Account& account) {
   std::string name;
-  for (const char c : customer) {
+  for (const char c : account.owner) {
     const bool isPlain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
     name += isPlain || c == '-' ? c : '_';
   }
-  return "account-" + name + ".htm";
+  const bool isCustomer = account.of == LedgerOf::kCustomers;
+  return (isCustomer ? "account-" : "supplier-account-") + name + ".htm";
 }
 
 }  // namespace
@@ -144,7 +146,7 @@ std::string accountPage(const Account& account, std::optional<Date> from, std::o
 
 std::string writeAccountPage(const Account& account, std::optional<Date> from,
                              std::optional<Date> to) {
-  std::string path = DataSession().ExportPath(fileName(account.customer));
+  std::string path = DataSession().ExportPath(fileName(account));
   replaceFile(path, accountPage(account, from, to));
   return path;
 }
