@@ -133,7 +133,7 @@ TEST_F(CreditTest, TwentyTillsOnOneAccountLeaveEveryBalanceRight) {
     }));
   }
   for (std::future<void>& till : tills) EXPECT_NO_THROW(till.get());
-  const LedgerCheck check = checkLedger();
+  const LedgerCheck check = checkLedger(LedgerOf::kCustomers);
   EXPECT_EQ(check.entries, kTills * kSales);
   EXPECT_THAT(check.wrong, IsEmpty());
   EXPECT_DOUBLE_EQ(balance("C1"), -1.38 * kTills * kSales);
@@ -217,7 +217,7 @@ TEST_F(CreditLossTest, AMainDatabaseOfThePastGetsItsEntriesFromTheTickets) {
         IsEmpty());
     EXPECT_EQ(ClsClientesApuntesConta().Saldo_actual("C1"), -2.76);
     EXPECT_EQ(ClsClientesApuntesConta().Saldo_actual("C2"), -1.38);
-    EXPECT_THAT(checkLedger().wrong, IsEmpty());
+    EXPECT_THAT(checkLedger(LedgerOf::kCustomers).wrong, IsEmpty());
     EXPECT_TRUE(ClsClientes().ExisteCli("C2"));
     EXPECT_FALSE(shop.recover().hasMended()) << "nobody is charged twice";
   });
