@@ -148,7 +148,9 @@ TEST_F(CreditTest, APaymentMethodIsFoundByCodeNameAndTheWordCredit) {
   EXPECT_EQ(methods.find("crédito")->code, "4");
   EXPECT_EQ(methods.find("cheque"), nullptr);
   EXPECT_EQ(methods.find(""), nullptr);
-  place_.run("DELETE FROM Formas_Pago WHERE codigo = '4'");
+  EXPECT_TRUE(methods.find("4")->isOnCredit);
+  place_.run("UPDATE Formas_Pago SET Dias_Plazos = 0");
+  EXPECT_FALSE(PaymentMethods().find("4")->isOnCredit) << "due at once";
   EXPECT_EQ(PaymentMethods().find("credit"), nullptr);
 }
 

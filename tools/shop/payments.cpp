@@ -14,14 +14,15 @@ namespace tavelor::shop {
 
 namespace {
 
-constexpr std::string_view kSelect = "SELECT codigo, Descripcion, Contado, Recibo FROM Formas_Pago";
+constexpr std::string_view kSelect =
+    "SELECT codigo, Descripcion, Contado, Recibo, Dias_Plazos FROM Formas_Pago";
 
 PaymentMethod methodOf(const Rows& row) {
   const bool isCash = row.flag("Contado");
   return {.code = row.text("codigo"),
           .name = row.text("Descripcion"),
           .isCash = isCash,
-          .isOnCredit = !isCash && row.flag("Recibo")};
+          .isOnCredit = !isCash && row.flag("Recibo") && row.number("Dias_Plazos") > 0};
 }
 
 bool meansCredit(std::string_view word) {

@@ -15,7 +15,8 @@ struct PaymentMethod {
   std::string code;
   std::string name;
   bool isCash = false;
-  /// Paid later, against a receipt: the customer owes the sale.
+  /// Paid later: against a receipt that is due after some days. Until then the customer owes the
+  /// sale. A receipt alone says nothing: new methods make one unless somebody takes it off.
   bool isOnCredit = false;
 };
 

@@ -100,16 +100,17 @@ std::vector<Row> currencies() {
            {"Predeterminada", true}}};
 }
 
-// Types are those of the electronic invoice: 01 cash, 04 transfer, 19 card. A method with a receipt
-// is paid later: see PaymentMethods.
+// Types are those of the electronic invoice: 01 cash, 04 transfer, 19 card. A method whose
+// receipt is due after days is paid later: see PaymentMethods.
 std::vector<Row> paymentMethods() {
   const auto method = [](const char* code, const char* name, bool cash, const char* type,
-                         bool later = false) {
-    return Row{{"Código", code},  {"Descripción", name},    {"Recibo", later},
-               {"Contado", cash}, {"Predeterminada", cash}, {"Tipo", type}};
+                         std::int32_t days = 0) {
+    return Row{{"Código", code},      {"Descripción", name}, {"Recibo", days > 0},
+               {"Vencimiento", days}, {"Contado", cash},     {"Predeterminada", cash},
+               {"Tipo", type}};
   };
   return {method("1", "Contado", true, "01"), method("2", "Tarjeta", false, "19"),
-          method("3", "Transferencia", false, "04"), method("4", "Crédito", false, "04", true)};
+          method("3", "Transferencia", false, "04"), method("4", "Crédito", false, "04", 30)};
 }
 
 Row named(const char* code, const char* name) {
