@@ -89,10 +89,10 @@ bool calls(std::string_view text, const std::string& name) {
     const std::size_t end = at + name.size();
     if (end < text.size() && isWord(text[end])) continue;
     const std::string_view before = text.substr(0, at);
-    if (before.ends_with('.') || before.ends_with("->") || before.ends_with("::") ||
-        before.ends_with("call(\"")) {
-      return true;
-    }
+    if (before.ends_with('.') || before.ends_with("->") || before.ends_with("::")) return true;
+    // call("Name", or component().call(object, "Name",
+    const std::string_view here = before.substr(before.find_last_of(";{") + 1);
+    if (here.ends_with('"') && here.find("call(") != std::string_view::npos) return true;
   }
   return false;
 }
