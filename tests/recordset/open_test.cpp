@@ -243,6 +243,9 @@ TEST_F(Open, AClosedConnectionRefusesEverything) {
   EXPECT_EQ(raisedBy([&] { closed.RollbackTrans(); }), 3704);
   EXPECT_EQ(raisedBy([&] { closed.Close(); }), 3704);
   EXPECT_EQ(raisedBy([&] { closed.Execute(Statement("DELETE FROM Bancos")); }), 3704);
+  const Statement banks("SELECT Codigo FROM Bancos");
+  EXPECT_EQ(raisedBy([&] { closed.firstValue(banks, "Codigo"); }), 3709);
+  EXPECT_EQ(raisedBy([&] { closed.anyRow(banks); }), 3709);
 }
 
 TEST_F(Open, ClosingAConnectionClosesItsSetsButNotInsideATransaction) {

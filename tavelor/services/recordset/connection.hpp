@@ -104,7 +104,7 @@ class Connection final : public Object, public std::enable_shared_from_this<Conn
 
   /// The value of `column` in the first row of a SELECT; nothing when there is no row. Looks at no
   /// further row, so what is wrong with a later one stays unknown. Raises 3265 for a column that
-  /// the row does not have.
+  /// the row does not have, 3709 when closed.
   std::optional<Variant> firstValue(const Statement& statement, std::string_view column) const;
   /// True if a SELECT gives a row; looks at no further one.
   bool anyRow(const Statement& statement) const;

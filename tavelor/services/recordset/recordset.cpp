@@ -93,6 +93,7 @@ void Recordset::detach() noexcept {
 
 std::shared_ptr<RecordsetStore> Recordset::fetch(const Statement& statement, const Connection& over,
                                                  std::size_t most) {
+  if (over.State() == ObjectState::kClosed) raise(errors::kInvalidConnection, kRecordsetSource);
   std::shared_ptr<RecordsetStore> store;
   over.traced([&] { return statement.text(); },
               [&] {
@@ -108,9 +109,7 @@ std::shared_ptr<RecordsetStore> Recordset::fetch(const Statement& statement, con
 
 void Recordset::Open(const Statement& statement, const ConnectionPtr& connection) {
   if (store_) raise(errors::kObjectOpen, kRecordsetSource);
-  if (!connection || connection->State() == ObjectState::kClosed) {
-    raise(errors::kInvalidConnection, kRecordsetSource);
-  }
+  if (!connection) raise(errors::kInvalidConnection, kRecordsetSource);
   attach(fetch(statement, *connection, engine::Prepared::kAllRows));
   fabric_.reset();
   join(connection);
