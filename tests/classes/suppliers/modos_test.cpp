@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // ClsProveedores: its slots, what IniciaRs opens, codes and new rows.
+#include <array>
+
 #include "tests/classes/suppliers/proveedores.hpp"
 
 namespace tavelor {
