@@ -32,6 +32,7 @@ constexpr std::array kWorks{
     Work{"customers", tavelor::bench::measureCustomers},
     Work{"stock", tavelor::bench::measureStock},
     Work{"ledger", tavelor::bench::measureLedger},
+    Work{"agenda", tavelor::bench::measureAgenda},
     Work{"import", tavelor::bench::measureImport},
     Work{"translation", tavelor::bench::measureTranslation},
     Work{"growth", tavelor::bench::measureGrowth},

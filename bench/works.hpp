@@ -24,6 +24,8 @@ void measureCustomers(Report& report, const Scale& scale);
 void measureStock(Report& report, const Scale& scale);
 /// An entry of the past in the ledger of one customer.
 void measureLedger(Report& report, const Scale& scale);
+/// One day of an agenda of ten years.
+void measureAgenda(Report& report, const Scale& scale);
 /// Articles taken from rows of text, through their class.
 void measureImport(Report& report, const Scale& scale);
 /// Translation of every statement of the corpus beside the engine's own compiling.
