@@ -207,22 +207,28 @@ void CustomerImport::rewrite(const Record& record, Recordset& /*stored*/,
   update(changed, fields);
 }
 
+// As the class writes it: numbers too stand between quotes, with all digits.
+std::string CustomerImport::literalOf(const Record& record, std::size_t field) {
+  switch (kFields[field].kind) {
+    case kText:
+    case kWord:
+      return doubledQuotes(record.text(field));
+    case kFlag:
+      return record.flag(field) ? "-1" : "0";
+    default:
+      return plainNumber(record.number(field), Apartment::current().locale());
+  }
+}
+
 void CustomerImport::update(const Record& record, std::span<const std::size_t> fields) {
   Statement statement("UPDATE Clientes SET ");
   for (const std::size_t field : fields) {
     statement << (field == fields.front() ? "" : ", ") << kFields[field].name << " = ";
-    switch (kFields[field].kind) {
-      case kText:
-      case kWord:
-        statement << "'" << value(doubledQuotes(record.text(field))) << "'";
-        break;
-      case kFlag:
-        statement << value(record.flag(field) ? "-1" : "0");
-        break;
-      default:
-        // Between quotes as the class writes it, with all digits.
-        statement << "'" << value(plainNumber(record.number(field), Apartment::current().locale()))
-                  << "'";
+    const std::string text = literalOf(record, field);
+    if (kFields[field].kind == kFlag) {
+      statement << value(text);
+    } else {
+      statement << "'" << value(text) << "'";
     }
   }
   statement << " WHERE Codigo = '" << value(doubledQuotes(record.key)) << "'";

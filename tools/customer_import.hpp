@@ -36,6 +36,7 @@ class CustomerImport final : public RowImport {
   void readNumbers();
   std::string replaceWord(Record& record, std::size_t field, const Words& words,
                           std::string_view what) const;
+  static std::string literalOf(const Record& record, std::size_t field);
   void update(const Record& record, std::span<const std::size_t> fields);
 
   Words tariffs_, series_, types_, payments_;
