@@ -17,4 +17,4 @@ export SALES=$work/sales.csv
 here=$(dirname "$0")
 "$here/kill.sh" "$count"
 "$here/lost.sh" "$count"
-"$here/tills.sh" 1 4
+WRITERS= "$here/tills.sh" 1 4

@@ -33,6 +33,9 @@ constexpr std::int64_t kRefused = -1;
 
 std::unique_ptr<Session> open(const std::string& path, bool create) {
   OpenOptions options;
+  // What is measured is who comes next. A machine with too much to do may leave one writer without
+  // the processor for seconds, and those behind it are not to be refused for that.
+  options.busyTimeoutMs = 60'000;
   options.path = path;
   options.create = create;
   return sqliteEngine().open(options);
