@@ -164,6 +164,11 @@ void checkAccounts(const AccountOptions& options, const Common& common) {
   sheet.print(2);
   if (!options.mend) throw std::runtime_error("balances are wrong: --mend writes them anew");
   shop::mendLedger(check);
+  if (const std::size_t left = shop::checkLedger(check.of).wrong.size(); left != 0) {
+    throw std::runtime_error(
+        fmt::format("{} left: no account is named by an entry whose code is null",
+                    counted(left, "wrong balance", "wrong balances")));
+  }
   fmt::print("mended\n");
 }
 

@@ -192,7 +192,12 @@ std::string RowImport::read(const CsvFile::Row& row, Record& record) {
       return fault;
     }
   }
-  return check(record);
+  try {
+    return check(record);
+  } catch (const Error& error) {
+    if (!isOfTheRow(error.number())) throw;
+    return error.description();
+  }
 }
 
 std::vector<RowImport::Record> RowImport::readBatch(const std::vector<CsvFile::Row>& rows,

@@ -259,18 +259,19 @@ std::optional<std::string> SalesFile::paymentOf(const std::string& customer) {
   return method->code;
 }
 
-// A sale has one till and is paid in one way.
+// A sale has one till, is paid in one way and has one customer or none.
 bool SalesFile::belongs(const shop::Sale& sale) {
   const auto agrees = [&](Column column, std::string_view code, const std::string& first) {
     const std::string_view given = text(column);
     return given.empty() || code == first ||
            refuse(fmt::format("{} is {} where the invoice began with {}", kNames[column],
-                              printable(given), printable(first)));
+                              printable(given), first.empty() ? "none" : printable(first)));
   };
   const std::string_view payment = text(kPayment);
   const shop::PaymentMethod* const method = selection_.payments.find(payment);
   return agrees(kTill, text(kTill), sale.till) &&
-         agrees(kPayment, method == nullptr ? payment : method->code, sale.payment);
+         agrees(kPayment, method == nullptr ? payment : method->code, sale.payment) &&
+         agrees(kCustomer, withoutDecimals(text(kCustomer)), sale.customer);
 }
 
 // The same sale is of the same till in each run, whatever part of the file is read.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <optional>
 
 #include <fmt/format.h>
 
@@ -56,19 +57,21 @@ bool bearsLetterOf(std::int32_t number, std::string_view letter) {
   return place >= 0 && letter == kControlLetters.substr(static_cast<std::size_t>(place), 1);
 }
 
-bool isNif(std::string_view s) {
-  if (text::length(s) != 9) return false;
-  const std::string_view digits = text::left(s, 8);
-  return numeric(digits) && bearsLetterOf(Variant(digits).toInt32(locale()), text::right(s, 1));
-}
-
-// What is no number, or too large a one, leaves 0 behind.
-std::int32_t numberOrZero(const std::string& text) {
+// Nothing for what is no number, or too large a one: 12345E99 is a number of this machine.
+std::optional<std::int32_t> wholeNumber(std::string_view text) {
   try {
     return Variant(text).toInt32(locale());
   } catch (const Error&) {
-    return 0;
+    return std::nullopt;
   }
+}
+
+bool isNif(std::string_view s) {
+  if (text::length(s) != 9) return false;
+  const std::string_view digits = text::left(s, 8);
+  if (!numeric(digits)) return false;
+  const std::optional<std::int32_t> number = wholeNumber(digits);
+  return number && bearsLetterOf(*number, text::right(s, 1));
 }
 
 bool isNie(std::string_view s) {
@@ -76,7 +79,7 @@ bool isNie(std::string_view s) {
   const std::size_t digit = std::string_view("XYZ").find(s.front());
   if (digit == std::string_view::npos) return false;
   const std::string number = std::to_string(digit) + std::string(text::mid(s, 1, 7));
-  return bearsLetterOf(numberOrZero(number), text::right(s, 1));
+  return bearsLetterOf(wholeNumber(number).value_or(0), text::right(s, 1));
 }
 
 // The character at a position from 1; what is no digit counts as 0.

@@ -25,8 +25,8 @@ namespace tavelor {
 /// can never change what it does.
 class Statement {
  public:
-  /// Text that is known when compiling. It never changes and never goes, so two constants at one
-  /// address with one length are the same text.
+  /// Text that is known when compiling. It never changes, and goes only with the module that has
+  /// it: a statement must not outlive that.
   class Constant {
    public:
     template <std::size_t kSize>
@@ -89,7 +89,6 @@ class Statement {
     const char* constant;  ///< null unless a constant: the text is in keptText()
     std::uint32_t size;    ///< bytes
     Kind kind;
-    friend bool operator==(const Piece&, const Piece&) = default;
   };
   /// Good until the statement grows or goes; so is keptText().
   std::span<const Piece> pieces() const { return pieces_.elements(); }

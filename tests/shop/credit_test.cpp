@@ -240,6 +240,17 @@ TEST_F(CreditLossTest, WhatLostTicketsPutOnAnAccountIsTakenBackWithTheirStock) {
   });
 }
 
+TEST_F(CreditLossTest, WhatIsTakenBackMayBeOfSomebodyWithAnApostrophe) {
+  live([] { Shop().sell(creditSale("V1", "O'Hara")); });
+  loseIn("documents.db", [](Shop& shop) { shop.sell(creditSale("V2", "O'Hara")); });
+  live([&] {
+    Shop shop;
+    EXPECT_THAT(shop.recoverAll(Decision::kFollowTickets).takenBack, ElementsAre(2));
+    EXPECT_EQ(ClsClientesApuntesConta().Saldo_actual("O''Hara"), -1.38);
+    EXPECT_THAT(checkLedger(LedgerOf::kCustomers).wrong, IsEmpty());
+  });
+}
+
 TEST_F(CreditLossTest, TheComparisonTellsAnEntryThatIsGone) {
   live([&] {
     Shop shop;

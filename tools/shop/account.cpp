@@ -135,26 +135,31 @@ LedgerCheck checkLedger(LedgerOf of) {
 namespace {
 
 template <typename Ledger>
-void mendOf(const std::string& owner) {
-  // Tills that write to the same account wait: what is read is what is mended.
-  ConnectionPtr connection = DataSession().OpenConnection(selector::kMain);
-  connection->BeginTrans();
+void addUp(const std::string& owner, ConnectionPtr connection) {
   Ledger ledger;
   ledger.IniciaRs(connection, "seleccion", doubledQuotes(owner));
+  if (ledger.DataMember("Primary")->RecordCount() == 0) return;
   ledger.UpdateTotal();
   ledger.MoveFirst();
   ledger.Update();
-  connection->CommitTrans();
 }
 
 }  // namespace
+
+void addUpAccount(LedgerOf of, const std::string& owner, const ConnectionPtr& connection) {
+  of == LedgerOf::kCustomers ? addUp<ClsClientesApuntesConta>(owner, connection)
+                             : addUp<ClsProveedoresApuntesConta>(owner, connection);
+}
 
 void mendLedger(const LedgerCheck& check) {
   std::set<std::string> owners;
   for (const WrongBalance& each : check.wrong) owners.insert(each.owner);
   for (const std::string& owner : owners) {
-    check.of == LedgerOf::kCustomers ? mendOf<ClsClientesApuntesConta>(owner)
-                                     : mendOf<ClsProveedoresApuntesConta>(owner);
+    // Tills that write to the same account wait: what is read is what is mended.
+    const ConnectionPtr connection = DataSession().OpenConnection(selector::kMain);
+    connection->BeginTrans();
+    addUpAccount(check.of, owner, connection);
+    connection->CommitTrans();
   }
 }
 

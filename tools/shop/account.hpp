@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tavelor/platform/date.hpp"
+#include "tavelor/services/recordset/connection.hpp"
 
 namespace tavelor::shop {
 
@@ -65,8 +66,11 @@ struct LedgerCheck {
 /// Computes the balances of every owner anew, as UpdateTotal does, and compares.
 LedgerCheck checkLedger(LedgerOf of);
 
+/// Writes the balances of one account anew, as UpdateTotal tells them.
+void addUpAccount(LedgerOf of, const std::string& owner, const ConnectionPtr& connection);
 /// Writes right balances for the owners of what is wrong, a transaction each. Raises what the
-/// database does; the owners before the failing one are mended.
+/// database does; the owners before the failing one are mended. Entries whose code is null belong
+/// to no account and stay as they are.
 void mendLedger(const LedgerCheck& check);
 
 /// The statement as a page of its own, for the export folder.

@@ -46,11 +46,11 @@ std::string withoutMarks(std::string_view typed) {
     text.replace(at, kHardBlank.size(), " ");
   }
   std::erase_if(text, [](char c) { return isMark(c) || (c >= '\t' && c <= '\r'); });
-  for (const std::string_view label : {"NIF", "CIF", "NIE"}) {
-    if (!text.starts_with(label)) continue;
-    text.erase(0, label.size());
+  constexpr std::array<std::string_view, 3> kLabels = {"NIF", "CIF", "NIE"};
+  const auto isFirst = [&](std::string_view label) { return text.starts_with(label); };
+  while (std::any_of(kLabels.begin(), kLabels.end(), isFirst)) {
+    text.erase(0, kLabels.front().size());
     if (text.starts_with(':')) text.erase(0, 1);
-    break;
   }
   return text;
 }

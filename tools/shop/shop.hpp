@@ -165,6 +165,7 @@ class Shop {
   bool hasMovedStock(double ticket);
   Sale storedSale(double ticket);
   void takeBack(double ticket);
+  void takeBackEntries(double ticket);
   void takeBackClosings(const Statement& candidates, Recovered& recovered);
   bool isUnfinished(double closing);
   bool isInvoiced(double closing);

@@ -3,8 +3,10 @@
 // they begin.
 #include <algorithm>
 #include <iterator>
+#include <set>
 
 #include "tavelor/platform/quotes.hpp"
+#include "tools/shop/account.hpp"
 #include "tools/shop/decisions.hpp"
 #include "tools/shop/shop.hpp"
 #include "tools/shop/shop_inner.hpp"
@@ -194,7 +196,31 @@ void Shop::takeBack(double ticket) {
     lots_.DescargarStock_V(code, lot, 0.0, units, wasExit, main_);
   }
   movements_.DeleteAll(ticket, kTicketKind, main_);
-  ledger_.Eliminar(kTicketKind, ticket, main_);
+  takeBackEntries(ticket);
+}
+
+/// The ledger's own Eliminar splices the code of an entry as it is stored, which an apostrophe
+/// breaks: then the entries go by themselves, and their accounts are added up anew.
+void Shop::takeBackEntries(double ticket) {
+  Statement entries(" FROM Clientes_Apuntes_Contables WHERE Estado = ");
+  entries << value(std::to_string(kTicketKind))
+          << " AND Documento_E = " << value(numberText(ticket));
+  Statement statement("SELECT Codigo");
+  statement << entries;
+  std::set<std::string> customers;
+  for (Rows rows(selector::kMain, statement, main_); rows.hasRow(); rows.next()) {
+    customers.insert(rows.text("Codigo"));
+  }
+  const bool isQuoted = std::any_of(customers.begin(), customers.end(), [](const auto& code) {
+    return code.find('\'') != std::string::npos;
+  });
+  if (!isQuoted) return ledger_.Eliminar(kTicketKind, ticket, main_);
+  Statement deletion("DELETE");
+  deletion << entries;
+  DataSession().Execute(selector::kMain, deletion, main_);
+  for (const std::string& customer : customers) {
+    addUpAccount(LedgerOf::kCustomers, customer, main_);
+  }
 }
 
 // ---------------------------------------------------------------------------------------------

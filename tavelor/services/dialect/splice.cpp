@@ -115,13 +115,17 @@ std::optional<Splice> Splice::of(const Statement& statement, const Shape& shape,
   const char* kept = statement.keptText().data();
   std::size_t value = 0;
   for (const Piece& piece : statement.pieces()) {
-    Part& part = splice.parts_.emplace_back(Part{piece, {}, {}});
-    if (piece.constant != nullptr) continue;
-    part.piece.size = 0;
-    if (piece.kind == Piece::Kind::kTrusted) {
-      part.trusted.assign(kept, piece.size);
-    } else {
-      part.slot = slotOf(value++);
+    Part& part = splice.parts_.emplace_back(Part{piece.kind, {}, {}});
+    switch (piece.kind) {
+      case Piece::Kind::kConstant:
+        part.text.assign(piece.constant, piece.size);
+        continue;
+      case Piece::Kind::kTrusted:
+        part.text.assign(kept, piece.size);
+        break;
+      case Piece::Kind::kValue:
+        part.slot = slotOf(value++);
+        break;
     }
     kept += piece.size;
   }
@@ -143,15 +147,16 @@ bool Splice::take(const Statement& statement, std::vector<Lifted>& literals) {
   const Part* part = parts_.data();
   for (const Piece& piece : statement.pieces()) {
     const Part& known = *part++;
-    if (piece.constant != nullptr) {
-      if (piece != known.piece) return false;
+    if (piece.kind != known.kind) return false;
+    if (piece.kind == Piece::Kind::kConstant) {
+      // By its bytes too: where a plug-in was unloaded, another's constant may lie.
+      if (std::string_view(piece.constant, piece.size) != known.text) return false;
       continue;
     }
-    if (piece.kind != known.piece.kind) return false;
     const std::string_view text(kept, piece.size);
     kept += piece.size;
     if (piece.kind == Piece::Kind::kTrusted) {
-      if (text != known.trusted) return false;
+      if (text != known.text) return false;
     } else if (!takeValue(known.slot, text,
                           literals[static_cast<std::size_t>(known.slot.literal)])) {
       return false;

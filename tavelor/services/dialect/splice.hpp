@@ -17,7 +17,8 @@ struct Shape;
 
 /// The pieces of a statement, remembered with what the lexer found there. Another statement of the
 /// same pieces but for its values, each of which stays inside its literal, has the same tokens; so
-/// its literals can be taken straight out of it. Constants are told apart by their addresses.
+/// its literals can be taken straight out of it. Constants are looked for by their addresses and
+/// compared by their text.
 class Splice {
  public:
   /// Of a statement and its shape. `eitherKind[i]` tells that it makes no difference to the plan
@@ -52,9 +53,9 @@ class Splice {
     friend bool operator==(const Slot&, const Slot&) = default;
   };
   struct Part {
-    Statement::Piece piece;  ///< a constant; of others the kind only
-    Slot slot;               ///< of a value
-    std::string trusted;     ///< a text that is no constant
+    Statement::Piece::Kind kind;
+    Slot slot;         ///< of a value
+    std::string text;  ///< of all others
 
     friend bool operator==(const Part&, const Part&) = default;
   };

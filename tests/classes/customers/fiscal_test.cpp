@@ -166,6 +166,8 @@ TEST_F(ClsClientesFiscalTest, TheFirstRuleThatMatchesGivesTheClassWord) {
       {"xabcdefgt", "NIE"},
       {"12345678Z", "NIF"},
       {"12345678A", "VERIFICAR"},
+      {"12345E99Z", "VERIFICAR"},
+      {"1234D999Z", "VERIFICAR"},
       {" b12345679", "CIF"},
       {"B12345674", "VERIFICAR"},
       {"K1234567L", "VERIFICAR"},
