@@ -225,9 +225,9 @@ WriteQueue::Answer WriteQueue::enter(milliseconds patience) {
   const std::uint64_t us = thisThread();
   shared.holder = ticket_;
   shared.holderThread = us;
-  std::erase_if(heldHere, [us](const std::weak_ptr<QueueFile>& each) {
+  std::erase_if(heldHere, [this, us](const std::weak_ptr<QueueFile>& each) {
     const auto held = each.lock();
-    return !held || held->shared().holderThread != us;
+    return !held || held == file_ || held->shared().holderThread != us;
   });
   heldHere.push_back(file_);
   return Answer::kFirst;
