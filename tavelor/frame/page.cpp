@@ -5,14 +5,13 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <bit>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
+#include <concepts>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -83,67 +82,29 @@ std::size_t copyAscii(const char* from, std::size_t count, char* to) {
   return done;
 }
 
-constexpr std::size_t kPair = 2;
-constexpr std::uint32_t kHundred = 100;
-
-/// The digits of 0 to 99.
-constexpr auto kPairs = [] {
-  std::array<char, kPair * kHundred> pairs{};
-  for (std::size_t i = 0; i < kHundred; ++i) {
-    pairs[kPair * i] = static_cast<char>('0' + i / 10);
-    pairs[kPair * i + 1] = static_cast<char>('0' + i % 10);
-  }
-  return pairs;
-}();
-
-/// By the length in bits, which tells it but for one: 1233/4096 is the logarithm of 2.
-std::size_t digitsOf(std::uint32_t number) {
-  constexpr std::array<std::uint32_t, 10> kPowers = {
-      1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
-  number |= 1U;  // 0 has a digit; no other number gets another count
-  const auto atLeast = static_cast<std::size_t>(std::bit_width(number)) * 1233 >> 12U;
-  return atLeast + (number >= kPowers[atLeast] ? 1 : 0);
-}
-
 // Numbers are written where they will lie; each gives the place behind it.
 
-char* writeDigits(char* at, std::uint32_t number) {
-  char* const end = at + digitsOf(number);
-  char* place = end;
-  for (; number >= kHundred; number /= kHundred) {
-    place -= kPair;
-    std::memcpy(place, &kPairs[kPair * (number % kHundred)], kPair);
-  }
-  if (number >= 10) {
-    std::memcpy(place - kPair, &kPairs[kPair * number], kPair);
-  } else {
-    place[-1] = static_cast<char>('0' + number);
-  }
-  return end;
-}
-
-char* writeWhole(char* at, std::int64_t value) {
-  if (value < 0 || value > std::numeric_limits<std::uint32_t>::max()) {
-    return std::to_chars(at, at + kLongestNumber, value).ptr;
-  }
-  return writeDigits(at, static_cast<std::uint32_t>(value));
+char* writeWhole(char* at, std::integral auto value) {
+  return std::to_chars(at, at + kLongestNumber, value).ptr;
 }
 
 /// Most numbers of a shop are whole counts of hundredths. The number that is nearest to such a
 /// count has its digits, and they are quickly told. Null for another number.
 char* writeHundredths(char* at, double value, char decimal) {
   constexpr double kLimit = 1e9;
+  constexpr std::uint32_t kHundred = 100;
   if (!(std::fabs(value) < kLimit)) return nullptr;
   const auto hundredths = static_cast<std::int64_t>(value * kHundred + (value < 0 ? -0.5 : 0.5));
   if (static_cast<double>(hundredths) / kHundred != value) return nullptr;
   if (hundredths < 0) *at++ = '-';
   const auto count = static_cast<std::uint64_t>(std::abs(hundredths));
-  at = writeDigits(at, static_cast<std::uint32_t>(count / kHundred));
-  const std::size_t rest = count % kHundred;
+  at = writeWhole(at, static_cast<std::uint32_t>(count / kHundred));
+  const auto rest = static_cast<char>(count % kHundred);
   if (rest == 0) return at;
   *at++ = decimal;
-  std::memcpy(at, &kPairs[kPair * rest], kPair);
-  return at + (rest % 10 == 0 ? 1 : kPair);
+  *at++ = static_cast<char>('0' + rest / 10);
+  if (rest % 10 != 0) *at++ = static_cast<char>('0' + rest % 10);
+  return at;
 }
 
 /// 0 where it is no single character.
