@@ -36,7 +36,7 @@ says which differ; --mend writes them as they should be, an account at a time.
   tavelor account --check --supplier)";
 
 struct AccountOptions {
-  std::string customer;
+  std::string code;
   std::string from;
   std::string to;
   bool isSupplier = false;
@@ -131,10 +131,10 @@ void showAccount(const AccountOptions& options, const Common& common) {
   const std::optional<Date> to = dayOption("--to", options.to);
   const Session session(common);
   const std::optional<shop::Account> account =
-      shop::readAccount(options.of(), options.customer, from, to);
+      shop::readAccount(options.of(), options.code, from, to);
   if (!account) {
     throw std::runtime_error(fmt::format("there is no {} {} and no ledger of one",
-                                         wordsOf(options.of()).one, printable(options.customer)));
+                                         wordsOf(options.of()).one, printable(options.code)));
   }
   printAccount(*account, from.has_value(), session.locale(), Style(common.color, stdout));
   if (options.html) fmt::print("page: {}\n", shop::writeAccountPage(*account, from, to));
@@ -173,7 +173,7 @@ void checkAccounts(const AccountOptions& options, const Common& common) {
 }
 
 void runAccount(const AccountOptions& options, const Common& common) {
-  const bool shows = !options.customer.empty();
+  const bool shows = !options.code.empty();
   if (shows == (options.check || options.mend)) {
     throw UsageError(
         "give the code of a customer, or of a supplier with --supplier; or --check for all of "
@@ -192,7 +192,7 @@ void addAccount(CLI::App& app, Common& common) {
   CLI::App* command =
       app.add_subcommand("account", "Show an account of a customer or supplier, or check balances");
   auto options = std::make_shared<AccountOptions>();
-  command->add_option("customer", options->customer, "Code of the customer")->type_name("CUSTOMER");
+  command->add_option("customer", options->code, "Code of the customer")->type_name("CUSTOMER");
   command->add_flag("--supplier", options->isSupplier, "The code is a supplier's; check suppliers");
   command->add_option("--from", options->from, "First day shown")->type_name("DAY");
   command->add_option("--to", options->to, "Last day shown")->type_name("DAY");

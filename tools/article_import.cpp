@@ -118,18 +118,9 @@ void ArticleImport::rewrite(const Record& record, Recordset& stored,
 void ArticleImport::update(const clsArticulos::Cambio& change) {
   const double whole = std::trunc(change.bDto_D);
   if (whole == change.bDto_D) return articles_.Actualizar(change);
-  articles_.Actualizar({.vId = change.vId,
-                        .sDescripcion = change.sDescripcion,
-                        .sSeccion = change.sSeccion,
-                        .sFamilia = change.sFamilia,
-                        .dPrecio = change.dPrecio,
-                        .dPrecio_B = change.dPrecio_B,
-                        .dPrecio_C = change.dPrecio_C,
-                        .bDto = change.bDto,
-                        .bDto_D = whole,
-                        .bActivo = change.bActivo,
-                        .sLista = change.sLista,
-                        .objCn = connection()});
+  clsArticulos::Cambio inWholes = change;
+  inWholes.bDto_D = whole;
+  articles_.Actualizar(inWholes);
   articles_.ActualizarDto_D(change.vId, change.bDto_D, connection());
 }
 

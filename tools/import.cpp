@@ -93,6 +93,12 @@ std::vector<Kind> kinds() {
   return {kindOf<ArticleImport>(), kindOf<CustomerImport>()};
 }
 
+std::vector<std::string> kindNames() {
+  std::vector<std::string> names;
+  for (const Kind& kind : kinds()) names.emplace_back(kind.table.what);
+  return names;
+}
+
 Kind kindNamed(std::string_view what) {
   const std::vector<Kind> all = kinds();
   return *std::find_if(all.begin(), all.end(),
@@ -266,8 +272,8 @@ void addImport(CLI::App& app, Common& common) {
   auto options = std::make_shared<ImportOptions>();
   command->add_option("what", options->kind, "What the rows are")
       ->required()
-      ->check(CLI::IsMember({"articles", "customers"}).description(""))
-      ->type_name("articles|customers");
+      ->check(CLI::IsMember(kindNames()).description(""))
+      ->type_name(fmt::format("{}", fmt::join(kindNames(), "|")));
   command->add_option("file", options->file, "The file")->required()->type_name("FILE");
   command->add_option("--map", options->maps, "Which column is which field")
       ->type_name("COLUMN=FIELD...");

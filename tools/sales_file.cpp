@@ -30,7 +30,6 @@ constexpr std::size_t kFamilyWidth = 10;
 constexpr std::size_t kCustomerWidth = 20;
 constexpr std::size_t kPlaceWidth = 100;
 constexpr std::size_t kPaymentWidth = 50;
-constexpr double kMostMoney = 1e9;
 
 constexpr std::string_view kCash = "1";
 constexpr std::string_view kCard = "2";
@@ -178,17 +177,18 @@ bool SalesFile::readLine(Line& line) {
   shop::SaleLine& sold = line.sold;
   sold.origin = row_.line;
   sold.wantsPrice = text(kPrice).empty();
-  if (!readNumber(kQuantity, kMostMoney, sold.quantity, 0) ||
-      !readNumber(kPrice, kMostMoney, sold.price, 0) ||
+  if (!readNumber(kQuantity, shop::kMostMoney, sold.quantity, 0) ||
+      !readNumber(kPrice, shop::kMostMoney, sold.price, 0) ||
       !readNumber(kTax, 100, sold.tax, sold.wantsPrice ? shop::kTaxOfArticle : shop::kGeneralTax) ||
-      !readNumber(kDelivered, kMostMoney, line.delivered, 0)) {
+      !readNumber(kDelivered, shop::kMostMoney, line.delivered, 0)) {
     return false;
   }
   if (sold.quantity == 0) return refuse("the quantity is 0");
   if (sold.price == 0 && !sold.wantsPrice) return refuse("the price is 0");
   if (sold.price < 0) return refuse("the price is negative");
   if (sold.tax < 0 && !text(kTax).empty()) return refuse("the tax is negative");
-  if (std::abs(sold.quantity * sold.price) > kMostMoney) return refuse("the amount is too large");
+  if (std::abs(sold.quantity * sold.price) > shop::kMostMoney)
+    return refuse("the amount is too large");
   sold.code = text(kCode);
   sold.description = text(kDescription);
   sold.family = text(kFamily);

@@ -12,26 +12,20 @@ namespace tavelor {
 
 void takeActiveRow(const RecordsetPtr& rows, const ActiveRow& to) {
   if (!rows) return;
-  const auto passingErrors = [](auto takeOne) {
+  const auto takeIfThere = [&](std::string_view field, auto& variable) {
     try {
-      takeOne();
+      take(*rows, field, variable);
     } catch (const Error&) {
     }
   };
-  const auto text = [&](std::string_view field, std::string& variable) {
-    passingErrors([&] { take(*rows, field, variable); });
-  };
-  passingErrors([&] {
-    const Variant code = rows->Field("Código").Value();
-    if (!code.isNull()) to.code = code;
-  });
-  text("Nombre", to.name);
-  text("Empresa", to.company);
-  text("Dirección", to.street);
-  text("Codigo_Postal", to.postcode);
-  text("Población", to.town);
-  text("Provincia", to.province);
-  text("Teléfono", to.telephone);
+  takeIfThere("Código", to.code);
+  takeIfThere("Nombre", to.name);
+  takeIfThere("Empresa", to.company);
+  takeIfThere("Dirección", to.street);
+  takeIfThere("Codigo_Postal", to.postcode);
+  takeIfThere("Población", to.town);
+  takeIfThere("Provincia", to.province);
+  takeIfThere("Teléfono", to.telephone);
 }
 
 }  // namespace tavelor

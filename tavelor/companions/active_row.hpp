@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace tavelor {
 
@@ -22,6 +23,11 @@ struct ActiveRow {
   std::string& province;
   std::string& telephone;
 };
+
+/// The parameters of ObtenerRegistroActivo, which hands them on.
+inline constexpr std::string_view kActiveRowParameters =
+    "out vId, out sNombre, out sEmpresa, out sDireccion, out sCp, out sPoblacion, out sProvincia, "
+    "out sTelefono";
 
 /// Each variable for itself: one that cannot be read, since the list does not show it, it is Null
 /// or there is no row, stays as it came and keeps none of the others from it. Never raises.

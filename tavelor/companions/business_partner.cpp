@@ -4,7 +4,6 @@
 
 #include "tavelor/companions/active_row.hpp"
 #include "tavelor/companions/profile_slots.hpp"
-#include "tavelor/frame/reading.hpp"
 #include "tavelor/numbering/numeradores.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/statement.hpp"
@@ -14,15 +13,6 @@
 #include "tavelor/services/recordset/recordset.hpp"
 
 namespace tavelor {
-
-namespace {
-
-void takeOr(Recordset& rows, std::string_view column, std::string_view missing, std::string& to) {
-  to = missing;
-  take(rows, column, to);
-}
-
-}  // namespace
 
 // ---------------------------------------------------------------------------------------------
 // Codes
@@ -113,17 +103,9 @@ RecordsetPtr BusinessPartner::profile(std::string_view select, Facturacion& dato
   datos.dDto = number(rows->Field("Dto_PP").Value());
   take(*rows, "Cta_Contable", datos.sCta);
   take(*rows, "Cta_Contrapartida", datos.sCtaC);
-  take(*rows, "Banco", datos.sBanco);
   datos.bRecargo = flag(rows->Field("Recargo").Value());
   take(*rows, "Concepto", datos.sConcepto);
-  take(*rows, "Bonificación", datos.dBonificacion);
-  take(*rows, "ImpBonif", datos.dImpBonif);
-  take(*rows, "Factura_A", datos.sFactura_A);
-  take(*rows, "Factura_B", datos.sFactura_B);
-  take(*rows, "Factura_C", datos.sFactura_C);
-  take(*rows, "Documento_P", datos.sDocumento_P);
-  take(*rows, "Documento_A", datos.sDocumento_A);
-  take(*rows, "Documento_F", datos.sDocumento_F);
+  takeOfDocuments(*rows, datos);
   return rows;
 }
 

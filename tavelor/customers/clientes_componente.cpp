@@ -2,6 +2,7 @@
 // The component table of ClsClientes.
 #include <array>
 
+#include "tavelor/companions/active_row.hpp"
 #include "tavelor/companions/profile_slots.hpp"
 #include "tavelor/customers/clientes.hpp"
 #include "tavelor/frame/component.hpp"
@@ -43,9 +44,7 @@ std::vector<Member> pathSlots() {
       frameMember("GetRptPath"),
       member("GetExportPath", &C::GetExportPath, "inout sExportPath"),
       frameMember("sClassName"),
-      member("ObtenerRegistroActivo", &C::ObtenerRegistroActivo,
-             "out vId, out sNombre, out sEmpresa, out sDireccion, out sCp, out sPoblacion,"
-             " out sProvincia, out sTelefono"),
+      member("ObtenerRegistroActivo", &C::ObtenerRegistroActivo, kActiveRowParameters),
       member("GetTxtFile", &C::GetTxtFile),
       member("GetTxtFile_email", &C::GetTxtFile_email),
       frameMember("GetConnection"),

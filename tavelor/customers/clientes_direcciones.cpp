@@ -3,6 +3,7 @@
 #include "tavelor/customers/clientes_direcciones.hpp"
 
 #include <array>
+#include <utility>
 
 #include "tavelor/companions/active_row.hpp"
 #include "tavelor/frame/component.hpp"
@@ -186,7 +187,7 @@ using Direccion = ClsClientesDirecciones::Direccion;
 
 /// Those of the three members that read an address, then `more`, then the connection.
 std::vector<AggregateParameter<Direccion>> addressParameters(
-    std::vector<AggregateParameter<Direccion>> more = {}) {
+    const std::vector<AggregateParameter<Direccion>>& more = {}) {
   std::vector<AggregateParameter<Direccion>> all = {
       parameter("id", &Direccion::id),
       parameter("out idTel", &Direccion::idTel),
@@ -197,10 +198,9 @@ std::vector<AggregateParameter<Direccion>> addressParameters(
       parameter("out sCp", &Direccion::sCp),
       parameter("out sPoblacion", &Direccion::sPoblacion),
       parameter("out sProvincia", &Direccion::sProvincia),
+      parameter("[objCn]", &Direccion::objCn),
   };
-  all.insert(all.end(), more.begin(), more.end());
-  all.push_back(parameter("[objCn]", &Direccion::objCn));
-  return all;
+  return withParameters(std::move(all), more);
 }
 
 }  // namespace
@@ -227,9 +227,7 @@ const Component& ClsClientesDirecciones::component() {
           member("ExistePredeterminada", &C::ExistePredeterminada, "id, [objCn]"),
           member("ExistenDirecciones", &C::ExistenDirecciones, "id, [objCn]"),
           member("EsValida", &C::EsValida, "id, vIdDir, [objCn]"),
-          member("ObtenerRegistroActivo", &C::ObtenerRegistroActivo,
-                 "out vId, out sNombre, out sEmpresa, out sDireccion, out sCp, out sPoblacion,"
-                 " out sProvincia, out sTelefono"),
+          member("ObtenerRegistroActivo", &C::ObtenerRegistroActivo, kActiveRowParameters),
           member("ObtenerColActivos", &C::ObtenerColActivos, "id, [objCn]"),
           member("ObtenerMailDoc", &C::ObtenerMailDoc, "id, vIdDir, [objCn]"),
           member("DeleteAll", &C::DeleteAll, "vId, [cnnActive]"),

@@ -326,6 +326,15 @@ AggregateParameter<Aggregate> parameter(std::string_view name, T Aggregate::*fie
           }};
 }
 
+/// `all` with `more` before its last one, the connection: members that take the same but for some.
+template <typename Aggregate>
+std::vector<AggregateParameter<Aggregate>> withParameters(
+    std::vector<AggregateParameter<Aggregate>> all,
+    const std::vector<AggregateParameter<Aggregate>>& more) {
+  all.insert(all.end() - 1, more.begin(), more.end());
+  return all;
+}
+
 /// A slot of a member that takes its parameters, in the order of `parameters`, as one aggregate.
 template <typename R, typename Class, typename Aggregate>
 Member member(std::string_view name, R (Class::*function)(Aggregate&) const,

@@ -71,6 +71,11 @@ void take(Recordset& rows, std::string_view column, Variant& to) {
   takeUnlessNull(rows, column, [&](const Variant& v) { to = v; });
 }
 
+void takeOr(Recordset& rows, std::string_view column, std::string_view missing, std::string& to) {
+  to = missing;
+  take(rows, column, to);
+}
+
 std::vector<Variant> columnValues(Recordset& rows, std::string_view column) {
   std::vector<Variant> values;
   values.reserve(static_cast<std::size_t>(std::max(rows.RecordCount(), 0)));

@@ -29,6 +29,9 @@ void take(Recordset& rows, std::string_view column, bool& to);
 /// As it is, whatever its type.
 void take(Recordset& rows, std::string_view column, Variant& to);
 
+/// The same, with `missing` for null.
+void takeOr(Recordset& rows, std::string_view column, std::string_view missing, std::string& to);
+
 /// A column of all rows from the current one on; the set is left at EOF.
 std::vector<Variant> columnValues(Recordset& rows, std::string_view column);
 

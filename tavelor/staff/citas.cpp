@@ -3,6 +3,7 @@
 #include "tavelor/staff/citas.hpp"
 
 #include <array>
+#include <utility>
 
 #include "tavelor/frame/component.hpp"
 #include "tavelor/frame/reading.hpp"
@@ -189,7 +190,7 @@ namespace {
 using Cita = ClsCitas::Cita;
 
 std::vector<AggregateParameter<Cita>> appointmentParameters(
-    std::vector<AggregateParameter<Cita>> more = {}) {
+    const std::vector<AggregateParameter<Cita>>& more = {}) {
   std::vector<AggregateParameter<Cita>> all = {
       parameter("dtFecha", &Cita::dtFecha),
       parameter("dtHora", &Cita::dtHora),
@@ -200,10 +201,9 @@ std::vector<AggregateParameter<Cita>> appointmentParameters(
       parameter("sEmpleado", &Cita::sEmpleado),
       parameter("sBox", &Cita::sBox),
       parameter("sTipo", &Cita::sTipo),
+      parameter("[objCn]", &Cita::objCn),
   };
-  all.insert(all.end(), more.begin(), more.end());
-  all.push_back(parameter("[objCn]", &Cita::objCn));
-  return all;
+  return withParameters(std::move(all), more);
 }
 
 }  // namespace

@@ -219,9 +219,7 @@ const Component& ClsEmpleados::component() {
           frameMember("GetConnection"),
           frameMember("GetConnectionStr"),
           member("ObtenerCol", &C::ObtenerCol, "[objCn]"),
-          member("ObtenerRegistroActivo", &C::ObtenerRegistroActivo,
-                 "out vId, out sNombre, out sEmpresa, out sDireccion, out sCp, out sPoblacion,"
-                 " out sProvincia, out sTelefono"),
+          member("ObtenerRegistroActivo", &C::ObtenerRegistroActivo, kActiveRowParameters),
           member("GetTxtFile", &C::GetTxtFile),
           member("GetTxtFile_email", &C::GetTxtFile_email),
           property("sQMailDoc", &C::sQMailDoc),

@@ -110,10 +110,8 @@ void ClsEmpleadosPuntos::ObtenerFase(const Variant& vId, InOut<std::string> sSec
                                         vId),
                                  *objCn);
   if (rows->RecordCount() == 0) return;
-  sSec = std::string(kNone);
-  take(*rows, "Seccion", *sSec);
-  sFase = std::string(kNone);
-  take(*rows, "Fase", *sFase);
+  takeOr(*rows, "Seccion", kNone, *sSec);
+  takeOr(*rows, "Fase", kNone, *sFase);
   take(*rows, "Valor", *dVal);
   take(*rows, "Max", *dMax);
 }

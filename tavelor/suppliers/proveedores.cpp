@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "tavelor/companions/active_row.hpp"
 #include "tavelor/companions/profile_slots.hpp"
 #include "tavelor/frame/reading.hpp"
 #include "tavelor/platform/statement.hpp"
@@ -67,8 +68,8 @@ constexpr std::string_view kNamed = "SELECT Razon_Social FROM Proveedores";
 constexpr std::string_view kOfUsable = " WHERE ( Codigo =  '{id}' and activo <> 0 )";
 
 std::string legalName(Recordset& rows) {
-  std::string name = "No válido";
-  take(rows, "Razon_Social", name);
+  std::string name;
+  takeOr(rows, "Razon_Social", "No válido", name);
   return name;
 }
 
@@ -137,15 +138,7 @@ void ClsProveedores::GetDatosFacturar(Facturar& datos) const {
   const RecordsetPtr rows = read(statement, *datos.objCn);
   if (rows->RecordCount() == 0) return;
   take(*rows, "Codigo", datos.id);
-  take(*rows, "Banco", datos.sBanco);
-  take(*rows, "Bonificación", datos.dBonificacion);
-  take(*rows, "ImpBonif", datos.dImpBonif);
-  take(*rows, "Factura_A", datos.sFactura_A);
-  take(*rows, "Factura_B", datos.sFactura_B);
-  take(*rows, "Factura_C", datos.sFactura_C);
-  take(*rows, "Documento_P", datos.sDocumento_P);
-  take(*rows, "Documento_A", datos.sDocumento_A);
-  take(*rows, "Documento_F", datos.sDocumento_F);
+  takeOfDocuments(*rows, datos);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -165,9 +158,7 @@ const Component& ClsProveedores::component() {
               frameMember("GetConnectionStr"),
               member("GetDocPath", &C::GetDocPath, "inout sDocPath"),
               member("GetTxtFile", &C::GetTxtFile),
-              member("ObtenerRegistroActivo", &C::ObtenerRegistroActivo,
-                     "out vId, out sNombre, out sEmpresa, out sDireccion, out sCp, out sPoblacion,"
-                     " out sProvincia, out sTelefono"),
+              member("ObtenerRegistroActivo", &C::ObtenerRegistroActivo, kActiveRowParameters),
               member("ObtenerCodigo", &C::ObtenerCodigo, "inout sMidato"),
               member("GetCtaTesoreria", &C::GetCtaTesoreria, "id, out sCtaTes, [objCn]"),
               member("GetRazon_Social", &C::GetRazon_Social, "id, out sRazon, [objCn]"),

@@ -28,18 +28,24 @@ struct Granted {
 
 }  // namespace
 
-std::optional<Prices::Conditions> Prices::conditionsOf(const std::string& customer) {
+bool Prices::readConditions(const std::string& customer, Conditions& to) {
   Statement statement("SELECT Tarifa, Descuento FROM Clientes WHERE Codigo = '");
   statement << value(doubledQuotes(customer)) << "'";
   const Rows row(selector::kMain, statement, main_);
-  if (!row.hasRow()) return std::nullopt;
-  Conditions conditions;
-  if (const std::string tariff = row.text("Tarifa"); !tariff.empty()) conditions.tariff = tariff;
-  conditions.discount = std::max(0.0, row.number("Descuento"));
+  if (!row.hasRow()) return false;
+  if (const std::string tariff = row.text("Tarifa"); !tariff.empty()) to.tariff = tariff;
+  to.discount = std::max(0.0, row.number("Descuento"));
+  return true;
+}
+
+Prices::Conditions Prices::conditionsOf(const std::string& customer) {
+  Conditions conditions{.customer = customer};
+  const bool isKnown = !customer.empty() && readConditions(customer, conditions);
+  if (!isKnown) readConditions(std::string(kWalkIn), conditions);
   return conditions;
 }
 
-std::string Prices::fill(SaleLine& line, const std::string& customer) {
+std::string Prices::fill(SaleLine& line, const Conditions& conditions) {
   const std::string code = doubledQuotes(line.code);
   Statement statement(
       "SELECT Descripcion, Familia, Tarifa_A, Tarifa_B, Tarifa_C, Descuento, Impuesto FROM "
@@ -49,16 +55,11 @@ std::string Prices::fill(SaleLine& line, const std::string& customer) {
   if (!article.hasRow()) {
     return fmt::format("there is no price, and the shop has no article {}", line.code);
   }
-  std::optional<Conditions> conditions;
-  if (!customer.empty()) conditions = conditionsOf(customer);
-  if (!conditions) conditions = conditionsOf(std::string(kWalkIn));
-  if (!conditions) conditions = Conditions{};
-
   const std::string family = article.text("Familia");
-  const std::string owner = doubledQuotes(customer);
-  const float usual = article.flag("Descuento") ? static_cast<float>(conditions->discount) : 0.0F;
+  const std::string owner = doubledQuotes(conditions.customer);
+  const float usual = article.flag("Descuento") ? static_cast<float>(conditions.discount) : 0.0F;
   Granted granted{.percent = usual};
-  if (!customer.empty()) {
+  if (!conditions.customer.empty()) {
     granted.applies =
         ofCustomers_.GetPrecioVenta(code, owner, granted.price, granted.percent, main_);
     if (!granted.applies) {
@@ -69,7 +70,7 @@ std::string Prices::fill(SaleLine& line, const std::string& customer) {
     }
   }
   if (granted.price == kUntouched) {
-    const std::string& tariff = conditions->tariff;
+    const std::string& tariff = conditions.tariff;
     const bool isColumn = tariff == "A" || tariff == "B" || tariff == "C";
     granted.price = isColumn ? article.number("Tarifa_" + tariff)
                              : articles_.GetPrecioTarifa(code, doubledQuotes(tariff), main_);

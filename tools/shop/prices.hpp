@@ -2,7 +2,6 @@
 // What the shop asks of a customer for an article.
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "tavelor/articles/articulos.hpp"
@@ -27,16 +26,20 @@ class Prices {
  public:
   explicit Prices(ConnectionPtr main) : main_(std::move(main)) {}
 
-  /// Gives a line of a customer its price and its discount and, where it has none, its text,
-  /// family and tax. What is wrong, or "": then the line stays as it was.
-  std::string fill(SaleLine& line, const std::string& customer);
+  /// Who buys, and at what.
+  struct Conditions {
+    std::string customer;  ///< "" for nobody
+    std::string tariff = "A";
+    double discount = 0;  ///< percent
+  };
+  Conditions conditionsOf(const std::string& customer);
+
+  /// Gives a line its price and its discount and, where it has none, its text, family and tax. What
+  /// is wrong, or "": then the line stays as it was.
+  std::string fill(SaleLine& line, const Conditions& conditions);
 
  private:
-  struct Conditions {
-    std::string tariff = "A";
-    double discount = 0;  // percent
-  };
-  std::optional<Conditions> conditionsOf(const std::string& customer);
+  bool readConditions(const std::string& customer, Conditions& to);
 
   ConnectionPtr main_;
   clsArticulos articles_;

@@ -13,6 +13,7 @@ namespace tavelor::shop {
 /// "2026-11-20".
 std::string isoDay(Date day);
 
+inline constexpr double kMostMoney = 1e9;    // euros of a line
 inline constexpr double kGeneralTax = 21;    // percent
 inline constexpr double kTaxOfArticle = -1;  // until the line is priced
 

@@ -103,6 +103,8 @@ std::vector<Unpriced> Shop::price(Sale& sale) {
   const std::optional<double> ticket = ticketOf(sale.reference);
   if (ticket) sold = storedSale(*ticket).lines;
 
+  const Prices::Conditions conditions =
+      ticket ? Prices::Conditions() : prices_.conditionsOf(sale.customer);
   std::vector<Unpriced> unpriced;
   auto next = sold.begin();
   std::erase_if(sale.lines, [&](SaleLine& line) {
@@ -114,7 +116,7 @@ std::vector<Unpriced> Shop::price(Sale& sale) {
     if (!line.wantsPrice) return false;
     std::string fault;
     if (!ticket) {
-      fault = prices_.fill(line, sale.customer);
+      fault = prices_.fill(line, conditions);
     } else if (was == sold.end()) {
       fault = "there is no price, and the sale is there without this line";
     } else {

@@ -22,7 +22,6 @@
 namespace tavelor::shop {
 
 inline constexpr std::string_view kSeries = "A";
-inline constexpr double kMostMoney = 1e9;        // euros of a line
 inline constexpr std::string_view kNobody = "";  // tickets without an employee
 
 /// A whole number as a statement writes it.
