@@ -84,12 +84,10 @@ function(tavelor_test floor)
   target_link_libraries(${floor}_tests PRIVATE
     tavelor_options tavelor_test_options GTest::gtest GTest::gtest_main GTest::gmock ${links} Threads::Threads ${test_LINK})
   if(NOT TARGET tavelor_test_pch)
-    # Under a sanitizer most of the time goes into compiling the tests, and what they call is
-    # optimised without them.
+    # Most of the time of a build goes into compiling the tests, and what they call is optimised
+    # without them.
     add_library(tavelor_test_options INTERFACE)
-    if(TAVELOR_SANITIZE)
-      target_compile_options(tavelor_test_options INTERFACE -O0)
-    endif()
+    target_compile_options(tavelor_test_options INTERFACE -O0)
     tavelor_precompiled(tavelor_test_pch <gmock/gmock.h> <gtest/gtest.h> <memory> <string> <vector>)
     target_link_libraries(tavelor_test_pch PRIVATE tavelor_options tavelor_test_options GTest::gtest GTest::gmock)
     set_target_properties(tavelor_test_pch PROPERTIES POSITION_INDEPENDENT_CODE OFF)

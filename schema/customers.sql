@@ -108,7 +108,8 @@ CREATE TABLE Clientes (
   Nom_Or_Propon TEXT(255),
   CONSTRAINT PK_Clientes PRIMARY KEY (Codigo)
 );
-CREATE INDEX IX_Clientes_Razon_Social ON Clientes (Razon_Social);
+-- With all that a combo of customers shows: it is filled without a look at the rows.
+CREATE INDEX IX_Clientes_Combo ON Clientes (Razon_Social, Codigo, Activo);
 CREATE INDEX IX_Clientes_NIF ON Clientes (NIF);
 CREATE INDEX IX_Clientes_ExternalID ON Clientes (ExternalID);
 CREATE INDEX IX_Clientes_codigo_fac ON Clientes (codigo_fac);
@@ -199,5 +200,6 @@ CREATE TABLE Clientes_Apuntes_Contables (
   Documento_E DOUBLE,                     -- document numbers outgrow 32 bits
   CONSTRAINT PK_Clientes_Apuntes_Contables PRIMARY KEY (Id)
 );
-CREATE INDEX IX_Clientes_Apuntes_Contables_Codigo ON Clientes_Apuntes_Contables (Codigo, Fecha, Id);
+-- With what a balance adds up: the sums before an entry are made without a look at the rows.
+CREATE INDEX IX_Clientes_Apuntes_Contables_Saldo ON Clientes_Apuntes_Contables (Codigo, Fecha, Id, Debe, Haber);
 CREATE INDEX IX_Clientes_Apuntes_Contables_Documento ON Clientes_Apuntes_Contables (Estado, Documento_E);

@@ -72,5 +72,6 @@ CREATE TABLE Proveedores_Apuntes_Contables (
   Documento_E DOUBLE,
   CONSTRAINT PK_Proveedores_Apuntes_Contables PRIMARY KEY (Id)
 );
-CREATE INDEX IX_Proveedores_Apuntes_Codigo_Fecha ON Proveedores_Apuntes_Contables (Codigo, Fecha);
+-- With what a balance adds up: the sums before an entry are made without a look at the rows.
+CREATE INDEX IX_Proveedores_Apuntes_Saldo ON Proveedores_Apuntes_Contables (Codigo, Fecha, Id, Debe, Haber);
 CREATE INDEX IX_Proveedores_Apuntes_Documento ON Proveedores_Apuntes_Contables (Documento_E, Estado);

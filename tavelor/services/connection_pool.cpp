@@ -14,7 +14,6 @@
 namespace tavelor {
 
 struct ConnectionPool::Session {
-  std::shared_ptr<const engine::Catalogue> catalogue;
   std::unique_ptr<engine::Session> session;
   std::unique_ptr<dialect::PlanCache> plans;  // after the session: it goes first
 };
@@ -67,11 +66,6 @@ std::shared_ptr<SessionLease> ConnectionPool::take(int selector, Reads reads) {
   } else {
     session = open(selector);
   }
-  auto catalogue = installation_->catalogue(selector, *session->session);
-  if (session->catalogue != catalogue) {
-    session->plans->reset(catalogue);
-    session->catalogue = std::move(catalogue);
-  }
   return std::make_shared<Lease>(shared_from_this(), selector, reads, std::move(session));
 }
 
@@ -86,9 +80,12 @@ std::unique_ptr<ConnectionPool::Session> ConnectionPool::open(int selector) {
 
   auto session = std::make_unique<Session>();
   session->session = engine.open(options);
-  session->catalogue = installation_->catalogue(selector, *session->session);
-  session->plans = std::make_unique<dialect::PlanCache>(*session->session, session->catalogue,
-                                                        installation_->locale(), writerOf(engine));
+  session->plans = std::make_unique<dialect::PlanCache>(
+      *session->session,
+      [installation = installation_, selector, &over = *session->session] {
+        return installation->catalogue(selector, over);
+      },
+      installation_->locale(), writerOf(engine));
   return session;
 }
 

@@ -31,9 +31,8 @@ class ConnectionPool : public std::enable_shared_from_this<ConnectionPool> {
     kOpenTransaction,  ///< while another lease of this pool has a transaction on that database:
                        ///< that one's state
   };
-  /// An idle session of that database, or a new one. It knows the tables and columns as they are
-  /// now, whoever made them. Raises 9 for an unknown selector and what the engine raises on
-  /// opening.
+  /// An idle session of that database, or a new one. Raises 9 for an unknown selector and what the
+  /// engine raises on opening.
   std::shared_ptr<SessionLease> take(int selector, Reads reads = Reads::kOwnSession);
 
  private:

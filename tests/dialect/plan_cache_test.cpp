@@ -2,6 +2,8 @@
 // Which road a statement takes to its plan, and what is bound.
 #include "tavelor/services/dialect/plan_cache.hpp"
 
+#include <tuple>
+
 #include <gmock/gmock.h>
 
 #include "tavelor/platform/error.hpp"
@@ -30,6 +32,7 @@ struct Journal {
   int depth = 0;
   int rollbacks = 0;
   int failAtRun = -1;
+  bool meetsOtherSchema = false;
 };
 
 std::string printed(const Value& value) {
@@ -72,6 +75,7 @@ class FakePrepared final : public engine::Prepared {
     journal_.runs.push_back(text_);
     return 1;
   }
+  bool metOtherSchema() override { return journal_.meetsOtherSchema; }
 
  private:
   void fetchRows(engine::RowStore& rows, std::size_t /*most*/) override {
@@ -157,7 +161,8 @@ class PlanCacheTest : public testing::Test {
 
   Journal journal;
   FakeSession session{journal};
-  PlanCache cache{session, shopCatalogue(), Locale::spanish(), sqliteWriter()};
+  std::shared_ptr<const Catalogue> tables = shopCatalogue();
+  PlanCache cache{session, [this] { return tables; }, Locale::spanish(), sqliteWriter()};
   std::string description;
   std::string failedStatement;
 };
@@ -490,25 +495,32 @@ TEST_F(PlanCacheTest, APlanIsSharedByAllStatementsOfItsShape) {
   std::vector<ColumnType> types;
   for (const OutputColumn& output : plan->columns) types.push_back(output.type);
   engine::RowStore rows(types);
-  cache.fetch(select("3"), rows);
+  EXPECT_TRUE(cache.fetch(select("3"), rows));
   EXPECT_EQ(rows.rows(), 1U);
   EXPECT_THAT(journal.bound, ElementsAre("text 3"));
 }
 
 TEST_F(PlanCacheTest, FetchRefusesAStatementWithoutRowsAndDoesNotRunIt) {
   engine::RowStore rows(std::vector<ColumnType>{});
-  EXPECT_THROW(cache.fetch(byCode("1"), rows), Error);
+  EXPECT_THROW(std::ignore = cache.fetch(byCode("1"), rows), Error);
   EXPECT_TRUE(journal.runs.empty());
 }
 
-TEST_F(PlanCacheTest, ResetForgetsEveryPlan) {
+TEST_F(PlanCacheTest, OtherTablesThatARunHasMetForgetEveryPlan) {
   run(byCode("1"));
-  cache.reset(shopCatalogue());
-  run(byCode("2"));
+  tables = shopCatalogue();
+  run(byCode("2"));  // nothing tells
+  EXPECT_EQ(cache.counters().translated, 1U);
+  journal.meetsOtherSchema = true;
+  run(byCode("3"));
+  run(byCode("4"));
   EXPECT_EQ(cache.counters().translated, 2U);
   EXPECT_EQ(journal.prepared, 2);
-  cache.reset(std::make_shared<const Catalogue>());
-  EXPECT_EQ(errorOf(byCode("3")), errors::kTableNotFound);
+  run(byCode("5"));  // compiled again for nothing: the tables are the same
+  EXPECT_EQ(cache.counters().translated, 2U);
+  tables = std::make_shared<const Catalogue>();
+  run(byCode("6"));
+  EXPECT_EQ(errorOf(byCode("7")), errors::kTableNotFound);
 }
 
 TEST_F(PlanCacheTest, AComposedTextIsPreparedOnce) {

@@ -242,5 +242,26 @@ TEST(ConnectionsOfAnApartment, ColumnsThatAnotherProcessAddedAreSeen) {
   EXPECT_EQ(shop.text("SELECT Apodo FROM Bancos"), "uno");
 }
 
+TEST(ConnectionsOfAnApartment, AListThatWasOpenedBeforeShowsColumnsThatAnotherProcessAdded) {
+  Shop shop;
+  const auto list = [] {
+    RecordsetPtr rows;
+    ConnectionPtr connection;
+    DataSession().OpenRecordset(1, Statement("SELECT * FROM Bancos"), rows, connection);
+    return rows;
+  };
+  const RecordsetPtr open = list();
+  const std::int32_t before = open->Fields().Count();
+  test::Child child([&] {
+    Installation::open(shop.installation().folder())
+        ->addToSchema(1, "ALTER TABLE Bancos ADD COLUMN Apodo TEXT(20);");
+  });
+  ASSERT_TRUE(child.wait());
+  EXPECT_EQ(list()->Fields().Count(), before + 1);
+  EXPECT_EQ(open->Fields().Count(), before);
+  open->Requery();
+  EXPECT_EQ(open->Fields().Count(), before + 1);
+}
+
 }  // namespace
 }  // namespace tavelor

@@ -34,7 +34,7 @@ class CorpusRuns : public testing::TestWithParam<std::filesystem::path> {
       std::vector<ColumnType> types;
       for (const dialect::OutputColumn& column : plan->columns) types.push_back(column.type);
       RowStore rows(types);
-      plans.fetch(statement, rows);
+      EXPECT_TRUE(plans.fetch(statement, rows));
       return "";
     } catch (const Error& error) {
       return error.what();

@@ -47,7 +47,7 @@ class DialectBehaviour : public testing::Test {
     std::vector<ColumnType> types;
     for (const dialect::OutputColumn& column : plan->columns) types.push_back(column.type);
     RowStore found(types);
-    plans.fetch(statement, found);
+    EXPECT_TRUE(plans.fetch(statement, found));
     std::vector<std::string> texts;
     for (std::uint32_t row = 0; row < found.rows(); ++row) texts.emplace_back(found.text(row, 0));
     return texts;
@@ -59,7 +59,7 @@ class DialectBehaviour : public testing::Test {
     std::vector<ColumnType> types;
     for (const dialect::OutputColumn& column : plan->columns) types.push_back(column.type);
     RowStore rows(types);
-    plans.fetch(statement, rows);
+    EXPECT_TRUE(plans.fetch(statement, rows));
     if (rows.rows() == 0) return "none";
     if (rows.isNull(0, 0)) return "Null";
     switch (types[0]) {

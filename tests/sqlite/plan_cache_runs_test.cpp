@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Statements of the dialect through the plan cache into a real database.
+#include <utility>
+
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 
 #include "tavelor/platform/statement.hpp"
@@ -24,9 +27,17 @@ class PlanCacheRuns : public testing::Test {
              dialect::sqliteWriter())) {
       session->execute(sql);
     }
-    cache = std::make_unique<PlanCache>(*session,
-                                        std::make_shared<const Catalogue>(session->describe()),
-                                        Locale::spanish(), dialect::sqliteWriter());
+    cache = std::make_unique<PlanCache>(
+        *session,
+        [this] {
+          ++looks;
+          const std::int64_t version = session->schemaVersion();
+          if (std::exchange(seen, version) != version) {
+            tables = std::make_shared<const Catalogue>(session->describe());
+          }
+          return tables;
+        },
+        Locale::spanish(), dialect::sqliteWriter());
   }
 
   static Statement insert(std::string_view code, std::string_view quantity,
@@ -39,12 +50,15 @@ class PlanCacheRuns : public testing::Test {
     std::vector<ColumnType> types;
     for (const auto& column : cache->plan(statement)->columns) types.push_back(column.type);
     RowStore rows(types);
-    cache->fetch(statement, rows);
+    EXPECT_TRUE(cache->fetch(statement, rows));
     return rows;
   }
   std::int64_t count() { return wholeOf(*session, "SELECT count(*) FROM Lineas"); }
 
   std::unique_ptr<Session> session = openInMemory();
+  std::int64_t seen = -1;
+  std::shared_ptr<const Catalogue> tables;
+  int looks = 0;  // for a change of tables
   std::unique_ptr<PlanCache> cache;
 };
 
@@ -150,13 +164,56 @@ TEST_F(PlanCacheRuns, ComposedTextsReturnWhatWasStored) {
   EXPECT_EQ(error->statement(), sql);
 }
 
-TEST_F(PlanCacheRuns, AfterAChangeOfSchemaResetBindsAnew) {
+TEST_F(PlanCacheRuns, AStatementThatIsNewIsBoundToTheTablesOfThatMoment) {
   const Statement select = Statement("SELECT Color FROM Lineas WHERE Codigo = '")
                            << value("a") << "'";
   EXPECT_EQ(errorNumber([&] { cache->plan(select); }), errors::kMissingParameter);
   session->execute("ALTER TABLE Lineas ADD COLUMN Color TEXT(5)");
-  cache->reset(std::make_shared<const Catalogue>(session->describe()));
   EXPECT_EQ(cache->plan(select)->columns.at(0).definedSize, 5);
+}
+
+TEST_F(PlanCacheRuns, AReadThatIsKnownTellsThatItsTablesHaveChanged) {
+  const Statement all("SELECT * FROM Lineas");
+  cache->run(insert("A1", "1", "1"));
+  const std::size_t columns = cache->plan(all)->columns.size();
+  EXPECT_EQ(fetch(all).rows(), 1U);
+  session->execute("ALTER TABLE Lineas ADD COLUMN Color TEXT(5)");
+
+  std::vector<ColumnType> types;
+  for (const auto& column : cache->plan(all)->columns) types.push_back(column.type);
+  RowStore rows(types);
+  EXPECT_FALSE(cache->fetch(all, rows));
+  EXPECT_EQ(cache->plan(all)->columns.size(), columns + 1);
+  EXPECT_EQ(fetch(all).rows(), 1U);
+}
+
+TEST_F(PlanCacheRuns, AWriteThatIsKnownIsFollowedByTheTablesOfThatMoment) {
+  const Statement all("SELECT * FROM Lineas");
+  const std::size_t columns = cache->plan(all)->columns.size();
+  cache->run(insert("A1", "1", "1"));
+  session->execute("ALTER TABLE Lineas ADD COLUMN Color TEXT(5)");
+  EXPECT_EQ(cache->run(insert("A2", "1", "1")), 1);
+  EXPECT_EQ(cache->plan(all)->columns.size(), columns + 1);
+}
+
+TEST_F(PlanCacheRuns, AfterATableWasTakenAwayItsStatementsAreReadAnew) {
+  const Statement all("SELECT * FROM Lineas");
+  fetch(all);
+  session->execute("DROP TABLE Lineas");
+  EXPECT_EQ(errorNumber([&] { fetch(all); }), errors::kSyntax);
+  EXPECT_EQ(errorNumber([&] { cache->plan(all); }), errors::kTableNotFound);
+}
+
+// A look at the database costs as much as a short read.
+TEST_F(PlanCacheRuns, AStatementThatIsKnownAsksForNoTables) {
+  cache->run(insert("A1", "1", "1"));
+  fetch(Statement("SELECT Codigo FROM Lineas"));
+  const int before = looks;
+  for (int i = 2; i < 12; ++i) {
+    cache->run(insert(fmt::format("A{}", i), "1", "1"));
+    fetch(Statement("SELECT Codigo FROM Lineas"));
+  }
+  EXPECT_EQ(looks, before);
 }
 
 }  // namespace

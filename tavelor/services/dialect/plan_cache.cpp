@@ -75,10 +75,10 @@ std::vector<bool> eitherKindOf(const Shape& shape, const Plan& plan) {
 }  // namespace
 
 struct PlanCache::State {
-  State(engine::Session& theSession, std::shared_ptr<const engine::Catalogue> theCatalogue,
-        std::shared_ptr<const Locale> theLocale, const Writer& theWriter)
+  State(engine::Session& theSession, Tables theTables, std::shared_ptr<const Locale> theLocale,
+        const Writer& theWriter)
       : session(theSession),
-        catalogue(std::move(theCatalogue)),
+        tables(std::move(theTables)),
         locale(std::move(theLocale)),
         writer(theWriter),
         reader(*locale) {}
@@ -108,6 +108,7 @@ struct PlanCache::State {
     if (found != nullptr) {
       ++counters.lexedHits;
     } else {
+      followTables();
       auto compiled = std::make_shared<Compiled>();
       Literals again;
       compiled->plan =
@@ -154,6 +155,35 @@ struct PlanCache::State {
     }
   }
 
+  /// True if the tables are not those that the plans were made for: all of them are forgotten then.
+  bool followTables() {
+    std::shared_ptr<const engine::Catalogue> now = tables();
+    if (now == catalogue) return false;
+    last = nullptr;
+    spliced.clear();
+    plans.clear();
+    composed.clear();
+    catalogue = std::move(now);
+    return true;
+  }
+
+  /// The same after a plan has run; it may be forgotten then.
+  bool isOutOfDate(Compiled& compiled) {
+    bool met = false;
+    for (const auto& step : compiled.steps) met = (step && step->metOtherSchema()) || met;
+    return met && followTables();
+  }
+
+  /// What a plan names may be gone.
+  void followTablesAfter(const Error& error) {
+    if (error.number() != errors::kSyntax) return;
+    try {
+      followTables();
+    } catch (const Error&) {
+      // The first error tells more.
+    }
+  }
+
   engine::Prepared& ready(Compiled& compiled, std::size_t index) {
     const Step& step = compiled.plan->steps[index];
     std::unique_ptr<engine::Prepared>& prepared = compiled.steps[index];
@@ -176,7 +206,8 @@ struct PlanCache::State {
   }
 
   engine::Session& session;
-  std::shared_ptr<const engine::Catalogue> catalogue;
+  Tables tables;
+  std::shared_ptr<const engine::Catalogue> catalogue;  // null until the first plan
   std::shared_ptr<const Locale> locale;
   const Writer& writer;
   LiteralReader reader;
@@ -193,16 +224,26 @@ struct PlanCache::State {
   Counters counters;
 };
 
+PlanCache::PlanCache(engine::Session& session, Tables tables, std::shared_ptr<const Locale> locale,
+                     const Writer& writer)
+    : state_(std::make_unique<State>(session, std::move(tables), std::move(locale), writer)) {}
+
 PlanCache::PlanCache(engine::Session& session, std::shared_ptr<const engine::Catalogue> catalogue,
                      std::shared_ptr<const Locale> locale, const Writer& writer)
-    : state_(std::make_unique<State>(session, std::move(catalogue), std::move(locale), writer)) {}
+    : PlanCache(
+          session, [catalogue = std::move(catalogue)] { return catalogue; }, std::move(locale),
+          writer) {}
 
 PlanCache::~PlanCache() = default;
 
 std::int64_t PlanCache::run(const Statement& statement) {
   try {
-    return state_->runSteps(*state_->find(statement));
+    Compiled& compiled = *state_->find(statement);
+    const std::int64_t rows = state_->runSteps(compiled);
+    state_->isOutOfDate(compiled);
+    return rows;
   } catch (Error& error) {
+    state_->followTablesAfter(error);
     error.inStatement(statement.text());
     throw;
   }
@@ -212,14 +253,16 @@ std::shared_ptr<const Plan> PlanCache::plan(const Statement& statement) {
   return state_->find(statement)->plan;
 }
 
-void PlanCache::fetch(const Statement& statement, engine::RowStore& rows, std::size_t most) {
+bool PlanCache::fetch(const Statement& statement, engine::RowStore& rows, std::size_t most) {
   try {
     Compiled& compiled = *state_->find(statement);
     if (compiled.plan->kind != StatementKind::kSelect) {
       raise(errors::kNotAllowedInContext, "Statement", "it gives no rows");
     }
     state_->ready(compiled, 0).fetch(rows, most);
+    return !state_->isOutOfDate(compiled);
   } catch (Error& error) {
+    state_->followTablesAfter(error);
     error.inStatement(statement.text());
     throw;
   }
@@ -248,14 +291,6 @@ std::int64_t PlanCache::run(std::string_view withPlaceholders,
     error.inStatement(withPlaceholders);
     throw;
   }
-}
-
-void PlanCache::reset(std::shared_ptr<const engine::Catalogue> catalogue) {
-  state_->last = nullptr;
-  state_->spliced.clear();
-  state_->plans.clear();
-  state_->composed.clear();
-  state_->catalogue = std::move(catalogue);
 }
 
 PlanCache::Counters PlanCache::counters() const {

@@ -9,6 +9,7 @@
 #include <span>
 #include <string_view>
 
+#include "tavelor/platform/callback.hpp"
 #include "tavelor/services/dialect/plan.hpp"
 
 namespace tavelor {
@@ -33,8 +34,18 @@ class Writer;
 /// the key, and each value is checked against the literal that it stands in (no lexer runs). A
 /// value that fails that check goes through the lexer, and so does a text without values until it
 /// has come twice.
+///
+/// Plans are made for the tables as they are. Whoever changes them, another program included: a
+/// statement that is new here is translated for the tables of that moment, and one that is known is
+/// run by the plan of before at most once.
 class PlanCache {
  public:
+  /// The tables as they are now; the same pointer as before if nothing has changed.
+  using Tables = Callback<std::shared_ptr<const engine::Catalogue>()>;
+
+  PlanCache(engine::Session& session, Tables tables, std::shared_ptr<const Locale> locale,
+            const Writer& writer);
+  /// Over tables that stay as they are.
   PlanCache(engine::Session& session, std::shared_ptr<const engine::Catalogue> catalogue,
             std::shared_ptr<const Locale> locale, const Writer& writer);
   ~PlanCache();
@@ -46,17 +57,15 @@ class PlanCache {
   /// The plan of a SELECT; record sets keep it for their fields.
   std::shared_ptr<const Plan> plan(const Statement& statement);
   /// Runs a SELECT and appends its first `most` rows, hidden columns included, to `rows`, which
-  /// must have the column types of plan().
-  void fetch(const Statement& statement, engine::RowStore& rows,
-             std::size_t most = std::numeric_limits<std::size_t>::max());
+  /// must have the column types of plan(). False: the tables have changed meanwhile, and what was
+  /// appended is of the plan of before; ask for plan() and fetch again.
+  [[nodiscard]] bool fetch(const Statement& statement, engine::RowStore& rows,
+                           std::size_t most = std::numeric_limits<std::size_t>::max());
 
   /// Runs a text with `?` placeholders that the library itself composed (a record set's batch).
   /// RETURNING gives its rows to `returned` when that is not null.
   std::int64_t run(std::string_view withPlaceholders, std::span<const engine::Value> values,
                    engine::RowStore* returned = nullptr);
-
-  /// After a change of schema: forgets every plan and binds on `catalogue` from now on.
-  void reset(std::shared_ptr<const engine::Catalogue> catalogue);
 
   struct Counters {
     std::uint64_t translated = 0;  ///< statements that had to be translated

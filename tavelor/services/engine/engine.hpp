@@ -42,6 +42,9 @@ class Prepared {
   /// what was fetched before it; a statement that writes and failed in reading its rows has
   /// written, unless its transaction is rolled back.
   void fetch(RowStore& rows, std::size_t most = kAllRows) { fetchRows(rows, most); }
+  /// True once when a run has met other tables or columns than the one before it, or than the
+  /// compiler did. It may be true without reason, and costs no look at the database.
+  virtual bool metOtherSchema() { return false; }
 
  private:
   virtual void fetchRows(RowStore& rows, std::size_t most) = 0;

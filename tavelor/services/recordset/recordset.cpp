@@ -98,9 +98,10 @@ std::shared_ptr<RecordsetStore> Recordset::fetch(const Statement& statement, con
   over.traced([&] { return statement.text(); },
               [&] {
                 dialect::PlanCache& plans = over.lease().readingPlans();
-                store = std::make_shared<RecordsetStore>(RecordsetSchema{plans.plan(statement), {}},
-                                                         over.locale());
-                plans.fetch(statement, store->rows(), most);
+                do {
+                  store = std::make_shared<RecordsetStore>(
+                      RecordsetSchema{plans.plan(statement), {}}, over.locale());
+                } while (!plans.fetch(statement, store->rows(), most));
                 return static_cast<std::int64_t>(store->rows().rows());
               });
   store->statement = statement;

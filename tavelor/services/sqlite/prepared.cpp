@@ -2,6 +2,8 @@
 // Binding, running and fetching.
 #include "tavelor/services/sqlite/prepared.hpp"
 
+#include <utility>
+
 #include "tavelor/services/engine/row_store.hpp"
 #include "tavelor/services/sqlite/cells.hpp"
 
@@ -110,6 +112,12 @@ void PreparedStatement::fetchRows(RowStore& rows, std::size_t most) {
                       error.description());
     }
   }
+}
+
+// The engine compiles a statement again by itself when a run finds the tables changed.
+bool PreparedStatement::metOtherSchema() {
+  const int times = sqlite3_stmt_status(statement_.get(), SQLITE_STMTSTATUS_REPREPARE, 0);
+  return std::exchange(compiledAgain_, times) != times;
 }
 
 void PreparedStatement::failAndReset(int code) {

@@ -20,6 +20,7 @@ class PreparedStatement final : public Prepared {
   int parameterCount() const override { return sqlite3_bind_parameter_count(statement_.get()); }
   void bind(int index, const Value& value) override;
   std::int64_t run() override;
+  bool metOtherSchema() override;
 
  private:
   void fetchRows(RowStore& rows, std::size_t most) override;
@@ -29,6 +30,7 @@ class PreparedStatement final : public Prepared {
   std::shared_ptr<Database> database_;
   StatementHandle statement_;
   bool writes_;
+  int compiledAgain_ = 0;
 };
 
 }  // namespace tavelor::engine::sqlite
