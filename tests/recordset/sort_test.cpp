@@ -154,5 +154,29 @@ TEST(Sort, AgreesWithAStableSortOnManyFieldsOfAnyLength) {
   EXPECT_EQ(places(set), expected);
 }
 
+TEST(Sort, ManyNumbersOfAnySignAndSizeGoBothWays) {
+  std::mt19937_64 random(11);
+  std::vector<Line> lines;
+  for (std::int32_t i = 0; i < 2000; ++i) {
+    const auto scaled = static_cast<std::int64_t>(random()) >> random() % 60;
+    lines.push_back({"", Variant(Currency::fromScaled(scaled)), i});
+  }
+  const auto number = [&](std::int32_t place) {
+    return lines[static_cast<std::size_t>(place)].number.getIf<Currency>()->scaled();
+  };
+  Recordset set;
+  fill(set, lines);
+  set.Sort("Numero");
+  const std::vector<std::int32_t> up = places(set);
+  ASSERT_EQ(up.size(), lines.size());
+  EXPECT_TRUE(std::is_sorted(
+      up.begin(), up.end(), [&](std::int32_t a, std::int32_t b) { return number(a) < number(b); }));
+  set.Sort("Numero DESC");
+  const std::vector<std::int32_t> down = places(set);
+  EXPECT_TRUE(std::is_sorted(down.begin(), down.end(), [&](std::int32_t a, std::int32_t b) {
+    return number(a) > number(b);
+  }));
+}
+
 }  // namespace
 }  // namespace tavelor::test

