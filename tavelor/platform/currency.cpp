@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "tavelor/platform/decimal_arithmetic.hpp"
 #include "tavelor/platform/decimal_digits.hpp"
 #include "tavelor/platform/error.hpp"
 
@@ -27,8 +28,12 @@ constexpr double kFifthDecimalSeen = 1e10;
 
 Currency Currency::fromDouble(double amount) {
   if (!std::isfinite(amount)) raiseOverflow();
-  const auto scaled = scaledBy(
-      std::fabs(amount) < kFifthDecimalSeen ? digitsOf(amount) : allDigitsOf(amount), kDecimals);
+  const bool isSmall = std::fabs(amount) < kFifthDecimalSeen;
+  if (isSmall) {
+    // What has four decimals needs no look at its digits.
+    if (const auto count = tenThousandthsOf(amount)) return fromScaled(*count);
+  }
+  const auto scaled = scaledBy(isSmall ? digitsOf(amount) : allDigitsOf(amount), kDecimals);
   if (scaled) return fromScaled(*scaled);
   // The doubles nearest to the first and the last amount lie beyond them.
   for (const std::int64_t end :
@@ -68,6 +73,31 @@ Currency operator*(Currency a, Currency b) {
     raiseOverflow();
   }
   return Currency::fromScaled(static_cast<std::int64_t>(quotient));
+}
+
+Currency absolute(Currency amount) {
+  return amount < Currency() ? -amount : amount;
+}
+
+Currency rounded(Currency amount, int decimals) {
+  if (decimals >= kDecimals) return amount;
+  DecimalDigits digits = digitsOf(amount.scaled(), kDecimals);
+  roundDigits(digits, decimals, Halves::kToEven);
+  const auto scaled = scaledBy(digits, kDecimals);
+  if (!scaled) raiseOverflow();
+  return Currency::fromScaled(*scaled);
+}
+
+void CurrencySum::add(Currency amount) {
+  // Wrapped, the count lacks or has exactly 2^64 too many, whatever the order.
+  if (__builtin_add_overflow(scaled_, amount.scaled(), &scaled_)) {
+    wraps_ += amount < Currency() ? -1 : 1;
+  }
+}
+
+Currency CurrencySum::total() const {
+  if (wraps_ != 0) raiseOverflow();
+  return Currency::fromScaled(scaled_);
 }
 
 }  // namespace tavelor

@@ -40,4 +40,21 @@ class Currency {
   std::int64_t scaled_ = 0;
 };
 
+/// Without its sign.
+Currency absolute(Currency amount);
+/// To so many decimals, halves to even.
+Currency rounded(Currency amount, int decimals);
+
+/// The sum of any count of amounts, the same in whatever order they come: only a total that does
+/// not fit raises 6, not what it passes on the way. Good in zeroed memory.
+class CurrencySum {
+ public:
+  void add(Currency amount);
+  Currency total() const;
+
+ private:
+  std::int64_t scaled_ = 0;
+  std::int64_t wraps_ = 0;
+};
+
 }  // namespace tavelor

@@ -31,6 +31,8 @@ std::string_view conversionName(Conversion conversion) {
       return "number";
     case Conversion::kCurrency:
       return "currency";
+    case Conversion::kNegativeCurrency:
+      return "negative currency";
     case Conversion::kDate:
       return "date";
     case Conversion::kNumberByLocale:

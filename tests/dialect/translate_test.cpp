@@ -175,7 +175,7 @@ TEST(Conversion, OfAnAssignedExpressionIsWrittenOut) {
     const std::string sql = sqlOf("UPDATE Bancos SET " + std::string(text));
     return sql.substr(sql.find(" = ") + 3);
   };
-  EXPECT_EQ(assigned("Saldo = Saldo * 2"), "tv_currency(tv_mul(Saldo, ?1))");
+  EXPECT_EQ(assigned("Saldo = Saldo * 2"), "tv_currency(tv_money_mul(Saldo, ?1))");
   EXPECT_EQ(assigned("Saldo = Saldo"), "Saldo");
   EXPECT_EQ(assigned("Saldo = Banco"), "tv_currency(tv_number(Banco))");
   EXPECT_EQ(assigned("Orden = Orden + 1"), "tv_whole(Orden + ?1, 3)");
@@ -213,8 +213,8 @@ TEST(Ampersand, TakesNullForAnEmptyText) {
 }
 
 TEST(Functions, BecomeThoseOfTheEngine) {
-  EXPECT_EQ(item("Round(Saldo, 2)"), "tv_round(Saldo, ?1)");
-  EXPECT_EQ(item("Round(Saldo)"), "tv_round(Saldo, 0)");
+  EXPECT_EQ(item("Round(Saldo, 2)"), "tv_money_round(Saldo, ?1)");
+  EXPECT_EQ(item("Round(Saldo)"), "tv_money_round(Saldo, 0)");
   EXPECT_EQ(typeOfItem("Round(Saldo, 2)"), ColumnType::kCurrency);
   EXPECT_EQ(item("Format(Alta, 'yy')"), "tv_format(Alta, ?1, 7)");
   EXPECT_EQ(item("UCase(Left(Trim(Banco), 1))"), "tv_ucase(tv_left(trim(Banco), ?1))");

@@ -99,5 +99,42 @@ TEST(Currency, IsOrderedByAmount) {
   EXPECT_EQ(Currency::fromDouble(1.5), Currency::fromScaled(15000));
 }
 
+TEST(Currency, HasNoSizeOfTheLeastAmount) {
+  EXPECT_EQ(absolute(Currency::fromScaled(-5)).scaled(), 5);
+  EXPECT_EQ(absolute(Currency::fromScaled(kMost)).scaled(), kMost);
+  EXPECT_EQ(absolute(Currency::fromScaled(kLeast + 1)).scaled(), kMost);
+  EXPECT_EQ(raisedBy([] { absolute(Currency::fromScaled(kLeast)); }), 6);
+}
+
+TEST(Currency, RoundsToFewerDecimalsWithinItsLimits) {
+  EXPECT_EQ(rounded(Currency::fromScaled(12'345), 2).scaled(), 12'300);
+  EXPECT_EQ(rounded(Currency::fromScaled(12'350), 2).scaled(), 12'400);
+  EXPECT_EQ(rounded(Currency::fromScaled(12'450), 2).scaled(), 12'400) << "halves to even";
+  EXPECT_EQ(rounded(Currency::fromScaled(kMost), 4).scaled(), kMost);
+  EXPECT_EQ(rounded(Currency::fromScaled(kLeast), 9).scaled(), kLeast);
+  EXPECT_EQ(rounded(Currency::fromScaled(kMost - 7), 3).scaled(), kMost - 7);
+  EXPECT_EQ(raisedBy([] { rounded(Currency::fromScaled(kMost), 3); }), 6);
+  EXPECT_EQ(raisedBy([] { rounded(Currency::fromScaled(kLeast), 0); }), 6);
+}
+
+TEST(Currency, ASumRaisesOverflowForItsTotalOnly) {
+  CurrencySum sum;
+  EXPECT_EQ(sum.total().scaled(), 0);
+  for (const std::int64_t amount : {kMost, kMost, std::int64_t{2}}) {
+    sum.add(Currency::fromScaled(amount));
+  }
+  EXPECT_EQ(raisedBy([&] { static_cast<void>(sum.total()); }), 6)
+      << "2^64 of them, which would wrap to 0";
+  sum.add(Currency::fromScaled(kLeast));
+  sum.add(Currency::fromScaled(-1));
+  EXPECT_EQ(sum.total().scaled(), kMost);
+  sum.add(Currency::fromScaled(kLeast));
+  sum.add(Currency::fromScaled(kLeast));
+  sum.add(Currency::fromScaled(1));
+  EXPECT_EQ(sum.total().scaled(), kLeast);
+  sum.add(Currency::fromScaled(-1));
+  EXPECT_EQ(raisedBy([&] { static_cast<void>(sum.total()); }), 6);
+}
+
 }  // namespace
 }  // namespace tavelor

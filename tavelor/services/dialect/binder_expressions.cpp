@@ -153,8 +153,6 @@ Expr* Binder::binary(Expr* expr, const Place& place) {
       break;
     case Operator::kMultiply:
       expr->type = typeOf(arithmeticType(a, b));
-      // An amount times an amount has eight decimals.
-      if (isMoney(a) && isMoney(b)) return convert_.cast(expr, Cast::kCurrency, expr->type);
       break;
     case Operator::kWholeDivide:
     case Operator::kModulo:
@@ -371,7 +369,7 @@ Expr* Binder::conversionCall(Expr* expr) {
   const ColumnType wanted = expr->function->type;
   switch (wanted) {
     case ColumnType::kCurrency:
-      return convert_.cast(operand, Cast::kCurrency, typeOf(wanted));
+      return convert_.toMoney(operand, nullptr);
     case ColumnType::kInt16:
     case ColumnType::kInt32:
       return convert_.cast(operand, Cast::kWhole, typeOf(wanted));

@@ -24,7 +24,7 @@ constexpr ColumnType kDate = ColumnType::kDate;
 
 /// Sorted by name, and those of one name by how many arguments they take.
 constexpr std::array kFunctions{
-    Function{"abs", "abs", kPlain, 1, "n", kFirst, kDouble},
+    Function{"abs", "abs", kPlain, 1, "n", kFirst, kDouble, false, "tv_money_abs"},
     Function{"avg", "avg", kTotal, 1, "n", kSum, kDouble, true},
     Function{"ccur", "", kConversion, 1, "n", kFixed, ColumnType::kCurrency},
     Function{"cdate", "", kConversion, 1, "d", kFixed, kDate},
@@ -58,11 +58,11 @@ constexpr std::array kFunctions{
     Function{"now", "tv_now", kPlain, 0, "", kFixed, kDate},
     Function{"nz", "", kNz, 2, "vv", kCommon, kText},
     Function{"right", "tv_right", kPlain, 2, "tn", kFixed, kText},
-    Function{"round", "tv_round", kPlain, 1, "nn", kFirst, kDouble},
+    Function{"round", "tv_round", kPlain, 1, "nn", kFirst, kDouble, false, "tv_money_round"},
     Function{"rtrim", "rtrim", kPlain, 1, "t", kFixed, kText},
     Function{"second", "s", kDatePart, 1, "d", kFixed, kWhole},
     Function{"sgn", "sign", kPlain, 1, "n", kFixed, kWhole},
-    Function{"sum", "sum", kTotal, 1, "n", kSum, kDouble, true},
+    Function{"sum", "sum", kTotal, 1, "n", kSum, kDouble, true, "tv_money_sum"},
     Function{"time", "tv_clock", kPlain, 0, "", kFixed, kDate},
     Function{"trim", "trim", kPlain, 1, "t", kFixed, kText},
     Function{"ucase", "tv_ucase", kPlain, 1, "t", kFixed, kText},

@@ -40,6 +40,9 @@ struct Function {
   ResultType result = ResultType::kFixed;
   ColumnType type = ColumnType::kText;
   bool aggregate = false;
+  /// The engine's function where the first argument is money, which must stay within its limits;
+  /// "" where the one for all numbers does.
+  std::string_view ofMoney = {};
 };
 
 /// Without regard to case; null when there is none. Of several functions of one name the first one

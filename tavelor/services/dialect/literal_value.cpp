@@ -107,7 +107,7 @@ void readWritten(Lifted& number) {
 }
 
 [[noreturn, gnu::cold]] void refuseRange(const Lifted& number, const Parameter& parameter) {
-  raise(errors::kMultipleStep, kSource,
+  raise(parameter.column.empty() ? errors::kOverflow : errors::kMultipleStep, kSource,
         fmt::format("{} is out of range{}", number.text, inColumn(parameter)));
 }
 
@@ -196,7 +196,8 @@ Value fitted(const Lifted& number, std::string_view plain, const Parameter& para
     if (!parameter.column.empty()) refuseRange(number, parameter);
     raise(errors::kOverflow, kSource, fmt::format("no number holds {}", number.text));
   }
-  if (parameter.conversion == Conversion::kCurrency) {
+  if (parameter.conversion == Conversion::kCurrency ||
+      parameter.conversion == Conversion::kNegativeCurrency) {
     return moneyOf(number, plain, parameter);
   }
   if (!parameter.column.empty()) return assigned(number, plain, parameter);
@@ -268,6 +269,17 @@ void LiteralReader::checkLength(std::string_view text, const Parameter& paramete
 Value LiteralReader::number(const Lifted& literal, const Parameter& parameter) const {
   if (literal.kind == LiteralKind::kText) return quotedNumber(literal, parameter);
   return fitted(literal, {}, parameter);
+}
+
+/// Read with its sign, for there is one amount more below zero than above.
+Value LiteralReader::negativeMoney(const Lifted& literal, const Parameter& parameter) const {
+  if (literal.text.starts_with('&') || literal.text.starts_with('-')) {
+    const Value positive = number(literal, parameter);
+    return Value::ofCurrency(-Currency::fromScaled(positive.integer));
+  }
+  const bool isSigned = literal.text.starts_with('+');
+  const std::string negative = "-" + std::string(literal.text.substr(isSigned ? 1 : 0));
+  return number(lift(negative, literal.kind), parameter);
 }
 
 Value LiteralReader::quotedNumber(const Lifted& literal, const Parameter& parameter) const {

@@ -38,7 +38,8 @@ Lifted lift(std::string_view text, LiteralKind kind);
 /// Converts literals for placeholders. Values view the literals' texts.
 ///
 /// Errors: kTypeMismatch for a text that is no number or no date; kMultipleStep, with the name of
-/// the column, for a text too long and a number out of range where a column is assigned to.
+/// the column, for a text too long and a number out of range where a column is assigned to;
+/// kOverflow for an amount out of range where none is.
 /// Rounding: to a whole column and to money halves go to even.
 class LiteralReader {
  public:
@@ -57,6 +58,8 @@ class LiteralReader {
       case Conversion::kNumberByLocale:
       case Conversion::kCurrency:
         return number(literal, parameter);
+      case Conversion::kNegativeCurrency:
+        return negativeMoney(literal, parameter);
       case Conversion::kDate:
       case Conversion::kDateByLocale:
         return date(literal, parameter);
@@ -70,6 +73,7 @@ class LiteralReader {
   static void checkLength(std::string_view text, const Parameter& parameter);
   engine::Value number(const Lifted& literal, const Parameter& parameter) const;
   engine::Value quotedNumber(const Lifted& literal, const Parameter& parameter) const;
+  engine::Value negativeMoney(const Lifted& literal, const Parameter& parameter) const;
   engine::Value date(const Lifted& literal, const Parameter& parameter) const;
   engine::Value boolean(const Lifted& literal, const Parameter& parameter) const;
 

@@ -16,13 +16,14 @@ enum class StatementKind : std::uint8_t { kSelect, kInsert, kUpdate, kDelete, kD
 
 /// How the text of a lifted literal becomes the value of a placeholder.
 enum class Conversion : std::uint8_t {
-  kText,            ///< as it stands
-  kNumber,          ///< a bare number: whole if so written and it fits, else double
-  kCurrency,        ///< a number for a money column, rounded to four decimals
-  kDate,            ///< the text between # and #
-  kNumberByLocale,  ///< a quoted text that met a numeric column: '1,5' is 1.5 in Spanish
-  kDateByLocale,    ///< a quoted text that met a date column
-  kBoolean          ///< a number or quoted number for a flag: any non-zero is -1
+  kText,              ///< as it stands
+  kNumber,            ///< a bare number: whole if so written and it fits, else double
+  kCurrency,          ///< an amount, bare or by the locale, rounded to four decimals
+  kNegativeCurrency,  ///< the same behind a minus sign
+  kDate,              ///< the text between # and #
+  kNumberByLocale,    ///< a quoted text that met a numeric column: '1,5' is 1.5 in Spanish
+  kDateByLocale,      ///< a quoted text that met a date column
+  kBoolean            ///< a number or quoted number for a flag: any non-zero is -1
 };
 
 /// A placeholder of a step: the first one is ?1. One placeholder may stand several times.

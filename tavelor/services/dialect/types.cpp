@@ -228,6 +228,21 @@ Expr* Converter::toTextColumn(Expr* expr, const engine::Column& column) const {
   return result;
 }
 
+Expr* Converter::toMoney(Expr* expr, const engine::Column* column) const {
+  // A double has not all the digits of a large amount: a literal is read as money at once, a bare
+  // one with its sign.
+  const bool negated =
+      expr->kind == ExprKind::kNegate && !isLiteral(*expr->left, LiteralKind::kText);
+  Expr* literal = negated ? expr->left : expr;
+  if (!isLifted(*literal) || isLiteral(*literal, LiteralKind::kDate)) {
+    return cast(expr, Cast::kCurrency, typeOf(ColumnType::kCurrency));
+  }
+  literal->conversion = negated ? Conversion::kNegativeCurrency : Conversion::kCurrency;
+  literal->meets = ColumnType::kCurrency;
+  literal->assignedTo = column;
+  return cast(literal, Cast::kCurrency, typeOf(ColumnType::kCurrency));
+}
+
 /// The clock's day, and one that was read or is stored, are days already.
 Expr* Converter::toDateColumn(Expr* expr) const {
   expr = toDate(expr);
@@ -245,7 +260,7 @@ Expr* Converter::toNumberColumn(Expr* expr, const engine::Column& column) const 
   if (same || column.type == ColumnType::kDouble) return expr;
   switch (column.type) {
     case ColumnType::kCurrency:
-      return cast(expr, Cast::kCurrency, typeOf(column.type));
+      return toMoney(expr, &column);
     case ColumnType::kSingle:
       return cast(expr, Cast::kSingle, typeOf(column.type));
     default:

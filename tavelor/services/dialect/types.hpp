@@ -68,6 +68,8 @@ class Converter {
   Expr* toNumber(Expr* expr) const;
   Expr* toDate(Expr* expr) const;
   Expr* toText(Expr* expr) const;
+  /// A number as an amount; of `column` for messages, if it goes into one.
+  Expr* toMoney(Expr* expr, const engine::Column* column) const;
   /// One of several values that must be of one type; numbers of all kinds are.
   Expr* toCommon(Expr* expr, const Type& type) const;
 

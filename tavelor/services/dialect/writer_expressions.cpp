@@ -78,11 +78,18 @@ bool isBitwise(const Expr& expr) {
   return (joins || expr.kind == ExprKind::kNot) && !expr.type.predicate;
 }
 
+/// The engine's function for a call.
+std::string engineName(const Function& function, const Type& first) {
+  if (isMoney(first) && !function.ofMoney.empty()) return std::string(function.ofMoney);
+  const bool isExactTotal = function.kind == FunctionKind::kTotal && hasDecimals(first);
+  return (isExactTotal ? "tv_" : "") + std::string(function.engineName);
+}
+
 int levelOf(const Expr& expr) {
   if (isExact(expr) || isBitwise(expr)) return kAtomLevel;
   switch (expr.kind) {
     case ExprKind::kNegate:
-      return kSignLevel;
+      return isMoney(expr.type) ? kAtomLevel : kSignLevel;
     case ExprKind::kNot:
       return kNotLevel;
     case ExprKind::kBinary:
@@ -181,6 +188,12 @@ void StepText::bare(const Expr& expr, int level) {
       *this << "*";
       return;
     case ExprKind::kNegate: {
+      if (isMoney(expr.type)) {
+        *this << "tv_money_neg(";
+        nested(*expr.left, 0, kFirstArgumentOpen);
+        *this << ")";
+        return;
+      }
       // A constant may bring a sign of its own, and two of them begin a comment.
       const bool isConstant =
           expr.left->kind == ExprKind::kLiteral || expr.left->kind == ExprKind::kBoolean;
@@ -317,17 +330,20 @@ void StepText::binary(const Expr& expr, int level) {
 /// A chain of one operation is one call: nested, a long one would be too much for an engine.
 void StepText::exact(const Expr& expr) {
   constexpr std::size_t kMostArguments = 100;
+  const bool ofMoney = isMoney(expr.type);
   std::vector<const Expr*> operands{expr.right};
   const Expr* left = expr.left;
-  while (isExact(*left) && left->op == expr.op && operands.size() < kMostArguments) {
+  while (isExact(*left) && left->op == expr.op && isMoney(left->type) == ofMoney &&
+         operands.size() < kMostArguments) {
     operands.push_back(left->right);
     left = left->left;
   }
   operands.push_back(left);
   std::reverse(operands.begin(), operands.end());
-  *this << (expr.op == Operator::kAdd        ? "tv_add("
-            : expr.op == Operator::kSubtract ? "tv_sub("
-                                             : "tv_mul(");
+  *this << (ofMoney ? "tv_money_" : "tv_")
+        << (expr.op == Operator::kAdd        ? "add("
+            : expr.op == Operator::kSubtract ? "sub("
+                                             : "mul(");
   arguments(operands);
   *this << ")";
 }
@@ -434,11 +450,8 @@ void StepText::call(const Expr& expr) {
     case FunctionKind::kDatePart:
       *this << "tv_part('" << function.engineName << "', ";
       break;
-    case FunctionKind::kTotal:
-      *this << (hasDecimals(first->type) ? "tv_" : "") << function.engineName << "(";
-      break;
     default:
-      *this << function.engineName << "(";
+      *this << engineName(function, first == nullptr ? Type{} : first->type) << "(";
       break;
   }
   // Behind the name of a part.

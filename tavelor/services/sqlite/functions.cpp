@@ -3,6 +3,7 @@
 #include "tavelor/services/sqlite/functions.hpp"
 
 #include <cmath>
+#include <type_traits>
 
 #include "tavelor/platform/decimal_arithmetic.hpp"
 #include "tavelor/platform/number_text.hpp"
@@ -74,32 +75,43 @@ void giveKept(sqlite3_context* context) noexcept {
   kept->value = nullptr;
 }
 
-/// The state of tv_sum and tv_avg, made by the engine in zeroed memory.
+/// The state of a total, made by the engine in zeroed memory: of tv_sum and tv_avg that of numbers,
+/// of tv_money_sum that of amounts.
+template <typename Sum>
 struct Total {
-  DecimalSum sum;
+  Sum sum;
   std::int64_t count;
 };
 
+template <typename Sum>
 void addToTotal(sqlite3_context* context, int count, sqlite3_value** arguments) noexcept {
   Call call(context, count, arguments);
   if (call.isNull(0)) return;
-  auto* const total = static_cast<Total*>(sqlite3_aggregate_context(context, sizeof(Total)));
+  constexpr int kSize = sizeof(Total<Sum>);
+  auto* const total = static_cast<Total<Sum>*>(sqlite3_aggregate_context(context, kSize));
   if (total == nullptr) return sqlite3_result_error_nomem(context);
   guarded(call, [total](const Call& added) {
-    total->sum.add(added.real(0));
+    if constexpr (std::is_same_v<Sum, CurrencySum>) {
+      total->sum.add(added.money(0));
+    } else {
+      total->sum.add(added.real(0));
+    }
     ++total->count;
   });
 }
 
 /// Of no number at all there is neither a sum nor a mean.
-template <bool mean>
+template <typename Sum, bool mean = false>
 void giveTotal(sqlite3_context* context) noexcept {
-  const auto* const total = static_cast<Total*>(sqlite3_aggregate_context(context, 0));
+  const auto* const total = static_cast<Total<Sum>*>(sqlite3_aggregate_context(context, 0));
   if (total == nullptr || total->count == 0) return sqlite3_result_null(context);
   Call call(context, 0, nullptr);
   guarded(call, [total](const Call& given) {
-    const double sum = total->sum.total();
-    given.give(mean ? decimalQuotient(sum, static_cast<double>(total->count)) : sum);
+    if constexpr (mean) {
+      given.give(decimalQuotient(total->sum.total(), static_cast<double>(total->count)));
+    } else {
+      given.give(total->sum.total());
+    }
   });
 }
 
@@ -115,8 +127,9 @@ void addAggregates(Database& database) {
   };
   add("tv_first", keepFirst, giveKept);
   add("tv_last", keepLast, giveKept);
-  add("tv_sum", addToTotal, giveTotal<false>);
-  add("tv_avg", addToTotal, giveTotal<true>);
+  add("tv_sum", addToTotal<DecimalSum>, giveTotal<DecimalSum>);
+  add("tv_avg", addToTotal<DecimalSum>, giveTotal<DecimalSum, true>);
+  add("tv_money_sum", addToTotal<CurrencySum>, giveTotal<CurrencySum>);
 }
 
 }  // namespace tavelor::engine::sqlite

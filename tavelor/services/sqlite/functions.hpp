@@ -7,6 +7,7 @@
 
 #include <sqlite3.h>
 
+#include "tavelor/platform/currency.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/variant.hpp"
 #include "tavelor/services/engine/catalogue.hpp"
@@ -37,6 +38,8 @@ class Call {
   double real(int i) const;
   /// Rounded halves to even. Raises 6 when it does not fit.
   std::int64_t rounded(int i) const;
+  /// An amount, rounded halves to even. Raises 13 as real(), and 6 when it does not fit.
+  Currency money(int i) const { return Currency::fromDouble(real(i)); }
   ColumnType columnType(int i) const { return static_cast<ColumnType>(integer(i)); }
 
   void give(std::string_view text) const {
@@ -45,6 +48,7 @@ class Call {
   }
   void give(std::int64_t whole) const { sqlite3_result_int64(context_, whole); }
   void give(double real) const { sqlite3_result_double(context_, real); }
+  void give(Currency amount) const { give(amount.toDouble()); }
   /// The argument itself.
   void pass(int i) const { sqlite3_result_value(context_, arguments_[i]); }
 
@@ -103,7 +107,7 @@ void addFunctions(Database& database, const Function* first, std::size_t count);
 void addTextFunctions(Database& database);
 void addNumberFunctions(Database& database);
 void addDateFunctions(Database& database);
-/// tv_first, tv_last, tv_sum, tv_avg.
+/// tv_first, tv_last, tv_sum, tv_avg, tv_money_sum.
 void addAggregates(Database& database);
 
 inline void addFunctions(Database& database) {

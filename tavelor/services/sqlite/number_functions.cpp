@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <string>
 
@@ -36,12 +37,17 @@ void give(const Call& call, double number, bool asWhole) {
   }
 }
 
-void roundTo(Call& call) {
+/// The second argument of Round. Raises 5 below 0.
+int decimalsOf(const Call& call) {
   const std::int64_t decimals = call.rounded(1);
   if (decimals < 0) refuse(errors::kInvalidCall, "Round to less than no decimals");
+  return static_cast<int>(std::min<std::int64_t>(decimals, 30));
+}
+
+void roundTo(Call& call) {
+  const int decimals = decimalsOf(call);
   if (call.isWhole(0)) return call.pass(0);
-  const auto places = static_cast<int>(std::min<std::int64_t>(decimals, 30));
-  call.give(roundHalfEven(call.real(0), places));
+  call.give(roundHalfEven(call.real(0), decimals));
 }
 
 void number(Call& call) {
@@ -119,7 +125,27 @@ void power(Call& call) {
 }
 
 void currency(Call& call) {
-  call.give(Currency::fromDouble(call.real(0)).toDouble());
+  call.give(call.money(0));
+}
+
+/// As chain(), of amounts.
+template <typename Operation>
+void moneyChain(Call& call) {
+  Currency result = call.money(0);
+  for (int i = 1; i < call.count(); ++i) result = Operation()(result, call.money(i));
+  call.give(result);
+}
+
+void moneyNegative(Call& call) {
+  call.give(-call.money(0));
+}
+
+void moneyAbsolute(Call& call) {
+  call.give(absolute(call.money(0)));
+}
+
+void moneyRound(Call& call) {
+  call.give(rounded(call.money(0), decimalsOf(call)));
 }
 
 void whole(Call& call) {
@@ -187,6 +213,12 @@ constexpr std::array kFunctions{
     Function{"tv_not", 1, entry<bitNot, Nulls::kGiveNull>},
     Function{"tv_power", 2, entry<power, Nulls::kGiveNull>},
     Function{"tv_currency", 1, entry<currency, Nulls::kGiveNull>},
+    Function{"tv_money_add", -1, entry<moneyChain<std::plus<>>, Nulls::kGiveNull>},
+    Function{"tv_money_sub", -1, entry<moneyChain<std::minus<>>, Nulls::kGiveNull>},
+    Function{"tv_money_mul", -1, entry<moneyChain<std::multiplies<>>, Nulls::kGiveNull>},
+    Function{"tv_money_neg", 1, entry<moneyNegative, Nulls::kGiveNull>},
+    Function{"tv_money_abs", 1, entry<moneyAbsolute, Nulls::kGiveNull>},
+    Function{"tv_money_round", 2, entry<moneyRound, Nulls::kGiveNull>},
     Function{"tv_whole", 2, entry<whole, Nulls::kGiveNull>},
     Function{"tv_single", 1, entry<single, Nulls::kGiveNull>},
     Function{"tv_int", 1, entry<floorOf, Nulls::kGiveNull>},
