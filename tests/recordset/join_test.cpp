@@ -212,6 +212,91 @@ TEST_F(Joined, OfATableJoinedToItselfOneAppearanceIsWritten) {
   EXPECT_EQ(set->Field("Suya").Attributes() & field_attribute::kUpdatable, 0);
 }
 
+TEST_F(Joined, TheOtherAppearanceIsRefusedForItsOwnReason) {
+  const auto set = openLogged(
+      "SELECT M.Id, M.Cantidad, Otro.Id AS Segundo, Otro.Cantidad AS Suya FROM Movimientos AS M "
+      "INNER JOIN Movimientos AS Otro ON M.Id = Otro.Id");
+  set->Field("Suya").Value(1);
+  const auto write = [&] { set->UpdateBatch(); };
+  EXPECT_EQ(raisedBy(write), errors::kMultipleStep);
+  EXPECT_THAT(sentenceOf(write),
+              HasSubstr("Field 'Suya' is one of Movimientos, which the statement names more than "
+                        "once and which is written through another of its places"));
+  EXPECT_THAT(journal->texts(), testing::IsEmpty());
+}
+
+// ---- Rows that show one row of another table
+
+TEST_F(Joined, TwoRowsThatChangeOneRowOfAnotherTableAreWrittenOneAfterTheOther) {
+  const auto set = open(kBothKeys);
+  set->Update({"Nombre", "Precio"}, {"Pan de pueblo", 2});
+  set->MoveNext();
+  set->Update({"Nombre", "Cantidad"}, {"Pan de molde", 33});
+  set->UpdateBatch();
+  EXPECT_EQ(scalar("SELECT Nombre FROM Articulos WHERE Codigo = 'A1'"), "Pan de molde")
+      << "the later one";
+  EXPECT_EQ(scalar("SELECT Precio FROM Articulos WHERE Codigo = 'A1'"), "2");
+  EXPECT_EQ(scalar("SELECT Cantidad FROM Movimientos WHERE Id = 2"), "33");
+  set->MoveFirst();
+  EXPECT_EQ(textAt(*set, "Nombre"), "Pan de pueblo") << "read anew by Requery only";
+}
+
+TEST_F(Joined, WhatAnEarlierBatchWroteThereIsExpectedByTheOtherRow) {
+  const auto set = open(kBothKeys);
+  set->Field("Nombre").Value("Uno");
+  set->UpdateBatch(Affect::kCurrent);
+  for (const char* name : {"Dos", "Tres", "Cuatro"}) {
+    if (set->AbsolutePosition() == 1) {
+      set->MoveNext();
+    } else {
+      set->MoveFirst();
+    }
+    set->Field("Nombre").Value(name);
+    set->UpdateBatch(Affect::kCurrent);
+    EXPECT_EQ(scalar("SELECT Nombre FROM Articulos WHERE Codigo = 'A1'"), name);
+  }
+  EXPECT_EQ(scalar("SELECT Nombre FROM Articulos WHERE Codigo = 'A2'"), "Sal");
+}
+
+TEST_F(Joined, WhatSomebodyElseWroteThereMeanwhileIsStillAConflict) {
+  const auto set = open(kBothKeys);
+  set->Field("Nombre").Value("Uno");
+  set->UpdateBatch(Affect::kCurrent);
+  run("UPDATE Articulos SET Nombre = 'Suyo' WHERE Codigo = 'A1'");
+  set->MoveNext();
+  set->Field("Nombre").Value("Dos");
+  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
+  EXPECT_EQ(scalar("SELECT Nombre FROM Articulos WHERE Codigo = 'A1'"), "Suyo");
+  set->CancelBatch();
+  set->Requery();
+  set->Field("Nombre").Value("Dos");
+  set->UpdateBatch();
+  EXPECT_EQ(scalar("SELECT Nombre FROM Articulos WHERE Codigo = 'A1'"), "Dos");
+}
+
+TEST_F(Joined, ABatchThatFailedExpectsNothingOfWhatItHadWritten) {
+  const auto set = open(kBothKeys);
+  set->Field("Nombre").Value("Uno");
+  set->MoveLast();
+  set->Field("Id").Value(2);  // there is one
+  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kIntegrityViolation);
+  EXPECT_EQ(scalar("SELECT Nombre FROM Articulos WHERE Codigo = 'A1'"), "Pan");
+  set->CancelUpdate();
+  set->UpdateBatch();
+  EXPECT_EQ(scalar("SELECT Nombre FROM Articulos WHERE Codigo = 'A1'"), "Uno");
+}
+
+// A row of two tables that conflicts in one of them has written nothing to the other.
+TEST_F(Joined, ARowThatConflictsLeavesNothingForTheNextOneToExpect) {
+  const auto set = open(kBothKeys);
+  set->Update({"Nombre", "Cantidad"}, {"Uno", 11});
+  set->MoveNext();
+  set->Field("Nombre").Value("Dos");
+  run("UPDATE Movimientos SET Cantidad = 99 WHERE Id = 1");
+  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
+  EXPECT_EQ(scalar("SELECT Nombre FROM Articulos WHERE Codigo = 'A1'"), "Dos");
+}
+
 TEST_F(Joined, AKeylessTableIsWrittenByThePlaceOfItsRow) {
   const auto set = openLogged(
       "SELECT Sueltos.Texto, Articulos.Nombre FROM Sueltos INNER JOIN Articulos ON Sueltos.Codigo "

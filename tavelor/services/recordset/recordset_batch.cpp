@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Writing pending changes to the database.
 #include <algorithm>
+#include <unordered_map>
 
 #include "tavelor/services/dialect/plan_cache.hpp"
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/recordset/connection_trace.hpp"
 #include "tavelor/services/recordset/recordset_internal.hpp"
+#include "tavelor/services/recordset/xml_format.hpp"
 
 namespace tavelor {
 
@@ -38,6 +40,10 @@ class BatchWriter {
   void begin(std::string_view verb, std::string_view table);
   void appendKey(std::string_view table, Row row);
   void appendOriginal(Row row, std::size_t column);
+  bool isLookedUp(std::string_view table) const { return table != plan_.updateTable; }
+  std::string placeOf(Row row, std::size_t column) const;
+  void keepLookedUp(Row row, const RecordsetStore::Edit& edit);
+  engine::Value expected(Row row, std::size_t column) const;
   void appendName(std::string_view name);
   const dialect::OutputColumn& writable(std::size_t column) const;
   void requireRowTable() const;
@@ -50,6 +56,7 @@ class BatchWriter {
   engine::RowStore returned_;  // a row for each inserted one
   std::vector<Row> written_;
   std::vector<Row> conflicts_;
+  std::unordered_map<std::string, Variant> lookedUpWrites_;  // as the store's, of this batch
   std::string sql_;
   std::vector<engine::Value> values_;
 };
@@ -164,11 +171,16 @@ bool BatchWriter::update(Row row, const RecordsetStore::Edit& edit) {
     const std::string& table = writable(cell.column).baseTable;
     if (std::find(tables.begin(), tables.end(), table) == tables.end()) tables.push_back(table);
   }
-  if (tables.size() == 1) return update(tables.front(), row, edit);
-  engine::Transaction all(connection_.lease().session());
-  const bool found = std::all_of(tables.begin(), tables.end(),
-                                 [&](std::string_view table) { return update(table, row, edit); });
-  if (found) all.commit();
+  bool found = false;
+  if (tables.size() == 1) {
+    found = update(tables.front(), row, edit);
+  } else {
+    engine::Transaction all(connection_.lease().session());
+    found = std::all_of(tables.begin(), tables.end(),
+                        [&](std::string_view table) { return update(table, row, edit); });
+    if (found) all.commit();
+  }
+  if (found) keepLookedUp(row, edit);
   return found;
 }
 
@@ -249,11 +261,45 @@ void BatchWriter::appendKey(std::string_view table, Row row) {
   }
 }
 
-/// The row is found only if the column still holds what was read.
+/// Names a column of the row of its table that is shown in `row`.
+std::string BatchWriter::placeOf(Row row, std::size_t column) const {
+  const dialect::OutputColumn& named = plan_.columns[column];
+  std::string place = named.baseTable + '\0' + named.baseColumn;
+  for (std::size_t i = 0; i < plan_.columns.size(); ++i) {
+    if (!plan_.columns[i].key || !isOf(plan_.columns[i], named.baseTable)) continue;
+    const Variant key = store_.baseValue(row, i);
+    place += '\0';
+    if (!key.isNull()) place += xml::textOf(key);
+  }
+  return place;
+}
+
+void BatchWriter::keepLookedUp(Row row, const RecordsetStore::Edit& edit) {
+  for (const WrittenCell& cell : edit.cells) {
+    if (!isLookedUp(plan_.columns[cell.column].baseTable)) continue;
+    lookedUpWrites_.insert_or_assign(placeOf(row, cell.column), cell.value);
+  }
+}
+
+/// What the column held when it was read, or what this set has written to it since.
+engine::Value BatchWriter::expected(Row row, std::size_t column) const {
+  const bool mayBeOurs = isLookedUp(plan_.columns[column].baseTable) &&
+                         !(lookedUpWrites_.empty() && store_.lookedUpWrites.empty());
+  if (mayBeOurs) {
+    const std::string place = placeOf(row, column);
+    const auto ours = lookedUpWrites_.find(place);
+    if (ours != lookedUpWrites_.end()) return forEngine(ours->second);
+    const auto earlier = store_.lookedUpWrites.find(place);
+    if (earlier != store_.lookedUpWrites.end()) return forEngine(earlier->second);
+  }
+  return store_.baseForEngine(row, column);
+}
+
+/// The row is found only if the column still holds what is expected.
 void BatchWriter::appendOriginal(Row row, std::size_t column) {
   sql_ += " AND ";
   appendName(plan_.columns[column].baseColumn);
-  const engine::Value original = store_.baseForEngine(row, column);
+  const engine::Value original = expected(row, column);
   switch (original.kind) {
     case engine::Value::Kind::kNull:
       sql_ += " IS NULL";
@@ -293,9 +339,14 @@ const dialect::OutputColumn& BatchWriter::writable(std::size_t column) const {
           "Field '" + output.name + "' is computed by the statement and cannot be written");
   }
   if (!output.updatable) {
+    const bool isWrittenElsewhere = std::any_of(
+        plan_.columns.begin(), plan_.columns.end(),
+        [&](const dialect::OutputColumn& each) { return isOf(each, output.baseTable); });
     raise(errors::kMultipleStep, kRecordsetSource,
           "Field '" + output.name + "' is one of " + output.baseTable +
-              ", whose key is not among the columns, and cannot be written");
+              (isWrittenElsewhere ? ", which the statement names more than once and which is "
+                                    "written through another of its places, and cannot be written"
+                                  : ", whose key is not among the columns, and cannot be written"));
   }
   return output;
 }
@@ -313,6 +364,9 @@ std::int64_t BatchWriter::execute(engine::RowStore* returned) {
 }
 
 void BatchWriter::accept() {
+  for (auto& [place, value] : lookedUpWrites_) {
+    store_.lookedUpWrites.insert_or_assign(place, std::move(value));
+  }
   std::size_t inserted = 0;
   for (const Row row : written_) {
     const RecordsetStore::Edit& edit = *store_.edit(row);

@@ -255,6 +255,10 @@ std::size_t RecordsetStore::memory() const {
       if (const auto* b = cell.value.getIf<Bytes>()) bytes += b->capacity();
     }
   }
+  for (const auto& [place, value] : lookedUpWrites) {
+    bytes += sizeof(std::pair<const std::string, Variant>) + 2 * sizeof(void*) + place.capacity();
+    if (const auto* s = value.getIf<std::string>()) bytes += s->capacity();
+  }
   return bytes;
 }
 

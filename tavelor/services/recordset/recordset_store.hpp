@@ -102,6 +102,10 @@ class RecordsetStore {
 
   std::size_t memory() const;
 
+  /// What a set on this store last wrote to a column of a table that is looked up, by a name of its
+  /// row and column: other rows that show the same row of that table were read before.
+  std::unordered_map<std::string, Variant> lookedUpWrites;
+
   Statement statement;            ///< that the rows came from
   bool detached = false;          ///< made without a database: nothing to write to
   Recordset* firstSet = nullptr;  ///< the sets on this store, linked through them
