@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: MIT
 # tills.sh PROCESSES...: sells the same day with so many programs at once, each a till, and compares
 # the shops. Prints a table of the throughput and, where WRITERS names the program of that name, of how
-# long threads and processes wait for their turn to write: nobody may be refused.
+# long threads and processes wait for their turn to write, and by how many one of them was overtaken:
+# nobody may be refused.
 source "$(dirname "$0")/common.sh"
 
 (( $# > 0 )) || set -- 1 2 4 8
@@ -34,8 +35,8 @@ for programs in "$@"; do
 done
 
 [[ -n ${WRITERS:-} ]] || exit 0
-printf '\n%9s %7s %7s %9s %9s %9s %11s %8s\n' \
-  processes threads writes 'median ms' '1 in 100' slowest by\ median refused
+printf '\n%9s %7s %7s %9s %9s %9s %11s %9s %8s\n' \
+  processes threads writes 'median ms' '1 in 100' slowest by\ median overtaken refused
 for crowd in ${CROWDS:-1:20:30 4:1:150 4:5:30 20:1:30}; do
   IFS=: read -r processes threads each <<<"$crowd"
   "$WRITERS" "$work/writers-$crowd.db" "$processes" "$threads" "$each" | tee "$work/figures"

@@ -48,6 +48,15 @@ class WriteQueueThreads : public testing::Test {
   void startThread(int mark, int patience = kForEver) {
     awaitOneMore([&] { threads.emplace_back([=, this] { write(mark, patience); }); });
   }
+  /// The same behind a cut that the count of tickets was lost in.
+  void startThreadAfterCut(int mark) {
+    const auto lost = [this] { return std::filesystem::file_size(path + "-queue") < 16; };
+    ASSERT_TRUE(lost());
+    threads.emplace_back([=, this] { write(mark, kForEver); });
+    // A writer that waits has written its place, which lies behind.
+    for (int i = 0; i < 4000 && lost(); ++i) std::this_thread::sleep_for(milliseconds(5));
+    ASSERT_FALSE(lost());
+  }
   /// A process that stands in the queue once it is told to, writes `mark` at its turn, and stays
   /// there for ever if it shall.
   struct Process {
@@ -448,6 +457,54 @@ TEST_F(WriteQueueThreads, RubbishInItIsOvercome) {
     joinAll();
   }
   EXPECT_EQ(marks().size(), 8U);
+}
+
+TEST_F(WriteQueueThreads, CutShortItEndsNobodyAndKeepsTheOrder) {
+  holder->begin();
+  startThread(1);
+  std::filesystem::resize_file(path + "-queue", 0);
+  startThreadAfterCut(2);
+  std::filesystem::resize_file(path + "-queue", 12);
+  startThreadAfterCut(3);
+  holder->commit();
+  joinAll();
+  EXPECT_THAT(marks(), ElementsAre(1, 2, 3));
+}
+
+TEST_F(WriteQueueThreads, CutShortWhileManyWriteItEndsNobodyAndLosesNothing) {
+  constexpr int kThreads = 8;
+  constexpr int kEach = 60;
+  std::atomic<int> working = kThreads;
+  std::atomic<int> refused = 0;
+  for (int thread = 0; thread < kThreads; ++thread) {
+    threads.emplace_back([&, thread] {
+      for (int i = 0; i < kEach; ++i) {
+        if (errorNumber([&] { write(thread); }) != 0) ++refused;
+      }
+      --working;
+    });
+  }
+  for (std::uintmax_t size = 0; working > 0; size = (size + 100) % 8192) {
+    std::error_code gone;
+    std::filesystem::resize_file(path + "-queue", size, gone);
+    std::this_thread::yield();
+  }
+  joinAll();
+  EXPECT_EQ(refused, 0);
+  EXPECT_EQ(marks().size(), static_cast<std::size_t>(kThreads * kEach));
+}
+
+TEST_F(WriteQueueProcesses, GoOnWhenTheFileIsCutShort) {
+  Process first = fork(1);
+  Process second = fork(2);
+  hold();
+  start(first);
+  start(second);
+  std::filesystem::resize_file(path + "-queue", 0);
+  holder->commit();
+  end(first);
+  end(second);
+  EXPECT_THAT(marks(), ElementsAre(1, 2));
 }
 
 TEST_F(WriteQueueThreads, TakenAwayItIsMadeAnewAndNothingIsLost) {

@@ -6,15 +6,20 @@
 // for, so none can block: a writer whose turn has not come sleeps on a word of its own place, which
 // its predecessor changes when it leaves. Only the death of a predecessor goes untold; it is found
 // by looking at the locks every kLook.
+//
+// The file is read and written by calls, never through memory: a program that touches a mapped page
+// that somebody has cut off the file is ended by the system. What is cut off reads as 0. Only the
+// system itself looks at the mapped words, where a writer sleeps, and it answers with an error.
 #include "tavelor/services/sqlite/write_queue.hpp"
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cerrno>
 #include <climits>
+#include <cstddef>
 #include <ctime>
 #include <random>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -54,36 +59,37 @@ std::uint64_t thisThread() {
   return name;
 }
 
-/// Sleeps while `word` is `value`, at most for `time`.
-void sleepOn(std::atomic<std::uint32_t>& word, std::uint32_t value, nanoseconds time) {
-  constexpr std::int64_t kSecond = 1'000'000'000;
-  timespec limit{};
-  limit.tv_sec = static_cast<std::time_t>(time.count() / kSecond);
-  limit.tv_nsec = time.count() % kSecond;
-  ::syscall(SYS_futex, &word, FUTEX_WAIT, value, &limit, nullptr, 0);
-}
-
-void wake(std::atomic<std::uint32_t>& word) {
-  word.fetch_add(1);
-  ::syscall(SYS_futex, &word, FUTEX_WAKE, INT_MAX, nullptr, nullptr, 0);
-}
-
-/// What lies in the file. It holds sense in all states that a killed process or a power cut can
-/// leave: the numbers need not be right, as the locks alone decide.
+/// What lies in the file. It holds sense in all states that a killed process, a power cut or a
+/// stranger can leave: the numbers need not be right, as the locks alone decide. Numbers that two
+/// write at once are no worse.
 struct Shared {
-  struct Place {
-    std::atomic<std::uint32_t> calls;   // slept on; changed to wake
-    std::atomic<std::uint64_t> ticket;  // of the waiter, or 0
-    std::atomic<std::uint64_t> thread;
+  struct Turn {
+    std::uint64_t served;  // the last that was first and left: all before it are gone
+    std::uint64_t holder;
+    std::uint64_t holderThread;  // 0 while nobody holds the right
   };
-  std::atomic<std::uint64_t> given;   // the last ticket
-  std::atomic<std::uint64_t> served;  // the last that was first and left: all before it are gone
-  std::atomic<std::uint64_t> holder;
-  std::atomic<std::uint64_t> holderThread;  // 0 while nobody holds the right
-  std::array<Place, kPlaces> places;
+  struct Place {
+    std::uint32_t calls;   // slept on; changed to wake
+    std::uint64_t ticket;  // of the waiter, or 0
+    std::uint64_t thread;
+  };
+  using Places = std::array<Place, kPlaces>;
 
-  Place& place(std::uint64_t ticket) { return places[ticket % kPlaces]; }
+  std::uint64_t given;  // the last ticket
+  Turn turn;
+  Places places;
 };
+
+constexpr std::size_t kGiven = offsetof(Shared, given);
+constexpr std::size_t kServed = offsetof(Shared, turn.served);
+constexpr std::size_t kHolder = offsetof(Shared, turn.holder);
+constexpr std::size_t kHolderThread = offsetof(Shared, turn.holderThread);
+constexpr std::size_t kAllPlaces = offsetof(Shared, places);
+
+/// Where the place of a ticket lies.
+constexpr std::size_t placeOf(std::uint64_t ticket) {
+  return kAllPlaces + ticket % kPlaces * sizeof(Shared::Place);
+}
 
 }  // namespace
 
@@ -91,7 +97,6 @@ class QueueFile {
  public:
   /// Null where it can't be opened or made.
   static std::shared_ptr<QueueFile> open(const std::string& databasePath) {
-    static_assert(std::atomic<std::uint64_t>::is_always_lock_free);
     struct stat database {};
     if (::stat(databasePath.c_str(), &database) != 0) return nullptr;
     const mode_t mode = database.st_mode & 0666;
@@ -111,7 +116,7 @@ class QueueFile {
     return nullptr;
   }
   ~QueueFile() {
-    if (shared_ != nullptr) ::munmap(shared_, sizeof(Shared));
+    if (memory_ != nullptr) ::munmap(memory_, sizeof(Shared));
     // The last one takes the file away. A process that was forked has it from its parent.
     if (isUser_ && process_ == ::getpid() && set(F_WRLCK, kUsers, 1) == Locking::kDone &&
         isInPlace()) {
@@ -122,7 +127,32 @@ class QueueFile {
   QueueFile(const QueueFile&) = delete;
   QueueFile& operator=(const QueueFile&) = delete;
 
-  Shared& shared() const { return *shared_; }
+  template <typename Number = std::uint64_t>
+  Number read(std::size_t place) const noexcept {
+    Number number{};
+    if (::pread(descriptor_, &number, sizeof number, static_cast<off_t>(place)) < 0) return {};
+    return number;
+  }
+  template <typename Number>
+  bool write(std::size_t place, const Number& number) const noexcept {
+    return ::pwrite(descriptor_, &number, sizeof number, static_cast<off_t>(place)) ==
+           ssize_t{sizeof number};
+  }
+
+  /// Sleeps while the place's word is `calls`, at most for `time`.
+  void sleep(std::size_t place, std::uint32_t calls, nanoseconds time) const {
+    constexpr std::int64_t kSecond = 1'000'000'000;
+    timespec limit{};
+    limit.tv_sec = static_cast<std::time_t>(time.count() / kSecond);
+    limit.tv_nsec = time.count() % kSecond;
+    const long slept = ::syscall(SYS_futex, memory_ + place, FUTEX_WAIT, calls, &limit, nullptr, 0);
+    // The word has been cut off: nobody can wake us.
+    if (slept != 0 && errno == EFAULT) std::this_thread::sleep_for(time);
+  }
+  void wake(std::size_t place) const noexcept {
+    write(place, read<std::uint32_t>(place) + 1);
+    ::syscall(SYS_futex, memory_ + place, FUTEX_WAKE, INT_MAX, nullptr, nullptr, 0);
+  }
 
   enum class Locking : std::uint8_t { kDone, kTaken, kImpossible };
   Locking lock(std::uint64_t ticket) const noexcept { return set(F_WRLCK, ticket, 1); }
@@ -131,6 +161,16 @@ class QueueFile {
   bool isLocked(std::uint64_t first, std::uint64_t count) const {
     struct flock region = regionOf(F_WRLCK, first, count);
     return ::fcntl(descriptor_, F_OFD_GETLK, &region) == 0 && region.l_type != F_UNLCK;
+  }
+  /// The highest ticket that another session holds, or 0.
+  std::uint64_t lastLocked() const {
+    constexpr std::uint64_t kToTheEnd = 0;
+    std::uint64_t last = 0;
+    for (;;) {
+      struct flock region = regionOf(F_WRLCK, last + 1, kToTheEnd);
+      if (::fcntl(descriptor_, F_OFD_GETLK, &region) != 0 || region.l_type == F_UNLCK) return last;
+      last = static_cast<std::uint64_t>(region.l_start);
+    }
   }
 
  private:
@@ -165,7 +205,7 @@ class QueueFile {
   bool map() {
     struct stat now {};
     if (::fstat(descriptor_, &now) != 0) return false;
-    // The room is taken at once: a full disk found out later would end the process.
+    // The room is taken at once: on a disk that is full later the order stays.
     if (static_cast<std::size_t>(now.st_size) < sizeof(Shared) &&
         ::posix_fallocate(descriptor_, 0, sizeof(Shared)) != 0) {
       return false;
@@ -173,7 +213,7 @@ class QueueFile {
     void* const address =
         ::mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED, descriptor_, 0);
     if (address == MAP_FAILED) return false;
-    shared_ = static_cast<Shared*>(address);
+    memory_ = static_cast<std::byte*>(address);
     return true;
   }
   Locking set(short type, std::uint64_t first, std::uint64_t count) const noexcept {
@@ -194,7 +234,7 @@ class QueueFile {
   pid_t process_ = ::getpid();
   int descriptor_ = -1;
   bool isUser_ = false;
-  Shared* shared_ = nullptr;
+  std::byte* memory_ = nullptr;  // of the file: for the system alone
 };
 
 namespace {
@@ -221,38 +261,38 @@ WriteQueue::Answer WriteQueue::enter(milliseconds patience) {
       return answer;
     }
   }
-  Shared& shared = file_->shared();
   const std::uint64_t us = thisThread();
-  shared.holder = ticket_;
-  shared.holderThread = us;
+  file_->write(kHolder, std::array{ticket_, us});
   std::erase_if(heldHere, [this, us](const std::weak_ptr<QueueFile>& each) {
     const auto held = each.lock();
-    return !held || held == file_ || held->shared().holderThread != us;
+    return !held || held == file_ || held->read(kHolderThread) != us;
   });
   heldHere.push_back(file_);
   return Answer::kFirst;
 }
 
 bool WriteQueue::takeTicket() {
-  Shared& shared = file_->shared();
   for (int tries = 1;; ++tries) {
-    std::uint64_t last = shared.given;
-    if (last >= kLastTicket) {
-      // Nobody comes so far: somebody wrote into the file.
-      shared.given.compare_exchange_strong(last, 0);
-      continue;
-    }
+    const std::uint64_t given = file_->read(kGiven);
+    // Nobody comes so far: the file is new, or somebody wrote into it or cut it short.
+    const bool isKnown = given != 0 && given < kLastTicket;
+    const std::uint64_t last = isKnown ? given : file_->lastLocked();
     const QueueFile::Locking locking = file_->lock(last + 1);
     if (locking == QueueFile::Locking::kImpossible) return false;
     if (locking == QueueFile::Locking::kDone) {
-      if (shared.given.compare_exchange_strong(last, last + 1)) {
+      // Whoever gives a number holds its lock: nobody else gives this one.
+      if (file_->read(kGiven) == given) {
+        if (!file_->write(kGiven, last + 1)) {
+          file_->unlock(last + 1);
+          return false;
+        }
         ticket_ = last + 1;
         return true;
       }
       file_->unlock(last + 1);
     } else if (tries % kTries == 0) {
       // Nobody takes a number for so long: the count was put back by somebody, and this one waits.
-      shared.given.compare_exchange_strong(last, last + 1);
+      file_->write(kGiven, file_->lastLocked());
     } else {
       ::sched_yield();
     }
@@ -260,33 +300,31 @@ bool WriteQueue::takeTicket() {
 }
 
 bool WriteQueue::isFirst() const {
-  return ticket_ == 1 || file_->shared().served == ticket_ - 1 || !file_->isLocked(1, ticket_ - 1);
+  return ticket_ == 1 || file_->read(kServed) == ticket_ - 1 || !file_->isLocked(1, ticket_ - 1);
 }
 
 WriteQueue::Answer WriteQueue::wait(milliseconds patience) {
-  Shared& shared = file_->shared();
-  Shared::Place& place = shared.place(ticket_);
+  const std::size_t place = placeOf(ticket_);
   const std::uint64_t us = thisThread();
-  place.thread = us;
-  place.ticket = ticket_;
-  std::uint64_t served = shared.served;
+  file_->write(place + offsetof(Shared::Place, ticket), std::array{ticket_, us});
+  std::uint64_t served = file_->read(kServed);
   auto until = steady_clock::now() + patience;
   for (;;) {
-    const std::uint32_t calls = place.calls;
+    const auto calls = file_->read<std::uint32_t>(place);
     if (isFirst()) break;
-    const std::uint64_t holder = shared.holderThread;
-    if (holder == us) return Answer::kOwnThread;
+    const auto turn = file_->read<Shared::Turn>(kServed);
+    if (turn.holderThread == us) return Answer::kOwnThread;
     // Both of a circle see it; one is enough to break it.
-    if (holder > us && waitsForUs(holder, us)) return Answer::kCircle;
+    if (turn.holderThread > us && waitsForUs(turn.holderThread, us)) return Answer::kCircle;
     const auto now = steady_clock::now();
-    if (const std::uint64_t moved = shared.served; moved != served) {
-      served = moved;
+    if (turn.served != served) {
+      served = turn.served;
       until = now + patience;
     }
     if (now >= until) return Answer::kTooLong;
-    sleepOn(place.calls, calls, std::min<nanoseconds>(kLook, until - now));
+    file_->sleep(place, calls, std::min<nanoseconds>(kLook, until - now));
   }
-  place.ticket = 0;
+  leavePlace();
   return Answer::kFirst;
 }
 
@@ -294,19 +332,24 @@ WriteQueue::Answer WriteQueue::wait(milliseconds patience) {
 bool WriteQueue::waitsForUs(std::uint64_t holder, std::uint64_t us) const {
   for (const std::weak_ptr<QueueFile>& each : heldHere) {
     const auto held = each.lock();
-    if (!held || held == file_ || held->shared().holderThread != us) continue;
-    for (const Shared::Place& place : held->shared().places) {
-      const std::uint64_t ticket = place.ticket;
-      if (ticket != 0 && place.thread == holder && held->isLocked(ticket, 1)) return true;
+    if (!held || held == file_ || held->read(kHolderThread) != us) continue;
+    for (const Shared::Place& place : held->read<Shared::Places>(kAllPlaces)) {
+      if (place.ticket != 0 && place.thread == holder && held->isLocked(place.ticket, 1)) {
+        return true;
+      }
     }
   }
   return false;
 }
 
+/// Another ticket may have come to our place.
+void WriteQueue::leavePlace() noexcept {
+  const std::size_t ticket = placeOf(ticket_) + offsetof(Shared::Place, ticket);
+  if (file_->read(ticket) == ticket_) file_->write(ticket, std::uint64_t{0});
+}
+
 void WriteQueue::giveUp() noexcept {
-  Shared::Place& place = file_->shared().place(ticket_);
-  std::uint64_t own = ticket_;
-  place.ticket.compare_exchange_strong(own, 0);
+  leavePlace();
   file_->unlock(ticket_);
   wakeNext();
   ticket_ = 0;
@@ -314,10 +357,7 @@ void WriteQueue::giveUp() noexcept {
 
 void WriteQueue::leave() noexcept {
   if (ticket_ == 0) return;
-  Shared& shared = file_->shared();
-  std::uint64_t own = ticket_;
-  if (shared.holder.compare_exchange_strong(own, 0)) shared.holderThread = 0;
-  shared.served = ticket_;
+  file_->write(kServed, Shared::Turn{ticket_, 0, 0});
   file_->unlock(ticket_);
   wakeNext();
   ticket_ = 0;
@@ -325,12 +365,11 @@ void WriteQueue::leave() noexcept {
 
 /// The nearest waiter behind us; who gave up in between has no ticket in its place any more.
 void WriteQueue::wakeNext() noexcept {
-  Shared& shared = file_->shared();
-  const std::uint64_t last = std::min(shared.given.load(), ticket_ + kPlaces);
+  const std::uint64_t last = std::min(file_->read(kGiven), ticket_ + kPlaces);
   for (std::uint64_t ticket = ticket_ + 1; ticket <= last; ++ticket) {
-    Shared::Place& place = shared.place(ticket);
-    if (place.ticket != ticket) continue;
-    wake(place.calls);
+    const std::size_t place = placeOf(ticket);
+    if (file_->read(place + offsetof(Shared::Place, ticket)) != ticket) continue;
+    file_->wake(place);
     return;
   }
 }

@@ -20,7 +20,8 @@ class QueueFile;
 /// engine's own files do; what a killed program leaves is taken up by the next. Each place is a
 /// ticket: a number and a lock on the byte of that number. Locks belong to the open file, so they
 /// end with a process that is killed, waiting or writing, and those behind it move up. A place is
-/// held by whoever is at its head until leave(); any thread may call that.
+/// held by whoever is at its head until leave(); any thread may call that. Whatever others do to
+/// the file, fill it, cut it short or take it away, costs the order and nothing else.
 class WriteQueue {
  public:
   enum class Answer : std::uint8_t {
@@ -46,6 +47,7 @@ class WriteQueue {
   bool takeTicket();
   bool isFirst() const;
   bool waitsForUs(std::uint64_t holder, std::uint64_t us) const;
+  void leavePlace() noexcept;
   void giveUp() noexcept;
   void wakeNext() noexcept;
 
