@@ -354,6 +354,7 @@ TEST(XmlHostile, EverythingThatIsNoRecordSetIsRefused) {
       document(field("s", "dt:type='string'"), "<z:row s='\xff'/>")};
   for (const std::string& text : texts) {
     EXPECT_EQ(raisedBy([&] { Recordset::LoadXml(text); }), 3001) << text;
+    EXPECT_THAT(sentenceOf([&] { Recordset::LoadXml(text); }), HasSubstr(" at line ")) << text;
   }
 }
 
@@ -384,6 +385,39 @@ TEST_F(Xml, EveryTruncationIsAnErrorOrALoad) {
     const std::int32_t number = raisedBy([&] { Recordset::LoadXml(xml.substr(0, length)); });
     EXPECT_TRUE(number == 3001 || number == 0) << length;
   }
+}
+
+TEST_F(Xml, EveryTruncationTellsItsLineAndColumn) {
+  const auto set = openBanks();
+  set->Update({"Descripcion"}, {"Crédito"});
+  set->AddNew({"Codigo"}, {"009"});
+  const std::string xml = set->SaveXml();
+  std::string utf16 = "\xFF\xFE";
+  for (const char c : xml) {
+    if (static_cast<unsigned char>(c) >= 0x80) continue;
+    utf16 += c;
+    utf16 += '\0';
+  }
+  for (const std::string& whole : {xml, utf16}) {
+    // Behind the root's end there are blanks at most.
+    for (std::size_t length = 0; length + 8 < whole.size(); ++length) {
+      const std::string sentence =
+          sentenceOf([&] { Recordset::LoadXml(std::string_view(whole).substr(0, length)); });
+      EXPECT_THAT(sentence, testing::ContainsRegex("at line [0-9]+, column [0-9]+")) << length;
+    }
+  }
+}
+
+TEST(XmlHostile, APlaceInUtf16IsThatOfTheText) {
+  const std::string text = "<xml>\n<\xC3\xB1/>\n </no></xml>";
+  std::string utf16 = "\xFE\xFF";
+  for (const char16_t c : std::u16string(u"<xml>\n<ñ/>\n </no></xml>")) {
+    utf16 += static_cast<char>(c >> 8);
+    utf16 += static_cast<char>(c & 0xFF);
+  }
+  const std::string place = sentenceOf([&] { Recordset::LoadXml(text); });
+  EXPECT_THAT(place, HasSubstr("line 3, column 4"));
+  EXPECT_EQ(sentenceOf([&] { Recordset::LoadXml(utf16); }), place);
 }
 
 TEST_F(Xml, EveryChangedByteIsAnErrorOrALoad) {

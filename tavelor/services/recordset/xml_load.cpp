@@ -24,6 +24,49 @@ using Row = RecordsetStore::Row;
 constexpr std::string_view kSource = "Recordset.LoadXml";
 constexpr std::size_t kMaxColumns = 4096;
 
+void appendUtf8(std::string& text, char32_t c) {
+  const auto append = [&](char32_t bits) { text += static_cast<char>(bits); };
+  if (c < 0x80) return append(c);
+  if (c < 0x800) {
+    append(0xC0 | c >> 6);
+  } else if (c < 0x10000) {
+    append(0xE0 | c >> 12);
+    append(0x80 | (c >> 6 & 0x3F));
+  } else {
+    append(0xF0 | c >> 18);
+    append(0x80 | (c >> 12 & 0x3F));
+    append(0x80 | (c >> 6 & 0x3F));
+  }
+  append(0x80 | (c & 0x3F));
+}
+
+/// A text in UTF-16 with its mark, for places are counted in the text that is parsed; "" for any
+/// other. Half of a pair reads as U+FFFD.
+std::string fromUtf16(std::string_view bytes) {
+  const bool bigEndian = bytes.starts_with("\xFE\xFF");
+  if (!bigEndian && !bytes.starts_with("\xFF\xFE")) return {};
+  const auto unitAt = [&](std::size_t i) -> char32_t {
+    const auto first = static_cast<unsigned char>(bytes[i]);
+    const auto second = static_cast<unsigned char>(bytes[i + 1]);
+    return static_cast<char32_t>(bigEndian ? first << 8 | second : second << 8 | first);
+  };
+  const auto isHalf = [](char32_t unit, char32_t first) { return (unit & 0xFC00U) == first; };
+  constexpr char32_t kHigh = 0xD800;
+  constexpr char32_t kLow = 0xDC00;
+  std::string text;
+  for (std::size_t i = 2; i + 1 < bytes.size(); i += 2) {
+    char32_t c = unitAt(i);
+    if (isHalf(c, kHigh) && i + 3 < bytes.size() && isHalf(unitAt(i + 2), kLow)) {
+      i += 2;
+      c = 0x10000 + ((c & 0x3FFU) << 10) + (unitAt(i) & 0x3FFU);
+    } else if (isHalf(c, kHigh) || isHalf(c, kLow)) {
+      c = 0xFFFD;
+    }
+    appendUtf8(text, c);
+  }
+  return text;
+}
+
 class XmlReader {
  public:
   explicit XmlReader(std::string_view text) : text_(text) {}
@@ -64,10 +107,10 @@ bool isTrue(const pugi::xml_attribute& attribute) {
 
 void XmlReader::fail(std::string_view what, std::ptrdiff_t offset) const {
   std::string detail = "The XML of the record set does not read: " + std::string(what);
-  if (offset >= 0 && static_cast<std::size_t>(offset) <= text_.size()) {
-    const TextPlace place = placeOf(text_, offset);
-    detail += " at line " + std::to_string(place.line) + ", column " + std::to_string(place.column);
-  }
+  // Of a text that ends too soon the parser may tell a place behind its end.
+  const auto end = static_cast<std::ptrdiff_t>(text_.size());
+  const TextPlace place = placeOf(text_, std::clamp<std::ptrdiff_t>(offset, 0, end));
+  detail += " at line " + std::to_string(place.line) + ", column " + std::to_string(place.column);
   raise(errors::kInvalidArgument, kSource, detail);
 }
 
@@ -280,7 +323,8 @@ std::string readFile(const std::string& path) {
 
 RecordsetPtr Recordset::LoadXml(std::string_view xml, const std::shared_ptr<const Locale>& locale) {
   auto set = std::make_shared<Recordset>();
-  set->attach(XmlReader(xml).read(locale));
+  const std::string converted = fromUtf16(xml);
+  set->attach(XmlReader(converted.empty() ? xml : converted).read(locale));
   set->rebuildView();
   set->standOnFirst();
   return set;
