@@ -7,6 +7,8 @@
 
 #include "tavelor/frame/reading.hpp"
 #include "tavelor/platform/quotes.hpp"
+#include "tavelor/platform/statement.hpp"
+#include "tavelor/services/data_session.hpp"
 
 namespace tavelor::tools {
 
@@ -15,7 +17,7 @@ namespace {
 using enum FieldKind;
 using enum FieldUse;
 
-constexpr std::array<ImportField, 15> kFields = {{{"Codigo"},
+constexpr std::array<ImportField, 16> kFields = {{{"Codigo"},
                                                   {"Descripcion"},
                                                   {"Seccion"},
                                                   {"Familia"},
@@ -28,6 +30,7 @@ constexpr std::array<ImportField, 15> kFields = {{{"Codigo"},
                                                   {"Existencia", kNumber, kForNew},
                                                   {"Lotes", kFlag, kForNew},
                                                   {"Actualizar_Stock", kFlag, kForNew},
+                                                  {"Restar_Stock", kFlag, kForNew},
                                                   {"Activo", kFlag},
                                                   {"Lista", kWord}}};
 
@@ -66,6 +69,12 @@ void ArticleImport::insert(const Record& record) {
                                 .dDto_D = number(ArticleField::kDiscount),
                                 .objCn = connection()};
   articles_.Insertar(alta);
+  // Where stock is kept sales take it off, unless the file says otherwise. No member writes it.
+  if (flag(ArticleField::kSoldFromStock, flag(ArticleField::kKeepsStock))) {
+    Statement statement("UPDATE Articulos SET Restar_Stock = True WHERE Codigo = '");
+    statement << value(doubledQuotes(record.key)) << "'";
+    DataSession().Execute(selector::kMain, statement, connection());
+  }
   if (alta.bDto) return;
   // A new article admits a discount whatever it is told; only rewriting it takes that away.
   update({.vId = alta.vId,

@@ -22,12 +22,13 @@ enum class ArticleField : std::uint8_t {
   kStock,
   kByLot,
   kKeepsStock,
+  kSoldFromStock,
   kActive,
   kList,
 };
 
-/// The tax of an article that is there, its stock and the two flags of it are never rewritten, and
-/// one that is rewritten gets its code as its reference.
+/// The tax of an article that is there, its stock and the three flags of it are never rewritten,
+/// and one that is rewritten gets its code as its reference.
 class ArticleImport final : public RowImport {
  public:
   static const ImportTable kTable;

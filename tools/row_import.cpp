@@ -3,24 +3,18 @@
 #include "tools/row_import.hpp"
 
 #include <algorithm>
-#include <cmath>
 #include <functional>
 
 #include <fmt/format.h>
 
 #include "tavelor/frame/class_info.hpp"
 #include "tavelor/frame/reading.hpp"
-#include "tavelor/platform/currency.hpp"
 #include "tavelor/platform/error.hpp"
-#include "tavelor/platform/locale.hpp"
-#include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/data_session.hpp"
-#include "tools/output.hpp"
 #include "tools/shop/both_databases.hpp"
-#include "tools/typed_number.hpp"
 
 namespace tavelor::tools {
 
@@ -39,35 +33,6 @@ bool isOfTheRow(std::int32_t number) {
     default:
       return false;
   }
-}
-
-std::optional<bool> flagIn(std::string_view text, const Locale& numbers) {
-  for (const std::string_view word : {"true", "yes", "sí", "si", "verdadero"}) {
-    if (text::equalsIgnoreCase(text, word)) return true;
-  }
-  for (const std::string_view word : {"false", "no", "falso"}) {
-    if (text::equalsIgnoreCase(text, word)) return false;
-  }
-  const std::optional<double> number = parseNumber(text, numbers);
-  return number ? std::optional(*number != 0) : std::nullopt;
-}
-
-std::optional<double> numberIn(std::string_view text, const Locale& numbers) {
-  return groupsFit(text, numbers) ? parseNumber(text, numbers) : std::nullopt;
-}
-
-/// To the digits that are printed, so that the same row compares equal the next time.
-std::optional<double> printedNumber(std::string_view text, const Locale& numbers) {
-  const std::optional<double> read = numberIn(text, numbers);
-  return read ? parseNumber(plainNumber(*read, numbers), numbers) : read;
-}
-
-/// To the four decimals that are kept, so that the same row compares equal the next time.
-std::optional<double> moneyIn(std::string_view text, const Locale& numbers) {
-  constexpr double kMost = 9e14;
-  const std::optional<double> amount = numberIn(text, numbers);
-  if (!amount || std::abs(*amount) > kMost) return std::nullopt;
-  return Currency::fromDouble(*amount).toDouble();
 }
 
 bool isText(FieldKind kind) {
@@ -137,42 +102,7 @@ void RowImport::taken(const Record& /*record*/, Recordset* /*before*/) {}
 
 std::string RowImport::faultOf(std::size_t field, std::string_view what,
                                std::string_view text) const {
-  return fmt::format("{} is {}: {}", table_.fields[field].name, what,
-                     printable(text::left(text, 40)));
-}
-
-std::string RowImport::readField(std::string_view text, std::size_t field, FieldValue& to) const {
-  const FieldKind kind = table_.fields[field].kind;
-  if (text.empty() && kind != FieldKind::kText) return {};
-  const Locale& numbers = *setup_.numbers;
-  const auto take = [&](const auto& value, std::string_view what) -> std::string {
-    if (value) {
-      to = *value;
-      return {};
-    }
-    const std::string_view sign = groupsFit(text, numbers) ? ""
-                                  : numbers.decimal == "," ? " with a decimal comma"
-                                                           : " with a decimal point";
-    return faultOf(field, fmt::format("{}{}", what, sign), text);
-  };
-  switch (kind) {
-    case FieldKind::kText:
-    case FieldKind::kWord:
-      to = text;
-      return {};
-    case FieldKind::kNumber:
-      return take(printedNumber(text, numbers), "no number");
-    case FieldKind::kPercent: {
-      const std::optional<double> percent = printedNumber(text, numbers);
-      const bool isOutside = percent && !(*percent >= 0 && *percent <= 100);
-      return take(isOutside ? std::nullopt : percent, isOutside ? "no percentage" : "no number");
-    }
-    case FieldKind::kMoney:
-      return take(moneyIn(text, numbers), "no amount");
-    case FieldKind::kFlag:
-      return take(flagIn(text, numbers), "no flag");
-  }
-  return {};
+  return fieldFault(table_.fields[field], what, text);
 }
 
 std::string RowImport::read(const CsvFile::Row& row, Record& record) {
@@ -187,10 +117,9 @@ std::string RowImport::read(const CsvFile::Row& row, Record& record) {
   for (std::size_t field = 0; field < table_.fields.size(); ++field) {
     const FieldSource& source = setup_.sources[field];
     if (!source.given) continue;
-    const std::string& text = source.column ? row.fields[*source.column] : source.constant;
-    if (std::string fault = readField(text, field, record.values[field]); !fault.empty()) {
-      return fault;
-    }
+    std::string fault = readField(table_.fields[field], source.in(row.fields), *setup_.numbers,
+                                  record.values[field]);
+    if (!fault.empty()) return fault;
   }
   try {
     return check(record);
@@ -300,6 +229,11 @@ bool RowImport::differs(const Record& record, std::size_t field, Recordset& rows
       bool old = false;
       tavelor::take(rows, column, old);
       return record.flag(field) != old;
+    }
+    case FieldKind::kDay: {
+      double old = 0;
+      tavelor::take(rows, column, old);
+      return record.day(field).value_or(Date()).days() != old;
     }
     default: {
       double old = 0;

@@ -5,62 +5,19 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <variant>
 #include <vector>
 
 #include "tavelor/services/recordset/connection.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 #include "tools/csv_file.hpp"
+#include "tools/fields.hpp"
 #include "tools/refusals.hpp"
 
-namespace tavelor {
-struct Locale;
-}
-
 namespace tavelor::tools {
-
-/// How the text of a field is read. An empty number, flag or word says nothing; an empty text is
-/// one.
-enum class FieldKind : std::uint8_t {
-  kText,
-  kWord,     ///< a text that is something: a code, a letter, a word of a list
-  kNumber,   ///< to the digits that are printed
-  kPercent,  ///< a number from 0 to 100
-  kMoney,    ///< to four decimals
-  kFlag,
-};
-
-enum class FieldUse : std::uint8_t {
-  kAlways,
-  kForNew,   ///< only a new row takes it
-  kDerived,  ///< no file gives it: it follows from others
-};
-
-/// A field of an import; its name is that of the column.
-struct ImportField {
-  std::string_view name;
-  FieldKind kind = FieldKind::kText;
-  FieldUse use = FieldUse::kAlways;
-};
-
-/// What rows are taken into. The first field is the key, a text.
-struct ImportTable {
-  std::string_view name;
-  std::string_view what;  ///< "articles"
-  std::span<const ImportField> fields;
-};
-
-/// Where a field's value comes from: a column of the file, one text for all rows, or nowhere.
-struct FieldSource {
-  std::optional<std::size_t> column;
-  std::string constant;
-  bool given = false;
-};
 
 /// Where rows come from, and how they are read.
 struct ImportSetup {
@@ -79,9 +36,10 @@ struct ImportCounts {
   std::uint64_t total() const { return added + changed + same + refused; }
 };
 
-/// Takes rows in batches, each in a transaction of its own. A field that no source gives keeps its
-/// value in a row that is there. A row that says what is stored is not written, so the same file
-/// can be taken again after whatever ended the first time.
+/// Takes rows in batches, each in a transaction of its own. The first field of the table is the
+/// key, a text. A field that no source gives keeps its value in a row that is there. A row that
+/// says what is stored is not written, so the same file can be taken again after whatever ended the
+/// first time.
 ///
 /// A row is refused for its own faults, and nothing of it is written: no key, a key that the file
 /// had before, a text that does not fit or is no number. Any other error undoes the batch and
@@ -102,31 +60,9 @@ class RowImport {
   const std::vector<Refusal>& refusals() const { return refusals_; }
 
  protected:
-  /// A text is that of the file's row, or one that check() has made of it.
-  using FieldValue = std::variant<std::monostate, std::string_view, double, bool, std::string>;
-
-  /// A row's values; what it does not tell is nothing.
-  struct Record {
+  struct Record : FieldValues {
     std::uint64_t line = 0;
     std::string_view key;
-    std::vector<FieldValue> values;
-
-    bool has(std::size_t field) const { return values[field].index() != 0; }
-    std::string_view text(std::size_t field, std::string_view otherwise = {}) const {
-      const auto* const made = std::get_if<std::string>(&values[field]);
-      return made != nullptr ? *made : valueOr(field, otherwise);
-    }
-    double number(std::size_t field, double otherwise = 0) const {
-      return valueOr(field, otherwise);
-    }
-    bool flag(std::size_t field, bool otherwise = false) const { return valueOr(field, otherwise); }
-
-   private:
-    template <typename T>
-    T valueOr(std::size_t field, T otherwise) const {
-      const T* const value = std::get_if<T>(&values[field]);
-      return value != nullptr ? *value : otherwise;
-    }
   };
 
   RowImport(const ImportTable& table, ImportSetup setup);
@@ -152,7 +88,6 @@ class RowImport {
   struct Stored;
 
   std::string read(const CsvFile::Row& row, Record& record);
-  std::string readField(std::string_view text, std::size_t field, FieldValue& to) const;
   std::vector<Record> readBatch(const std::vector<CsvFile::Row>& rows, std::size_t count);
   Stored stored(const std::vector<Record>& batch);
   void write(const Record& record, const Stored& before);
