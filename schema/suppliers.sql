@@ -75,3 +75,5 @@ CREATE TABLE Proveedores_Apuntes_Contables (
 -- With what a balance adds up: the sums before an entry are made without a look at the rows.
 CREATE INDEX IX_Proveedores_Apuntes_Saldo ON Proveedores_Apuntes_Contables (Codigo, Fecha, Id, Debe, Haber);
 CREATE INDEX IX_Proveedores_Apuntes_Documento ON Proveedores_Apuntes_Contables (Documento_E, Estado);
+-- A delivery is known by its supplier and the number of its note, which its entry tells.
+CREATE INDEX IX_Proveedores_Apuntes_Concepto ON Proveedores_Apuntes_Contables (Codigo, Concepto);

@@ -44,6 +44,7 @@ void addEdit(CLI::App& app, Common& common);
 void addPeriod(CLI::App& app, Common& common);
 void addDay(CLI::App& app, Common& common);
 void addTicket(CLI::App& app, Common& common);
+void addReceive(CLI::App& app, Common& common);
 void addRecover(CLI::App& app, Common& common);
 void addAccount(CLI::App& app, Common& common);
 void addAgenda(CLI::App& app, Common& common);

@@ -65,6 +65,7 @@ void addCommands(CLI::App& app, Common& common) {
   addPeriod(app, common);
   addDay(app, common);
   addTicket(app, common);
+  addReceive(app, common);
   addRecover(app, common);
   addAccount(app, common);
   addAgenda(app, common);

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# The main job, a day at the till, in a shop that stays in build/demo until the next time. Called by
-# scripts/demo once the command is built.
+# The main job, a shop's day, in a shop that stays in build/demo until the next time: goods come in,
+# are sold, the tills are closed. Called by scripts/demo once the command is built.
 source "$(dirname "$0")/common.sh"
 
 program=${TAVELOR:-build/release/tools/tavelor}
@@ -29,6 +29,33 @@ tavelor() {
 tell "An installation is one folder, with what a shop needs on its first day."
 tavelor new "$TAVELOR_HOME"
 tavelor seed "$TAVELOR_HOME"
+
+tell "Articles and suppliers from files, and goods from them: stock, lots, costs, and what is owed."
+cat >"$folder/articles.csv" <<'END'
+Codigo,Descripcion,Familia,Tarifa_A,Impuesto,Actualizar_Stock,Lotes
+PAN001,Barra de pan,Panadería,"0,95",3,1,0
+PAN002,Pan de pueblo 500 g,Panadería,"1,85",3,1,0
+BEB001,"Agua mineral 1,5 l",Bebidas,"0,65",2,1,0
+CON001,Conserva de atún,Despensa,"4,50",2,1,1
+END
+cat >"$folder/suppliers.csv" <<'END'
+Codigo,Razon_Social,NIF,Forma_Pago
+400,Forn L'Espiga SL,b-12345674,transferencia
+401,Conserves del Nord SA,A12345674,crédito
+END
+cat >"$folder/deliveries.csv" <<'END'
+Proveedor,Albaran,Fecha,Codigo,Cantidad,Precio,Descuento,Lote,Caduca
+400,A-1107,2025-11-19,PAN001,300,"0,42",,,
+400,A-1107,2025-11-19,PAN002,60,"0,90",10,,
+401,88/25,2025-11-19,BEB001,120,"0,21",,,
+401,88/25,2025-11-19,CON001,48,"2,35",,L5523,2028-05-31
+401,89/25,2025-11-19,BEB001,0,"0,21",,,
+END
+tavelor import articles "$folder/articles.csv"
+tavelor import suppliers "$folder/suppliers.csv"
+tavelor receive "$folder/deliveries.csv" || true
+tavelor receive "$folder/deliveries.csv" | sed -n '1p;/deliveries:/p' || true
+tavelor account 401 --supplier
 
 tell "A day at three tills: every sale moves its stock, every till is closed, nothing is missing."
 tavelor day "$TAVELOR_HOME"
@@ -61,6 +88,13 @@ tavelor day "$TAVELOR_HOME" --sales "$folder/credit.csv" --tills 04 | sed -n '1,
 tavelor call ClsClientesApuntesConta Insertar A 0012 25/11/2025 Transferencia H 0 5 2 1
 tavelor account 0012
 tavelor account --check
+
+tell "The agenda of a day, with what shares a box."
+for appointment in '9:00 0012 "Obras del Sur" Presupuesto 001 "Marta Gil" 2' \
+  '9:00 0013 "Núria" "" 002 "Joan Ros" 2' '17:30 0014 "Bar Central" Entrega 001 "Marta Gil" 1'; do
+  eval "tavelor call ClsCitas Insertar 21/11/2025 $appointment Visita" >/dev/null
+done
+tavelor agenda 2025-11-21
 
 tell "Any class, any member, by name. A value can break its statement, and do nothing else."
 tavelor call ClsCierres SaldoAnterior "20/11/2026" 01 "" "" 0

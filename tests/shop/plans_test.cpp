@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
-// A sale, a closing, the day's page and its reconciliation find their rows by indexes, so that they
-// do not get slower with the years.
+// A sale, a delivery, a closing, the day's page and its reconciliation find their rows by indexes,
+// so that they do not get slower with the years.
 #include <set>
 
 #include <gtest/gtest.h>
 
+#include "tavelor/frame/class_info.hpp"
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/dialect/dialect.hpp"
@@ -13,9 +14,11 @@
 #include "tests/support/shop.hpp"
 #include "tools/shop/built_in_day.hpp"
 #include "tools/shop/day_page.hpp"
+#include "tools/shop/receiving.hpp"
 #include "tools/shop/reconciliation.hpp"
 #include "tools/shop/seed.hpp"
 #include "tools/shop/shop.hpp"
+#include "tools/shop/suppliers.hpp"
 
 namespace tavelor::shop {
 namespace {
@@ -82,6 +85,25 @@ TEST_F(ShopPlansTest, ADayFindsItsRowsWhateverTheYearsHold) {
   writeDayPage(day.front().day, day.front().day);
   expectNoScans();
   reconciliation.compare();
+  expectNoScans();
+}
+
+TEST_F(ShopPlansTest, ADeliveryFindsItsRowsWhateverTheYearsHold) {
+  clsArticulos().Insertar({.vId = "A", .bLotes = -1, .bStock = -1, .bActivo = true});
+  ConnectionPtr connection = DataSession().OpenConnection(selector::kMain);
+  makeSupplier("400", "Supplier", connection);
+  Receiving receiving;
+  Delivery delivery{.supplier = "400", .note = "1", .day = Date::of(2025, 3, 4), .lines = {}};
+  delivery.lines.push_back({.code = "A", .quantity = 2, .price = 3, .lot = "L1"});
+  delivery.lines.back().expires = delivery.day;
+  ran_.clear();
+  for (const char* note : {"1", "2", "1"}) {
+    delivery.note = note;
+    EXPECT_NE(receiving.receive(delivery).outcome, Receipt::Outcome::kRefused);
+  }
+  clsArticulos().ActualizarStock_Pedido("A", 5.0, 0.0);
+  delivery.note = "3";
+  receiving.receive(delivery);
   expectNoScans();
 }
 

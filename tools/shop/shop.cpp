@@ -20,9 +20,7 @@ namespace tavelor::shop {
 
 namespace {
 
-constexpr std::string_view kWarehouse = "001";
 constexpr std::string_view kTariff = "A";
-constexpr std::string_view kNoLot = "0";
 
 /// Of "10:32"; midnight for another text.
 Date timeOf(const std::string& text) {

@@ -22,6 +22,8 @@
 namespace tavelor::shop {
 
 inline constexpr std::string_view kSeries = "A";
+inline constexpr std::string_view kWarehouse = "001";
+inline constexpr std::string_view kNoLot = "0";
 inline constexpr std::string_view kNobody = "";  // tickets without an employee
 
 /// A whole number as a statement writes it.

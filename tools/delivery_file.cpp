@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: MIT
+// Puts the lines of a file together that belong to one delivery.
+#include "tools/delivery_file.hpp"
+
+#include <algorithm>
+#include <array>
+#include <functional>
+
+#include <fmt/format.h>
+
+#include "tavelor/platform/text.hpp"
+#include "tools/shop/sale.hpp"
+
+namespace tavelor::tools {
+
+namespace {
+
+using enum FieldKind;
+
+/// Places in kFields.
+enum Place : std::size_t {
+  kSupplier,
+  kNote,
+  kDate,
+  kCode,
+  kQuantity,
+  kPrice,
+  kDiscount,
+  kWarehouse,
+  kLot,
+  kExpires,
+};
+
+constexpr std::array<ImportField, 10> kFields = {{{"Proveedor", kWord},
+                                                  {"Albaran", kWord},
+                                                  {"Fecha", kDay},
+                                                  {"Codigo", kWord},
+                                                  {"Cantidad", kNumber},
+                                                  {"Precio", kMoney},
+                                                  {"Descuento", kPercent},
+                                                  {"Almacen", kWord},
+                                                  {"Lote", kWord},
+                                                  {"Caduca", kDay}}};
+constexpr std::array<std::size_t, 6> kSaid = {kSupplier, kNote, kDate, kCode, kQuantity, kPrice};
+
+std::string nameOf(std::string_view supplier, std::string_view note) {
+  return fmt::format("{} {}", supplier, note);
+}
+
+}  // namespace
+
+const ImportTable DeliveryFile::kTable = {"", "deliveries", kFields};
+const std::span<const std::size_t> DeliveryFile::kNeeded = kSaid;
+
+DeliveryFile::DeliveryFile(Setup setup) : setup_(std::move(setup)) {
+  file_.emplace(setup_.path, setup_.separator);
+  survey();
+  file_.emplace(setup_.path, setup_.separator);
+  if (homeless_.empty()) hasRow_ = advance();
+}
+
+/// To the next row that says anything.
+bool DeliveryFile::advance() {
+  const auto isBlank = [](const std::string& text) { return text::trim(text).empty(); };
+  while (file_->next(row_)) {
+    if (!std::all_of(row_.fields.begin(), row_.fields.end(), isBlank)) return true;
+  }
+  return false;
+}
+
+/// Without the blanks around it; "" where the row ends before it.
+std::string_view DeliveryFile::field(std::size_t field) const {
+  const FieldSource& source = setup_.sources[field];
+  if (!source.given) return {};
+  if (source.column && *source.column >= row_.fields.size()) return {};
+  return text::trim(source.in(row_.fields));
+}
+
+/// "" for a row that does not say which delivery it belongs to.
+std::string DeliveryFile::keyOfRow() const {
+  const std::string_view supplier = field(kSupplier);
+  const std::string_view note = field(kNote);
+  if (supplier.empty() || note.empty()) return {};
+  return fmt::format("{}\n{}", supplier, note);
+}
+
+/// Everything is read once: which deliveries there are, and whether their lines lie together.
+void DeliveryFile::survey() {
+  std::string key;
+  Seen* open = nullptr;
+  Seen again;  // of a delivery that was there before
+  const auto complete = [&] {
+    if (open != nullptr && again.line != 0 && again.content != open->content) {
+      open->apart = again.line;
+    }
+  };
+  while (advance()) {
+    ++lines_;
+    const std::string next = keyOfRow();
+    if (next.empty()) {
+      homeless_.push_back({row_.line, std::string(field(kNote)),
+                           "there is no Proveedor or no Albaran: the line may belong to any "
+                           "delivery"});
+      continue;
+    }
+    if (next != key) {
+      complete();
+      key = next;
+      ++deliveries_;
+      const auto [seen, isNew] = seen_.try_emplace(key, Seen{.line = row_.line});
+      open = &seen->second;
+      again = isNew ? Seen() : Seen{.line = row_.line};
+    }
+    std::size_t& content = again.line != 0 ? again.content : open->content;
+    for (const std::string& each : row_.fields) {
+      content = content * 1000003 + std::hash<std::string_view>()(text::trim(each));
+    }
+  }
+  complete();
+}
+
+bool DeliveryFile::next(Entry& entry) {
+  if (!hasRow_) return false;
+  entry = {};
+  entry.line = row_.line;
+  const std::string key = keyOfRow();
+  const Seen& seen = seen_.at(key);
+  do {
+    takeRow(entry);
+    hasRow_ = advance();
+  } while (hasRow_ && keyOfRow() == key);
+  const std::string name = nameOf(entry.delivery.supplier, entry.delivery.note);
+  if (seen.apart != 0) {
+    const std::uint64_t other = entry.line == seen.line ? seen.apart : seen.line;
+    entry.faults.push_back(
+        {entry.line, name, fmt::format("line {} has other lines of this delivery", other)});
+  } else if (seen.line != entry.line) {
+    entry.earlier = seen.line;
+  }
+  return true;
+}
+
+void DeliveryFile::takeRow(Entry& entry) {
+  std::string fault = readRow(entry.delivery, entry.lines == 0);
+  ++entry.lines;
+  if (fault.empty()) return;
+  entry.faults.push_back({row_.line, nameOf(field(kSupplier), field(kNote)), std::move(fault)});
+}
+
+/// Adds the row to the delivery, or says what is wrong with it.
+std::string DeliveryFile::readRow(shop::Delivery& delivery, bool isFirst) {
+  if (isFirst) {
+    delivery.supplier = field(kSupplier);
+    delivery.note = field(kNote);
+  }
+  const std::size_t columns = file_->columns().size();
+  if (row_.fields.size() != columns) {
+    return fmt::format("{} fields where the first row has {}", row_.fields.size(), columns);
+  }
+  FieldValues read;
+  read.values.resize(kFields.size());
+  for (std::size_t at = 0; at < kFields.size(); ++at) {
+    std::string fault = readField(kFields[at], field(at), *setup_.numbers, read.values[at]);
+    if (!fault.empty()) return fault;
+  }
+  for (const std::size_t needed : kNeeded) {
+    if (!read.has(needed)) return fmt::format("{} is empty", kFields[needed].name);
+  }
+  const Date day = *read.day(kDate);
+  if (delivery.lines.empty()) delivery.day = day;
+  if (day != delivery.day) {
+    return fmt::format("Fecha is {} where the delivery began with {}", shop::isoDay(day),
+                       shop::isoDay(delivery.day));
+  }
+  delivery.lines.push_back({.code = std::string(read.text(kCode)),
+                            .quantity = read.number(kQuantity),
+                            .price = read.number(kPrice),
+                            .discount = read.number(kDiscount),
+                            .warehouse = std::string(read.text(kWarehouse)),
+                            .lot = std::string(read.text(kLot)),
+                            .expires = read.day(kExpires),
+                            .origin = row_.line});
+  return {};
+}
+
+}  // namespace tavelor::tools
