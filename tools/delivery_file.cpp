@@ -68,16 +68,23 @@ bool DeliveryFile::advance() {
   return false;
 }
 
-/// Without the blanks around it; "" where the row ends before it.
+/// Of a whole row, without the blanks around it.
 std::string_view DeliveryFile::field(std::size_t field) const {
   const FieldSource& source = setup_.sources[field];
-  if (!source.given) return {};
-  if (source.column && *source.column >= row_.fields.size()) return {};
-  return text::trim(source.in(row_.fields));
+  return source.given ? text::trim(source.in(row_.fields)) : std::string_view();
 }
 
-/// "" for a row that does not say which delivery it belongs to.
+std::string DeliveryFile::homelessness() const {
+  const std::size_t columns = file_->columns().size();
+  return row_.fields.size() == columns
+             ? "there is no Proveedor or no Albaran"
+             : fmt::format("{} fields where the first row has {}", row_.fields.size(), columns);
+}
+
+/// "" for a row that does not say which delivery it belongs to. In one that was cut, or that a
+/// separator too many has shifted, any text may be that of another column.
 std::string DeliveryFile::keyOfRow() const {
+  if (row_.fields.size() != file_->columns().size()) return {};
   const std::string_view supplier = field(kSupplier);
   const std::string_view note = field(kNote);
   if (supplier.empty() || note.empty()) return {};
@@ -98,9 +105,8 @@ void DeliveryFile::survey() {
     ++lines_;
     const std::string next = keyOfRow();
     if (next.empty()) {
-      homeless_.push_back({row_.line, std::string(field(kNote)),
-                           "there is no Proveedor or no Albaran: the line may belong to any "
-                           "delivery"});
+      homeless_.push_back(
+          {row_.line, {}, homelessness() + ": the line may belong to any delivery"});
       continue;
     }
     if (next != key) {
@@ -112,8 +118,8 @@ void DeliveryFile::survey() {
       again = isNew ? Seen() : Seen{.line = row_.line};
     }
     std::size_t& content = again.line != 0 ? again.content : open->content;
-    for (const std::string& each : row_.fields) {
-      content = content * 1000003 + std::hash<std::string_view>()(text::trim(each));
+    for (std::size_t at = 0; at < kFields.size(); ++at) {
+      content = content * 1000003 + std::hash<std::string_view>()(field(at));
     }
   }
   complete();
@@ -152,10 +158,6 @@ std::string DeliveryFile::readRow(shop::Delivery& delivery, bool isFirst) {
   if (isFirst) {
     delivery.supplier = field(kSupplier);
     delivery.note = field(kNote);
-  }
-  const std::size_t columns = file_->columns().size();
-  if (row_.fields.size() != columns) {
-    return fmt::format("{} fields where the first row has {}", row_.fields.size(), columns);
   }
   FieldValues read;
   read.values.resize(kFields.size());

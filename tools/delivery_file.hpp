@@ -21,8 +21,8 @@ namespace tavelor::tools {
 /// note, follow each other; numbers and days are checked here, everything else is the shop's.
 ///
 /// The file is read once before the first delivery is given. So a delivery whose lines lie apart is
-/// known before any of them is posted, and where a line does not say what it belongs to nothing of
-/// the file is. Of each delivery some hundred bytes are kept.
+/// known before any of them is posted, and where a line does not say what it belongs to, a cut one
+/// for instance, nothing of the file is. Of each delivery some hundred bytes are kept.
 class DeliveryFile {
  public:
   static const ImportTable kTable;
@@ -67,6 +67,7 @@ class DeliveryFile {
   bool advance();
   std::string_view field(std::size_t field) const;
   std::string keyOfRow() const;
+  std::string homelessness() const;
   void takeRow(Entry& entry);
   std::string readRow(shop::Delivery& delivery, bool isFirst);
 
