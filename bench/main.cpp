@@ -31,6 +31,7 @@ constexpr std::array kWorks{
     Work{"articles", tavelor::bench::measureArticles},
     Work{"customers", tavelor::bench::measureCustomers},
     Work{"stock", tavelor::bench::measureStock},
+    Work{"receive", tavelor::bench::measureReceive},
     Work{"ledger", tavelor::bench::measureLedger},
     Work{"agenda", tavelor::bench::measureAgenda},
     Work{"import", tavelor::bench::measureImport},

@@ -22,6 +22,8 @@ void measureArticles(Report& report, const Scale& scale);
 void measureCustomers(Report& report, const Scale& scale);
 /// The stock of a ticket's lines, in all places that hold it.
 void measureStock(Report& report, const Scale& scale);
+/// Deliveries of suppliers, in all that they move.
+void measureReceive(Report& report, const Scale& scale);
 /// An entry of the past in the ledger of one customer.
 void measureLedger(Report& report, const Scale& scale);
 /// One day of an agenda of ten years.
