@@ -132,9 +132,12 @@ constexpr std::array kModes = {
     Mode{kAnyOtherWord, kTodos},
 };
 
+constexpr std::array kMadeModes = {kFormMode};
+
 constexpr ClassInfo kInfo = {.word = "Articulos",
                              .table = "Articulos",
                              .modes = kModes,
+                             .madeModes = kMadeModes,
                              .find = FindForm::kPrefix,
                              .clearsDataMembers = true};
 

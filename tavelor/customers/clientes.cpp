@@ -190,6 +190,13 @@ constexpr std::array kDeliveryModes = {
     DeliveryMode{"lowsem", kAny, monthsAgo<6>, yearEnds, kWithoutButUsable, false},
 };
 
+constexpr auto kMadeModes = [] {
+  std::array<std::string_view, kDeliveryModes.size() + 3> words = {kDeclaration, kMixta,
+                                                                   kMixtaCenter};
+  for (std::size_t i = 0; i < kDeliveryModes.size(); ++i) words[i + 3] = kDeliveryModes[i].word;
+  return words;
+}();
+
 const DeliveryMode* deliveryMode(std::string_view word) {
   const auto* const mode =
       std::find_if(kDeliveryModes.begin(), kDeliveryModes.end(),
@@ -239,6 +246,7 @@ consultas::LastYear consultas::lastYear() {
 constinit const ClassInfo ClsClientes::kInfo = {.word = "Clientes",
                                                 .table = "Clientes",
                                                 .modes = kModes,
+                                                .madeModes = kMadeModes,
                                                 .find = FindForm::kPrefix,
                                                 .clearsDataMembers = true};
 

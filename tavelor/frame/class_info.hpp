@@ -11,11 +11,11 @@ namespace tavelor {
 
 /// Databases of an installation, as services and classes name them.
 namespace selector {
-inline constexpr int kFurther = 0;
-inline constexpr int kMain = 1;
-inline constexpr int kDocuments = 3;
-inline constexpr int kHistoric = 4;
-inline constexpr int kImport = 5;
+inline constexpr int kFurther = 0;    ///< whatever the application wants besides
+inline constexpr int kMain = 1;       ///< masters, counters, stock, closings and ledgers
+inline constexpr int kDocuments = 3;  ///< documents that are open: tickets
+inline constexpr int kHistoric = 4;   ///< years that were put away
+inline constexpr int kImport = 5;     ///< what was brought from elsewhere
 }  // namespace selector
 
 /// The word of the mode that stands for all words without a mode of their own.
@@ -47,6 +47,8 @@ struct ClassInfo {
   /// Whose maximum NuevoCodigo takes. Where it is a text, a next code too long for it is dropped.
   std::string_view codeColumn = "Codigo";
   std::span<const Mode> modes;  ///< in the order compared, kAnyOtherWord last
+  /// Words whose statement the class makes when it is asked, in modeStatement, beside `modes`.
+  std::span<const std::string_view> madeModes = {};
   /// Statement of CodigoLibre with {id}; empty: by the column Codigo, in quotes.
   std::string_view freeCode = {};
   /// AddNew fills its code with zeros to this many characters; 0: as it is.

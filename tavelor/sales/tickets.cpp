@@ -98,17 +98,20 @@ constexpr std::array kModes = {
     Mode{kAnyOtherWord, kTodos},
 };
 
+constexpr std::string_view kToday = "now";
+constexpr std::array kMadeModes = {kToday};
+
 constexpr ClassInfo kInfo = {.word = "Tickets",
                              .table = "Tickets",
                              .selector = selector::kDocuments,
                              .codeColumn = "Numero",
                              .modes = kModes,
+                             .madeModes = kMadeModes,
                              .clearsDataMembers = true};
 
 constexpr life_cycle::Table kTable = {
     .name = "Tickets", .key = "Numero", .copied = " SELECT Tickets.*"};
 
-constexpr std::string_view kToday = "now";
 constexpr std::string_view kHistory = "HTickets";
 constexpr std::string_view kUsualWarehouse = "001";
 

@@ -12,8 +12,11 @@
 #include <gtest/gtest.h>
 
 #include "tavelor/components.hpp"
+#include "tavelor/frame/class_info.hpp"
 #include "tavelor/frame/component.hpp"
+#include "tavelor/frame/record_class.hpp"
 #include "tests/classes/completeness/sources.hpp"
+#include "tests/support/shop.hpp"
 
 namespace tavelor {
 namespace {
@@ -161,6 +164,39 @@ TEST(Statements, EachStatementOfTheCorpusBearsTheNamesOfMembers) {
     std::istringstream names(title.substr(dot + 1));
     for (std::string name; std::getline(names >> std::ws, name, ',');) {
       EXPECT_NO_THROW(component(title.substr(0, dot)).member(name)) << each.name;
+    }
+  }
+}
+
+// "ClsClientes.IniciaRs / 347, series A": what the title begins with is a mode of the class, one of
+// its data or one whose statement it makes; those of that kind stand nowhere else to be found.
+TEST(Statements, EachModeOfTheCorpusIsKnownByItsClassAndTheOtherWayRound) {
+  constexpr std::string_view kMember = ".IniciaRs / ";
+  std::map<std::string, std::vector<std::string>> titles;
+  for (const CorpusCase& each : corpus()) {
+    const std::size_t at = each.name.find(kMember);
+    if (at != std::string::npos) {
+      titles[each.name.substr(0, at)].push_back(each.name.substr(at + kMember.size()));
+    }
+  }
+  ASSERT_GT(titles.size(), 30U) << "titles are not found any more";
+  for (const auto& [name, found] : titles) {
+    const test::Shop shop;
+    const std::unique_ptr<Object> object = component(name).make();
+    const ClassInfo& info = dynamic_cast<const RecordClass&>(*object).info();
+    std::vector<std::string_view> words(info.madeModes.begin(), info.madeModes.end());
+    for (const Mode& mode : info.modes) words.push_back(mode.word);
+    words.insert(words.end(), {"todos", "any other word"});
+    for (const std::string& title : found) {
+      EXPECT_TRUE(std::any_of(
+          words.begin(), words.end(),
+          [&](std::string_view word) { return !word.empty() && title.starts_with(word); }))
+          << name << " has no mode " << title;
+    }
+    for (const std::string_view word : info.madeModes) {
+      EXPECT_TRUE(std::any_of(found.begin(), found.end(),
+                              [&](const std::string& title) { return title.starts_with(word); }))
+          << "no statement of tests/dialect/corpus is that of " << name << " / " << word;
     }
   }
 }
