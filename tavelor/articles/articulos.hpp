@@ -28,6 +28,7 @@ class clsArticulos final : public OpensByWordOnConnection {
   /// A named value under the key `sLlave`, or `sDef`.
   std::string GetValorClsReg(std::string_view sLlave, std::string_view sValue,
                              std::string_view sDef) const;
+  /// Stores a value where GetValorClsReg finds it. It outlives the program.
   void SetValorClsReg(std::string_view sLlave, std::string_view sKey,
                       std::string_view sValue) const;
 
@@ -35,6 +36,7 @@ class clsArticulos final : public OpensByWordOnConnection {
 
   /// Sets the planning flag of all articles.
   void Aceptar_todos(ObjCn cnnActive = {}) const;
+  /// Takes the planning flag off all articles.
   void Denegar_todos(ObjCn cnnActive = {}) const;
   /// Makes the articles saved in an XML file the primary record set, and gives it. Raises 53 for a
   /// file that is not there; then the record set is as it was.
@@ -67,9 +69,12 @@ class clsArticulos final : public OpensByWordOnConnection {
 
   // ---- Small updates
 
+  /// Puts an article into another list. A code that is not there is passed over.
   void CambiarListarticulo(const Variant& vId, std::string_view sLista, ObjCn cnnActive = {}) const;
   /// `bModo` is the flag as a number: any but 0 makes the article usable.
   void CambiarEstadoarticulo(const Variant& vId, double bModo, ObjCn cnnActive = {}) const;
+  /// Gives an article another description, family and section. A code that is not there is passed
+  /// over.
   void CambiarDescripcionarticulo(const Variant& vId, std::string_view sDescrip,
                                   std::string_view sFamilia, std::string_view sSeccion,
                                   ObjCn cnnActive = {}) const;
@@ -77,6 +82,7 @@ class clsArticulos final : public OpensByWordOnConnection {
   // ---- Codes. NuevoCodigo keeps to the length of article codes that the counters tell, where it
   // is one, not to the width of the column.
 
+  /// Whether there is an article with that code.
   bool ExisteArt(const Variant& vId, ObjCn objCn = {}) const;
   /// True for whatever code as soon as any article is in every list.
   bool ExisteArtEnLista(const Variant& vId, std::string_view sLista, ObjCn objCn = {}) const;
@@ -98,8 +104,11 @@ class clsArticulos final : public OpensByWordOnConnection {
 
   /// Full path of the class's text file.
   std::string GetTxtFile() const;
+  /// Name of the column of codes in the lists.
   std::string sQCodigo() const { return "Código"; }
+  /// Name of the column of families in the lists.
   std::string sQFamilia() const { return "Familia"; }
+  /// Name of the column of sections in the lists.
   std::string sQseccion() const { return "Sección"; }
 
   // ---- Single values. Null raises 94 in those that give a number, but in GetValorInterno.
@@ -108,15 +117,21 @@ class clsArticulos final : public OpensByWordOnConnection {
   double GetRecargo(const Variant& vId, ObjCn objCn = {}) const;
   /// Rate in percent. `vId` is the code of a tax, not of an article.
   double GetPorcentIva(const Variant& vId, ObjCn objCn = {}) const;
+  /// The selling price, in euros; 0 for an article that is not there.
   double GetPrecioVenta(const Variant& vId, ObjCn objCn = {}) const;
   /// Average cost per stock unit: Precio_Medio over Medida_Compra. Raises 11 for a measure of 0.
   double GetMediaUnitaria(const Variant& vId, ObjCn objCn = {}) const;
   /// Points.
   double GetValorInterno(const Variant& vId, ObjCn objCn = {}) const;
+  /// Code of the tax; Empty for an article that is not there.
   Variant GetImpuesto(const Variant& vId, ObjCn objCn = {}) const;
+  /// The description; Empty for an article that is not there.
   Variant GetDescripcion(const Variant& vId, ObjCn objCn = {}) const;
+  /// Code of the family; Empty for an article that is not there.
   Variant GetFamilia(const Variant& vId, ObjCn objCn = {}) const;
+  /// Code of the section; Empty for Null and for an article that is not there.
   Variant GetSeccion(const Variant& vId, ObjCn objCn = {}) const;
+  /// Code of the employee; Empty for Null and for an article that is not there.
   Variant GetEmpleado(const Variant& vId, ObjCn objCn = {}) const;
   /// Stock units in one purchase unit.
   Variant GetMedidaCompra(const Variant& vId, ObjCn objCn = {}) const;
@@ -125,16 +140,21 @@ class clsArticulos final : public OpensByWordOnConnection {
 
   // ---- Flags
 
+  /// Whether the article is made of components.
   bool EsPaquete(const Variant& vId, ObjCn objCn = {}) const;
+  /// Whether the article is hidden from sale lists.
   bool EsInterno(const Variant& vId, ObjCn objCn = {}) const;
   /// Raises 3265 for every article that is there.
   bool EsDescontable(const Variant& vId, ObjCn objCn = {}) const;
+  /// The flag `No_sumar`; false for an article that is not there.
   bool EsNoSumable(const Variant& vId, ObjCn objCn = {}) const;
+  /// The flag `Repetir`; false for an article that is not there.
   bool EsRepetible(const Variant& vId, ObjCn objCn = {}) const;
   /// Whether stock is kept of it.
   bool EsdeAlmacen(const Variant& vId, ObjCn objCn = {}) const;
   /// Whether a sale takes stock off. The two are the same.
   bool RestaStock_V(const Variant& vId, ObjCn objCn = {}) const;
+  /// The same as RestaStock_V.
   bool EsdeAlmacenVenta(const Variant& vId, ObjCn objCn = {}) const;
 
   // ---- Filling a document line (articulos_datos.cpp)

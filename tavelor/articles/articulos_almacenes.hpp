@@ -67,6 +67,7 @@ class ClsArticulosAlmacenes final : public OpensOnConnection {
 
   // ---- Reads
 
+  /// Whether the article has a row in that warehouse, whatever its stock.
   bool EstaEnElAlmacen(const Variant& vId, const Variant& vIdAlm, ObjCn objCn = {}) const;
   /// Warehouses that an article has in the import database.
   std::vector<Variant> ObtenerColAlmaActivos(const Variant& id, ObjCn objCn = {}) const;

@@ -50,6 +50,7 @@ class ClsArticulosLotes final : public OpensByWord {
 
   // ---- Reads
 
+  /// Whether the article has that lot, whatever its stock.
   bool ExisteLote(const Variant& vId, const Variant& vIdLote, ObjCn objCn = {}) const;
   /// Whether any article has that lot.
   bool EsValidoLote(const Variant& vIdLote, ObjCn objCn = {}) const;

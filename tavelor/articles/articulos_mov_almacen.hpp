@@ -34,13 +34,16 @@ class ClsArticulosMovAlmacen final : public OpensByWord {
 
   // ---- Sums, in stock units; 0 without a movement
 
+  /// Entries of an article.
   double GetEntradas_Art(const Variant& vId, ObjCn objCn = {}) const;
+  /// Exits of an article.
   double GetSalidas_Art(const Variant& vId, ObjCn objCn = {}) const;
   /// Entries minus exits of an article.
   double GetTotalMaovArt(const Variant& vId, ObjCn objCn = {}) const;
   /// From a date on, in one warehouse, or in all for "*".
   double GetEntradas_Art_Fecha(const Variant& vId, const Variant& dtInicio,
                                std::string_view sAlmacen = "*", ObjCn objCn = {}) const;
+  /// The same of exits.
   double GetSalidas_Art_Fecha(const Variant& vId, const Variant& dtInicio,
                               std::string_view sAlmacen = "*", ObjCn objCn = {}) const;
 

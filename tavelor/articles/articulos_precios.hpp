@@ -24,9 +24,11 @@ class ClsArticulosPrecios final : public OpensByWord {
   /// Writes the price of a pair, adding its row when there is none. Passes over "$$$".
   void ActualizarPrecio(const Variant& vId, const Variant& vIdPro, double dPrecio,
                         ObjCn cnnActive = {}) const;
+  /// Whether there is a price of that article at that supplier.
   bool ExistePrecio(const Variant& vId, const Variant& vIdPro, ObjCn objCn = {}) const;
   /// Deletes the rows of an article or of a supplier: whatever bears that code.
   void DeleteAll(const Variant& vId, ObjCn cnnActive = {}) const;
+  /// Deletes the row with that key.
   void DeleteId(const Variant& vId, ObjCn cnnActive = {}) const;
   /// The price of a pair, or `dPrecio` where there is none.
   double GetPrecioCompra(const Variant& vId, const Variant& vIdProv, double dPrecio,

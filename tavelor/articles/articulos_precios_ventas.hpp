@@ -82,10 +82,12 @@ class ClsArticulosPreciosVentas final : public OpensByWord {
   };
   /// Adds a row with a last day. Raises 13 for what is no date.
   void InsertarOferta(const Oferta& oferta) const;
+  /// Adds a row without a last day.
   void InsertarTodo(const Oferta& oferta) const;
 
   // ---- The grid
 
+  /// Name of the column of families in the lists.
   std::string sQFamilia() const { return "Familia"; }
   /// Writes the description of the current row; Update stores it.
   void SetDesripcion(std::string_view sDes);

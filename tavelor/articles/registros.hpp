@@ -21,14 +21,15 @@ class ClsRegistros final : public Object {
   std::string typeName() const override { return std::string(kTypeName); }
   static const Component& component();
 
-  std::string Key;
-  Variant Precio;
-  Variant Almacen;
-  Variant Lote;
-  Variant Recibido;
-  Variant Cantidad;
-  Variant Codigo;
+  std::string Key;   ///< key that the caller gave it; the collection does not look at it
+  Variant Precio;    ///< price
+  Variant Almacen;   ///< warehouse
+  Variant Lote;      ///< lot
+  Variant Recibido;  ///< quantity received
+  Variant Cantidad;  ///< quantity wanted
+  Variant Codigo;    ///< article
 };
+/// A request, shared.
 using ClsRegistrosPtr = std::shared_ptr<ClsRegistros>;
 
 /// Requests in the order in which they were added, some under a key. An item is found by its
@@ -45,6 +46,7 @@ class CollectionRegistros final : public KeyedCollection<CollectionRegistros, Cl
                       const Variant& Recibido, const Variant& Lote, const Variant& Almacen,
                       const Variant& Precio, std::string_view sKey = {});
 };
+/// A collection of requests, shared.
 using CollectionRegistrosPtr = std::shared_ptr<CollectionRegistros>;
 
 }  // namespace tavelor

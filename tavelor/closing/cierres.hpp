@@ -70,10 +70,14 @@ class ClsCierres final : public OpensByWord {
                      std::string_view sSerie, InOut<double> dSumaDeSaldo_Final,
                      ObjCn objCn = {}) const;
 
+  /// Adds what the closing `vCierre` sold of a family.
   void InsertarCierreFamilias(const Variant& vCierre, std::string_view sFamilia, double dImporte,
                               ObjCn objCn = {}) const;
+  /// Adds the base and the tax of a rate to the closing `vCierre`. `sIva` is the rate in percent,
+  /// as text.
   void InsertarCierreImpuestos(const Variant& vCierre, std::string_view sIva, double dBase,
                                double dImporte, ObjCn objCn = {}) const;
+  /// Adds what was paid by a method to the closing `vCierre`.
   void InsertarCierreFormasPago(const Variant& vCierre, std::string_view sFormaPago,
                                 double dImporte, ObjCn objCn = {}) const;
 

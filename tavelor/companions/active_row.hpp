@@ -10,6 +10,7 @@ namespace tavelor {
 
 class Recordset;
 class Variant;
+/// A record set, shared.
 using RecordsetPtr = std::shared_ptr<Recordset>;
 
 /// Variables that take the current row of a list with addresses.

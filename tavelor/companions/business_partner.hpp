@@ -21,7 +21,9 @@ class BusinessPartner : public OpensByWord {
  public:
   /// Members that read one value of one of them: `GetSerie(id)`, `GetSerie(id, objCn)`.
   using Text = SingleReadOf<std::string>;
+  /// The same for members that answer yes or no.
   using Flag = SingleReadOf<bool>;
+  /// The same for members that give a number.
   using Number = SingleReadOf<double>;
 
   /// Fills a code with zeros on the left to the length that the counters tell, in place; longer

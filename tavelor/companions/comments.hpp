@@ -39,6 +39,7 @@ class Comments : public OpensOnConnection {
   void ToTxt(bool bDoclone = true, std::string_view sSelecSql = "todos", bool bFilter = false);
 
  protected:
+  /// `keys` must outlive the object: they are literals.
   Comments(const ClassInfo& info, CommentKeys keys) : OpensOnConnection(info), keys_(keys) {}
 
   /// The slots of a class of comments; `own` are those before DeleteAll.

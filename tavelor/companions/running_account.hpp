@@ -14,6 +14,7 @@ namespace tavelor {
 /// One statement that Eliminar runs behind a deletion: the balances of the entries that `entries`
 /// names are moved by the deleted movement.
 struct BalanceRepair {
+  /// Which entries, seen from the deleted one.
   enum class Entries : std::uint8_t {
     kSameDate,    ///< of the same date with a higher Id
     kLaterDates,  ///< of all later dates
@@ -66,6 +67,7 @@ class RunningAccount : public OpensOnConnection {
     Variant vDoc_E = {};  ///< number of the document; Empty is a syntax error, 0 none
     ObjCn objCn = {};
   };
+  /// An entry whose state is a number.
   using Apunte = EntryOf<std::int16_t>;
   /// Writes an entry behind those of its date, with its balance in the shop's format of amounts,
   /// and moves the balances of all later dates by its movement. Raises 6 before it writes anything

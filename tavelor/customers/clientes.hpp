@@ -60,8 +60,8 @@ class ClsClientes final : public BusinessPartner {
 
   // ---- Is it there
 
-  const Flag ObtenerBloqueo;  ///< blocked; false for Null
-  const Flag ExisteCli;
+  const Flag ObtenerBloqueo;    ///< blocked; false for Null
+  const Flag ExisteCli;         ///< there, in use or not
   const Flag ExisteNif;         ///< by fiscal identifier, as stored
   const Flag ExisteExternalID;  ///< by identifier in the outside system
   const Flag EstaDisponible;    ///< there, and not marked as not available
@@ -81,6 +81,7 @@ class ClsClientes final : public BusinessPartner {
   void GetExportPath(InOut<std::string> sExportPath) const;
   /// Full path of the class's text file, and of the one that goes out by mail.
   std::string GetTxtFile() const;
+  /// Full path of the text file that goes out by mail.
   std::string GetTxtFile_email() const;
   /// Saves all customers, with all columns, as XML; a table without customers writes no file. A
   /// file that is there is replaced, whole or not at all.
@@ -98,7 +99,9 @@ class ClsClientes final : public BusinessPartner {
                      std::string_view sSelecSql = {}, bool bFilter = false);
   /// Of the current row, as text; "" after any failure.
   std::string sQBanco() const;
+  /// The payment method of the current row, as text; "" after any failure.
   std::string sQFormaPago() const;
+  /// The mail address for documents of the current row; "" after any failure.
   std::string sQMailDoc() const;
   /// Codes of the customers in use.
   std::vector<Variant> ObtenerColActivos(ObjCn objCn = {}) const;
@@ -120,12 +123,12 @@ class ClsClientes final : public BusinessPartner {
 
   // ---- Flags of one customer, false for no customer
 
-  const Flag esFacturable;  ///< billed itself: billed to nobody, or to its own code
-  const Flag esDistribuidor;
-  const Flag esAsociado;
-  const Flag esActivo;
-  const Flag esSerie_as;
-  const Flag esPortesNoIncl;
+  const Flag esFacturable;       ///< billed itself: billed to nobody, or to its own code
+  const Flag esDistribuidor;     ///< billed as a distributor, D
+  const Flag esAsociado;         ///< billed to another customer as an associate, +1
+  const Flag esActivo;           ///< in use: anything but 0
+  const Flag esSerie_as;         ///< the flag `Serie_As`
+  const Flag esPortesNoIncl;     ///< the flag `Portes_Alb`, in use or not
   const Flag esPersonaFisica;    ///< a natural person, by class word; raises 94 for Null
   const Flag ObtenerPrintPaper;  ///< invoices are printed
   const Flag IncludeTax;         ///< prices include tax; of a usable customer
@@ -139,9 +142,9 @@ class ClsClientes final : public BusinessPartner {
 
   // ---- Texts and numbers of one customer
 
-  const Text GetTipoCli;       ///< "no" for no customer and Null
-  const Text GetCodigo_Banco;  ///< "0" for no customer, Null and ""
-  const Text ObtenerRazonSocial;
+  const Text GetTipoCli;            ///< "no" for no customer and Null
+  const Text GetCodigo_Banco;       ///< "0" for no customer, Null and ""
+  const Text ObtenerRazonSocial;    ///< legal name; "no" for Null
   const Text ObtenerCP;             ///< the production centre, whatever the name says
   const Text ObtenerHorario;        ///< "[ " and the opening hours; "no" for Null
   const Text ObtenerTexto;          ///< "{ " and the warning that documents take up; or "no"
@@ -192,7 +195,9 @@ class ClsClientes final : public BusinessPartner {
     std::string sRefArt = {};  ///< article of the carriage line
     ObjCn objCn = {};
   };
+  /// What an invoice takes of the customer.
   void GetDatosFacturar(Facturar& datos) const;
+  /// The code as it is stored, and the payment method.
   void GetOtrosDatosFacturar(InOut<Variant> id, InOut<std::string> sPago, ObjCn objCn = {}) const;
 
   /// Parameters of GetDatosBonificar, in their order.
@@ -207,6 +212,7 @@ class ClsClientes final : public BusinessPartner {
     Variant bCondicion_1_SI = {};
     ObjCn objCn = {};
   };
+  /// The three bonuses, each with the amount from which it is due.
   void GetDatosBonificar(Bonificar& datos) const;
 
   /// Parameters of GetDatosCabecera and GetDatosEmpresa, in their order.
@@ -223,7 +229,9 @@ class ClsClientes final : public BusinessPartner {
     std::string sMail = {};  ///< of GetDatosEmpresa
     ObjCn objCn = {};
   };
+  /// What the head of a document shows of a customer.
   void GetDatosCabecera(Cabecera& datos) const;
+  /// The same with its mail address.
   void GetDatosEmpresa(Cabecera& datos) const;
 
   /// Parameters of GetAdministrativeCentres, in their order: code and name of the accounting
@@ -240,6 +248,7 @@ class ClsClientes final : public BusinessPartner {
     std::string sOp_c_nom = {};
     ObjCn objCn = {};
   };
+  /// The administrative centres that electronic invoices to public bodies name.
   void GetAdministrativeCentres(Centros& datos) const;
 
   /// Whether the customer, in use or not, has a line discount above 0; else it is 0. Nothing
@@ -250,6 +259,7 @@ class ClsClientes final : public BusinessPartner {
   /// Withholding, and discount for prompt payment, of series A, B or C in either case; 0 for any
   /// other, for Null and without a customer. In use or not.
   double GetIrpfSerie(const Variant& id, std::string_view sSerie, ObjCn objCn = {}) const;
+  /// The discount for prompt payment of a series, in percent; 0 as GetIrpfSerie says.
   double GetDtoSerie(const Variant& id, std::string_view sSerie, ObjCn objCn = {}) const;
   /// The codes of order, delivery note and invoice; `id` goes in, and comes back as it is stored.
   void GetDocumentos(InOut<Variant> id, InOut<std::string> sDocumento_P,
@@ -291,10 +301,12 @@ class ClsClientes final : public BusinessPartner {
   void Insertar(const Alta& alta) const;
   /// Rewrites a customer. A code that is not there is passed over.
   void Actualizar(const Alta& alta) const;
+  /// Gives a customer another tariff letter. A code that is not there is passed over.
   void CambiarTarifa(const Variant& vId, std::string_view sTarifa, ObjCn cnnActive = {}) const;
   /// 0 takes the customer out of use; 1 and -1 bring it back and note the day. Any other raises the
   /// database's syntax error.
   void CambiarEstadoCliente(const Variant& vId, double bModo, ObjCn cnnActive = {}) const;
+  /// Gives a customer an identifier in the outside system. A code that is not there is passed over.
   void ActualizarExternalId(std::string_view sId, std::string_view sExtId,
                             ObjCn cnnActive = {}) const;
 

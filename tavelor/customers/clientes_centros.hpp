@@ -40,6 +40,7 @@ class ClsClientesCentros final : public OpensByWordOnConnection {
   /// The centre of a customer in a role. A column that is Null leaves its field as it came, and
   /// where there is no row all are left.
   void GetDatosCentro(Centro& centro) const;
+  /// Whether the customer has a centre in any role.
   bool ExistenCentros(const Variant& id, ObjCn objCn = {}) const;
   /// Keys of a customer's centres.
   std::vector<Variant> ObtenerColActivos(const Variant& id, ObjCn objCn = {}) const;

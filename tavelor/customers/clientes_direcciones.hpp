@@ -50,6 +50,7 @@ class ClsClientesDirecciones final : public OpensByWordOnConnection {
   std::string GetTransportista(const Variant& id, const Variant& vIdDir, ObjCn objCn = {}) const;
   /// Whether the customer has a default address.
   bool ExistePredeterminada(const Variant& id, ObjCn objCn = {}) const;
+  /// Whether the customer has any address.
   bool ExistenDirecciones(const Variant& id, ObjCn objCn = {}) const;
   /// Whether that address is the customer's.
   bool EsValida(const Variant& id, const Variant& vIdDir, ObjCn objCn = {}) const;

@@ -25,6 +25,7 @@ class SingleReadOf;
 
 /// One parameter of a member, as the printed interface shows it.
 struct Parameter {
+  /// Who writes it: the caller, the member, or both.
   enum class Direction : std::uint8_t { kIn, kOut, kInOut };
 
   std::string name;
@@ -37,6 +38,7 @@ struct Parameter {
 
 /// One slot: a member that can be called with variants.
 struct Member {
+  /// Takes an object of the class, and arguments as call() does.
   using Call = Callback<Variant(Object& object, std::span<Variant> arguments)>;
 
   std::string name;
@@ -56,17 +58,23 @@ struct Member {
 /// A public class: how it is made and what it offers.
 class Component {
  public:
+  /// Makes an object of the class.
   using Make = std::unique_ptr<Object> (*)();
 
   /// `classId` in braces: "{6F1C...}".
   Component(std::string_view name, std::string_view classId, std::string_view word, Make maker,
             std::vector<Member> members);
 
+  /// "ClsBancos".
   const std::string& name() const { return name_; }
+  /// "{6F1C...}".
   const std::string& classId() const { return classId_; }
+  /// Class word, "" for a class without the frame.
   const std::string& word() const { return word_; }
+  /// In slot order.
   const std::vector<Member>& members() const { return members_; }
 
+  /// A new object, in the apartment of the calling thread.
   std::unique_ptr<Object> make() const { return make_(); }
   /// Without regard to case. Raises 438 with the nearest name when there is none.
   const Member& member(std::string_view name) const;

@@ -10,6 +10,7 @@
 
 namespace tavelor {
 
+/// Kinds of controls that a form has.
 enum class ControlKind : std::uint8_t {
   kTextBox,
   kCheckBox,
@@ -25,6 +26,7 @@ class Control : public Object {
  public:
   std::string typeName() const override { return "Control"; }
 
+  /// What it is, which decides on the members that it has.
   virtual ControlKind kind() const = 0;
   /// Name of the field that it is bound to.
   virtual std::string DataField() const = 0;
@@ -35,6 +37,7 @@ class Control : public Object {
   virtual std::int32_t Value() const;
   /// Of all but a check box; a list box gives that of its selected entry.
   virtual std::string Text() const { return defaultText(); }
+  /// Entries of a list box.
   virtual std::int32_t ListCount() const;
   /// Selects an entry, from 0.
   virtual void ListIndex(std::int32_t entry);
@@ -53,7 +56,9 @@ struct GridColumn {
 class GridColumns : public Object {
  public:
   std::string typeName() const override { return "GridColumns"; }
+  /// Number of columns.
   virtual std::int32_t Count() const = 0;
+  /// From 0.
   virtual GridColumn Item(std::int32_t index) const = 0;
 };
 

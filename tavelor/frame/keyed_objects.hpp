@@ -21,7 +21,9 @@ class KeyedObjects {
  public:
   /// Adds at the end; "" is no key. Raises 457 for a key that is there: nothing is added then.
   void add(ObjectPtr item, std::string_view key = {});
+  /// By position or key.
   const ObjectPtr& item(const Variant& which) const { return entries_[find(which)].object; }
+  /// Number of items.
   std::int32_t count() const { return static_cast<std::int32_t>(entries_.size()); }
   /// The items behind it move up, which takes a time that grows with their number.
   void remove(const Variant& which);
@@ -43,10 +45,13 @@ class KeyedObjects {
 template <typename Collection, typename Element>
 class KeyedCollection : public Object {
  public:
+  /// An item by its position, from 1, or by its key.
   std::shared_ptr<Element> Item(const Variant& vntIndexKey) const {
     return std::static_pointer_cast<Element>(items_.item(vntIndexKey));
   }
+  /// Number of items.
   std::int32_t Count() const { return items_.count(); }
+  /// Takes an item out, by its position or key.
   void Remove(const Variant& vntIndexKey) { items_.remove(vntIndexKey); }
   /// The same items in a collection of its own, which stays as it is while this one changes.
   std::shared_ptr<Collection> NewEnum() const {
@@ -54,6 +59,7 @@ class KeyedCollection : public Object {
   }
 
  protected:
+  /// What the collection holds, for its Add.
   KeyedObjects items_;
 };
 

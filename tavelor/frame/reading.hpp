@@ -21,10 +21,15 @@ bool flag(const Variant& value);
 
 /// Output variables take a column of the current row and keep what they hold where it is null.
 void take(Recordset& rows, std::string_view column, std::string& to);
+/// A text is read by the locale; raises 6 for a number that does not fit.
 void take(Recordset& rows, std::string_view column, std::int16_t& to);
+/// The same.
 void take(Recordset& rows, std::string_view column, std::int32_t& to);
+/// The same.
 void take(Recordset& rows, std::string_view column, float& to);
+/// The same.
 void take(Recordset& rows, std::string_view column, double& to);
+/// Any number but 0 is true.
 void take(Recordset& rows, std::string_view column, bool& to);
 /// As it is, whatever its type.
 void take(Recordset& rows, std::string_view column, Variant& to);

@@ -21,6 +21,7 @@ class Control;
 class GridColumns;
 class Recordset;
 class Statement;
+/// A connection, shared.
 using ConnectionPtr = std::shared_ptr<Connection>;
 using RecordsetPtr = std::shared_ptr<Recordset>;
 
@@ -52,6 +53,7 @@ class RecordClass : public Object {
   RecordClass(const RecordClass&) = delete;
   RecordClass& operator=(const RecordClass&) = delete;
 
+  /// What makes the class differ from others, as data.
   const ClassInfo& info() const { return info_; }
   /// The class's name, "ClsBancos".
   std::string typeName() const override = 0;
@@ -86,23 +88,36 @@ class RecordClass : public Object {
   /// Adds a row. The next code is computed in any case and written to the first field only if
   /// `bDefVal` is true.
   void AddNew(bool bDefVal = false);
+  /// Deletes the current row, or only marks it, as the class says. Where it writes, all that is
+  /// pending is written with it. After an error the rows that were not written are pending still.
   void Delete();
   /// A bookmark whose text is no number counts as 0.
   void MoveToBookmark(const Variant& mybookmark);
   /// Fetches the rows again; the filter stays. An empty `sSelecSql` becomes "Todos", which is the
   /// key of the order that is restored: the registry does not tell it from "todos".
   void Requery(InOut<std::string> sSelecSql = {});
+  /// Writes the current row; in classes that say so, all rows that are pending. Raises -2147217864
+  /// where somebody else has changed the row meanwhile; after any error what was not written is
+  /// pending still.
   void Update();
+  /// Begins a transaction, or a level inside one, on the connection that GetConnection gives.
   void CnnBeginTrans();
+  /// Ends the innermost level and keeps what was written. Raises 3219 without one.
   void CnnCommitTrans();
+  /// Ends the innermost level and undoes what was written in it; the rows of the record set stay as
+  /// they are. Raises 3219 without one.
   void CnnRollbackTrans();
+  /// Takes back the edit of the current row, or a row that is being added.
   void Cancel();
+  /// Nothing happens without rows.
   void MoveFirst();
+  /// Nothing happens without rows.
   void MoveLast();
   /// Beeps and stays on the last row when there is no next one.
   void MoveNext();
   /// Beeps and stays on the first row when there is none before.
   void MovePrevious();
+  /// Whether the primary record set has any row.
   bool ExistenRegistros() const;
   /// From the current row on; at EOF when nothing is found. `Criteria` is not escaped.
   void FindRecord(std::string_view Criteria);
@@ -162,9 +177,11 @@ class RecordClass : public Object {
   std::string eventInterface() const;
   /// A listener must be removed before it dies; it may be removed while an event is delivered.
   void addListener(RecordClassEvents& listener);
+  /// Takes a listener off; one that was never added is passed over.
   void removeListener(RecordClassEvents& listener);
 
  protected:
+  /// `info` must outlive the object: it is a constant of the class.
   explicit RecordClass(const ClassInfo& info);
 
   /// What the three shapes of IniciaRs do. `cnnActive` is filled when it is empty.
@@ -208,12 +225,14 @@ class RecordClass : public Object {
   void write(const Statement& statement, ObjCn objCn) const;
   /// The first row's `column`; Empty when there is no row or its value is null.
   Variant lookUp(const Statement& statement, std::string_view column, ObjCn objCn) const;
+  /// Whether the statement gives a row.
   bool anyRow(const Statement& statement, ObjCn objCn) const;
   /// The description that a look-up gives for a code: "No" for a Null code, whatever was read,
   /// `fallback` where there is no row or no description.
   std::string describe(const Statement& statement, const Variant& vId, std::string_view fallback,
                        ObjCn objCn) const;
 
+  /// What GetConnectionStrToRpt gives, of any database.
   static void reportConnection(int selector, std::string& sDbtype, std::string& sDataSource,
                                std::string& sCatalog, std::string& sUser, std::string& sPasw);
   /// Full path of a file in the report folder of the installation.
@@ -264,6 +283,9 @@ class RecordClass : public Object {
 /// IniciaRs(sSelecSql, id): the record set rides on a connection of its own.
 class OpensByWord : public RecordClass {
  public:
+  /// Opens the primary record set by the statement of the mode `sSelecSql`, which becomes "todos"
+  /// where the class does not know it, for the code `id`. Rows come in the order that was last
+  /// chosen for that word. After an error the record set is a closed one.
   void IniciaRs(InOut<std::string> sSelecSql = {}, const Variant& id = {});
 
  protected:
@@ -273,6 +295,10 @@ class OpensByWord : public RecordClass {
 /// IniciaRs(sSelecSql, id, cnnActive): the record set rides on the caller's connection, if given.
 class OpensByWordOnConnection : public RecordClass {
  public:
+  /// Opens the primary record set by the statement of the mode `sSelecSql`, which becomes "todos"
+  /// where the class does not know it, for the code `id`, on `cnnActive`, which is filled when it
+  /// is empty. Rows come in the order that was last chosen for that word. After an error the record
+  /// set is a closed one.
   void IniciaRs(InOut<std::string> sSelecSql = {}, const Variant& id = {}, ObjCn cnnActive = {});
 
  protected:
@@ -282,6 +308,10 @@ class OpensByWordOnConnection : public RecordClass {
 /// IniciaRs(cnnActive, sSelecSql, id).
 class OpensOnConnection : public RecordClass {
  public:
+  /// Opens the primary record set by the statement of the mode `sSelecSql`, which becomes "todos"
+  /// where the class does not know it, for the code `id`, on `cnnActive`, which is filled when it
+  /// is empty. Rows come in the order that was last chosen for that word. After an error the record
+  /// set is a closed one.
   void IniciaRs(ObjCn cnnActive = {}, InOut<std::string> sSelecSql = {}, const Variant& id = {});
 
  protected:

@@ -13,6 +13,7 @@ namespace tavelor {
 /// What such a member asks and answers. Texts must outlive it: they are literals.
 template <typename Result>
 struct SingleRead {
+  /// A result that a constant may hold.
   using Literal = std::conditional_t<std::is_same_v<Result, std::string>, std::string_view, Result>;
 
   std::string_view select;

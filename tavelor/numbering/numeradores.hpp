@@ -68,7 +68,9 @@ class clsNumeradores final : public OpensByWord {
   std::string GetLetra(ObjCn objCn = {}, InOut<std::string> sPeriodo = {}) const;
   /// Parts of the code format; false without a row.
   bool GetAño(ObjCn objCn = {}, InOut<std::string> sPeriodo = {}) const;
+  /// Whether codes hold the month; false without a row.
   bool GetMes(ObjCn objCn = {}, InOut<std::string> sPeriodo = {}) const;
+  /// Whether codes hold a counter; false without a row.
   bool GetContador(ObjCn objCn = {}, InOut<std::string> sPeriodo = {}) const;
 
   /// Whether there are rows from before periods.

@@ -19,10 +19,12 @@ enum class AccountFault : std::uint8_t {
   kNational,  ///< those of the Spanish number do not fit
 };
 
+/// An account number that was read.
 struct AccountNumber {
   std::string text;  ///< in capitals, without what stands between the groups
   AccountFault fault = AccountFault::kNone;
 
+  /// Whether nothing is wrong with it.
   bool isValid() const { return fault == AccountFault::kNone; }
 };
 

@@ -18,12 +18,15 @@ template <typename R, typename... Arguments>
 class Callback<R(Arguments...)> {
  public:
   Callback() = default;
+  /// Nothing to call.
   Callback(std::nullptr_t) {}
+  /// Calls a copy of `function`, which copies of the callback share.
   template <typename F>
   requires(!std::is_same_v<std::remove_cvref_t<F>, Callback> &&
            std::is_invocable_r_v<R, std::remove_cvref_t<F>&, Arguments...>) Callback(F&& function)
       : target_(std::make_shared<Target<std::remove_cvref_t<F>>>(std::forward<F>(function))) {}
 
+  /// Whether there is something to call.
   explicit operator bool() const { return target_ != nullptr; }
   /// There must be something to call.
   R operator()(Arguments... arguments) const {

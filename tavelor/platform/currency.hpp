@@ -14,7 +14,7 @@ namespace tavelor {
 /// Rounding: from a double, and in products, to the nearest ten-thousandth, halves to even.
 class Currency {
  public:
-  static constexpr std::int64_t kScale = 10'000;
+  static constexpr std::int64_t kScale = 10'000;  ///< parts of one unit
 
   constexpr Currency() = default;
   /// The amount of `scaled` ten-thousandths.
@@ -27,9 +27,12 @@ class Currency {
   /// number.
   static Currency fromDouble(double amount);
 
+  /// Ten-thousandths.
   constexpr std::int64_t scaled() const { return scaled_; }
+  /// The nearest double.
   double toDouble() const { return static_cast<double>(scaled_) / static_cast<double>(kScale); }
 
+  /// Raises 6 for the least amount, whose opposite does not fit.
   Currency operator-() const;
   friend Currency operator+(Currency a, Currency b);
   friend Currency operator-(Currency a, Currency b);

@@ -25,9 +25,11 @@ struct CivilTime {
 class Date {
  public:
   constexpr Date() = default;
+  /// Days since 30 December 1899, the time as a fraction.
   constexpr explicit Date(double days) : days_(days) {}
   /// Raises 5 when the parts are no date of the years 100 to 9999.
   static Date of(const CivilTime& civil);
+  /// The same without a time.
   static Date of(int year, int month, int day) { return of({year, month, day, 0, 0, 0}); }
   /// The same with parts that may overflow: month 13 is January of the next year, day 0 the last
   /// of the month before. Raises 5 when the result leaves the years 100 to 9999.
@@ -37,6 +39,7 @@ class Date {
   /// Nothing when the parts are no date.
   static std::optional<Date> tryOf(const CivilTime& civil);
 
+  /// The day number with its fraction.
   constexpr double days() const { return days_; }
   /// To the nearest second. Raises 6 outside the years 100 to 9999.
   CivilTime civil() const;
@@ -51,6 +54,7 @@ class Date {
   double days_ = 0;
 };
 
+/// Whether a year has a 29th of February.
 bool isLeapYear(int year);
 /// 28 to 31.
 int daysInMonth(int year, int month);

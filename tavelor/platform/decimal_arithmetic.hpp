@@ -19,8 +19,11 @@ namespace tavelor {
 /// calculated with as a decimal.
 std::optional<std::int64_t> tenThousandthsOf(double number);
 
+/// As decimals of up to four places; raises 6 for what no double holds.
 double decimalSum(double a, double b);
+/// The same.
 double decimalDifference(double a, double b);
+/// The same.
 double decimalProduct(double a, double b);
 /// `b` must not be 0.
 double decimalQuotient(double a, double b);
@@ -32,7 +35,9 @@ double decimalTruncate(double number);
 /// The sum of any count of numbers, the same in whatever order they come. Good in zeroed memory.
 class DecimalSum {
  public:
+  /// Takes one more number in.
   void add(double number);
+  /// The sum so far.
   double total() const;
 
  private:

@@ -12,44 +12,54 @@ namespace tavelor {
 /// Error numbers. The small ones are the classic run-time errors, the 3xxx ones the record set's,
 /// the negative ones what a database answers. Callers compare numbers, so none is ever renumbered.
 namespace errors {
-inline constexpr std::int32_t kInvalidCall = 5;
-inline constexpr std::int32_t kOverflow = 6;
-inline constexpr std::int32_t kSubscriptOutOfRange = 9;
-inline constexpr std::int32_t kDivisionByZero = 11;
+inline constexpr std::int32_t kInvalidCall = 5;          ///< an argument that makes no sense
+inline constexpr std::int32_t kOverflow = 6;             ///< a number that does not fit its type
+inline constexpr std::int32_t kSubscriptOutOfRange = 9;  ///< a position that is not there
+inline constexpr std::int32_t kDivisionByZero = 11;      ///< a division by zero
+/// a value that does not read as the type wanted
 inline constexpr std::int32_t kTypeMismatch = 13;
-inline constexpr std::int32_t kFileNotFound = 53;
-inline constexpr std::int32_t kPathAccess = 75;
-inline constexpr std::int32_t kObjectNotSet = 91;
-inline constexpr std::int32_t kInvalidPattern = 93;
-inline constexpr std::int32_t kInvalidUseOfNull = 94;
-inline constexpr std::int32_t kObjectRequired = 424;
-inline constexpr std::int32_t kMemberNotFound = 438;
-inline constexpr std::int32_t kWrongNumberOfArguments = 450;
-inline constexpr std::int32_t kKeyAlreadyAssociated = 457;
+inline constexpr std::int32_t kFileNotFound = 53;      ///< a file that is not there
+inline constexpr std::int32_t kPathAccess = 75;        ///< a file or folder that the system refuses
+inline constexpr std::int32_t kObjectNotSet = 91;      ///< no record set yet, or no apartment
+inline constexpr std::int32_t kInvalidPattern = 93;    ///< a pattern of Like that is wrong
+inline constexpr std::int32_t kInvalidUseOfNull = 94;  ///< null where a value is wanted
+inline constexpr std::int32_t kObjectRequired = 424;   ///< no object where one is wanted
+inline constexpr std::int32_t kMemberNotFound = 438;   ///< a class or member that is not there
+inline constexpr std::int32_t kWrongNumberOfArguments = 450;  ///< too many arguments, or too few
+inline constexpr std::int32_t kKeyAlreadyAssociated = 457;  ///< a key that a collection has already
 
+/// an argument that a record set does not take
 inline constexpr std::int32_t kInvalidArgument = 3001;
+/// no current row: none there, or before or behind all
 inline constexpr std::int32_t kNoCurrentRecord = 3021;
+/// not now: unsaved changes, no open transaction
 inline constexpr std::int32_t kNotAllowedInContext = 3219;
-inline constexpr std::int32_t kInTransaction = 3246;
-inline constexpr std::int32_t kNotSupported = 3251;
-inline constexpr std::int32_t kItemNotFound = 3265;
-inline constexpr std::int32_t kAlreadyInCollection = 3367;
-inline constexpr std::int32_t kObjectInvalid = 3420;
-inline constexpr std::int32_t kWrongType = 3421;
-inline constexpr std::int32_t kObjectClosed = 3704;
-inline constexpr std::int32_t kObjectOpen = 3705;
-inline constexpr std::int32_t kInvalidConnection = 3709;
-inline constexpr std::int32_t kCancelledByUser = 3712;
+inline constexpr std::int32_t kInTransaction = 3246;  ///< not inside a transaction
+inline constexpr std::int32_t kNotSupported = 3251;  ///< what this record set or engine does not do
+inline constexpr std::int32_t kItemNotFound = 3265;  ///< a column that is not in the list
+inline constexpr std::int32_t kAlreadyInCollection = 3367;  ///< a column that is there already
+inline constexpr std::int32_t kObjectInvalid = 3420;        ///< an object that is gone
+inline constexpr std::int32_t kWrongType = 3421;     ///< a value that is not of the column's type
+inline constexpr std::int32_t kObjectClosed = 3704;  ///< a record set or connection that is closed
+inline constexpr std::int32_t kObjectOpen = 3705;    ///< one that is open already
+inline constexpr std::int32_t kInvalidConnection = 3709;  ///< no open connection
+inline constexpr std::int32_t kCancelledByUser = 3712;    ///< a listener has said no
 
-inline constexpr std::int32_t kUnspecified = -2147467259;
+inline constexpr std::int32_t kUnspecified = -2147467259;  ///< the rest: disk full, file damaged
+/// a listener has cancelled the change
 inline constexpr std::int32_t kOperationCanceled = -2147217842;
+/// a row that somebody else has changed or deleted
 inline constexpr std::int32_t kRowNotLocated = -2147217864;
-inline constexpr std::int32_t kTableNotFound = -2147217865;
+inline constexpr std::int32_t kTableNotFound = -2147217865;  ///< a table that is not there
+/// a key that is there already, or a Null that the table refuses
 inline constexpr std::int32_t kIntegrityViolation = -2147217873;
-inline constexpr std::int32_t kDeletedRow = -2147217885;
+inline constexpr std::int32_t kDeletedRow = -2147217885;  ///< the current row is deleted
+/// a text too long, or a number out of range, for its column
 inline constexpr std::int32_t kMultipleStep = -2147217887;
-inline constexpr std::int32_t kSyntax = -2147217900;
+inline constexpr std::int32_t kSyntax = -2147217900;  ///< a statement that does not read
+/// a name that is no column, and so a parameter without a value
 inline constexpr std::int32_t kMissingParameter = -2147217904;
+/// a filter whose value is not of the column's type
 inline constexpr std::int32_t kCriteriaTypeMismatch = -2147217913;
 /// The database is locked by somebody else and stayed so for the whole wait.
 inline constexpr std::int32_t kBusy = -2147217843;
@@ -64,10 +74,14 @@ inline constexpr std::int32_t kTransactionLost = -2147168231;
 /// NUL, and at most some thousand bytes, of a longer one its beginning and its end.
 class Error : public std::exception {
  public:
+  /// As whoever raises it tells; what() is made of all three.
   Error(std::int32_t number, std::string source, std::string description);
 
+  /// One of errors, or an application's own.
   std::int32_t number() const noexcept { return number_; }
+  /// The class or part that raised it.
   const std::string& source() const noexcept { return source_; }
+  /// What went wrong, for people.
   const std::string& description() const noexcept { return description_; }
 
   /// The statement that failed, or "".
@@ -79,6 +93,7 @@ class Error : public std::exception {
 
   /// Adds the statement unless one is known already: the innermost knows best.
   Error& inStatement(std::string_view statement, std::int64_t offset = -1);
+  /// Adds the engine's own result code.
   Error& withNativeCode(std::int32_t code) noexcept;
 
   /// "source: description (error number)", and the place in the statement when it is known.
@@ -101,6 +116,7 @@ struct TextPlace {
   std::int64_t line = 1;
   std::int64_t column = 1;
 };
+/// The line and column of a byte.
 TextPlace placeOf(std::string_view text, std::int64_t byteOffset);
 
 /// The description that belongs to a number ("Type mismatch."), or "" for an unknown one.

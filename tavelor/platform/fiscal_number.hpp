@@ -38,11 +38,13 @@ enum class FiscalFault : std::uint8_t {
   kReserved,  ///< strict
 };
 
+/// A fiscal number that was read.
 struct FiscalNumber {
   std::string text;  ///< as it goes into a record: compactFiscalNumber() of what was typed
   FiscalKind kind = FiscalKind::kNone;
   FiscalFault fault = FiscalFault::kNone;
 
+  /// Whether nothing is wrong with it.
   bool isValid() const { return fault == FiscalFault::kNone; }
 };
 

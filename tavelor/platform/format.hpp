@@ -34,6 +34,7 @@ std::string format(const Variant& value, std::string_view mask, const Locale& lo
 /// A mask taken apart once, to round many numbers by it. Mask and locale must outlive it.
 class RoundingMask {
  public:
+  /// Takes `mask` apart.
   RoundingMask(std::string_view mask, const Locale& locale);
 
   /// What format() writes, read back as a number by the same locale. Raises 13 where the written

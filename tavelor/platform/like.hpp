@@ -15,7 +15,9 @@ class LikePattern {
   /// Raises 93 for a `[` that is never closed or a range that falls.
   explicit LikePattern(std::string_view pattern);
   ~LikePattern();
+  /// Moves; the other one matches nothing afterwards but may be assigned to.
   LikePattern(LikePattern&&) noexcept;
+  /// The same.
   LikePattern& operator=(LikePattern&&) noexcept;
 
   /// Linear in the text for patterns with a single run; never exponential.

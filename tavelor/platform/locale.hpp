@@ -8,6 +8,7 @@
 
 namespace tavelor {
 
+/// In which order a date is written and read.
 enum class DateOrder { kDayMonthYear, kMonthDayYear, kYearMonthDay };
 
 /// The writing habits of a country. It is data: no C or C++ locale is read or set, so two

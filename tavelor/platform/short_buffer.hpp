@@ -20,7 +20,9 @@ class ShortBuffer {
   // Without {}: what lies behind the last element needs no value.
   ShortBuffer() {}  // NOLINT(modernize-use-equals-default, *-member-init)
   // Moved as it is copied, so that what is left behind is whole.
+  /// Copies the elements.
   ShortBuffer(const ShortBuffer& other) { append(other.elements()); }
+  /// The same.
   ShortBuffer& operator=(const ShortBuffer& other) {
     if (this == &other) return *this;
     size_ = 0;
@@ -28,15 +30,20 @@ class ShortBuffer {
     return *this;
   }
 
+  /// Valid until the next append().
   const Element* data() const { return size_ <= kRoom ? own_.data() : heap_.data(); }
+  /// Number of elements.
   std::size_t size() const { return size_; }
+  /// All of them, valid until the next append().
   std::span<const Element> elements() const { return {data(), size_}; }
 
+  /// Adds one element.
   void append(const Element& one) {
     if (size_ >= kRoom) [[unlikely]]
       return appendOnHeap({&one, 1});
     own_[size_++] = one;
   }
+  /// Adds several, none of which may be its own.
   void append(std::span<const Element> more) {
     if (more.empty()) return;  // which may have no address
     if (size_ + more.size() > kRoom) return appendOnHeap(more);

@@ -29,12 +29,14 @@ class Statement {
   /// it: a statement must not outlive that.
   class Constant {
    public:
+    /// Takes a literal.
     template <std::size_t kSize>
     consteval Constant(const char (&text)[kSize])  // NOLINT(google-explicit-constructor,*-c-arrays)
         : text_(text, kSize - 1) {
       // Reading it while compiling proves that nothing can write to it.
       if (text_.find('\0') != std::string_view::npos) throw "a constant has no NUL";
     }
+    /// The literal.
     constexpr std::string_view text() const { return text_; }
 
    private:
@@ -50,23 +52,29 @@ class Statement {
       std::convertible_to<const Text&, std::string_view> && !std::is_array_v<Text>;
 
   Statement() = default;
+  /// Begins with a constant.
   explicit Statement(Constant constant) { *this << constant; }
+  /// Begins with text that the program has made, and vouches for.
   template <typename Text>
   requires kIsTrusted<Text>
   explicit Statement(const Text& trusted) { *this << trusted; }
 
+  /// Appends a constant.
   Statement& operator<<(Constant constant) {
     pieces_.append({constant.text().data(), sizeOf(constant.text()), Piece::Kind::kConstant});
     return *this;
   }
+  /// Appends text that the program has made, and vouches for.
   template <typename Text>
   requires kIsTrusted<Text> Statement& operator<<(const Text& trusted) {
     return keep(trusted, Piece::Kind::kTrusted);
   }
+  /// Appends a value: it can break the statement and do nothing else.
   Statement& operator<<(Value value) { return keep(value.text, Piece::Kind::kValue); }
   /// Appends another statement, piece by piece.
   Statement& operator<<(const Statement& part);
 
+  /// Whether nothing has been appended.
   bool empty() const { return pieces_.size() == 0; }
   /// The joined text, made anew by each call.
   std::string text() const { return joined().text; }
@@ -77,14 +85,17 @@ class Statement {
     std::uint32_t end;
     friend constexpr bool operator==(Range, Range) = default;
   };
+  /// The text with the places of its values.
   struct Joined {
     std::string text;
     std::vector<Range> ranges;  ///< one a value
   };
+  /// Made anew by each call.
   Joined joined() const;
 
   /// What was appended at once.
   struct Piece {
+    /// Where its text comes from.
     enum class Kind : std::uint8_t { kConstant, kTrusted, kValue };
     const char* constant;  ///< null unless a constant: the text is in keptText()
     std::uint32_t size;    ///< bytes

@@ -26,11 +26,15 @@ class Object {
 
  protected:
   Object() = default;
+  /// A copy of an object is another object.
   Object(const Object&) = default;
+  /// The same.
   Object& operator=(const Object&) = default;
 };
 
+/// What a column of bytes holds.
 using Bytes = std::vector<std::byte>;
+/// An object, shared.
 using ObjectPtr = std::shared_ptr<Object>;
 
 /// Never assigned. Reads as "" in text and 0 in a number.
@@ -42,6 +46,7 @@ struct Null {
   friend constexpr bool operator==(Null, Null) = default;
 };
 
+/// What a Variant may hold, in the order of its alternatives.
 enum class VariantType : std::uint8_t {
   kEmpty,
   kNull,
@@ -70,26 +75,44 @@ std::string_view typeName(VariantType type);
 class Variant {
  public:
   Variant() = default;
+  /// Nothing was given.
   Variant(Empty) {}
+  /// A value that a column does not have.
   Variant(Null n) : value_(n) {}
+  /// A truth value.
   Variant(bool v) : value_(v) {}
+  /// An integer of 16 bits.
   Variant(std::int16_t v) : value_(v) {}
+  /// An integer of 32 bits.
   Variant(std::int32_t v) : value_(v) {}
   /// Becomes a 32-bit integer where it fits, else a double.
   Variant(std::int64_t v);
+  /// A number of single precision.
   Variant(float v) : value_(v) {}
+  /// A number of double precision.
   Variant(double v) : value_(v) {}
+  /// Money.
   Variant(Currency v) : value_(v) {}
+  /// A date with its time.
   Variant(Date v) : value_(v) {}
+  /// A text, in UTF-8.
   Variant(std::string v) : value_(std::move(v)) {}
+  /// A text, in UTF-8, copied.
   Variant(std::string_view v) : value_(std::string(v)) {}
+  /// A text, in UTF-8, copied.
   Variant(const char* v) : value_(std::string(v)) {}
+  /// Bytes.
   Variant(Bytes v) : value_(std::move(v)) {}
+  /// An object, shared.
   Variant(ObjectPtr v) : value_(std::move(v)) {}
 
+  /// What it holds.
   VariantType type() const { return static_cast<VariantType>(value_.index()); }
+  /// Whether nothing was given.
   bool isEmpty() const { return type() == VariantType::kEmpty; }
+  /// Whether it is Null.
   bool isNull() const { return type() == VariantType::kNull; }
+  /// Whether it is a text.
   bool isText() const { return type() == VariantType::kText; }
   /// Boolean, integers, single, double, currency.
   bool isNumber() const;
@@ -102,9 +125,13 @@ class Variant {
 
   /// Not zero; also the words of the locale and True and False.
   bool toBoolean(const Locale& locale) const;
+  /// Halves round to even. Raises 6 beyond 16 bits.
   std::int16_t toInt16(const Locale& locale) const;
+  /// Halves round to even. Raises 6 beyond 32 bits.
   std::int32_t toInt32(const Locale& locale) const;
+  /// A text reads by the locale.
   double toDouble(const Locale& locale) const;
+  /// Rounded to four decimals, halves to even.
   Currency toCurrency(const Locale& locale) const;
   /// A text that is no date but a number is a day number.
   Date toDate(const Locale& locale) const;

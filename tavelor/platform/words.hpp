@@ -9,8 +9,9 @@
 
 namespace tavelor {
 
-using Word64 = std::uint64_t;
+using Word64 = std::uint64_t;  ///< eight bytes
 
+/// bytes of a word
 inline constexpr std::size_t kWordSize = sizeof(Word64);
 
 /// That byte in all places.

@@ -20,6 +20,7 @@ class ClsBancos final : public OpensByWord {
   /// Code of the default bank, or Empty. With several default rows the first one that the database
   /// gives wins: nothing keeps the flag unique.
   Variant GetPredeterminada(ObjCn objCn = {}) const;
+  /// Whether any row is the default one.
   bool ExistePredeterminada(ObjCn objCn = {}) const;
 
   /// IBAN and BIC of an account, "0" for what is null. The code "0" answers "00" and "ND" without

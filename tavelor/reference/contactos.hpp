@@ -15,6 +15,7 @@ class ClsContactos final : public OpensOnConnection {
   std::string typeName() const override { return "ClsContactos"; }
   static const Component& component();
 
+  /// Whether any row is the default one.
   bool ExistePredeterminada(ObjCn objCn = {}) const;
   /// Name of the default contact, or Empty.
   Variant GetPredeterminada(ObjCn objCn = {}) const;

@@ -17,6 +17,7 @@ class ClsDivisas final : public OpensOnConnection {
 
   /// Value in euros of the default currency; 1 without one, so that a shop counts in euros.
   Variant ValorEuro(ObjCn objCn = {}) const;
+  /// Whether any row is the default one.
   bool ExistePredeterminada(ObjCn objCn = {}) const;
   /// Code of the default currency, or Empty.
   Variant GetPredeterminada(ObjCn objCn = {}) const;

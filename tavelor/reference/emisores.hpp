@@ -18,6 +18,7 @@ class Emisores final : public OpensOnConnection {
   /// Description of an issuer; "no" for one that is not there or has none. An empty `vId` breaks
   /// the statement.
   std::string GetValor(const Variant& vId, ObjCn objCn = {}) const;
+  /// Number of issuers. Raises 6 for more than 32,767.
   std::int16_t CuantosRegistros(ObjCn objCn = {}) const;
   /// Loads a picture into the current row; see readLogotipo().
   void ReadBLOB(InOut<std::string> Source);

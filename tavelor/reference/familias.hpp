@@ -25,9 +25,12 @@ class clsFamilias final : public OpensByWord {
   Variant GetFirst(ObjCn objCn = {}) const;
   /// Description of a family, or Empty.
   Variant GetValor(const Variant& vId, ObjCn objCn = {}) const;
+  /// Whether there is a family with that code.
   bool ExisteFam(const Variant& vId, ObjCn objCn = {}) const;
+  /// Gives a family another description. A code that is not there is passed over.
   void CambiarDescripcionaFamilia(const Variant& vId, std::string_view sDescrip,
                                   ObjCn cnnActive = {}) const;
+  /// Adds a family. Raises the integrity error for a code that is there.
   void Insertar(const Variant& vId, std::string_view sDescripcion, ObjCn objCn = {}) const;
   /// Codes of the families of the import database.
   std::vector<Variant> ObtenerFamiliasImport(ObjCn objCn = {}) const;

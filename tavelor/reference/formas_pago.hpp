@@ -15,6 +15,7 @@ class ClsFormasPago final : public OpensOnConnection {
   std::string typeName() const override { return "ClsFormasPago"; }
   static const Component& component();
 
+  /// Whether any row is the default one.
   bool ExistePredeterminada(ObjCn objCn = {}) const;
   /// Whether any method is cash.
   bool ExisteContado(ObjCn objCn = {}) const;

@@ -25,6 +25,7 @@ class ClsImpuestos final : public OpensByWord {
   Variant GetImpuestoPredeterminada(ObjCn objCn = {}) const;
   /// "Impuesto" for a code that is not there, "No" for a Null one.
   std::string GetDescripcion(const Variant& vId, ObjCn objCn = {}) const;
+  /// Whether any row is the default one.
   bool ExistePredeterminada(ObjCn objCn = {}) const;
 
  private:

@@ -51,6 +51,7 @@ class ClsTiposDocumento final : public OpensOnConnection {
   void GetDatosCabecera(Datos& datos) const;
   /// Of the type `sCod`, or of the default row.
   void GetDatosEmpresa(Datos& datos) const;
+  /// Whether any row is the default one.
   bool ExistePredeterminada(ObjCn objCn = {}) const;
   /// Whether the default row's issuer is a natural person; false without a row.
   bool esPersonaFisica(ObjCn objCn = {}) const;

@@ -17,6 +17,7 @@ class ClsTiposFactura final : public OpensByWord {
 
   /// Description of the default row, or Empty.
   Variant GetPredeterminada(ObjCn objCn = {}) const;
+  /// Whether any row is the default one.
   bool ExistePredeterminada(ObjCn objCn = {}) const;
 
   /// Parameters of GetDatos, in their order.

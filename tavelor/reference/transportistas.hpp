@@ -15,6 +15,7 @@ class ClsTransportistas final : public OpensOnConnection {
   std::string typeName() const override { return "ClsTransportistas"; }
   static const Component& component();
 
+  /// Whether any row is the default one.
   bool ExistePredeterminada(ObjCn objCn = {}) const;
   /// Name of the default carrier, or Empty.
   Variant GetPredeterminada(ObjCn objCn = {}) const;

@@ -51,8 +51,10 @@ class TicketTable : public Frame {
   void Mover_De_Historicos(const Variant& vId, ObjCn cnnActive = {}) const;
 
  protected:
+  /// Both must outlive the object: they are constants.
   TicketTable(const ClassInfo& info, const life_cycle::Table& table) : Frame(info), table_(table) {}
 
+  /// What differs from the other tables of tickets.
   const life_cycle::Table& table() const { return table_; }
 
  private:

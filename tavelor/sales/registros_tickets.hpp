@@ -21,11 +21,12 @@ class ClsRegTickets final : public Object {
   std::string typeName() const override { return std::string(kTypeName); }
   static const Component& component();
 
-  Variant Suma;
-  Variant Importe;
-  Variant Descripcion;
-  Variant Codigo;
+  Variant Suma;         ///< sum, or base of a tax
+  Variant Importe;      ///< amount
+  Variant Descripcion;  ///< description of the group
+  Variant Codigo;       ///< code of the group: family, rate or payment method
 };
+/// A sum, shared.
 using ClsRegTicketsPtr = std::shared_ptr<ClsRegTickets>;
 
 /// Groups in the order in which they were added, some under a key. A group is found by its
@@ -42,6 +43,7 @@ class CollectionTickets final : public KeyedCollection<CollectionTickets, ClsReg
   ClsRegTicketsPtr Add(std::string_view Key, const Variant& Codigo, const Variant& Descripcion,
                        const Variant& Importe, const Variant& Suma, std::string_view sKey = {});
 };
+/// A collection of sums, shared.
 using CollectionTicketsPtr = std::shared_ptr<CollectionTickets>;
 
 }  // namespace tavelor

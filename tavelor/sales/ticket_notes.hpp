@@ -24,6 +24,7 @@ class TicketNotes : public TicketTable<OpensOnConnection> {
   void ToTxt(bool bDoclone = false, std::string_view sSelecSql = {}, bool bFilter = false);
 
  protected:
+  /// Takes what the table of tickets takes.
   using TicketTable::TicketTable;
 };
 

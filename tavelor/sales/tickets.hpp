@@ -42,19 +42,29 @@ class ClsTickets final : public TicketTable<OpensByWord> {
 
   /// Whether the ticket has an order document.
   bool bEsPedido() const;
+  /// Warehouse.
   std::string sQAlmacen() const;
   /// Whether a delivery note or an invoice took the ticket.
   bool bEstaFacturado() const;
+  /// Number of the ticket.
   double iQNumero() const;
+  /// Number of the order document, 0 for none.
   double iQDocumento() const;
+  /// Number of the delivery note or invoice that took the ticket, 0 for none.
   double iQDocumentoF() const;
+  /// Total, in the shop's currency.
   double dQTotal() const;
+  /// Change given.
   double dQCambio() const;
+  /// Amount delivered.
   double dQEntrega() const;
   /// Writes the amount delivered; Update stores it. Errors of the record set rise.
   void dQEntrega(double dEntrega);
+  /// Payment method.
   std::string sQFpago() const;
+  /// Reference.
   std::string sQReferencia() const;
+  /// Whether prices include tax.
   bool bEsIvaIncluido() const;
 
   // ---- Sums and lists (tickets_ventas.cpp)
@@ -281,6 +291,7 @@ class ClsTickets final : public TicketTable<OpensByWord> {
   /// Adds a row; with `bDefVal`, with the next number of series A and what a new ticket begins
   /// with. `bIsInvoiced` plays no part.
   void AddNew(bool bDefVal = false, bool bIsInvoiced = false);
+  /// Says whether prices of the current ticket include tax; Update stores it.
   void UpdateIncTax(bool vIdIncTax);
   /// Says whether the ticket is paid: settled when the amount delivered covers the total, or when
   /// the total is 0; unpaid when nothing was delivered; else partly paid. Update stores it.
@@ -298,7 +309,9 @@ class ClsTickets final : public TicketTable<OpensByWord> {
   void SaveLog(std::int16_t iNum, std::string_view sText);
   /// Full paths of the class's text file, of the one for the display and of the one for the drawer.
   std::string GetTxtFile() const;
+  /// Full path of the text file for the display.
   std::string GetTxtFileDisp() const;
+  /// Full path of the text file for the drawer.
   std::string GetTxtFileDraw() const;
 
  private:

@@ -34,6 +34,7 @@ class Apartment {
   class Home;
   class Scope;
 
+  /// Binds it to the calling thread.
   explicit Apartment(std::shared_ptr<Installation> installation);
   ~Apartment();
   Apartment(const Apartment&) = delete;
@@ -44,20 +45,29 @@ class Apartment {
   /// The same, or null.
   static Apartment* find() noexcept;
 
+  /// The one that it binds.
   Installation& installation() const;
+  /// Whose component it is, and where it lives.
   const VersionRecord& version() const;
+  /// By which texts read and values print.
   const Locale& locale() const;
 
   /// One object each, made at first use.
   RegistryTree& registry();
+  /// The registry as lists use it.
   RegistryStore& registryStore();
+  /// The shop's formats.
   FormatGlobal& formatGlobal();
+  /// Values of the session.
   SessionGlobal& sessionGlobal();
+  /// Messages and questions.
   PromptGlobal& promptGlobal();
 
   /// Who shows messages and asks questions; null for nobody.
   void setPromptHandler(std::shared_ptr<PromptHandler> handler);
+  /// What was sent to the databases.
   StatementTrace& trace();
+  /// The time that classes and statements go by.
   Clock& clock();
 
   /// An open connection to a database, idle or new; see DataSession::OpenConnection.

@@ -12,12 +12,14 @@ namespace tavelor {
 /// Time().
 class Clock {
  public:
+  /// The time of this computer, or the one that was fixed.
   Date now() const;
   /// now() without its time.
   Date today() const { return now().dayOnly(); }
 
   /// From here on it is always `moment`.
   void fix(Date moment) { fixed_ = moment; }
+  /// Goes on with the time of this computer.
   void release() { fixed_.reset(); }
 
  private:

@@ -49,7 +49,9 @@ class DataSession {
   /// with a separator at its end. Raises 5 for a name that leaves the folder, 75 for one that the
   /// system does not take and for a folder that is missing and cannot be made.
   std::string ReportPath(std::string_view file) const;
+  /// The same, of the export folder.
   std::string ExportPath(std::string_view file) const;
+  /// The same, of the folder of documents.
   std::string DocPath(std::string_view file) const;
 
   /// An open connection of its own, from the idle ones of the apartment where there is one. It

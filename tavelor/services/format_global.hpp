@@ -13,6 +13,7 @@ class Variant;
 /// One object per apartment.
 class FormatGlobal {
  public:
+  /// By the settings of that installation.
   explicit FormatGlobal(std::shared_ptr<const Installation> installation)
       : installation_(std::move(installation)) {}
 

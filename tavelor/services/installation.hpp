@@ -71,7 +71,7 @@ struct Settings {
 /// once open, so the apartments of several threads may share it. Paths are given and taken as text.
 class Installation {
  public:
-  static constexpr std::string_view kSettingsFile = "tavelor.xml";
+  static constexpr std::string_view kSettingsFile = "tavelor.xml";  ///< name of the settings file
   /// Folder of reports and pages, always directly below the installation folder.
   static constexpr std::string_view kReportFolder = "rpt";
 
@@ -91,24 +91,35 @@ class Installation {
   Installation(const Installation&) = delete;
   Installation& operator=(const Installation&) = delete;
 
+  /// Whose component it is, and where it lives.
   const VersionRecord& version() const { return version_; }
+  /// As they were when it was opened.
   const Settings& settings() const { return settings_; }
+  /// By which texts read and values print.
   const std::shared_ptr<const Locale>& locale() const { return locale_; }
+  /// Full path, without a separator at its end.
   const std::string& folder() const { return version_.folder; }
 
   /// Raises 9 for a selector that the settings do not name.
   const DatabaseSettings& database(int selector) const;
   /// Full path of a file-based database.
   std::string databaseFile(int selector) const;
+  /// What runs the statements of a database. Raises 9 as database() does.
   const engine::Engine& databaseEngine(int selector) const;
   /// "Provider=sqlite;Data Source=/shops/centre/main.db".
   const std::string& connectionString(int selector) const;
+  /// Full path of the registry.
   std::string registryFile() const;
 
+  /// Full path of the folder of reports and pages.
   std::string reportFolder() const;
+  /// Full path of the folder of exports.
   std::string exportFolder() const;
+  /// Full path of the folder of documents.
   std::string documentFolder() const;
+  /// Full path of the folder of text exports.
   std::string textFolder() const;
+  /// Full path of the folder of text exports for mail.
   std::string emailTextFolder() const;
 
   /// Writes changed settings in the place of the old ones: after a crash there is one or the other,

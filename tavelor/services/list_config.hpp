@@ -18,6 +18,7 @@ class ListConfig {
 
   /// Binds the list to a key: "SOFTWARE\Merivan\Tavelor\1.0\Configuracion\registros\Bancos\todos\".
   void Key(std::string_view path);
+  /// The key that it is bound to, "" at first.
   const std::string& Key() const { return key_; }
 
   /// The value, or `fallback` where the value or its key is missing. `name` is taken as text;

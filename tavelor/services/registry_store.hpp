@@ -12,6 +12,7 @@ class RegistryTree;
 /// One object per apartment. Errors: those of RegistryTree.
 class RegistryStore {
  public:
+  /// Over that tree, which must outlive it.
   explicit RegistryStore(RegistryTree& tree) : tree_(tree) {}
 
   /// True if that value is set under that key, whatever it holds, an empty text included.

@@ -25,18 +25,23 @@ namespace tavelor {
 /// full disk; 5 for an empty path.
 class RegistryTree {
  public:
+  /// How the file is opened.
   struct Options {
     bool create = false;  ///< make the file when it is not there; else that is an error
     bool synchronous = true;
     int busyTimeoutMs = 5000;
   };
+  /// Opens the file.
   explicit RegistryTree(const std::string& file, Options options);
+  /// The same by the usual options.
   explicit RegistryTree(const std::string& file) : RegistryTree(file, Options{}) {}
   ~RegistryTree();
   RegistryTree(const RegistryTree&) = delete;
   RegistryTree& operator=(const RegistryTree&) = delete;
 
+  /// A value, or nothing where it was never set.
   std::optional<std::string> get(std::string_view key, std::string_view name);
+  /// Whether a value was set.
   bool has(std::string_view key, std::string_view name);
   /// Makes the key where it is missing. A value that is there already is not written again.
   void set(std::string_view key, std::string_view name, std::string_view value);
@@ -47,11 +52,13 @@ class RegistryTree {
 
   /// Names of the keys directly below `key` ("" is the root), in the order of their folded names.
   std::vector<std::string> keys(std::string_view key);
+  /// One value of a key.
   struct NamedValue {
     std::string name;
     std::string value;
     friend bool operator==(const NamedValue&, const NamedValue&) = default;
   };
+  /// All values of a key, in the order of their folded names.
   std::vector<NamedValue> values(std::string_view key);
 
  private:

@@ -15,10 +15,12 @@ class RegistryTree;
 /// program. A value that was never set is the empty text. Errors: those of RegistryTree.
 class SessionGlobal {
  public:
+  /// Over that tree, which must outlive it.
   explicit SessionGlobal(RegistryTree& tree) : tree_(tree) {}
 
   /// One named value of a key.
   std::string GetNamedValue(std::string_view key, std::string_view name);
+  /// Sets one named value of a key.
   void SetNamedValue(std::string_view key, std::string_view name, std::string_view value);
 
   /// The value of the key itself.

@@ -26,13 +26,15 @@ struct TraceEntry {
 /// The last statements of one apartment. Off unless the installation's settings turn it on.
 class StatementTrace final : public TraceSink {
  public:
-  static constexpr std::size_t kKept = 4096;
+  static constexpr std::size_t kKept = 4096;  ///< statements that are kept
 
   bool isOn() const override { return on_; }
+  /// Keeps statements from now on, or no more.
   void turn(bool on) { on_ = on; }
 
   /// The last kKept statements, oldest first.
   const std::deque<TraceEntry>& entries() const { return entries_; }
+  /// Forgets them.
   void clear() { entries_.clear(); }
 
   /// Appends a line a statement to that file from now on; "" ends it. A file that cannot be written
@@ -42,6 +44,7 @@ class StatementTrace final : public TraceSink {
   /// must not change the trace.
   void listen(Callback<void(const TraceEntry&)> listener) { listener_ = std::move(listener); }
 
+  /// Keeps a statement, and hands it to the file and the listener.
   void statement(const Entry& traced) override;
 
  private:

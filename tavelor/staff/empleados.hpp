@@ -51,6 +51,7 @@ class ClsEmpleados final : public OpensOnConnection {
   /// The same without the employees of the category `scatego`, and without those of none.
   std::string SiguienteEmpleadoCatego(std::string_view sEmple, std::string_view scatego,
                                       ObjCn objCn = {}) const;
+  /// The employee who follows.
   std::string SiguienteEmpleado(std::string_view sEmple, ObjCn objCn = {}) const;
 
   // ---- One column of one employee, by whatever holds the code

@@ -12,6 +12,7 @@ namespace tavelor::dialect {
 
 using engine::ColumnType;
 
+/// What a statement does.
 enum class StatementKind : std::uint8_t { kSelect, kInsert, kUpdate, kDelete, kDdl };
 
 /// How the text of a lifted literal becomes the value of a placeholder.
@@ -44,6 +45,7 @@ struct Step {
   std::vector<Parameter> parameters;
 };
 
+/// One column of a SELECT.
 struct OutputColumn {
   std::string name;
   ColumnType type = ColumnType::kText;
@@ -59,6 +61,7 @@ struct OutputColumn {
   bool updatable = false;
 };
 
+/// A statement as an engine gets it.
 struct Plan {
   StatementKind kind = StatementKind::kSelect;
   std::vector<Step> steps;

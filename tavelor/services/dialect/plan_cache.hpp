@@ -43,6 +43,7 @@ class PlanCache {
   /// The tables as they are now; the same pointer as before if nothing has changed.
   using Tables = Callback<std::shared_ptr<const engine::Catalogue>()>;
 
+  /// `session` and `writer` must outlive it.
   PlanCache(engine::Session& session, Tables tables, std::shared_ptr<const Locale> locale,
             const Writer& writer);
   /// Over tables that stay as they are.
@@ -67,11 +68,13 @@ class PlanCache {
   std::int64_t run(std::string_view withPlaceholders, std::span<const engine::Value> values,
                    engine::RowStore* returned = nullptr);
 
+  /// How statements were served.
   struct Counters {
     std::uint64_t translated = 0;  ///< statements that had to be translated
     std::uint64_t shapeHits = 0;   ///< served by the ranges of a Statement
     std::uint64_t lexedHits = 0;   ///< served after lexing
   };
+  /// Since it was made.
   Counters counters() const;
 
  private:

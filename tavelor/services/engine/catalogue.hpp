@@ -25,9 +25,11 @@ enum class ColumnType : std::uint8_t {
   kBinary = 205  ///< bytes without a limit
 };
 
+/// Whether a column holds text.
 constexpr bool isText(ColumnType t) {
   return t == ColumnType::kText || t == ColumnType::kMemo;
 }
+/// Whether a column holds whole numbers.
 constexpr bool isWhole(ColumnType t) {
   return t == ColumnType::kInt16 || t == ColumnType::kInt32 || t == ColumnType::kByte;
 }
@@ -36,11 +38,13 @@ struct WholeRange {
   std::int64_t least;
   std::int64_t most;
 };
+/// Of a whole type.
 constexpr WholeRange wholeRange(ColumnType t) {
   if (t == ColumnType::kByte) return {0, 0xFF};
   if (t == ColumnType::kInt16) return {-0x8000, 0x7FFF};
   return {-0x8000'0000LL, 0x7FFF'FFFF};
 }
+/// Whether a column holds numbers, money among them.
 constexpr bool isNumeric(ColumnType t) {
   return isWhole(t) || t == ColumnType::kSingle || t == ColumnType::kDouble ||
          t == ColumnType::kCurrency;
@@ -51,6 +55,7 @@ std::int32_t fixedSize(ColumnType type);
 /// The word of the dialect's DDL: "TEXT", "MEMO", "LONG"...
 std::string_view ddlWord(ColumnType type);
 
+/// One column of a table.
 struct Column {
   std::string name;
   ColumnType type = ColumnType::kText;
@@ -63,6 +68,7 @@ struct Column {
 /// Finds names without regard to case. Open addressing over the hashes of the folded names.
 class NameIndex {
  public:
+  /// Makes room for so many names.
   void reserve(std::size_t names);
   /// `position` is what find() will give for `name`.
   void add(std::string_view name, std::size_t position);
@@ -91,6 +97,7 @@ class NameIndex {
   std::vector<Slot> slots_;  ///< a power of two, at most half full
 };
 
+/// One table.
 struct Table {
   std::string name;
   std::vector<Column> columns;
@@ -105,10 +112,12 @@ struct Table {
 class Catalogue {
  public:
   Catalogue() = default;
+  /// Takes the tables and indexes their names.
   explicit Catalogue(std::vector<Table> tables);
 
   /// Without regard to case; null when there is none.
   const Table* find(std::string_view table) const;
+  /// In the order in which they were given.
   const std::vector<Table>& tables() const { return tables_; }
 
  private:

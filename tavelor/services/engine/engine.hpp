@@ -27,6 +27,7 @@ struct Value;
 class Prepared {
  public:
   virtual ~Prepared() = default;
+  /// Placeholders of the statement.
   virtual int parameterCount() const = 0;
   /// `index` from 1. Views in `value` must live until run() or fetch() returns; a text or bytes
   /// must be bound anew before the next run.
@@ -34,6 +35,7 @@ class Prepared {
   /// Runs to the end and gives the number of rows written; rows that it would give are dropped.
   /// After an error the statement has changed nothing and may be run again.
   virtual std::int64_t run() = 0;
+  /// every row
   static constexpr std::size_t kAllRows = std::numeric_limits<std::size_t>::max();
   /// Appends every row, or the first `most` of a SELECT and looks at no further one. The number of
   /// columns must be that of the store. A value that is not of the store's column type is converted
@@ -66,6 +68,7 @@ class Session {
  public:
   virtual ~Session() = default;
 
+  /// Compiles a statement. The session must outlive it.
   virtual std::unique_ptr<Prepared> prepare(std::string_view engineText) = 0;
   /// Runs one or several statements that give no rows, without keeping them.
   virtual void execute(std::string_view engineText) = 0;
@@ -78,12 +81,16 @@ class Session {
   /// nothing of the transaction is left, and no level is open; the rollback() that whoever meets
   /// the error may send after it does nothing. A session that dies rolls back.
   virtual int begin() = 0;
+  /// Gives the number of levels that are left.
   virtual int commit() = 0;
+  /// Gives the number of levels that are left.
   virtual int rollback() = 0;
+  /// Open levels.
   virtual int depth() const = 0;
   /// Raises kTransactionLost when the open transaction is.
   virtual void mustNotBeLost() const = 0;
 
+  /// The tables as they are now.
   virtual Catalogue describe() = 0;
   /// Another number after each change of tables or columns, whoever made it.
   virtual std::int64_t schemaVersion() = 0;
@@ -93,6 +100,7 @@ class Session {
   virtual void settle() {}
 };
 
+/// How a session is opened.
 struct OpenOptions {
   std::string path;     ///< of a file-based database; ":memory:" is one that dies with its session
   bool create = false;  ///< make the file if it is not there; else that is an error
@@ -103,6 +111,7 @@ struct OpenOptions {
   Callback<Date()> now;  ///< the clock of statements; the computer's when it is not set
 };
 
+/// A kind of database: it opens sessions and says how statements are written for it.
 class Engine {
  public:
   virtual ~Engine() = default;
@@ -119,6 +128,7 @@ class Engine {
 /// One level of transaction that is rolled back unless it was committed.
 class Transaction {
  public:
+  /// Begins a level.
   explicit Transaction(Session& session) : session_(session), level_(session.begin()) {}
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
@@ -131,6 +141,7 @@ class Transaction {
     }
   }
 
+  /// Keeps what was written, and ends the level.
   void commit() {
     level_ = 0;
     session_.commit();

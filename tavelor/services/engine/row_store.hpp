@@ -23,16 +23,20 @@ namespace tavelor::engine {
 /// ten-thousandths, single, double and date as double, text, memo and binary as bytes.
 class RowStore {
  public:
-  using Word = Word64;
+  using Word = Word64;  ///< what a cell takes
 
+  /// Holds no rows yet.
   explicit RowStore(std::vector<ColumnType> columns)
       : columns_(std::move(columns)),
         nullWords_((columns_.size() + 63) / 64),
         stride_(nullWords_ + columns_.size()),
         words_(kFirstChunkRows * stride_ * sizeof(Word)) {}
 
+  /// Number of rows.
   std::size_t rows() const { return rows_; }
+  /// Number of columns.
   std::size_t columns() const { return columns_.size(); }
+  /// Of a column, from 0.
   ColumnType type(std::size_t column) const { return columns_[column]; }
 
   /// Appends a row of nulls and gives its number.
@@ -44,10 +48,13 @@ class RowStore {
   /// while it is used; other rows may be appended.
   class Cells {
    public:
+    /// A whole number, flag or amount of money.
     void setInteger(std::size_t column, std::int64_t value) {
       set(column, std::bit_cast<Word>(value));
     }
+    /// A number with a fraction, or a date.
     void setReal(std::size_t column, double value) { set(column, std::bit_cast<Word>(value)); }
+    /// Text or bytes, copied.
     void setText(std::size_t column, std::string_view value) {
       set(column, store_->packText(value));
     }
@@ -63,6 +70,7 @@ class RowStore {
     RowStore* store_;
     Word* words_;
   };
+  /// To fill a row.
   Cells cells(std::size_t row) { return {*this, &word(row, 0)}; }
 
   /// One row to be read, without looking it up for every cell. Good as long as the store lives,
@@ -71,13 +79,17 @@ class RowStore {
    public:
     Row() = default;
 
+    /// Whether a cell is Null.
     bool isNull(std::size_t column) const {
       return (nulls_[column / 64] >> (column % 64) & 1U) != 0;
     }
+    /// A whole number, flag or amount of money.
     std::int64_t integer(std::size_t column) const {
       return std::bit_cast<std::int64_t>(cells_[column]);
     }
+    /// A number with a fraction, or a date.
     double real(std::size_t column) const { return std::bit_cast<double>(cells_[column]); }
+    /// Text or bytes, valid as long as the store.
     std::string_view text(std::size_t column) const { return textOf(cells_[column]); }
 
    private:
@@ -87,33 +99,42 @@ class RowStore {
     const Word* nulls_ = nullptr;
     const Word* cells_ = nullptr;
   };
+  /// To read a row.
   Row row(std::size_t row) const {
     const Word* words = &word(row, 0);
     return {words, words + nullWords_};
   }
 
+  /// Whether a cell is Null.
   bool isNull(std::size_t row, std::size_t column) const {
     return (word(row, column / 64) >> (column % 64) & 1U) != 0;
   }
+  /// A whole number, flag or amount of money.
   std::int64_t integer(std::size_t row, std::size_t column) const {
     return std::bit_cast<std::int64_t>(word(row, nullWords_ + column));
   }
+  /// A number with a fraction, or a date.
   double real(std::size_t row, std::size_t column) const {
     return std::bit_cast<double>(word(row, nullWords_ + column));
   }
+  /// Text or bytes, valid as long as the store.
   std::string_view text(std::size_t row, std::size_t column) const {
     return textOf(word(row, nullWords_ + column));
   }
 
+  /// Makes a cell Null.
   void setNull(std::size_t row, std::size_t column) {
     word(row, column / 64) |= Word{1} << (column % 64);
   }
+  /// A whole number, flag or amount of money.
   void setInteger(std::size_t row, std::size_t column, std::int64_t value) {
     setCell(row, column, std::bit_cast<Word>(value));
   }
+  /// A number with a fraction, or a date.
   void setReal(std::size_t row, std::size_t column, double value) {
     setCell(row, column, std::bit_cast<Word>(value));
   }
+  /// Text or bytes, copied.
   void setText(std::size_t row, std::size_t column, std::string_view value) {
     setCell(row, column, packText(value));
   }

@@ -13,6 +13,7 @@ namespace tavelor::engine {
 /// A typed value that an engine binds to a placeholder. Text and bytes are views: what they view
 /// must live until the statement has run.
 struct Value {
+  /// Which of the fields holds it.
   enum class Kind : std::uint8_t {
     kNull,
     kBoolean,
@@ -29,13 +30,21 @@ struct Value {
   double real = 0;           ///< kReal, kDate (day number)
   std::string_view text;     ///< kText, kBytes
 
+  /// Null.
   static Value null() { return {}; }
+  /// A flag.
   static Value ofBoolean(bool v) { return {Kind::kBoolean, v ? -1 : 0, 0, {}}; }
+  /// A whole number.
   static Value ofInteger(std::int64_t v) { return {Kind::kInteger, v, 0, {}}; }
+  /// A number with a fraction.
   static Value ofReal(double v) { return {Kind::kReal, 0, v, {}}; }
+  /// An amount of money.
   static Value ofCurrency(Currency v) { return {Kind::kCurrency, v.scaled(), 0, {}}; }
+  /// A date.
   static Value ofDate(Date v) { return {Kind::kDate, 0, v.days(), {}}; }
+  /// A text, in UTF-8, that must live until it is bound and run.
   static Value ofText(std::string_view v) { return {Kind::kText, 0, 0, v}; }
+  /// Bytes that must live as long.
   static Value ofBytes(std::string_view v) { return {Kind::kBytes, 0, 0, v}; }
 };
 

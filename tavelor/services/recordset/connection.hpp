@@ -31,7 +31,9 @@ class Session;
 class SessionLease {
  public:
   virtual ~SessionLease() = default;
+  /// The session that was leased.
   virtual engine::Session& session() = 0;
+  /// Its plans.
   virtual dialect::PlanCache& plans() = 0;
   /// What rows are read by. Another one than plans() where this lease stands for a read that was
   /// given no connection, while whoever keeps the sessions has a transaction open in another.
@@ -54,9 +56,11 @@ class TraceSink {
   virtual ~TraceSink() = default;
   /// False spares the clock and the call of statement().
   virtual bool isOn() const = 0;
+  /// A statement has run.
   virtual void statement(const Entry& entry) = 0;
 };
 
+/// What a connection is opened with.
 struct ConnectionSettings {
   std::shared_ptr<SessionLease> lease;
   std::shared_ptr<const Locale>
@@ -76,6 +80,7 @@ class Connection final : public Object, public std::enable_shared_from_this<Conn
  public:
   /// A closed connection.
   Connection() = default;
+  /// An open connection over a leased session.
   static ConnectionPtr open(ConnectionSettings settings);
   /// Rolls back what is not committed.
   ~Connection() override;
@@ -95,7 +100,9 @@ class Connection final : public Object, public std::enable_shared_from_this<Conn
   /// Closes the record sets that are open over it; their pending changes are lost. Raises 3246
   /// inside a transaction, with nothing closed.
   void Close();
+  /// Open or closed.
   ObjectState State() const { return lease_ ? ObjectState::kOpen : ObjectState::kClosed; }
+  /// As the installation gives it.
   std::string ConnectionString() const { return connectionString_; }
 
   /// Runs a statement that gives no rows; the number of rows written. After an error nothing of the
@@ -109,9 +116,11 @@ class Connection final : public Object, public std::enable_shared_from_this<Conn
   /// True if a SELECT gives a row; looks at no further one.
   bool anyRow(const Statement& statement) const;
 
+  /// Number of its database in the installation.
   int selector() const { return selector_; }
   /// Open levels; 0 when closed.
   int transactionLevel() const;
+  /// By which texts read.
   const std::shared_ptr<const Locale>& locale() const { return locale_; }
 
  private:

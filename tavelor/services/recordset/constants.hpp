@@ -6,9 +6,13 @@
 
 namespace tavelor {
 
+/// Whether a record set or connection is open.
 enum class ObjectState : std::int32_t { kClosed = 0, kOpen = 1 };
+/// Where rows are kept.
 enum class CursorLocation : std::int32_t { kServer = 2, kClient = 3 };
+/// What a record set sees of changes that others make.
 enum class CursorType : std::int32_t { kForwardOnly = 0, kKeyset = 1, kDynamic = 2, kStatic = 3 };
+/// When changes are written.
 enum class LockType : std::int32_t {
   kUnspecified = -1,
   kReadOnly = 1,
@@ -16,8 +20,11 @@ enum class LockType : std::int32_t {
   kOptimistic = 3,
   kBatchOptimistic = 4
 };
+/// What is being done to a row.
 enum class EditMode : std::int32_t { kNone = 0, kInProgress = 1, kAdd = 2, kDelete = 4 };
+/// Which rows an operation is about.
 enum class Affect : std::int32_t { kCurrent = 1, kGroup = 2, kAll = 3, kAllChapters = 4 };
+/// Rows that a filter shows by their state.
 enum class FilterGroup : std::int32_t {
   kNone = 0,
   kPending = 1,     ///< rows with changes that no UpdateBatch has written yet, deleted ones too
@@ -25,7 +32,9 @@ enum class FilterGroup : std::int32_t {
   kFetched = 3,     ///< rows as they were fetched: all of them
   kConflicting = 5  ///< rows that the last UpdateBatch could not write
 };
+/// Where Find goes.
 enum class SearchDirection : std::int32_t { kForward = 1, kBackward = -1 };
+/// Where one bookmark stands to another.
 enum class CompareResult : std::int32_t {
   kLessThan = 0,
   kEqual = 1,
@@ -33,6 +42,7 @@ enum class CompareResult : std::int32_t {
   kNotEqual = 3,
   kNotComparable = 4
 };
+/// How an event came about; a listener may set kCancel before a change.
 enum class EventStatus : std::int32_t {
   kOk = 1,
   kErrorsOccurred = 2,
@@ -40,6 +50,7 @@ enum class EventStatus : std::int32_t {
   kCancel = 4,
   kUnwantedEvent = 5
 };
+/// What a change is about.
 enum class EventReason : std::int32_t {
   kAddNew = 1,
   kDelete = 2,
@@ -57,6 +68,7 @@ enum class EventReason : std::int32_t {
   kMovePrevious = 14,
   kMoveLast = 15
 };
+/// The type of a column.
 enum class DataType : std::int32_t {
   kInt16 = 2,
   kInt32 = 3,
@@ -87,39 +99,40 @@ enum class DataType : std::int32_t {
 
 /// Recordset::AbsolutePosition() when there is no row to count.
 namespace position {
-inline constexpr std::int32_t kUnknown = -1;
-inline constexpr std::int32_t kBof = -2;
-inline constexpr std::int32_t kEof = -3;
+inline constexpr std::int32_t kUnknown = -1;  ///< no rows, or a deleted one
+inline constexpr std::int32_t kBof = -2;      ///< before the first row
+inline constexpr std::int32_t kEof = -3;      ///< behind the last row
 }  // namespace position
 
 /// Starting points of Move and Find that are no bookmarks of rows.
 namespace bookmark {
-inline constexpr std::int32_t kCurrent = 0;
-inline constexpr std::int32_t kFirst = 1;
-inline constexpr std::int32_t kLast = 2;
+inline constexpr std::int32_t kCurrent = 0;  ///< the current row
+inline constexpr std::int32_t kFirst = 1;    ///< the first row
+inline constexpr std::int32_t kLast = 2;     ///< the last row
 }  // namespace bookmark
 
 /// Bits of Recordset::Status().
 namespace record_status {
-inline constexpr std::int32_t kOk = 0;
-inline constexpr std::int32_t kNew = 0x1;
-inline constexpr std::int32_t kModified = 0x2;
-inline constexpr std::int32_t kDeleted = 0x4;
-inline constexpr std::int32_t kUnmodified = 0x8;
-inline constexpr std::int32_t kInvalid = 0x10;
-inline constexpr std::int32_t kPendingChanges = 0x80;
-inline constexpr std::int32_t kCanceled = 0x100;
+inline constexpr std::int32_t kOk = 0;                 ///< written
+inline constexpr std::int32_t kNew = 0x1;              ///< added and not yet written
+inline constexpr std::int32_t kModified = 0x2;         ///< changed and not yet written
+inline constexpr std::int32_t kDeleted = 0x4;          ///< marked as deleted
+inline constexpr std::int32_t kUnmodified = 0x8;       ///< as it was read
+inline constexpr std::int32_t kInvalid = 0x10;         ///< not written, for what its place names
+inline constexpr std::int32_t kPendingChanges = 0x80;  ///< it has changes that are not written
+inline constexpr std::int32_t kCanceled = 0x100;       ///< its writing was cancelled
+/// not written: somebody else has changed it
 inline constexpr std::int32_t kConcurrencyViolation = 0x800;
-inline constexpr std::int32_t kIntegrityViolation = 0x1000;
-inline constexpr std::int32_t kDbDeleted = 0x40000;
+inline constexpr std::int32_t kIntegrityViolation = 0x1000;  ///< not written: its table refuses it
+inline constexpr std::int32_t kDbDeleted = 0x40000;          ///< its deletion is written
 }  // namespace record_status
 
 /// Bits of Field::Attributes().
 namespace field_attribute {
-inline constexpr std::int32_t kUpdatable = 0x4;
-inline constexpr std::int32_t kIsNullable = 0x20;
-inline constexpr std::int32_t kMayBeNull = 0x40;
-inline constexpr std::int32_t kLong = 0x80;  ///< may be written and read in pieces
+inline constexpr std::int32_t kUpdatable = 0x4;    ///< may be written
+inline constexpr std::int32_t kIsNullable = 0x20;  ///< takes Null
+inline constexpr std::int32_t kMayBeNull = 0x40;   ///< may hold Null
+inline constexpr std::int32_t kLong = 0x80;        ///< may be written and read in pieces
 }  // namespace field_attribute
 
 }  // namespace tavelor

@@ -27,6 +27,7 @@ class RecordsetEvents {
  public:
   virtual ~RecordsetEvents() = default;
 
+  /// Before the cursor moves; kCancel keeps it where it is.
   virtual void WillMove(EventReason /*reason*/, EventStatus& /*status*/, Recordset& /*set*/) {}
   /// `error` is null unless `status` is kErrorsOccurred.
   virtual void MoveComplete(EventReason /*reason*/, const Error* /*error*/, EventStatus& /*status*/,
@@ -35,18 +36,23 @@ class RecordsetEvents {
   /// appended rows, and the move goes to the first of them.
   virtual void EndOfRecordset(bool& /*moreData*/, EventStatus& /*status*/, Recordset& /*set*/) {}
 
+  /// Before a field is written; kCancel leaves it as it is.
   virtual void WillChangeField(std::span<const Field> /*fields*/, EventStatus& /*status*/,
                                Recordset& /*set*/) {}
+  /// After a field was written, or was not.
   virtual void FieldChangeComplete(std::span<const Field> /*fields*/, const Error* /*error*/,
                                    EventStatus& /*status*/, Recordset& /*set*/) {}
+  /// Before rows change; kCancel leaves them as they are.
   virtual void WillChangeRecord(EventReason /*reason*/, std::int32_t /*records*/,
                                 EventStatus& /*status*/, Recordset& /*set*/) {}
+  /// After rows have changed, or have not.
   virtual void RecordChangeComplete(EventReason /*reason*/, std::int32_t /*records*/,
                                     const Error* /*error*/, EventStatus& /*status*/,
                                     Recordset& /*set*/) {}
   /// Requery and Close.
   virtual void WillChangeRecordset(EventReason /*reason*/, EventStatus& /*status*/,
                                    Recordset& /*set*/) {}
+  /// After a Requery or Close.
   virtual void RecordsetChangeComplete(EventReason /*reason*/, const Error* /*error*/,
                                        EventStatus& /*status*/, Recordset& /*set*/) {}
 };

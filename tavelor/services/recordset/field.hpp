@@ -22,6 +22,7 @@ class Recordset;
 /// when the current row is deleted.
 class Field final {
  public:
+  /// A column of `set`, from 0.
   Field(Recordset& set, std::size_t column) : set_(&set), column_(column) {}
 
   /// Name as the statement gave it. Valid until the set is closed or opened again.
@@ -61,6 +62,7 @@ class Field final {
   /// only, else 3219.
   Variant GetChunk(std::int32_t length);
 
+  /// Position of the column, from 0.
   std::size_t column() const { return column_; }
 
  private:
@@ -72,6 +74,7 @@ class Field final {
 /// by name, all by position.
 class Fields final {
  public:
+  /// The columns of `set`.
   explicit Fields(Recordset& set) : set_(&set) {}
 
   /// 0 for a closed set.

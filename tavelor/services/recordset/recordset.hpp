@@ -55,6 +55,7 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   void Open();
   /// Pending changes are lost. Raises 3704 when closed.
   void Close();
+  /// Open or closed.
   ObjectState State() const;
   /// Runs the statement again; filter and order stay, the cursor goes to the first row, pending
   /// changes are lost, bookmarks lose their meaning, clones keep the old rows. Raises 3219 while a
@@ -70,15 +71,21 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   void ActiveConnection(const ConnectionPtr& connection);
   /// The text of the statement, "" for a set without one.
   std::string Source() const;
+  /// Always that of the client.
   tavelor::CursorLocation CursorLocation() const { return tavelor::CursorLocation::kClient; }
+  /// Always static.
   tavelor::CursorType CursorType() const { return tavelor::CursorType::kStatic; }
+  /// When changes are written.
   tavelor::LockType LockType() const { return lockType_; }
   /// kBatchOptimistic at first. With kOptimistic each Update and Delete is written at once, one row
   /// at a time. Raises 3705 when open, 3001 for another type.
   void LockType(tavelor::LockType lockType);
 
+  /// The columns.
   tavelor::Fields Fields() { return tavelor::Fields(*this); }
+  /// A column by its position, from 0. Raises 3265 out of range.
   tavelor::Field Field(std::int32_t position) { return Fields().Item(position); }
+  /// A column by its name. Raises 3265, naming the nearest one.
   template <typename Text>
   requires std::convertible_to<const Text&, std::string_view> tavelor::Field Field(
       const Text& name) {
@@ -87,14 +94,19 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
 
   // ---- Position. Leaving a row that is in edit posts it first, as Update does.
 
+  /// Whether the cursor is before the first row.
   bool Bof() const;
+  /// Whether the cursor is behind the last row.
   bool Eof() const;
   /// Rows of the view (filter applied, deleted rows left out).
   std::int32_t RecordCount() const;
+  /// Raises 3021 without rows.
   void MoveFirst();
+  /// Raises 3021 without rows.
   void MoveLast();
   /// Past the last row it stops on EOF; once more raises 3021.
   void MoveNext();
+  /// Before the first row it stops on BOF; once more raises 3021.
   void MovePrevious();
   /// `start` is a bookmark or one of the numbers of bookmark::; too far stops on BOF or EOF.
   void Move(std::int32_t rows, const Variant& start = {});
@@ -129,6 +141,7 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   void Filter(const std::vector<Variant>& bookmarks);
   /// kNone too when the filter is a text or a list of bookmarks.
   FilterGroup CurrentFilterGroup() const;
+  /// The order, "" for that of the statement.
   const std::string& Sort() const;
   /// "field [ASC|DESC], ...": by number, date, or character code of text; Null first, last in DESC;
   /// equal rows keep their order; "" is the order of the statement. The cursor goes to the first
@@ -146,6 +159,7 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   /// Posts the row in edit to the pending changes; nothing without one. Where rows are written at
   /// once, an error leaves the row in edit: mend it and post again, or CancelUpdate.
   void Update();
+  /// Writes the fields first, by name or position.
   void Update(const std::vector<Variant>& fields, const std::vector<Variant>& values);
   /// Takes the current row back: what is in edit; without that, the row's pending changes, an added
   /// row going away. Nothing to take back is no error.
@@ -174,6 +188,7 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   void UpdateBatch(Affect affect = Affect::kAll);
   /// Drops pending changes. The cursor may stand nowhere afterwards: move.
   void CancelBatch(Affect affect = Affect::kAll);
+  /// What is being done to the current row.
   tavelor::EditMode EditMode() const;
   /// Bits of record_status for the current row.
   std::int32_t Status() const;
@@ -185,12 +200,14 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   /// Writes rows (those of a filter text), fields and pending changes as XML, first to a temporary
   /// file beside it: after an error the old file is as it was. The cursor goes to the first row.
   void Save(const std::string& path);
+  /// What Save writes, as text.
   std::string SaveXml();
   /// Opens a set from what Save wrote. Raises 53 for a missing file, 75 for one that cannot be
   /// read, 3001 with the place for a text that is no record set. `locale`: by which later
   /// assignments read texts; null is Spanish.
   static RecordsetPtr OpenFile(const std::string& path,
                                const std::shared_ptr<const Locale>& locale = {});
+  /// Opens a set from what SaveXml gave; errors as OpenFile.
   static RecordsetPtr LoadXml(std::string_view xml,
                               const std::shared_ptr<const Locale>& locale = {});
 
@@ -198,6 +215,7 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
 
   /// The listener must outlive the set or be removed.
   void addListener(RecordsetEvents* listener);
+  /// One that was never added is passed over.
   void removeListener(RecordsetEvents* listener);
 
   /// Bytes held by rows and changes.
