@@ -46,6 +46,19 @@ double flagNumber(bool flag) {
 
 const ImportTable ArticleImport::kTable = {"Articulos", "articles", kFields};
 
+bool ArticleImport::admitsDiscount(const Record& record) {
+  return record.flag(at(ArticleField::kAdmitsDiscount), true);
+}
+
+// Where stock is kept sales take it off, unless the file says otherwise.
+bool ArticleImport::isSoldFromStock(const Record& record) {
+  return record.flag(at(ArticleField::kSoldFromStock), record.flag(at(ArticleField::kKeepsStock)));
+}
+
+bool ArticleImport::insertsByOneStatement(const Record& record) const {
+  return admitsDiscount(record) && !isSoldFromStock(record);
+}
+
 void ArticleImport::insert(const Record& record) {
   const auto text = [&](ArticleField field) { return doubledQuotes(record.text(at(field))); };
   const auto number = [&](ArticleField field) { return record.number(at(field)); };
@@ -59,7 +72,7 @@ void ArticleImport::insert(const Record& record) {
                                 .dPrecio = number(ArticleField::kPriceA),
                                 .dPrecio_B = number(ArticleField::kPriceB),
                                 .dPrecio_C = number(ArticleField::kPriceC),
-                                .bDto = flag(ArticleField::kAdmitsDiscount, true),
+                                .bDto = admitsDiscount(record),
                                 .sImpuesto = text(ArticleField::kTax),
                                 .dExistencia = number(ArticleField::kStock),
                                 .bLotes = flagNumber(flag(ArticleField::kByLot)),
@@ -69,8 +82,7 @@ void ArticleImport::insert(const Record& record) {
                                 .dDto_D = number(ArticleField::kDiscount),
                                 .objCn = connection()};
   articles_.Insertar(alta);
-  // Where stock is kept sales take it off, unless the file says otherwise. No member writes it.
-  if (flag(ArticleField::kSoldFromStock, flag(ArticleField::kKeepsStock))) {
+  if (isSoldFromStock(record)) {  // no member writes it
     Statement statement("UPDATE Articulos SET Restar_Stock = True WHERE Codigo = '");
     statement << value(doubledQuotes(record.key)) << "'";
     DataSession().Execute(selector::kMain, statement, connection());

@@ -38,9 +38,13 @@ class ArticleImport final : public RowImport {
  private:
   std::string check(Record& /*record*/) override { return {}; }
   void insert(const Record& record) override;
+  bool insertsByOneStatement(const Record& record) const override;
   void rewrite(const Record& record, Recordset& stored,
                std::span<const std::size_t> differing) override;
   void update(const clsArticulos::Cambio& change);
+  /// Of a new article.
+  static bool admitsDiscount(const Record& record);
+  static bool isSoldFromStock(const Record& record);
 
   clsArticulos articles_;
 };

@@ -243,20 +243,28 @@ bool RowImport::differs(const Record& record, std::size_t field, Recordset& rows
   }
 }
 
+// A transaction of its own in that of the batch makes the engine keep what each page was before it,
+// which costs a third of an insert; a single statement needs none.
+void RowImport::insertWhole(const Record& record) {
+  if (insertsByOneStatement(record)) return insert(record);
+  shop::Transaction ofTheRow(connection_);
+  insert(record);
+  ofTheRow.commit();
+}
+
 void RowImport::write(const Record& record, const Stored& before) {
   Recordset& rows = *before.rows;
   if (std::string fault = widthFault(record, rows); !fault.empty()) {
     return refuse(record.line, std::string(record.key), std::move(fault));
   }
   try {
-    shop::Transaction ofTheRow(connection_);
     const auto position = before.positions.find(std::string(record.key));
     if (position == before.positions.end()) {
-      insert(record);
-      ofTheRow.commit();
+      insertWhole(record);
       ++counts_.added;
       return taken(record, nullptr);
     }
+    shop::Transaction ofTheRow(connection_);
     rows.AbsolutePosition(position->second);
     std::vector<std::size_t> differing;
     for (std::size_t field = 1; field < table_.fields.size(); ++field) {

@@ -70,6 +70,8 @@ class RowImport {
   /// What is wrong with the values as such, or "". May put better ones in their places.
   virtual std::string check(Record& record) = 0;
   virtual void insert(const Record& record) = 0;
+  /// True if insert() runs one statement only: the engine itself leaves nothing of one that fails.
+  virtual bool insertsByOneStatement(const Record& /*record*/) const { return false; }
   /// `stored` stands on the row, `differing` are the fields in which the two differ. Not called
   /// where there are none.
   virtual void rewrite(const Record& record, Recordset& stored,
@@ -90,6 +92,7 @@ class RowImport {
   std::string read(const CsvFile::Row& row, Record& record);
   std::vector<Record> readBatch(const std::vector<CsvFile::Row>& rows, std::size_t count);
   Stored stored(const std::vector<Record>& batch);
+  void insertWhole(const Record& record);
   void write(const Record& record, const Stored& before);
   std::string widthFault(const Record& record, Recordset& rows) const;
   bool differs(const Record& record, std::size_t field, Recordset& rows) const;
