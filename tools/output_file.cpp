@@ -10,11 +10,11 @@
 #include <fstream>
 #include <string_view>
 #include <system_error>
-#include <vector>
 
 #include <fcntl.h>
 #include <fmt/format.h>
 
+#include "tavelor/services/folders.hpp"
 #include "tavelor/services/installation.hpp"
 #include "tools/command.hpp"
 #include "tools/input_file.hpp"
@@ -26,43 +26,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// As its folder's links resolve, whether the file is there or not.
-fs::path resolved(const fs::path& file) {
-  std::error_code unknown;
-  const fs::path whole = fs::weakly_canonical(fs::absolute(file, unknown), unknown);
-  return unknown ? file.lexically_normal() : whole;
-}
-
-bool isSame(const fs::path& a, const fs::path& b) {
-  std::error_code unknown;
-  return fs::equivalent(a, b, unknown) || resolved(a) == resolved(b);
-}
-
-/// The files that the shop keeps open or reads when it is opened.
-std::vector<fs::path> ownFiles(const Installation& shop) {
-  std::vector<fs::path> databases = {shop.registryFile()};
-  for (const DatabaseSettings& database : shop.settings().databases) {
-    databases.emplace_back(shop.databaseFile(database.selector));
-  }
-  std::vector<fs::path> files = {fs::path(shop.folder()) / Installation::kSettingsFile};
-  for (const fs::path& database : databases) {
-    files.push_back(database);
-    for (const std::string_view companion : {"-wal", "-shm", "-journal"}) {
-      files.emplace_back(database.string().append(companion));
-    }
-  }
-  return files;
-}
-
 /// A file that is there in a folder of the shop's, at any depth.
 bool isDocument(const fs::path& file, const Installation& shop) {
   std::error_code unknown;
   if (!fs::exists(file, unknown)) return false;
   const std::array folders = {shop.reportFolder(), shop.exportFolder(), shop.documentFolder(),
                               shop.textFolder(), shop.emailTextFolder()};
-  const fs::path whole = resolved(file);
+  const fs::path whole = resolvedFile(file);
   return std::any_of(folders.begin(), folders.end(), [&](const std::string& folder) {
-    const fs::path own = resolved(fs::path(folder) / "");
+    const fs::path own = resolvedFile(fs::path(folder) / "");
     const auto inside = whole.lexically_relative(own.has_filename() ? own : own.parent_path());
     return !inside.empty() && *inside.begin() != "..";
   });
@@ -80,10 +52,7 @@ bool beginsWith(const fs::path& file, std::string_view head) {
 }  // namespace
 
 void requireForeign(const std::string& option, const std::string& file, const Installation& shop) {
-  const std::vector<fs::path> own = ownFiles(shop);
-  const bool isOwn =
-      std::any_of(own.begin(), own.end(), [&](const fs::path& each) { return isSame(file, each); });
-  if (isOwn || isDocument(file, shop)) {
+  if (shop.isOwnFile(file) || isDocument(file, shop)) {
     throw UsageError(fmt::format("{}: {} is the shop's own file", option, printable(file)));
   }
 }
@@ -91,7 +60,7 @@ void requireForeign(const std::string& option, const std::string& file, const In
 OutputFile beginOutput(const std::string& option, const std::string& file, std::string_view head,
                        const std::string& input, const Installation& shop) {
   if (!beginsWith(file, head)) requireForeign(option, file, shop);
-  if (!input.empty() && isSame(file, input)) {
+  if (!input.empty() && isSameFile(file, input)) {
     throw UsageError(fmt::format("{}: {} is the file that is read", option, printable(file)));
   }
   // Without waiting: a pipe that nobody reads would be opened only when somebody does.

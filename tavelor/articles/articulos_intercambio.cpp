@@ -86,7 +86,7 @@ void clsArticulos::Create_xml_Articulos(std::string_view sPath, ObjCn objCn) con
                                            " FROM "
                                            "Articulos"),
                                  *objCn);
-  if (!rows->Bof() && !rows->Eof()) rows->Save(std::string(sPath));
+  if (!rows->Bof() && !rows->Eof()) saveRows(*rows, sPath);
 }
 
 void clsArticulos::GetExportPath(InOut<std::string> sExportPath) const {

@@ -35,7 +35,7 @@ std::string ClsClientes::GetTxtFile_email() const {
 
 void ClsClientes::Create_xml_Clientes(std::string_view sPath, ObjCn objCn) const {
   const RecordsetPtr rows = read(Statement("SELECT * FROM Clientes"), *objCn);
-  if (rows->RecordCount() > 0) rows->Save(std::string(sPath));
+  if (rows->RecordCount() > 0) saveRows(*rows, sPath);
 }
 
 RecordsetPtr ClsClientes::IniciaXML(std::string_view sPath) {

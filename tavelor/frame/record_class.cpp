@@ -13,6 +13,8 @@
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/data_session.hpp"
+#include "tavelor/services/engine/catalogue.hpp"
+#include "tavelor/services/installation.hpp"
 #include "tavelor/services/prompt_global.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 
@@ -105,9 +107,38 @@ void RecordClass::openPrimary(std::string& sSelecSql, const Variant& id, Connect
 
 RecordsetPtr RecordClass::openPrimaryFromFile(std::string_view path) {
   mustBeHome();
-  takePrimary(DataSession().OpenRecordsetFromFile(path));
+  RecordsetPtr rows = DataSession().OpenRecordsetFromFile(path);
+  requireOwnRows(*rows, path);
+  takePrimary(std::move(rows));
   offerPrimary();
   return adoPrimaryRS_;
+}
+
+/// A file tells the tables of its fields; where another program wrote it and told none, their names
+/// must do.
+void RecordClass::requireOwnRows(Recordset& rows, std::string_view path) const {
+  const auto catalogue = Apartment::current().installation().catalogue(info_.selector);
+  const engine::Table* const table = catalogue->find(info_.table);
+  std::string others;
+  for (std::int32_t i = 0; i < rows.Fields().Count(); ++i) {
+    const Field field = rows.Field(i);
+    const std::string& base = field.BaseTable();
+    const bool isOwn = base.empty() ? table != nullptr && table->find(field.Name()) >= 0
+                                    : text::equalsIgnoreCase(base, info_.table);
+    if (isOwn) return;
+    if (others.empty()) others = base;
+  }
+  raise(errors::kInvalidArgument, info_.word,
+        others.empty() ? fmt::format("No field of {} is one of {}.", path, info_.table)
+                       : fmt::format("{} holds rows of {}, not of {}.", path, others, info_.table));
+}
+
+void RecordClass::saveRows(Recordset& rows, std::string_view path) const {
+  const std::string file(path);
+  if (Apartment::current().installation().isOwnFile(file)) {
+    raise(errors::kPathAccess, info_.word, fmt::format("{} is the installation's own file.", path));
+  }
+  rows.Save(file);
 }
 
 Statement RecordClass::modeStatement(std::string& word, const Variant& id) const {

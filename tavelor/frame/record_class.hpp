@@ -187,8 +187,8 @@ class RecordClass : public Object {
   /// What the three shapes of IniciaRs do. `cnnActive` is filled when it is empty.
   void openPrimary(std::string& sSelecSql, const Variant& id, ConnectionPtr& cnnActive);
 
-  /// Makes the record set saved in that file the primary one, without a connection. After an error
-  /// the old one is still there.
+  /// Makes the record set saved in that file the primary one, without a connection. Raises 3001
+  /// where no field of it is one of the class's table. After an error the old one is still there.
   RecordsetPtr openPrimaryFromFile(std::string_view path);
 
   /// The statement of a mode word, which becomes "todos" when the class does not know it.
@@ -216,6 +216,10 @@ class RecordClass : public Object {
   /// given, or below the installation's folder when it is relative, or the usual one when it is "".
   void writeModernPage(std::string_view sPersonalFolder, const GridColumns& clColfields,
                        bool bDoclone, std::string_view sSelecSql, bool bFilter);
+
+  /// Saves rows in a file that the caller names, in the place of an earlier one, whole or not at
+  /// all. Raises 75 for a file that cannot be written, and for one of the installation's own.
+  void saveRows(Recordset& rows, std::string_view path) const;
 
   /// Opens a SELECT on `objCn`, filling it when it is empty.
   RecordsetPtr read(const Statement& statement, ObjCn objCn) const;
@@ -260,6 +264,7 @@ class RecordClass : public Object {
 
   void takePrimary(RecordsetPtr rows);
   void offerPrimary();
+  void requireOwnRows(Recordset& rows, std::string_view path) const;
   RecordsetPtr greatest(std::string_view column, ConnectionPtr& objCn) const;
   void restoreOrder(std::string_view sLlave);
   void restoreOrForgetOrder(std::string_view sLlave);

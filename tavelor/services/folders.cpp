@@ -58,4 +58,15 @@ std::string pathInFolder(const fs::path& folder, std::string_view file, std::str
   return full.string();
 }
 
+fs::path resolvedFile(const fs::path& file) {
+  std::error_code unknown;
+  const fs::path whole = fs::weakly_canonical(fs::absolute(file, unknown), unknown);
+  return unknown ? file.lexically_normal() : whole;
+}
+
+bool isSameFile(const fs::path& a, const fs::path& b) {
+  std::error_code unknown;
+  return fs::equivalent(a, b, unknown) || resolvedFile(a) == resolvedFile(b);
+}
+
 }  // namespace tavelor

@@ -19,4 +19,9 @@ std::string folderText(const std::filesystem::path& folder, std::string_view sou
 std::string pathInFolder(const std::filesystem::path& folder, std::string_view file,
                          std::string_view source);
 
+/// The file's full name as its folder's links resolve, whether it is there or not.
+std::filesystem::path resolvedFile(const std::filesystem::path& file);
+/// Whether two names, links and ways through folders are those of one file, be it there or not.
+bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b);
+
 }  // namespace tavelor

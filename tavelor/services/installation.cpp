@@ -2,6 +2,8 @@
 // Makes and opens installations.
 #include "tavelor/services/installation.hpp"
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
 #include <mutex>
 #include <system_error>
@@ -13,6 +15,7 @@
 #include "tavelor/services/engine/catalogue.hpp"
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/engines.hpp"
+#include "tavelor/services/folders.hpp"
 #include "tavelor/services/registry_tree.hpp"
 #include "tavelor/services/schema.hpp"
 #include "tavelor/services/settings_file.hpp"
@@ -181,6 +184,20 @@ std::string Installation::textFolder() const {
 }
 std::string Installation::emailTextFolder() const {
   return within(settings_.emailTextFolder);
+}
+
+bool Installation::isOwnFile(const std::string& file) const {
+  std::vector<fs::path> stored = {registryFile()};
+  for (const auto& database : databases_) stored.push_back(database->file);
+  const auto isAny = [&](std::string_view companion) {
+    return std::any_of(stored.begin(), stored.end(), [&](const fs::path& each) {
+      return isSameFile(file, each.string().append(companion));
+    });
+  };
+  constexpr std::array<std::string_view, 5> kCompanions = {"", "-wal", "-shm", "-journal",
+                                                           "-queue"};
+  return isSameFile(file, fs::path(folder()) / kSettingsFile) ||
+         std::any_of(kCompanions.begin(), kCompanions.end(), isAny);
 }
 
 std::string Installation::within(const std::string& path) const {

@@ -122,6 +122,11 @@ class Installation {
   /// Full path of the folder of text exports for mail.
   std::string emailTextFolder() const;
 
+  /// Whether a file, by whatever name or link, is one that the installation lives in: its settings,
+  /// its databases and registry, and what lies beside them while they are written. Nothing else may
+  /// be written there.
+  bool isOwnFile(const std::string& file) const;
+
   /// Writes changed settings in the place of the old ones: after a crash there is one or the other,
   /// whole. Those who have the installation open go on with the old ones.
   static void saveSettings(const std::string& folder, const Settings& settings);

@@ -128,6 +128,15 @@ TEST_F(ClsArticulosIntercambioTest, ATableWithoutArticlesSavesNoFile) {
   EXPECT_FALSE(std::filesystem::exists(file()));
 }
 
+TEST_F(ClsArticulosIntercambioTest, TheInstallationsOwnFilesAreNotOverwritten) {
+  add("A1");
+  const std::string folder = shop.installation().folder();
+  for (const char* file : {"/main.db", "/tavelor.xml"}) {
+    EXPECT_EQ(errorOf([&] { articles.Create_xml_Articulos(folder + file); }), errors::kPathAccess);
+  }
+  EXPECT_EQ(shop.text("SELECT Count(*) FROM Articulos"), "1");
+}
+
 TEST_F(ClsArticulosIntercambioTest, AFileThatIsNotThereLeavesThePrimaryRecordSet) {
   articles.IniciaRs();
   const RecordsetPtr before = articles.DataMember("Primary");

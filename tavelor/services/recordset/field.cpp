@@ -188,6 +188,10 @@ void Field::Value(const Variant& value) {
   set_->assign(column_, value);
 }
 
+const std::string& Field::BaseTable() const {
+  return columnOf(set_->schema(), column_).baseTable;
+}
+
 Variant Field::OriginalValue() const {
   columnOf(set_->opened().schema(), column_);
   return set_->originalOf(column_);

@@ -38,6 +38,9 @@ class Field final {
   std::int32_t Precision() const;
   /// Bits of field_attribute.
   std::int32_t Attributes() const;
+  /// The table that the column is stored in; "" for one that the statement computes, and where
+  /// nobody told. Valid as Name().
+  const std::string& BaseTable() const;
 
   /// Empty for a field of a new row that nobody has written yet.
   Variant Value() const;

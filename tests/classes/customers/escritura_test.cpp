@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 // ClsClientes: writes of one customer, and paths, files and lists.
 #include <filesystem>
+#include <fstream>
 
 #include "tavelor/frame/component.hpp"
 #include "tests/classes/customers/clientes.hpp"
+#include "tests/services/faults.hpp"
 
 namespace tavelor {
 namespace {
@@ -12,6 +14,7 @@ using test::corpus;
 using test::errorOf;
 using testing::ElementsAre;
 using testing::EndsWith;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 class ClsClientesEscrituraTest : public testing::Test, protected test::CustomerShop {
@@ -42,6 +45,12 @@ class ClsClientesEscrituraTest : public testing::Test, protected test::CustomerS
             .dFecha = {},
             .objCn = {},
             .sExternalId = "00"};
+  }
+  static void saveAs(const std::string& path, std::string_view statement) {
+    RecordsetPtr rows;
+    ConnectionPtr connection;
+    DataSession().OpenRecordset(selector::kMain, Statement(statement), rows, connection);
+    rows->Save(path);
   }
 };
 
@@ -247,18 +256,55 @@ TEST_F(ClsClientesEscrituraTest, ATruncatedFileIsRefusedAndTheOldRowsStay) {
   EXPECT_EQ(rows->RecordCount(), 1);
 }
 
-// The file tells its columns, not its class; members that want a customer's say which is missing.
-TEST_F(ClsClientesEscrituraTest, RowsOfAnotherClassAreShownAsTheyAre) {
+TEST_F(ClsClientesEscrituraTest, RowsOfAnotherClassAreRefusedAndTheOldOnesStay) {
+  add("1");
   shop.run("INSERT INTO Bancos (Codigo, Banco) VALUES ('001', 'Caja Rural')");
   const std::string path = shop.installation().folder() + "/bancos.xml";
-  {
-    RecordsetPtr rows;
-    ConnectionPtr connection;
-    DataSession().OpenRecordset(1, Statement("SELECT * FROM Bancos"), rows, connection);
-    rows->Save(path);
-  }
+  saveAs(path, "SELECT * FROM Bancos");
+  customers.IniciaRs("todos");
+  const auto rows = customers.DataMember("Primary");
+  const auto error = test::raisedBy([&] { customers.IniciaXML(path); });
+  EXPECT_EQ(error.number(), errors::kInvalidArgument);
+  EXPECT_THAT(error.description(), HasSubstr("bancos.xml holds rows of Bancos, not of Clientes."));
+  EXPECT_EQ(customers.DataMember("Primary"), rows);
+}
+
+TEST_F(ClsClientesEscrituraTest, SomeColumnsOfACustomerAreRowsOfCustomers) {
+  add("1", "Nombre = 'Sol'");
+  const std::string path = shop.installation().folder() + "/some.xml";
+  saveAs(path, "SELECT 1 + 1 AS Dos, Clientes.Nombre AS Quién FROM Clientes");
+  EXPECT_EQ(customers.IniciaXML(path)->Field("Quién").Value(), Variant("Sol"));
+}
+
+// Another program need not tell the tables of its fields.
+TEST_F(ClsClientesEscrituraTest, FieldsWithoutATableAreKnownByTheirNames) {
+  const std::string path = shop.installation().folder() + "/foreign.xml";
+  const auto write = [&](const std::string& name) {
+    std::ofstream(path) << "<xml xmlns:s='s' xmlns:dt='d' xmlns:rs='r' xmlns:z='z'><s:Schema "
+                           "id='RowsetSchema'><s:ElementType name='row'><s:AttributeType name='"
+                        << name
+                        << "'><s:datatype dt:type='string'/></s:AttributeType></s:ElementType>"
+                           "</s:Schema><rs:data><z:row "
+                        << name << "='x'/></rs:data></xml>";
+  };
+  write("RAZON_SOCIAL");
   EXPECT_EQ(customers.IniciaXML(path)->RecordCount(), 1);
-  EXPECT_EQ(errorOf([&] { customers.Update(); }), errors::kItemNotFound);
+  write("Talla");
+  const auto error = test::raisedBy([&] { customers.IniciaXML(path); });
+  EXPECT_EQ(error.number(), errors::kInvalidArgument);
+  EXPECT_THAT(error.description(), HasSubstr("foreign.xml is one of Clientes."));
+}
+
+TEST_F(ClsClientesEscrituraTest, TheInstallationsOwnFilesAreNotOverwritten) {
+  add("1");
+  const std::string folder = shop.installation().folder();
+  for (const char* file : {"main.db", "documents.db", "documents.db-wal", "registry.db",
+                           "main.db-queue", "tavelor.xml", "rpt/../main.db"}) {
+    const auto error = test::raisedBy([&] { customers.Create_xml_Clientes(folder + "/" + file); });
+    EXPECT_EQ(error.number(), errors::kPathAccess) << file;
+    EXPECT_THAT(error.description(), HasSubstr("is the installation's own file.")) << file;
+  }
+  EXPECT_EQ(shop.text("SELECT Count(*) FROM Clientes"), "1");
 }
 
 // ---- Lists
