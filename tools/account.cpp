@@ -127,8 +127,7 @@ void printAccount(const shop::Account& account, bool hasOpening, const Locale& l
 }
 
 void showAccount(const AccountOptions& options, const Common& common) {
-  const std::optional<Date> from = dayOption("--from", options.from);
-  const std::optional<Date> to = dayOption("--to", options.to);
+  const auto [from, to] = dayRange(options.from, options.to);
   const Session session(common);
   const std::optional<shop::Account> account =
       shop::readAccount(options.of(), options.code, from, to);

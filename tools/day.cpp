@@ -330,14 +330,10 @@ void requireTills(const DayOptions& options) {
 }
 
 std::unique_ptr<Source> sourceOf(const DayOptions& options) {
-  const std::optional<Date> from = dayOption("--from", options.from);
-  const std::optional<Date> to = dayOption("--to", options.to);
+  const auto [from, to] = dayRange(options.from, options.to);
   if (options.sales.empty()) {
     if (from || to) throw UsageError("--from and --to choose days of a file: name it with --sales");
     return std::make_unique<BuiltInSource>(options.tills);
-  }
-  if (from && to && *from > *to) {
-    throw UsageError(fmt::format("--from lies behind --to: {}, {}", options.from, options.to));
   }
   return std::make_unique<FileSource>(
       options.sales,

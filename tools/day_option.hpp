@@ -13,4 +13,12 @@ namespace tavelor::tools {
 /// option, for what is no such day.
 std::optional<Date> dayOption(const std::string& name, const std::string& text);
 
+/// The days of --from and --to.
+struct DayRange {
+  std::optional<Date> from;
+  std::optional<Date> to;
+};
+/// Raises UsageError as dayOption(), and where --from lies behind --to.
+DayRange dayRange(const std::string& from, const std::string& to);
+
 }  // namespace tavelor::tools

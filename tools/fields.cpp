@@ -91,6 +91,11 @@ std::string readField(const ImportField& field, std::string_view text, const Loc
     }
     case FieldKind::kMoney:
       return take(moneyIn(text, numbers), "no amount");
+    case FieldKind::kAllowance: {
+      const std::optional<double> limit = moneyIn(text, numbers);
+      const bool isBelow = limit && *limit < 0;
+      return take(isBelow ? std::nullopt : limit, isBelow ? "below 0" : "no amount");
+    }
     case FieldKind::kFlag:
       return take(flagIn(text, numbers), "no flag");
     case FieldKind::kDay: {

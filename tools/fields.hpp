@@ -23,10 +23,11 @@ namespace tavelor::tools {
 /// is one.
 enum class FieldKind : std::uint8_t {
   kText,
-  kWord,     ///< a text that is something: a code, a letter, a word of a list
-  kNumber,   ///< to the digits that are printed
-  kPercent,  ///< a number from 0 to 100
-  kMoney,    ///< to four decimals
+  kWord,       ///< a text that is something: a code, a letter, a word of a list
+  kNumber,     ///< to the digits that are printed
+  kPercent,    ///< a number from 0 to 100
+  kMoney,      ///< to four decimals
+  kAllowance,  ///< the same, not below 0
   kFlag,
   kDay,  ///< 2026-12-31, or as the shop's locale writes days
 };

@@ -59,7 +59,7 @@ class MoneyAtItsLimits : public DialectBehaviour {
         types.push_back(column.type);
       }
       RowStore rows(types);
-      plans.fetch(statement, rows);
+      EXPECT_TRUE(plans.fetch(statement, rows));
       amount = rows.type(0) == ColumnType::kCurrency ? std::to_string(rows.integer(0, 0))
                                                      : "no money but " + first(text);
     });
