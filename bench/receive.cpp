@@ -23,6 +23,7 @@ constexpr std::size_t kArticles = 20'000;
 constexpr std::size_t kSuppliers = 50;
 constexpr std::size_t kLines = 1'000;
 constexpr std::size_t kLinesADelivery = 10;
+constexpr std::size_t kDeliveriesADay = 40;
 constexpr Text kWarehouse = "001";
 
 /// The next deliveries: every second article is kept by lots.
@@ -33,7 +34,8 @@ std::vector<shop::Delivery> deliveriesOf(Dice& dice, std::size_t count, std::siz
     ++note;
     delivery.supplier = fmt::format("P{:02}", note % kSuppliers);
     delivery.note = fmt::format("A-{}", note);
-    delivery.day = Date(45'000 + static_cast<double>(note / 40));
+    const std::size_t day = note / kDeliveriesADay;
+    delivery.day = Date(45'000 + static_cast<double>(day));
     for (std::size_t i = 0; i < kLinesADelivery; ++i) {
       const std::size_t article = dice.below(articles);
       const bool byLots = article % 2 == 1;
