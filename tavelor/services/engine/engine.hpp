@@ -46,7 +46,7 @@ class Prepared {
   void fetch(RowStore& rows, std::size_t most = kAllRows) { fetchRows(rows, most); }
   /// True once when a run has met other tables or columns than the one before it, or than the
   /// compiler did. It may be true without reason, and costs no look at the database.
-  virtual bool metOtherSchema() { return false; }
+  virtual bool metOtherSchema() = 0;
 
  private:
   virtual void fetchRows(RowStore& rows, std::size_t most) = 0;
