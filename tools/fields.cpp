@@ -2,6 +2,9 @@
 // Reads the texts of fields.
 #include "tools/fields.hpp"
 
+#include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 
 #include <fmt/format.h>
@@ -19,6 +22,8 @@ namespace tavelor::tools {
 
 namespace {
 
+constexpr std::string_view kDigits = "0123456789";
+
 std::optional<bool> flagIn(std::string_view text, const Locale& numbers) {
   for (const std::string_view word : {"true", "yes", "sí", "si", "verdadero"}) {
     if (text::equalsIgnoreCase(text, word)) return true;
@@ -30,8 +35,19 @@ std::optional<bool> flagIn(std::string_view text, const Locale& numbers) {
   return number ? std::optional(*number != 0) : std::nullopt;
 }
 
+/// Digits with their marks, and an exponent as sheets write it. What else reads as a number in
+/// statements, a hexadecimal one or one with a currency sign, is a slip of the hand in a file.
 std::optional<double> numberIn(std::string_view text, const Locale& numbers) {
-  return groupsFit(text, numbers) ? parseNumber(text, numbers) : std::nullopt;
+  const auto isPart = [&](char c) {
+    return kDigits.find(c) != std::string_view::npos ||
+           std::string_view("+-eE ").find(c) != std::string_view::npos ||
+           numbers.decimal.find(c) != std::string::npos ||
+           numbers.thousands.find(c) != std::string::npos;
+  };
+  if (!std::all_of(text.begin(), text.end(), isPart) || !groupsFit(text, numbers)) {
+    return std::nullopt;
+  }
+  return parseNumber(text, numbers);
 }
 
 /// To the digits that are printed, so that the same row compares equal the next time.
@@ -48,14 +64,46 @@ std::optional<double> moneyIn(std::string_view text, const Locale& numbers) {
   return Currency::fromDouble(*amount).toDouble();
 }
 
+/// The numbers of a day in the order in which the locale writes them.
+std::array<int, 3> partsOf(Date day, DateOrder order) {
+  const CivilTime at = day.civil();
+  switch (order) {
+    case DateOrder::kDayMonthYear:
+      return {at.day, at.month, at.year};
+    case DateOrder::kMonthDayYear:
+      return {at.month, at.day, at.year};
+    case DateOrder::kYearMonthDay:
+      break;
+  }
+  return {at.year, at.month, at.day};
+}
+
+/// False where the numbers of the text are not those of the day in that order: others would be
+/// tried elsewhere, and the days of one file be read in two ways. Also of a year of two digits.
+bool isWrittenSo(std::string_view text, Date day, DateOrder order) {
+  std::size_t part = 0;
+  for (const int expected : partsOf(day, order)) {
+    part = text.find_first_of(kDigits, part);
+    if (part == std::string_view::npos) return true;  // a month by its name
+    const std::size_t end = std::min(text.find_first_not_of(kDigits, part), text.size());
+    int number = 0;
+    std::from_chars(text.data() + part, text.data() + end, number);
+    if (number != expected) return false;
+    part = end;
+  }
+  return true;
+}
+
 /// Without its time.
 std::optional<Date> dayIn(std::string_view text) {
   constexpr std::size_t kYear = 4;
+  const Locale& locale = Apartment::current().locale();
   const bool beginsWithYear = text.size() > kYear && text[kYear] == '-';
-  const std::optional<Date> day =
-      beginsWithYear ? parseSqlDate(text) : parseDate(text, Apartment::current().locale());
+  const std::optional<Date> day = beginsWithYear ? parseSqlDate(text) : parseDate(text, locale);
+  const DateOrder order = beginsWithYear ? DateOrder::kYearMonthDay : locale.dateOrder;
   // A time alone is of day zero.
-  return day && day->days() >= 1 ? std::optional(day->dayOnly()) : std::nullopt;
+  if (!day || day->days() < 1 || !isWrittenSo(text, *day, order)) return std::nullopt;
+  return day->dayOnly();
 }
 
 }  // namespace

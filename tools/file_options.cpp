@@ -35,7 +35,7 @@ std::vector<std::string_view> namesOf(const ImportTable& table) {
 std::optional<std::size_t> fieldNamed(std::string_view name, const ImportTable& table) {
   for (std::size_t i = 0; i < table.fields.size(); ++i) {
     const bool isGiven = table.fields[i].use != FieldUse::kDerived;
-    if (isGiven && text::equalsIgnoreCase(name, table.fields[i].name)) return i;
+    if (isGiven && text::foldAccents(name) == text::foldAccents(table.fields[i].name)) return i;
   }
   return std::nullopt;
 }
@@ -106,6 +106,19 @@ std::vector<FieldSource> fieldSources(const FileOptions& options,
     give(*field).column = i;
   }
   return sources;
+}
+
+void tellUnused(const std::vector<std::string>& columns, const std::vector<FieldSource>& sources) {
+  std::vector<std::string> unused;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const bool isUsed = std::any_of(sources.begin(), sources.end(),
+                                    [i](const FieldSource& source) { return source.column == i; });
+    if (!isUsed) unused.push_back(columns[i]);
+  }
+  if (!unused.empty()) {
+    complain(fmt::format("not taken of the file: {} {}\n",
+                         unused.size() == 1 ? "column" : "columns", joinedNames(unused)));
+  }
 }
 
 char separatorOf(const FileOptions& options) {

@@ -33,11 +33,15 @@ struct FileOptions {
 void addFileOptions(CLI::App& command, FileOptions& options);
 
 /// Where each field of the table comes from: what --map and --set say, else the column that bears
-/// its name. Raises UsageError for a field or a column that is not there, and for one that is given
+/// its name, with or without accents. Raises UsageError for a field or a column that is not there, and for one that is given
 /// twice.
 std::vector<FieldSource> fieldSources(const FileOptions& options,
                                       const std::vector<std::string>& columns,
                                       const ImportTable& table);
+
+/// Tells on standard error which columns no field comes from: one that is misspelt would be missed
+/// in silence.
+void tellUnused(const std::vector<std::string>& columns, const std::vector<FieldSource>& sources);
 
 /// 0 for the one that the first row has most of. Raises UsageError for more than one character.
 char separatorOf(const FileOptions& options);

@@ -51,8 +51,8 @@ of suppliers:
   Cta_Contrapartida
 
 A row that is not there is added, in use unless Activo says no; one that is there
-is rewritten where the file says otherwise. Fields that the file does not give stay
-as they are. Of articles Impuesto, Existencia, Lotes, Actualizar_Stock and
+is rewritten where the file says otherwise: an empty text empties its field, an empty
+number, flag or word says nothing. Fields that the file does not give stay as they are. Of articles Impuesto, Existencia, Lotes, Actualizar_Stock and
 Restar_Stock (else as Actualizar_Stock) are taken by new ones only, and the reference
 of a rewritten one becomes its code.
 
@@ -155,20 +155,29 @@ void importRows(const ImportOptions& options, const Common& common) {
   CsvFile file(from.file, separatorOf(from));
   const std::vector<FieldSource> sources = sourcesOf(from, file.columns(), kind.table);
   Session session(common);
+  tellUnused(file.columns(), sources);
   const std::shared_ptr<const Locale> numbers = numbersOf(from, session.installation());
   const std::uint64_t total = countRows(from);
   Refusals refusals(from.report, from.file, session.installation());
   const std::unique_ptr<RowImport> import =
       kind.make({sources, file.columns().size(), numbers.get(), from.isDryRun});
 
-  takeRows(file, *import, refusals, total);
-  refusals.print();
   const ImportCounts& counts = import->counts();
-  fmt::print("{} of {} rows: {} new, {} changed, {} as stored, {} refused{}{}\n", counts.total(),
-             total, counts.added, counts.changed, counts.same, counts.refused,
-             refusals.remarks() > 0 ? fmt::format(", {} with a remark", refusals.remarks()) : "",
-             from.isDryRun ? "; nothing was written" : "");
-  std::fflush(stdout);
+  const auto tell = [&] {
+    refusals.print();
+    fmt::print("{} of {} rows: {} new, {} changed, {} as stored, {} refused{}{}\n", counts.total(),
+               total, counts.added, counts.changed, counts.same, counts.refused,
+               refusals.remarks() > 0 ? fmt::format(", {} with a remark", refusals.remarks()) : "",
+               from.isDryRun ? "; nothing was written" : "");
+    std::fflush(stdout);
+  };
+  try {
+    takeRows(file, *import, refusals, total);
+  } catch (...) {
+    tell();  // the batches before stay
+    throw;
+  }
+  tell();
   if (counts.total() < total) {
     throw FileError("interrupted; the same command goes on with the rest");
   }

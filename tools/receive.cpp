@@ -30,8 +30,8 @@ names the columns. Columns that bear the name of a field need no --map. Fields:
 
 A delivery is what has the same Proveedor and Albaran; its lines follow each other.
 Cantidad and Precio are those of the note: in purchase units, without tax, before
-Descuento (percent). Days are 2026-12-31 or as the shop writes them. Without Almacen
-the goods come into 001. An article that is kept by lots needs a Lote.
+Descuento (percent). Days are 2026-12-31 or as the shop writes them, with a year of
+four digits. Without Almacen the goods come into 001. An article that is kept by lots needs a Lote.
 
 Each delivery is one transaction: the stock of article, warehouse and lot, the
 movements, the last and average cost, the supplier's price, and the supplier's
@@ -132,9 +132,10 @@ std::string counted(std::uint64_t count, std::string_view one, std::string_view 
 }
 
 void receive(const FileOptions& from, const Common& common) {
-  std::vector<FieldSource> sources =
-      sourcesOf(from, CsvFile(from.file, separatorOf(from)).columns());
+  const std::vector<std::string> columns = CsvFile(from.file, separatorOf(from)).columns();
+  std::vector<FieldSource> sources = sourcesOf(from, columns);
   const Session session(common);
+  tellUnused(columns, sources);
   const std::shared_ptr<const Locale> numbers = numbersOf(from, session.installation());
   DeliveryFile file({from.file, separatorOf(from), std::move(sources), numbers.get()});
   Refusals refusals(from.report, from.file, session.installation());
@@ -144,17 +145,26 @@ void receive(const FileOptions& from, const Common& common) {
     throw FileError("nothing was received");
   }
   Taking taking(file, refusals, from.isDryRun);
-  taking.run();
-  refusals.print();
   const Counts& counts = taking.counts();
-  fmt::print("{} of {}: {} received with {}, {} were there, {} refused{}\n", counts.total(),
-             counted(file.deliveries(), "delivery", "deliveries"), counts.received,
-             counted(counts.lines, "line", "lines"), counts.known, counts.refused,
-             from.isDryRun ? "; nothing was written" : "");
-  std::fflush(stdout);
+  const auto tell = [&] {
+    refusals.print();
+    fmt::print("{} of {}: {} received with {}, {} were there, {} refused{}\n", counts.total(),
+               counted(file.deliveries(), "delivery", "deliveries"), counts.received,
+               counted(counts.lines, "line", "lines"), counts.known, counts.refused,
+               from.isDryRun ? "; nothing was written" : "");
+    std::fflush(stdout);
+  };
+  try {
+    taking.run();
+  } catch (...) {
+    tell();  // what was received stays
+    throw;
+  }
+  tell();
   if (counts.total() < file.deliveries()) {
     throw FileError("interrupted; the same command goes on with the rest");
   }
+  if (file.deliveries() == 0) throw FileError("the file has no lines");
   if (counts.refused > 0) {
     throw FileError(counted(counts.refused, "delivery was refused", "deliveries were refused"));
   }

@@ -3,6 +3,7 @@
 #include "tavelor/platform/text.hpp"
 
 #include <algorithm>
+#include <cstdlib>
 #include <vector>
 
 #include <utf8proc.h>
@@ -181,6 +182,18 @@ std::string lower(std::string_view text) {
 
 std::string foldCase(std::string_view text) {
   return utf8::mapped(text, utf8::foldAscii, utf8::fold);
+}
+
+std::string foldAccents(std::string_view text) {
+  utf8proc_uint8_t* folded = nullptr;
+  const auto length = utf8proc_map(
+      reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+      static_cast<utf8proc_ssize_t>(text.size()), &folded,
+      static_cast<utf8proc_option_t>(UTF8PROC_COMPOSE | UTF8PROC_STRIPMARK | UTF8PROC_CASEFOLD));
+  if (length < 0) return foldCase(text);  // no UTF-8
+  std::string result(reinterpret_cast<const char*>(folded), static_cast<std::size_t>(length));
+  std::free(folded);
+  return result;
 }
 
 bool equalsIgnoreCase(std::string_view a, std::string_view b) {

@@ -32,6 +32,8 @@ std::string lower(std::string_view text);
 /// The form in which texts that differ in case only are equal; accents stay.
 std::string foldCase(std::string_view text);
 bool equalsIgnoreCase(std::string_view a, std::string_view b);
+/// Folded, and every letter without its accents, however they are composed: "Almacén" is "almacen".
+std::string foldAccents(std::string_view text);
 /// Negative, 0, positive, by folded code points.
 int compareIgnoreCase(std::string_view a, std::string_view b);
 

@@ -115,6 +115,15 @@ TEST(Text, FoldedTextsAreEqualWhenOnlyTheCaseDiffers) {
   EXPECT_NE(foldCase("ß"), foldCase("ss"));
 }
 
+TEST(Text, WithoutAccentsComposedAndDecomposedLettersAreEqual) {
+  EXPECT_EQ(foldAccents("ALMACÉN"), "almacen");
+  EXPECT_EQ(foldAccents("Almace\u0301n"), "almacen");
+  EXPECT_EQ(foldAccents("Razón_Social"), foldAccents("RAZON_SOCIAL"));
+  EXPECT_EQ(foldAccents(""), "");
+  EXPECT_NE(foldAccents("Lote"), foldAccents("Lotes"));
+  EXPECT_EQ(foldAccents(kDamaged), kDamaged);
+}
+
 TEST(Text, EqualsIgnoreCaseKeepsAccentsApart) {
   EXPECT_TRUE(equalsIgnoreCase("Ñandú", "ÑANDÚ"));
   EXPECT_TRUE(equalsIgnoreCase("abcdefghijkl", "ABCDEFGHIJKL"));
