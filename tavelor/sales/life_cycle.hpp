@@ -18,12 +18,18 @@ struct Table {
   std::string_view copied;  ///< " SELECT ..." of the way to history, with the columns it goes into
 };
 
-/// All numbers come as text and are marked as values.
+/// Puts a ticket into a closing. All numbers come as text, here and below, and are marked as
+/// values.
 Statement intoClosing(const Table& table, std::string_view ticket, std::string_view closing);
+/// Gives a ticket another number.
 Statement renumbered(const Table& table, std::string_view ticket, std::string_view newNumber);
+/// Copies the rows of a closing to history.
 Statement copyToHistory(const Table& table, std::string_view closing);
+/// Deletes the live rows of a closing.
 Statement dropLive(const Table& table, std::string_view closing);
+/// Copies the rows of a closing back from history.
 Statement copyFromHistory(const Table& table, std::string_view closing);
+/// Deletes the rows that history has of a closing.
 Statement dropHistory(const Table& table, std::string_view closing);
 /// Opens every row of the live table, whichever closing it had.
 Statement reopenAll(const Table& table);
