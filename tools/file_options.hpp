@@ -33,8 +33,8 @@ struct FileOptions {
 void addFileOptions(CLI::App& command, FileOptions& options);
 
 /// Where each field of the table comes from: what --map and --set say, else the column that bears
-/// its name, with or without accents. Raises UsageError for a field or a column that is not there, and for one that is given
-/// twice.
+/// its name, with or without accents. Raises UsageError for a field or a column that is not there,
+/// and for one that is given twice.
 std::vector<FieldSource> fieldSources(const FileOptions& options,
                                       const std::vector<std::string>& columns,
                                       const ImportTable& table);
