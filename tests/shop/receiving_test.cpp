@@ -146,6 +146,39 @@ TEST_F(ReceivingTest, WhatWasOnOrderIsSoNoLongerAsFarAsItCame) {
   EXPECT_EQ(main("SELECT Pendiente FROM Articulos_Almacenes WHERE Codigo = 'AGUA'"), "0");
 }
 
+TEST_F(ReceivingTest, WhatCameForAnotherWarehouseIsTakenOffItsOrderToo) {
+  place_.run("INSERT INTO Almacenes (Codigo) VALUES ('002')");
+  place_.run("INSERT INTO Almacenes (Codigo) VALUES ('003')");
+  clsArticulos().ActualizarStock_Pedido("PAN", 11.0, 0.0);
+  ClsArticulosAlmacenes().ActualizarStock("PAN", "003", 1.0, 0.0);
+  ClsArticulosAlmacenes().ActualizarStock("PAN", "002", 6.0, 0.0);
+  ClsArticulosAlmacenes().ActualizarStock("PAN", "001", 4.0, 0.0);
+  const auto onOrder = [&](const std::string& warehouse) {
+    return main("SELECT Pendiente FROM Articulos_Almacenes WHERE Codigo = 'PAN' AND Almacen = '" +
+                warehouse + "'");
+  };
+  receiving_.receive(deliveryOf("A-1", {lineOf("PAN", 6, 1)}));
+  EXPECT_EQ(main("SELECT Pendiente FROM Articulos WHERE Codigo = 'PAN'"), "5");
+  EXPECT_EQ(onOrder("001") + " " + onOrder("002") + " " + onOrder("003"), "0 4 1");
+  receiving_.receive(deliveryOf("A-2", {lineOf("PAN", 9, 1)}));
+  EXPECT_EQ(main("SELECT Pendiente FROM Articulos WHERE Codigo = 'PAN'"), "0");
+  EXPECT_EQ(main("SELECT Sum(Pendiente) FROM Articulos_Almacenes WHERE Codigo = 'PAN'"), "0");
+  EXPECT_EQ(main("SELECT Cantidad FROM Articulos_Almacenes WHERE Codigo = 'PAN' AND Almacen = "
+                 "'002'"),
+            "0");
+}
+
+TEST_F(ReceivingTest, WarehousesWithLessOnOrderThanTheArticleLackNoMoreAfterADelivery) {
+  clsArticulos().ActualizarStock_Pedido("PAN", 10.0, 0.0);
+  ClsArticulosAlmacenes().ActualizarStock("PAN", "001", 6.0, 0.0);
+  receiving_.receive(deliveryOf("A-1", {lineOf("PAN", 5, 1)}));
+  EXPECT_EQ(main("SELECT Pendiente FROM Articulos WHERE Codigo = 'PAN'"), "5");
+  EXPECT_EQ(main("SELECT Pendiente FROM Articulos_Almacenes WHERE Codigo = 'PAN'"), "1");
+  receiving_.receive(deliveryOf("A-2", {lineOf("PAN", 3, 1)}));
+  EXPECT_EQ(main("SELECT Pendiente FROM Articulos WHERE Codigo = 'PAN'"), "2");
+  EXPECT_EQ(main("SELECT Pendiente FROM Articulos_Almacenes WHERE Codigo = 'PAN'"), "0");
+}
+
 TEST_F(ReceivingTest, ADeliveryGivenAgainIsKnownByItsSupplierAndNumber) {
   const Delivery delivery = deliveryOf("A-1", {lineOf("PAN", 2, 1), lotOf("QUESO", "L1")});
   const double number = receiving_.receive(delivery).number;

@@ -75,6 +75,12 @@ struct Receiving::Article {
   bool hasExpiry = false;  // of the lot, stored
 };
 
+/// What a warehouse has on order of an article.
+struct Receiving::Order {
+  std::string warehouse;
+  double units = 0;  // stock units
+};
+
 /// A delivery that was received.
 struct Receiving::Known {
   double number = 0;
@@ -344,8 +350,20 @@ void Receiving::moveStock(const DeliveryLine& line, const Article& article) {
   const std::string& code = article.code;
   const std::string warehouse = warehouseOf(line);
   const double arrived = std::min(std::max(article.pending, 0.0), article.units);
-  const double arrivedHere = arrived > 0 ? std::min(onOrder(article, warehouse), arrived) : 0;
   articles_.ActualizarStock_Movimientos(code, 0 - arrived, article.units, true, false, main_);
+  double left = arrived;
+  double arrivedHere = 0;
+  for (const Order& order : ordersOf(article, warehouse, arrived)) {
+    const double taken = std::min(order.units, left);
+    if (taken <= 0) break;
+    left -= taken;
+    if (order.warehouse == warehouse) {
+      arrivedHere = taken;
+    } else {
+      warehouses_.ActualizarStock_sund(code, doubledQuotes(order.warehouse), 0 - taken, 0.0, true,
+                                       false, main_);
+    }
+  }
   warehouses_.ActualizarStock_sund(code, doubledQuotes(warehouse), 0 - arrivedHere, article.units,
                                    true, false, main_);
   if (!hasLot(line)) return;
@@ -359,12 +377,21 @@ void Receiving::moveStock(const DeliveryLine& line, const Article& article) {
   DataSession().Execute(selector::kMain, statement, main_);
 }
 
-/// Of an article in one warehouse, 0 where that has nothing on order.
-double Receiving::onOrder(const Article& article, const std::string& warehouse) {
-  Statement statement("SELECT Pendiente FROM Articulos_Almacenes WHERE Codigo = '");
-  statement << value(article.code) << "' AND Almacen = '" << value(doubledQuotes(warehouse)) << "'";
-  const Rows row(selector::kMain, statement, main_);
-  return row.hasRow() ? std::max(row.number("Pendiente"), 0.0) : 0;
+/// What warehouses have on order of an article, where some of it arrived: first the one that it
+/// came into, then the others by their codes, as goods for one are often unloaded at another. So
+/// article and warehouses fall by the same, unless the warehouses had less on order than came.
+std::vector<Receiving::Order> Receiving::ordersOf(const Article& article,
+                                                  const std::string& warehouse, double arrived) {
+  std::vector<Order> orders;
+  if (arrived <= 0) return orders;
+  Statement statement("SELECT Almacen, Pendiente FROM Articulos_Almacenes WHERE Codigo = '");
+  statement << value(article.code) << "' AND Pendiente > 0 ORDER BY Almacen";
+  for (Rows rows(selector::kMain, statement, main_); rows.hasRow(); rows.next()) {
+    orders.push_back({rows.text("Almacen"), rows.number("Pendiente")});
+  }
+  std::stable_partition(orders.begin(), orders.end(),
+                        [&](const Order& order) { return order.warehouse == warehouse; });
+  return orders;
 }
 
 void Receiving::writeMovement(const DeliveryLine& line, const Article& article, Posting& posting) {

@@ -70,6 +70,7 @@ class Receiving {
  private:
   struct Article;
   struct Known;
+  struct Order;
   struct Posting;
 
   Receipt take(const Delivery& delivery, bool keeps);
@@ -88,7 +89,7 @@ class Receiving {
   void writeMovement(const DeliveryLine& line, const Article& article, Posting& posting);
   void writePrices(const DeliveryLine& line, const Article& article, const Posting& posting);
   void charge(const Delivery& delivery, const Posting& posting);
-  double onOrder(const Article& article, const std::string& warehouse);
+  std::vector<Order> ordersOf(const Article& article, const std::string& warehouse, double arrived);
 
   ConnectionPtr main_;
   std::string quantityMask_;
