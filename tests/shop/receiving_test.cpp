@@ -203,21 +203,26 @@ TEST_F(ReceivingTest, TheSameNumberWithAnyOtherContentIsRefused) {
   receiving_.receive(delivery);
   place_.run("INSERT INTO Almacenes (Codigo) VALUES ('002')");
   const std::string before = traces();
-  const std::vector<std::function<void(Delivery&)>> changes = {
-      [](Delivery& d) { d.day = Date(kArrival.days() + 1); },
-      [](Delivery& d) { d.lines.pop_back(); },
-      [](Delivery& d) { d.lines.push_back(lineOf("PAN", 1, 1)); },
-      [](Delivery& d) { d.lines[0].code = "AGUA"; },
-      [](Delivery& d) { d.lines[0].quantity = 3; },
-      [](Delivery& d) { d.lines[0].price = 1.1; },
-      [](Delivery& d) { d.lines[0].quantity = 1, d.lines[0].price = 2; },
-      [](Delivery& d) { d.lines[0].warehouse = "002"; },
-      [](Delivery& d) { d.lines[1].lot = "L2"; },
-      [](Delivery& d) { std::swap(d.lines[0], d.lines[1]); }};
-  for (const auto& change : changes) {
+  const std::string day = ", not on 2025-03-11";
+  const std::string amount = " with another amount";
+  const std::string lines = " with other lines, or in another order";
+  const std::string expiry = " with another Caduca of lot L1";
+  const std::vector<std::pair<std::string, std::function<void(Delivery&)>>> changes = {
+      {day, [](Delivery& d) { d.day = Date(kArrival.days() + 1); }},
+      {amount, [](Delivery& d) { d.lines.pop_back(); }},
+      {amount, [](Delivery& d) { d.lines.push_back(lineOf("PAN", 1, 1)); }},
+      {lines, [](Delivery& d) { d.lines[0].code = "AGUA"; }},
+      {amount, [](Delivery& d) { d.lines[0].quantity = 3; }},
+      {amount, [](Delivery& d) { d.lines[0].price = 1.1; }},
+      {lines, [](Delivery& d) { d.lines[0].quantity = 1, d.lines[0].price = 2; }},
+      {lines, [](Delivery& d) { d.lines[0].warehouse = "002"; }},
+      {lines, [](Delivery& d) { d.lines[1].lot = "L2"; }},
+      {expiry, [](Delivery& d) { d.lines[1].expires = kArrival; }},
+      {lines, [](Delivery& d) { std::swap(d.lines[0], d.lines[1]); }}};
+  for (const auto& [differs, change] : changes) {
     Delivery other = delivery;
     change(other);
-    EXPECT_EQ(faultOf(other), "Albaran A-1 was received on 2025-03-10 with other goods");
+    EXPECT_EQ(faultOf(other), "Albaran A-1 was received on 2025-03-10" + differs);
   }
   EXPECT_EQ(traces(), before);
 }
@@ -406,7 +411,42 @@ TEST_F(ReceivingTest, ADeliveryWhoseMovementsWerePurgedIsKnownByItsEntry) {
   EXPECT_EQ(receiving_.receive(delivery).outcome, Outcome::kKnown);
   Delivery other = delivery;
   other.lines[0].quantity = 3;
-  EXPECT_THAT(faultOf(other), ::testing::HasSubstr("with other goods"));
+  EXPECT_THAT(faultOf(other), ::testing::HasSubstr("with another amount"));
+}
+
+TEST_F(ReceivingTest, AKnownEntryWithoutMovementsIsTold) {
+  const Delivery delivery = deliveryOf("A-1", {lineOf("PAN", 2, 1)});
+  receiving_.receive(delivery);
+  EXPECT_THAT(receiving_.receive(delivery).faults, IsEmpty());
+  ClsArticulosMovAlmacen().DeleteFecha(kArrival);
+  const Receipt receipt = receiving_.receive(delivery);
+  ASSERT_EQ(receipt.faults.size(), 1U);
+  EXPECT_EQ(receipt.faults[0].reason, "no movements of it are left; day and amount agree");
+}
+
+TEST_F(ReceivingTest, AnotherExpiryOfALotMakesAnotherDelivery) {
+  Delivery delivery = deliveryOf("A-1", {lotOf("QUESO", "L1")});
+  delivery.lines[0].expires = Date::of(2025, 6, 30);
+  receiving_.receive(delivery);
+  EXPECT_EQ(receiving_.receive(delivery).outcome, Outcome::kKnown);
+  delivery.lines[0].expires = Date::of(2025, 7, 1);
+  EXPECT_EQ(faultOf(delivery),
+            "Albaran A-1 was received on 2025-03-10 with another Caduca of lot L1");
+  delivery.lines[0].expires.reset();
+  EXPECT_EQ(receiving_.receive(delivery).outcome, Outcome::kKnown) << "the lot is known";
+}
+
+TEST_F(ReceivingTest, ASupplierOutOfUseIsRefused) {
+  place_.run("UPDATE Proveedores SET Activo = False WHERE Codigo = '400'");
+  EXPECT_EQ(faultOf(lineOf("PAN", 1, 1)), "Proveedor is a supplier that is not in use: 400");
+  EXPECT_EQ(traces(), kNothing);
+}
+
+TEST_F(ReceivingTest, ALineThatComesToNothingIsRefused) {
+  EXPECT_EQ(faultOf(lineOf("PAN", 3, 0.0001)), "Cantidad by Precio is 0 to the cent");
+  addArticle("GRANO", "Medida_Compra = 1000000");
+  EXPECT_EQ(faultOf(lineOf("GRANO", 1, 1)), "Precio by Medida_Compra is 0 to four decimals");
+  EXPECT_EQ(traces(), kNothing);
 }
 
 TEST_F(ReceivingTest, ANumberWhoseMovementsAreLeftIsNotGivenAgain) {

@@ -116,12 +116,15 @@ Receipt Receiving::take(const Delivery& delivery, bool keeps) {
   if (receipt.faults.empty()) {
     if (const std::optional<Known> before = known(delivery)) {
       receipt.number = before->number;
-      if (isAsStored(delivery, *before)) {
+      bool hasMovements = false;
+      const std::string other = difference(delivery, *before, hasMovements);
+      if (other.empty()) {
         receipt.outcome = Receipt::Outcome::kKnown;
+        if (!hasMovements) refuse(first, "no movements of it are left; day and amount agree");
         return receipt;
       }
-      refuse(first, fmt::format("Albaran {} was received on {} with other goods",
-                                shown(delivery.note), isoDay(before->day)));
+      refuse(first, fmt::format("Albaran {} was received on {}{}", shown(delivery.note),
+                                isoDay(before->day), other));
       return receipt;
     }
     posting.number = freeNumber();
@@ -149,10 +152,14 @@ std::string Receiving::checkHead(const Delivery& delivery) {
   if (delivery.day > Apartment::current().clock().today()) {
     return fmt::format("Fecha lies in the future: {}", isoDay(delivery.day));
   }
-  Statement statement("SELECT Codigo FROM Proveedores WHERE Codigo = '");
+  Statement statement("SELECT Activo FROM Proveedores WHERE Codigo = '");
   statement << value(doubledQuotes(delivery.supplier)) << "'";
-  if (!Rows(selector::kMain, statement, main_).hasRow()) {
+  const Rows row(selector::kMain, statement, main_);
+  if (!row.hasRow()) {
     return fmt::format("Proveedor is no supplier of the shop: {}", shown(delivery.supplier));
+  }
+  if (!row.flag("Activo")) {
+    return fmt::format("Proveedor is a supplier that is not in use: {}", shown(delivery.supplier));
   }
   return {};
 }
@@ -168,28 +175,44 @@ std::optional<Receiving::Known> Receiving::known(const Delivery& delivery) {
   return Known{row.number("Documento_E"), row.day("Fecha"), row.number("Haber")};
 }
 
-/// Line by line, by its movements. Where they were purged the ledger's entry alone has to do.
-bool Receiving::isAsStored(const Delivery& delivery, const Known& known) {
-  if (delivery.day != known.day || !isSame(delivery.total(), known.amount)) return false;
+/// What the delivery differs in from the known one, "" for nothing: line by line, by its movements.
+/// Where they were purged the ledger's entry alone has to do.
+std::string Receiving::difference(const Delivery& delivery, const Known& known,
+                                  bool& hasMovements) {
+  constexpr const char* kOtherLines = " with other lines, or in another order";
+  if (delivery.day != known.day) return fmt::format(", not on {}", isoDay(delivery.day));
+  if (!isSame(delivery.total(), known.amount)) return " with another amount";
   Statement statement(
       "SELECT Codigo, Almacen, Lote, Cantidad, Precio FROM Articulos_Movimientos_Almacen WHERE "
       "Estado = ");
   statement << value(std::to_string(kDeliveryKind))
             << " AND Doc_E = " << value(numberText(known.number)) << " ORDER BY Id";
   Rows rows(selector::kMain, statement, main_);
-  if (!rows.hasRow()) return true;
+  hasMovements = rows.hasRow();
+  if (!hasMovements) return {};
   for (const DeliveryLine& line : delivery.lines) {
-    if (!rows.hasRow()) return false;
+    if (!rows.hasRow()) return kOtherLines;
     const Article article = articleOf(line);
     const bool isIt = article.isThere && rows.text("Codigo") == line.code &&
                       rows.text("Almacen") == warehouseOf(line) &&
                       rows.text("Lote") == lotOf(line) &&
                       isSame(article.units, rows.number("Cantidad")) &&
                       isSame(unitPrice(line, article.measure), rows.number("Precio"));
-    if (!isIt) return false;
+    if (!isIt) return kOtherLines;
+    if (hasOtherExpiry(line)) return fmt::format(" with another Caduca of lot {}", line.lot);
     rows.next();
   }
-  return !rows.hasRow();
+  return rows.hasRow() ? kOtherLines : "";
+}
+
+/// Than the one that is stored of its lot. A line that gives none takes the lot as it is.
+bool Receiving::hasOtherExpiry(const DeliveryLine& line) {
+  if (!line.expires || !hasLot(line)) return false;
+  Statement statement("SELECT Caduca FROM Articulos_Lotes WHERE Codigo = '");
+  statement << value(doubledQuotes(line.code)) << "' AND Lote = '" << value(doubledQuotes(line.lot))
+            << "'";
+  const Rows row(selector::kMain, statement, main_);
+  return row.hasRow() && (row.isNull("Caduca") || row.day("Caduca") != *line.expires);
 }
 
 /// The key that the ledger's entry will get, unless movements of that number are left of an entry
@@ -289,6 +312,10 @@ std::string Receiving::checkArticle(const DeliveryLine& line, const Article& art
   if (!(article.measure > 0)) return fault("an article whose Medida_Compra is not above 0");
   if (article.units > kMostUnits) return "Cantidad is too large";
   if (article.units == 0) return "Cantidad is 0 to the decimals that the shop keeps";
+  if (line.amount() == 0) return "Cantidad by Precio is 0 to the cent";
+  if (unitPrice(line, article.measure) == 0) {
+    return "Precio by Medida_Compra is 0 to four decimals";
+  }
   return {};
 }
 

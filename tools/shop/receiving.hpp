@@ -38,8 +38,8 @@ struct Receipt {
   };
 
   Outcome outcome = Outcome::kRefused;
-  double number = 0;  ///< of the delivery in both ledgers; 0 for a refused one
-  std::vector<Fault> faults;
+  double number = 0;          ///< of the delivery in both ledgers; 0 for a refused one
+  std::vector<Fault> faults;  ///< of a known one: what a person should look at
 };
 
 /// Receives goods in the installation of the thread's apartment.
@@ -76,7 +76,8 @@ class Receiving {
   Receipt take(const Delivery& delivery, bool keeps);
   std::string checkHead(const Delivery& delivery);
   std::optional<Known> known(const Delivery& delivery);
-  bool isAsStored(const Delivery& delivery, const Known& known);
+  std::string difference(const Delivery& delivery, const Known& known, bool& hasMovements);
+  bool hasOtherExpiry(const DeliveryLine& line);
   double freeNumber();
 
   std::string take(const DeliveryLine& line, Posting& posting);
