@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <tuple>
 
 #include <fmt/format.h>
 
@@ -42,6 +43,18 @@ constexpr std::array<ImportField, 10> kFields = {{{"Proveedor", kWord},
                                                   {"Lote", kWord},
                                                   {"Caduca", kDay}}};
 constexpr std::array<std::size_t, 6> kSaid = {kSupplier, kNote, kDate, kCode, kQuantity, kPrice};
+
+/// Whether the second half of the lines is the first one again: a note that was pasted twice.
+bool standTwice(const std::vector<shop::DeliveryLine>& lines) {
+  const auto middle = lines.begin() + static_cast<std::ptrdiff_t>(lines.size() / 2);
+  const auto values = [](const shop::DeliveryLine& line) {
+    return std::tie(line.code, line.quantity, line.price, line.discount, line.warehouse, line.lot,
+                    line.expires);
+  };
+  return !lines.empty() &&
+         std::equal(lines.begin(), middle, middle, lines.end(),
+                    [&](const auto& a, const auto& b) { return values(a) == values(b); });
+}
 
 std::string nameOf(std::string_view supplier, std::string_view note) {
   return fmt::format("{} {}", supplier, note);
@@ -142,6 +155,9 @@ bool DeliveryFile::next(Entry& entry) {
         {entry.line, name, fmt::format("line {} has other lines of this delivery", other)});
   } else if (seen.line != entry.line) {
     entry.earlier = seen.line;
+  }
+  if (entry.faults.empty() && standTwice(entry.delivery.lines)) {
+    entry.faults.push_back({entry.line, name, "its lines stand twice in the file"});
   }
   return true;
 }
