@@ -4,10 +4,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <functional>
+#include <memory>
 #include <tuple>
 
 #include <fmt/format.h>
+#include <utf8proc.h>
 
 #include "tavelor/platform/text.hpp"
 #include "tools/shop/sale.hpp"
@@ -43,6 +46,46 @@ constexpr std::array<ImportField, 10> kFields = {{{"Proveedor", kWord},
                                                   {"Lote", kWord},
                                                   {"Caduca", kDay}}};
 constexpr std::array<std::size_t, 6> kSaid = {kSupplier, kNote, kDate, kCode, kQuantity, kPrice};
+
+utf8proc_category_t categoryOf(std::string_view letter) {
+  utf8proc_int32_t code = -1;
+  utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(letter.data()),
+                   static_cast<utf8proc_ssize_t>(letter.size()), &code);
+  return code < 0 ? UTF8PROC_CATEGORY_CN : utf8proc_category(code);
+}
+
+/// Blanks of every width, none among them, and controls.
+bool isUnseen(std::string_view letter) {
+  const utf8proc_category_t category = categoryOf(letter);
+  return category == UTF8PROC_CATEGORY_ZS || category == UTF8PROC_CATEGORY_CF ||
+         category == UTF8PROC_CATEGORY_CC;
+}
+
+/// A note's number in its composed form, without what nobody sees at its ends: the same number is
+/// the same bytes, wherever it was copied from.
+std::string noteNumber(std::string_view written) {
+  while (!written.empty() && isUnseen(text::left(written, 1))) {
+    written.remove_prefix(text::left(written, 1).size());
+  }
+  while (!written.empty() && isUnseen(text::right(written, 1))) {
+    written.remove_suffix(text::right(written, 1).size());
+  }
+  utf8proc_uint8_t* composed = nullptr;
+  const utf8proc_ssize_t size =
+      utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(written.data()),
+                   static_cast<utf8proc_ssize_t>(written.size()), &composed,
+                   static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_COMPOSE));
+  const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owner(composed, &std::free);
+  if (size < 0) return std::string(written);
+  return {composed, composed + size};
+}
+
+bool hasControls(std::string_view text) {
+  for (; !text.empty(); text.remove_prefix(text::left(text, 1).size())) {
+    if (categoryOf(text::left(text, 1)) == UTF8PROC_CATEGORY_CC) return true;
+  }
+  return false;
+}
 
 /// Whether the second half of the lines is the first one again: a note that was pasted twice.
 bool standTwice(const std::vector<shop::DeliveryLine>& lines) {
@@ -99,7 +142,7 @@ std::string DeliveryFile::homelessness() const {
 std::string DeliveryFile::keyOfRow() const {
   if (row_.fields.size() != file_->columns().size()) return {};
   const std::string_view supplier = field(kSupplier);
-  const std::string_view note = field(kNote);
+  const std::string note = noteNumber(field(kNote));
   if (supplier.empty() || note.empty()) return {};
   return fmt::format("{}\n{}", supplier, note);
 }
@@ -173,8 +216,9 @@ void DeliveryFile::takeRow(Entry& entry) {
 std::string DeliveryFile::readRow(shop::Delivery& delivery, bool isFirst) {
   if (isFirst) {
     delivery.supplier = field(kSupplier);
-    delivery.note = field(kNote);
+    delivery.note = noteNumber(field(kNote));
   }
+  if (hasControls(noteNumber(field(kNote)))) return "Albaran has a control character";
   FieldValues read;
   read.values.resize(kFields.size());
   for (std::size_t at = 0; at < kFields.size(); ++at) {
