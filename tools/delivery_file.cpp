@@ -13,6 +13,8 @@
 #include <utf8proc.h>
 
 #include "tavelor/platform/text.hpp"
+#include "tools/input_file.hpp"
+#include "tools/output.hpp"
 #include "tools/shop/sale.hpp"
 
 namespace tavelor::tools {
@@ -186,7 +188,11 @@ bool DeliveryFile::next(Entry& entry) {
   entry = {};
   entry.line = row_.line;
   const std::string key = keyOfRow();
-  const Seen& seen = seen_.at(key);
+  const auto found = seen_.find(key);
+  if (found == seen_.end()) {
+    throw FileError(fmt::format("{}: the file changed while it was read", printable(setup_.path)));
+  }
+  const Seen& seen = found->second;
   do {
     takeRow(entry);
     hasRow_ = advance();
