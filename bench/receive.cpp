@@ -57,7 +57,8 @@ void fill(BenchShop& shop, std::size_t articles) {
   filler.execute("BEGIN");
   filler.execute("INSERT INTO Almacenes (Codigo) VALUES ('001')");
   for (std::size_t i = 0; i < kSuppliers; ++i) {
-    filler.execute(fmt::format("INSERT INTO Proveedores (Codigo) VALUES ('P{:02}')", i));
+    filler.execute(
+        fmt::format("INSERT INTO Proveedores (Codigo, Activo) VALUES ('P{:02}', -1)", i));
   }
   driver::Query article = filler.prepare(
       "INSERT INTO Articulos (Codigo, Descripcion, Existencia, Precio_Medio, Pendiente, "

@@ -81,10 +81,12 @@ std::array<int, 3> partsOf(Date day, DateOrder order) {
 /// False where the numbers of the text are not those of the day in that order: others would be
 /// tried elsewhere, and the days of one file be read in two ways. Also of a year of two digits.
 bool isWrittenSo(std::string_view text, Date day, DateOrder order) {
+  const auto isLetter = [](char c) { return (c | 0x20) >= 'a' && (c | 0x20) <= 'z'; };
+  if (std::any_of(text.begin(), text.end(), isLetter)) return true;  // a month by its name
   std::size_t part = 0;
   for (const int expected : partsOf(day, order)) {
     part = text.find_first_of(kDigits, part);
-    if (part == std::string_view::npos) return true;  // a month by its name
+    if (part == std::string_view::npos) return false;
     const std::size_t end = std::min(text.find_first_not_of(kDigits, part), text.size());
     int number = 0;
     std::from_chars(text.data() + part, text.data() + end, number);

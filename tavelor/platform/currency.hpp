@@ -52,8 +52,8 @@ Currency rounded(Currency amount, int decimals);
 /// not fit raises 6, not what it passes on the way. Good in zeroed memory.
 class CurrencySum {
  public:
-  void add(Currency amount);
-  Currency total() const;
+  void add(Currency amount);  ///< never raises
+  Currency total() const;     ///< of what was added; 0 of nothing
 
  private:
   std::int64_t scaled_ = 0;
