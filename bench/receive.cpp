@@ -2,7 +2,6 @@
 // Deliveries of ten lines: stock, lots, movements, prices and the suppliers' accounts, beside the
 // same reads and writes by prepared statements.
 #include <array>
-#include <cmath>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -230,17 +229,6 @@ constexpr std::array kSums = {
     "SELECT Sum(Precio) AS s FROM Articulos_Precios_Compras",
     "SELECT Sum(Saldo) AS s FROM Proveedores_Apuntes_Contables"};
 
-void checkSums(BenchShop& shop) {
-  for (const char* statement : kSums) {
-    const double byHand = shop.floor().prepare(statement).firstNumber();
-    const double ours =
-        shop.open(statement)->Field("s").Value().toDouble(*shop.installation().locale());
-    if (std::abs(byHand - ours) > 1e-6 * std::abs(byHand)) {
-      throw std::runtime_error(fmt::format("{}: {} by hand, {} here", statement, byHand, ours));
-    }
-  }
-}
-
 }  // namespace
 
 void measureReceive(Report& report, const Scale& scale) {
@@ -273,7 +261,7 @@ void measureReceive(Report& report, const Scale& scale) {
                side(first, [&](const shop::Delivery& each) { byHand.receive(each); }),
                side(second, [&](const shop::Delivery& each) { receiveHere(receiving, each); })},
               scale));
-  checkSums(shop);
+  shop.mustAgree(kSums);
 }
 
 }  // namespace tavelor::bench

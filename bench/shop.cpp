@@ -3,9 +3,12 @@
 #include "bench/shop.hpp"
 
 #include <array>
+#include <cmath>
+#include <stdexcept>
 
 #include <fmt/format.h>
 
+#include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/data_session.hpp"
 
@@ -138,6 +141,16 @@ RecordsetPtr BenchShop::open(const std::string& statement) {
   ConnectionPtr connection;
   DataSession().OpenRecordset(1, Statement(statement), rows, connection);
   return rows;
+}
+
+void BenchShop::mustAgree(std::span<const char* const> sums) {
+  for (const char* statement : sums) {
+    const double byHand = floor().prepare(statement).firstNumber();
+    const double ours = open(statement)->Field("s").Value().toDouble(*installation().locale());
+    if (std::abs(byHand - ours) > 1e-6 * std::abs(byHand)) {
+      throw std::runtime_error(fmt::format("{}: {} by hand, {} here", statement, byHand, ours));
+    }
+  }
 }
 
 void addWideTable(BenchShop& shop, std::size_t rows) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "bench/driver.hpp"
@@ -48,6 +49,9 @@ class BenchShop {
 
   /// Opens a statement in the main database.
   RecordsetPtr open(const std::string& statement);
+  /// Raises where a sum, the column s of a statement, is not the same on both sides: each work must
+  /// leave what the other does.
+  void mustAgree(std::span<const char* const> sums);
 
  private:
   test::TemporaryFolder folder_;

@@ -2,8 +2,6 @@
 // The stock of a ticket's lines: article, warehouse, lot and ledger, beside the same reads and
 // writes by prepared statements.
 #include <array>
-#include <cmath>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -201,17 +199,6 @@ constexpr std::array kSums = {"SELECT Sum(Existencia) AS s FROM Articulos",
                               "SELECT Sum(Precio) AS s FROM Articulos_Movimientos_Almacen",
                               "SELECT Sum(Id) AS s FROM Articulos_Movimientos_Almacen"};
 
-void checkSums(BenchShop& shop) {
-  for (const char* statement : kSums) {
-    const double byHand = shop.floor().prepare(statement).firstNumber();
-    const double ours =
-        shop.open(statement)->Field("s").Value().toDouble(*shop.installation().locale());
-    if (std::abs(byHand - ours) > 1e-6 * std::abs(byHand)) {
-      throw std::runtime_error(fmt::format("{}: {} by hand, {} here", statement, byHand, ours));
-    }
-  }
-}
-
 }  // namespace
 
 void measureStock(Report& report, const Scale& scale) {
@@ -246,7 +233,7 @@ void measureStock(Report& report, const Scale& scale) {
                       side(first, [&](const auto& lines) { byHand.sell(lines); }),
                       side(second, [&](const auto& lines) { byClasses.sell(lines); })},
                      scale));
-  checkSums(shop);
+  shop.mustAgree(kSums);
 }
 
 }  // namespace tavelor::bench

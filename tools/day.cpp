@@ -25,6 +25,7 @@
 #include "tools/sales_file.hpp"
 #include "tools/session.hpp"
 #include "tools/shop/built_in_day.hpp"
+#include "tools/shop/counted.hpp"
 #include "tools/shop/day_page.hpp"
 #include "tools/shop/papers.hpp"
 #include "tools/shop/receipt.hpp"
@@ -34,6 +35,8 @@
 namespace tavelor::tools {
 
 namespace {
+
+using shop::counted;
 
 constexpr const char* kFooter =
     R"(Each sale becomes a ticket with its lines, takes its articles off the stock and
@@ -66,10 +69,6 @@ struct DayOptions {
   std::string to;
   std::string report;
 };
-
-std::string counted(std::size_t count, std::string_view one, std::string_view many) {
-  return fmt::format("{} {}", count, count == 1 ? one : many);
-}
 
 // ---------------------------------------------------------------------------------------------
 // Where sales come from

@@ -163,7 +163,7 @@ void importRows(const ImportOptions& options, const Common& common) {
       kind.make({sources, file.columns().size(), numbers.get(), from.isDryRun});
 
   const ImportCounts& counts = import->counts();
-  const auto tell = [&] {
+  const auto tell = [&] {  // the batches before an error stay
     refusals.print();
     fmt::print("{} of {} rows: {} new, {} changed, {} as stored, {} refused{}{}\n", counts.total(),
                total, counts.added, counts.changed, counts.same, counts.refused,
@@ -171,13 +171,7 @@ void importRows(const ImportOptions& options, const Common& common) {
                from.isDryRun ? "; nothing was written" : "");
     std::fflush(stdout);
   };
-  try {
-    takeRows(file, *import, refusals, total);
-  } catch (...) {
-    tell();  // the batches before stay
-    throw;
-  }
-  tell();
+  workAndTell([&] { takeRows(file, *import, refusals, total); }, tell);
   if (counts.total() < total) {
     throw FileError("interrupted; the same command goes on with the rest");
   }

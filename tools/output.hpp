@@ -38,6 +38,18 @@ std::string shown(const Variant& value, const Locale& locale);
 /// there is no other place to tell it, and the work goes on.
 void complain(const std::string& text);
 
+/// Works, and tells what was done, also when an error ended it, which passes then.
+template <typename Work, typename Tell>
+void workAndTell(Work&& work, Tell&& tell) {
+  try {
+    work();
+  } catch (...) {
+    tell();
+    throw;
+  }
+  tell();
+}
+
 /// Number, source and description on standard error, and the statement with the place marked.
 void printError(const Error& error, const Style& style);
 

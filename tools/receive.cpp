@@ -15,11 +15,14 @@
 #include "tools/progress.hpp"
 #include "tools/refusals.hpp"
 #include "tools/session.hpp"
+#include "tools/shop/counted.hpp"
 #include "tools/shop/receiving.hpp"
 
 namespace tavelor::tools {
 
 namespace {
+
+using shop::counted;
 
 constexpr const char* kFooter =
     R"(FILE is comma-separated values in UTF-8, plain or compressed by xz; its first row
@@ -127,10 +130,6 @@ class Taking {
   Counts counts_;
 };
 
-std::string counted(std::uint64_t count, std::string_view one, std::string_view many) {
-  return fmt::format("{} {}", count, count == 1 ? one : many);
-}
-
 void receive(const FileOptions& from, const Common& common) {
   const std::vector<std::string> columns = CsvFile(from.file, separatorOf(from)).columns();
   std::vector<FieldSource> sources = sourcesOf(from, columns);
@@ -146,7 +145,7 @@ void receive(const FileOptions& from, const Common& common) {
   }
   Taking taking(file, refusals, from.isDryRun);
   const Counts& counts = taking.counts();
-  const auto tell = [&] {
+  const auto tell = [&] {  // what was received before an error stays
     refusals.print();
     fmt::print("{} of {}: {} received with {}, {} were there, {} refused{}\n", counts.total(),
                counted(file.deliveries(), "delivery", "deliveries"), counts.received,
@@ -154,13 +153,7 @@ void receive(const FileOptions& from, const Common& common) {
                from.isDryRun ? "; nothing was written" : "");
     std::fflush(stdout);
   };
-  try {
-    taking.run();
-  } catch (...) {
-    tell();  // what was received stays
-    throw;
-  }
-  tell();
+  workAndTell([&] { taking.run(); }, tell);
   if (counts.total() < file.deliveries()) {
     throw FileError("interrupted; the same command goes on with the rest");
   }

@@ -30,11 +30,7 @@ class CorpusRuns : public testing::TestWithParam<std::filesystem::path> {
         plans.run(statement);
         return "";
       }
-      const auto plan = plans.plan(statement);
-      std::vector<ColumnType> types;
-      for (const dialect::OutputColumn& column : plan->columns) types.push_back(column.type);
-      RowStore rows(types);
-      EXPECT_TRUE(plans.fetch(statement, rows));
+      fetched(plans, statement);
       return "";
     } catch (const Error& error) {
       return error.what();

@@ -9,10 +9,8 @@
 
 #include "tavelor/platform/currency.hpp"
 #include "tavelor/platform/number_text.hpp"
-#include "tavelor/platform/statement.hpp"
 #include "tavelor/services/dialect/ddl.hpp"
 #include "tavelor/services/dialect/dialect.hpp"
-#include "tavelor/services/dialect/plan_cache.hpp"
 #include "tests/sqlite/support.hpp"
 
 namespace tavelor::engine::test {
@@ -43,27 +41,17 @@ class DialectBehaviour : public testing::Test {
   }
   /// The first column, of texts, of all rows.
   std::vector<std::string> all(std::string_view text) {
-    const Statement statement(text);
-    const auto plan = plans.plan(statement);
-    std::vector<ColumnType> types;
-    for (const dialect::OutputColumn& column : plan->columns) types.push_back(column.type);
-    RowStore found(types);
-    EXPECT_TRUE(plans.fetch(statement, found));
+    const RowStore found = fetched(plans, Statement(text));
     std::vector<std::string> texts;
     for (std::uint32_t row = 0; row < found.rows(); ++row) texts.emplace_back(found.text(row, 0));
     return texts;
   }
   /// The first column of the first row, printed; "none" without a row.
   std::string first(std::string_view text) {
-    const Statement statement(text);
-    const auto plan = plans.plan(statement);
-    std::vector<ColumnType> types;
-    for (const dialect::OutputColumn& column : plan->columns) types.push_back(column.type);
-    RowStore rows(types);
-    EXPECT_TRUE(plans.fetch(statement, rows));
+    const RowStore rows = fetched(plans, Statement(text));
     if (rows.rows() == 0) return "none";
     if (rows.isNull(0, 0)) return "Null";
-    switch (types[0]) {
+    switch (rows.type(0)) {
       case ColumnType::kText:
       case ColumnType::kMemo:
         return std::string(rows.text(0, 0));

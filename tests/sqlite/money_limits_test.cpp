@@ -53,13 +53,7 @@ class MoneyAtItsLimits : public DialectBehaviour {
   std::string amountOf(std::string_view text) {
     std::string amount;
     const std::int32_t number = errorNumber([&] {
-      const Statement statement(text);
-      std::vector<ColumnType> types;
-      for (const dialect::OutputColumn& column : plans.plan(statement)->columns) {
-        types.push_back(column.type);
-      }
-      RowStore rows(types);
-      EXPECT_TRUE(plans.fetch(statement, rows));
+      const RowStore rows = fetched(plans, Statement(text));
       amount = rows.type(0) == ColumnType::kCurrency ? std::to_string(rows.integer(0, 0))
                                                      : "no money but " + first(text);
     });

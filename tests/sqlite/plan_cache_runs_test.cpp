@@ -46,13 +46,7 @@ class PlanCacheRuns : public testing::Test {
            << value(code) << "' AS codigo, '" << value(quantity) << "' AS Cantidad , "
            << value(amount) << " AS Importe ";
   }
-  RowStore fetch(const Statement& statement) {
-    std::vector<ColumnType> types;
-    for (const auto& column : cache->plan(statement)->columns) types.push_back(column.type);
-    RowStore rows(types);
-    EXPECT_TRUE(cache->fetch(statement, rows));
-    return rows;
-  }
+  RowStore fetch(const Statement& statement) { return fetched(*cache, statement); }
   std::int64_t count() { return wholeOf(*session, "SELECT count(*) FROM Lineas"); }
 
   std::unique_ptr<Session> session = openInMemory();

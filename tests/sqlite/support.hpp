@@ -10,12 +10,15 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/locale.hpp"
+#include "tavelor/platform/statement.hpp"
+#include "tavelor/services/dialect/plan_cache.hpp"
 #include "tavelor/services/engine/catalogue.hpp"
 #include "tavelor/services/engine/row_store.hpp"
 #include "tavelor/services/engine/value.hpp"
@@ -67,6 +70,15 @@ inline std::unique_ptr<Session> openExisting(const std::string& path, int busyTi
   options.synchronous = false;
   options.busyTimeoutMs = busyTimeoutMs;
   return sqliteEngine().open(options);
+}
+
+/// All rows of a SELECT, hidden columns included.
+inline RowStore fetched(dialect::PlanCache& plans, const Statement& statement) {
+  std::vector<ColumnType> types;
+  for (const auto& column : plans.plan(statement)->columns) types.push_back(column.type);
+  RowStore rows(types);
+  EXPECT_TRUE(plans.fetch(statement, rows));
+  return rows;
 }
 
 /// The error that a call raises, if it does.

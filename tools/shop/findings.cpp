@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "tools/shop/counted.hpp"
 #include "tools/shop/sale.hpp"
 
 namespace tavelor::shop {
@@ -40,10 +41,6 @@ std::vector<Run> runsOf(const std::vector<Finding>& findings) {
     run.first.movements += each.movements;
   }
   return runs;
-}
-
-std::string counted(std::int64_t count, std::string_view one, std::string_view many) {
-  return fmt::format("{} {}", count, count == 1 ? one : many);
 }
 
 std::string placeOf(const Run& run) {

@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-#include "tavelor/platform/number_text.hpp"
+#include "tools/shop/amounts.hpp"
 
 namespace tavelor::shop {
 
@@ -14,17 +14,15 @@ std::string isoDay(Date day) {
 }
 
 double SaleLine::netPrice() const {
-  return discount == 0 ? price : roundHalfAway(price * (1 - discount / 100), 4);
+  return discount == 0 ? price : discounted(price, discount);
 }
 
 double SaleLine::amount() const {
-  return roundHalfAway(quantity * netPrice(), 2);
+  return amountOf(quantity, netPrice());
 }
 
 double Sale::total() const {
-  double sum = 0;
-  for (const SaleLine& line : lines) sum += line.amount();
-  return roundHalfAway(sum, 2);  // a sum of cents is one, and not what binary fractions leave of it
+  return totalOf(lines);
 }
 
 }  // namespace tavelor::shop
