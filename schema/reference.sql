@@ -50,9 +50,9 @@ CREATE TABLE Divisas (
 CREATE TABLE Formas_Pago (
   codigo TEXT(10) NOT NULL,
   Descripcion TEXT(50),
-  Numero_Plazos SHORT,
-  Dias_Plazos SHORT,
-  Dias1 SHORT,
+  Numero_Plazos LONG,
+  Dias_Plazos LONG,
+  Dias1 LONG,
   Apunte BIT NOT NULL DEFAULT 0,
   Recibo BIT NOT NULL DEFAULT 0,
   Contado BIT NOT NULL DEFAULT 0,

@@ -19,7 +19,7 @@ CREATE TABLE Articulos_Lotes (
   Codigo TEXT(20),
   Lote TEXT(50),
   Existencia DOUBLE DEFAULT 0,
-  Activo SHORT DEFAULT 0,
+  Activo LONG DEFAULT 0,
   Caduca DATETIME,                           -- expiry
   Stock BIT NOT NULL DEFAULT 0,              -- a sale takes from this lot
   CONSTRAINT PK_Articulos_Lotes PRIMARY KEY (Id)
@@ -39,10 +39,10 @@ CREATE TABLE Articulos_Movimientos_Almacen (
   Cantidad DOUBLE DEFAULT 0,
   Precio CURRENCY DEFAULT 0,
   Referencia TEXT(50),
-  Movimiento SHORT DEFAULT 0,
+  Movimiento LONG DEFAULT 0,
   Seccion TEXT(10),
   Empleado TEXT(10),
-  Estado SHORT DEFAULT 0,
+  Estado LONG DEFAULT 0,
   Doc_E DOUBLE,
   Cod_ID TEXT(50),                           -- line within the document
   Numero LONG,                               -- only asked for by the test of a free key

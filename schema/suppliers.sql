@@ -3,7 +3,7 @@
 -- Suppliers; those with Sub set are subcontractors. Activo is a number used as a flag.
 CREATE TABLE Proveedores (
   Codigo TEXT(20) NOT NULL,
-  Activo SHORT DEFAULT 0,
+  Activo LONG DEFAULT 0,
   Nombre TEXT(100),
   Razon_Social TEXT(100),
   Contacto TEXT(100),
@@ -33,7 +33,7 @@ CREATE TABLE Proveedores (
   Tarifa TEXT(5),
   Serie TEXT(5),
   Bonificacion_1 DOUBLE,
-  Condicion_1 CURRENCY,
+  Condicion_1 DOUBLE,
   Concepto TEXT(255),
   Tipo_Factura_A TEXT(20),
   Tipo_Factura_B TEXT(20),
@@ -65,9 +65,9 @@ CREATE TABLE Proveedores_Apuntes_Contables (
   Fecha DATETIME,
   Concepto TEXT(255),
   Debe_Haber TEXT(5) DEFAULT 'H',
-  Debe CURRENCY,                    -- Null counts as 0
-  Haber CURRENCY,
-  Saldo CURRENCY DEFAULT 0,
+  Debe DOUBLE,                      -- Null counts as 0
+  Haber DOUBLE,
+  Saldo DOUBLE DEFAULT 0,
   Estado LONG,
   Documento_E DOUBLE,
   CONSTRAINT PK_Proveedores_Apuntes_Contables PRIMARY KEY (Id)

@@ -10,22 +10,36 @@
 
 namespace tavelor {
 
-void takeActiveRow(const RecordsetPtr& rows, const ActiveRow& to) {
+namespace {
+
+/// Hands each variable with its field to `read`, in the order of the parameters.
+template <typename Read>
+void eachOf(const ActiveRow& to, const Read& read) {
+  read("Código", to.code);
+  read("Nombre", to.name);
+  read("Empresa", to.company);
+  read("Dirección", to.street);
+  read("Codigo_Postal", to.postcode);
+  read("Población", to.town);
+  read("Provincia", to.province);
+  read("Teléfono", to.telephone);
+}
+
+}  // namespace
+
+void takeActiveRow(Recordset& rows, const ActiveRow& to) {
+  eachOf(to, [&](std::string_view field, auto& variable) { take(rows, field, variable); });
+}
+
+void takeActiveRowIfThere(const RecordsetPtr& rows, const ActiveRow& to) {
   if (!rows) return;
-  const auto takeIfThere = [&](std::string_view field, auto& variable) {
+  eachOf(to, [&](std::string_view field, auto& variable) {
     try {
       take(*rows, field, variable);
     } catch (const Error&) {
+      // Forms ask while they have no row yet, and lists need not show all.
     }
-  };
-  takeIfThere("Código", to.code);
-  takeIfThere("Nombre", to.name);
-  takeIfThere("Empresa", to.company);
-  takeIfThere("Dirección", to.street);
-  takeIfThere("Codigo_Postal", to.postcode);
-  takeIfThere("Población", to.town);
-  takeIfThere("Provincia", to.province);
-  takeIfThere("Teléfono", to.telephone);
+  });
 }
 
 }  // namespace tavelor

@@ -30,8 +30,11 @@ inline constexpr std::string_view kActiveRowParameters =
     "out vId, out sNombre, out sEmpresa, out sDireccion, out sCp, out sPoblacion, out sProvincia, "
     "out sTelefono";
 
-/// Each variable for itself: one that cannot be read, since the list does not show it, it is Null
-/// or there is no row, stays as it came and keeps none of the others from it. Never raises.
-void takeActiveRow(const RecordsetPtr& rows, const ActiveRow& to);
+/// A Null leaves its variable as it came. Raises 3021 without a row and 3265 for a field that the
+/// list does not show: the variables before it are written then.
+void takeActiveRow(Recordset& rows, const ActiveRow& to);
+/// The same for each variable by itself: one that cannot be read stays as it came and keeps none of
+/// the others from it. Never raises.
+void takeActiveRowIfThere(const RecordsetPtr& rows, const ActiveRow& to);
 
 }  // namespace tavelor

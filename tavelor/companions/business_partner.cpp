@@ -60,7 +60,7 @@ void BusinessPartner::ObtenerRegistroActivo(InOut<Variant> vId, InOut<std::strin
                                             InOut<std::string> sPoblacion,
                                             InOut<std::string> sProvincia,
                                             InOut<std::string> sTelefono) const {
-  takeActiveRow(DataMember("Primary"), {*vId, *sNombre, *sEmpresa, *sDireccion, *sCp, *sPoblacion,
+  takeActiveRowIfThere(DataMember("Primary"), {*vId, *sNombre, *sEmpresa, *sDireccion, *sCp, *sPoblacion,
                                         *sProvincia, *sTelefono});
 }
 

@@ -148,7 +148,7 @@ void ClsClientesDirecciones::ObtenerRegistroActivo(
     InOut<Variant> vId, InOut<std::string> sNombre, InOut<std::string> sEmpresa,
     InOut<std::string> sDireccion, InOut<std::string> sCp, InOut<std::string> sPoblacion,
     InOut<std::string> sProvincia, InOut<std::string> sTelefono) const {
-  takeActiveRow(DataMember("Primary"), {*vId, *sNombre, *sEmpresa, *sDireccion, *sCp, *sPoblacion,
+  takeActiveRow(primary(), {*vId, *sNombre, *sEmpresa, *sDireccion, *sCp, *sPoblacion,
                                         *sProvincia, *sTelefono});
 }
 

@@ -55,8 +55,8 @@ class ClsClientesDirecciones final : public OpensByWordOnConnection {
   /// Whether that address is the customer's.
   bool EsValida(const Variant& id, const Variant& vIdDir, ObjCn objCn = {}) const;
 
-  /// The current row. Fields that the list does not show, and Null ones, are left as they came;
-  /// errors are passed over.
+  /// The current row; Null fields are left as they came. Raises 91 before IniciaRs, 3021 without a
+  /// row and 3265 in a list that does not show all of them.
   void ObtenerRegistroActivo(InOut<Variant> vId, InOut<std::string> sNombre,
                              InOut<std::string> sEmpresa, InOut<std::string> sDireccion,
                              InOut<std::string> sCp, InOut<std::string> sPoblacion,

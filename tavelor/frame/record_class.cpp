@@ -13,7 +13,6 @@
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/data_session.hpp"
-#include "tavelor/services/engine/catalogue.hpp"
 #include "tavelor/services/installation.hpp"
 #include "tavelor/services/prompt_global.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
@@ -114,23 +113,18 @@ RecordsetPtr RecordClass::openPrimaryFromFile(std::string_view path) {
   return adoPrimaryRS_;
 }
 
-/// A file tells the tables of its fields; where another program wrote it and told none, their names
-/// must do.
+/// A file tells the tables of its fields; one that tells none, as of a set without a database, is
+/// taken as it is.
 void RecordClass::requireOwnRows(Recordset& rows, std::string_view path) const {
-  const auto catalogue = Apartment::current().installation().catalogue(info_.selector);
-  const engine::Table* const table = catalogue->find(info_.table);
   std::string others;
   for (std::int32_t i = 0; i < rows.Fields().Count(); ++i) {
-    const Field field = rows.Field(i);
-    const std::string& base = field.BaseTable();
-    const bool isOwn = base.empty() ? table != nullptr && table->find(field.Name()) >= 0
-                                    : text::equalsIgnoreCase(base, info_.table);
-    if (isOwn) return;
+    const std::string base = rows.Field(i).BaseTable();
+    if (text::equalsIgnoreCase(base, info_.table)) return;
     if (others.empty()) others = base;
   }
+  if (others.empty()) return;
   raise(errors::kInvalidArgument, info_.word,
-        others.empty() ? fmt::format("No field of {} is one of {}.", path, info_.table)
-                       : fmt::format("{} holds rows of {}, not of {}.", path, others, info_.table));
+        fmt::format("{} holds rows of {}, not of {}.", path, others, info_.table));
 }
 
 void RecordClass::saveRows(Recordset& rows, std::string_view path) const {

@@ -19,9 +19,9 @@ class TicketNotes : public TicketTable<OpensOnConnection> {
   /// posts it; Update writes it. Does nothing without rows.
   void UpdateId(const Variant& vId);
   /// The rows as a page, record by record; see ToHtmlGrid for the parameters.
-  void ToHtml(bool bDoclone = false, std::string_view sSelecSql = {}, bool bFilter = false);
+  void ToHtml(bool bDoclone = true, std::string_view sSelecSql = "todos", bool bFilter = false);
   /// The same as plain text, in the report folder.
-  void ToTxt(bool bDoclone = false, std::string_view sSelecSql = {}, bool bFilter = false);
+  void ToTxt(bool bDoclone = true, std::string_view sSelecSql = "todos", bool bFilter = false);
 
  protected:
   /// Takes what the table of tickets takes.

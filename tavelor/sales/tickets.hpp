@@ -70,7 +70,7 @@ class ClsTickets final : public TicketTable<OpensByWord> {
   // ---- Sums and lists (tickets_ventas.cpp)
   //
   // Of the live tickets only: what has moved to history does not count. A span is two dates, both
-  // of them inside, in whole days; a time rounds to the nearer day. Series, till and employee are
+  // of them inside, in whole days; a time of day is passed over. Series, till and employee are
   // compared as they are, so that an empty employee means tickets without one. `bCerrados` counts
   // settled tickets only. Cash is what is not invoiced, credit what is, whatever was paid.
 

@@ -144,7 +144,7 @@ void ClsTicketsCabecera::GetDatos(Busqueda& busqueda) const {
 
 const Component& ClsTicketsCabecera::component() {
   using C = ClsTicketsCabecera;
-  constexpr std::string_view kExport = "[bDoclone], [sSelecSql], [bFilter]";
+  constexpr std::string_view kExport = "[bDoclone = True], [sSelecSql = 'todos'], [bFilter]";
   static const Component table(
       "ClsTicketsCabecera", "{3E7C51D4-8A20-4B96-A1F7-5C0D92E6B402}", kInfo.word,
       []() -> std::unique_ptr<Object> { return std::make_unique<C>(); },

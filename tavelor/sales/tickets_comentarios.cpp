@@ -55,7 +55,7 @@ std::string ClsTicketsComentarios::sQComentario() const {
 
 const Component& ClsTicketsComentarios::component() {
   using C = ClsTicketsComentarios;
-  constexpr std::string_view kExport = "[bDoclone], [sSelecSql], [bFilter]";
+  constexpr std::string_view kExport = "[bDoclone = True], [sSelecSql = 'todos'], [bFilter]";
   static const Component table(
       "ClsTicketsComentarios", "{3E7C51D4-8A20-4B96-A1F7-5C0D92E6B403}", kInfo.word,
       []() -> std::unique_ptr<Object> { return std::make_unique<C>(); },

@@ -94,7 +94,7 @@ void ClsEmpleados::ObtenerRegistroActivo(InOut<Variant> vId, InOut<std::string> 
                                          InOut<std::string> sCp, InOut<std::string> sPoblacion,
                                          InOut<std::string> sProvincia,
                                          InOut<std::string> sTelefono) const {
-  takeActiveRow(DataMember("Primary"), {*vId, *sNombre, *sEmpresa, *sDireccion, *sCp, *sPoblacion,
+  takeActiveRow(primary(), {*vId, *sNombre, *sEmpresa, *sDireccion, *sCp, *sPoblacion,
                                         *sProvincia, *sTelefono});
 }
 

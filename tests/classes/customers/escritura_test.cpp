@@ -277,22 +277,13 @@ TEST_F(ClsClientesEscrituraTest, SomeColumnsOfACustomerAreRowsOfCustomers) {
 }
 
 // Another program need not tell the tables of its fields.
-TEST_F(ClsClientesEscrituraTest, FieldsWithoutATableAreKnownByTheirNames) {
+TEST_F(ClsClientesEscrituraTest, FieldsWithoutATableAreTakenAsTheyAre) {
   const std::string path = shop.installation().folder() + "/foreign.xml";
-  const auto write = [&](const std::string& name) {
-    std::ofstream(path) << "<xml xmlns:s='s' xmlns:dt='d' xmlns:rs='r' xmlns:z='z'><s:Schema "
-                           "id='RowsetSchema'><s:ElementType name='row'><s:AttributeType name='"
-                        << name
-                        << "'><s:datatype dt:type='string'/></s:AttributeType></s:ElementType>"
-                           "</s:Schema><rs:data><z:row "
-                        << name << "='x'/></rs:data></xml>";
-  };
-  write("RAZON_SOCIAL");
-  EXPECT_EQ(customers.IniciaXML(path)->RecordCount(), 1);
-  write("Talla");
-  const auto error = test::raisedBy([&] { customers.IniciaXML(path); });
-  EXPECT_EQ(error.number(), errors::kInvalidArgument);
-  EXPECT_THAT(error.description(), HasSubstr("foreign.xml is one of Clientes."));
+  std::ofstream(path) << "<xml xmlns:s='s' xmlns:dt='d' xmlns:rs='r' xmlns:z='z'><s:Schema "
+                         "id='RowsetSchema'><s:ElementType name='row'><s:AttributeType name='Talla'>"
+                         "<s:datatype dt:type='string'/></s:AttributeType></s:ElementType>"
+                         "</s:Schema><rs:data><z:row Talla='x'/></rs:data></xml>";
+  EXPECT_EQ(customers.IniciaXML(path)->Field("Talla").Value(), Variant("x"));
 }
 
 TEST_F(ClsClientesEscrituraTest, TheInstallationsOwnFilesAreNotOverwritten) {

@@ -317,6 +317,7 @@ TEST_F(ClsTicketsCabeceraTest, TheRowsAreWrittenAsAPageAndAsText) {
   };
   EXPECT_THAT(bytesOf("Tickets_Cabecera.htm"), HasSubstr("Ana"));
   EXPECT_THAT(bytesOf("Tickets_Cabecera.txt"), HasSubstr("Nombre: Ana\r\n"));
+  EXPECT_FALSE(headers.DataMember("Primary")->Eof()) << "a clone was walked";
 }
 
 }  // namespace

@@ -111,6 +111,7 @@ TEST_F(ClsTicketsComentariosTest, TheRowsAreWrittenAsAPageAndAsText) {
   };
   EXPECT_THAT(bytesOf("Tickets_Comentarios.htm"), HasSubstr("sin sal"));
   EXPECT_THAT(bytesOf("Tickets_Comentarios.txt"), HasSubstr("Comentarios: sin sal\r\n"));
+  EXPECT_FALSE(comments.DataMember("Primary")->Eof()) << "a clone was walked";
 }
 
 }  // namespace

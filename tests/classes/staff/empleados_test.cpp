@@ -192,7 +192,7 @@ TEST_F(ClsEmpleadosTest, ObtenerRegistroActivoGivesTheCurrentRow) {
               ElementsAre("Marta", "Gil", "Calle 1", "08001", "Barcelona", "BCN", "93"));
 }
 
-TEST_F(ClsEmpleadosTest, ObtenerRegistroActivoLeavesWhatItCannotRead) {
+TEST_F(ClsEmpleadosTest, ObtenerRegistroActivoLeavesNullsAndRaisesWhatItCannotRead) {
   add("001", "Activo = True, Nombre = 'Marta'");
   Variant code = "as it came";
   std::string name = "n", company = "c", street = "s", postcode = "p", town = "t", province = "v",
@@ -200,12 +200,11 @@ TEST_F(ClsEmpleadosTest, ObtenerRegistroActivoLeavesWhatItCannotRead) {
   const auto take = [&] {
     staff.ObtenerRegistroActivo(code, name, company, street, postcode, town, province, telephone);
   };
-  take();
-  EXPECT_EQ(code, Variant("as it came")) << "before IniciaRs";
+  EXPECT_EQ(errorOf(take), errors::kObjectNotSet) << "before IniciaRs";
+  EXPECT_EQ(code, Variant("as it came"));
   open("seleccion");
-  take();
-  EXPECT_EQ(code, Variant("001"));
-  EXPECT_EQ(name, "n") << "the list does not show it under that name";
+  EXPECT_EQ(errorOf(take), errors::kItemNotFound) << "the list does not show the name";
+  EXPECT_EQ(name, "n");
   open("todos");
   take();
   EXPECT_EQ(name, "Marta");

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "tests/classes/suppliers/proveedores.hpp"
+#include "tests/support/form.hpp"
 
 namespace tavelor {
 namespace {
@@ -48,6 +49,16 @@ TEST_F(ClsProveedoresTest, TheListOfDataMembersGrowsWithEachOpening) {
   suppliers.IniciaRs();
   EXPECT_THAT(suppliers.DataMembers(), ElementsAre("Primary", "Primary"));
   EXPECT_EQ(suppliers.sClassName(), "Proveedores");
+}
+
+// The frame knows two types of numbers: columns of another one would be taken for dates.
+TEST_F(ClsProveedoresTest, ItsNumbersAreFilteredAsNumbers) {
+  add("00012", "Activo = -1, Condicion_1 = 100.25");
+  suppliers.IniciaRs();
+  const auto criterion = [&](auto control) { return suppliers.CreateFilter(control); };
+  EXPECT_EQ(criterion(test::CheckBox("Activo", 1)), "Activo <> 0 ");
+  EXPECT_EQ(criterion(test::TextBox("Importe", "3")), "Importe = 3 ");
+  EXPECT_FALSE(suppliers.ValidaValue(test::TextBox("Importe", "tres")));
 }
 
 // ---- Modes
