@@ -10,7 +10,7 @@
 
 #include "bench/shop.hpp"
 #include "bench/works.hpp"
-#include "tools/shop/receiving.hpp"
+#include "tavelor/flows/receiving.hpp"
 
 namespace tavelor::bench {
 
@@ -26,10 +26,10 @@ constexpr std::size_t kDeliveriesADay = 40;
 constexpr Text kWarehouse = "001";
 
 /// The next deliveries: every second article is kept by lots.
-std::vector<shop::Delivery> deliveriesOf(Dice& dice, std::size_t count, std::size_t articles,
-                                         std::size_t& note) {
-  std::vector<shop::Delivery> deliveries(count);
-  for (shop::Delivery& delivery : deliveries) {
+std::vector<flows::Delivery> deliveriesOf(Dice& dice, std::size_t count, std::size_t articles,
+                                          std::size_t& note) {
+  std::vector<flows::Delivery> deliveries(count);
+  for (flows::Delivery& delivery : deliveries) {
     ++note;
     delivery.supplier = fmt::format("P{:02}", note % kSuppliers);
     delivery.note = fmt::format("A-{}", note);
@@ -138,7 +138,7 @@ class ReceivingByHand {
         later_(d.prepare("UPDATE Proveedores_Apuntes_Contables SET Saldo = Saldo + ? WHERE Fecha > "
                          "? AND Codigo = ?")) {}
 
-  void receive(const shop::Delivery& delivery) {
+  void receive(const flows::Delivery& delivery) {
     const Text supplier = delivery.supplier;
     const std::string text = "Albarán " + delivery.note;
     begin_.run();
@@ -151,7 +151,7 @@ class ReceivingByHand {
     auto movement = static_cast<std::int64_t>(lastMovement_.firstNumber());
     if (hasWarehouse_.bind(1, kWarehouse).fetch().empty()) throw std::runtime_error("no warehouse");
     std::size_t place = 0;
-    for (const shop::DeliveryLine& line : delivery.lines) {
+    for (const flows::DeliveryLine& line : delivery.lines) {
       post(delivery, line, number, ++movement, std::to_string(++place));
     }
     charge(delivery, text, number);
@@ -159,7 +159,7 @@ class ReceivingByHand {
   }
 
  private:
-  void post(const shop::Delivery& delivery, const shop::DeliveryLine& line, double number,
+  void post(const flows::Delivery& delivery, const flows::DeliveryLine& line, double number,
             std::int64_t movement, const std::string& place) {
     const Text code = line.code;
     const Text lot = line.lot;
@@ -193,7 +193,7 @@ class ReceivingByHand {
     }
   }
 
-  void charge(const shop::Delivery& delivery, const std::string& text, double number) {
+  void charge(const flows::Delivery& delivery, const std::string& text, double number) {
     const Text supplier = delivery.supplier;
     const auto id = static_cast<std::int64_t>(lastEntry_.firstNumber()) + 1;
     const double day = delivery.day.days();
@@ -211,9 +211,9 @@ class ReceivingByHand {
   driver::Query hasPrice_, lastPrice_, newPrice_, price_, balance_, entry_, later_;
 };
 
-void receiveHere(shop::Receiving& receiving, const shop::Delivery& delivery) {
-  const shop::Receipt receipt = receiving.receive(delivery);
-  if (receipt.outcome == shop::Receipt::Outcome::kReceived) return;
+void receiveHere(flows::Receiving& receiving, const flows::Delivery& delivery) {
+  const flows::Receipt receipt = receiving.receive(delivery);
+  if (receipt.outcome == flows::Receipt::Outcome::kReceived) return;
   throw std::runtime_error(receipt.faults.empty() ? "known" : receipt.faults.front().reason);
 }
 
@@ -238,16 +238,16 @@ void measureReceive(Report& report, const Scale& scale) {
   fill(shop, articles);
   shop.share();
   ReceivingByHand byHand(shop.floor());
-  shop::Receiving receiving;
+  flows::Receiving receiving;
   // What comes in is made before the clock starts; each side receives the same.
   struct Gate {
-    std::vector<shop::Delivery> next;
+    std::vector<flows::Delivery> next;
     std::size_t note = 0;
     Dice dice{31};
   };
   const auto side = [deliveries, articles](Gate& gate, auto receive) {
     return Side{[&gate, receive] {
-                  for (const shop::Delivery& delivery : gate.next) receive(delivery);
+                  for (const flows::Delivery& delivery : gate.next) receive(delivery);
                   return 0.0;
                 },
                 [&gate, deliveries, articles] {
@@ -258,8 +258,8 @@ void measureReceive(Report& report, const Scale& scale) {
   Gate second;
   report.add(
       compare({"line of a delivery, ten a delivery", deliveries * kLinesADelivery, 1.3,
-               side(first, [&](const shop::Delivery& each) { byHand.receive(each); }),
-               side(second, [&](const shop::Delivery& each) { receiveHere(receiving, each); })},
+               side(first, [&](const flows::Delivery& each) { byHand.receive(each); }),
+               side(second, [&](const flows::Delivery& each) { receiveHere(receiving, each); })},
               scale));
   shop.mustAgree(kSums);
 }

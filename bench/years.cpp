@@ -10,11 +10,11 @@
 
 #include "bench/shop.hpp"
 #include "bench/works.hpp"
+#include "tavelor/flows/day_page.hpp"
+#include "tavelor/flows/seed.hpp"
+#include "tavelor/flows/shop.hpp"
 #include "tavelor/services/clock.hpp"
-#include "tools/shop/built_in_day.hpp"
-#include "tools/shop/day_page.hpp"
-#include "tools/shop/seed.hpp"
-#include "tools/shop/shop.hpp"
+#include "tools/built_in_day.hpp"
 
 namespace tavelor::bench {
 
@@ -33,11 +33,11 @@ const std::vector<std::string> kTills{"01", "02", "03"};
 /// closings with their details, and the counter behind them.
 class Past {
  public:
-  Past(Installation& installation, const std::vector<shop::Sale>& day)
+  Past(Installation& installation, const std::vector<flows::Sale>& day)
       : documents_(installation.databaseFile(kDocuments)),
         main_(installation.databaseFile(kMain)),
         day_(day) {
-    for (const shop::Sale& sale : day) linesADay_ += sale.lines.size();
+    for (const flows::Sale& sale : day) linesADay_ += sale.lines.size();
   }
 
   void fill(std::size_t lines) {
@@ -92,14 +92,14 @@ class Past {
 
   void addDay(Writer& to, double day) {
     const std::int64_t firstClosing = closing_ + 1;
-    for (const shop::Sale& sale : day_) {
+    for (const flows::Sale& sale : day_) {
       const auto number = static_cast<double>(++ticket_);
       const std::string reference = fmt::format("P{}", ticket_);
       const std::int64_t closing = firstClosing + (ticket_ % 3);
       to.ticket.bind(1, number).bind(2, day).bind(3, Text(sale.customer)).bind(4, Text(reference));
       to.ticket.bind(5, Text(sale.payment)).bind(6, sale.total()).bind(7, Text(sale.time));
       to.ticket.bind(8, Text(sale.till)).bind(9, closing).run();
-      for (const shop::SaleLine& line : sale.lines) {
+      for (const flows::SaleLine& line : sale.lines) {
         to.line.bind(1, Text(line.code)).bind(2, Text(line.description)).bind(3, line.quantity);
         to.line.bind(4, line.price).bind(5, line.tax).bind(6, line.amount()).bind(7, number);
         to.line.bind(8, Text(line.family)).bind(9, closing).run();
@@ -126,7 +126,7 @@ class Past {
 
   driver::Database documents_;
   driver::Database main_;
-  const std::vector<shop::Sale>& day_;
+  const std::vector<flows::Sale>& day_;
   std::size_t linesADay_ = 0;
   std::int64_t ticket_ = 0;
   std::int64_t movement_ = 0;
@@ -142,28 +142,28 @@ struct Times {
 
 Times measureAfter(std::size_t lines, const Scale& scale) {
   BenchShop installation;
-  shop::seedCatalogues();
-  const std::vector<shop::Sale> pattern = shop::builtInDay(kTills);
+  flows::seedCatalogues();
+  const std::vector<flows::Sale> pattern = tools::builtInDay(kTills);
   if (lines > 0) Past(installation.installation(), pattern).fill(lines);
 
   Clock& clock = Apartment::current().clock();
-  shop::Shop tills;
+  flows::Shop tills;
   tills.openTills(kTills);
   Date day = pattern.front().day;
-  std::vector<shop::Sale> sales;
+  std::vector<flows::Sale> sales;
   // Day after day, each with its own references; the first one makes the articles and is not
   // measured.
   const auto nextDay = [&] {
     day = Date(day.days() + 1);
     clock.fix(day);
     sales = pattern;
-    for (shop::Sale& sale : sales) {
+    for (flows::Sale& sale : sales) {
       sale.day = day;
       sale.reference += fmt::format("/{}", day.days());
     }
   };
   const auto sell = [&] {
-    for (const shop::Sale& sale : sales) tills.sell(sale);
+    for (const flows::Sale& sale : sales) tills.sell(sale);
     return static_cast<double>(sales.size());
   };
   const auto close = [&] {
@@ -188,7 +188,7 @@ Times measureAfter(std::size_t lines, const Scale& scale) {
                            }},
                           few);
   times.page = measure({[&] {
-                         shop::writeDayPage(day, day);
+                         flows::writeDayPage(day, day);
                          return 0.0;
                        }},
                        few);

@@ -4,7 +4,8 @@
 # One floor of the house as an object library tavelor_NAME, made of all sources below FOLDER
 # (SHALLOW: of the folder itself only; a single .cpp may be named too). Every floor may use those
 # that were declared before it.
-# tavelor_library() joins all floors into the one library that users link: Tavelor::tavelor.
+# tavelor_library() joins all floors so far into the one library that users link: Tavelor::tavelor.
+# tavelor_library_of(FLOOR) makes a library of a floor that comes after that.
 
 # One precompiled header for all floors and one for all tests: compiled once, owned by no floor.
 function(tavelor_precompiled name)
@@ -58,6 +59,17 @@ function(tavelor_library)
   target_include_directories(tavelor PUBLIC
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:include>)
   target_link_libraries(tavelor PRIVATE ${links} Threads::Threads)
+endfunction()
+
+# A floor that stands on the library, as a static library of its own: Tavelor::FLOOR.
+function(tavelor_library_of floor)
+  get_target_property(links tavelor_${floor} LINK_LIBRARIES)
+  list(FILTER links EXCLUDE REGEX "tavelor_options")
+  add_library(tavelor_${floor}_library STATIC $<TARGET_OBJECTS:tavelor_${floor}>)
+  add_library(Tavelor::${floor} ALIAS tavelor_${floor}_library)
+  set_target_properties(tavelor_${floor}_library PROPERTIES LINKER_LANGUAGE CXX
+    OUTPUT_NAME tavelor_${floor} EXPORT_NAME ${floor} VERSION ${PROJECT_VERSION})
+  target_link_libraries(tavelor_${floor}_library PUBLIC tavelor PRIVATE ${links})
 endfunction()
 
 # tavelor_test(FLOOR [LINK target...]): the tests in tests/FLOOR as one program, linked with that

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# What `cmake --install` lays down: the library, its public headers, what find_package(Tavelor)
+# What `cmake --install` lays down: the library and the flows upon it, their public headers, what find_package(Tavelor)
 # reads, and the tavelor command.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -9,7 +9,7 @@ foreach(header IN LISTS TAVELOR_PUBLIC_HEADERS)
   install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
 endforeach()
 
-install(TARGETS tavelor EXPORT TavelorTargets)
+install(TARGETS tavelor tavelor_flows_library EXPORT TavelorTargets)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Tavelor)
 install(EXPORT TavelorTargets NAMESPACE Tavelor:: DESTINATION ${package_folder})
 configure_package_config_file(cmake/TavelorConfig.cmake.in ${PROJECT_BINARY_DIR}/TavelorConfig.cmake

@@ -2,21 +2,21 @@
 // A sale, its receipt and the closing of the till, by the flows that the tavelor command uses.
 #include <iostream>
 
+#include "tavelor/flows/receipt.hpp"
+#include "tavelor/flows/seed.hpp"
+#include "tavelor/flows/shop.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/installation.hpp"
-#include "tools/shop/receipt.hpp"
-#include "tools/shop/seed.hpp"
-#include "tools/shop/shop.hpp"
 
 int main() {
   try {
     const tavelor::Apartment apartment(tavelor::Installation::create("shop"));
-    tavelor::shop::seedCatalogues();
+    tavelor::flows::seedCatalogues();
 
     // [day]
-    tavelor::shop::Shop shop;
-    tavelor::shop::Sale sale;
+    tavelor::flows::Shop shop;
+    tavelor::flows::Sale sale;
     sale.reference = "V0001";
     sale.till = "01";
     sale.day = tavelor::Date::of(2026, 11, 20);
@@ -31,12 +31,12 @@ int main() {
          .quantity = 1,
          .price = 2.75}};
     const double number = shop.sell(sale).value();
-    const tavelor::shop::Closing closing = shop.close("01", sale.day).value();
+    const tavelor::flows::Closing closing = shop.close("01", sale.day).value();
     // [day]
 
-    for (const std::string& line : tavelor::shop::ticketText(number)) std::cout << line << '\n';
+    for (const std::string& line : tavelor::flows::ticketText(number)) std::cout << line << '\n';
     std::cout << '\n';
-    for (const std::string& line : tavelor::shop::slipText(closing.number)) {
+    for (const std::string& line : tavelor::flows::slipText(closing.number)) {
       std::cout << line << '\n';
     }
     return 0;

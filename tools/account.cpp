@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // tavelor account: a statement of account of a customer or a supplier; whether all balances are
 // right.
-#include "tools/shop/account.hpp"
+#include "tavelor/flows/account.hpp"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -44,8 +44,8 @@ struct AccountOptions {
   bool check = false;
   bool mend = false;
 
-  shop::LedgerOf of() const {
-    return isSupplier ? shop::LedgerOf::kSuppliers : shop::LedgerOf::kCustomers;
+  flows::LedgerOf of() const {
+    return isSupplier ? flows::LedgerOf::kSuppliers : flows::LedgerOf::kCustomers;
   }
 };
 
@@ -54,9 +54,9 @@ struct Words {
   const char* many;
   const char* head;
 };
-constexpr Words wordsOf(shop::LedgerOf of) {
-  return of == shop::LedgerOf::kCustomers ? Words{"customer", "customers", "Customer"}
-                                          : Words{"supplier", "suppliers", "Supplier"};
+constexpr Words wordsOf(flows::LedgerOf of) {
+  return of == flows::LedgerOf::kCustomers ? Words{"customer", "customers", "Customer"}
+                                           : Words{"supplier", "suppliers", "Supplier"};
 }
 
 /// Lines of cells below their heads; text to the left, amounts to the right.
@@ -105,7 +105,7 @@ class Sheet {
   std::vector<Line> lines_;
 };
 
-void printAccount(const shop::Account& account, bool hasOpening, const Locale& locale,
+void printAccount(const flows::Account& account, bool hasOpening, const Locale& locale,
                   const Style& style) {
   fmt::print("{}  {}\n\n", printable(account.owner),
              account.name.empty()
@@ -114,7 +114,7 @@ void printAccount(const shop::Account& account, bool hasOpening, const Locale& l
   Sheet sheet(locale, style);
   sheet.add({"Date", "Text", "Debit", "Credit", "Balance", ""});
   if (hasOpening) sheet.add({"", "carried over", "", "", sheet.money(account.opening), ""});
-  for (const shop::AccountEntry& entry : account.entries) {
+  for (const flows::AccountEntry& entry : account.entries) {
     const auto amount = [&](double value) { return value == 0 ? "" : sheet.money(value); };
     sheet.add({sheet.day(entry.date), printable(entry.text), amount(entry.debit),
                amount(entry.credit), sheet.money(entry.stored),
@@ -129,20 +129,20 @@ void printAccount(const shop::Account& account, bool hasOpening, const Locale& l
 void showAccount(const AccountOptions& options, const Common& common) {
   const auto [from, to] = dayRange(options.from, options.to);
   const Session session(common);
-  const std::optional<shop::Account> account =
-      shop::readAccount(options.of(), options.code, from, to);
+  const std::optional<flows::Account> account =
+      flows::readAccount(options.of(), options.code, from, to);
   if (!account) {
     throw std::runtime_error(fmt::format("there is no {} {} and no ledger of one",
                                          wordsOf(options.of()).one, printable(options.code)));
   }
   printAccount(*account, from.has_value(), session.locale(), Style(common.color, stdout));
-  if (options.html) fmt::print("page: {}\n", shop::writeAccountPage(*account, from, to));
+  if (options.html) fmt::print("page: {}\n", flows::writeAccountPage(*account, from, to));
 }
 
 void checkAccounts(const AccountOptions& options, const Common& common) {
   const Session session(common);
   const Style style(common.color, stdout);
-  const shop::LedgerCheck check = shop::checkLedger(options.of());
+  const flows::LedgerCheck check = flows::checkLedger(options.of());
   const auto counted = [](std::size_t count, const char* one, const char* many) {
     return fmt::format("{} {}", count, count == 1 ? one : many);
   };
@@ -162,8 +162,8 @@ void checkAccounts(const AccountOptions& options, const Common& common) {
   }
   sheet.print(2);
   if (!options.mend) throw std::runtime_error("balances are wrong: --mend writes them anew");
-  shop::mendLedger(check);
-  if (const std::size_t left = shop::checkLedger(check.of).wrong.size(); left != 0) {
+  flows::mendLedger(check);
+  if (const std::size_t left = flows::checkLedger(check.of).wrong.size(); left != 0) {
     throw std::runtime_error(
         fmt::format("{} left: no account is named by an entry whose code is null",
                     counted(left, "wrong balance", "wrong balances")));

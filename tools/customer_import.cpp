@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <array>
 
+#include "tavelor/flows/customers.hpp"
 #include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/text.hpp"
-#include "tools/shop/customers.hpp"
 
 namespace tavelor::tools {
 
@@ -101,28 +101,28 @@ void CustomerImport::insert(const Record& record) {
   const auto text = [&](std::size_t field, std::string_view otherwise = {}) {
     return doubledQuotes(record.text(field, otherwise));
   };
-  shop::makeCustomer({.vId = text(kCode),
-                      .sNombre = text(kName),
-                      .sRazonSocial = text(kCompany, record.text(kName, record.key)),
-                      .sNif = text(kFiscalNumber),
-                      .sdir = text(kStreet),
-                      .sCp = text(kPostalCode),
-                      .sPob = text(kTown),
-                      .sProv = text(kProvince),
-                      .stel = text(kTelephone),
-                      .sMov = text(kMobile),
-                      .sEmail = text(kMail),
-                      .seMailDoc = text(kDocumentMail),
-                      .bActivo = record.flag(kActive, true),
-                      .dDescuento = record.number(kDiscount),
-                      .sTarifa = text(kTariff, "A"),
-                      .sSerie = text(kSeries, "A"),
-                      .sConcepto = text(kConcept),
-                      .stpcli = text(kType, "Nuevo"),
-                      .sLista = text(kList),
-                      .objCn = connection(),
-                      .sExternalId = text(kExternal)},
-                     record.text(kFiscalWord));
+  flows::makeCustomer({.vId = text(kCode),
+                       .sNombre = text(kName),
+                       .sRazonSocial = text(kCompany, record.text(kName, record.key)),
+                       .sNif = text(kFiscalNumber),
+                       .sdir = text(kStreet),
+                       .sCp = text(kPostalCode),
+                       .sPob = text(kTown),
+                       .sProv = text(kProvince),
+                       .stel = text(kTelephone),
+                       .sMov = text(kMobile),
+                       .sEmail = text(kMail),
+                       .seMailDoc = text(kDocumentMail),
+                       .bActivo = record.flag(kActive, true),
+                       .dDescuento = record.number(kDiscount),
+                       .sTarifa = text(kTariff, "A"),
+                       .sSerie = text(kSeries, "A"),
+                       .sConcepto = text(kConcept),
+                       .stpcli = text(kType, "Nuevo"),
+                       .sLista = text(kList),
+                       .objCn = connection(),
+                       .sExternalId = text(kExternal)},
+                      record.text(kFiscalWord));
   update(record, toldFrom(record, kPayment));
 }
 

@@ -9,6 +9,12 @@
 
 #include <fmt/format.h>
 
+#include "tavelor/flows/counted.hpp"
+#include "tavelor/flows/day_page.hpp"
+#include "tavelor/flows/papers.hpp"
+#include "tavelor/flows/receipt.hpp"
+#include "tavelor/flows/reconciliation.hpp"
+#include "tavelor/flows/shop.hpp"
 #include "tavelor/platform/format.hpp"
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/number_text.hpp"
@@ -16,6 +22,7 @@
 #include "tavelor/platform/variant.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/installation.hpp"
+#include "tools/built_in_day.hpp"
 #include "tools/command.hpp"
 #include "tools/day_option.hpp"
 #include "tools/interrupt.hpp"
@@ -24,19 +31,12 @@
 #include "tools/refusals.hpp"
 #include "tools/sales_file.hpp"
 #include "tools/session.hpp"
-#include "tools/shop/built_in_day.hpp"
-#include "tools/shop/counted.hpp"
-#include "tools/shop/day_page.hpp"
-#include "tools/shop/papers.hpp"
-#include "tools/shop/receipt.hpp"
-#include "tools/shop/reconciliation.hpp"
-#include "tools/shop/shop.hpp"
 
 namespace tavelor::tools {
 
 namespace {
 
-using shop::counted;
+using flows::counted;
 
 constexpr const char* kFooter =
     R"(Each sale becomes a ticket with its lines, takes its articles off the stock and
@@ -77,7 +77,7 @@ struct DayOptions {
 class Source {
  public:
   virtual ~Source() = default;
-  virtual bool next(shop::Sale& sale) = 0;
+  virtual bool next(flows::Sale& sale) = 0;
   virtual std::uint64_t done() const = 0;
   virtual std::uint64_t total() const = 0;
   virtual std::vector<Refusal> refused() { return {}; }
@@ -88,7 +88,7 @@ class FileSource final : public Source {
   FileSource(const std::string& path, const SalesSelection& selection)
       : total_(countRows(path)), file_(path, selection) {}
 
-  bool next(shop::Sale& sale) override { return file_.next(sale); }
+  bool next(flows::Sale& sale) override { return file_.next(sale); }
   std::uint64_t done() const override { return file_.linesRead(); }
   std::uint64_t total() const override { return total_; }
   std::vector<Refusal> refused() override { return file_.takeRefused(); }
@@ -113,11 +113,11 @@ class FileSource final : public Source {
 
 class BuiltInSource final : public Source {
  public:
-  explicit BuiltInSource(const std::vector<std::string>& tills) : sales_(shop::builtInDay(tills)) {
-    for (const shop::Sale& sale : sales_) total_ += sale.lines.size();
+  explicit BuiltInSource(const std::vector<std::string>& tills) : sales_(builtInDay(tills)) {
+    for (const flows::Sale& sale : sales_) total_ += sale.lines.size();
   }
 
-  bool next(shop::Sale& sale) override {
+  bool next(flows::Sale& sale) override {
     if (at_ == sales_.size()) return false;
     sale = sales_[at_++];
     done_ += sale.lines.size();
@@ -127,7 +127,7 @@ class BuiltInSource final : public Source {
   std::uint64_t total() const override { return total_; }
 
  private:
-  std::vector<shop::Sale> sales_;
+  std::vector<flows::Sale> sales_;
   std::size_t at_ = 0;
   std::uint64_t done_ = 0;
   std::uint64_t total_ = 0;
@@ -142,16 +142,16 @@ class Replay {
   Replay(Source& source, Refusals& refusals, std::vector<std::string> tills)
       : source_(source), refusals_(refusals), tills_(std::move(tills)) {
     mended_ = shop_.recover();
-    if (!mended_.undecided.empty()) throw shop::Disagreement(mended_.undecided);
+    if (!mended_.undecided.empty()) throw flows::Disagreement(mended_.undecided);
     shop_.openTills(tills_);
-    shop::writeMissingPapers(shop::PapersOf::kLatest);
+    flows::writeMissingPapers(flows::PapersOf::kLatest);
   }
 
   /// To the end of the source, or until somebody interrupts it. What is not over then stays open.
   void run() {
     const Interruptible guard;
     Progress progress(stderr, source_.total());
-    shop::Sale sale;
+    flows::Sale sale;
     while (!Interruptible::interrupted()) {
       const bool isMore = source_.next(sale);
       refusals_.add(source_.refused());
@@ -162,27 +162,27 @@ class Replay {
     if (Interruptible::interrupted()) return;
     closeDays(std::nullopt);
     // A run that died may have closed days without their page.
-    for (const double day : days_) shop::writeMissingPage(Date(day));
+    for (const double day : days_) flows::writeMissingPage(Date(day));
   }
 
-  const shop::Recovered& mended() const { return mended_; }
+  const flows::Recovered& mended() const { return mended_; }
   std::size_t sold() const { return sold_; }
   std::size_t known() const { return known_; }
   std::uint64_t soldLines() const { return soldLines_; }
-  const std::vector<shop::Closing>& closings() const { return closings_; }
-  shop::Reconciliation& reconciliation() { return reconciliation_; }
+  const std::vector<flows::Closing>& closings() const { return closings_; }
+  flows::Reconciliation& reconciliation() { return reconciliation_; }
   /// Writes the page of all days with a sale, that of a single one unless it was just closed; ""
   /// without a sale.
   std::string page() const {
     if (!first_) return {};
     const bool isThere = first_ == last_ && !lastPage_.empty();
-    return isThere ? lastPage_ : shop::writeDayPage(*first_, *last_);
+    return isThere ? lastPage_ : flows::writeDayPage(*first_, *last_);
   }
 
  private:
-  void take(shop::Sale& sale) {
+  void take(flows::Sale& sale) {
     closeDays(sale.day);
-    for (const shop::Unpriced& each : shop_.price(sale)) {
+    for (const flows::Unpriced& each : shop_.price(sale)) {
       refusals_.add({{each.line.origin, sale.reference, each.reason}});
     }
     if (sale.lines.empty()) return;
@@ -208,24 +208,24 @@ class Replay {
         ++entry;
         continue;
       }
-      if (const std::optional<shop::Closing> closing = shop_.close(till, Date(day))) {
+      if (const std::optional<flows::Closing> closing = shop_.close(till, Date(day))) {
         closings_.push_back(*closing);
         closed.insert(day);
       }
       entry = open_.erase(entry);
     }
-    for (const double day : closed) lastPage_ = shop::writeDayPage(Date(day), Date(day));
+    for (const double day : closed) lastPage_ = flows::writeDayPage(Date(day), Date(day));
   }
 
-  shop::Shop shop_;
+  flows::Shop shop_;
   Source& source_;
   Refusals& refusals_;
   std::vector<std::string> tills_;
-  shop::Recovered mended_;
-  shop::Reconciliation reconciliation_;
+  flows::Recovered mended_;
+  flows::Reconciliation reconciliation_;
   std::set<std::pair<double, std::string>> open_;  // days and tills with sales, not closed
   std::set<double> days_;                          // with sales
-  std::vector<shop::Closing> closings_;
+  std::vector<flows::Closing> closings_;
   std::string lastPage_;  // of the day closed last
   std::size_t sold_ = 0;
   std::size_t known_ = 0;
@@ -243,7 +243,7 @@ std::string unitsText(double units, const Locale& locale) {
   return format(grams, grams == std::trunc(grams) ? "#,##0" : "#,##0.000", locale);
 }
 
-void tellMended(const shop::Recovered& mended) {
+void tellMended(const flows::Recovered& mended) {
   if (!mended.sales.empty()) {
     fmt::print("mended: stock moved for {} of an earlier run\n",
                counted(mended.sales.size(), "ticket", "tickets"));
@@ -258,14 +258,14 @@ void tellMended(const shop::Recovered& mended) {
   }
 }
 
-void tellReconciliation(shop::Reconciliation& reconciliation, const Locale& locale) {
-  using shop::Reconciliation;
+void tellReconciliation(flows::Reconciliation& reconciliation, const Locale& locale) {
+  using flows::Reconciliation;
   const auto whole = [&](std::int64_t count) { return format(count, "#,##0", locale); };
   reconciliation.compare();
   fmt::print("\n{:<12} {:>9} {:>9} {:>12} {:>15}\n", "", "tickets", "lines", "units", "euros");
   for (std::size_t at = 0; at < Reconciliation::kPlaces; ++at) {
     const auto place = static_cast<Reconciliation::Place>(at);
-    const shop::Tally& figures = reconciliation.total(place);
+    const flows::Tally& figures = reconciliation.total(place);
     const bool isAccounts = place == Reconciliation::kAccounts;
     // A shop that sells nothing on credit has nothing to compare.
     if (isAccounts && figures.owed == 0 && reconciliation.total(Reconciliation::kMeant).owed == 0) {
@@ -296,7 +296,7 @@ void tellReconciliation(shop::Reconciliation& reconciliation, const Locale& loca
     const std::string where = difference.till.empty()
                                   ? ""
                                   : fmt::format("till {}, {}, ", printable(difference.till),
-                                                shop::isoDay(difference.day));
+                                                flows::isoDay(difference.day));
     complain(fmt::format("{}{}: {}\n", where, Reconciliation::kNames[difference.place],
                          difference.what));
   }
@@ -304,12 +304,13 @@ void tellReconciliation(shop::Reconciliation& reconciliation, const Locale& loca
                               counted(differences.size(), "difference", "differences")));
 }
 
-void tellClosings(const std::vector<shop::Closing>& closings) {
+void tellClosings(const std::vector<flows::Closing>& closings) {
   if (closings.empty()) return;
   fmt::print("\n");
-  for (const std::string& line : shop::slipText(closings.back().number)) fmt::print("  {}\n", line);
-  fmt::print("slips: {} to {}\n", shop::slipPath(closings.front().number),
-             shop::slipPath(closings.back().number));
+  for (const std::string& line : flows::slipText(closings.back().number))
+    fmt::print("  {}\n", line);
+  fmt::print("slips: {} to {}\n", flows::slipPath(closings.front().number),
+             flows::slipPath(closings.back().number));
 }
 
 void requireTills(const DayOptions& options) {

@@ -12,10 +12,10 @@
 #include <fmt/format.h>
 #include <utf8proc.h>
 
+#include "tavelor/flows/sale.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tools/input_file.hpp"
 #include "tools/output.hpp"
-#include "tools/shop/sale.hpp"
 
 namespace tavelor::tools {
 
@@ -90,9 +90,9 @@ bool hasControls(std::string_view text) {
 }
 
 /// Whether the second half of the lines is the first one again: a note that was pasted twice.
-bool standTwice(const std::vector<shop::DeliveryLine>& lines) {
+bool standTwice(const std::vector<flows::DeliveryLine>& lines) {
   const auto middle = lines.begin() + static_cast<std::ptrdiff_t>(lines.size() / 2);
-  const auto values = [](const shop::DeliveryLine& line) {
+  const auto values = [](const flows::DeliveryLine& line) {
     return std::tie(line.code, line.quantity, line.price, line.discount, line.warehouse, line.lot,
                     line.expires);
   };
@@ -219,7 +219,7 @@ void DeliveryFile::takeRow(Entry& entry) {
 }
 
 /// Adds the row to the delivery, or says what is wrong with it.
-std::string DeliveryFile::readRow(shop::Delivery& delivery, bool isFirst) {
+std::string DeliveryFile::readRow(flows::Delivery& delivery, bool isFirst) {
   if (isFirst) {
     delivery.supplier = field(kSupplier);
     delivery.note = noteNumber(field(kNote));
@@ -237,8 +237,8 @@ std::string DeliveryFile::readRow(shop::Delivery& delivery, bool isFirst) {
   const Date day = *read.day(kDate);
   if (delivery.lines.empty()) delivery.day = day;
   if (day != delivery.day) {
-    return fmt::format("Fecha is {} where the delivery began with {}", shop::isoDay(day),
-                       shop::isoDay(delivery.day));
+    return fmt::format("Fecha is {} where the delivery began with {}", flows::isoDay(day),
+                       flows::isoDay(delivery.day));
   }
   delivery.lines.push_back({.code = std::string(read.text(kCode)),
                             .quantity = read.number(kQuantity),

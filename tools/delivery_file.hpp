@@ -10,10 +10,10 @@
 #include <unordered_map>
 #include <vector>
 
+#include "tavelor/flows/delivery.hpp"
 #include "tools/csv_file.hpp"
 #include "tools/fields.hpp"
 #include "tools/refusals.hpp"
-#include "tools/shop/delivery.hpp"
 
 namespace tavelor::tools {
 
@@ -37,7 +37,7 @@ class DeliveryFile {
   };
   /// A delivery as it was read. One with faults is not to be posted.
   struct Entry {
-    shop::Delivery delivery;
+    flows::Delivery delivery;
     std::uint64_t line = 0;  ///< the first one
     std::uint64_t lines = 0;
     std::vector<Refusal> faults;
@@ -69,7 +69,7 @@ class DeliveryFile {
   std::string keyOfRow() const;
   std::string homelessness() const;
   void takeRow(Entry& entry);
-  std::string readRow(shop::Delivery& delivery, bool isFirst);
+  std::string readRow(flows::Delivery& delivery, bool isFirst);
 
   Setup setup_;
   std::optional<CsvFile> file_;

@@ -7,6 +7,8 @@
 #include <fmt/format.h>
 
 #include "tavelor/articles/articulos.hpp"
+#include "tavelor/flows/customers.hpp"
+#include "tavelor/flows/rows.hpp"
 #include "tavelor/frame/reading.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/quotes.hpp"
@@ -15,8 +17,6 @@
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tools/output.hpp"
-#include "tools/shop/customers.hpp"
-#include "tools/shop/rows.hpp"
 
 namespace tavelor::tools {
 
@@ -51,7 +51,7 @@ PartnerImport::Words PartnerImport::catalogue(std::string_view table) {
   Statement statement("SELECT codigo, Descripcion FROM ");
   statement << table;
   Words codes, descriptions;
-  for (shop::Rows rows(selector::kMain, statement, connection()); rows.hasRow(); rows.next()) {
+  for (flows::Rows rows(selector::kMain, statement, connection()); rows.hasRow(); rows.next()) {
     const std::string code = rows.text("codigo");
     codes.emplace(text::foldCase(code), code);
     descriptions.emplace(text::foldCase(rows.text("Descripcion")), code);
@@ -63,8 +63,8 @@ PartnerImport::Words PartnerImport::catalogue(std::string_view table) {
 void PartnerImport::readNumbers() {
   Statement statement("SELECT Codigo, NIF FROM ");
   statement << table().name << " WHERE NIF <> ''";
-  for (shop::Rows rows(selector::kMain, statement, connection()); rows.hasRow(); rows.next()) {
-    ownerOf_.emplace(shop::fiscalEntry(rows.text("NIF")).text, rows.text("Codigo"));
+  for (flows::Rows rows(selector::kMain, statement, connection()); rows.hasRow(); rows.next()) {
+    ownerOf_.emplace(flows::fiscalEntry(rows.text("NIF")).text, rows.text("Codigo"));
   }
 }
 
@@ -86,7 +86,7 @@ std::string PartnerImport::check(Record& record) {
     if (std::string fault = replaceWord(record, choice); !fault.empty()) return fault;
   }
   if (!record.has(kind_.number)) return {};
-  shop::FiscalEntry entry = shop::fiscalEntry(record.text(kind_.number));
+  flows::FiscalEntry entry = flows::fiscalEntry(record.text(kind_.number));
   // Who has no number keeps the word that a person has given him: see rewrite() of customers.
   if (!entry.text.empty()) classify(record, entry.word);
   record.values[kind_.number] = std::move(entry.text);
@@ -145,12 +145,12 @@ void PartnerImport::taken(const Record& record, Recordset* before) {
   if (before != nullptr) {
     std::string old;
     tavelor::take(*before, "NIF", old);
-    const auto owner = ownerOf_.find(shop::fiscalEntry(old).text);
+    const auto owner = ownerOf_.find(flows::fiscalEntry(old).text);
     const bool wasIts = owner != ownerOf_.end() && owner->second == record.key;
     if (wasIts && owner->first != number) ownerOf_.erase(owner);
   }
   if (number.empty()) return;
-  if (const std::string doubt = shop::fiscalEntry(number).doubt; !doubt.empty()) {
+  if (const std::string doubt = flows::fiscalEntry(number).doubt; !doubt.empty()) {
     remark(record, fmt::format("NIF {} {}: {}", printable(number), doubt, kind_.doubted));
   }
   const auto [owner, isFirst] = ownerOf_.emplace(number, std::string(record.key));

@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include "tavelor/flows/counted.hpp"
+#include "tavelor/flows/receiving.hpp"
 #include "tavelor/services/installation.hpp"
 #include "tools/command.hpp"
 #include "tools/delivery_file.hpp"
@@ -15,14 +17,12 @@
 #include "tools/progress.hpp"
 #include "tools/refusals.hpp"
 #include "tools/session.hpp"
-#include "tools/shop/counted.hpp"
-#include "tools/shop/receiving.hpp"
 
 namespace tavelor::tools {
 
 namespace {
 
-using shop::counted;
+using flows::counted;
 
 constexpr const char* kFooter =
     R"(FILE is comma-separated values in UTF-8, plain or compressed by xz; its first row
@@ -91,8 +91,8 @@ class Taking {
 
  private:
   void take(DeliveryFile::Entry& entry) {
-    using Outcome = shop::Receipt::Outcome;
-    const shop::Delivery& delivery = entry.delivery;
+    using Outcome = flows::Receipt::Outcome;
+    const flows::Delivery& delivery = entry.delivery;
     const std::string name = fmt::format("{} {}", delivery.supplier, delivery.note);
     if (entry.faults.empty() && entry.earlier != 0) {
       ++counts_.known;
@@ -101,11 +101,11 @@ class Taking {
       return;
     }
     // A delivery of which not all lines can be read is nothing that the shop could look at.
-    shop::Receipt receipt;
+    flows::Receipt receipt;
     if (entry.faults.empty()) {
       receipt = isDryRun_ ? receiving_.rehearse(delivery) : receiving_.receive(delivery);
     }
-    for (const shop::Receipt::Fault& fault : receipt.faults) {
+    for (const flows::Receipt::Fault& fault : receipt.faults) {
       entry.faults.push_back({fault.origin, name, fault.reason});
     }
     refusals_.add(entry.faults);
@@ -126,7 +126,7 @@ class Taking {
   DeliveryFile& file_;
   Refusals& refusals_;
   bool isDryRun_;
-  shop::Receiving receiving_;
+  flows::Receiving receiving_;
   Counts counts_;
 };
 

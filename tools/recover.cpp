@@ -6,11 +6,11 @@
 
 #include <fmt/format.h>
 
+#include "tavelor/flows/papers.hpp"
+#include "tavelor/flows/shop.hpp"
 #include "tools/command.hpp"
 #include "tools/output.hpp"
 #include "tools/session.hpp"
-#include "tools/shop/papers.hpp"
-#include "tools/shop/shop.hpp"
 
 namespace tavelor::tools {
 
@@ -48,22 +48,22 @@ struct RecoverOptions {
   bool followTickets = false;
   bool keep = false;
 
-  shop::Decision decision() const {
-    if (followTickets) return shop::Decision::kFollowTickets;
-    return keep ? shop::Decision::kKeep : shop::Decision::kNone;
+  flows::Decision decision() const {
+    if (followTickets) return flows::Decision::kFollowTickets;
+    return keep ? flows::Decision::kKeep : flows::Decision::kNone;
   }
 };
 
-void tellFindings(const std::vector<shop::Finding>& findings, std::string_view end) {
-  for (const std::string& sentence : shop::told(findings)) {
+void tellFindings(const std::vector<flows::Finding>& findings, std::string_view end) {
+  for (const std::string& sentence : flows::told(findings)) {
     fmt::print("{}{}\n", printable(sentence), end);
   }
 }
 
 void recover(const RecoverOptions& options, const Common& common) {
   const Session session(common);
-  shop::Shop shop;
-  const shop::Recovered recovered = shop.recoverAll(options.decision());
+  flows::Shop shop;
+  const flows::Recovered recovered = shop.recoverAll(options.decision());
   for (const double ticket : recovered.takenBack) {
     fmt::print("ticket {:.0f}: lost, its movements taken back\n", ticket);
   }
@@ -82,8 +82,8 @@ void recover(const RecoverOptions& options, const Common& common) {
                recovered.unused->first, recovered.unused->second);
   }
   // What is undecided may still change what slips and pages tell.
-  shop::Papers papers;
-  if (recovered.undecided.empty()) papers = shop::writeMissingPapers(shop::PapersOf::kAll);
+  flows::Papers papers;
+  if (recovered.undecided.empty()) papers = flows::writeMissingPapers(flows::PapersOf::kAll);
   for (const std::string& file : papers.removed) fmt::print("{}: removed\n", printable(file));
   for (const std::string& file : papers.written) fmt::print("{}: written\n", printable(file));
   if (!recovered.undecided.empty()) {

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "tavelor/flows/both_databases.hpp"
 #include "tavelor/frame/class_info.hpp"
 #include "tavelor/frame/reading.hpp"
 #include "tavelor/platform/error.hpp"
@@ -14,7 +15,6 @@
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/data_session.hpp"
-#include "tools/shop/both_databases.hpp"
 
 namespace tavelor::tools {
 
@@ -164,7 +164,7 @@ void RowImport::remark(const Record& record, std::string what) {
 void RowImport::take(const std::vector<CsvFile::Row>& rows, std::size_t count) {
   refusals_.clear();
   const ImportCounts before = counts_;
-  shop::Transaction transaction(connection_);
+  flows::Transaction transaction(connection_);
   try {
     const std::vector<Record> batch = readBatch(rows, count);
     if (!batch.empty()) {
@@ -247,7 +247,7 @@ bool RowImport::differs(const Record& record, std::size_t field, Recordset& rows
 // which costs a third of an insert; a single statement needs none.
 void RowImport::insertWhole(const Record& record) {
   if (insertsByOneStatement(record)) return insert(record);
-  shop::Transaction ofTheRow(connection_);
+  flows::Transaction ofTheRow(connection_);
   insert(record);
   ofTheRow.commit();
 }
@@ -264,7 +264,7 @@ void RowImport::write(const Record& record, const Stored& before) {
       ++counts_.added;
       return taken(record, nullptr);
     }
-    shop::Transaction ofTheRow(connection_);
+    flows::Transaction ofTheRow(connection_);
     rows.AbsolutePosition(position->second);
     std::vector<std::size_t> differing;
     for (std::size_t field = 1; field < table_.fields.size(); ++field) {

@@ -9,13 +9,13 @@
 
 #include <fmt/format.h>
 
+#include "tavelor/flows/customers.hpp"
 #include "tavelor/platform/date_text.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/clock.hpp"
 #include "tools/output.hpp"
-#include "tools/shop/customers.hpp"
 
 namespace tavelor::tools {
 
@@ -59,7 +59,7 @@ struct SalesFile::Line {
   std::string_view reference;
   Date moment;
   double delivered = 0;
-  shop::SaleLine sold;
+  flows::SaleLine sold;
 };
 
 SalesFile::SalesFile(const std::string& path, SalesSelection selection)
@@ -83,7 +83,7 @@ SalesFile::SalesFile(const std::string& path, SalesSelection selection)
   }
 }
 
-bool SalesFile::next(shop::Sale& sale) {
+bool SalesFile::next(flows::Sale& sale) {
   while (complete_.empty() && !ended_) {
     if (file_.next(row_)) {
       ++lines_;
@@ -174,20 +174,21 @@ bool SalesFile::readLine(Line& line) {
   }
   line.moment = *date;
 
-  shop::SaleLine& sold = line.sold;
+  flows::SaleLine& sold = line.sold;
   sold.origin = row_.line;
   sold.wantsPrice = text(kPrice).empty();
-  if (!readNumber(kQuantity, shop::kMostMoney, sold.quantity, 0) ||
-      !readNumber(kPrice, shop::kMostMoney, sold.price, 0) ||
-      !readNumber(kTax, 100, sold.tax, sold.wantsPrice ? shop::kTaxOfArticle : shop::kGeneralTax) ||
-      !readNumber(kDelivered, shop::kMostMoney, line.delivered, 0)) {
+  if (!readNumber(kQuantity, flows::kMostMoney, sold.quantity, 0) ||
+      !readNumber(kPrice, flows::kMostMoney, sold.price, 0) ||
+      !readNumber(kTax, 100, sold.tax,
+                  sold.wantsPrice ? flows::kTaxOfArticle : flows::kGeneralTax) ||
+      !readNumber(kDelivered, flows::kMostMoney, line.delivered, 0)) {
     return false;
   }
   if (sold.quantity == 0) return refuse("the quantity is 0");
   if (sold.price == 0 && !sold.wantsPrice) return refuse("the price is 0");
   if (sold.price < 0) return refuse("the price is negative");
   if (sold.tax < 0 && !text(kTax).empty()) return refuse("the tax is negative");
-  if (std::abs(sold.quantity * sold.price) > shop::kMostMoney)
+  if (std::abs(sold.quantity * sold.price) > flows::kMostMoney)
     return refuse("the amount is too large");
   sold.code = text(kCode);
   sold.description = text(kDescription);
@@ -229,7 +230,7 @@ SalesFile::OpenSale* SalesFile::openSale(const Line& line) {
     return nullptr;
   }
   OpenSale& open = open_.emplace_back();
-  shop::Sale& sale = open.sale;
+  flows::Sale& sale = open.sale;
   sale.reference = line.reference;
   sale.till = text(kTill).empty() ? tillOf(line.reference) : std::string(text(kTill));
   sale.day = line.moment.dayOnly();
@@ -247,12 +248,12 @@ std::optional<std::string> SalesFile::paymentOf(const std::string& customer) {
   const std::string_view given = text(kPayment);
   // A file that does not tell: who is known has a card.
   if (given.empty()) return std::string(customer.empty() ? kCash : kCard);
-  const shop::PaymentMethod* const method = selection_.payments.find(given);
+  const flows::PaymentMethod* const method = selection_.payments.find(given);
   if (method == nullptr) {
     refuse(fmt::format("the shop has no payment method {}", printable(given)));
     return std::nullopt;
   }
-  if (method->isOnCredit && (customer.empty() || customer == shop::kWalkIn)) {
+  if (method->isOnCredit && (customer.empty() || customer == flows::kWalkIn)) {
     refuse("a sale on credit needs a CustomerID of somebody");
     return std::nullopt;
   }
@@ -260,7 +261,7 @@ std::optional<std::string> SalesFile::paymentOf(const std::string& customer) {
 }
 
 // A sale has one till, is paid in one way and has one customer or none.
-bool SalesFile::belongs(const shop::Sale& sale) {
+bool SalesFile::belongs(const flows::Sale& sale) {
   const auto agrees = [&](Column column, std::string_view code, const std::string& first) {
     const std::string_view given = text(column);
     return given.empty() || code == first ||
@@ -268,7 +269,7 @@ bool SalesFile::belongs(const shop::Sale& sale) {
                               printable(given), first.empty() ? "none" : printable(first)));
   };
   const std::string_view payment = text(kPayment);
-  const shop::PaymentMethod* const method = selection_.payments.find(payment);
+  const flows::PaymentMethod* const method = selection_.payments.find(payment);
   return agrees(kTill, text(kTill), sale.till) &&
          agrees(kPayment, method == nullptr ? payment : method->code, sale.payment) &&
          agrees(kCustomer, withoutDecimals(text(kCustomer)), sale.customer);

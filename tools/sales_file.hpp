@@ -12,10 +12,10 @@
 #include <unordered_map>
 #include <vector>
 
+#include "tavelor/flows/payments.hpp"
+#include "tavelor/flows/sale.hpp"
 #include "tools/csv_file.hpp"
 #include "tools/refusals.hpp"
-#include "tools/shop/payments.hpp"
-#include "tools/shop/sale.hpp"
 
 namespace tavelor::tools {
 
@@ -24,7 +24,7 @@ struct SalesSelection {
   std::vector<std::string> tills;  ///< of the shop; a sale's reference says which one made it
   std::optional<Date> from;        ///< first day
   std::optional<Date> to;          ///< last day
-  shop::PaymentMethods payments;   ///< of the shop
+  flows::PaymentMethods payments;  ///< of the shop
 };
 
 /// Reads the columns InvoiceNo, StockCode, Quantity and InvoiceDate, and, where they are there,
@@ -45,7 +45,7 @@ class SalesFile {
   SalesFile(const std::string& path, SalesSelection selection);
 
   /// The next complete sale; false at the end.
-  bool next(shop::Sale& sale);
+  bool next(flows::Sale& sale);
 
   std::uint64_t linesRead() const { return lines_; }
   /// Those since the last call.
@@ -74,7 +74,7 @@ class SalesFile {
   static constexpr std::size_t kWanted = kPrice;
 
   struct OpenSale {
-    shop::Sale sale;
+    flows::Sale sale;
     double last = 0;  ///< moment of its last line, in days
   };
   struct Line;
@@ -86,7 +86,7 @@ class SalesFile {
   bool wanted(Date day) const;
   OpenSale* openSale(const Line& line);
   std::optional<std::string> paymentOf(const std::string& customer);
-  bool belongs(const shop::Sale& sale);
+  bool belongs(const flows::Sale& sale);
   std::string tillOf(std::string_view reference) const;
   bool refuse(std::string reason);
   void completeBefore(double moment);
@@ -98,7 +98,7 @@ class SalesFile {
   CsvFile::Row row_;
   std::uint64_t lines_ = 0;
   std::deque<OpenSale> open_;  ///< in the order of their first lines
-  std::deque<shop::Sale> complete_;
+  std::deque<flows::Sale> complete_;
   std::unordered_map<std::string, std::uint64_t> begun_;  ///< line of each sale's beginning
   std::vector<Refusal> refused_;
   bool ended_ = false;

@@ -4,9 +4,9 @@
 
 #include <fmt/format.h>
 
+#include "tavelor/flows/seed.hpp"
 #include "tools/command.hpp"
 #include "tools/session.hpp"
-#include "tools/shop/seed.hpp"
 
 namespace tavelor::tools {
 
@@ -28,7 +28,7 @@ std::string rowsText(std::size_t rows) {
 void seed(const Common& common) {
   const Session session(common);
   std::size_t added = 0;
-  for (const shop::Seeded& seeded : shop::seedCatalogues()) {
+  for (const flows::Seeded& seeded : flows::seedCatalogues()) {
     added += seeded.added;
     fmt::print("{:<16}  {}\n", seeded.what,
                seeded.added > 0 ? rowsText(seeded.added) + " added"

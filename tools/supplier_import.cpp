@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "tools/shop/suppliers.hpp"
+#include "tavelor/flows/suppliers.hpp"
 
 namespace tavelor::tools {
 
@@ -66,7 +66,7 @@ SupplierImport::SupplierImport(ImportSetup setup) : PartnerImport(kKind, std::mo
 // Who has no legal name goes by the usual one, or by the code.
 void SupplierImport::insert(const Record& record) {
   const std::string_view name = record.text(kName, record.key);
-  shop::makeSupplier(record.key, record.text(kCompany, name), connection());
+  flows::makeSupplier(record.key, record.text(kCompany, name), connection());
   update(record, toldFrom(record, kName));
 }
 

@@ -6,10 +6,10 @@
 
 #include <fmt/format.h>
 
+#include "tavelor/flows/receipt.hpp"
 #include "tools/command.hpp"
 #include "tools/output.hpp"
 #include "tools/session.hpp"
-#include "tools/shop/receipt.hpp"
 
 namespace tavelor::tools {
 
@@ -17,7 +17,7 @@ namespace {
 
 void showTicket(double number, const Common& common) {
   const Session session(common);
-  const std::vector<std::string> receipt = shop::ticketText(number);
+  const std::vector<std::string> receipt = flows::ticketText(number);
   if (receipt.empty()) throw std::runtime_error(fmt::format("there is no ticket {:.0f}", number));
   for (const std::string& line : receipt) fmt::print("{}\n", printable(line));
 }

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// How prices, discounts and lines become amounts, for what is sold and for what comes in.
+#pragma once
+
+#include "tavelor/platform/number_text.hpp"
+
+namespace tavelor::flows {
+
+/// A price less so many percent, to the four decimals that prices keep.
+inline double discounted(double price, double discount) {
+  return roundHalfAway(price * (1 - discount / 100), 4);
+}
+
+/// Quantity by price, in whole cents; half a cent goes away from zero.
+inline double amountOf(double quantity, double price) {
+  return roundHalfAway(quantity * price, 2);
+}
+
+/// The sum of the lines' amounts, each in whole cents.
+template <typename Lines>
+double totalOf(const Lines& lines) {
+  double sum = 0;
+  for (const auto& line : lines) sum += line.amount();
+  return roundHalfAway(sum, 2);  // a sum of cents is one, and not what binary fractions leave of it
+}
+
+}  // namespace tavelor::flows

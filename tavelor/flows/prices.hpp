@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+// What the shop asks of a customer for an article.
+#pragma once
+
+#include <string>
+
+#include "tavelor/articles/articulos.hpp"
+#include "tavelor/articles/articulos_precios_ventas.hpp"
+#include "tavelor/flows/sale.hpp"
+#include "tavelor/services/recordset/connection.hpp"
+
+namespace tavelor::flows {
+
+/// Prices of lines that bring none, in this order:
+///
+/// 1. the customer's own price of the article, where it applies today: an offer that runs is net,
+///    any other row leaves the customer's discount or grants its own percentage;
+/// 2. the customer's price of the article's family;
+/// 3. the article's price in the customer's tariff, less the customer's discount where the article
+///    admits one.
+///
+/// A row of 1 or 2 that grants a percentage without a price is over the price of 3. Who gives no
+/// name, or one that the shop does not know, buys as the walk-in customer does, or by tariff A
+/// where there is none. Tariffs hold the tax.
+class Prices {
+ public:
+  explicit Prices(ConnectionPtr main) : main_(std::move(main)) {}
+
+  /// Who buys, and at what.
+  struct Conditions {
+    std::string customer;  ///< "" for nobody
+    std::string tariff = "A";
+    double discount = 0;  ///< percent
+  };
+  Conditions conditionsOf(const std::string& customer);
+
+  /// Gives a line its price and its discount and, where it has none, its text, family and tax. What
+  /// is wrong, or "": then the line stays as it was.
+  std::string fill(SaleLine& line, const Conditions& conditions);
+
+ private:
+  bool readConditions(const std::string& customer, Conditions& to);
+
+  ConnectionPtr main_;
+  clsArticulos articles_;
+  ClsArticulosPreciosVentas ofCustomers_;
+};
+
+}  // namespace tavelor::flows

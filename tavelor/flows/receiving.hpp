@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+// Goods that come in: a delivery is posted whole, once, or not at all.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "tavelor/articles/articulos.hpp"
+#include "tavelor/articles/articulos_almacenes.hpp"
+#include "tavelor/articles/articulos_lotes.hpp"
+#include "tavelor/articles/articulos_mov_almacen.hpp"
+#include "tavelor/articles/articulos_precios.hpp"
+#include "tavelor/flows/delivery.hpp"
+#include "tavelor/platform/format.hpp"
+#include "tavelor/suppliers/proveedores_apuntes_conta.hpp"
+
+namespace tavelor::flows {
+
+/// The kind of document that a delivery is to the ledgers of movements and of suppliers (their
+/// column Estado).
+inline constexpr std::int16_t kDeliveryKind = 2;
+
+/// What became of a delivery.
+struct Receipt {
+  enum class Outcome : std::uint8_t {
+    kReceived,
+    kKnown,    ///< it was received before, line by line the same
+    kRefused,  ///< something is wrong with it, and nothing of it is stored
+  };
+  /// What is wrong, by the name of the value: "Lote L1 expired on 2026-11-01".
+  struct Fault {
+    std::uint64_t origin = 0;  ///< of the line; that of the first one for the delivery as such
+    std::string reason;
+  };
+
+  Outcome outcome = Outcome::kRefused;
+  double number = 0;          ///< of the delivery in both ledgers; 0 for a refused one
+  std::vector<Fault> faults;  ///< of a known one: what a person should look at
+};
+
+/// Receives goods in the installation of the thread's apartment.
+///
+/// All that a delivery moves lies in the main database: the stock of article, warehouse and lot,
+/// the movements, the prices, and what the shop owes its supplier. So each is one transaction: a
+/// program that dies, whenever it does, leaves all of a delivery or nothing, and there is nothing
+/// to mend afterwards.
+///
+/// A delivery is known again by the entry that it has in the supplier's ledger, whose text is the
+/// number of the note, letter by letter. Whoever deletes that entry lets the same note come in once
+/// more.
+class Receiving {
+ public:
+  /// Raises what opening the database raises.
+  Receiving();
+  ~Receiving();
+  Receiving(const Receiving&) = delete;
+  Receiving& operator=(const Receiving&) = delete;
+
+  /// Posts a delivery, unless the supplier has one of that number: then it is told whether both are
+  /// the same. Looks at all lines before it refuses one. An error of the database passes, and
+  /// leaves nothing.
+  Receipt receive(const Delivery& delivery) { return take(delivery, true); }
+  /// The same, and nothing stays written.
+  Receipt rehearse(const Delivery& delivery) { return take(delivery, false); }
+
+ private:
+  struct Article;
+  struct Known;
+  struct Order;
+  struct Posting;
+
+  Receipt take(const Delivery& delivery, bool keeps);
+  std::string checkHead(const Delivery& delivery);
+  std::optional<Known> known(const Delivery& delivery);
+  std::string difference(const Delivery& delivery, const Known& known, bool& hasMovements);
+  bool hasOtherExpiry(const DeliveryLine& line);
+  double freeNumber();
+
+  std::string take(const DeliveryLine& line, Posting& posting);
+  Article articleOf(const DeliveryLine& line);
+  std::string checkValues(const DeliveryLine& line) const;
+  std::string checkArticle(const DeliveryLine& line, const Article& article) const;
+  std::string checkWarehouse(const DeliveryLine& line);
+  std::string checkLot(const DeliveryLine& line, const Posting& posting, Article& article);
+  void moveStock(const DeliveryLine& line, const Article& article);
+  void writeMovement(const DeliveryLine& line, const Article& article, Posting& posting);
+  void writePrices(const DeliveryLine& line, const Article& article, const Posting& posting);
+  void charge(const Delivery& delivery, const Posting& posting);
+  std::vector<Order> ordersOf(const Article& article, const std::string& warehouse, double arrived);
+
+  ConnectionPtr main_;
+  std::string quantityMask_;
+  RoundingMask rounded_;
+  clsArticulos articles_;
+  ClsArticulosAlmacenes warehouses_;
+  ClsArticulosLotes lots_;
+  ClsArticulosMovAlmacen movements_;
+  ClsArticulosPrecios prices_;
+  ClsProveedoresApuntesConta ledger_;
+
+  // Of the delivery at hand: another program may write the catalogue between two of them.
+  std::unordered_set<std::string> knownWarehouses_;
+};
+
+}  // namespace tavelor::flows

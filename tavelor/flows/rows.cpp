@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+// The rows of a statement, read one after the other.
+#include "tavelor/flows/rows.hpp"
+
+#include "tavelor/services/apartment.hpp"
+
+namespace tavelor::flows {
+
+Rows::Rows(int selector, const Statement& statement, ConnectionPtr connection)
+    : locale_(Apartment::current().locale()) {
+  DataSession().OpenRecordset(selector, statement, rows_, connection);
+}
+
+std::string Rows::text(std::string_view column) const {
+  const Variant found = rows_->Field(column).Value();
+  return found.isNull() ? std::string() : found.toText(locale_);
+}
+
+double Rows::number(std::string_view column) const {
+  const Variant found = rows_->Field(column).Value();
+  return found.isNull() ? 0 : found.toDouble(locale_);
+}
+
+}  // namespace tavelor::flows

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+// The rows of a statement, read one after the other.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "tavelor/platform/date.hpp"
+#include "tavelor/platform/variant.hpp"
+#include "tavelor/services/data_session.hpp"
+#include "tavelor/services/recordset/recordset.hpp"
+
+namespace tavelor {
+struct Locale;
+}
+
+namespace tavelor::flows {
+
+/// Null is read as nothing: "", 0, false. Raises 3265 for a column that is not there.
+class Rows {
+ public:
+  /// Over `connection`, or one of its own.
+  Rows(int selector, const Statement& statement, ConnectionPtr connection = {});
+
+  bool hasRow() const { return !rows_->Eof(); }
+  void next() { rows_->MoveNext(); }
+
+  bool isNull(std::string_view column) const { return rows_->Field(column).Value().isNull(); }
+  std::string text(std::string_view column) const;
+  double number(std::string_view column) const;
+  bool flag(std::string_view column) const { return number(column) != 0; }
+  std::int32_t whole(std::string_view column) const {
+    return static_cast<std::int32_t>(number(column));
+  }
+  Date day(std::string_view column) const { return Date(number(column)).dayOnly(); }
+
+  Recordset& set() const { return *rows_; }
+
+ private:
+  const Locale& locale_;
+  RecordsetPtr rows_;
+};
+
+}  // namespace tavelor::flows

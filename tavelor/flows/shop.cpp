@@ -1,0 +1,373 @@
+// SPDX-License-Identifier: MIT
+// A sale, from top to bottom, and under it the steps that it takes.
+#include "tavelor/flows/shop.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include <fmt/format.h>
+
+#include "tavelor/flows/customers.hpp"
+#include "tavelor/flows/payments.hpp"
+#include "tavelor/flows/shop_inner.hpp"
+#include "tavelor/numbering/numeradores.hpp"
+#include "tavelor/platform/date_text.hpp"
+#include "tavelor/platform/quotes.hpp"
+#include "tavelor/reference/cajas.hpp"
+#include "tavelor/reference/familias.hpp"
+
+namespace tavelor::flows {
+
+namespace {
+
+constexpr std::string_view kTariff = "A";
+
+/// Of "10:32"; midnight for another text.
+Date timeOf(const std::string& text) {
+  return parseSqlDate(text).value_or(Date());
+}
+
+/// Code of the tax with that rate, "" where the shop has none.
+std::string taxCode(double rate, ConnectionPtr& connection) {
+  Statement statement("SELECT Codigo FROM Tipos_Impuesto WHERE Impuesto = ");
+  statement << value(sqlNumber(rate));
+  const Rows rows(selector::kMain, statement, connection);
+  return rows.hasRow() ? rows.text("Codigo") : std::string();
+}
+
+}  // namespace
+
+Shop::Shop() : main_(DataSession().OpenConnection(selector::kMain)), prices_(main_) {
+  double a = 0, b = 0, c = 0;
+  try {
+    tickets_.GetNumerador(a, b, c, main_);
+  } catch (const Error& error) {
+    if (error.number() != errors::kNoCurrentRecord) throw;
+    throw Error(errors::kNoCurrentRecord, "Shop",
+                fmt::format("There are no counters for the period \"{}\". `tavelor seed` makes "
+                            "those of this year, `tavelor period` chooses others.",
+                            clsNumeradores::currentPeriod()));
+  }
+  // The class brings the connection by which its rows are read and written; all others of the
+  // family follow on it.
+  tickets_.IniciaRs("seleccion", "0");
+  documents_ = tickets_.GetConnection();
+}
+
+Shop::~Shop() = default;
+
+void Shop::openTills(const std::vector<std::string>& tills) {
+  ClsCajas catalogue;
+  catalogue.IniciaRs("todos");
+  const ConnectionPtr connection = catalogue.GetConnection();
+  const RecordsetPtr rows = catalogue.DataMember("Primary");
+  const auto add = [&](const std::string& till) {
+    rows->Filter("Código = '" + doubledQuotes(till) + "'");
+    const bool isThere = !rows->Eof();
+    rows->Filter("");
+    if (isThere) return;
+    catalogue.AddNew(false);
+    rows->Field("Código").Value(till);
+    rows->Field("Descripción").Value("Caja " + till);
+    catalogue.Update();
+  };
+  // Several programs may begin at once: what one reads here, no other adds meanwhile.
+  connection->BeginTrans();
+  try {
+    rows->Requery();
+    std::for_each(tills.begin(), tills.end(), add);
+    connection->CommitTrans();
+  } catch (...) {
+    connection->RollbackTrans();
+    throw;
+  }
+}
+
+void Shop::requireWhole(const Sale& sale) {
+  const auto fail = [](std::string what) {
+    throw Error(errors::kInvalidCall, "Shop", std::move(what));
+  };
+  if (sale.lines.empty()) fail(fmt::format("Sale {} has no lines.", sale.reference));
+  if (sale.reference.empty()) fail("A sale needs a reference of its own.");
+  for (const SaleLine& line : sale.lines) {
+    if (line.wantsPrice) fail(fmt::format("Sale {}: {} has no price.", sale.reference, line.code));
+  }
+}
+
+std::vector<Unpriced> Shop::price(Sale& sale) {
+  const auto wantsPrice = [](const SaleLine& line) { return line.wantsPrice; };
+  if (std::none_of(sale.lines.begin(), sale.lines.end(), wantsPrice)) return {};
+  std::vector<SaleLine> sold;
+  const std::optional<double> ticket = ticketOf(sale.reference);
+  if (ticket) sold = storedSale(*ticket).lines;
+
+  const Prices::Conditions conditions =
+      ticket ? Prices::Conditions() : prices_.conditionsOf(sale.customer);
+  std::vector<Unpriced> unpriced;
+  auto next = sold.begin();
+  std::erase_if(sale.lines, [&](SaleLine& line) {
+    const auto was = std::find_if(next, sold.end(), [&](const SaleLine& each) {
+      return each.code == line.code && each.quantity == line.quantity &&
+             (line.wantsPrice || each.price == line.price);
+    });
+    if (was != sold.end()) next = std::next(was);
+    if (!line.wantsPrice) return false;
+    std::string fault;
+    if (!ticket) {
+      fault = prices_.fill(line, conditions);
+    } else if (was == sold.end()) {
+      fault = "there is no price, and the sale is there without this line";
+    } else {
+      line.price = was->price;
+      line.discount = was->discount;
+      line.tax = was->tax;
+      line.description = was->description;
+      line.family = was->family;
+      line.wantsPrice = false;
+    }
+    if (fault.empty() && std::abs(line.amount()) > kMostMoney) fault = "the amount is too large";
+    if (fault.empty()) return false;
+    unpriced.push_back({line, std::move(fault)});
+    return true;
+  });
+  return unpriced;
+}
+
+std::optional<double> Shop::sell(const Sale& sale) {
+  requireWhole(sale);
+  openTickets();
+  try {
+    BothDatabases transaction(main_, documents_);
+    Recovered recovered;
+    const Counters counters = startedCounters(transaction, recovered);
+    refuseLosses(recovered);
+    if (ticketOf(sale.reference)) return std::nullopt;
+    const Counters next = settle(counters, recovered);
+    refuseLosses(recovered);
+    const bool onCredit = isOnCredit(sale);
+    if (onCredit && (sale.customer.empty() || sale.customer == kWalkIn)) {
+      throw Error(errors::kInvalidCall, "Shop",
+                  fmt::format("Sale {} is on credit, and for nobody.", sale.reference));
+    }
+    writeTicket(sale, next.a, onCredit);
+    book(sale, next.a, onCredit);
+    useNumber(next);
+    transaction.commit(BothDatabases::First::kDocuments);
+    return next.a;
+  } catch (...) {
+    knownArticles_.clear();  // some of them may be undone
+    knownCustomers_.clear();
+    throw;
+  }
+}
+
+/// Rows that were sold before, or that a failure left, go.
+void Shop::openTickets() {
+  const RecordsetPtr rows = tickets_.DataMember("Primary");
+  rows->CancelBatch();
+  rows->Requery();
+}
+
+bool Shop::isOnCredit(const Sale& sale) {
+  const std::optional<PaymentMethod> method = paymentMethod(sale.payment, main_);
+  return method && method->isOnCredit;
+}
+
+/// Of a sale that is there, live or in history.
+std::optional<double> Shop::ticketOf(const std::string& reference) {
+  for (const std::string_view table : {"Tickets", "HTickets"}) {
+    Statement statement("SELECT Numero FROM ");
+    statement << table << " WHERE Referencia = '" << value(doubledQuotes(reference)) << "'";
+    const Rows row(selector::kDocuments, statement, documents_);
+    if (row.hasRow()) return row.number("Numero");
+  }
+  return std::nullopt;
+}
+
+void Shop::writeTicket(const Sale& sale, double ticket, bool onCredit) {
+  lines_.IniciaRs(documents_, "ninguno", "0");
+  for (const SaleLine& line : sale.lines) addLine(line, ticket);
+  double base = 0, tax = 0, surcharge = 0;
+  lines_.SumaCol(true, base, tax, surcharge, false);
+
+  tickets_.AddNew(true);
+  const RecordsetPtr row = tickets_.DataMember("Primary");
+  const auto set = [&](std::string_view column, const Variant& content) {
+    row->Field(column).Value(content);
+  };
+  const double total = sale.total();
+  // Who hands over no more than the price, or gets money back, gets no change; who pays later hands
+  // over nothing.
+  const double paid = total < 0 ? total : std::max(sale.delivered, total);
+  const double delivered = onCredit ? 0 : paid;
+  set("Ticket", ticket);
+  set("Serie", kSeries);
+  set("Fecha", sale.day);
+  set("Cliente", sale.customer);
+  set("Empresa", sale.name);
+  set("Tarifa", kTariff);
+  set("Almacén", kWarehouse);
+  set("Referencia", sale.reference);
+  set("Pago", sale.payment);
+  set("Base", base);
+  set("Importe_Impuestos", tax);
+  set("Total", total);
+  set("Concepto", sale.time);
+  set("Entrega", delivered);
+  set("Cambio", onCredit ? 0 : roundHalfAway(delivered - total, 2));
+  set("Caja", sale.till);
+  set("Empleado", kNobody);
+  tickets_.UpdateIncTax(true);
+  tickets_.UpdateState(delivered, total);
+  tickets_.Update();
+
+  lines_.UpdateId(ticket);
+  lines_.Update();
+  writeHeader(sale, ticket);
+}
+
+void Shop::addLine(const SaleLine& line, double ticket) {
+  lines_.AddNew(false);
+  const RecordsetPtr row = lines_.DataMember("Primary");
+  const auto set = [&](std::string_view column, const Variant& content) {
+    row->Field(column).Value(content);
+  };
+  set("Código", line.code);
+  set("Descripción", line.description);
+  set("Cantidad", line.quantity);
+  set("Precio", line.price);
+  set("DTO", line.discount);
+  set("IVA", line.tax);
+  set("Importe", line.amount());
+  set("Lote", kNoLot);
+  lines_.SetFamilia(line.family);
+  lines_.UpdateadAffectCurrent(ticket);  // posts the row: SumaCol sees no row that is being added
+}
+
+void Shop::writeHeader(const Sale& sale, double ticket) {
+  if (!sale.customer.empty()) {
+    headers_.Insertar({.vId = headers_.NuevoCodigo(documents_),
+                       .vNum = ticket,
+                       .sNombre = doubledQuotes(sale.name.empty() ? sale.customer : sale.name),
+                       .sProvincia = doubledQuotes(sale.place),
+                       .objCn = documents_});
+  }
+  if (sale.comment.empty()) return;
+  comments_.IniciaRs(documents_, "ninguno", "0");
+  comments_.AddNew(true);
+  const RecordsetPtr row = comments_.DataMember("Primary");
+  row->Field("Código").Value(ticket);
+  row->Field("Comentarios").Value(sale.comment);
+  comments_.Update();
+}
+
+/// What a sale comes to in the main database: whole with the ticket, or made again from it.
+void Shop::book(const Sale& sale, double ticket, bool onCredit) {
+  makeCustomer(sale);
+  moveStock(sale, ticket);
+  if (onCredit) charge(sale, ticket);
+}
+
+/// Takes what was sold off the article, its warehouse and its lot, and writes the movement; returns
+/// go the other way. Articles without stock keep none, but their movements are written too.
+void Shop::moveStock(const Sale& sale, double ticket) {
+  double movement = number(movements_.NuevoCodigo("A", main_));
+  std::size_t place = 0;
+  for (const SaleLine& line : sale.lines) {
+    makeArticle(line);
+    const std::string code = doubledQuotes(line.code);
+    const bool isReturn = line.quantity < 0;
+    const double units = std::abs(line.quantity);
+    articles_.DescargarStock_V(code, 0.0, units, isReturn, false, main_);
+    warehouses_.DescargarStock_V(code, kWarehouse, 0.0, units, isReturn, false, main_);
+    lots_.DescargarStock_V(code, kNoLot, 0.0, units, isReturn, main_);
+    movements_.Insertar({.vId = movement++,
+                         .dtFecha = sale.day,
+                         .hHora = timeOf(sale.time),
+                         .sAlmacen = std::string(kWarehouse),
+                         .sCodigo = code,
+                         .sLote = std::string(kNoLot),
+                         .dCantidad = units,
+                         .dPrecio = line.netPrice(),
+                         .sReferencia = doubledQuotes(sale.reference),
+                         .iMovimiento = isReturn ? std::int16_t{0} : std::int16_t{1},
+                         .sSeccion = {},
+                         .sEmpleado = {},
+                         .iEstado = kTicketKind,
+                         .dDoc_E = ticket,
+                         .sCod_ID = std::to_string(++place),
+                         .objCn = main_});
+  }
+}
+
+void Shop::makeArticle(const SaleLine& line) {
+  if (knownArticles_.contains(line.code)) return;
+  const std::string code = doubledQuotes(line.code);
+  if (!articles_.ExisteArt(code, main_)) {
+    makeFamily(line.family);
+    articles_.Insertar({.vId = code,
+                        .sDescripcion = doubledQuotes(line.description),
+                        .sSeccion = {},
+                        .sFamilia = doubledQuotes(line.family),
+                        .dPrecio = line.price,
+                        .bDto = true,
+                        .sImpuesto = doubledQuotes(taxCode(line.tax, main_)),
+                        .bStock = -1,
+                        .bActivo = true,
+                        .sLista = {},
+                        .objCn = main_});
+    // A new article is one whose sales take no stock off; no member says otherwise.
+    Statement statement("UPDATE Articulos SET Restar_Stock = True WHERE Codigo = '");
+    statement << value(code) << "'";
+    DataSession().Execute(selector::kMain, statement, main_);
+  }
+  knownArticles_.insert(line.code);
+}
+
+void Shop::makeCustomer(const Sale& sale) {
+  if (sale.customer.empty() || knownCustomers_.contains(sale.customer)) return;
+  const std::string code = doubledQuotes(sale.customer);
+  if (!customers_.ExisteCli(code, main_)) {
+    const std::string name = doubledQuotes(sale.name.empty() ? sale.customer : sale.name);
+    flows::makeCustomer({.vId = code,
+                         .sNombre = name,
+                         .sRazonSocial = name,
+                         .sProv = doubledQuotes(sale.place),
+                         .bActivo = true,
+                         .sTarifa = std::string(kTariff),
+                         .sSerie = std::string(kSeries),
+                         .stpcli = "Nuevo",
+                         .objCn = main_},
+                        "");
+  }
+  knownCustomers_.insert(sale.customer);
+}
+
+/// The customer owes what is sold on credit, and is owed what comes back.
+void Shop::charge(const Sale& sale, double ticket) {
+  const double total = sale.total();
+  if (total == 0 || sale.customer.empty()) return;
+  ledger_.Insertar({.sSerie = std::string(kSeries),
+                    .sCodigo = doubledQuotes(sale.customer),
+                    .dtFecha = sale.day,
+                    .sConcepto = fmt::format("Ticket {}/{:.0f}", kSeries, ticket),
+                    .sD_H = total > 0 ? "D" : "H",
+                    .dDebe = std::max(total, 0.0),
+                    .dHaber = std::max(-total, 0.0),
+                    .iEstado = kTicketKind,
+                    .vDoc_E = ticket,
+                    .objCn = main_});
+}
+
+void Shop::makeFamily(const std::string& family) {
+  const std::string code = doubledQuotes(family);
+  const clsFamilias families;
+  if (!family.empty() && !families.ExisteFam(code, main_)) families.Insertar(code, code, main_);
+}
+
+void Shop::useNumber(const Counters& next) {
+  double a = next.a, b = next.b - 1, c = next.c - 1;
+  tickets_.SetNumerador(a, b, c, main_);
+}
+
+}  // namespace tavelor::flows
