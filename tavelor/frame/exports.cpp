@@ -117,7 +117,7 @@ class CellWriter {
       : page_(page), row_(rows), locale_(locale), days_(locale) {}
 
   /// Goes to the current row. False when its values are not to be had here.
-  bool take() { return row_.take(); }
+  bool toCurrentRow() { return row_.toCurrentRow(); }
 
   /// `before`, then what writeValue writes. False, with nothing written, for the rarer types, which
   /// go by their Variant.
@@ -198,7 +198,7 @@ std::size_t writeRows(Page& page, Recordset& rows, const std::vector<ShownColumn
     if (fields.empty()) {
       for (const ShownColumn& column : columns) fields.push_back(rows.Field(column.field));
     }
-    const bool asStored = cells.take();
+    const bool asStored = cells.toCurrentRow();
     for (std::size_t i = 0; i < fields.size(); ++i) {
       if (asStored && cells.write(between[i], fields[i].column())) continue;
       page << between[i];

@@ -8,7 +8,7 @@
 #include "tavelor/services/dialect/plan_cache.hpp"
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/recordset/connection_trace.hpp"
-#include "tavelor/services/recordset/recordset.hpp"
+#include "tavelor/services/recordset/recordset_parts.hpp"
 #include "tavelor/services/recordset/recordset_store.hpp"
 
 namespace tavelor {
@@ -61,7 +61,7 @@ void Connection::Close() {
           "The connection cannot be closed while a transaction is open");
   }
   const std::shared_ptr<Connection> keep = weak_from_this().lock();
-  while (firstRecordset_ != nullptr) firstRecordset_->detach();
+  while (firstRecordset_ != nullptr) firstRecordset_->close();
   lease_.reset();
 }
 
@@ -70,15 +70,32 @@ std::int64_t Connection::Execute(const Statement& statement) {
   return traced([&] { return statement.text(); }, [&] { return open.plans().run(statement); });
 }
 
+std::shared_ptr<RecordsetStore> Connection::fetch(const Statement& statement,
+                                                  std::size_t most) const {
+  if (State() == ObjectState::kClosed) raise(errors::kInvalidConnection, kRecordsetSource);
+  std::shared_ptr<RecordsetStore> store;
+  traced([&] { return statement.text(); },
+         [&] {
+           dialect::PlanCache& plans = lease().readingPlans();
+           do {
+             store = std::make_shared<RecordsetStore>(RecordsetSchema{plans.plan(statement), {}},
+                                                      locale());
+           } while (!plans.fetch(statement, store->rows(), most));
+           return static_cast<std::int64_t>(store->rows().rows());
+         });
+  store->statement = statement;
+  return store;
+}
+
 std::optional<Variant> Connection::firstValue(const Statement& statement,
                                               std::string_view column) const {
-  const std::shared_ptr<const RecordsetStore> store = Recordset::fetch(statement, *this, 1);
+  const std::shared_ptr<const RecordsetStore> store = fetch(statement, 1);
   if (store->rows().rows() == 0) return std::nullopt;
   return store->baseValue(0, store->schema().require(column, kSource));
 }
 
 bool Connection::anyRow(const Statement& statement) const {
-  return Recordset::fetch(statement, *this, 1)->rows().rows() > 0;
+  return fetch(statement, 1)->rows().rows() > 0;
 }
 
 void Connection::rollbackAll() noexcept {

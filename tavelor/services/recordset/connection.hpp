@@ -14,7 +14,8 @@
 namespace tavelor {
 
 class Connection;
-class Recordset;
+class RecordsetParts;
+class RecordsetStore;
 class Statement;
 struct Locale;
 using ConnectionPtr = std::shared_ptr<Connection>;
@@ -124,10 +125,12 @@ class Connection final : public Object, public std::enable_shared_from_this<Conn
   const std::shared_ptr<const Locale>& locale() const { return locale_; }
 
  private:
-  friend class Recordset;
+  friend class RecordsetParts;
   friend class BatchWriter;
 
   SessionLease& lease() const;
+  /// The rows of a SELECT, `most` of them at most. Raises 3709 when closed.
+  std::shared_ptr<RecordsetStore> fetch(const Statement& statement, std::size_t most) const;
   /// Runs `work`, which gives a number of rows, and tells the trace of it. The text of what runs is
   /// asked for only where a trace is on.
   template <typename TextOf, typename Work>
@@ -138,7 +141,7 @@ class Connection final : public Object, public std::enable_shared_from_this<Conn
   std::shared_ptr<const Locale> locale_;
   std::string connectionString_;
   std::shared_ptr<TraceSink> trace_;
-  Recordset* firstRecordset_ = nullptr;  // those open over this connection, linked through them
+  RecordsetParts* firstRecordset_ = nullptr;  // those open over this connection, linked
   int selector_ = 0;
 };
 

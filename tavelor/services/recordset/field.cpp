@@ -6,9 +6,9 @@
 #include <optional>
 
 #include "tavelor/platform/text.hpp"
-#include "tavelor/platform/utf8.hpp"
 #include "tavelor/services/recordset/field_types.hpp"
-#include "tavelor/services/recordset/recordset_internal.hpp"
+#include "tavelor/services/recordset/recordset.hpp"
+#include "tavelor/services/recordset/recordset_parts.hpp"
 
 namespace tavelor {
 
@@ -75,8 +75,10 @@ std::optional<ColumnType> storageOf(DataType type) {
 
 // ---- Fields
 
+Fields::Fields(Recordset& set) : set_(&set.parts()) {}
+
 std::int32_t Fields::Count() const {
-  if (!set_->store_ && !set_->fabric_) return 0;
+  if (!set_->store && !set_->appended) return 0;
   return static_cast<std::int32_t>(set_->schema().width());
 }
 
@@ -102,13 +104,13 @@ Field Fields::Item(const Variant& which) const {
 
 void Fields::Append(std::string_view name, DataType type, std::int32_t size,
                     std::int32_t attributes) {
-  if (set_->store_) raise(errors::kObjectOpen, "Fields");
-  if (set_->connection_) raise(errors::kNotAllowedInContext, "Fields");
+  if (set_->store) raise(errors::kObjectOpen, "Fields");
+  if (set_->connection) raise(errors::kNotAllowedInContext, "Fields");
   const std::optional<ColumnType> storage = storageOf(type);
   if (name.empty() || !storage || size < 0) raise(errors::kInvalidArgument, "Fields");
-  if (!set_->fabric_) set_->fabric_ = std::make_unique<Recordset::Fabric>();
-  Recordset::Fabric& fabric = *set_->fabric_;
-  if (fabric.schema.find(name) >= 0) {
+  if (!set_->appended) set_->appended = std::make_unique<AppendedFields>();
+  AppendedFields& fields = *set_->appended;
+  if (fields.schema.find(name) >= 0) {
     raise(errors::kAlreadyInCollection, "Fields", "There is a field '" + std::string(name) + "'");
   }
   OutputColumn column;
@@ -117,11 +119,13 @@ void Fields::Append(std::string_view name, DataType type, std::int32_t size,
   column.definedSize = *storage == ColumnType::kText ? size : fixedSize(*storage);
   constexpr std::int32_t kAnyNull = field_attribute::kIsNullable | field_attribute::kMayBeNull;
   column.nullable = (attributes & kAnyNull) != 0;
-  fabric.plan->columns.push_back(std::move(column));
-  fabric.schema.declared.push_back(static_cast<std::int32_t>(type));
+  fields.plan->columns.push_back(std::move(column));
+  fields.schema.declared.push_back(static_cast<std::int32_t>(type));
 }
 
 // ---- What a field is
+
+Field::Field(Recordset& set, std::size_t column) : Field(set.parts(), column) {}
 
 const std::string& Field::Name() const {
   return columnOf(set_->schema(), column_).name;
@@ -160,7 +164,7 @@ std::int32_t Field::Attributes() const {
   std::int32_t bits = 0;
   if (column.nullable) bits |= field_attribute::kIsNullable | field_attribute::kMayBeNull;
   if (isLong(column.type)) bits |= field_attribute::kLong;
-  const bool isWritten = !set_->store_ || set_->store_->detached || column.updatable;
+  const bool isWritten = !set_->store || set_->store->detached || column.updatable;
   if (isWritten) bits |= field_attribute::kUpdatable;
   return bits;
 }
@@ -178,13 +182,13 @@ std::int32_t Field::ActualSize() const {
 
 Variant Field::Value() const {
   columnOf(set_->opened().schema(), column_);
-  set_->touchField(column_);
-  return set_->valueOf(column_);
+  set_->edit.touch(column_);
+  return set_->edit.value(set_->cursor.readableRow(), column_);
 }
 
 void Field::Value(const Variant& value) {
   columnOf(set_->opened().schema(), column_);
-  set_->touchField(column_);
+  set_->edit.touch(column_);
   set_->assign(column_, value);
 }
 
@@ -194,7 +198,7 @@ const std::string& Field::BaseTable() const {
 
 Variant Field::OriginalValue() const {
   columnOf(set_->opened().schema(), column_);
-  return set_->originalOf(column_);
+  return set_->store->baseValue(set_->cursor.row(), column_);
 }
 
 void Field::AppendChunk(const Variant& data) {
@@ -209,73 +213,7 @@ Variant Field::GetChunk(std::int32_t length) {
     raise(errors::kNotAllowedInContext, kSource, "Only memo and binary fields come in pieces");
   }
   if (length < 0) raise(errors::kInvalidArgument, kSource, "A length is not negative");
-  return set_->getChunk(column_, length);
-}
-
-// ---- Pieces
-
-/// Using another field ends a run of pieces.
-void Recordset::touchField(std::size_t column) {
-  if (appendColumn_ != column) appendColumn_ = kNoColumn;
-  if (readColumn_ != column) readColumn_ = kNoColumn;
-}
-
-/// What the draft holds for a field that takes pieces; null when that is nothing to append to.
-const Variant* Recordset::heldInDraft(std::size_t column) const {
-  const WrittenCell* cell = draft_ ? findCell(draft_->cells, column) : nullptr;
-  const bool holds = cell != nullptr && !cell->value.isNull() && !cell->value.isEmpty();
-  return holds ? &cell->value : nullptr;
-}
-
-void Recordset::appendChunk(std::size_t column, const Variant& data) {
-  touchField(column);
-  if (appendColumn_ != column || heldInDraft(column) == nullptr) {
-    assign(column, data);
-    appendColumn_ = column;
-    return;
-  }
-  const Variant piece = coerce(data, store_->columns()[column], store_->locale());
-  const Row row = readable();
-  announced({.told = Told::kField, .reason = EventReason::kUpdate, .column = column}, [&] {
-    requireStill(row);
-    // A listener may have written something else into the field.
-    const Variant* held = heldInDraft(column);
-    if (held == nullptr) raise(errors::kNotAllowedInContext, kSource);
-    // Appended where it lies: copying the value for each piece would cost the square of its length.
-    if (const auto* more = piece.getIf<Bytes>()) {
-      auto& bytes = const_cast<Bytes&>(*held->getIf<Bytes>());
-      bytes.insert(bytes.end(), more->begin(), more->end());
-    } else if (const auto* text = piece.getIf<std::string>()) {
-      const_cast<std::string&>(*held->getIf<std::string>()) += *text;
-    }
-  });
-}
-
-Variant Recordset::getChunk(std::size_t column, std::int32_t length) {
-  touchField(column);
-  const Variant value = valueOf(column);
-  if (readColumn_ != column) readAt_ = 0;
-  readColumn_ = column;
-  const auto count = static_cast<std::size_t>(length);
-  // The value may have become a shorter one since the last piece: there are no more then.
-  if (const auto* bytes = value.getIf<Bytes>()) {
-    if (readAt_ >= bytes->size()) return Null{};
-    const auto first = bytes->begin() + static_cast<std::ptrdiff_t>(readAt_);
-    const std::size_t taken = std::min(count, bytes->size() - readAt_);
-    readAt_ += taken;
-    return Bytes(first, first + static_cast<std::ptrdiff_t>(taken));
-  }
-  if (const auto* whole = value.getIf<std::string>()) {
-    // The place may lie within a character of another text.
-    while (readAt_ < whole->size() &&
-           utf8::isContinuation(static_cast<unsigned char>((*whole)[readAt_])))
-      ++readAt_;
-    if (readAt_ >= whole->size()) return Null{};
-    const std::string_view piece = text::left(std::string_view(*whole).substr(readAt_), count);
-    readAt_ += piece.size();
-    return piece;
-  }
-  return Null{};
+  return set_->getChunk(column_, static_cast<std::size_t>(length));
 }
 
 }  // namespace tavelor

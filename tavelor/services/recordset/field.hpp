@@ -13,6 +13,7 @@
 namespace tavelor {
 
 class Recordset;
+class RecordsetParts;
 
 /// One column of a record set, seen at the set's current row. A light handle: it names a set and a
 /// position, so it follows the set's moves, and must not be used when the set is gone.
@@ -23,7 +24,7 @@ class Recordset;
 class Field final {
  public:
   /// A column of `set`, from 0.
-  Field(Recordset& set, std::size_t column) : set_(&set), column_(column) {}
+  Field(Recordset& set, std::size_t column);
 
   /// Name as the statement gave it. Valid until the set is closed or opened again.
   const std::string& Name() const;
@@ -69,7 +70,10 @@ class Field final {
   std::size_t column() const { return column_; }
 
  private:
-  Recordset* set_;
+  friend class Fields;
+  Field(RecordsetParts& set, std::size_t column) : set_(&set), column_(column) {}
+
+  RecordsetParts* set_;
   std::size_t column_;
 };
 
@@ -78,7 +82,7 @@ class Field final {
 class Fields final {
  public:
   /// The columns of `set`.
-  explicit Fields(Recordset& set) : set_(&set) {}
+  explicit Fields(Recordset& set);
 
   /// 0 for a closed set.
   std::int32_t Count() const;
@@ -100,7 +104,7 @@ class Fields final {
 
  private:
   Field byName(std::string_view name) const;
-  Recordset* set_;
+  RecordsetParts* set_;
 };
 
 }  // namespace tavelor

@@ -19,14 +19,8 @@
 namespace tavelor {
 
 class Recordset;
-class RecordsetStore;
-struct RecordsetSchema;
-struct SortKey;
+class RecordsetParts;
 using RecordsetPtr = std::shared_ptr<Recordset>;
-
-namespace criteria {
-class Program;
-}
 
 /// The rows of a statement, fetched whole, with a cursor on them. Changes stay here until
 /// UpdateBatch writes them. A clone shares rows and changes and has its own cursor, filter and
@@ -76,7 +70,7 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   /// Always static.
   tavelor::CursorType CursorType() const { return tavelor::CursorType::kStatic; }
   /// When changes are written.
-  tavelor::LockType LockType() const { return lockType_; }
+  tavelor::LockType LockType() const;
   /// kBatchOptimistic at first. With kOptimistic each Update and Delete is written at once, one row
   /// at a time. Raises 3705 when open, 3001 for another type.
   void LockType(tavelor::LockType lockType);
@@ -221,164 +215,11 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   /// Bytes held by rows and changes.
   std::size_t memory() const;
 
+  /// What the set is made of, for the record set's own files: no public header tells the type.
+  RecordsetParts& parts() const { return *parts_; }
+
  private:
-  friend class Connection;
-  friend class tavelor::Field;
-  friend class tavelor::Fields;
-  friend class BatchWriter;
-  friend class RowReader;
-  friend class XmlWriter;
-
-  using Row = std::uint32_t;
-  enum class Place : std::uint8_t { kRow, kBof, kEof, kNowhere };
-  enum class Told : std::uint8_t { kMove, kField, kRecord, kRecordset };
-  /// What is told to the listeners around a piece of work.
-  struct Notice {
-    Told told;
-    EventReason reason;
-    bool deniable = true;
-    std::int32_t records = 1;
-    std::size_t column = 0;
-  };
-  struct Listener {
-    RecordsetEvents* events;
-    std::uint16_t unwanted;  // bits of the events that it wants no more
-  };
-  struct Draft;   // the row in edit, seen by this set only until it is posted
-  struct Fabric;  // fields appended before Open()
-  struct Cursor {
-    std::int64_t at = 0;  // index in the view
-    Row row = 0;
-    Place place = Place::kNowhere;
-    bool left = false;  // the row is not in the view any more; `at` is the row behind it
-  };
-
-  // recordset.cpp
-  RecordsetStore& opened() const;
-  const RecordsetSchema& schema() const;
-  void requireSame(const std::shared_ptr<RecordsetStore>& store) const;
-  void attach(std::shared_ptr<RecordsetStore> store);
-  void leaveStore() noexcept;
-  void join(const ConnectionPtr& connection);
-  void leaveConnection() noexcept;
-  void detach() noexcept;
-  static std::shared_ptr<RecordsetStore> fetch(const Statement& statement, const Connection& over,
-                                               std::size_t most);
-  void refetch();
-
-  // recordset_view.cpp
-  void resetView() noexcept;
-  bool selects() const;
-  bool showsDeleted() const;
-  std::int64_t extent() const;
-  Row rowAt(std::int64_t index) const;
-  bool visible(Row row) const;
-  std::int64_t nextVisible(std::int64_t index, int step) const;
-  void recount() const;
-  void follow() const;
-  void changedByMe();
-  void list() const;
-  void compact() const;
-  void rebuildView();
-  void listRows();
-  std::int64_t indexOf(Row row) const;
-  void insertRow(Row row);
-  void removeAt(std::int64_t index);
-  void replaceInView(Row row, const std::vector<std::uint32_t>& columns);
-  void view(std::string_view criteria, FilterGroup group, const std::vector<Variant>* bookmarks);
-
-  // recordset_moves.cpp
-  Row current() const;
-  Row readable() const;
-  void standAt(std::int64_t index);
-  void standOnFirst();
-  void requireMovable(int direction) const;
-  void step(int direction);
-  void stepPastEnd();
-  std::int64_t ordinal() const;
-  Row rowOfBookmark(const Variant& bookmark) const;
-  std::int64_t startingIndex(const Variant& start, int direction) const;
-  void leaveRow();
-  template <typename Work>
-  void moving(EventReason reason, Work&& work, bool deniable = true);
-
-  // recordset_edit.cpp
-  void requireWritable() const;
-  void requireStill(Row row) const;
-  Variant valueOf(std::size_t column) const;
-  Variant originalOf(std::size_t column) const;
-  void assign(std::size_t column, const Variant& value);
-  void put(std::size_t column, Variant value);
-  void post();
-  void postAtOnce();
-  void mergeDraft();
-  void takeBackDraft(std::unique_ptr<Draft> draft);
-  void addDraft();
-  void dropDraft();
-  std::vector<std::size_t> columnsOf(const std::vector<Variant>& fields,
-                                     const std::vector<Variant>& values);
-  void deleteRow(Row row);
-  bool inScope(Row row, Affect affect) const;
-  std::vector<Row> pendingRows(Affect affect) const;
-  EventReason undoReason(Row row) const;
-  void undo(Row row);
-  void undoAll(const std::vector<Row>& rows);
-  const Variant* heldInDraft(std::size_t column) const;
-  void appendChunk(std::size_t column, const Variant& data);
-  Variant getChunk(std::size_t column, std::int32_t length);
-  void touchField(std::size_t column);
-
-  // recordset_batch.cpp
-  void write(const std::vector<Row>& rows);
-  void acceptWritten(const std::vector<Row>& rows);
-
-  // recordset_events.cpp
-  static bool toldToClones(Told told);
-  bool listens(const RecordsetEvents* listener) const;
-  bool heard(Told told) const;
-  template <typename Work>
-  void announced(const Notice& notice, Work&& work);
-  void tellWill(const Notice& notice);
-  void tellComplete(const Notice& notice, const Error* error);
-  void deliver(const Notice& notice, bool complete, const Error* error, EventStatus& status);
-  static void call(const Notice& notice, bool complete, const Error* error, EventStatus& status,
-                   RecordsetEvents& events, Recordset& set);
-  bool tellEnd();
-
-  static constexpr std::size_t kNoColumn = static_cast<std::size_t>(-1);
-
-  std::shared_ptr<RecordsetStore> store_;  // null when closed
-  ConnectionPtr connection_;
-  Recordset* nextOnStore_ = nullptr;       // the sets that share the store, linked
-  Recordset* nextOnConnection_ = nullptr;  // the sets that are open over the connection, linked
-  std::unique_ptr<Fabric> fabric_;
-
-  // The view. Without a filter and an order it is the rows as stored, and nothing is listed.
-  mutable std::vector<Row> view_;
-  mutable std::vector<std::int32_t> places_;  // row -> index in view_, made when asked for
-  mutable bool listed_ = false;
-  mutable std::uint64_t stamp_ = 0;  // of the store, as far as the view has followed it
-  mutable std::size_t seen_ = 0;     // rows of the store that the view has taken in
-  mutable std::int64_t live_ = 0;    // rows of the view that are visible
-  mutable Cursor cursor_;
-  std::unique_ptr<criteria::Program> criteria_;
-  std::string filter_;
-  std::vector<Row> bookmarks_;
-  FilterGroup group_ = FilterGroup::kNone;
-  bool byBookmarks_ = false;
-  std::string sort_;
-  std::vector<SortKey> order_;
-  std::vector<Row> affected_;
-  std::vector<Row> conflicting_;
-
-  std::unique_ptr<Draft> draft_;
-  std::size_t appendColumn_ = kNoColumn;  // that AppendChunk goes on with
-  std::size_t readColumn_ = kNoColumn;    // that GetChunk goes on with
-  std::size_t readAt_ = 0;
-  tavelor::LockType lockType_ = tavelor::LockType::kBatchOptimistic;
-
-  std::vector<Listener> listeners_;
-  int changing_ = 0;  // depth of WillChangeRecord
+  std::unique_ptr<RecordsetParts> parts_;
 };
 
 }  // namespace tavelor

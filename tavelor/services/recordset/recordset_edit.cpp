@@ -1,441 +1,232 @@
 // SPDX-License-Identifier: MIT
-// Editing, adding, deleting and taking back of rows, up to the pending change.
+// What is done to rows: the one in edit, and the pending changes.
+#include "tavelor/services/recordset/recordset_edit.hpp"
+
 #include <algorithm>
 
-#include "tavelor/services/recordset/criteria.hpp"
-#include "tavelor/services/recordset/recordset_internal.hpp"
+#include "tavelor/platform/error.hpp"
+#include "tavelor/platform/text.hpp"
+#include "tavelor/platform/utf8.hpp"
+#include "tavelor/services/recordset/recordset_parts.hpp"
 
 namespace tavelor {
 
 using Operation = RecordsetStore::Operation;
+using Row = RecordsetStore::Row;
 
-void Recordset::requireWritable() const {
-  opened();
-  if (lockType_ == tavelor::LockType::kReadOnly) {
-    raise(errors::kNotSupported, kRecordsetSource, "The record set is read-only");
-  }
-}
+// ---- The row in edit
 
-/// After listeners were told: the row that they were told of is still the one to work on.
-void Recordset::requireStill(Row row) const {
-  if (!store_ || cursor_.place != Place::kRow || cursor_.row != row) {
-    raise(errors::kNotAllowedInContext, kRecordsetSource, "A listener took the row away");
-  }
-}
-
-// ---- Values
-
-Variant Recordset::valueOf(std::size_t column) const {
-  const Row row = readable();
-  if (draft_ && draft_->row == row) {
+Variant RecordsetEdit::value(Row row, std::size_t column) const {
+  if (isOf(row)) {
     if (const WrittenCell* cell = findCell(draft_->cells, column)) return cell->value;
     if (draft_->adding) return Empty{};
   }
-  return store_->value(row, column);
+  return store().value(row, column);
 }
 
-Variant Recordset::originalOf(std::size_t column) const {
-  return store_->baseValue(current(), column);
-}
-
-void Recordset::assign(std::size_t column, const Variant& value) {
-  requireWritable();
-  const Row row = readable();
-  Variant typed = coerce(value, store_->columns()[column], store_->locale());
-  const auto change = [&] {
-    announced({.told = Told::kField, .reason = EventReason::kUpdate, .column = column}, [&] {
-      requireStill(row);
-      readable();
-      put(column, std::move(typed));
-    });
-  };
-  if (draft_) return change();
-  announced({.told = Told::kRecord, .reason = EventReason::kFirstChange}, change);
-}
-
-void Recordset::put(std::size_t column, Variant value) {
-  if (!draft_) draft_ = std::make_unique<Draft>(Draft{cursor_.row, false, {}, {}});
+void RecordsetEdit::put(std::size_t column, Variant value) {
+  if (!draft_) draft_.emplace(Draft{cursor_.row(), false, {}, {}});
   putCell(draft_->cells, column, std::move(value));
 }
 
-// ---- Posting
-
-void Recordset::Update() {
-  requireWritable();
-  if (draft_) post();
+void RecordsetEdit::add() {
+  view_.follow();
+  const Row row = store().append();
+  store().setFlags(row, RecordsetStore::kDraft);
+  draft_.emplace(Draft{row, true, {}, cursor_.position()});
+  view_.showAddedRow(row);
+  cursor_.standAt(view_.extent() - 1);
 }
 
-/// Moves the draft into the pending changes.
-void Recordset::post() {
-  const Row row = draft_->row;
-  announced({.told = Told::kRecord, .reason = EventReason::kUpdate}, [&] {
-    opened();
-    // A listener that posted the row itself left nothing to do.
-    if (!draft_ || draft_->row != row) return;
-    if (lockType_ == tavelor::LockType::kOptimistic && !store_->detached) {
-      postAtOnce();
-    } else {
-      mergeDraft();
-    }
-  });
-}
-
-/// The row is in the database afterwards, or still in edit.
-void Recordset::postAtOnce() {
-  auto kept = std::make_unique<Draft>(*draft_);
-  const Row row = draft_->row;
-  mergeDraft();
-  try {
-    write({row});
-  } catch (...) {
-    takeBackDraft(std::move(kept));
-    throw;
+void RecordsetEdit::post() {
+  view_.follow();
+  RecordsetStore& rows = store();
+  constexpr std::uint8_t kGone = RecordsetStore::kDead | RecordsetStore::kDeleted;
+  if ((rows.flags(draft_->row) & kGone) != 0) raise(errors::kDeletedRow, kRecordsetSource);
+  Draft draft = std::move(*draft_);
+  draft_.reset();
+  if (draft.adding) {
+    rows.setFlags(draft.row, 0);
+    rows.editOf(draft.row).operation = Operation::kInsert;
+    view_.keepAddedRow();
   }
-}
-
-/// Undoes mergeDraft(): what the draft became is in edit again.
-void Recordset::takeBackDraft(std::unique_ptr<Draft> draft) {
-  const Row row = draft->row;
-  if (draft->adding) {
-    store_->dropEdit(row);
-    store_->setFlags(row, RecordsetStore::kDraft);
-    changedByMe();
-  } else {
-    undo(row);
-  }
-  draft_ = std::move(draft);
-}
-
-void Recordset::mergeDraft() {
-  follow();
-  // A clone may have deleted the row meanwhile. CancelUpdate takes the edit back.
-  constexpr auto kGone =
-      static_cast<std::uint8_t>(RecordsetStore::kDead | RecordsetStore::kDeleted);
-  if ((store_->flags(draft_->row) & kGone) != 0) raise(errors::kDeletedRow, kRecordsetSource);
-  const std::unique_ptr<Draft> draft = std::move(draft_);
-  const Row row = draft->row;
-  RecordsetStore& store = *store_;
-  if (draft->adding) {
-    store.setFlags(row, 0);
-    store.editOf(row).operation = Operation::kInsert;
-  }
-  RecordsetStore::Edit& edit = store.editOf(row);
+  RecordsetStore::Edit& edit = rows.editOf(draft.row);
   edit.failure = 0;
   const bool added = edit.operation == Operation::kInsert;
   std::vector<std::uint32_t> columns;
-  for (WrittenCell& cell : draft->cells) {
+  columns.reserve(draft.cells.size());
+  for (WrittenCell& cell : draft.cells) {
     columns.push_back(cell.column);
     // Empty is "not written" in a new row, and Null in one that the database has.
     if (!added && cell.value.isEmpty()) cell.value = Null{};
     putCell(edit.cells, cell.column, std::move(cell.value));
   }
   std::erase_if(edit.cells, [&](const WrittenCell& cell) {
-    return added ? cell.value.isEmpty() : cell.value == store.baseValue(row, cell.column);
+    return added ? cell.value.isEmpty() : cell.value == rows.baseValue(draft.row, cell.column);
   });
-  if (!added && edit.cells.empty()) store.dropEdit(row);
-  changedByMe();
-  if (!draft->adding) replaceInView(row, columns);
+  if (!added && edit.cells.empty()) rows.dropEdit(draft.row);
+  view_.changed();
+  if (!draft.adding) cursor_.rowChanged(draft.row, columns);
 }
 
-std::vector<std::size_t> Recordset::columnsOf(const std::vector<Variant>& fields,
-                                              const std::vector<Variant>& values) {
-  opened();
-  if (fields.size() != values.size()) {
-    raise(errors::kInvalidArgument, kRecordsetSource, "There must be as many values as fields");
-  }
-  std::vector<std::size_t> columns;
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    columns.push_back(Fields().Item(fields[i]).column());
-    // A value that will not do is refused before anything is changed.
-    coerce(values[i], store_->columns()[columns.back()], store_->locale());
-  }
-  return columns;
-}
-
-void Recordset::Update(const std::vector<Variant>& fields, const std::vector<Variant>& values) {
-  requireWritable();
-  readable();
-  const std::vector<std::size_t> columns = columnsOf(fields, values);
-  for (std::size_t i = 0; i < columns.size(); ++i) assign(columns[i], values[i]);
-  Update();
-}
-
-// ---- Adding
-
-void Recordset::AddNew() {
-  requireWritable();
-  leaveRow();
-  moving(EventReason::kMove, [&] {
-    announced({.told = Told::kRecord, .reason = EventReason::kAddNew}, [&] {
-      requireWritable();
-      leaveRow();
-      addDraft();
-    });
-  });
-}
-
-void Recordset::AddNew(const std::vector<Variant>& fields, const std::vector<Variant>& values) {
-  requireWritable();
-  const std::vector<std::size_t> columns = columnsOf(fields, values);
-  AddNew();
-  try {
-    for (std::size_t i = 0; i < columns.size(); ++i) assign(columns[i], values[i]);
-    Update();
-  } catch (...) {
-    if (draft_ && draft_->adding) dropDraft();
-    throw;
-  }
-}
-
-void Recordset::addDraft() {
-  follow();
-  const Row row = store_->append();
-  store_->setFlags(row, RecordsetStore::kDraft);
-  draft_ = std::make_unique<Draft>(Draft{row, true, {}, cursor_});
-  if (listed_) view_.push_back(row);
-  places_.clear();
-  ++live_;
-  changedByMe();
-  standAt(extent() - 1);
-}
-
-/// Forgets the row in edit. A row that was being added goes away, and the one before is current.
-void Recordset::dropDraft() {
-  follow();
-  const std::unique_ptr<Draft> draft = std::move(draft_);
-  if (!draft->adding) return;
-  store_->setFlags(draft->row, RecordsetStore::kDead);
-  --live_;
-  changedByMe();
-  cursor_ = draft->before;
-  if (cursor_.place == Place::kRow) {
-    // Counting may have moved the rows of the view meanwhile.
-    const std::int64_t index = indexOf(cursor_.row);
-    if (index >= 0) cursor_.at = index;
-    cursor_.left = index < 0;
-    cursor_.at = std::min(cursor_.at, extent());
-  } else if (live_ == 0) {
-    cursor_.place = Place::kNowhere;
-  }
-}
-
-// ---- Deleting
-
-void Recordset::Delete(Affect affect) {
-  requireWritable();
-  if (affect != Affect::kCurrent && affect != Affect::kGroup) {
-    raise(errors::kInvalidArgument, kRecordsetSource, "Delete takes the current row or a group");
-  }
-  std::vector<Row> rows;
-  if (affect == Affect::kCurrent) {
-    rows.push_back(readable());
+void RecordsetEdit::reopen(Draft draft) {
+  if (draft.adding) {
+    store().dropEdit(draft.row);
+    store().setFlags(draft.row, RecordsetStore::kDraft);
+    view_.reopenAddedRow(draft.row);
+    view_.changed();
   } else {
-    leaveRow();
-    if (group_ == FilterGroup::kNone && !byBookmarks_) {
-      raise(errors::kNotAllowedInContext, kRecordsetSource, "The filter is no group of rows");
-    }
-    compact();
-    std::copy_if(view_.begin(), view_.end(), std::back_inserter(rows),
-                 [&](Row row) { return (store_->flags(row) & RecordsetStore::kDeleted) == 0; });
+    undo(draft.row);
   }
-  const auto count = static_cast<std::int32_t>(rows.size());
-  const std::shared_ptr<RecordsetStore> store = store_;
-  announced({.told = Told::kRecord, .reason = EventReason::kDelete, .records = count}, [&] {
-    if (affect == Affect::kCurrent) requireStill(rows.front());
-    requireSame(store);
-    follow();
-    for (const Row row : rows) deleteRow(row);
-    changedByMe();
-    affected_ = rows;
-    if (lockType_ == tavelor::LockType::kOptimistic && !store_->detached) write(rows);
-  });
+  draft_ = std::move(draft);
 }
 
-/// Marks a row. One that the database never had goes away at once.
-void Recordset::deleteRow(Row row) {
-  RecordsetStore& store = *store_;
-  const std::uint8_t flags = store.flags(row);
+void RecordsetEdit::drop() {
+  view_.follow();
+  const Draft draft = std::move(*draft_);
+  draft_.reset();
+  if (!draft.adding) return;
+  store().setFlags(draft.row, RecordsetStore::kDead);
+  view_.hideAddedRow();
+  cursor_.restore(draft.before);
+}
+
+void RecordsetEdit::abandon() noexcept {
+  if (isAdding()) store().setFlags(draft_->row, RecordsetStore::kDead);
+  draft_.reset();
+  inPieces_ = false;
+  appendColumn_ = kNoColumn;
+  readColumn_ = kNoColumn;
+}
+
+// ---- Pending changes
+
+void RecordsetEdit::remove(Row row) {
+  RecordsetStore& rows = store();
+  const std::uint8_t flags = rows.flags(row);
   if ((flags & (RecordsetStore::kDead | RecordsetStore::kDeleted)) != 0) return;
-  const bool shown = visible(row);
-  if (draft_ && draft_->row == row) draft_.reset();
-  const RecordsetStore::Edit* edit = store.edit(row);
-  if ((flags & RecordsetStore::kDraft) != 0 || (edit && edit->operation == Operation::kInsert)) {
-    store.dropEdit(row);
-    store.setFlags(row, RecordsetStore::kDead);
-  } else {
-    store.editOf(row) = {Operation::kDelete, 0, {}};
-    store.setFlags(row, RecordsetStore::kEdited | RecordsetStore::kDeleted);
-  }
-  // A row that was edited out of the filter is current still, but counts no more.
-  if (shown && !visible(row) && indexOf(row) >= 0) --live_;
-}
-
-// ---- Taking back
-
-EventReason Recordset::undoReason(Row row) const {
-  if (draft_ && draft_->row == row) {
-    return draft_->adding ? EventReason::kUndoAddNew : EventReason::kUndoUpdate;
-  }
-  switch (store_->edit(row)->operation) {
-    case Operation::kInsert:
-      return EventReason::kUndoAddNew;
-    case Operation::kDelete:
-      return EventReason::kUndoDelete;
-    case Operation::kUpdate:
-      break;
-  }
-  return EventReason::kUndoUpdate;
-}
-
-void Recordset::CancelUpdate() {
-  opened();
-  if (cursor_.place != Place::kRow) return;
-  const Row row = cursor_.row;
-  if (!draft_ && store_->edit(row) == nullptr) return;
-  announced({.told = Told::kRecord, .reason = undoReason(row)}, [&] {
-    requireStill(row);
-    if (draft_) return dropDraft();
-    follow();
-    undo(row);
+  view_.changingRow(row, [&] {
+    if (isOf(row)) {
+      draft_.reset();
+      view_.keepAddedRow();
+    }
+    const RecordsetStore::Edit* edit = rows.edit(row);
+    if ((flags & RecordsetStore::kDraft) != 0 || (edit && edit->operation == Operation::kInsert)) {
+      rows.dropEdit(row);
+      rows.setFlags(row, RecordsetStore::kDead);
+    } else {
+      rows.editOf(row) = {Operation::kDelete, 0, {}};
+      rows.setFlags(row, RecordsetStore::kEdited | RecordsetStore::kDeleted);
+    }
   });
 }
 
-/// Drops the pending change of a row.
-void Recordset::undo(Row row) {
-  RecordsetStore& store = *store_;
-  const RecordsetStore::Edit* edit = store.edit(row);
+void RecordsetEdit::undo(Row row) {
+  RecordsetStore& rows = store();
+  const RecordsetStore::Edit* edit = rows.edit(row);
   if (edit == nullptr) return;
   const Operation operation = edit->operation;
-  const bool shown = visible(row);
   std::vector<std::uint32_t> columns;
+  columns.reserve(edit->cells.size());
   for (const WrittenCell& cell : edit->cells) columns.push_back(cell.column);
-  store.dropEdit(row);
-  if (operation == Operation::kInsert) store.setFlags(row, RecordsetStore::kDead);
-  changedByMe();
-  if (operation == Operation::kInsert) {
-    if (shown && indexOf(row) >= 0) --live_;
-  } else if (operation == Operation::kUpdate) {
-    replaceInView(row, columns);
-  } else if (indexOf(row) >= 0) {
-    if (!shown) ++live_;
-    if (cursor_.row == row && cursor_.left) cursor_.left = false;
-  } else if (!criteria_ || criteria_->matches(store, row)) {
-    if (!byBookmarks_ && group_ == FilterGroup::kNone) insertRow(row);
+  view_.changingRow(row, [&] {
+    rows.dropEdit(row);
+    if (operation == Operation::kInsert) rows.setFlags(row, RecordsetStore::kDead);
+  });
+  view_.changed();
+  if (operation == Operation::kUpdate) cursor_.rowChanged(row, columns);
+  if (operation == Operation::kDelete) cursor_.rowRevived(row);
+}
+
+void RecordsetEdit::undo(const std::vector<Row>& rows) {
+  if (rows.size() == 1) return undo(rows.front());
+  for (const Row row : rows) {
+    const RecordsetStore::Edit* edit = store().edit(row);
+    if (edit == nullptr) continue;
+    const bool added = edit->operation == Operation::kInsert;
+    store().dropEdit(row);
+    if (added) store().setFlags(row, RecordsetStore::kDead);
   }
+  store().touch();
+  view_.rebuild();
+  cursor_.followRow();
+}
+
+void RecordsetEdit::accept(const std::vector<Row>& rows) {
+  for (const Row row : rows) {
+    const RecordsetStore::Edit* edit = store().edit(row);
+    if (edit == nullptr) continue;
+    if (edit->operation == Operation::kDelete) {
+      view_.changingRow(row, [&] {
+        store().dropEdit(row);
+        store().setFlags(row, RecordsetStore::kDead);
+      });
+    } else {
+      store().dropEdit(row);
+    }
+  }
+  view_.changed();
 }
 
 /// Which rows an operation on many looks at: all, or those that a filter text shows.
-bool Recordset::inScope(Row row, Affect affect) const {
-  const bool current = cursor_.place == Place::kRow && cursor_.row == row;
+bool RecordsetEdit::isInScope(Row row, Affect affect) const {
+  const RowFilter& filter = view_.filter();
   switch (affect) {
     case Affect::kCurrent:
-      return current;
+      return cursor_.isOn(row);
     case Affect::kGroup:
-      return indexOf(row) >= 0;
+      return view_.indexOf(row) >= 0;
     case Affect::kAll:
-      if (!criteria_ || current) return true;
+      if (!filter.program || cursor_.isOn(row)) return true;
       // A deleted row shows no more, but it did when it was deleted.
-      if ((store_->flags(row) & RecordsetStore::kDeleted) != 0) {
-        return criteria_->matchesBase(*store_, row);
+      if ((store().flags(row) & RecordsetStore::kDeleted) != 0) {
+        return filter.program->matchesBase(store(), row);
       }
-      return indexOf(row) >= 0;
+      return view_.indexOf(row) >= 0;
     case Affect::kAllChapters:
       return true;
   }
   raise(errors::kInvalidArgument, kRecordsetSource, "There is no such group of rows");
 }
 
-std::vector<Recordset::Row> Recordset::pendingRows(Affect affect) const {
-  follow();
+std::vector<Row> RecordsetEdit::pendingRows(Affect affect) const {
+  view_.follow();
+  std::vector<Row> rows;
   if (affect == Affect::kCurrent) {
-    const Row row = current();
-    return store_->edit(row) != nullptr ? std::vector<Row>{row} : std::vector<Row>{};
+    const Row row = cursor_.row();
+    if (store().edit(row) != nullptr) rows.push_back(row);
+    return rows;
   }
   if (affect == Affect::kGroup) {
-    if (group_ == FilterGroup::kNone && !byBookmarks_) {
+    if (!view_.filter().isGroup()) {
       raise(errors::kNotAllowedInContext, kRecordsetSource, "The filter is no group of rows");
     }
-    if (live_ == 0) raise(errors::kNoCurrentRecord, kRecordsetSource);
+    if (view_.visibleRows() == 0) raise(errors::kNoCurrentRecord, kRecordsetSource);
   }
-  std::vector<Row> rows;
-  for (const auto& [row, edit] : store_->edits()) {
-    if (inScope(row, affect)) rows.push_back(row);
+  for (const auto& [row, edit] : store().edits()) {
+    if (isInScope(row, affect)) rows.push_back(row);
   }
   std::sort(rows.begin(), rows.end());
   return rows;
 }
 
-void Recordset::CancelBatch(Affect affect) {
-  opened();
-  if (lockType_ == tavelor::LockType::kOptimistic && affect != Affect::kCurrent) {
-    raise(errors::kNotAllowedInContext, kRecordsetSource, "The set does not write in batches");
-  }
-  if (draft_) {
-    CancelUpdate();
-    opened();
-  }
-  if (affect == Affect::kCurrent && cursor_.place != Place::kRow) return;
-  const std::vector<Row> rows = pendingRows(affect);
-  if (rows.empty()) return;
-  const auto count = static_cast<std::int32_t>(rows.size());
-  const std::shared_ptr<RecordsetStore> store = store_;
-  announced({.told = Told::kRecord, .reason = EventReason::kUndoUpdate, .records = count}, [&] {
-    requireSame(store);
-    follow();
-    if (rows.size() == 1) {
-      undo(rows.front());
-    } else {
-      undoAll(rows);
-    }
-    affected_ = rows;
-  });
-}
-
-/// The same for many rows, with one pass over the view.
-void Recordset::undoAll(const std::vector<Row>& rows) {
-  RecordsetStore& store = *store_;
-  for (const Row row : rows) {
-    const RecordsetStore::Edit* edit = store.edit(row);
-    if (edit == nullptr) continue;
-    const bool added = edit->operation == Operation::kInsert;
-    store.dropEdit(row);
-    if (added) store.setFlags(row, RecordsetStore::kDead);
-  }
-  store.touch();
-  rebuildView();
-  if (cursor_.place != Place::kRow) return;
-  const std::int64_t index = indexOf(cursor_.row);
-  cursor_.left = index < 0;
-  cursor_.at = index >= 0 ? index : std::min(cursor_.at, extent());
-}
-
-// ---- State of the current row
-
-tavelor::EditMode Recordset::EditMode() const {
-  const Row row = current();
-  if (draft_ && draft_->row == row) {
-    return draft_->adding ? tavelor::EditMode::kAdd : tavelor::EditMode::kInProgress;
-  }
-  const std::uint8_t flags = store_->flags(row);
+EditMode RecordsetEdit::mode() const {
+  const Row row = cursor_.row();
+  if (isOf(row)) return draft_->adding ? EditMode::kAdd : EditMode::kInProgress;
+  const std::uint8_t flags = store().flags(row);
   if ((flags & RecordsetStore::kDead) != 0) raise(errors::kDeletedRow, kRecordsetSource);
-  if ((flags & RecordsetStore::kDeleted) != 0) return tavelor::EditMode::kDelete;
-  const RecordsetStore::Edit* edit = store_->edit(row);
+  if ((flags & RecordsetStore::kDeleted) != 0) return EditMode::kDelete;
+  const RecordsetStore::Edit* edit = store().edit(row);
   // There is no database that a row of a fabricated set could ever have reached.
-  const bool added = store_->detached && edit && edit->operation == Operation::kInsert;
-  return added ? tavelor::EditMode::kAdd : tavelor::EditMode::kNone;
+  const bool added = store().detached && edit && edit->operation == Operation::kInsert;
+  return added ? EditMode::kAdd : EditMode::kNone;
 }
 
-bool Recordset::hasUnwrittenChanges() const {
-  return draft_ != nullptr || !opened().edits().empty();
-}
-
-std::int32_t Recordset::Status() const {
-  const Row row = current();
-  if (draft_ && draft_->row == row) {
-    return draft_->adding ? record_status::kNew : record_status::kModified;
-  }
-  if ((store_->flags(row) & RecordsetStore::kDead) != 0) return record_status::kDbDeleted;
-  const RecordsetStore::Edit* edit = store_->edit(row);
+std::int32_t RecordsetEdit::status() const {
+  const Row row = cursor_.row();
+  if (isOf(row)) return draft_->adding ? record_status::kNew : record_status::kModified;
+  if ((store().flags(row) & RecordsetStore::kDead) != 0) return record_status::kDbDeleted;
+  const RecordsetStore::Edit* edit = store().edit(row);
   if (edit == nullptr) return record_status::kUnmodified;
   switch (edit->operation) {
     case Operation::kInsert:
@@ -446,6 +237,83 @@ std::int32_t Recordset::Status() const {
       break;
   }
   return record_status::kModified | edit->failure;
+}
+
+EventReason RecordsetEdit::undoReason(Row row) const {
+  if (isOf(row)) return draft_->adding ? EventReason::kUndoAddNew : EventReason::kUndoUpdate;
+  switch (store().edit(row)->operation) {
+    case Operation::kInsert:
+      return EventReason::kUndoAddNew;
+    case Operation::kDelete:
+      return EventReason::kUndoDelete;
+    case Operation::kUpdate:
+      break;
+  }
+  return EventReason::kUndoUpdate;
+}
+
+// ---- Values in pieces
+
+void RecordsetEdit::endOtherPieces(std::size_t column) {
+  const bool hasMoved = pieceMoves_ != cursor_.moves();
+  if (hasMoved || appendColumn_ != column) appendColumn_ = kNoColumn;
+  if (hasMoved || readColumn_ != column) readColumn_ = kNoColumn;
+  inPieces_ = appendColumn_ != kNoColumn || readColumn_ != kNoColumn;
+}
+
+/// What the draft holds for a field that takes pieces; null when that is nothing to append to.
+const Variant* RecordsetEdit::heldInDraft(std::size_t column) const {
+  const WrittenCell* cell = draft_ ? findCell(draft_->cells, column) : nullptr;
+  const bool holds = cell != nullptr && !cell->value.isNull() && !cell->value.isEmpty();
+  return holds ? &cell->value : nullptr;
+}
+
+bool RecordsetEdit::isAppendingTo(std::size_t column) const {
+  return appendColumn_ == column && heldInDraft(column) != nullptr;
+}
+
+void RecordsetEdit::beginAppending(std::size_t column) {
+  inPieces_ = true;
+  appendColumn_ = column;
+  pieceMoves_ = cursor_.moves();
+}
+
+void RecordsetEdit::append(std::size_t column, const Variant& piece) {
+  const Variant* held = heldInDraft(column);
+  if (held == nullptr) raise(errors::kNotAllowedInContext, "Field");
+  // Appended where it lies: copying the value for each piece would cost the square of its length.
+  if (const auto* more = piece.getIf<Bytes>()) {
+    auto& bytes = const_cast<Bytes&>(*held->getIf<Bytes>());
+    bytes.insert(bytes.end(), more->begin(), more->end());
+  } else if (const auto* text = piece.getIf<std::string>()) {
+    const_cast<std::string&>(*held->getIf<std::string>()) += *text;
+  }
+}
+
+Variant RecordsetEdit::nextPiece(std::size_t column, const Variant& value, std::size_t length) {
+  if (readColumn_ != column) readAt_ = 0;
+  inPieces_ = true;
+  readColumn_ = column;
+  pieceMoves_ = cursor_.moves();
+  // The value may have become a shorter one since the last piece: there are no more then.
+  if (const auto* bytes = value.getIf<Bytes>()) {
+    if (readAt_ >= bytes->size()) return Null{};
+    const auto first = bytes->begin() + static_cast<std::ptrdiff_t>(readAt_);
+    const std::size_t count = std::min(length, bytes->size() - readAt_);
+    readAt_ += count;
+    return Bytes(first, first + static_cast<std::ptrdiff_t>(count));
+  }
+  if (const auto* whole = value.getIf<std::string>()) {
+    // The place may lie within a character of another text.
+    while (readAt_ < whole->size() &&
+           utf8::isContinuation(static_cast<unsigned char>((*whole)[readAt_])))
+      ++readAt_;
+    if (readAt_ >= whole->size()) return Null{};
+    const std::string_view piece = text::left(std::string_view(*whole).substr(readAt_), length);
+    readAt_ += piece.size();
+    return piece;
+  }
+  return Null{};
 }
 
 }  // namespace tavelor

@@ -1,268 +1,223 @@
 // SPDX-License-Identifier: MIT
-// The cursor of a record set.
+// The record set's positions, filter and order.
 #include <algorithm>
-#include <cmath>
 
+#include "tavelor/platform/error.hpp"
 #include "tavelor/services/recordset/criteria.hpp"
-#include "tavelor/services/recordset/recordset_internal.hpp"
+#include "tavelor/services/recordset/recordset.hpp"
+#include "tavelor/services/recordset/recordset_parts.hpp"
 
 namespace tavelor {
 
-namespace {
-
-bool isConstant(const Variant& start) {
-  return start.type() == VariantType::kInt16 || start.type() == VariantType::kInt32;
-}
-
-}  // namespace
+using Place = RecordsetCursor::Place;
+using Row = RecordsetStore::Row;
 
 // ---- Where the cursor is
 
 bool Recordset::Bof() const {
-  opened();
-  return cursor_.place == Place::kBof || cursor_.place == Place::kNowhere;
+  parts_->opened();
+  const Place place = parts_->cursor.position().place;
+  return place == Place::kBof || place == Place::kNowhere;
 }
 
 bool Recordset::Eof() const {
-  opened();
-  return cursor_.place == Place::kEof || cursor_.place == Place::kNowhere;
-}
-
-Recordset::Row Recordset::current() const {
-  opened();
-  if (cursor_.place != Place::kRow) raise(errors::kNoCurrentRecord, kRecordsetSource);
-  return cursor_.row;
-}
-
-/// The current row, if it is there to be read and written.
-Recordset::Row Recordset::readable() const {
-  const Row row = current();
-  if ((store_->flags(row) & (RecordsetStore::kDead | RecordsetStore::kDeleted)) != 0) {
-    raise(errors::kDeletedRow, kRecordsetSource);
-  }
-  return row;
+  parts_->opened();
+  const Place place = parts_->cursor.position().place;
+  return place == Place::kEof || place == Place::kNowhere;
 }
 
 std::int32_t Recordset::AbsolutePosition() const {
-  opened();
-  switch (cursor_.place) {
-    case Place::kBof:
-      return position::kBof;
-    case Place::kEof:
-      return position::kEof;
-    case Place::kNowhere:
-      return position::kUnknown;
-    case Place::kRow:
-      break;
-  }
-  compact();
-  return cursor_.left ? position::kUnknown : static_cast<std::int32_t>(cursor_.at + 1);
+  parts_->opened();
+  return parts_->cursor.absolutePosition();
+}
+
+std::int32_t Recordset::RecordCount() const {
+  parts_->opened();
+  parts_->view.follow();
+  return static_cast<std::int32_t>(parts_->view.visibleRows());
 }
 
 Variant Recordset::Bookmark() const {
-  return static_cast<double>(current()) + 1.0;
-}
-
-Recordset::Row Recordset::rowOfBookmark(const Variant& bookmark) const {
-  const RecordsetStore& store = opened();
-  double number = 0;
-  if (bookmark.isNumber()) number = bookmark.toDouble(store.locale());
-  const auto rows = static_cast<double>(store.rows().rows());
-  if (!(number >= 1.0 && number <= rows) || std::floor(number) != number) {
-    raise(errors::kInvalidArgument, kRecordsetSource, "The value is no bookmark of a row");
-  }
-  return static_cast<Row>(number - 1.0);
+  return static_cast<double>(parts_->currentRow()) + 1.0;
 }
 
 CompareResult Recordset::CompareBookmarks(const Variant& first, const Variant& second) const {
-  const Row a = rowOfBookmark(first);
-  const Row b = rowOfBookmark(second);
+  parts_->opened();
+  const Row a = parts_->view.rowOfBookmark(first);
+  const Row b = parts_->view.rowOfBookmark(second);
   if (a == b) return CompareResult::kEqual;
   return a < b ? CompareResult::kLessThan : CompareResult::kGreaterThan;
 }
 
-// ---- Going to an index of the view
-
-/// Stands on an index of the view, or before or behind all rows.
-void Recordset::standAt(std::int64_t index) {
-  touchField(kNoColumn);
-  cursor_.at = index;
-  cursor_.left = false;
-  if (live_ == 0) {
-    cursor_.place = Place::kNowhere;
-  } else if (index < 0) {
-    cursor_.place = Place::kBof;
-  } else if (index >= extent()) {
-    cursor_.place = Place::kEof;
-  } else {
-    cursor_.place = Place::kRow;
-    cursor_.row = rowAt(index);
-  }
-}
-
-void Recordset::standOnFirst() {
-  opened();
-  follow();
-  standAt(nextVisible(0, 1));
-}
-
-void Recordset::requireMovable(int direction) const {
-  opened();
-  follow();
-  const bool deletedLast = cursor_.place == Place::kRow;
-  const bool blocked = (direction > 0 && cursor_.place == Place::kEof) ||
-                       (direction < 0 && cursor_.place == Place::kBof) ||
-                       (direction != 0 && cursor_.place == Place::kNowhere) ||
-                       (live_ == 0 && !deletedLast);
-  if (blocked) raise(errors::kNoCurrentRecord, kRecordsetSource);
-}
-
-/// Posts the row in edit. The listeners of that may have closed the set.
-void Recordset::leaveRow() {
-  if (!draft_) return;
-  post();
-  opened();
-}
+// ---- Moves
 
 void Recordset::MoveFirst() {
-  leaveRow();
-  requireMovable(0);
-  moving(EventReason::kMoveFirst, [&] {
-    requireMovable(0);
-    standAt(nextVisible(0, 1));
+  parts_->leaveRow();
+  parts_->requireMovable(0);
+  parts_->moving(EventReason::kMoveFirst, [&] {
+    parts_->requireMovable(0);
+    parts_->cursor.standOnFirst();
   });
 }
 
 void Recordset::MoveLast() {
-  leaveRow();
-  requireMovable(0);
-  moving(EventReason::kMoveLast, [&] {
-    requireMovable(0);
-    standAt(nextVisible(extent() - 1, -1));
+  parts_->leaveRow();
+  parts_->requireMovable(0);
+  parts_->moving(EventReason::kMoveLast, [&] {
+    parts_->requireMovable(0);
+    parts_->cursor.standOnLast();
   });
 }
 
-void Recordset::step(int direction) {
-  requireMovable(direction);
-  std::int64_t from = direction > 0 ? -1 : extent();
-  if (cursor_.place == Place::kRow) from = cursor_.at;
-  // A row that left the view has its follower at its index.
-  if (cursor_.left && direction > 0) --from;
-  const std::int64_t to = nextVisible(from + direction, direction);
-  if (to == extent()) {
-    stepPastEnd();
-  } else {
-    standAt(to);
-  }
-}
-
-/// Listeners may append rows at the last moment; the move goes to the first of them then.
-void Recordset::stepPastEnd() {
-  const std::int64_t end = extent();
-  const bool moreData = !listeners_.empty() && tellEnd();
-  opened();
-  follow();
-  leaveRow();
-  standAt(moreData ? nextVisible(end, 1) : extent());
-}
-
 void Recordset::MoveNext() {
-  leaveRow();
-  requireMovable(1);
-  moving(EventReason::kMoveNext, [&] { step(1); });
+  parts_->leaveRow();
+  parts_->requireMovable(1);
+  parts_->moving(EventReason::kMoveNext, [&] { parts_->step(1); });
 }
 
 void Recordset::MovePrevious() {
-  leaveRow();
-  requireMovable(-1);
-  moving(EventReason::kMovePrevious, [&] { step(-1); });
-}
-
-/// The index from which `start` counts: that of a row, or of the current place.
-std::int64_t Recordset::startingIndex(const Variant& start, int direction) const {
-  compact();
-  if (start.isEmpty() || (isConstant(start) && start == Variant(bookmark::kCurrent))) {
-    if (cursor_.place == Place::kBof) return -1;
-    if (cursor_.place == Place::kEof) return extent();
-    if (cursor_.place == Place::kNowhere) raise(errors::kNoCurrentRecord, kRecordsetSource);
-    return cursor_.left && direction > 0 ? cursor_.at - 1 : cursor_.at;
-  }
-  if (isConstant(start)) {
-    if (live_ == 0) raise(errors::kNoCurrentRecord, kRecordsetSource);
-    if (start == Variant(bookmark::kFirst)) return 0;
-    if (start == Variant(bookmark::kLast)) return extent() - 1;
-  }
-  const std::int64_t index = indexOf(rowOfBookmark(start));
-  if (index < 0) {
-    raise(errors::kInvalidArgument, kRecordsetSource, "The bookmark's row is not in the view");
-  }
-  return index;
+  parts_->leaveRow();
+  parts_->requireMovable(-1);
+  parts_->moving(EventReason::kMovePrevious, [&] { parts_->step(-1); });
 }
 
 void Recordset::Move(std::int32_t rows, const Variant& start) {
-  leaveRow();
+  parts_->leaveRow();
   const int direction = rows > 0 ? 1 : (rows < 0 ? -1 : 0);
   if (start.isEmpty()) {
-    requireMovable(direction);
-    if (direction == 0) current();
+    parts_->requireMovable(direction);
+    if (direction == 0) parts_->currentRow();
   }
-  moving(EventReason::kMove, [&] {
-    opened();
-    const std::int64_t from = startingIndex(start, direction);
+  parts_->moving(EventReason::kMove, [&] {
+    parts_->opened();
+    const std::int64_t from = parts_->cursor.startingIndex(start, direction);
     if (rows == 0 && start.isEmpty()) return;
-    standAt(std::clamp<std::int64_t>(from + rows, -1, extent()));
+    parts_->cursor.standAt(std::clamp<std::int64_t>(from + rows, -1, parts_->view.extent()));
   });
 }
 
 void Recordset::AbsolutePosition(std::int32_t value) {
-  opened();
-  leaveRow();
+  parts_->opened();
+  parts_->leaveRow();
   const auto require = [&] {
-    opened();
-    compact();
-    if (value < 1 || value > live_) {
+    parts_->opened();
+    parts_->cursor.removeHoles();
+    if (value < 1 || value > parts_->view.visibleRows()) {
       raise(errors::kInvalidArgument, kRecordsetSource, "There is no row at that position");
     }
   };
   require();
-  moving(EventReason::kMove, [&] {
+  parts_->moving(EventReason::kMove, [&] {
     require();
-    standAt(value - 1);
+    parts_->cursor.standAt(value - 1);
   });
 }
 
 void Recordset::Bookmark(const Variant& value) {
-  opened();
-  leaveRow();
+  parts_->opened();
+  parts_->leaveRow();
   const auto find = [&] {
-    const Row row = rowOfBookmark(value);
-    follow();
-    const std::int64_t index = indexOf(row);
-    if (index < 0 || !visible(row)) {
+    parts_->opened();
+    const Row row = parts_->view.rowOfBookmark(value);
+    parts_->view.follow();
+    const std::int64_t index = parts_->view.indexOf(row);
+    if (index < 0 || !parts_->view.isVisible(row)) {
       raise(errors::kInvalidArgument, kRecordsetSource, "The bookmark's row is not in the view");
     }
     return index;
   };
   find();
-  moving(EventReason::kMove, [&] { standAt(find()); });
+  parts_->moving(EventReason::kMove, [&] { parts_->cursor.standAt(find()); });
 }
 
 void Recordset::Find(std::string_view criteria, std::int32_t skipRows, SearchDirection direction,
                      const Variant& start) {
-  opened();
-  leaveRow();
-  if (start.isEmpty()) current();
+  parts_->opened();
+  parts_->leaveRow();
+  if (start.isEmpty()) parts_->currentRow();
   const int step = direction == SearchDirection::kBackward ? -1 : 1;
-  moving(EventReason::kMove, [&] {
-    const RecordsetStore& store = opened();
+  parts_->moving(EventReason::kMove, [&] {
+    const RecordsetStore& store = parts_->opened();
+    const RecordsetView& view = parts_->view;
+    RecordsetCursor& cursor = parts_->cursor;
     const auto program = criteria::parseSingle(criteria, store.schema(), store.locale());
-    std::int64_t index = startingIndex(start, step);
+    std::int64_t index = cursor.startingIndex(start, step);
     // A row that left the view cannot be found: the search begins at its neighbour.
-    const bool onLeftRow = start.isEmpty() && cursor_.left;
-    index += onLeftRow && skipRows == 0 ? step : std::int64_t{skipRows} * step;
-    const std::int64_t end = extent();
-    while (index >= 0 && index < end && !program->matches(store, rowAt(index))) index += step;
-    standAt(std::clamp<std::int64_t>(index, -1, end));
+    const bool isOnLeftRow = start.isEmpty() && cursor.position().hasLeftView;
+    index += isOnLeftRow && skipRows == 0 ? step : std::int64_t{skipRows} * step;
+    const std::int64_t end = view.extent();
+    while (index >= 0 && index < end && !program->matches(store, view.rowAt(index))) index += step;
+    cursor.standAt(std::clamp<std::int64_t>(index, -1, end));
+  });
+}
+
+// ---- Filter and order
+
+const std::string& Recordset::Filter() const {
+  parts_->opened();
+  return parts_->view.filter().text;
+}
+
+FilterGroup Recordset::CurrentFilterGroup() const {
+  parts_->opened();
+  return parts_->view.filter().group;
+}
+
+void Recordset::Filter(std::string_view criteria) {
+  // The text may be the set's own.
+  const bool isBlank = criteria.find_first_not_of(" \t\r\n") == std::string_view::npos;
+  const std::string text(isBlank ? std::string_view() : criteria);
+  parts_->filter([&] {
+    RowFilter filter;
+    filter.text = text;
+    const RecordsetStore& store = *parts_->store;
+    if (!text.empty()) filter.program = criteria::parse(text, store.schema(), store.locale());
+    return filter;
+  });
+}
+
+void Recordset::Filter(FilterGroup group) {
+  switch (group) {
+    case FilterGroup::kNone:
+    case FilterGroup::kPending:
+    case FilterGroup::kAffected:
+    case FilterGroup::kFetched:
+    case FilterGroup::kConflicting:
+      return parts_->filter([&] {
+        RowFilter filter;
+        filter.group = group;
+        return filter;
+      });
+  }
+  raise(errors::kInvalidArgument, kRecordsetSource, "There is no such filter group");
+}
+
+void Recordset::Filter(const std::vector<Variant>& bookmarks) {
+  parts_->filter([&] {
+    RowFilter filter;
+    filter.byBookmarks = true;
+    std::vector<Row>& rows = filter.bookmarked;
+    for (const Variant& bookmark : bookmarks) rows.push_back(parts_->view.rowOfBookmark(bookmark));
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return filter;
+  });
+}
+
+const std::string& Recordset::Sort() const {
+  parts_->opened();
+  return parts_->view.order().text;
+}
+
+void Recordset::Sort(std::string_view order) {
+  parts_->opened();
+  parts_->leaveRow();
+  const std::string text(order);
+  parts_->moving(EventReason::kMove, [&] {
+    parts_->opened();
+    parts_->leaveRow();
+    parts_->view.order({text, parseOrder(text, parts_->store->schema())});
+    parts_->standOnFirst();
   });
 }
 

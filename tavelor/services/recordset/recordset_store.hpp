@@ -18,7 +18,7 @@
 
 namespace tavelor {
 
-class Recordset;
+class RecordsetListeners;
 
 /// A value written to a column, already of the column's type; Null, or Empty for "not written".
 struct WrittenCell {
@@ -106,9 +106,9 @@ class RecordsetStore {
   /// row and column: other rows that show the same row of that table were read before.
   std::unordered_map<std::string, Variant> lookedUpWrites;
 
-  Statement statement;            ///< that the rows came from
-  bool detached = false;          ///< made without a database: nothing to write to
-  Recordset* firstSet = nullptr;  ///< the sets on this store, linked through them
+  Statement statement;                           ///< that the rows came from
+  bool detached = false;                         ///< made without a database: nothing to write to
+  RecordsetListeners* firstListeners = nullptr;  ///< of the sets on this store, linked
 
  private:
   RecordsetSchema schema_;

@@ -2,17 +2,18 @@
 // Reading a row where it lies.
 #include "tavelor/services/recordset/row_reader.hpp"
 
-#include "tavelor/services/recordset/recordset_internal.hpp"
+#include "tavelor/services/recordset/recordset.hpp"
+#include "tavelor/services/recordset/recordset_parts.hpp"
 
 namespace tavelor {
 
-bool RowReader::take() {
-  const Recordset::Row row = set_.readable();
-  const RecordsetStore& store = *set_.store_;
-  rows_ = &store.rows();
+RowReader::RowReader(const Recordset& set) : set_(set.parts()) {}
+
+bool RowReader::toCurrentRow() {
+  const RecordsetStore::Row row = set_.readableRow();
+  rows_ = &set_.store->rows();
   row_ = rows_->row(row);
-  const bool inEdit = set_.draft_ && set_.draft_->row == row;
-  return !inEdit && (store.flags(row) & RecordsetStore::kEdited) == 0;
+  return !set_.edit.isOf(row) && (set_.store->flags(row) & RecordsetStore::kEdited) == 0;
 }
 
 }  // namespace tavelor

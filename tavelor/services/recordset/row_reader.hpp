@@ -11,17 +11,18 @@
 namespace tavelor {
 
 class Recordset;
+class RecordsetParts;
 
 /// Reads the cells of a record set's current row without a call and a copy each, for whoever writes
 /// out many rows. What it gives is good until the row is written to or the set is closed.
 class RowReader {
  public:
-  explicit RowReader(const Recordset& set) : set_(set) {}
+  explicit RowReader(const Recordset& set);
 
   /// Goes to the current row. False when the row is in edit or has pending changes: its values are
   /// those of the fields then, and the members below must not be used. Raises what reading a field
   /// does.
-  bool take();
+  bool toCurrentRow();
 
   /// Of a visible column, by its position.
   engine::ColumnType type(std::size_t column) const { return rows_->type(column); }
@@ -34,7 +35,7 @@ class RowReader {
   std::string_view text(std::size_t column) const { return row_.text(column); }
 
  private:
-  const Recordset& set_;
+  const RecordsetParts& set_;
   const engine::RowStore* rows_ = nullptr;
   engine::RowStore::Row row_;
 };

@@ -11,7 +11,8 @@
 
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/recordset/field_types.hpp"
-#include "tavelor/services/recordset/recordset_internal.hpp"
+#include "tavelor/services/recordset/recordset.hpp"
+#include "tavelor/services/recordset/recordset_parts.hpp"
 #include "tavelor/services/recordset/xml_format.hpp"
 
 namespace tavelor {
@@ -324,9 +325,8 @@ std::string readFile(const std::string& path) {
 RecordsetPtr Recordset::LoadXml(std::string_view xml, const std::shared_ptr<const Locale>& locale) {
   auto set = std::make_shared<Recordset>();
   const std::string converted = fromUtf16(xml);
-  set->attach(XmlReader(converted.empty() ? xml : converted).read(locale));
-  set->rebuildView();
-  set->standOnFirst();
+  set->parts_->open(XmlReader(converted.empty() ? xml : converted).read(locale));
+  set->parts_->standOnFirst();
   return set;
 }
 

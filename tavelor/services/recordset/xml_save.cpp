@@ -12,7 +12,8 @@
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/recordset/criteria.hpp"
 #include "tavelor/services/recordset/field_types.hpp"
-#include "tavelor/services/recordset/recordset_internal.hpp"
+#include "tavelor/services/recordset/recordset.hpp"
+#include "tavelor/services/recordset/recordset_parts.hpp"
 #include "tavelor/services/recordset/xml_format.hpp"
 
 namespace tavelor {
@@ -25,9 +26,10 @@ class XmlWriter {
   using Sink = std::function<void(std::string_view)>;
   using Row = RecordsetStore::Row;
 
-  XmlWriter(const Recordset& set, Sink sink)
-      : set_(set),
-        store_(*set.store_),
+  /// Of a filter text, those rows only that it shows; null for all.
+  XmlWriter(const RecordsetStore& store, const criteria::Program* filter, Sink sink)
+      : store_(store),
+        filter_(filter),
         names_(xml::attributeNames(store_.schema())),
         sink_(std::move(sink)) {}
 
@@ -45,8 +47,8 @@ class XmlWriter {
   bool isSaved(Row row) const;
   void drain(std::size_t limit);
 
-  const Recordset& set_;
   const RecordsetStore& store_;
+  const criteria::Program* filter_;
   std::vector<std::string> names_;
   Sink sink_;
   std::string out_;
@@ -176,9 +178,9 @@ void XmlWriter::writeField(std::size_t column) {
 bool XmlWriter::isSaved(Row row) const {
   const std::uint8_t flags = store_.flags(row);
   if ((flags & (RecordsetStore::kDead | RecordsetStore::kDraft)) != 0) return false;
-  if (!set_.criteria_) return true;
-  if ((flags & RecordsetStore::kDeleted) != 0) return set_.criteria_->matchesBase(store_, row);
-  return set_.criteria_->matches(store_, row);
+  if (filter_ == nullptr) return true;
+  if ((flags & RecordsetStore::kDeleted) != 0) return filter_->matchesBase(store_, row);
+  return filter_->matches(store_, row);
 }
 
 void XmlWriter::writeRow(Row row) {
@@ -281,21 +283,25 @@ void XmlWriter::drain(std::size_t limit) {
 }
 
 std::string Recordset::SaveXml() {
-  opened();
-  leaveRow();
+  parts_->opened();
+  parts_->leaveRow();
   std::string result;
-  XmlWriter(*this, [&](std::string_view piece) { result += piece; }).write();
-  moving(EventReason::kMoveFirst, [&] { standOnFirst(); });
+  XmlWriter(*parts_->store, parts_->view.filter().program.get(), [&](std::string_view piece) {
+    result += piece;
+  }).write();
+  parts_->moving(EventReason::kMoveFirst, [&] { parts_->standOnFirst(); });
   return result;
 }
 
 void Recordset::Save(const std::string& path) {
-  opened();
-  leaveRow();
+  parts_->opened();
+  parts_->leaveRow();
   ReplacingFile file(path);
-  XmlWriter(*this, [&](std::string_view piece) { file.write(piece); }).write();
+  XmlWriter(*parts_->store, parts_->view.filter().program.get(), [&](std::string_view piece) {
+    file.write(piece);
+  }).write();
   file.finish();
-  moving(EventReason::kMoveFirst, [&] { standOnFirst(); });
+  parts_->moving(EventReason::kMoveFirst, [&] { parts_->standOnFirst(); });
 }
 
 }  // namespace tavelor

@@ -1,65 +1,18 @@
 // SPDX-License-Identifier: MIT
 // Writing pending changes to the database.
-#include <algorithm>
-#include <unordered_map>
+#include "tavelor/services/recordset/batch_writer.hpp"
 
+#include <algorithm>
+
+#include "tavelor/platform/error.hpp"
 #include "tavelor/services/dialect/plan_cache.hpp"
-#include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/recordset/connection_trace.hpp"
-#include "tavelor/services/recordset/recordset_internal.hpp"
+#include "tavelor/services/recordset/recordset_parts.hpp"
 #include "tavelor/services/recordset/xml_format.hpp"
 
 namespace tavelor {
 
 using Operation = RecordsetStore::Operation;
-
-/// Composes and runs the statement of each row, or of each table of it. Nothing of the store
-/// changes before all have run.
-class BatchWriter {
- public:
-  using Row = RecordsetStore::Row;
-
-  BatchWriter(RecordsetStore& store, Connection& connection);
-
-  /// Writes the rows, several of them in one transaction. After an error none is written, and
-  /// failed() is the row at fault, if it was one.
-  void run(const std::vector<Row>& rows);
-  /// Takes what was written into the base rows.
-  void accept();
-
-  const std::vector<Row>& written() const { return written_; }
-  const std::vector<Row>& conflicts() const { return conflicts_; }
-
- private:
-  void writeAll(const std::vector<Row>& rows);
-  bool write(Row row, const RecordsetStore::Edit& edit);
-  bool update(Row row, const RecordsetStore::Edit& edit);
-  bool update(std::string_view table, Row row, const RecordsetStore::Edit& edit);
-  bool insert(const RecordsetStore::Edit& edit);
-  bool remove(Row row);
-  void begin(std::string_view verb, std::string_view table);
-  void appendKey(std::string_view table, Row row);
-  void appendOriginal(Row row, std::size_t column);
-  bool isLookedUp(std::string_view table) const { return table != plan_.updateTable; }
-  std::string placeOf(Row row, std::size_t column) const;
-  void keepLookedUp(Row row, const RecordsetStore::Edit& edit);
-  engine::Value expected(Row row, std::size_t column) const;
-  void appendName(std::string_view name);
-  const dialect::OutputColumn& writable(std::size_t column) const;
-  void requireRowTable() const;
-  std::int64_t execute(engine::RowStore* returned);
-
-  RecordsetStore& store_;
-  Connection& connection_;
-  const dialect::Plan& plan_;
-  std::vector<std::size_t> returnedColumns_;
-  engine::RowStore returned_;  // a row for each inserted one
-  std::vector<Row> written_;
-  std::vector<Row> conflicts_;
-  std::unordered_map<std::string, Variant> lookedUpWrites_;  // as the store's, of this batch
-  std::string sql_;
-  std::vector<engine::Value> values_;
-};
 
 namespace {
 
@@ -379,68 +332,6 @@ void BatchWriter::accept() {
       for (const WrittenCell& cell : edit.cells) store_.setBase(row, cell.column, cell.value);
     }
   }
-}
-
-// ---- The set's side
-
-void Recordset::UpdateBatch(Affect affect) {
-  requireWritable();
-  leaveRow();
-  const std::vector<Row> rows = pendingRows(affect);
-  if (rows.empty()) return;
-  const auto count = static_cast<std::int32_t>(rows.size());
-  const std::shared_ptr<RecordsetStore> store = store_;
-  announced({.told = Told::kRecord, .reason = EventReason::kUpdate, .records = count}, [&] {
-    requireSame(store);
-    write(rows);
-  });
-}
-
-void Recordset::write(const std::vector<Row>& rows) {
-  follow();
-  affected_ = rows;
-  conflicting_.clear();
-  RecordsetStore& store = *store_;
-  if (store.detached && !connection_) {
-    for (const Row row : rows) {
-      const RecordsetStore::Edit* edit = store.edit(row);
-      if (edit == nullptr) continue;
-      for (const WrittenCell& cell : edit->cells) store.setBase(row, cell.column, cell.value);
-    }
-    return acceptWritten(rows);
-  }
-  if (!connection_ || connection_->State() == ObjectState::kClosed) {
-    raise(errors::kInvalidConnection, kRecordsetSource);
-  }
-  BatchWriter writer(store, *connection_);
-  try {
-    writer.run(rows);
-  } catch (...) {
-    conflicting_ = writer.conflicts();
-    throw;
-  }
-  writer.accept();
-  acceptWritten(writer.written());
-  conflicting_ = writer.conflicts();
-  if (!conflicting_.empty()) {
-    raise(errors::kRowNotLocated, kRecordsetSource,
-          "Rows not written: " + std::to_string(conflicting_.size()) + " of " +
-              std::to_string(rows.size()));
-  }
-}
-
-/// The base rows hold the changes now: nothing is pending any more.
-void Recordset::acceptWritten(const std::vector<Row>& rows) {
-  RecordsetStore& store = *store_;
-  for (const Row row : rows) {
-    const RecordsetStore::Edit* edit = store.edit(row);
-    if (edit == nullptr) continue;
-    const bool deleted = edit->operation == Operation::kDelete;
-    if (deleted && visible(row) && indexOf(row) >= 0) --live_;
-    store.dropEdit(row);
-    if (deleted) store.setFlags(row, RecordsetStore::kDead);
-  }
-  changedByMe();
 }
 
 }  // namespace tavelor
