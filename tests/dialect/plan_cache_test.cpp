@@ -268,7 +268,7 @@ TEST_F(PlanCacheTest, AQuoteInAValueIsSeenWhereverItStands) {
 
 TEST_F(PlanCacheTest, ATextKnownWhenRunningOnlyIsRememberedWhenItComesAgain) {
   const std::string known("DELETE FROM Lineas WHERE Codigo = 'a' AND Cantidad > 1.5");
-  const Statement text(known);
+  const Statement text(Statement::trusted(known));
   run(text);
   run(text);
   EXPECT_EQ(cache.counters().shapeHits, 0U);
@@ -340,7 +340,8 @@ TEST_F(PlanCacheTest, ConstantsOfTheTextAreTakenFromTheStatementAtHand) {
 TEST_F(PlanCacheTest, ATextThatMayChangeIsKnownByWhatItSaysNotByItsAddress) {
   std::string condition = "Codigo = '";
   const auto remove = [&](std::string_view text) {
-    return Statement("DELETE FROM Lineas WHERE ") << condition << value(text) << "'";
+    return Statement("DELETE FROM Lineas WHERE ")
+           << Statement::trusted(condition) << value(text) << "'";
   };
   run(remove("a"));
   EXPECT_THAT(journal.runs.back(), HasSubstr("WHERE Codigo = "));
@@ -348,9 +349,9 @@ TEST_F(PlanCacheTest, ATextThatMayChangeIsKnownByWhatItSaysNotByItsAddress) {
   run(remove("b"));
   EXPECT_THAT(journal.runs.back(), HasSubstr("WHERE Nota = "));
   std::string whole = "DELETE FROM Lineas WHERE Codigo = 'c'";
-  for (int count = 0; count < 3; ++count) run(Statement(whole));
+  for (int count = 0; count < 3; ++count) run(Statement::trusted(whole));
   whole[whole.size() - 2] = 'd';
-  run(Statement(whole));
+  run(Statement::trusted(whole));
   EXPECT_THAT(journal.bound, ElementsAre("text d"));
 }
 
