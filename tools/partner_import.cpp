@@ -131,9 +131,9 @@ void PartnerImport::update(const Record& record, std::span<const std::size_t> fi
               << table().fields[field].name << " = ";
     const std::string text = literalOf(record, field);
     if (table().fields[field].kind == FieldKind::kFlag) {
-      statement << value(text);
+      statement << spliced(text);
     } else {
-      statement << "'" << value(text) << "'";
+      statement << "'" << spliced(text) << "'";
     }
   }
   statement << " WHERE Codigo = " << sqlText(record.key);
