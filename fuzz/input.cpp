@@ -15,11 +15,11 @@ Statement statementOf(std::string_view bytes) {
   Statement statement;
   while (!bytes.empty()) {
     const std::size_t begin = bytes.find(kValueBegin);
-    statement << bytes.substr(0, begin);
+    statement << Statement::trusted(bytes.substr(0, begin));
     if (begin == std::string_view::npos) break;
     bytes.remove_prefix(begin + 1);
     const std::size_t end = bytes.find(kValueEnd);
-    statement << value(bytes.substr(0, end));
+    statement << spliced(bytes.substr(0, end));
     if (end == std::string_view::npos) break;
     bytes.remove_prefix(end + 1);
   }
@@ -56,9 +56,9 @@ Statement withOtherValues(const Statement& statement, const Shape& shape) {
     const std::string_view text(kept, piece.size);
     kept += piece.size;
     if (piece.kind == Statement::Piece::Kind::kValue) {
-      other << value(otherValue(shape.slots[slot++], text));
+      other << spliced(otherValue(shape.slots[slot++], text));
     } else {
-      other << text;
+      other << Statement::trusted(text);
     }
   }
   return other;

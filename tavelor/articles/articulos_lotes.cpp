@@ -61,10 +61,11 @@ bool isNoLot(const std::string& lot) {
   return lot.empty() || lot == "0";
 }
 
-Statement withPair(std::string_view before, const std::string& first, std::string_view between,
-                   const std::string& second, std::string_view after) {
+Statement withPair(Statement::Constant before, const std::string& first,
+                   Statement::Constant between, const std::string& second,
+                   Statement::Constant after) {
   Statement statement(before);
-  statement << value(first) << between << value(second) << after;
+  statement << spliced(first) << between << spliced(second) << after;
   return statement;
 }
 
@@ -74,7 +75,7 @@ Statement ofLot(const std::string& article, const std::string& lot) {
 
 Statement addition(double dCant) {
   Statement statement("UPDATE  Articulos_Lotes SET Existencia = Existencia + ");
-  statement << value(stock::bare(dCant));
+  statement << spliced(stock::bare(dCant));
   return statement;
 }
 
@@ -119,13 +120,13 @@ void ClsArticulosLotes::purchase(const Variant& vId, const Variant& vIdLote, dou
 // -1 whatever the database: a new lot of a server is active for GetPredeterminada and for
 // ExisteActivo, one that a sale has made active there (1) only for the former.
 Statement ClsArticulosLotes::insertion(const Variant& vId, const Variant& vIdLote, double dCant,
-                                       std::string_view active, ConnectionPtr& cnnActive) const {
+                                       Statement::Constant active, ConnectionPtr& cnnActive) const {
   const std::string id = joined(NuevoCodigo(cnnActive));
   Statement statement(
       "INSERT INTO Articulos_Lotes ( Id, Codigo, Lote, Existencia, Activo )"
       " SELECT ");
-  statement << value(id) << " AS Expr1, '" << value(joined(vId)) << "' AS Expr2, '"
-            << value(joined(vIdLote)) << "' AS Expr3, " << value(stock::bare(dCant))
+  statement << spliced(id) << " AS Expr1, '" << spliced(joined(vId)) << "' AS Expr2, '"
+            << spliced(joined(vIdLote)) << "' AS Expr3, " << spliced(stock::bare(dCant))
             << " AS Expr4, " << active << " AS Expr5";
   return statement;
 }
@@ -158,8 +159,9 @@ void ClsArticulosLotes::sellKnown(const Variant& vId, const Variant& vIdLote, do
   if (!DescargaStockLote(vId, vIdLote, cnnActive)) return;
   Statement statement = addition(dCant);
   if (becomesActive) {
-    statement << (DataSession().IsDbFile(info().selector) ? " , Articulos_Lotes.Activo = -1"
-                                                          : " , Articulos_Lotes.Activo = 1");
+    statement << (DataSession().IsDbFile(info().selector)
+                      ? Statement::Constant(" , Articulos_Lotes.Activo = -1")
+                      : " , Articulos_Lotes.Activo = 1");
   }
   statement << ofLot(joined(vId), joined(vIdLote));
   write(statement, cnnActive);
@@ -171,7 +173,7 @@ void ClsArticulosLotes::sellKnown(const Variant& vId, const Variant& vIdLote, do
 void ClsArticulosLotes::ActualizarFecha(const Variant& vId, const Variant& vIdLote,
                                         const Variant& dtFecha, ObjCn cnnActive) const {
   Statement statement("UPDATE  Articulos_Lotes SET   Caduca = '");
-  statement << value(joined(dtFecha)) << "'" << ofLot(joined(vId), joined(vIdLote));
+  statement << spliced(joined(dtFecha)) << "'" << ofLot(joined(vId), joined(vIdLote));
   write(statement, *cnnActive);
 }
 

@@ -26,7 +26,8 @@ constexpr std::string_view kBothLists = "PRC + TDS";
 
 /// How screens name the tariffs that are rows.
 struct RowTariff {
-  std::string_view key, letter;
+  std::string_view key;
+  Statement::Constant letter;
 };
 constexpr std::array<RowTariff, 18> kRowTariffs = {{{"tf3", "D"},
                                                     {"tf4", "E"},
@@ -48,7 +49,7 @@ constexpr std::array<RowTariff, 18> kRowTariffs = {{{"tf3", "D"},
                                                     {"tf20", "T"}}};
 
 /// The column of a tariff by its letter; "" for the others.
-std::string_view columnOfTariff(std::string_view sTarifa) {
+Statement::Constant columnOfTariff(std::string_view sTarifa) {
   if (sTarifa == "A") return "TARIFA_a";
   if (sTarifa == "B") return "TARIFA_b";
   if (sTarifa == "C") return "TARIFA_c";
@@ -62,26 +63,26 @@ std::string decimals() {
 /// " WHERE(Codigo ='A100')"
 Statement ofArticle(const std::string& code) {
   Statement condition(" WHERE(Codigo ='");
-  condition << value(code) << "')";
+  condition << spliced(code) << "')";
   return condition;
 }
 
 /// The price `price` raised by `percent`, rounded.
-Statement risen(std::string_view price, const std::string& percent) {
+Statement risen(Statement::Constant price, const std::string& percent) {
   Statement formula("ROUND(((");
-  formula << price << " * " << value(percent) << ")/100)+" << price << "," << value(decimals())
+  formula << price << " * " << spliced(percent) << ")/100)+" << price << "," << spliced(decimals())
           << ")";
   return formula;
 }
 
-Statement riseOfColumn(std::string_view column, std::string_view price,
+Statement riseOfColumn(Statement::Constant column, Statement::Constant price,
                        const std::string& percent) {
   Statement statement("UPDATE  Articulos SET ");
   statement << column << " =  " << risen(price, percent) << " WHERE (";
   return statement;
 }
 
-Statement riseOfRows(std::string_view letter, const std::string& percent) {
+Statement riseOfRows(Statement::Constant letter, const std::string& percent) {
   Statement statement(
       "UPDATE  Articulos INNER JOIN Articulos_Tarifas"
       " ON Articulos.Codigo = Articulos_Tarifas.Codigo SET Articulos_Tarifas.Precio = ");
@@ -107,12 +108,12 @@ Statement riseOf(const std::string& key, const std::string& percent) {
 Statement articlesThatRise(std::string_view sFamilia, std::string_view sLista) {
   Statement filter;
   if (sFamilia != kEveryFamily) {
-    filter << " Familia Like '" << value(sFamilia) << "' and Lista Like '" << value(sLista)
+    filter << " Familia Like '" << spliced(sFamilia) << "' and Lista Like '" << spliced(sLista)
            << "');";
   } else if (sLista == kBothLists) {
     filter << " (Lista) Like 'TDS' OR (Lista) Like 'PRC');";
   } else {
-    filter << " (Lista) Like '" << value(sLista) << "');";
+    filter << " (Lista) Like '" << spliced(sLista) << "');";
   }
   return filter;
 }
@@ -125,7 +126,7 @@ Statement articlesThatRise(std::string_view sFamilia, std::string_view sLista) {
 double clsArticulos::GetPrecioTarifa(const Variant& vId, std::string_view sTarifa,
                                      ObjCn objCn) const {
   Statement statement("SELECT Precio FROM Articulos_Tarifas WHERE Codigo = '");
-  statement << value(joined(vId)) << "' and Tarifa = '" << value(sTarifa) << "'";
+  statement << spliced(joined(vId)) << "' and Tarifa = '" << spliced(sTarifa) << "'";
   const RecordsetPtr rows = read(statement, *objCn);
   if (rows->RecordCount() == 0) return 0;
   return rows->Field("Precio").Value().toDouble(Apartment::current().locale());
@@ -136,8 +137,8 @@ void clsArticulos::ActualizaPrecioTarifa(const Variant& vId, std::string_view sT
   // Not used. It is what fills an empty connection and what fails first, so it is still asked.
   ClsArticulosAlmacenes().GetStockActual(vId, *cnnActive);
   Statement statement("UPDATE Articulos_Tarifas SET Articulos_Tarifas.Precio  = ");
-  statement << value(stock::bare(dPrecio)) << " WHERE (Codigo ='" << value(joined(vId))
-            << "' AND Articulos_Tarifas.Tarifa ='" << value(sTarifa) << "' );";
+  statement << spliced(stock::bare(dPrecio)) << " WHERE (Codigo ='" << spliced(joined(vId))
+            << "' AND Articulos_Tarifas.Tarifa ='" << spliced(sTarifa) << "' );";
   write(statement, *cnnActive);
 }
 
@@ -145,8 +146,8 @@ void clsArticulos::ActualizaPrecioTarifa(const Variant& vId, std::string_view sT
 void clsArticulos::InsertarPrecioTarifa(const Variant& vId, std::string_view sTarifa,
                                         double /*dPrecio*/, ObjCn cnnActive) const {
   Statement statement("INSERT INTO Articulos_Tarifas ( Codigo, Nombre, Tarifa, Precio ) values ( ");
-  statement << "'" << value(joined(vId)) << "','Tarifa " << value(sTarifa) << "','"
-            << value(sTarifa) << "', '0' )";
+  statement << "'" << spliced(joined(vId)) << "','Tarifa " << spliced(sTarifa) << "','"
+            << spliced(sTarifa) << "', '0' )";
   write(statement, *cnnActive);
 }
 
@@ -157,7 +158,7 @@ void clsArticulos::ActualizarTarifa(const Variant& vId, double dPrecio, std::str
   if (sTarifa == "A") statement << " Tarifa_A = '";
   if (sTarifa == "B") statement << " Tarifa_B = '";
   if (sTarifa == "C") statement << " Tarifa_C = '";
-  statement << value(stock::plain(dPrecio)) << "'" << ofArticle(joined(vId));
+  statement << spliced(stock::plain(dPrecio)) << "'" << ofArticle(joined(vId));
   write(statement, *cnnActive);
 }
 
@@ -166,14 +167,14 @@ void clsArticulos::ActualizarPrecio(const Variant& vId, double dPrecio, double d
   if (isFreeText(vId)) return;
   if (dDto != 0) dPrecio -= dPrecio * dDto / 100;
   Statement statement("UPDATE  Articulos SET Precio_Coste = '");
-  statement << value(stock::plain(dPrecio)) << "'" << ofArticle(joined(vId));
+  statement << spliced(stock::plain(dPrecio)) << "'" << ofArticle(joined(vId));
   write(statement, *cnnActive);
 }
 
 void clsArticulos::ActualizarDto_D(const Variant& vId, double dDto_D, ObjCn cnnActive) const {
   if (isFreeText(vId)) return;
   Statement statement("UPDATE  Articulos SET  Descuento_D = '");
-  statement << value(stock::plain(dDto_D)) << "'" << ofArticle(joined(vId));
+  statement << spliced(stock::plain(dDto_D)) << "'" << ofArticle(joined(vId));
   write(statement, *cnnActive);
 }
 
@@ -236,10 +237,10 @@ void clsArticulos::DeleteAllTarifas(const Variant& vId, ObjCn cnnActive) const {
 void clsArticulos::CopiatTarifaPrecios(std::string_view sTarifa, std::string_view SNewTarifa,
                                        ObjCn cnnActive) const {
   Statement statement("UPDATE Articulos SET");
-  if (const std::string_view to = columnOfTariff(SNewTarifa); !to.empty()) {
+  if (const Statement::Constant to = columnOfTariff(SNewTarifa); !to.empty()) {
     statement << " Articulos." << to << " = ";
   }
-  if (const std::string_view from = columnOfTariff(sTarifa); !from.empty()) {
+  if (const Statement::Constant from = columnOfTariff(sTarifa); !from.empty()) {
     statement << "Articulos." << from << "; ";
   }
   write(statement, *cnnActive);
@@ -247,18 +248,19 @@ void clsArticulos::CopiatTarifaPrecios(std::string_view sTarifa, std::string_vie
 
 void clsArticulos::CrearTarifaPrecios(std::string_view sTarifa, std::string_view SNewTarifa,
                                       std::string_view sNombre, ObjCn cnnActive) const {
-  const std::string_view column = columnOfTariff(sTarifa);
+  const Statement::Constant column = columnOfTariff(sTarifa);
   const bool ofColumn = !column.empty();
   Statement statement("INSERT INTO Articulos_Tarifas ( Codigo, Nombre, Tarifa, Precio ) SELECT ");
-  statement << (ofColumn ? "Articulos.Codigo, '" : "Articulos_Tarifas.Codigo, '") << value(sNombre)
-            << "' AS Expr1, '" << value(SNewTarifa) << (sTarifa == "C" ? "'AS" : "' AS")
-            << " Expr2, ";
+  statement << (ofColumn ? Statement::Constant("Articulos.Codigo, '")
+                         : "Articulos_Tarifas.Codigo, '")
+            << spliced(sNombre) << "' AS Expr1, '" << spliced(SNewTarifa)
+            << (sTarifa == "C" ? Statement::Constant("'AS") : "' AS") << " Expr2, ";
   if (ofColumn) {
     statement << "Articulos." << column << " FROM Articulos;";
   } else {
     statement << "Articulos_Tarifas.Precio From Articulos_Tarifas"
                  " WHERE (((Articulos_Tarifas.Tarifa)='"
-              << value(sTarifa) << "'));";
+              << spliced(sTarifa) << "'));";
   }
   write(statement, *cnnActive);
 }

@@ -35,7 +35,7 @@ void takeActiveRowIfThere(const RecordsetPtr& rows, const ActiveRow& to) {
   if (!rows) return;
   eachOf(to, [&](std::string_view field, auto& variable) {
     try {
-      take(*rows, field, variable);
+      takeColumn(*rows, field, variable);
     } catch (const Error&) {
       // Forms ask while they have no row yet, and lists need not show all.
     }

@@ -128,7 +128,7 @@ Receipt Receiving::take(const Delivery& delivery, bool keeps) {
       return receipt;
     }
     posting.number = freeNumber();
-    posting.movement = number(movements_.NuevoCodigo("A", main_));
+    posting.movement = asNumber(movements_.NuevoCodigo("A", main_));
   }
   // Lines behind one with a fault are posted too, as what they may depend on; all of it is undone.
   for (const DeliveryLine& line : delivery.lines) refuse(line.origin, take(line, posting));
@@ -152,8 +152,8 @@ std::string Receiving::checkHead(const Delivery& delivery) {
   if (delivery.day > Apartment::current().clock().today()) {
     return fmt::format("Fecha lies in the future: {}", isoDay(delivery.day));
   }
-  Statement statement("SELECT Activo FROM Proveedores WHERE Codigo = '");
-  statement << value(doubledQuotes(delivery.supplier)) << "'";
+  Statement statement("SELECT Activo FROM Proveedores WHERE Codigo = ");
+  statement << sqlText(delivery.supplier);
   const Rows row(selector::kMain, statement, main_);
   if (!row.hasRow()) {
     return fmt::format("Proveedor is no supplier of the shop: {}", shown(delivery.supplier));
@@ -166,10 +166,9 @@ std::string Receiving::checkHead(const Delivery& delivery) {
 
 std::optional<Receiving::Known> Receiving::known(const Delivery& delivery) {
   Statement statement(
-      "SELECT Documento_E, Fecha, Haber FROM Proveedores_Apuntes_Contables WHERE Codigo = '");
-  statement << value(doubledQuotes(delivery.supplier)) << "' AND Concepto = '"
-            << value(doubledQuotes(entryText(delivery)))
-            << "' AND Estado = " << value(std::to_string(kDeliveryKind));
+      "SELECT Documento_E, Fecha, Haber FROM Proveedores_Apuntes_Contables WHERE Codigo = ");
+  statement << sqlText(delivery.supplier) << " AND Concepto = " << sqlText(entryText(delivery))
+            << " AND Estado = " << spliced(std::to_string(kDeliveryKind));
   const Rows row(selector::kMain, statement, main_);
   if (!row.hasRow()) return std::nullopt;
   return Known{row.number("Documento_E"), row.day("Fecha"), row.number("Haber")};
@@ -185,8 +184,8 @@ std::string Receiving::difference(const Delivery& delivery, const Known& known,
   Statement statement(
       "SELECT Codigo, Almacen, Lote, Cantidad, Precio FROM Articulos_Movimientos_Almacen WHERE "
       "Estado = ");
-  statement << value(std::to_string(kDeliveryKind))
-            << " AND Doc_E = " << value(numberText(known.number)) << " ORDER BY Id";
+  statement << spliced(std::to_string(kDeliveryKind))
+            << " AND Doc_E = " << spliced(numberText(known.number)) << " ORDER BY Id";
   Rows rows(selector::kMain, statement, main_);
   hasMovements = rows.hasRow();
   if (!hasMovements) return {};
@@ -208,9 +207,8 @@ std::string Receiving::difference(const Delivery& delivery, const Known& known,
 /// Than the one that is stored of its lot. A line that gives none takes the lot as it is.
 bool Receiving::hasOtherExpiry(const DeliveryLine& line) {
   if (!line.expires || !hasLot(line)) return false;
-  Statement statement("SELECT Caduca FROM Articulos_Lotes WHERE Codigo = '");
-  statement << value(doubledQuotes(line.code)) << "' AND Lote = '" << value(doubledQuotes(line.lot))
-            << "'";
+  Statement statement("SELECT Caduca FROM Articulos_Lotes WHERE Codigo = ");
+  statement << sqlText(line.code) << " AND Lote = " << sqlText(line.lot);
   const Rows row(selector::kMain, statement, main_);
   return row.hasRow() && (row.isNull("Caduca") || row.day("Caduca") != *line.expires);
 }
@@ -218,10 +216,11 @@ bool Receiving::hasOtherExpiry(const DeliveryLine& line) {
 /// The key that the ledger's entry will get, unless movements of that number are left of an entry
 /// that was deleted.
 double Receiving::freeNumber() {
-  double free = number(ledger_.NuevoCodigo(main_));
+  double free = asNumber(ledger_.NuevoCodigo(main_));
   const auto isTaken = [&] {
     Statement statement("SELECT Id FROM Articulos_Movimientos_Almacen WHERE Estado = ");
-    statement << value(std::to_string(kDeliveryKind)) << " AND Doc_E = " << value(numberText(free));
+    statement << spliced(std::to_string(kDeliveryKind))
+              << " AND Doc_E = " << spliced(numberText(free));
     return Rows(selector::kMain, statement, main_).hasRow();
   };
   while (isTaken()) ++free;
@@ -280,7 +279,7 @@ Receiving::Article Receiving::articleOf(const DeliveryLine& line) {
   Statement statement(
       "SELECT Existencia, Pendiente, Precio_Medio, Medida_Compra, Actualizar_Stock, Lotes, "
       "Articulo_Compuesto, Activo FROM Articulos WHERE Codigo = '");
-  statement << value(article.code) << "'";
+  statement << spliced(article.code) << "'";
   const Rows row(selector::kMain, statement, main_);
   article.isThere = row.hasRow();
   if (!article.isThere) return article;
@@ -322,8 +321,8 @@ std::string Receiving::checkArticle(const DeliveryLine& line, const Article& art
 std::string Receiving::checkWarehouse(const DeliveryLine& line) {
   const std::string code = warehouseOf(line);
   if (knownWarehouses_.contains(code)) return {};
-  Statement statement("SELECT Codigo FROM Almacenes WHERE Codigo = '");
-  statement << value(doubledQuotes(code)) << "'";
+  Statement statement("SELECT Codigo FROM Almacenes WHERE Codigo = ");
+  statement << sqlText(code);
   if (!Rows(selector::kMain, statement, main_).hasRow()) {
     return fmt::format("Almacen is no warehouse of the shop: {}", shown(code));
   }
@@ -348,8 +347,8 @@ std::string Receiving::checkLot(const DeliveryLine& line, const Posting& posting
   }
   article.isNewLot = true;
   std::string other;
-  Statement statement("SELECT Codigo, Caduca FROM Articulos_Lotes WHERE Lote = '");
-  statement << value(doubledQuotes(line.lot)) << "'";
+  Statement statement("SELECT Codigo, Caduca FROM Articulos_Lotes WHERE Lote = ");
+  statement << sqlText(line.lot);
   for (Rows rows(selector::kMain, statement, main_); rows.hasRow(); rows.next()) {
     if (rows.text("Codigo") != line.code) {
       other = rows.text("Codigo");
@@ -400,7 +399,7 @@ void Receiving::moveStock(const DeliveryLine& line, const Article& article) {
   if (!article.isNewLot) return;
   // A new lot is one that sales pass over; no member says otherwise.
   Statement statement("UPDATE Articulos_Lotes SET Stock = True WHERE Codigo = '");
-  statement << value(code) << "' AND Lote = '" << value(lot) << "'";
+  statement << spliced(code) << "' AND Lote = '" << spliced(lot) << "'";
   DataSession().Execute(selector::kMain, statement, main_);
 }
 
@@ -412,7 +411,7 @@ std::vector<Receiving::Order> Receiving::ordersOf(const Article& article,
   std::vector<Order> orders;
   if (arrived <= 0) return orders;
   Statement statement("SELECT Almacen, Pendiente FROM Articulos_Almacenes WHERE Codigo = '");
-  statement << value(article.code) << "' AND Pendiente > 0 ORDER BY Almacen";
+  statement << spliced(article.code) << "' AND Pendiente > 0 ORDER BY Almacen";
   for (Rows rows(selector::kMain, statement, main_); rows.hasRow(); rows.next()) {
     orders.push_back({rows.text("Almacen"), rows.number("Pendiente")});
   }

@@ -11,7 +11,7 @@ namespace {
 using testing::ElementsAre;
 
 Shape shape(std::string_view text) {
-  return shapeOf(Statement(text));
+  return shapeOf(Statement::trusted(text));
 }
 
 TEST(Shape, LeavesAMarkOfItsKindForEachLiteral) {
@@ -58,15 +58,16 @@ TEST(Shape, AMinusThatNoOperandPrecedesBelongsToItsNumber) {
 
 TEST(Shape, OfSplicedTextIsThatOfTheWholeText) {
   Statement spliced("UPDATE Bancos SET Orden = Orden + ");
-  spliced << value("-3") << " WHERE Codigo = '" << value("a") << "'";
+  spliced << spliced("-3") << " WHERE Codigo = '" << spliced("a") << "'";
   EXPECT_EQ(shapeOf(spliced).key, shape(spliced.text()).key);
   EXPECT_EQ(shapeOf(spliced).literals, shape(spliced.text()).literals);
 }
 
 TEST(ShapeSlots, TellWhereEachValueStands) {
   Statement spliced("SELECT Banco FROM Bancos WHERE Codigo = 'a''");
-  spliced << value("1") << "''-" << value("2") << " ' AND Orden = " << value("7")
-          << " AND Alta = " << value("#1/2/2026#") << " AND Alta > #" << value("1/2/2026") << "#";
+  spliced << spliced("1") << "''-" << spliced("2") << " ' AND Orden = " << spliced("7")
+          << " AND Alta = " << spliced("#1/2/2026#") << " AND Alta > #" << spliced("1/2/2026")
+          << "#";
   const Shape found = shapeOf(spliced);
   ASSERT_TRUE(found.spliceable);
   ASSERT_EQ(found.slots.size(), 5U);
@@ -86,10 +87,10 @@ TEST(ShapeSlots, TellWhereEachValueStands) {
 
 TEST(ShapeSlots, AreNotEnoughWhereAValueIsAPartOfTheShape) {
   Statement word("UPDATE Bancos SET Activo = ");
-  word << value("True");
+  word << spliced("True");
   EXPECT_FALSE(shapeOf(word).spliceable);
   Statement top("SELECT TOP ");
-  top << value("5") << " Banco FROM Bancos";
+  top << spliced("5") << " Banco FROM Bancos";
   EXPECT_FALSE(shapeOf(top).spliceable);
   EXPECT_TRUE(shape("SELECT Banco FROM Bancos").spliceable);
 }
