@@ -28,7 +28,7 @@ void eachOf(const ActiveRow& to, const Read& read) {
 }  // namespace
 
 void takeActiveRow(Recordset& rows, const ActiveRow& to) {
-  eachOf(to, [&](std::string_view field, auto& variable) { take(rows, field, variable); });
+  eachOf(to, [&](std::string_view field, auto& variable) { takeColumn(rows, field, variable); });
 }
 
 void takeActiveRowIfThere(const RecordsetPtr& rows, const ActiveRow& to) {

@@ -131,10 +131,10 @@ TEST_F(ClsProveedoresApuntesContaTest, ADebitComesWithItsSignBehindThePlus) {
   EXPECT_THAT(balances(), ElementsAre(-121.5, -21.5));
 }
 
-TEST_F(ClsProveedoresApuntesContaTest, AmountsAreStoredToTheLastOfFourDecimals) {
+TEST_F(ClsProveedoresApuntesContaTest, AmountsAreStoredWithTheDecimalsOfTheStatement) {
   insert(day(5), 0, 0.1234567);
   insert(day(6), 0, 0.00005);
-  EXPECT_EQ(shop.text("SELECT Haber FROM " + table() + " WHERE Id = 1"), "0,1235");
+  EXPECT_EQ(shop.text("SELECT Haber FROM " + table() + " WHERE Id = 1"), "0,123457");
   EXPECT_THAT(balances(), ElementsAre(0.12, 0.12));
 }
 
@@ -236,11 +236,12 @@ TEST_F(ClsProveedoresApuntesContaTest, NullAmountsOfADeletedEntryCountAsZero) {
   EXPECT_THAT(balances(), ElementsAre(5));
 }
 
-// The balance behind it is so wide that it cannot be taken up.
+// The balance behind it is so wide that it cannot be taken up: no number holds both.
 TEST_F(ClsProveedoresApuntesContaTest, AFailureBehindADeletionLeavesTheEntryDeleted) {
   insert(day(5), 0, 100, 1);
   insert(day(6), 0, 1);
-  shop.run("UPDATE " + table() + " SET Saldo = 922337203685477 WHERE Id = 2");
+  shop.run("UPDATE " + table() + " SET Haber = 1E308 WHERE Id = 1");
+  shop.run("UPDATE " + table() + " SET Saldo = 1E308 WHERE Id = 2");
   ConnectionPtr connection = DataSession().OpenConnection(1);
   connection->BeginTrans();
   EXPECT_NE(errorOf([&] { ledger.Eliminar(1, 1, connection); }), 0);
