@@ -18,9 +18,7 @@ int main() {
 
     banks.IniciaRs("seleccioncombo");
     const auto rows = banks.DataMember("Primary");
-    for (; !rows->Eof(); rows->MoveNext()) {
-      std::cout << rows->Field("Descripción").Value().toText(apartment.locale()) << '\n';
-    }
+    for (const tavelor::Row row : rows) std::cout << row.text("Descripción") << '\n';
     // [first-steps]
     std::cout << "The first one is " << code << '\n';
     return 0;

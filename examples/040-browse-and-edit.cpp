@@ -77,6 +77,9 @@ int main() {
     } catch (const tavelor::Error& error) {
       // The row is still pending here, and the other's number is still in the database.
       std::cout << "Error " << error.number() << '\n';
+      rows->Resync(tavelor::Affect::kCurrent, tavelor::ResyncValues::kUnderlying);
+      std::cout << "The other wrote "
+                << rows->Field("Teléfono").UnderlyingValue().toText(apartment.locale()) << '\n';
       rows->CancelBatch();
       banks.Requery();
     }

@@ -19,7 +19,7 @@ constexpr double kCame = 77;
 constexpr float kCameDto = 7.5F;
 
 /// A row of the article A1 and the customer C1, whose columns a test changes.
-struct Row {
+struct SpecialPrice {
   int id = 1;
   std::string cliente = "C1", codigo = "A1", familia = "0", precio = "12", dto = "False",
               porcentaje = "0", lista = "PRC", fecha = "Null";
@@ -32,7 +32,7 @@ class ClsArticulosPreciosVentasTest : public test::CatalogueTest<ClsArticulosPre
     shop.apartment().clock().fix(Date::of({2026, 3, 5, 17, 30, 0}));
   }
 
-  void add(const Row& row) {
+  void add(const SpecialPrice& row) {
     shop.run(
         "INSERT INTO Articulos_Precios_Ventas (Id, Cliente, Codigo, Descripcion, Familia, Precio, "
         "Dto, Porcentaje, Lista, Fecha) VALUES (" +

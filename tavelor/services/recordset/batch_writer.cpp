@@ -8,17 +8,13 @@
 #include "tavelor/services/dialect/plan_cache.hpp"
 #include "tavelor/services/recordset/connection_trace.hpp"
 #include "tavelor/services/recordset/recordset_parts.hpp"
-#include "tavelor/services/recordset/xml_format.hpp"
+#include "tavelor/services/recordset/table_rows.hpp"
 
 namespace tavelor {
 
 using Operation = RecordsetStore::Operation;
 
 namespace {
-
-bool isOf(const dialect::OutputColumn& column, std::string_view table) {
-  return column.updatable && column.baseTable == table;
-}
 
 /// Columns that an INSERT gives back: all that the table has.
 std::vector<std::size_t> columnsOfTable(const dialect::Plan& plan) {
@@ -143,12 +139,12 @@ bool BatchWriter::update(std::string_view table, Row row, const RecordsetStore::
   for (const WrittenCell& cell : edit.cells) {
     if (plan_.columns[cell.column].baseTable != table) continue;
     sql_ += separator;
-    appendName(plan_.columns[cell.column].baseColumn);
+    appendName(sql_, plan_.columns[cell.column].baseColumn);
     sql_ += "=?";
     values_.push_back(forEngine(cell.value));
     separator = ",";
   }
-  appendKey(table, row);
+  appendKey(sql_, values_, store_, table, row);
   for (const WrittenCell& cell : edit.cells) {
     const dialect::OutputColumn& column = plan_.columns[cell.column];
     if (column.baseTable == table && !column.key) appendOriginal(row, cell.column);
@@ -172,7 +168,7 @@ bool BatchWriter::insert(const RecordsetStore::Edit& edit) {
                 ", and a new row is added to " + plan_.updateTable + " only");
     }
     sql_ += separator;
-    appendName(column.baseColumn);
+    appendName(sql_, column.baseColumn);
     values_.push_back(forEngine(cell.value));
     separator = ",";
   }
@@ -181,7 +177,7 @@ bool BatchWriter::insert(const RecordsetStore::Edit& edit) {
   separator = ") RETURNING ";
   for (const std::size_t column : returnedColumns_) {
     sql_ += separator;
-    appendName(plan_.columns[column].baseColumn);
+    appendName(sql_, plan_.columns[column].baseColumn);
     separator = ",";
   }
   const std::size_t before = returned_.rows();
@@ -192,66 +188,42 @@ bool BatchWriter::insert(const RecordsetStore::Edit& edit) {
 bool BatchWriter::remove(Row row) {
   requireRowTable();
   begin("DELETE FROM ", plan_.updateTable);
-  appendKey(plan_.updateTable, row);
+  appendKey(sql_, values_, store_, plan_.updateTable, row);
   return execute(nullptr) > 0;
 }
 
 void BatchWriter::begin(std::string_view verb, std::string_view table) {
   sql_ = verb;
   values_.clear();
-  appendName(table);
-}
-
-void BatchWriter::appendKey(std::string_view table, Row row) {
-  const char* separator = " WHERE ";
-  for (std::size_t i = 0; i < plan_.columns.size(); ++i) {
-    if (!plan_.columns[i].key || !isOf(plan_.columns[i], table)) continue;
-    sql_ += separator;
-    appendName(plan_.columns[i].baseColumn);
-    sql_ += "=?";
-    values_.push_back(store_.baseForEngine(row, i));
-    separator = " AND ";
-  }
-}
-
-/// Names a column of the row of its table that is shown in `row`.
-std::string BatchWriter::placeOf(Row row, std::size_t column) const {
-  const dialect::OutputColumn& named = plan_.columns[column];
-  std::string place = named.baseTable + '\0' + named.baseColumn;
-  for (std::size_t i = 0; i < plan_.columns.size(); ++i) {
-    if (!plan_.columns[i].key || !isOf(plan_.columns[i], named.baseTable)) continue;
-    const Variant key = store_.baseValue(row, i);
-    place += '\0';
-    if (!key.isNull()) place += xml::textOf(key);
-  }
-  return place;
+  appendName(sql_, table);
 }
 
 void BatchWriter::keepLookedUp(Row row, const RecordsetStore::Edit& edit) {
   for (const WrittenCell& cell : edit.cells) {
     if (!isLookedUp(plan_.columns[cell.column].baseTable)) continue;
-    lookedUpWrites_.insert_or_assign(placeOf(row, cell.column), cell.value);
+    lookedUpWrites_.insert_or_assign(placeOf(store_, row, cell.column), cell.value);
   }
 }
 
-/// What the column held when it was read, or what this set has written to it since.
+/// What the column held when it was last read, or what this set has written to it since.
 engine::Value BatchWriter::expected(Row row, std::size_t column) const {
   const bool mayBeOurs = isLookedUp(plan_.columns[column].baseTable) &&
                          !(lookedUpWrites_.empty() && store_.lookedUpWrites.empty());
   if (mayBeOurs) {
-    const std::string place = placeOf(row, column);
+    const std::string place = placeOf(store_, row, column);
     const auto ours = lookedUpWrites_.find(place);
     if (ours != lookedUpWrites_.end()) return forEngine(ours->second);
     const auto earlier = store_.lookedUpWrites.find(place);
     if (earlier != store_.lookedUpWrites.end()) return forEngine(earlier->second);
   }
+  if (const Variant* newer = store_.newerUnderlying(row, column)) return forEngine(*newer);
   return store_.baseForEngine(row, column);
 }
 
 /// The row is found only if the column still holds what is expected.
 void BatchWriter::appendOriginal(Row row, std::size_t column) {
   sql_ += " AND ";
-  appendName(plan_.columns[column].baseColumn);
+  appendName(sql_, plan_.columns[column].baseColumn);
   const engine::Value original = expected(row, column);
   switch (original.kind) {
     case engine::Value::Kind::kNull:
@@ -274,15 +246,6 @@ void BatchWriter::appendOriginal(Row row, std::size_t column) {
       sql_ += "=?";
       values_.push_back(original);
   }
-}
-
-void BatchWriter::appendName(std::string_view name) {
-  sql_ += '"';
-  for (const char c : name) {
-    if (c == '"') sql_ += '"';
-    sql_ += c;
-  }
-  sql_ += '"';
 }
 
 const dialect::OutputColumn& BatchWriter::writable(std::size_t column) const {
@@ -329,7 +292,10 @@ void BatchWriter::accept() {
       }
       ++inserted;
     } else {
-      for (const WrittenCell& cell : edit.cells) store_.setBase(row, cell.column, cell.value);
+      for (const WrittenCell& cell : edit.cells) {
+        store_.setBase(row, cell.column, cell.value);
+        store_.dropUnderlying(row, cell.column);
+      }
     }
   }
 }

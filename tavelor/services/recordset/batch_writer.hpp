@@ -41,13 +41,10 @@ class BatchWriter {
   bool insert(const RecordsetStore::Edit& edit);
   bool remove(Row row);
   void begin(std::string_view verb, std::string_view table);
-  void appendKey(std::string_view table, Row row);
   void appendOriginal(Row row, std::size_t column);
   bool isLookedUp(std::string_view table) const { return table != plan_.updateTable; }
-  std::string placeOf(Row row, std::size_t column) const;
   void keepLookedUp(Row row, const RecordsetStore::Edit& edit);
   engine::Value expected(Row row, std::size_t column) const;
-  void appendName(std::string_view name);
   const dialect::OutputColumn& writable(std::size_t column) const;
   void requireRowTable() const;
   std::int64_t execute(engine::RowStore* returned);

@@ -127,6 +127,7 @@ class Connection final : public Object, public std::enable_shared_from_this<Conn
  private:
   friend class RecordsetParts;
   friend class BatchWriter;
+  friend class RowRefresher;
 
   SessionLease& lease() const;
   /// The rows of a SELECT, `most` of them at most. Raises 3709 when closed.

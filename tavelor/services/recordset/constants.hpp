@@ -24,6 +24,11 @@ enum class LockType : std::int32_t {
 enum class EditMode : std::int32_t { kNone = 0, kInProgress = 1, kAdd = 2, kDelete = 4 };
 /// Which rows an operation is about.
 enum class Affect : std::int32_t { kCurrent = 1, kGroup = 2, kAll = 3, kAllChapters = 4 };
+/// What Recordset::Resync reads again.
+enum class ResyncValues : std::int32_t {
+  kUnderlying = 1,  ///< what Field::UnderlyingValue tells; changes stay pending
+  kAll = 2          ///< the rows themselves; their pending changes are dropped
+};
 /// Rows that a filter shows by their state.
 enum class FilterGroup : std::int32_t {
   kNone = 0,
@@ -110,6 +115,23 @@ inline constexpr std::int32_t kCurrent = 0;  ///< the current row
 inline constexpr std::int32_t kFirst = 1;    ///< the first row
 inline constexpr std::int32_t kLast = 2;     ///< the last row
 }  // namespace bookmark
+
+/// What Recordset::Supports is asked for.
+namespace cursor_option {
+inline constexpr std::int32_t kHoldRecords = 0x100;      ///< rows stay while others are read
+inline constexpr std::int32_t kMovePrevious = 0x200;     ///< moves backward
+inline constexpr std::int32_t kBookmark = 0x2000;        ///< Bookmark
+inline constexpr std::int32_t kApproxPosition = 0x4000;  ///< AbsolutePosition and AbsolutePage
+inline constexpr std::int32_t kUpdateBatch = 0x10000;    ///< UpdateBatch and CancelBatch
+inline constexpr std::int32_t kResync = 0x20000;         ///< Resync
+inline constexpr std::int32_t kNotify = 0x40000;         ///< events
+inline constexpr std::int32_t kFind = 0x80000;           ///< Find
+inline constexpr std::int32_t kSeek = 0x400000;          ///< never
+inline constexpr std::int32_t kIndex = 0x800000;         ///< never
+inline constexpr std::int32_t kAddNew = 0x1000400;       ///< AddNew
+inline constexpr std::int32_t kDelete = 0x1000800;       ///< Delete
+inline constexpr std::int32_t kUpdate = 0x1008000;       ///< Update
+}  // namespace cursor_option
 
 /// Bits of Recordset::Status().
 namespace record_status {

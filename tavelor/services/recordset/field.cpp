@@ -201,6 +201,11 @@ Variant Field::OriginalValue() const {
   return set_->store->baseValue(set_->cursor.row(), column_);
 }
 
+Variant Field::UnderlyingValue() const {
+  columnOf(set_->opened().schema(), column_);
+  return set_->store->underlyingValue(set_->cursor.row(), column_);
+}
+
 void Field::AppendChunk(const Variant& data) {
   if (!isLong(columnOf(set_->opened().schema(), column_).type)) {
     raise(errors::kNotAllowedInContext, kSource, "Only memo and binary fields take pieces");

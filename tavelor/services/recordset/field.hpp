@@ -59,6 +59,10 @@ class Field final {
   /// a deleted row.
   Variant OriginalValue() const;
 
+  /// The value that the database held when it was last looked at: as it was read, or as the last
+  /// Recordset::Resync found it. Null in a new row. Can be read in a deleted row.
+  Variant UnderlyingValue() const;
+
   /// Writes in pieces: the first call replaces the value, later ones append to it until another
   /// field is touched. Memo and binary fields only, else 3219.
   void AppendChunk(const Variant& data);

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -15,6 +16,7 @@
 #include "tavelor/services/recordset/constants.hpp"
 #include "tavelor/services/recordset/events.hpp"
 #include "tavelor/services/recordset/field.hpp"
+#include "tavelor/services/recordset/row.hpp"
 
 namespace tavelor {
 
@@ -114,12 +116,37 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   void Bookmark(const Variant& value);
   /// By the order of the rows as fetched. Raises 3001 for what is no bookmark.
   CompareResult CompareBookmarks(const Variant& first, const Variant& second) const;
+  /// Rows of a page, 10 at first.
+  std::int32_t PageSize() const;
+  /// Raises 3001 for less than 1.
+  void PageSize(std::int32_t rows);
+  /// Pages of the view; the last one may be short.
+  std::int32_t PageCount() const;
+  /// The page of the current row, from 1, or one of position::.
+  std::int32_t AbsolutePage() const;
+  /// To the first row of a page. Raises 3001 out of range.
+  void AbsolutePage(std::int32_t page);
   /// Goes to the next row that fits `field operator value`, beginning at the current row itself
   /// (or at `start`), `skipRows` away from it. Without one the set stands at EOF, or at BOF when
   /// searching backward. Raises 3021 without a current row, 3001 for a text that is no single
   /// comparison, 3265 for an unknown field.
   void Find(std::string_view criteria, std::int32_t skipRows = 0,
             SearchDirection direction = SearchDirection::kForward, const Variant& start = {});
+
+  // ---- Rows
+
+  /// For `for (const Row row : set)`: the rows that the set shows, in its order. Leaves the cursor
+  /// where it is; RowIterator tells what may be done meanwhile.
+  RowIterator begin() const { return RowIterator(*this); }
+  /// Behind the last row.
+  static std::default_sentinel_t end() { return {}; }
+  /// The current row, to be read by columns and types. Raises 3021 without one.
+  Row CurrentRow() const;
+  /// The values of `rows` rows, -1 for all that are left, from the current one or `start` on, a
+  /// list of rows for each field, and for all fields or those given by name or position. Then the
+  /// row behind them is current, or EOF. At EOF there are no rows, which is no error.
+  std::vector<std::vector<Variant>> GetRows(std::int32_t rows = -1, const Variant& start = {},
+                                            const std::vector<Variant>& fields = {});
 
   // ---- View
 
@@ -182,6 +209,20 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
   void UpdateBatch(Affect affect = Affect::kAll);
   /// Drops pending changes. The cursor may stand nowhere afterwards: move.
   void CancelBatch(Affect affect = Affect::kAll);
+  /// Reads rows again by their keys, each table's for itself: no new rows come, and no other ones
+  /// are looked up. kAll takes what is read as the rows' values and drops pending changes and what
+  /// is in edit; kUnderlying keeps all that, and lets Field::UnderlyingValue tell what others have
+  /// written, which the next UpdateBatch then writes over. Rows added and not written are passed
+  /// over, computed columns and those of tables whose key is not among the columns stay as they
+  /// were.
+  ///
+  /// Errors: -2147217864 when rows are not there any more: the others are read, those show under
+  /// FilterGroup::kConflicting with their changes pending. 3251 for a set whose rows cannot be
+  /// found by a key, or a read-only one, 3709 without a connection, 3219 and 3021 for a group that
+  /// there is not, and what the engine raises: nothing has changed then.
+  void Resync(Affect affect = Affect::kAll, ResyncValues values = ResyncValues::kAll);
+  /// Whether the set can do all of these bits of cursor_option.
+  bool Supports(std::int32_t options) const;
   /// What is being done to the current row.
   tavelor::EditMode EditMode() const;
   /// Bits of record_status for the current row.
@@ -221,5 +262,14 @@ class Recordset final : public Object, public std::enable_shared_from_this<Recor
  private:
   std::unique_ptr<RecordsetParts> parts_;
 };
+
+/// The rows of a set, as those of *rows. There must be a set.
+inline RowIterator begin(const RecordsetPtr& rows) {
+  return rows->begin();
+}
+/// Behind the last row.
+inline std::default_sentinel_t end(const RecordsetPtr& /*rows*/) {
+  return {};
+}
 
 }  // namespace tavelor

@@ -9,7 +9,7 @@
 
 namespace tavelor {
 
-using Row = RecordsetStore::Row;
+using RowNumber = RecordsetStore::Row;
 
 namespace {
 
@@ -29,7 +29,7 @@ std::vector<std::size_t> columnsOf(Recordset& set, const std::vector<Variant>& f
   return columns;
 }
 
-std::int32_t countOf(const std::vector<Row>& rows) {
+std::int32_t countOf(const std::vector<RowNumber>& rows) {
   return static_cast<std::int32_t>(rows.size());
 }
 
@@ -82,7 +82,7 @@ void Recordset::Delete(Affect affect) {
   if (affect != Affect::kCurrent && affect != Affect::kGroup) {
     raise(errors::kInvalidArgument, kRecordsetSource, "Delete takes the current row or a group");
   }
-  std::vector<Row> rows;
+  std::vector<RowNumber> rows;
   if (affect == Affect::kCurrent) {
     rows.push_back(parts_->readableRow());
   } else {
@@ -92,7 +92,7 @@ void Recordset::Delete(Affect affect) {
     }
     parts_->cursor.removeHoles();
     for (std::int64_t i = 0; i < parts_->view.extent(); ++i) {
-      const Row row = parts_->view.rowAt(i);
+      const RowNumber row = parts_->view.rowAt(i);
       if ((parts_->store->flags(row) & RecordsetStore::kDeleted) == 0) rows.push_back(row);
     }
   }
@@ -102,7 +102,7 @@ void Recordset::Delete(Affect affect) {
         if (affect == Affect::kCurrent) parts_->requireStillOn(rows.front());
         parts_->requireSame(store);
         parts_->view.follow();
-        for (const Row row : rows) parts_->edit.remove(row);
+        for (const RowNumber row : rows) parts_->edit.remove(row);
         parts_->view.changed();
         parts_->view.affected(rows);
         if (parts_->writesAtOnce()) parts_->write(rows);
@@ -114,7 +114,7 @@ void Recordset::Delete(Affect affect) {
 void Recordset::UpdateBatch(Affect affect) {
   parts_->requireWritable();
   parts_->leaveRow();
-  const std::vector<Row> rows = parts_->edit.pendingRows(affect);
+  const std::vector<RowNumber> rows = parts_->edit.pendingRows(affect);
   if (rows.empty()) return;
   const std::shared_ptr<RecordsetStore> store = parts_->store;
   parts_->listeners.around(
@@ -127,7 +127,7 @@ void Recordset::UpdateBatch(Affect affect) {
 void Recordset::CancelUpdate() {
   const RecordsetStore& store = parts_->opened();
   if (!parts_->cursor.isOnRow()) return;
-  const Row row = parts_->cursor.row();
+  const RowNumber row = parts_->cursor.row();
   if (!parts_->edit.isActive() && store.edit(row) == nullptr) return;
   parts_->listeners.around({.kind = EventKind::kRecord, .reason = parts_->edit.undoReason(row)},
                            [&] {
@@ -148,7 +148,7 @@ void Recordset::CancelBatch(Affect affect) {
     parts_->opened();
   }
   if (affect == Affect::kCurrent && !parts_->cursor.isOnRow()) return;
-  const std::vector<Row> rows = parts_->edit.pendingRows(affect);
+  const std::vector<RowNumber> rows = parts_->edit.pendingRows(affect);
   if (rows.empty()) return;
   const std::shared_ptr<RecordsetStore> store = parts_->store;
   parts_->listeners.around(
@@ -159,6 +159,42 @@ void Recordset::CancelBatch(Affect affect) {
         parts_->edit.undo(rows);
         parts_->view.affected(rows);
       });
+}
+
+void Recordset::Resync(Affect affect, ResyncValues values) {
+  parts_->requireWritable();
+  if (values != ResyncValues::kUnderlying && values != ResyncValues::kAll) {
+    raise(errors::kInvalidArgument, kRecordsetSource, "There are no such values to read again");
+  }
+  parts_->openConnection();
+  const std::vector<RowNumber> rows = parts_->edit.storedRows(affect);
+  if (rows.empty()) return;
+  const std::shared_ptr<RecordsetStore> store = parts_->store;
+  parts_->listeners.around({.kind = EventKind::kRecordset, .reason = EventReason::kResynch}, [&] {
+    parts_->requireSame(store);
+    parts_->resync(rows, values);
+  });
+}
+
+// ---- What the set can do
+
+bool Recordset::Supports(std::int32_t options) const {
+  const RecordsetStore& store = parts_->opened();
+  constexpr std::int32_t kAlways = cursor_option::kHoldRecords | cursor_option::kMovePrevious |
+                                   cursor_option::kBookmark | cursor_option::kApproxPosition |
+                                   cursor_option::kNotify | cursor_option::kFind;
+  std::int32_t able = kAlways;
+  if (parts_->lockType != tavelor::LockType::kReadOnly) {
+    const bool hasFields = std::any_of(store.columns().begin(), store.columns().end(),
+                                       [](const auto& column) { return column.updatable; });
+    const bool hasRows = store.detached || !store.schema().plan->updateTable.empty();
+    if (hasRows) able |= cursor_option::kAddNew | cursor_option::kDelete;
+    if (store.detached || hasFields) able |= cursor_option::kUpdate;
+    if (parts_->lockType == tavelor::LockType::kBatchOptimistic)
+      able |= cursor_option::kUpdateBatch;
+    if (hasFields && !store.detached) able |= cursor_option::kResync;
+  }
+  return (able & options) == options;
 }
 
 // ---- State of the current row

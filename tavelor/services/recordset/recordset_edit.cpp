@@ -12,7 +12,7 @@
 namespace tavelor {
 
 using Operation = RecordsetStore::Operation;
-using Row = RecordsetStore::Row;
+using RowNumber = RecordsetStore::Row;
 
 // ---- The row in edit
 
@@ -31,7 +31,7 @@ void RecordsetEdit::put(std::size_t column, Variant value) {
 
 void RecordsetEdit::add() {
   view_.follow();
-  const Row row = store().append();
+  const RowNumber row = store().append();
   store().setFlags(row, RecordsetStore::kDraft);
   draft_.emplace(Draft{row, true, {}, cursor_.position()});
   view_.showAddedRow(row);
@@ -138,9 +138,13 @@ void RecordsetEdit::undo(Row row) {
   if (operation == Operation::kDelete) cursor_.rowRevived(row);
 }
 
-void RecordsetEdit::undo(const std::vector<Row>& rows) {
+void RecordsetEdit::undo(const std::vector<RowNumber>& rows) {
   if (rows.size() == 1) return undo(rows.front());
-  for (const Row row : rows) {
+  undoAndRebuild(rows);
+}
+
+void RecordsetEdit::undoAndRebuild(const std::vector<RowNumber>& rows) {
+  for (const RowNumber row : rows) {
     const RecordsetStore::Edit* edit = store().edit(row);
     if (edit == nullptr) continue;
     const bool added = edit->operation == Operation::kInsert;
@@ -152,8 +156,8 @@ void RecordsetEdit::undo(const std::vector<Row>& rows) {
   cursor_.followRow();
 }
 
-void RecordsetEdit::accept(const std::vector<Row>& rows) {
-  for (const Row row : rows) {
+void RecordsetEdit::accept(const std::vector<RowNumber>& rows) {
+  for (const RowNumber row : rows) {
     const RecordsetStore::Edit* edit = store().edit(row);
     if (edit == nullptr) continue;
     if (edit->operation == Operation::kDelete) {
@@ -189,19 +193,25 @@ bool RecordsetEdit::isInScope(Row row, Affect affect) const {
   raise(errors::kInvalidArgument, kRecordsetSource, "There is no such group of rows");
 }
 
-std::vector<Row> RecordsetEdit::pendingRows(Affect affect) const {
+/// Without the rows that it names there is nothing to do but to say so.
+void RecordsetEdit::requireScope(Affect affect) const {
   view_.follow();
-  std::vector<Row> rows;
   if (affect == Affect::kCurrent) {
-    const Row row = cursor_.row();
-    if (store().edit(row) != nullptr) rows.push_back(row);
-    return rows;
-  }
-  if (affect == Affect::kGroup) {
+    cursor_.row();
+  } else if (affect == Affect::kGroup) {
     if (!view_.filter().isGroup()) {
       raise(errors::kNotAllowedInContext, kRecordsetSource, "The filter is no group of rows");
     }
     if (view_.visibleRows() == 0) raise(errors::kNoCurrentRecord, kRecordsetSource);
+  }
+}
+
+std::vector<RowNumber> RecordsetEdit::pendingRows(Affect affect) const {
+  requireScope(affect);
+  std::vector<RowNumber> rows;
+  if (affect == Affect::kCurrent) {
+    if (store().edit(cursor_.row()) != nullptr) rows.push_back(cursor_.row());
+    return rows;
   }
   for (const auto& [row, edit] : store().edits()) {
     if (isInScope(row, affect)) rows.push_back(row);
@@ -210,8 +220,20 @@ std::vector<Row> RecordsetEdit::pendingRows(Affect affect) const {
   return rows;
 }
 
+std::vector<RowNumber> RecordsetEdit::storedRows(Affect affect) const {
+  requireScope(affect);
+  constexpr std::uint8_t kNotStored = RecordsetStore::kDead | RecordsetStore::kDraft;
+  std::vector<RowNumber> rows;
+  for (RowNumber row = 0; row < store().rows().rows(); ++row) {
+    if (!isInScope(row, affect) || (store().flags(row) & kNotStored) != 0) continue;
+    const RecordsetStore::Edit* edit = store().edit(row);
+    if (edit == nullptr || edit->operation != Operation::kInsert) rows.push_back(row);
+  }
+  return rows;
+}
+
 EditMode RecordsetEdit::mode() const {
-  const Row row = cursor_.row();
+  const RowNumber row = cursor_.row();
   if (isOf(row)) return draft_->adding ? EditMode::kAdd : EditMode::kInProgress;
   const std::uint8_t flags = store().flags(row);
   if ((flags & RecordsetStore::kDead) != 0) raise(errors::kDeletedRow, kRecordsetSource);
@@ -223,7 +245,7 @@ EditMode RecordsetEdit::mode() const {
 }
 
 std::int32_t RecordsetEdit::status() const {
-  const Row row = cursor_.row();
+  const RowNumber row = cursor_.row();
   if (isOf(row)) return draft_->adding ? record_status::kNew : record_status::kModified;
   if ((store().flags(row) & RecordsetStore::kDead) != 0) return record_status::kDbDeleted;
   const RecordsetStore::Edit* edit = store().edit(row);

@@ -58,8 +58,9 @@ class RecordsetEdit {
   void remove(Row row);
   /// Drops the pending change of a row.
   void undo(Row row);
-  /// The same for several, with one pass over the view.
   void undo(const std::vector<Row>& rows);
+  /// The same, and builds the view anew: for many rows, or for rows whose base values have changed.
+  void undoAndRebuild(const std::vector<Row>& rows);
   /// The base rows hold the changes of these rows now.
   void accept(const std::vector<Row>& rows);
 
@@ -67,6 +68,8 @@ class RecordsetEdit {
   /// all that a filter text shows. Raises 3219 and 3021 for a group that there is not, 3001 for
   /// another number.
   std::vector<Row> pendingRows(Affect affect) const;
+  /// The same of all rows that the database had when they were read, changed or not.
+  std::vector<Row> storedRows(Affect affect) const;
 
   /// Of the current row.
   EditMode mode() const;
@@ -94,6 +97,7 @@ class RecordsetEdit {
 
   RecordsetStore& store() const { return view_.store(); }
   bool isInScope(Row row, Affect affect) const;
+  void requireScope(Affect affect) const;
   const Variant* heldInDraft(std::size_t column) const;
   void endOtherPieces(std::size_t column);
 

@@ -9,10 +9,9 @@
 
 namespace tavelor {
 
-void RecordsetListeners::join(const std::shared_ptr<RecordsetStore>& store) {
-  store_ = store;
-  nextOnStore_ = store->firstListeners;
-  store->firstListeners = this;
+void RecordsetListeners::join() {
+  nextOnStore_ = store_->firstListeners;
+  store_->firstListeners = this;
 }
 
 void RecordsetListeners::leave() noexcept {
@@ -21,7 +20,6 @@ void RecordsetListeners::leave() noexcept {
   while (*link != this) link = &(*link)->nextOnStore_;
   *link = nextOnStore_;
   nextOnStore_ = nullptr;
-  store_.reset();
 }
 
 void RecordsetListeners::add(RecordsetEvents* listener) {

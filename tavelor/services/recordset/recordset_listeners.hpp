@@ -30,13 +30,15 @@ struct EventNotice {
 /// rows are told to the listeners of clones as well.
 class RecordsetListeners {
  public:
-  explicit RecordsetListeners(Recordset& set) : set_(set) {}
+  /// `store` is that of the set, null while it is closed.
+  RecordsetListeners(Recordset& set, const std::shared_ptr<RecordsetStore>& store)
+      : set_(set), store_(store) {}
   RecordsetListeners(const RecordsetListeners&) = delete;
   RecordsetListeners& operator=(const RecordsetListeners&) = delete;
   ~RecordsetListeners() { leave(); }
 
-  /// Hears of the changes of this store until leave().
-  void join(const std::shared_ptr<RecordsetStore>& store);
+  /// Hears of the changes of the store until leave().
+  void join();
   void leave() noexcept;
 
   void add(RecordsetEvents* listener);
@@ -72,13 +74,15 @@ class RecordsetListeners {
   void tellWill(const EventNotice& notice);
   void tellComplete(const EventNotice& notice, const Error* error);
   void deliver(const EventNotice& notice, bool complete, const Error* error, EventStatus& status);
-  static void callForField(const EventNotice& notice, bool complete, const Error* error,
-                           EventStatus& status, RecordsetEvents& events, Recordset& set);
+  // Kept out of call(): moves are many, and would pay for what this one holds.
+  [[gnu::noinline]] static void callForField(const EventNotice& notice, bool complete,
+                                             const Error* error, EventStatus& status,
+                                             RecordsetEvents& events, Recordset& set);
   static void call(const EventNotice& notice, bool complete, const Error* error,
                    EventStatus& status, RecordsetEvents& events, Recordset& set);
 
   Recordset& set_;
-  std::shared_ptr<RecordsetStore> store_;
+  const std::shared_ptr<RecordsetStore>& store_;
   RecordsetListeners* nextOnStore_ = nullptr;
   std::vector<Listener> listeners_;
   int recordNotices_ = 0;

@@ -10,7 +10,7 @@
 namespace tavelor {
 
 using Place = RecordsetCursor::Place;
-using Row = RecordsetStore::Row;
+using RowNumber = RecordsetStore::Row;
 
 // ---- Where the cursor is
 
@@ -43,8 +43,8 @@ Variant Recordset::Bookmark() const {
 
 CompareResult Recordset::CompareBookmarks(const Variant& first, const Variant& second) const {
   parts_->opened();
-  const Row a = parts_->view.rowOfBookmark(first);
-  const Row b = parts_->view.rowOfBookmark(second);
+  const RowNumber a = parts_->view.rowOfBookmark(first);
+  const RowNumber b = parts_->view.rowOfBookmark(second);
   if (a == b) return CompareResult::kEqual;
   return a < b ? CompareResult::kLessThan : CompareResult::kGreaterThan;
 }
@@ -118,7 +118,7 @@ void Recordset::Bookmark(const Variant& value) {
   parts_->leaveRow();
   const auto find = [&] {
     parts_->opened();
-    const Row row = parts_->view.rowOfBookmark(value);
+    const RowNumber row = parts_->view.rowOfBookmark(value);
     parts_->view.follow();
     const std::int64_t index = parts_->view.indexOf(row);
     if (index < 0 || !parts_->view.isVisible(row)) {
@@ -128,6 +128,58 @@ void Recordset::Bookmark(const Variant& value) {
   };
   find();
   parts_->moving(EventReason::kMove, [&] { parts_->cursor.standAt(find()); });
+}
+
+// ---- Pages
+
+std::int32_t Recordset::PageSize() const {
+  return parts_->pageSize;
+}
+
+void Recordset::PageSize(std::int32_t rows) {
+  if (rows < 1) raise(errors::kInvalidArgument, kRecordsetSource, "A page has a row at least");
+  parts_->pageSize = rows;
+}
+
+std::int32_t Recordset::PageCount() const {
+  const std::int32_t rows = RecordCount();
+  return rows / parts_->pageSize + (rows % parts_->pageSize != 0 ? 1 : 0);
+}
+
+std::int32_t Recordset::AbsolutePage() const {
+  const std::int32_t position = AbsolutePosition();
+  return position < 1 ? position : (position - 1) / parts_->pageSize + 1;
+}
+
+void Recordset::AbsolutePage(std::int32_t page) {
+  if (page < 1 || page > PageCount()) {
+    raise(errors::kInvalidArgument, kRecordsetSource, "There is no such page");
+  }
+  AbsolutePosition((page - 1) * parts_->pageSize + 1);
+}
+
+// ---- Rows
+
+Row Recordset::CurrentRow() const {
+  return {*parts_, parts_->currentRow(), parts_->openings()};
+}
+
+std::vector<std::vector<Variant>> Recordset::GetRows(std::int32_t rows, const Variant& start,
+                                                     const std::vector<Variant>& fields) {
+  parts_->opened();
+  if (rows < -1) raise(errors::kInvalidArgument, kRecordsetSource, "There are no such rows");
+  std::vector<tavelor::Field> columns;
+  for (const Variant& field : fields) columns.push_back(Fields().Item(field));
+  if (fields.empty()) {
+    for (std::int32_t i = 0; i < Fields().Count(); ++i) columns.push_back(Field(i));
+  }
+  std::vector<std::vector<Variant>> values(columns.size());
+  if (!start.isEmpty()) Move(0, start);
+  for (std::int32_t read = 0; read != rows && !Eof(); ++read) {
+    for (std::size_t i = 0; i < columns.size(); ++i) values[i].push_back(columns[i].Value());
+    MoveNext();
+  }
+  return values;
 }
 
 void Recordset::Find(std::string_view criteria, std::int32_t skipRows, SearchDirection direction,
@@ -196,7 +248,7 @@ void Recordset::Filter(const std::vector<Variant>& bookmarks) {
   parts_->filter([&] {
     RowFilter filter;
     filter.byBookmarks = true;
-    std::vector<Row>& rows = filter.bookmarked;
+    std::vector<RowNumber>& rows = filter.bookmarked;
     for (const Variant& bookmark : bookmarks) rows.push_back(parts_->view.rowOfBookmark(bookmark));
     std::sort(rows.begin(), rows.end());
     rows.erase(std::unique(rows.begin(), rows.end()), rows.end());

@@ -2,8 +2,12 @@
 // The work of a record set that takes several of its parts.
 #include "tavelor/services/recordset/recordset_parts.hpp"
 
+#include <algorithm>
+#include <iterator>
+
 #include "tavelor/platform/error.hpp"
 #include "tavelor/services/recordset/batch_writer.hpp"
+#include "tavelor/services/recordset/row_refresher.hpp"
 
 namespace tavelor {
 
@@ -33,7 +37,8 @@ void RecordsetParts::open(const Statement& statement, const ConnectionPtr& over)
 
 void RecordsetParts::open(std::shared_ptr<RecordsetStore> rows) {
   store = std::move(rows);
-  listeners.join(store);
+  ++openings_;
+  listeners.join();
   view.open(*store);
 }
 
@@ -90,7 +95,8 @@ void RecordsetParts::refetch() {
   cursor.reset();
   view.close();
   store = std::move(fresh);
-  listeners.join(store);
+  ++openings_;
+  listeners.join();
   view.open(*store, std::move(filter), std::move(order));
   standOnFirst();
 }
@@ -240,6 +246,42 @@ void RecordsetParts::write(const std::vector<Row>& rows) {
   if (!writer.conflicts().empty()) {
     raise(errors::kRowNotLocated, kRecordsetSource,
           "Rows not written: " + std::to_string(writer.conflicts().size()) + " of " +
+              std::to_string(rows.size()));
+  }
+}
+
+void RecordsetParts::resync(const std::vector<Row>& rows, ResyncValues values) {
+  RowRefresher refresher(*store, openConnection());
+  refresher.read(rows);
+  view.follow();
+  if (values == ResyncValues::kUnderlying) {
+    refresher.acceptAsUnderlying();
+  } else {
+    const std::vector<Row>& found = refresher.found();
+    if (edit.isActive() && !edit.isAdding() &&
+        std::binary_search(found.begin(), found.end(), edit.draft().row)) {
+      edit.drop();
+    }
+    refresher.acceptAsBase();
+    view.conflicting(refresher.missing());
+    edit.undoAndRebuild(found);
+  }
+  const std::vector<Row>& missing = refresher.missing();
+  if (values == ResyncValues::kUnderlying) {
+    std::vector<Row> both;
+    const std::vector<Row>& before = view.conflicting();
+    std::set_union(before.begin(), before.end(), missing.begin(), missing.end(),
+                   std::back_inserter(both));
+    view.conflicting(both);
+  }
+  for (const Row row : missing) {
+    if (RecordsetStore::Edit* change = store->edit(row)) {
+      change->failure = record_status::kConcurrencyViolation;
+    }
+  }
+  if (!missing.empty()) {
+    raise(errors::kRowNotLocated, kRecordsetSource,
+          "Rows not there any more: " + std::to_string(missing.size()) + " of " +
               std::to_string(rows.size()));
   }
 }

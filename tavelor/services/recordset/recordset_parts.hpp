@@ -38,7 +38,7 @@ class RecordsetParts {
  public:
   using Row = RecordsetStore::Row;
 
-  explicit RecordsetParts(Recordset& set) : listeners(set) {}
+  explicit RecordsetParts(Recordset& set) : listeners(set, store) {}
   RecordsetParts(const RecordsetParts&) = delete;
   RecordsetParts& operator=(const RecordsetParts&) = delete;
   ~RecordsetParts();
@@ -47,6 +47,7 @@ class RecordsetParts {
   ConnectionPtr connection;                  ///< null without one
   std::unique_ptr<AppendedFields> appended;  ///< of a closed set; null without any
   LockType lockType = LockType::kBatchOptimistic;
+  std::int32_t pageSize = 10;
   RecordsetView view;
   RecordsetCursor cursor{view};
   RecordsetEdit edit{view, cursor};
@@ -67,6 +68,8 @@ class RecordsetParts {
   /// Shows all rows of a store.
   void open(std::shared_ptr<RecordsetStore> rows);
   void close() noexcept;
+  /// Grows whenever other rows are shown: whoever holds a row by its number asks it.
+  std::uint32_t openings() const { return openings_; }
   /// Null leaves the connection that there is.
   void connect(const ConnectionPtr& to);
   /// The open connection, or 3709.
@@ -124,11 +127,15 @@ class RecordsetParts {
   void post();
   /// Writes pending changes. Errors and what is left as Recordset::UpdateBatch tells.
   void write(const std::vector<Row>& rows);
+  /// Reads rows again. Errors and what is left as Recordset::Resync tells.
+  void resync(const std::vector<Row>& rows, ResyncValues values);
 
  private:
   [[noreturn]] static void raiseClosed();
   void postAndWrite();
   void leaveConnection() noexcept;
+
+  std::uint32_t openings_ = 0;
 };
 
 template <typename Parse>

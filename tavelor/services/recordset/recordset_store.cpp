@@ -162,34 +162,63 @@ void RecordsetStore::dropEdit(Row row) {
   setFlags(row, static_cast<std::uint8_t>(flags(row) & ~(kEdited | kDeleted)));
 }
 
-Variant RecordsetStore::baseValue(Row row, std::size_t column) const {
-  if (rows_.isNull(row, column)) return Null{};
-  switch (rows_.type(column)) {
+Variant cellOf(const engine::RowStore& rows, std::size_t row, std::size_t column) {
+  if (rows.isNull(row, column)) return Null{};
+  switch (rows.type(column)) {
     case ColumnType::kBoolean:
-      return rows_.integer(row, column) != 0;
+      return rows.integer(row, column) != 0;
     case ColumnType::kByte:
     case ColumnType::kInt16:
-      return static_cast<std::int16_t>(rows_.integer(row, column));
+      return static_cast<std::int16_t>(rows.integer(row, column));
     case ColumnType::kInt32:
-      return static_cast<std::int32_t>(rows_.integer(row, column));
+      return static_cast<std::int32_t>(rows.integer(row, column));
     case ColumnType::kSingle:
-      return static_cast<float>(rows_.real(row, column));
+      return static_cast<float>(rows.real(row, column));
     case ColumnType::kDouble:
-      return rows_.real(row, column);
+      return rows.real(row, column);
     case ColumnType::kCurrency:
-      return Currency::fromScaled(rows_.integer(row, column));
+      return Currency::fromScaled(rows.integer(row, column));
     case ColumnType::kDate:
-      return Date(rows_.real(row, column));
+      return Date(rows.real(row, column));
     case ColumnType::kText:
     case ColumnType::kMemo:
-      return rows_.text(row, column);
+      return rows.text(row, column);
     case ColumnType::kBinary: {
-      const std::string_view bytes = rows_.text(row, column);
+      const std::string_view bytes = rows.text(row, column);
       const auto* first = reinterpret_cast<const std::byte*>(bytes.data());
       return Bytes(first, first + bytes.size());
     }
   }
   return Null{};
+}
+
+Variant RecordsetStore::baseValue(Row row, std::size_t column) const {
+  return cellOf(rows_, row, column);
+}
+
+const Variant* RecordsetStore::newerUnderlying(Row row, std::size_t column) const {
+  if (underlying_.empty()) return nullptr;
+  const auto found = underlying_.find(row);
+  if (found == underlying_.end()) return nullptr;
+  const WrittenCell* cell = findCell(found->second, column);
+  return cell != nullptr ? &cell->value : nullptr;
+}
+
+Variant RecordsetStore::underlyingValue(Row row, std::size_t column) const {
+  const Variant* newer = newerUnderlying(row, column);
+  return newer != nullptr ? *newer : baseValue(row, column);
+}
+
+void RecordsetStore::setUnderlying(Row row, std::size_t column, const Variant& value) {
+  if (value == baseValue(row, column)) return dropUnderlying(row, column);
+  putCell(underlying_[row], column, value);
+}
+
+void RecordsetStore::eraseUnderlying(Row row, std::size_t column) {
+  const auto found = underlying_.find(row);
+  if (found == underlying_.end()) return;
+  std::erase_if(found->second, [&](const WrittenCell& cell) { return cell.column == column; });
+  if (found->second.empty()) underlying_.erase(found);
 }
 
 Variant RecordsetStore::value(Row row, std::size_t column) const {
@@ -254,6 +283,10 @@ std::size_t RecordsetStore::memory() const {
       if (const auto* s = cell.value.getIf<std::string>()) bytes += s->capacity();
       if (const auto* b = cell.value.getIf<Bytes>()) bytes += b->capacity();
     }
+  }
+  for (const auto& [row, cells] : underlying_) {
+    bytes += sizeof(std::pair<const Row, std::vector<WrittenCell>>) + 2 * sizeof(void*) +
+             cells.capacity() * sizeof(WrittenCell);
   }
   for (const auto& [place, value] : lookedUpWrites) {
     bytes += sizeof(std::pair<const std::string, Variant>) + 2 * sizeof(void*) + place.capacity();

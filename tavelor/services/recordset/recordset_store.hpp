@@ -96,6 +96,17 @@ class RecordsetStore {
   void setBase(Row row, std::size_t column, const Variant& value);
   engine::Value baseForEngine(Row row, std::size_t column) const;
 
+  /// What the database held when the row was last looked at: the base value, or what was read
+  /// since.
+  Variant underlyingValue(Row row, std::size_t column) const;
+  /// What was read since, or null.
+  const Variant* newerUnderlying(Row row, std::size_t column) const;
+  /// Forgotten where it is the base value.
+  void setUnderlying(Row row, std::size_t column, const Variant& value);
+  void dropUnderlying(Row row, std::size_t column) {
+    if (!underlying_.empty()) eraseUnderlying(row, column);
+  }
+
   /// Grows with each change that other sets on this store must follow.
   std::uint64_t stamp() const { return stamp_; }
   void touch() { ++stamp_; }
@@ -111,14 +122,20 @@ class RecordsetStore {
   RecordsetListeners* firstListeners = nullptr;  ///< of the sets on this store, linked
 
  private:
+  void eraseUnderlying(Row row, std::size_t column);
+
   RecordsetSchema schema_;
   std::size_t width_;
   std::shared_ptr<const Locale> locale_;
   engine::RowStore rows_;
   std::vector<std::uint8_t> flags_;  // none as long as all are 0
   std::unordered_map<Row, Edit> edits_;
+  std::unordered_map<Row, std::vector<WrittenCell>> underlying_;  // where it is not the base value
   std::uint64_t stamp_ = 0;
 };
+
+/// A cell as a value of its column's type, or Null.
+Variant cellOf(const engine::RowStore& rows, std::size_t row, std::size_t column);
 
 /// Reads the cells of one row with its pending changes the way engine::RowStore reads base cells.
 class EditedRow {

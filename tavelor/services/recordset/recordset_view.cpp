@@ -11,8 +11,6 @@
 
 namespace tavelor {
 
-using Row = RecordsetView::Row;
-
 void RecordsetView::open(RecordsetStore& store, RowFilter filter, RowOrder order) {
   store_ = &store;
   filter_ = std::move(filter);
@@ -53,7 +51,7 @@ std::int64_t RecordsetView::nextVisible(std::int64_t index, int step) const {
   return std::clamp<std::int64_t>(index, -1, end);
 }
 
-Row RecordsetView::rowOfBookmark(const Variant& bookmark) const {
+RecordsetView::Row RecordsetView::rowOfBookmark(const Variant& bookmark) const {
   double number = 0;
   if (bookmark.isNumber()) number = bookmark.toDouble(store_->locale());
   const auto rows = static_cast<double>(store_->rows().rows());

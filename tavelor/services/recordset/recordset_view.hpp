@@ -102,6 +102,7 @@ class RecordsetView {
   /// What FilterGroup::kAffected and kConflicting show.
   void affected(const std::vector<Row>& rows) { affected_ = rows; }
   void conflicting(const std::vector<Row>& rows) { conflicting_ = rows; }
+  const std::vector<Row>& conflicting() const { return conflicting_; }
 
   // ---- Changes
 

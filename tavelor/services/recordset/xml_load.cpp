@@ -20,7 +20,7 @@ namespace tavelor {
 namespace {
 
 using Operation = RecordsetStore::Operation;
-using Row = RecordsetStore::Row;
+using RowNumber = RecordsetStore::Row;
 
 constexpr std::string_view kSource = "Recordset.LoadXml";
 constexpr std::size_t kMaxColumns = 4096;
@@ -87,10 +87,10 @@ class XmlReader {
   DataType readType(const pugi::xml_node& node, const pugi::xml_node& datatype) const;
   void readRows(const pugi::xml_node& data);
   void readUpdates(const pugi::xml_node& update);
-  Row readBase(const pugi::xml_node& node);
+  RowNumber readBase(const pugi::xml_node& node);
   std::vector<WrittenCell> readCells(const pugi::xml_node& row) const;
   std::vector<WrittenCell> readChanged(const pugi::xml_node& row) const;
-  void edit(Row row, Operation operation, std::vector<WrittenCell> cells);
+  void edit(RowNumber row, Operation operation, std::vector<WrittenCell> cells);
   std::string unescaped(std::string_view text) const {
     return own_ ? xml::unescapeControls(text) : std::string(text);
   }
@@ -229,7 +229,7 @@ void XmlReader::readRows(const pugi::xml_node& data) {
       }
     } else if (name == "rs:delete") {
       for (const pugi::xml_node& row : node.children("z:row")) {
-        const Row deleted = readBase(row);
+        const RowNumber deleted = readBase(row);
         edit(deleted, Operation::kDelete, {});
         store_->setFlags(deleted, RecordsetStore::kEdited | RecordsetStore::kDeleted);
       }
@@ -255,8 +255,8 @@ void XmlReader::readUpdates(const pugi::xml_node& update) {
   }
 }
 
-Row XmlReader::readBase(const pugi::xml_node& node) {
-  const Row row = store_->append();
+RowNumber XmlReader::readBase(const pugi::xml_node& node) {
+  const RowNumber row = store_->append();
   for (const WrittenCell& cell : readCells(node)) store_->setBase(row, cell.column, cell.value);
   return row;
 }
@@ -296,7 +296,7 @@ std::vector<WrittenCell> XmlReader::readChanged(const pugi::xml_node& row) const
   return cells;
 }
 
-void XmlReader::edit(Row row, Operation operation, std::vector<WrittenCell> cells) {
+void XmlReader::edit(RowNumber row, Operation operation, std::vector<WrittenCell> cells) {
   RecordsetStore::Edit& edit = store_->editOf(row);
   edit.operation = operation;
   edit.cells = std::move(cells);
