@@ -106,6 +106,7 @@ function(tavelor_test floor)
   endif()
   set_target_properties(${floor}_tests PROPERTIES POSITION_INDEPENDENT_CODE OFF)
   target_precompile_headers(${floor}_tests REUSE_FROM tavelor_test_pch)
+  tavelor_unity(${floor}_tests)
   # Tests that run several threads say so in their names; the thread sanitizer builds and runs
   # these only.
   set(with_threads FALSE)

@@ -2,11 +2,13 @@
 # SPDX-License-Identifier: MIT
 # Every path that a page names exists: in links, in `inline code` that starts with a folder of
 # this repository, and in the folder maps. A map is a fenced block marked "map"; its lines are a
-# path and what is there, indented below the folder that holds it.
+# path and what is there, indented below the folder that holds it. The other way round, a map shows
+# every folder of the root, and all folders of a folder of which it shows one.
 source "$(dirname "$0")/../../scripts/lib/common.sh"
 
 status=0
 count=0
+declare -A shown=() opened=() mapped=() # "PAGE FOLDER", and the pages with a map
 need() { # PAGE LINE PATH: the path, from the root, may hold * and <placeholders>
   local path=${3//<*>/\*}
   path=${path%/}
@@ -21,6 +23,12 @@ while IFS=$'\t' read -r page line kind path; do
     link)
       [[ $path == /* ]] || path=$(dirname "$page")/$path
       need "$page" "$line" "$(realpath -m --relative-to=. -- "$path")"
+      ;;
+    map)
+      need "$page" "$line" "$path"
+      if [[ $path == */ ]]; then
+        mapped[$page]=1 shown["$page ${path%/}"]=1 opened["$page $(dirname "$path")"]=1
+      fi
       ;;
     *) need "$page" "$line" "$path" ;;
   esac
@@ -57,5 +65,16 @@ done < <(own_files '*.md' | xargs -r -d '\n' awk '
       if (code ~ /^(tavelor|schema|tools|examples|bench|tests|docs|scripts|cmake|fuzz|\.ci)\//) tell("code", code)
     }
   }')
-[[ $status -eq 0 ]] && echo "All $count paths are there."
+
+folders=$(own_files '*' | awk -F/ '{ path = $1; for (i = 2; i <= NF; i++) { print path; path = path "/" $i } }' | sort -u)
+for page in "${!mapped[@]}"; do
+  opened["$page ."]=1
+  for folder in $folders; do
+    [[ -z ${opened["$page $(dirname "$folder")"]:-} || -n ${shown["$page $folder"]:-} ]] && continue
+    echo "$page: the map does not show $folder/"
+    status=1
+  done
+done
+
+[[ $status -eq 0 ]] && echo "All $count paths are there, and the maps show every folder."
 exit $status

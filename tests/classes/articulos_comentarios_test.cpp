@@ -8,21 +8,18 @@
 
 #include "tavelor/services/clock.hpp"
 #include "tests/classes/catalogue.hpp"
+#include "tests/frame/approved.hpp"
 
 namespace tavelor {
 namespace {
 
+using test::bytesOf;
 using test::errorOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
 constexpr std::string_view kTodos =
     "SELECT Id, Codigo AS Código, Comentarios FROM Articulos_Comentarios";
-
-std::string bytesOf(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
 
 class ClsArticulosComentariosTest : public test::CatalogueTest<ClsArticulosComentarios> {
  protected:

@@ -8,16 +8,13 @@
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/variant.hpp"
 #include "tests/platform/expect_error.hpp"
+#include "tests/platform/locales.hpp"
 
 namespace tavelor {
 namespace {
 
-std::string es(const Variant& value, std::string_view mask) {
-  return format(value, mask, *Locale::spanish());
-}
-std::string neutral(const Variant& value, std::string_view mask) {
-  return format(value, mask, *Locale::neutral());
-}
+using test::es;
+using test::neutral;
 
 const Date kMoment = Date::of({2024, 3, 5, 14, 5, 9});
 

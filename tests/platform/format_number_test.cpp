@@ -8,16 +8,13 @@
 #include "tavelor/platform/format.hpp"
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/variant.hpp"
+#include "tests/platform/locales.hpp"
 
 namespace tavelor {
 namespace {
 
-std::string es(const Variant& value, std::string_view mask) {
-  return format(value, mask, *Locale::spanish());
-}
-std::string neutral(const Variant& value, std::string_view mask) {
-  return format(value, mask, *Locale::neutral());
-}
+using test::es;
+using test::neutral;
 
 TEST(FormatNumber, NamedFormats) {
   EXPECT_EQ(es(1234.5, "General Number"), "1234,5");

@@ -14,16 +14,13 @@
 
 #include "tavelor/platform/locale.hpp"
 #include "tests/platform/expect_error.hpp"
+#include "tests/platform/locales.hpp"
 
 namespace tavelor {
 namespace {
 
-const Locale& es() {
-  return *Locale::spanish();
-}
-const Locale& neutral() {
-  return *Locale::neutral();
-}
+using test::es;
+using test::neutral;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 

@@ -7,10 +7,6 @@ namespace {
 
 using testing::ElementsAre;
 
-RecordsetPtr three() {
-  return fabricate({{"a", 1}, {"b", 2}, {"c", 3}});
-}
-
 class Edit : public ShopTest {};
 
 TEST_F(Edit, ModeIsNoneThenInProgressThenNoneAfterUpdate) {

@@ -5,10 +5,6 @@
 namespace tavelor::test {
 namespace {
 
-RecordsetPtr three() {
-  return fabricate({{"a", 1}, {"b", 2}, {"c", 3}});
-}
-
 TEST(Moves, OpeningStandsOnTheFirstRow) {
   const auto set = three();
   EXPECT_FALSE(set->Bof());

@@ -191,6 +191,11 @@ inline RecordsetPtr fabricate(const std::vector<std::pair<const char*, int>>& ro
   return set;
 }
 
+/// A fabricated set of three rows, on the first.
+inline RecordsetPtr three() {
+  return fabricate({{"a", 1}, {"b", 2}, {"c", 3}});
+}
+
 inline std::string textAt(Recordset& set, std::string_view field) {
   return set.Field(field).Value().toText(*Locale::spanish());
 }

@@ -12,7 +12,7 @@
 namespace tavelor {
 namespace {
 
-constexpr int kDocuments = 12;
+constexpr int kNumbers = 12;
 
 /// One customer's ledger as it should be, in whole cents.
 class Book {
@@ -103,7 +103,7 @@ class LedgerBalancesTest : public test::LedgerTest {
   void insertOne(Book& book) {
     const std::int64_t amount = movement();
     const int date = 1 + below(6);  // of few days, so that many entries have the same
-    int document = below(kDocuments);
+    int document = below(kNumbers);
     if (book.has(document)) return;
     book.insert(nextId(), date, document, amount);
     if (amount < 0) {
@@ -113,12 +113,12 @@ class LedgerBalancesTest : public test::LedgerTest {
     }
   }
   void deleteOne(Book& book) {
-    const int document = below(kDocuments);
+    const int document = below(kNumbers);
     book.erase(document);
     ledger.Eliminar(1, document);
   }
   void correctOne(Book& book) {
-    const int document = below(kDocuments);
+    const int document = below(kNumbers);
     if (!book.has(document)) return;
     const std::int64_t amount = movement();
     correct(day(book.dayOf(document)), 0, euros(amount), document);

@@ -1,27 +1,23 @@
 // SPDX-License-Identifier: MIT
 // The comments of customers.
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 
 #include "tavelor/customers/clientes_comentarios.hpp"
 #include "tavelor/services/clock.hpp"
 #include "tests/classes/catalogue.hpp"
+#include "tests/frame/approved.hpp"
 
 namespace tavelor {
 namespace {
 
+using test::bytesOf;
 using test::errorOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
 const std::string kTodos = "SELECT Id, Codigo AS Código, Comentarios FROM Clientes_Comentarios";
 const std::string kSeam = "  #.---\\\\\\Restaurado///-----.# ";
-
-std::string bytesOf(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
 
 class ClsClientesComentariosTest : public test::CatalogueTest<ClsClientesComentarios> {
  protected:

@@ -5,6 +5,7 @@
 #include "tavelor/frame/component.hpp"
 #include "tavelor/services/prompt_global.hpp"
 #include "tavelor/services/registry_tree.hpp"
+#include "tests/classes/report_path.hpp"
 
 namespace tavelor {
 namespace {
@@ -59,14 +60,10 @@ template <typename Class>
 concept HasOrders = requires(Class& of) {
   of.SetOrder(std::int16_t{0}, "", "");
 };
-template <typename Class>
-concept HasReportPath = requires(Class& of) {
-  of.GetRptPath("x");
-};
 
 TEST(ClsTicketsLineas, MembersOfTheFrameThatItLacksDoNotCompile) {
   EXPECT_FALSE(HasOrders<ClsTicketsLineas>);
-  EXPECT_FALSE(HasReportPath<ClsTicketsLineas>);
+  EXPECT_FALSE(test::HasReportPath<ClsTicketsLineas>);
 }
 
 // ---- Modes

@@ -15,7 +15,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr int kDocuments = 3;
 const std::string kTodos =
     "SELECT Id, Codigo as Código, Nombre, Razon_Social as Empresa, NIF,  Direccion as Dirección, "
     "Codigo_Postal, Poblacion as Población, Provincia, Telefono as Teléfono FROM Tickets_Cabecera";
@@ -25,8 +24,10 @@ const std::string kDatos =
 
 class ClsTicketsCabeceraTest : public test::CatalogueTest<ClsTicketsCabecera> {
  protected:
-  void run(const std::string& statement) { shop.run(statement, kDocuments); }
-  std::string text(const std::string& statement) { return shop.text(statement, kDocuments); }
+  void run(const std::string& statement) { shop.run(statement, selector::kDocuments); }
+  std::string text(const std::string& statement) {
+    return shop.text(statement, selector::kDocuments);
+  }
   /// A header of a ticket with what `assignments` say; all else is null.
   void add(int id, int ticket, const std::string& assignments = {},
            const std::string& table = "Tickets_Cabecera") {

@@ -15,7 +15,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr int kDocuments = 3;
 const std::string kTodos = "SELECT Id, Codigo AS Código, Comentarios FROM Tickets_Comentarios";
 
 class ClsTicketsComentariosTest : public test::CatalogueTest<ClsTicketsComentarios> {
@@ -23,9 +22,11 @@ class ClsTicketsComentariosTest : public test::CatalogueTest<ClsTicketsComentari
   void add(int id, int ticket, const std::string& comment) {
     shop.run("INSERT INTO Tickets_Comentarios (Id, Codigo, Comentarios) VALUES (" +
                  std::to_string(id) + ", " + std::to_string(ticket) + ", '" + comment + "')",
-             kDocuments);
+             selector::kDocuments);
   }
-  std::string text(const std::string& statement) { return shop.text(statement, kDocuments); }
+  std::string text(const std::string& statement) {
+    return shop.text(statement, selector::kDocuments);
+  }
 
   ClsTicketsComentarios& comments = catalogue;
 };
@@ -63,7 +64,7 @@ TEST_F(ClsTicketsComentariosTest, TheCommentOfTheRowIsReadWithoutEverRaising) {
 TEST_F(ClsTicketsComentariosTest, DeleteAllDeletesTheCommentsOfOneTicket) {
   add(1, 10, "uno");
   add(2, 20, "dos");
-  shop.run("INSERT INTO Tickets_Comentarios (Id) VALUES (3)", kDocuments);
+  shop.run("INSERT INTO Tickets_Comentarios (Id) VALUES (3)", selector::kDocuments);
   comments.DeleteAll(10);
   EXPECT_EQ(statement(), "DELETE  FROM Tickets_Comentarios WHERE (Codigo = 10)");
   EXPECT_EQ(text("SELECT Count(*) FROM Tickets_Comentarios"), "2");

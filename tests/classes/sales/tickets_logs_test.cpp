@@ -5,16 +5,13 @@
 #include <iterator>
 
 #include "tests/classes/sales/tickets.hpp"
+#include "tests/frame/approved.hpp"
 
 namespace tavelor {
 namespace {
 
+using test::bytesOf;
 using test::errorOf;
-
-std::string bytesOf(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
 
 class TicketLogTest : public testing::Test, protected test::TicketShop {
  protected:

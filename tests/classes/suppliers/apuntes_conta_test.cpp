@@ -7,6 +7,7 @@
 #include "tavelor/services/clock.hpp"
 #include "tavelor/suppliers/proveedores_apuntes_conta.hpp"
 #include "tests/classes/corpus.hpp"
+#include "tests/classes/report_path.hpp"
 #include "tests/classes/running_account.hpp"
 
 namespace tavelor {
@@ -18,15 +19,11 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 template <typename Class>
-concept HasReportPath = requires(Class& of) {
-  of.GetRptPath({});
-};
-template <typename Class>
 concept HasFreeCodes = requires(Class& of) {
   of.CodigoLibre("1");
 };
 
-std::string corpus(const std::string& name) {
+std::string ledgerStatement(const std::string& name) {
   return test::corpusStatement({"suppliers-proveedores_apuntes_conta"},
                                "ClsProveedoresApuntesConta." + name);
 }
@@ -77,7 +74,7 @@ TEST_F(ClsProveedoresApuntesContaTest, ItLacksWhatCorrectsAndShortensACustomersL
               errors::kMemberNotFound)
         << lacking;
   }
-  EXPECT_FALSE(HasReportPath<ClsProveedoresApuntesConta>);
+  EXPECT_FALSE(test::HasReportPath<ClsProveedoresApuntesConta>);
   EXPECT_FALSE(HasFreeCodes<ClsProveedoresApuntesConta>);
 }
 
@@ -85,15 +82,15 @@ TEST_F(ClsProveedoresApuntesContaTest, TheModes) {
   insert(day(1), 0, 1, 0, "00012");
   insert(day(1), 0, 2, 0, "00013");
   const Opened one = RunningAccountTest::open("seleccion", "00012");
-  EXPECT_EQ(one.statement, corpus("IniciaRs / seleccion"));
+  EXPECT_EQ(one.statement, ledgerStatement("IniciaRs / seleccion"));
   EXPECT_EQ(one.word, "seleccion");
   EXPECT_EQ(rows().RecordCount(), 1);
   EXPECT_THAT(fieldNames(), ElementsAre("Fecha", "Concepto", "Tipo", "Debe", "Haber", "Saldo",
                                         "Estado", "Documento", "Id", "Serie", "Codigo"));
-  EXPECT_EQ(RunningAccountTest::open("ninguno").statement, corpus("IniciaRs / ninguno"));
+  EXPECT_EQ(RunningAccountTest::open("ninguno").statement, ledgerStatement("IniciaRs / ninguno"));
   EXPECT_FALSE(ledger.ExistenRegistros());
   const Opened all = RunningAccountTest::open("loquesea");
-  EXPECT_EQ(all.statement, corpus("IniciaRs / todos"));
+  EXPECT_EQ(all.statement, ledgerStatement("IniciaRs / todos"));
   EXPECT_EQ(all.word, "todos");
   EXPECT_EQ(rows().RecordCount(), 2);
   EXPECT_THAT(ledger.DataMembers(), ElementsAre("Primary"));
@@ -102,7 +99,7 @@ TEST_F(ClsProveedoresApuntesContaTest, TheModes) {
 
 TEST_F(ClsProveedoresApuntesContaTest, NuevoCodigoIsTheGreatestIdPlusOne) {
   EXPECT_EQ(shown(call("NuevoCodigo")), "1");
-  EXPECT_EQ(statement(), corpus("NuevoCodigo"));
+  EXPECT_EQ(statement(), ledgerStatement("NuevoCodigo"));
   insert(day(1), 0, 1);
   EXPECT_EQ(shown(ledger.NuevoCodigo()), "2");
 }
@@ -118,7 +115,8 @@ TEST_F(ClsProveedoresApuntesContaTest, InsertarReadsTheBalanceWritesTheEntryAndM
   shop.statements();
   call("Insertar", {"A", "00012", day(5), "Factura 260001", "H", 0, 121.5, 3, 260001});
   EXPECT_THAT(shop.statements(),
-              ElementsAre(corpus("NuevoCodigo"), corpus("Saldo"), corpus("Insertar / entry"),
+              ElementsAre(ledgerStatement("NuevoCodigo"), ledgerStatement("Saldo"),
+                          ledgerStatement("Insertar / entry"),
                           HasSubstr("SET Saldo = Saldo + 121.5 WHERE ((Fecha > #03/05/2026#)")));
   EXPECT_THAT(balances(), ElementsAre(-151.75, -30.25, -29.25));
 }
@@ -127,7 +125,7 @@ TEST_F(ClsProveedoresApuntesContaTest, ADebitComesWithItsSignBehindThePlus) {
   insert(day(9), 0, 100);
   shop.statements();
   insert(day(5), 121.5, 0);
-  EXPECT_EQ(shop.statements().back(), corpus("Insertar / later balances"));
+  EXPECT_EQ(shop.statements().back(), ledgerStatement("Insertar / later balances"));
   EXPECT_THAT(balances(), ElementsAre(-121.5, -21.5));
 }
 
@@ -144,7 +142,7 @@ TEST_F(ClsProveedoresApuntesContaTest, SaldoSumsUpToTheDateAndIncludingItInTheFo
   insert(day(6), 0, 5, 0, "00013");
   shop.statements();
   EXPECT_EQ(call("Saldo", {"00012", day(5)}), Variant(100.01));
-  EXPECT_EQ(statement(), corpus("Saldo"));
+  EXPECT_EQ(statement(), ledgerStatement("Saldo"));
   EXPECT_EQ(ledger.Saldo("00012", day(4)), 0);
   EXPECT_EQ(ledger.Saldo("00012", day(6)), 70.01);
 }
@@ -154,7 +152,7 @@ TEST_F(ClsProveedoresApuntesContaTest, DeleteAllDeletesTheEntriesOfOneSupplier) 
   insert(day(5), 0, 100, 0, "00013");
   shop.statements();
   call("DeleteAll", {"00012"});
-  EXPECT_EQ(statement(), corpus("DeleteAll"));
+  EXPECT_EQ(statement(), ledgerStatement("DeleteAll"));
   EXPECT_EQ(count(), "1");
 }
 
@@ -167,9 +165,10 @@ TEST_F(ClsProveedoresApuntesContaTest, EliminarTakesTheLaterBalancesUpAndDownAga
   ledger.Insertar(invoice);
   shop.statements();
   call("Eliminar", {3, 260001});
-  EXPECT_THAT(shop.statements(),
-              ElementsAre(corpus("Eliminar / entries of a document"), corpus("Eliminar / entry"),
-                          corpus("Eliminar / first update"), corpus("Eliminar / second update")));
+  EXPECT_THAT(shop.statements(), ElementsAre(ledgerStatement("Eliminar / entries of a document"),
+                                             ledgerStatement("Eliminar / entry"),
+                                             ledgerStatement("Eliminar / first update"),
+                                             ledgerStatement("Eliminar / second update")));
 }
 
 TEST_F(ClsProveedoresApuntesContaTest, ADeletedDebitComesWithItsSignBehindBothSigns) {
@@ -178,8 +177,8 @@ TEST_F(ClsProveedoresApuntesContaTest, ADeletedDebitComesWithItsSignBehindBothSi
   ledger.Eliminar(1, 1);
   const std::vector<std::string> ran = shop.statements();
   ASSERT_EQ(ran.size(), 4U);
-  EXPECT_EQ(ran[2], corpus("Insertar / later balances")) << "the same statement";
-  EXPECT_EQ(ran[3], corpus("Eliminar / second update, negative movement"));
+  EXPECT_EQ(ran[2], ledgerStatement("Insertar / later balances")) << "the same statement";
+  EXPECT_EQ(ran[3], ledgerStatement("Eliminar / second update, negative movement"));
 }
 
 TEST_F(ClsProveedoresApuntesContaTest,
@@ -363,7 +362,7 @@ TEST_F(ClsProveedoresApuntesContaTest, UpdateIdGivesEveryRowANewKeyFromTheNextOn
   open();
   shop.statements();
   call("UpdateId");
-  EXPECT_EQ(statement(), corpus("NuevoCodigo"));
+  EXPECT_EQ(statement(), ledgerStatement("NuevoCodigo"));
   EXPECT_EQ(ledger.AbsolutePosition(), 1);
   EXPECT_THAT(column("Id"), ElementsAre("3", "4"));
 }

@@ -1,35 +1,27 @@
 // SPDX-License-Identifier: MIT
 // The comments on suppliers.
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 
 #include "tavelor/services/clock.hpp"
 #include "tavelor/suppliers/proveedores_comentarios.hpp"
 #include "tests/classes/catalogue.hpp"
 #include "tests/classes/corpus.hpp"
+#include "tests/classes/report_path.hpp"
+#include "tests/frame/approved.hpp"
 
 namespace tavelor {
 namespace {
 
+using test::bytesOf;
 using test::errorOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-template <typename Class>
-concept HasReportPath = requires(Class& of) {
-  of.GetRptPath({});
-};
-
-std::string corpus(const std::string& name) {
+std::string commentStatement(const std::string& name) {
   return test::corpusStatement({"suppliers-proveedores_comentarios"},
                                "ClsProveedoresComentarios." + name);
-}
-
-std::string bytesOf(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
 }
 
 class ClsProveedoresComentariosTest : public test::CatalogueTest<ClsProveedoresComentarios> {
@@ -67,7 +59,7 @@ TEST_F(ClsProveedoresComentariosTest, TheSlotsStandInOrderWithoutAReportPathAndA
                                         "GetConnectionStr", "DeleteAll", "IniciaRs", "NuevoCodigo",
                                         "SeguridadPermiso", "CodigoLibre"));
   EXPECT_EQ(lastSlot(), "ToTxt");
-  EXPECT_FALSE(HasReportPath<ClsProveedoresComentarios>);
+  EXPECT_FALSE(test::HasReportPath<ClsProveedoresComentarios>);
   for (const char* lacking : {"GetRptPath", "ReparaComentarios"}) {
     EXPECT_EQ(errorOf([&] { ClsProveedoresComentarios::component().member(lacking); }),
               errors::kMemberNotFound)
@@ -79,14 +71,14 @@ TEST_F(ClsProveedoresComentariosTest, TheModes) {
   add(1, "00012", "uno");
   add(2, "00013", "otro");
   add(3, "00012", "dos");
-  EXPECT_EQ(open("seleccion", "00012").statement, corpus("IniciaRs / seleccion"));
+  EXPECT_EQ(open("seleccion", "00012").statement, commentStatement("IniciaRs / seleccion"));
   EXPECT_THAT(codes(), ElementsAre("1", "3")) << "whatever the key is";
   const Opened none = open("ninguno");
-  EXPECT_EQ(none.statement, corpus("IniciaRs / ninguno"));
+  EXPECT_EQ(none.statement, commentStatement("IniciaRs / ninguno"));
   EXPECT_EQ(none.word, "ninguno");
   EXPECT_FALSE(comments.ExistenRegistros());
   const Opened all = open("loquesea");
-  EXPECT_EQ(all.statement, corpus("IniciaRs / todos"));
+  EXPECT_EQ(all.statement, commentStatement("IniciaRs / todos"));
   EXPECT_EQ(all.word, "todos");
   EXPECT_THAT(fieldNames(), ElementsAre("Id", "Código", "Comentarios"));
 }
@@ -100,7 +92,7 @@ TEST_F(ClsProveedoresComentariosTest, TheDataMemberStandsOnceInItsList) {
 
 TEST_F(ClsProveedoresComentariosTest, NuevoCodigoIsTheGreatestIdPlusOne) {
   EXPECT_EQ(shown(comments.NuevoCodigo()), "1");
-  EXPECT_EQ(statement(), corpus("NuevoCodigo"));
+  EXPECT_EQ(statement(), commentStatement("NuevoCodigo"));
   add(7, "00012", "uno");
   EXPECT_EQ(shown(comments.NuevoCodigo()), "8");
 }
@@ -112,14 +104,14 @@ TEST_F(ClsProveedoresComentariosTest, DeleteAllDeletesTheCommentsOfOneSupplier) 
   shop.statements();
   std::vector<Variant> arguments = {"00012"};
   ClsProveedoresComentarios::component().call(comments, "DeleteAll", arguments);
-  EXPECT_EQ(statement(), corpus("DeleteAll"));
+  EXPECT_EQ(statement(), commentStatement("DeleteAll"));
   EXPECT_EQ(count(), "1");
 }
 
 // Even here, where it would make sense: the column is called Codigo.
 TEST_F(ClsProveedoresComentariosTest, CodigoLibreIsRefusedWhateverIsAsked) {
   EXPECT_EQ(errorOf([&] { comments.CodigoLibre("00012", "1"); }), errors::kMissingParameter);
-  EXPECT_EQ(statement(), corpus("CodigoLibre"));
+  EXPECT_EQ(statement(), commentStatement("CodigoLibre"));
 }
 
 // ---- UpdateId
@@ -158,7 +150,7 @@ TEST_F(ClsProveedoresComentariosTest, ARowWithoutAKeyTakesTheNextOne) {
   rows().Field("Comentarios").Value("vacía");
   shop.statements();
   comments.UpdateId("00012");
-  EXPECT_EQ(statement(), corpus("NuevoCodigo"));
+  EXPECT_EQ(statement(), commentStatement("NuevoCodigo"));
   comments.Update();
   comments.AddNew();
   rows().Field("Id").Value(-1);  // as a grid marks a row that is not stored
