@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "tavelor/platform/date.hpp"
+#include "tavelor/platform/statement.hpp"
 
 namespace tavelor {
 struct Locale;
