@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -15,7 +16,7 @@ class Component;
 ///
 /// The record set is a batch: rows that a grid adds have the ID -1 and no article until UpdateId,
 /// Delete only marks, and Update writes all that is pending.
-class ClsArticulosAlmacenes final : public OpensOnConnection {
+class TAVELOR_API ClsArticulosAlmacenes final : public OpensOnConnection {
  public:
   ClsArticulosAlmacenes();
   std::string typeName() const override { return "ClsArticulosAlmacenes"; }
@@ -79,6 +80,7 @@ class ClsArticulosAlmacenes final : public OpensOnConnection {
   bool CodigoLibre(const Variant& vId, const Variant& vIdSec, ObjCn objCn = {}) const;
 
  private:
+  void addRow(bool bDefVal) override { AddNew(bDefVal); }
   /// Adds to the row of a pair, or makes it.
   void add(const Variant& vId, const Variant& vIdAlm, double dCant, double dPend,
            ConnectionPtr& cnnActive) const;

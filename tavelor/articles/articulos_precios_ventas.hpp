@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -17,7 +18,7 @@ class Component;
 /// A price of one cent means a free article. A row without a date never ends; one with a date still
 /// counts on that day. Which look-up comes first, and what counts when none applies, is for the
 /// caller that fills a document line.
-class ClsArticulosPreciosVentas final : public OpensByWord {
+class TAVELOR_API ClsArticulosPreciosVentas final : public OpensByWord {
  public:
   ClsArticulosPreciosVentas();
   std::string typeName() const override { return "ClsArticulosPreciosVentas"; }
@@ -94,7 +95,7 @@ class ClsArticulosPreciosVentas final : public OpensByWord {
   /// Adds a row; with `bDefVal` one of that customer with a code of its own, else empty.
   void AddNew(bool bDefVal = false, std::string_view sIdCli = {});
   /// Posts the current row; a row of an article without a date gets the date 01/01/2040.
-  void Update();
+  void Update() override;
   /// Posts the current row as it is, if it is being edited.
   void Update_Familia();
 
@@ -104,6 +105,7 @@ class ClsArticulosPreciosVentas final : public OpensByWord {
   bool FamiliaLibre(const Variant& vId, const Variant& vIdSec, ObjCn objCn = {}) const;
 
  private:
+  void addRow(bool bDefVal) override { AddNew(bDefVal); }
   void insert(const Oferta& oferta, Statement::Constant dateColumn, const std::string& date) const;
 };
 

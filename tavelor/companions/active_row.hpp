@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 class Recordset;
@@ -14,7 +16,7 @@ class Variant;
 using RecordsetPtr = std::shared_ptr<Recordset>;
 
 /// Variables that take the current row of a list with addresses.
-struct ActiveRow {
+struct TAVELOR_API ActiveRow {
   Variant& code;
   std::string& name;
   std::string& company;
@@ -32,9 +34,9 @@ inline constexpr std::string_view kActiveRowParameters =
 
 /// A Null leaves its variable as it came. Raises 3021 without a row and 3265 for a field that the
 /// list does not show: the variables before it are written then.
-void takeActiveRow(Recordset& rows, const ActiveRow& to);
+TAVELOR_API void takeActiveRow(Recordset& rows, const ActiveRow& to);
 /// The same for each variable by itself: one that cannot be read stays as it came and keeps none of
 /// the others from it. Never raises.
-void takeActiveRowIfThere(const RecordsetPtr& rows, const ActiveRow& to);
+TAVELOR_API void takeActiveRowIfThere(const RecordsetPtr& rows, const ActiveRow& to);
 
 }  // namespace tavelor

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tavelor/companions/business_partner.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -15,7 +16,7 @@ class Component;
 /// for the usual ones; members that ask for a usable customer take all but 0. Values are joined
 /// into statements without escaping: a quote in a code or a name raises the database's syntax
 /// error. Members that write or read customers beside the primary record set keep no state.
-class ClsClientes final : public BusinessPartner {
+class TAVELOR_API ClsClientes final : public BusinessPartner {
  public:
   ClsClientes();
   std::string typeName() const override { return "ClsClientes"; }
@@ -119,7 +120,7 @@ class ClsClientes final : public BusinessPartner {
   void AddNew(bool bDefVal = false);
   /// As the frame's; a customer without an identifier in the outside system takes the first two
   /// characters of its code as one. Raises 3265 in modes that do not show it.
-  void Update();
+  void Update() override;
 
   // ---- Flags of one customer, false for no customer
 
@@ -337,6 +338,10 @@ class ClsClientes final : public BusinessPartner {
 
   Statement modeStatement(std::string& word, const Variant& id) const override;
   void setDefaults(bool bDefVal) override;
+  void writeGridPage(const GridColumns& clColfields, bool bDoclone, std::string_view sSelecSql,
+                     bool bFilter) override {
+    ToHtmlGrid({}, clColfields, bDoclone, sSelecSql, bFilter);
+  }
 
   /// The condition of "bajas", "bajas60" and "bajas30", the whole statement of "347", or nothing.
   static Statement CondicionConsulta(std::string_view sModo);

@@ -93,6 +93,17 @@ void RecordClass::offerPrimary() {
   dataMembers_.emplace_back(kPrimary);
 }
 
+// An error of the engine tells the statement, and this whose it was.
+template <typename Work>
+auto RecordClass::ofClass(Work&& work) const {
+  try {
+    return work();
+  } catch (Error& error) {
+    error.noting("class " + typeName());
+    throw;
+  }
+}
+
 void RecordClass::openPrimary(std::string& sSelecSql, const Variant& id, ConnectionPtr& cnnActive) {
   mustBeHome();
   takePrimary(std::make_shared<Recordset>());
@@ -169,7 +180,7 @@ Recordset& RecordClass::primary() const {
 // A listener may call IniciaRs while it is told of a change or of a move, and with that the record
 // set is another one: members ask for it anew after each step, and none holds it across two.
 
-void RecordClass::AddNew(bool bDefVal) {
+void RecordClass::addRow(bool bDefVal) {
   mustBeHome();
   primary().AddNew();
   Variant code = NuevoCodigo();
@@ -183,15 +194,21 @@ void RecordClass::AddNew(bool bDefVal) {
   setDefaults(bDefVal);
 }
 
+bool RecordClass::fillsNewRow() const {
+  return false;
+}
+
 void RecordClass::setDefaults(bool /*bDefVal*/) {}
 
 void RecordClass::Update() {
   Recordset& rows = primary();
-  if (info_.update == UpdateForm::kCurrentRow) {
-    rows.UpdateBatch(Affect::kCurrent);
-  } else if (ExistenRegistros()) {
-    rows.UpdateBatch(Affect::kAll);
-  }
+  ofClass([&] {
+    if (info_.update == UpdateForm::kCurrentRow) {
+      rows.UpdateBatch(Affect::kCurrent);
+    } else if (ExistenRegistros()) {
+      rows.UpdateBatch(Affect::kAll);
+    }
+  });
 }
 
 void RecordClass::Delete() {
@@ -301,6 +318,10 @@ Variant RecordClass::successor(const Variant& code) {
 }
 
 bool RecordClass::CodigoLibre(const Variant& vId, ObjCn objCn) const {
+  return isCodeFree(vId, *objCn);
+}
+
+bool RecordClass::isCodeFree(const Variant& vId, ConnectionPtr& objCn) const {
   if (!info_.freeCode.empty()) return !anyRow(withId(info_.freeCode, vId), objCn);
   Statement statement("SELECT Codigo FROM ");
   statement << info_.table << " where codigo ='" << spliced(joined(vId)) << "'";
@@ -398,16 +419,18 @@ RecordsetPtr RecordClass::read(const Statement& statement, ObjCn objCn) const {
 
 RecordsetPtr RecordClass::readOn(int selector, const Statement& statement, ObjCn objCn) const {
   mustBeHome();
-  auto rows = std::make_shared<Recordset>();
-  DataSession().OpenRecordset(selector, statement, rows, *objCn);
-  return rows;
+  return ofClass([&] {
+    auto rows = std::make_shared<Recordset>();
+    DataSession().OpenRecordset(selector, statement, rows, *objCn);
+    return rows;
+  });
 }
 
 void RecordClass::write(const Statement& statement, ObjCn objCn) const {
   mustBeHome();
   DataSession session;
   if (!*objCn) objCn = session.OpenConnection(info_.selector);
-  session.Execute(info_.selector, statement, *objCn);
+  ofClass([&] { session.Execute(info_.selector, statement, *objCn); });
 }
 
 Variant RecordClass::lookUp(const Statement& statement, std::string_view column,

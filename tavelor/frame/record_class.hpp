@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tavelor/frame/class_info.hpp"
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/inout.hpp"
 #include "tavelor/platform/variant.hpp"
 #include "tavelor/services/apartment.hpp"
@@ -29,7 +30,7 @@ using RecordsetPtr = std::shared_ptr<Recordset>;
 using ObjCn = InOut<ConnectionPtr>;
 
 /// Listens to a record class. Every function has an empty default.
-class RecordClassEvents {
+class TAVELOR_API RecordClassEvents {
  public:
   virtual ~RecordClassEvents() = default;
   /// The primary record set has moved to another row.
@@ -46,7 +47,7 @@ class RecordClassEvents {
 /// moment. An object is used by one thread, while the apartment is bound that it was made in; what
 /// would reach a database, the registry or a file of another one raises 5, and 91 once its own has
 /// ended.
-class RecordClass : public Object {
+class TAVELOR_API RecordClass : public Object {
  public:
   ~RecordClass() override;
   RecordClass(const RecordClass&) = delete;
@@ -84,9 +85,11 @@ class RecordClass : public Object {
   /// From 1; 0 on any error.
   std::int32_t AbsolutePosition() const;
 
-  /// Adds a row. The next code is computed in any case and written to the first field only if
-  /// `bDefVal` is true.
-  void AddNew(bool bDefVal = false);
+  /// Adds a row as the class does it where nothing is said of `bDefVal`.
+  void AddNew() { addRow(fillsNewRow()); }
+  /// Adds a row. In most classes the next code is computed in any case and written to the first
+  /// field only if `bDefVal` is true.
+  void AddNew(bool bDefVal) { addRow(bDefVal); }
   /// Deletes the current row, or only marks it, as the class says. Where it writes, all that is
   /// pending is written with it. After an error the rows that were not written are pending still.
   void Delete();
@@ -98,7 +101,7 @@ class RecordClass : public Object {
   /// Writes the current row; in classes that say so, all rows that are pending. Raises -2147217864
   /// where somebody else has changed the row meanwhile; after any error what was not written is
   /// pending still.
-  void Update();
+  virtual void Update();
   /// Begins a transaction, or a level inside one, on the connection that GetConnection gives.
   void CnnBeginTrans();
   /// Ends the innermost level and keeps what was written. Raises 3219 without one.
@@ -194,8 +197,17 @@ class RecordClass : public Object {
   virtual Statement modeStatement(std::string& word, const Variant& id) const;
   /// What NuevoCodigo and AddNew take the next code from.
   virtual Variant newCode(ConnectionPtr& objCn) const;
+  /// What AddNew does: a class whose own AddNew is another one is that through the frame too.
+  virtual void addRow(bool bDefVal);
+  /// What AddNew without `bDefVal` takes it for.
+  virtual bool fillsNewRow() const;
   /// Defaults of a new row beside its code. Runs last in AddNew.
   virtual void setDefaults(bool bDefVal);
+  /// What CodigoLibre answers.
+  virtual bool isCodeFree(const Variant& vId, ConnectionPtr& objCn) const;
+  /// What ToHtmlGrid does.
+  virtual void writeGridPage(const GridColumns& clColfields, bool bDoclone,
+                             std::string_view sSelecSql, bool bFilter);
 
   /// The primary record set; raises 91 before IniciaRs.
   Recordset& primary() const;
@@ -264,6 +276,8 @@ class RecordClass : public Object {
   void takePrimary(RecordsetPtr rows);
   void offerPrimary();
   void requireOwnRows(Recordset& rows, std::string_view path) const;
+  template <typename Work>
+  auto ofClass(Work&& work) const;
   RecordsetPtr greatest(Statement::Constant column, ConnectionPtr& objCn) const;
   void restoreOrder(std::string_view sLlave);
   void restoreOrForgetOrder(std::string_view sLlave);
@@ -285,7 +299,7 @@ class RecordClass : public Object {
 };
 
 /// IniciaRs(sSelecSql, id): the record set rides on a connection of its own.
-class OpensByWord : public RecordClass {
+class TAVELOR_API OpensByWord : public RecordClass {
  public:
   /// Opens the primary record set by the statement of the mode `sSelecSql`, which becomes "todos"
   /// where the class does not know it, for the code `id`. Rows come in the order that was last
@@ -297,7 +311,7 @@ class OpensByWord : public RecordClass {
 };
 
 /// IniciaRs(sSelecSql, id, cnnActive): the record set rides on the caller's connection, if given.
-class OpensByWordOnConnection : public RecordClass {
+class TAVELOR_API OpensByWordOnConnection : public RecordClass {
  public:
   /// Opens the primary record set by the statement of the mode `sSelecSql`, which becomes "todos"
   /// where the class does not know it, for the code `id`, on `cnnActive`, which is filled when it
@@ -310,7 +324,7 @@ class OpensByWordOnConnection : public RecordClass {
 };
 
 /// IniciaRs(cnnActive, sSelecSql, id).
-class OpensOnConnection : public RecordClass {
+class TAVELOR_API OpensOnConnection : public RecordClass {
  public:
   /// Opens the primary record set by the statement of the mode `sSelecSql`, which becomes "todos"
   /// where the class does not know it, for the code `id`, on `cnnActive`, which is filled when it

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 /// Error numbers. The small ones are the classic run-time errors, the 3xxx ones the record set's,
@@ -67,18 +69,39 @@ inline constexpr std::int32_t kBusy = -2147217843;
 inline constexpr std::int32_t kTransactionLost = -2147168231;
 }  // namespace errors
 
+/// What a program does about an error: tell its user, ask again, try again, give up. Each number is
+/// of one kind.
+enum class ErrorKind : std::uint8_t {
+  kArgument,    ///< a call that makes no sense: the program is wrong
+  kValue,       ///< a value of the wrong type, too large, too long, or Null
+  kNotFound,    ///< no such row, column, table, file, class or member
+  kConflict,    ///< somebody else has changed or deleted the row
+  kIntegrity,   ///< a key that is there already, or a Null that a table refuses
+  kBusy,        ///< locked by somebody else for the whole wait: try again
+  kClosed,      ///< what is not open, not there yet, or gone
+  kNotAllowed,  ///< not now, or not with this object
+  kCancelled,   ///< a listener or the program has said no
+  kSyntax,      ///< a statement that does not read, or names what is no column
+  kEngine,      ///< the file, the disk or the engine: no call is to blame
+  kOther,       ///< a number of an application's own
+};
+/// The kind of a number.
+TAVELOR_API ErrorKind errorKind(std::int32_t number) noexcept;
+
 /// What went wrong: a number for programs, a source and a description for people, and for whoever
 /// debugs the statement, the engine's own code and the place in the statement.
 ///
 /// Source, description and what() are for people whatever was quoted in them: valid UTF-8 without
 /// NUL, and at most some thousand bytes, of a longer one its beginning and its end.
-class Error : public std::exception {
+class TAVELOR_API Error : public std::exception {
  public:
   /// As whoever raises it tells; what() is made of all three.
   Error(std::int32_t number, std::string source, std::string description);
 
   /// One of errors, or an application's own.
   std::int32_t number() const noexcept { return number_; }
+  /// What to do about it.
+  ErrorKind kind() const noexcept { return errorKind(number_); }
   /// The class or part that raised it.
   const std::string& source() const noexcept { return source_; }
   /// What went wrong, for people.
@@ -91,12 +114,18 @@ class Error : public std::exception {
   /// The engine's own (extended) result code, or 0.
   std::int32_t nativeCode() const noexcept { return nativeCode_; }
 
+  /// What it was about (a table, a key) and what helps, one a line; or "". Not in description(),
+  /// whose words callers may compare.
+  const std::string& notes() const noexcept { return notes_; }
+
+  /// Adds a line to notes().
+  Error& noting(std::string_view note);
   /// Adds the statement unless one is known already: the innermost knows best.
   Error& inStatement(std::string_view statement, std::int64_t offset = -1);
   /// Adds the engine's own result code.
   Error& withNativeCode(std::int32_t code) noexcept;
 
-  /// "source: description (error number)", and the place in the statement when it is known.
+  /// "source: description (error number)", the notes, and the place in the statement where known.
   const char* what() const noexcept override { return what_.c_str(); }
 
  private:
@@ -107,22 +136,24 @@ class Error : public std::exception {
   std::int64_t offset_ = -1;
   std::string source_;
   std::string description_;
+  std::string notes_;
   std::string statement_;
   std::string what_;
 };
 
 /// Line and column, both from 1, columns counted in characters, of a byte offset in a UTF-8 text.
-struct TextPlace {
+struct TAVELOR_API TextPlace {
   std::int64_t line = 1;
   std::int64_t column = 1;
 };
 /// The line and column of a byte.
-TextPlace placeOf(std::string_view text, std::int64_t byteOffset);
+TAVELOR_API TextPlace placeOf(std::string_view text, std::int64_t byteOffset);
 
 /// The description that belongs to a number ("Type mismatch."), or "" for an unknown one.
-std::string_view defaultDescription(std::int32_t number) noexcept;
+TAVELOR_API std::string_view defaultDescription(std::int32_t number) noexcept;
 
 /// Raises `number` with its default description, followed by `detail` when there is one.
-[[noreturn]] void raise(std::int32_t number, std::string_view source, std::string_view detail = {});
+[[noreturn]] TAVELOR_API void raise(std::int32_t number, std::string_view source,
+                                    std::string_view detail = {});
 
 }  // namespace tavelor

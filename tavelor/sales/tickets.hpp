@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/sales/life_cycle.hpp"
 
 namespace tavelor {
@@ -25,7 +26,7 @@ class LogFiles;
 /// syntax error. A number without quotes is printed by the locale, so its decimals raise that error
 /// under a decimal comma. Between reading a number and writing the ticket another till may take it:
 /// the database then refuses the second one.
-class ClsTickets final : public TicketTable<OpensByWord> {
+class TAVELOR_API ClsTickets final : public TicketTable<OpensByWord> {
  public:
   ClsTickets();
   ~ClsTickets() override;
@@ -316,6 +317,11 @@ class ClsTickets final : public TicketTable<OpensByWord> {
 
  private:
   Statement modeStatement(std::string& word, const Variant& id) const override;
+  void addRow(bool bDefVal) override { AddNew(bDefVal); }
+  Variant newCode(ConnectionPtr& objCn) const override { return NuevoCodigo({}, objCn); }
+  bool isCodeFree(const Variant& vId, ConnectionPtr& objCn) const override {
+    return CodigoLibre(vId, objCn);
+  }
 
   /// A column of the current row; the type's zero on any error.
   template <typename Result>

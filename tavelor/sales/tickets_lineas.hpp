@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/sales/life_cycle.hpp"
 
 namespace tavelor {
@@ -26,7 +27,7 @@ class GridColumns;
 /// Amounts are in the shop's currency, rates and discounts in percent. Values are joined into
 /// statements as they are, but for the description of Insertar: a quote in one raises the
 /// database's syntax error.
-class ClsTicketsLineas final : public TicketTable<OpensOnConnection> {
+class TAVELOR_API ClsTicketsLineas final : public TicketTable<OpensOnConnection> {
  public:
   ClsTicketsLineas();
   std::string typeName() const override { return "ClsTicketsLineas"; }
@@ -150,7 +151,7 @@ class ClsTicketsLineas final : public TicketTable<OpensOnConnection> {
   bool EditAddRecord() const;
   /// Sends the whole batch. An error is told to the user, "Ln · " and its text, and rises as it is;
   /// see Recordset::UpdateBatch for what is left then.
-  void Update();
+  void Update() override;
   /// Drops all pending changes.
   void CancelBatch();
 
@@ -162,6 +163,9 @@ class ClsTicketsLineas final : public TicketTable<OpensOnConnection> {
   /// the lines before it are in the sums. The set stays where it is.
   void SumaCol(bool bIncTax, InOut<double> dBase, InOut<double> dImpIva, InOut<double> dImpRecargo,
                bool bRecargos) const;
+
+ private:
+  void addRow(bool bDefVal) override { AddNew(bDefVal); }
 };
 
 }  // namespace tavelor

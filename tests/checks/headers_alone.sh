@@ -8,9 +8,10 @@ source "$(dirname "$0")/../../scripts/lib/common.sh"
 source tests/checks/headers.sh
 
 budget=45000
+all_budget=60000 # of the header that includes the others
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-export CXX=${CXX:-g++} scratch budget
+export CXX=${CXX:-g++} scratch budget all_budget
 accepted=build/headers_alone
 version=$("$CXX" --version)
 export accepted version
@@ -34,6 +35,7 @@ weigh() {
   lines=$(wc -l <"$text")
   rm -f "$text"
   printf '%7d  %-7s  %s\n' "$lines" "$kind" "$header"
+  [[ $header == tavelor/tavelor.hpp ]] && budget=$all_budget
   if [[ $kind == public && $lines -gt $budget ]]; then
     echo "$header is $lines lines after preprocessing; the budget of a public header is $budget" >&2
     return 1

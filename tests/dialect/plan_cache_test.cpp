@@ -155,7 +155,7 @@ class PlanCacheTest : public testing::Test {
   static Statement insertBare(std::string_view quantity) {
     return Statement("INSERT INTO Lineas (Cantidad) VALUES (") << spliced(quantity) << ")";
   }
-  static Statement insertQuoted(std::string_view name, std::string_view text) {
+  static Statement insertQuoted(Statement::Constant name, std::string_view text) {
     return Statement("INSERT INTO Lineas (") << name << ") VALUES ('" << spliced(text) << "')";
   }
 
@@ -323,7 +323,7 @@ TEST_F(PlanCacheTest, ConstantsAroundAndBetweenValuesBelongToTheLiteral) {
 }
 
 TEST_F(PlanCacheTest, ConstantsOfTheTextAreTakenFromTheStatementAtHand) {
-  const auto insert = [](std::string_view constant, std::string_view code) {
+  const auto insert = [](Statement::Constant constant, std::string_view code) {
     return Statement("INSERT INTO Lineas (Cantidad, Codigo) VALUES (")
            << constant << ", '" << spliced(code) << "')";
   };
@@ -371,7 +371,7 @@ TEST_F(PlanCacheTest, TextsThatDifferBehindTheirValuesAreAllRemembered) {
   for (int round = 0; round < 3; ++round) {
     for (int constant = 10; constant < 40; ++constant) {
       run(Statement("DELETE FROM Lineas WHERE Codigo = '")
-          << spliced("a") << "' AND Unidades = " << std::to_string(constant));
+          << spliced("a") << "' AND Unidades = " << Statement::trusted(std::to_string(constant)));
       EXPECT_THAT(journal.bound, ElementsAre("text a", "whole " + std::to_string(constant)));
     }
   }
@@ -543,7 +543,8 @@ TEST_F(PlanCacheTest, AComposedTextNeedsAValueForEachPlaceholder) {
 TEST_F(PlanCacheTest, ManyShapesAreForgottenAndWhatIsUsedStays) {
   const auto shapeNumber = [](int number) {
     return Statement("SELECT Codigo AS C")
-           << std::to_string(number) << " FROM Lineas WHERE Codigo = '" << spliced("a") << "'";
+           << Statement::trusted(std::to_string(number)) << " FROM Lineas WHERE Codigo = '"
+           << spliced("a") << "'";
   };
   run(byCode("1"));
   for (int count = 1; count <= 1500; ++count) {

@@ -8,6 +8,7 @@
 #include "tavelor/services/dialect/plan_cache.hpp"
 #include "tavelor/services/recordset/connection_trace.hpp"
 #include "tavelor/services/recordset/recordset_parts.hpp"
+#include "tavelor/services/recordset/row_notes.hpp"
 #include "tavelor/services/recordset/table_rows.hpp"
 
 namespace tavelor {
@@ -93,7 +94,8 @@ void BatchWriter::writeAll(const std::vector<Row>& rows) {
         edit->failure = record_status::kConcurrencyViolation;
         conflicts_.push_back(row);
       }
-    } catch (const Error& error) {
+    } catch (Error& error) {
+      error.noting(rowNote(store_, row));
       edit->failure = failureOf(error);
       conflicts_.assign(1, row);
       throw;

@@ -6,6 +6,7 @@
 
 #include "tavelor/platform/error.hpp"
 #include "tavelor/services/recordset/recordset_parts.hpp"
+#include "tavelor/services/recordset/row_notes.hpp"
 
 namespace tavelor {
 
@@ -17,8 +18,8 @@ bool isConstant(const Variant& start) {
 
 }  // namespace
 
-void RecordsetCursor::raiseNoRow() {
-  raise(errors::kNoCurrentRecord, kRecordsetSource);
+void RecordsetCursor::raiseNoRow() const {
+  raiseNoCurrentRow(view_.store());
 }
 
 void RecordsetCursor::raiseDeleted() {

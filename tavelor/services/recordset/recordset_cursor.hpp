@@ -92,7 +92,7 @@ class RecordsetCursor {
   void restore(const Position& position);
 
  private:
-  [[noreturn]] static void raiseNoRow();
+  [[noreturn]] void raiseNoRow() const;
   [[noreturn]] static void raiseDeleted();
   void erase(std::int64_t index);
 

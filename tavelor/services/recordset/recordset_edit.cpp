@@ -8,6 +8,7 @@
 #include "tavelor/platform/text.hpp"
 #include "tavelor/platform/utf8.hpp"
 #include "tavelor/services/recordset/recordset_parts.hpp"
+#include "tavelor/services/recordset/row_notes.hpp"
 
 namespace tavelor {
 
@@ -202,7 +203,7 @@ void RecordsetEdit::requireScope(Affect affect) const {
     if (!view_.filter().isGroup()) {
       raise(errors::kNotAllowedInContext, kRecordsetSource, "The filter is no group of rows");
     }
-    if (view_.visibleRows() == 0) raise(errors::kNoCurrentRecord, kRecordsetSource);
+    if (view_.visibleRows() == 0) raiseNoCurrentRow(store());
   }
 }
 

@@ -6,6 +6,7 @@
 #include "tavelor/services/recordset/criteria.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 #include "tavelor/services/recordset/recordset_parts.hpp"
+#include "tavelor/services/recordset/row_notes.hpp"
 
 namespace tavelor {
 

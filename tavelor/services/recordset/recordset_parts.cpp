@@ -7,6 +7,7 @@
 
 #include "tavelor/platform/error.hpp"
 #include "tavelor/services/recordset/batch_writer.hpp"
+#include "tavelor/services/recordset/row_notes.hpp"
 #include "tavelor/services/recordset/row_refresher.hpp"
 
 namespace tavelor {
@@ -244,9 +245,7 @@ void RecordsetParts::write(const std::vector<Row>& rows) {
   edit.accept(writer.written());
   view.conflicting(writer.conflicts());
   if (!writer.conflicts().empty()) {
-    raise(errors::kRowNotLocated, kRecordsetSource,
-          "Rows not written: " + std::to_string(writer.conflicts().size()) + " of " +
-              std::to_string(rows.size()));
+    raiseNotLocated(*store, writer.conflicts(), "Rows not written", rows.size());
   }
 }
 
@@ -280,9 +279,7 @@ void RecordsetParts::resync(const std::vector<Row>& rows, ResyncValues values) {
     }
   }
   if (!missing.empty()) {
-    raise(errors::kRowNotLocated, kRecordsetSource,
-          "Rows not there any more: " + std::to_string(missing.size()) + " of " +
-              std::to_string(rows.size()));
+    raiseNotLocated(*store, missing, "Rows not there any more", rows.size());
   }
 }
 
