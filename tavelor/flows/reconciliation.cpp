@@ -16,6 +16,7 @@
 #include "tavelor/flows/decisions.hpp"
 #include "tavelor/flows/rows.hpp"
 #include "tavelor/flows/shop.hpp"
+#include "tavelor/frame/class_info.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/data_session.hpp"
