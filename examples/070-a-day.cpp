@@ -7,15 +7,18 @@
 #include "tavelor/flows/shop.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/services/apartment.hpp"
+#include "tavelor/services/clock.hpp"
 #include "tavelor/services/installation.hpp"
 
 int main() {
   try {
-    const tavelor::Apartment apartment(tavelor::Installation::create("shop"));
+    tavelor::Apartment apartment(tavelor::Installation::create("shop"));
+    apartment.clock().fix(tavelor::Date::of(2026, 11, 20));
     tavelor::flows::seedCatalogues();
 
     // [day]
     tavelor::flows::Shop shop;
+    shop.openTills({"01"});
     tavelor::flows::Sale sale;
     sale.reference = "V0001";
     sale.till = "01";

@@ -20,6 +20,8 @@
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/platform/variant.hpp"
+#include "tavelor/services/apartment.hpp"
+#include "tavelor/services/clock.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/installation.hpp"
 #include "tools/built_in_day.hpp"
@@ -50,8 +52,9 @@ InvoiceNo, StockCode, Quantity, InvoiceDate and, where they are there, UnitPrice
 included), Description, CustomerID, Country, Family, Tax (percent, else 21), Payment,
 Delivered, Till. A negative quantity is a return. A line without a price is sold at
 the customer's own price, offer, tariff and discount. Payment is a method of the shop
-by code or name, or the word credit. Without a file a small day is sold that comes
-with the program.
+by code or name, or the word credit. Credit that a customer does not have, by his
+limit or because he is blocked, is refused unless --grant-credit says otherwise.
+Without a file a small day is sold that comes with the program.
 
 A sale that is there already, by its InvoiceNo, is not sold twice: after an
 interruption, of whatever kind, give the same command again. Several programs may
@@ -68,6 +71,7 @@ struct DayOptions {
   std::string from;
   std::string to;
   std::string report;
+  bool grantCredit = false;
 };
 
 // ---------------------------------------------------------------------------------------------
@@ -115,6 +119,10 @@ class BuiltInSource final : public Source {
  public:
   explicit BuiltInSource(const std::vector<std::string>& tills) : sales_(builtInDay(tills)) {
     for (const flows::Sale& sale : sales_) total_ += sale.lines.size();
+    // Where the computer has not come to that day yet, the day is sold as if it had.
+    Clock& clock = Apartment::current().clock();
+    const Date day = sales_.front().day;
+    if (clock.today() < day) clock.fix(day);
   }
 
   bool next(flows::Sale& sale) override {
@@ -139,8 +147,11 @@ class BuiltInSource final : public Source {
 /// Sells at some tills, day after day.
 class Replay {
  public:
-  Replay(Source& source, Refusals& refusals, std::vector<std::string> tills)
-      : source_(source), refusals_(refusals), tills_(std::move(tills)) {
+  Replay(Source& source, Refusals& refusals, std::vector<std::string> tills, bool grantsCredit)
+      : source_(source),
+        refusals_(refusals),
+        tills_(std::move(tills)),
+        grantsCredit_(grantsCredit) {
     mended_ = shop_.recover();
     if (!mended_.undecided.empty()) throw flows::Disagreement(mended_.undecided);
     shop_.openTills(tills_);
@@ -185,18 +196,51 @@ class Replay {
     for (const flows::Unpriced& each : shop_.price(sale)) {
       refusals_.add({{each.line.origin, sale.reference, each.reason}});
     }
-    if (sale.lines.empty()) return;
+    if (!sell(sale)) return;
     reconciliation_.expect(sale);
-    if (shop_.sell(sale)) {
-      ++sold_;
-      soldLines_ += sale.lines.size();
-    } else {
-      ++known_;
-    }
     open_.emplace(sale.day.days(), sale.till);
     days_.insert(sale.day.days());
     first_ = std::min(first_.value_or(sale.day), sale.day);
     last_ = std::max(last_.value_or(sale.day), sale.day);
+  }
+
+  /// What can be sold of it; false where nothing can. Lines with a fault leave the sale.
+  bool sell(flows::Sale& sale) {
+    sale.isCreditGranted = grantsCredit_;
+    while (!sale.lines.empty()) {
+      try {
+        if (shop_.sell(sale)) {
+          ++sold_;
+          soldLines_ += sale.lines.size();
+        } else {
+          ++known_;
+        }
+        return true;
+      } catch (const flows::RefusedSale& refused) {
+        dropRefused(sale, refused.faults());
+      }
+    }
+    return false;
+  }
+
+  /// A fault of the sale as such refuses each of its lines.
+  void dropRefused(flows::Sale& sale, const std::vector<flows::SaleFault>& faults) {
+    std::set<std::size_t> places;
+    for (const flows::SaleFault& fault : faults) {
+      if (fault.line > 0) {
+        refusals_.add({{fault.origin, sale.reference, fault.reason}});
+        places.insert(fault.line);
+        continue;
+      }
+      for (const flows::SaleLine& line : sale.lines) {
+        refusals_.add({{line.origin, sale.reference, fault.reason}});
+      }
+      sale.lines.clear();
+      return;
+    }
+    for (auto place = places.rbegin(); place != places.rend(); ++place) {
+      sale.lines.erase(sale.lines.begin() + static_cast<std::ptrdiff_t>(*place) - 1);
+    }
   }
 
   /// Closes all days with sales but one, and writes the page of each.
@@ -221,6 +265,7 @@ class Replay {
   Source& source_;
   Refusals& refusals_;
   std::vector<std::string> tills_;
+  bool grantsCredit_;
   flows::Recovered mended_;
   flows::Reconciliation reconciliation_;
   std::set<std::pair<double, std::string>> open_;  // days and tills with sales, not closed
@@ -348,7 +393,7 @@ void replay(const DayOptions& options, const Common& common) {
   Refusals refusals(options.report, options.sales, session.installation());
 
   const auto began = std::chrono::steady_clock::now();
-  Replay replay(*source, refusals, own);
+  Replay replay(*source, refusals, own, options.grantCredit);
   tellMended(replay.mended());
   std::fflush(stdout);
   std::string fault;
@@ -391,6 +436,8 @@ void addDay(CLI::App& app, Common& common) {
       ->type_name("TILL,...");
   command->add_option("--from", options->from, "First day of the file")->type_name("DAY");
   command->add_option("--to", options->to, "Last day")->type_name("DAY");
+  command->add_flag("--grant-credit", options->grantCredit,
+                    "Sell on credit beyond the limit, to blocked customers too");
   command->add_option("--report", options->report, "Write all refused lines to this file")
       ->type_name("FILE");
   addInstallationOptions(*command, common);

@@ -22,13 +22,6 @@ namespace tavelor::tools {
 namespace {
 
 constexpr double kPatience = 15.0 / (24 * 60);  // days between two lines of a sale
-// What the columns of the tables hold.
-constexpr std::size_t kCodeWidth = 20;
-constexpr std::size_t kReferenceWidth = 50;
-constexpr std::size_t kDescriptionWidth = 255;
-constexpr std::size_t kFamilyWidth = 10;
-constexpr std::size_t kCustomerWidth = 20;
-constexpr std::size_t kPlaceWidth = 100;
 constexpr std::size_t kPaymentWidth = 50;
 
 constexpr std::string_view kCash = "1";
@@ -139,16 +132,19 @@ bool SalesFile::readLine(Line& line) {
   const bool isDate = date && moment.size() >= 10 && moment[4] == '-' && date->days() >= 1;
   if (isDate && !wanted(date->dayOnly())) return false;  // whatever else is wrong with it
 
+  using Widths = flows::SaleWidths;
   struct Width {
     Column column;
     std::size_t most;
     bool needed;
   };
-  static constexpr Width kWidths[] = {
-      {kReference, kReferenceWidth, true},      {kCode, kCodeWidth, true},
-      {kDescription, kDescriptionWidth, false}, {kFamily, kFamilyWidth, false},
-      {kCustomer, kCustomerWidth, false},       {kPlace, kPlaceWidth, false},
-      {kPayment, kPaymentWidth, false}};
+  static constexpr Width kWidths[] = {{kReference, Widths::kReference, true},
+                                      {kCode, Widths::kCode, true},
+                                      {kDescription, Widths::kDescription, false},
+                                      {kFamily, Widths::kFamily, false},
+                                      {kCustomer, Widths::kCustomer, false},
+                                      {kPlace, Widths::kPlace, false},
+                                      {kPayment, kPaymentWidth, false}};
   for (const Width& width : kWidths) {
     const std::string_view given = text(width.column);
     if (width.needed && given.empty())
@@ -184,15 +180,11 @@ bool SalesFile::readLine(Line& line) {
       !readNumber(kDelivered, flows::kMostMoney, line.delivered, 0)) {
     return false;
   }
-  if (sold.quantity == 0) return refuse("the quantity is 0");
-  if (sold.price == 0 && !sold.wantsPrice) return refuse("the price is 0");
-  if (sold.price < 0) return refuse("the price is negative");
-  if (sold.tax < 0 && !text(kTax).empty()) return refuse("the tax is negative");
-  if (std::abs(sold.quantity * sold.price) > flows::kMostMoney)
-    return refuse("the amount is too large");
   sold.code = text(kCode);
   sold.description = text(kDescription);
   sold.family = text(kFamily);
+  if (sold.tax < 0 && !text(kTax).empty()) return refuse("the tax is negative");
+  if (std::string fault = flows::faultOf(sold); !fault.empty()) return refuse(std::move(fault));
   if (sold.family.empty() && !sold.wantsPrice) sold.family = familyOf(sold.code);
   return true;
 }

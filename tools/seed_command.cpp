@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 // tavelor seed: fills the catalogues of a new installation.
 #include <CLI/CLI.hpp>
+#include <memory>
 
 #include <fmt/format.h>
 
+#include "tavelor/flows/issuer.hpp"
 #include "tavelor/flows/seed.hpp"
 #include "tools/command.hpp"
+#include "tools/output.hpp"
 #include "tools/session.hpp"
 
 namespace tavelor::tools {
@@ -19,13 +22,25 @@ and the walk-in customer, whom nobody at the till knows by name. What has rows
 already is left alone, so a second run adds nothing.
 
   tavelor new shop
-  tavelor seed shop)";
+  tavelor seed shop --name "Colmado Rius" --nif 12345678Z)";
 
 std::string rowsText(std::size_t rows) {
   return rows == 1 ? "1 row" : fmt::format("{} rows", rows);
 }
 
-void seed(const Common& common) {
+/// What is not told stays as it is.
+void name(const flows::Issuer& told) {
+  flows::Issuer issuer = flows::issuer();
+  if (!told.name.empty()) issuer.name = told.name;
+  if (!told.fiscalNumber.empty()) issuer.fiscalNumber = told.fiscalNumber;
+  if (!told.address.empty()) issuer.address = told.address;
+  if (!told.place.empty()) issuer.place = told.place;
+  flows::setIssuer(issuer);
+  fmt::print("receipts begin with {}{}\n", printable(issuer.name),
+             issuer.fiscalNumber.empty() ? "" : ", NIF " + printable(issuer.fiscalNumber));
+}
+
+void seed(const flows::Issuer& issuer, const Common& common) {
   const Session session(common);
   std::size_t added = 0;
   for (const flows::Seeded& seeded : flows::seedCatalogues()) {
@@ -34,7 +49,10 @@ void seed(const Common& common) {
                seeded.added > 0 ? rowsText(seeded.added) + " added"
                                 : rowsText(seeded.kept) + " there, left alone");
   }
-  if (added == 0) fmt::print("Nothing to add.\n");
+  const bool isNamed = !issuer.name.empty() || !issuer.fiscalNumber.empty() ||
+                       !issuer.address.empty() || !issuer.place.empty();
+  if (isNamed) name(issuer);
+  if (added == 0 && !isNamed) fmt::print("Nothing to add.\n");
 }
 
 }  // namespace
@@ -42,9 +60,15 @@ void seed(const Common& common) {
 void addSeed(CLI::App& app, Common& common) {
   CLI::App* command = app.add_subcommand("seed", "Fill the catalogues of a new installation");
   command->add_option("folder", common.folder, "Folder of the installation")->type_name("FOLDER");
+  auto issuer = std::make_shared<flows::Issuer>();
+  command->add_option("--name", issuer->name, "Of the shop, on top of its receipts")
+      ->type_name("TEXT");
+  command->add_option("--nif", issuer->fiscalNumber, "Its fiscal number")->type_name("NUMBER");
+  command->add_option("--address", issuer->address, "Street and number")->type_name("TEXT");
+  command->add_option("--place", issuer->place, "Town")->type_name("TEXT");
   addInstallationOptions(*command, common);
   command->footer(kFooter);
-  command->callback([&common] { seed(common); });
+  command->callback([issuer, &common] { seed(*issuer, common); });
 }
 
 }  // namespace tavelor::tools

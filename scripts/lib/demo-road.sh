@@ -28,7 +28,7 @@ tavelor() {
 
 tell "An installation is one folder, with what a shop needs on its first day."
 tavelor new "$TAVELOR_HOME"
-tavelor seed "$TAVELOR_HOME"
+tavelor seed "$TAVELOR_HOME" --name "Colmado Rius" --nif 12345678Z
 
 tell "Articles and suppliers from files, and goods from them: stock, lots, costs, and what is owed."
 cat >"$folder/articles.csv" <<'END'

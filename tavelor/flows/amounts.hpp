@@ -16,6 +16,19 @@ inline double amountOf(double quantity, double price) {
   return roundHalfAway(quantity * price, 2);
 }
 
+/// An amount by what of it is tax. Both parts are whole cents, and add up to it.
+struct TaxSplit {
+  double base = 0;
+  double tax = 0;
+};
+
+/// Of the sum of all lines of a rate (percent) in one ticket, which holds the tax or not.
+inline TaxSplit splitOf(double sum, double rate, bool isIncluded = true) {
+  sum = roundHalfAway(sum, 2);
+  const double tax = roundHalfAway(sum * rate / (isIncluded ? 100 + rate : 100), 2);
+  return {isIncluded ? roundHalfAway(sum - tax, 2) : sum, tax};
+}
+
 /// The sum of the lines' amounts, each in whole cents.
 template <typename Lines>
 double totalOf(const Lines& lines) {

@@ -5,20 +5,18 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 #include <optional>
 #include <string_view>
 #include <unordered_map>
 
+#include "tavelor/flows/issuer.hpp"
 #include "tavelor/flows/rows.hpp"
 #include "tavelor/frame/class_info.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/statement.hpp"
-#include "tavelor/services/apartment.hpp"
 #include "tavelor/services/data_session.hpp"
-#include "tavelor/services/installation.hpp"
 
 namespace tavelor::flows {
 
@@ -53,7 +51,7 @@ class Gatherer {
   }
 
   PageFigures gather() {
-    nameShop();
+    figures_.shop = issuer().name;
     countTickets();
     readHours();
     readDays();
@@ -82,18 +80,6 @@ class Gatherer {
     statement << table << inTheDays(table);
     const Rows rows(selector::kDocuments, statement);
     return {rows.whole("Cuantos"), rows.number("Importe")};
-  }
-
-  void nameShop() {
-    const Rows rows(selector::kMain,
-                    Statement("SELECT Nombre, Razon_Social FROM Tipos_Documento WHERE "
-                              "Predeterminada = True ORDER BY Codigo"));
-    if (rows.hasRow()) figures_.shop = rows.text("Nombre");
-    if (rows.hasRow() && figures_.shop.empty()) figures_.shop = rows.text("Razon_Social");
-    if (figures_.shop.empty()) {
-      figures_.shop =
-          std::filesystem::path(Apartment::current().installation().folder()).filename().string();
-    }
   }
 
   void countTickets() {

@@ -6,9 +6,9 @@
 
 #include "tavelor/flows/rows.hpp"
 #include "tavelor/frame/class_info.hpp"
-#include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
+#include "tavelor/services/recordset/connection.hpp"
 
 namespace tavelor::flows {
 
@@ -47,9 +47,7 @@ const PaymentMethod* PaymentMethods::find(std::string_view word) const {
     const auto found = std::find_if(methods_.begin(), methods_.end(), is);
     return found == methods_.end() ? nullptr : &*found;
   };
-  if (const PaymentMethod* method = first([&](const auto& each) { return each.code == word; })) {
-    return method;
-  }
+  if (const PaymentMethod* method = byCode(word)) return method;
   if (const PaymentMethod* method =
           first([&](const auto& each) { return text::equalsIgnoreCase(each.name, word); })) {
     return method;
@@ -57,11 +55,10 @@ const PaymentMethod* PaymentMethods::find(std::string_view word) const {
   return meansCredit(word) ? first([](const auto& each) { return each.isOnCredit; }) : nullptr;
 }
 
-std::optional<PaymentMethod> paymentMethod(const std::string& code, ConnectionPtr connection) {
-  Statement statement(kSelect);
-  statement << " WHERE codigo = " << sqlText(code);
-  const Rows row(selector::kMain, statement, std::move(connection));
-  return row.hasRow() ? std::optional(methodOf(row)) : std::nullopt;
+const PaymentMethod* PaymentMethods::byCode(std::string_view code) const {
+  const auto found = std::find_if(methods_.begin(), methods_.end(),
+                                  [&](const PaymentMethod& each) { return each.code == code; });
+  return found == methods_.end() ? nullptr : &*found;
 }
 
 }  // namespace tavelor::flows

@@ -12,6 +12,8 @@
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/statement.hpp"
+#include "tavelor/services/apartment.hpp"
+#include "tavelor/services/clock.hpp"
 
 namespace tavelor::flows {
 
@@ -19,11 +21,20 @@ namespace {
 
 constexpr double kUntouched = -1;  // no row grants a price below zero
 
-/// What a look-up of a customer's own prices grants.
-struct Granted {
-  bool applies = false;
-  double price = kUntouched;
-  float percent = 0;
+/// The classes compare offers with today: for as long as it lives, that is another day.
+class AnotherDay {
+ public:
+  explicit AnotherDay(std::optional<Date> day)
+      : clock_(Apartment::current().clock()), before_(clock_) {
+    if (day) clock_.fix(*day);
+  }
+  ~AnotherDay() { clock_ = before_; }
+  AnotherDay(const AnotherDay&) = delete;
+  AnotherDay& operator=(const AnotherDay&) = delete;
+
+ private:
+  Clock& clock_;
+  Clock before_;
 };
 
 }  // namespace
@@ -45,6 +56,21 @@ Prices::Conditions Prices::conditionsOf(const std::string& customer) {
   return conditions;
 }
 
+/// The customer's own price of the article, else of its family; false where neither applies.
+bool Prices::grant(const std::string& code, const std::string& family, const Conditions& conditions,
+                   double& price, float& percent) {
+  if (conditions.customer.empty()) return false;
+  const AnotherDay onThatDay(conditions.day);
+  const std::string owner = doubledQuotes(conditions.customer);
+  const double priceBefore = price;
+  const float percentBefore = percent;
+  if (ofCustomers_.GetPrecioVenta(code, owner, price, percent, main_)) return true;
+  price = priceBefore;
+  percent = percentBefore;
+  return !family.empty() &&
+         ofCustomers_.GetPrecioVentaFamilia(doubledQuotes(family), owner, price, percent, main_);
+}
+
 std::string Prices::fill(SaleLine& line, const Conditions& conditions) {
   const std::string code = doubledQuotes(line.code);
   Statement statement(
@@ -55,32 +81,28 @@ std::string Prices::fill(SaleLine& line, const Conditions& conditions) {
   if (!article.hasRow()) {
     return fmt::format("there is no price, and the shop has no article {}", line.code);
   }
-  const std::string family = article.text("Familia");
-  const std::string owner = doubledQuotes(conditions.customer);
+  const std::string family =
+      conditions.family.empty() ? article.text("Familia") : conditions.family;
   const float usual = article.flag("Descuento") ? static_cast<float>(conditions.discount) : 0.0F;
-  Granted granted{.percent = usual};
-  if (!conditions.customer.empty()) {
-    granted.applies =
-        ofCustomers_.GetPrecioVenta(code, owner, granted.price, granted.percent, main_);
-    if (!granted.applies) {
-      granted = {.percent = usual};
-      granted.applies = !family.empty() &&
-                        ofCustomers_.GetPrecioVentaFamilia(doubledQuotes(family), owner,
-                                                           granted.price, granted.percent, main_);
-    }
+  double price = kUntouched;
+  float percent = usual;
+  if (!grant(code, family, conditions, price, percent)) {
+    price = kUntouched;
+    percent = usual;
   }
-  if (granted.price == kUntouched) {
+  if (price == kUntouched) {
     const std::string& tariff = conditions.tariff;
     const bool isColumn = tariff == "A" || tariff == "B" || tariff == "C";
-    granted.price = isColumn ? article.number("Tarifa_" + tariff)
-                             : articles_.GetPrecioTarifa(code, doubledQuotes(tariff), main_);
-    if (granted.price <= 0) {
+    price = isColumn ? article.number("Tarifa_" + tariff)
+                     : articles_.GetPrecioTarifa(code, doubledQuotes(tariff), main_);
+    if (price <= 0) {
       return fmt::format("there is no price, and the article has none in tariff {}", tariff);
     }
   }
-  line.price = granted.price;
+  line.price = price;
+  line.isFree = price == 0;
   // Percentages are kept in single precision: 12,3 would come as 12,300000190734863.
-  line.discount = roundHalfAway(static_cast<double>(granted.percent), 4);
+  line.discount = roundHalfAway(static_cast<double>(percent), 4);
   line.wantsPrice = false;
   if (line.description.empty()) line.description = article.text("Descripcion");
   if (line.family.empty()) line.family = family;

@@ -2,7 +2,9 @@
 // What the shop asks of a customer for an article.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "tavelor/articles/articulos.hpp"
 #include "tavelor/articles/articulos_precios_ventas.hpp"
@@ -13,7 +15,8 @@ namespace tavelor::flows {
 
 /// Prices of lines that bring none, in this order:
 ///
-/// 1. the customer's own price of the article, where it applies today: an offer that runs is net,
+/// 1. the customer's own price of the article, where it applies that day: an offer that runs is
+/// net,
 ///    any other row leaves the customer's discount or grants its own percentage;
 /// 2. the customer's price of the article's family;
 /// 3. the article's price in the customer's tariff, less the customer's discount where the article
@@ -24,14 +27,18 @@ namespace tavelor::flows {
 /// where there is none. Tariffs hold the tax.
 class Prices {
  public:
+  /// Over a connection to the main database.
   explicit Prices(ConnectionPtr main) : main_(std::move(main)) {}
 
   /// Who buys, and at what.
   struct Conditions {
-    std::string customer;  ///< "" for nobody
-    std::string tariff = "A";
-    double discount = 0;  ///< percent
+    std::string customer;          ///< "" for nobody
+    std::string tariff = "A";      ///< its price, where no other one is granted
+    double discount = 0;           ///< percent
+    std::string family = {};       ///< "" for the article's
+    std::optional<Date> day = {};  ///< on which offers must run; today, where none is given
   };
+  /// Of a customer by his code, or of who is anybody.
   Conditions conditionsOf(const std::string& customer);
 
   /// Gives a line its price and its discount and, where it has none, its text, family and tax. What
@@ -40,6 +47,8 @@ class Prices {
 
  private:
   bool readConditions(const std::string& customer, Conditions& to);
+  bool grant(const std::string& code, const std::string& family, const Conditions& conditions,
+             double& price, float& percent);
 
   ConnectionPtr main_;
   clsArticulos articles_;

@@ -7,13 +7,14 @@
 
 namespace tavelor::flows {
 
-/// A ticket as its receipt, line by line, wherever it lies: shop, number, day and till, the
-/// customer, the lines, taxes, total, what was delivered and given back, comments. Nothing for a
-/// ticket that is not there.
+/// A ticket as its receipt, line by line, wherever it lies: who the shop is, number, day and till,
+/// the customer, the lines, total, what was delivered and given back, base and tax by rate, which
+/// add up to the total to the cent, comments. Made of the stored lines. Thirty characters wide but
+/// for texts that are wider. Nothing for a ticket that is not there.
 std::vector<std::string> ticketText(double number);
 
-/// A closing as its slip: the closing, then its families, payments and taxes. Nothing for a closing
-/// that is not there.
+/// A closing as its slip: who the shop is, the closing, then its families, payments and taxes.
+/// Nothing for a closing that is not there.
 std::vector<std::string> slipText(double closing);
 
 /// Where the slip of a closing lies.

@@ -4,15 +4,25 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <string_view>
+#include <unordered_set>
 
 #include <fmt/format.h>
 
+#include "tavelor/articles/articulos.hpp"
+#include "tavelor/articles/articulos_almacenes.hpp"
+#include "tavelor/articles/articulos_lotes.hpp"
+#include "tavelor/articles/articulos_mov_almacen.hpp"
+#include "tavelor/articles/articulos_precios.hpp"
 #include "tavelor/flows/sale.hpp"
 #include "tavelor/flows/shop_inner.hpp"
+#include "tavelor/platform/format.hpp"
 #include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/clock.hpp"
 #include "tavelor/services/format_global.hpp"
+#include "tavelor/suppliers/proveedores_apuntes_conta.hpp"
 
 namespace tavelor::flows {
 
@@ -57,8 +67,62 @@ bool isSame(double a, double b) {
 
 }  // namespace
 
+/// All members work on the delivery at hand.
+class Receiving::Inner {
+ public:
+  Inner();
+  Receipt take(const Delivery& delivery, bool keeps);
+
+ private:
+  struct Article;
+  struct Known;
+  struct Order;
+  struct Posting;
+
+  std::string checkHead(const Delivery& delivery);
+  std::optional<Known> known(const Delivery& delivery);
+  std::string difference(const Delivery& delivery, const Known& known, bool& hasMovements);
+  bool hasOtherExpiry(const DeliveryLine& line);
+  double freeNumber();
+
+  std::string take(const DeliveryLine& line, Posting& posting);
+  Article articleOf(const DeliveryLine& line);
+  std::string checkValues(const DeliveryLine& line) const;
+  std::string checkArticle(const DeliveryLine& line, const Article& article) const;
+  std::string checkWarehouse(const DeliveryLine& line);
+  std::string checkLot(const DeliveryLine& line, const Posting& posting, Article& article);
+  void moveStock(const DeliveryLine& line, const Article& article);
+  void writeMovement(const DeliveryLine& line, const Article& article, Posting& posting);
+  void writePrices(const DeliveryLine& line, const Article& article, const Posting& posting);
+  void charge(const Delivery& delivery, const Posting& posting);
+  std::vector<Order> ordersOf(const Article& article, const std::string& warehouse, double arrived);
+
+  ConnectionPtr main_;
+  std::string quantityMask_;
+  RoundingMask rounded_;
+  clsArticulos articles_;
+  ClsArticulosAlmacenes warehouses_;
+  ClsArticulosLotes lots_;
+  ClsArticulosMovAlmacen movements_;
+  ClsArticulosPrecios prices_;
+  ClsProveedoresApuntesConta ledger_;
+
+  // Of the delivery at hand: another program may write the catalogue between two of them.
+  std::unordered_set<std::string> knownWarehouses_;
+};
+
+Receiving::Receiving() : inner_(std::make_unique<Inner>()) {}
+Receiving::~Receiving() = default;
+
+Receipt Receiving::receive(const Delivery& delivery) {
+  return inner_->take(delivery, true);
+}
+Receipt Receiving::rehearse(const Delivery& delivery) {
+  return inner_->take(delivery, false);
+}
+
 /// What the shop has of the article of a line, before it; and what the line adds.
-struct Receiving::Article {
+struct Receiving::Inner::Article {
   bool isThere = false;
   std::string code;    // as the classes take it
   double stock = 0;    // stock units
@@ -76,34 +140,32 @@ struct Receiving::Article {
 };
 
 /// What a warehouse has on order of an article.
-struct Receiving::Order {
+struct Receiving::Inner::Order {
   std::string warehouse;
   double units = 0;  // stock units
 };
 
 /// A delivery that was received.
-struct Receiving::Known {
+struct Receiving::Inner::Known {
   double number = 0;
   Date day;
   double amount = 0;
 };
 
 /// A delivery on its way into the tables.
-struct Receiving::Posting {
+struct Receiving::Inner::Posting {
   const Delivery& delivery;
   double number = 0;      // of the delivery
   double movement = 0;    // key of the next one
   std::size_t place = 0;  // of the line at hand, from 1
 };
 
-Receiving::Receiving()
+Receiving::Inner::Inner()
     : main_(DataSession().OpenConnection(selector::kMain)),
       quantityMask_(Apartment::current().formatGlobal().QuantityFormat()),
       rounded_(quantityMask_, Apartment::current().locale()) {}
 
-Receiving::~Receiving() = default;
-
-Receipt Receiving::take(const Delivery& delivery, bool keeps) {
+Receipt Receiving::Inner::take(const Delivery& delivery, bool keeps) {
   Receipt receipt;
   const auto refuse = [&](std::uint64_t origin, std::string reason) {
     if (!reason.empty()) receipt.faults.push_back({origin, std::move(reason)});
@@ -143,7 +205,7 @@ Receipt Receiving::take(const Delivery& delivery, bool keeps) {
 // ---------------------------------------------------------------------------------------------
 // The delivery as such
 
-std::string Receiving::checkHead(const Delivery& delivery) {
+std::string Receiving::Inner::checkHead(const Delivery& delivery) {
   if (delivery.note.empty()) return "Albaran is empty";
   if (tavelor::text::length(delivery.note) > kNoteWidth) {
     return fmt::format("Albaran has more than {} characters", kNoteWidth);
@@ -164,7 +226,7 @@ std::string Receiving::checkHead(const Delivery& delivery) {
   return {};
 }
 
-std::optional<Receiving::Known> Receiving::known(const Delivery& delivery) {
+std::optional<Receiving::Inner::Known> Receiving::Inner::known(const Delivery& delivery) {
   Statement statement(
       "SELECT Documento_E, Fecha, Haber FROM Proveedores_Apuntes_Contables WHERE Codigo = ");
   statement << sqlText(delivery.supplier) << " AND Concepto = " << sqlText(entryText(delivery))
@@ -176,8 +238,8 @@ std::optional<Receiving::Known> Receiving::known(const Delivery& delivery) {
 
 /// What the delivery differs in from the known one, "" for nothing: line by line, by its movements.
 /// Where they were purged the ledger's entry alone has to do.
-std::string Receiving::difference(const Delivery& delivery, const Known& known,
-                                  bool& hasMovements) {
+std::string Receiving::Inner::difference(const Delivery& delivery, const Known& known,
+                                         bool& hasMovements) {
   constexpr const char* kOtherLines = " with other lines, or in another order";
   if (delivery.day != known.day) return fmt::format(", not on {}", isoDay(delivery.day));
   if (!isSame(delivery.total(), known.amount)) return " with another amount";
@@ -205,7 +267,7 @@ std::string Receiving::difference(const Delivery& delivery, const Known& known,
 }
 
 /// Than the one that is stored of its lot. A line that gives none takes the lot as it is.
-bool Receiving::hasOtherExpiry(const DeliveryLine& line) {
+bool Receiving::Inner::hasOtherExpiry(const DeliveryLine& line) {
   if (!line.expires || !hasLot(line)) return false;
   Statement statement("SELECT Caduca FROM Articulos_Lotes WHERE Codigo = ");
   statement << sqlText(line.code) << " AND Lote = " << sqlText(line.lot);
@@ -215,7 +277,7 @@ bool Receiving::hasOtherExpiry(const DeliveryLine& line) {
 
 /// The key that the ledger's entry will get, unless movements of that number are left of an entry
 /// that was deleted.
-double Receiving::freeNumber() {
+double Receiving::Inner::freeNumber() {
   double free = asNumber(ledger_.NuevoCodigo(main_));
   const auto isTaken = [&] {
     Statement statement("SELECT Id FROM Articulos_Movimientos_Almacen WHERE Estado = ");
@@ -228,7 +290,7 @@ double Receiving::freeNumber() {
 }
 
 /// The shop owes what was delivered. Taxes come with the invoice.
-void Receiving::charge(const Delivery& delivery, const Posting& posting) {
+void Receiving::Inner::charge(const Delivery& delivery, const Posting& posting) {
   ledger_.Insertar({.sSerie = std::string(kSeries),
                     .sCodigo = doubledQuotes(posting.delivery.supplier),
                     .dtFecha = delivery.day,
@@ -244,7 +306,7 @@ void Receiving::charge(const Delivery& delivery, const Posting& posting) {
 // A line
 
 /// Posts a line, or says what is wrong with it.
-std::string Receiving::take(const DeliveryLine& line, Posting& posting) {
+std::string Receiving::Inner::take(const DeliveryLine& line, Posting& posting) {
   ++posting.place;
   if (std::string fault = checkValues(line); !fault.empty()) return fault;
   Article article = articleOf(line);
@@ -258,7 +320,7 @@ std::string Receiving::take(const DeliveryLine& line, Posting& posting) {
   return {};
 }
 
-std::string Receiving::checkValues(const DeliveryLine& line) const {
+std::string Receiving::Inner::checkValues(const DeliveryLine& line) const {
   const auto fault = [](std::string_view name, double number) -> std::string {
     if (number == 0) return fmt::format("{} is 0", name);
     if (number < 0) return fmt::format("{} is negative", name);
@@ -273,7 +335,7 @@ std::string Receiving::checkValues(const DeliveryLine& line) const {
   return {};
 }
 
-Receiving::Article Receiving::articleOf(const DeliveryLine& line) {
+Receiving::Inner::Article Receiving::Inner::articleOf(const DeliveryLine& line) {
   Article article;
   article.code = doubledQuotes(line.code);
   Statement statement(
@@ -298,7 +360,7 @@ Receiving::Article Receiving::articleOf(const DeliveryLine& line) {
 
 /// Bought is what a supplier's document finds: an article in use, of which stock is kept, and no
 /// package.
-std::string Receiving::checkArticle(const DeliveryLine& line, const Article& article) const {
+std::string Receiving::Inner::checkArticle(const DeliveryLine& line, const Article& article) const {
   const auto fault = [&](std::string_view what) {
     return fmt::format("Codigo is {}: {}", what, shown(line.code));
   };
@@ -318,7 +380,7 @@ std::string Receiving::checkArticle(const DeliveryLine& line, const Article& art
   return {};
 }
 
-std::string Receiving::checkWarehouse(const DeliveryLine& line) {
+std::string Receiving::Inner::checkWarehouse(const DeliveryLine& line) {
   const std::string code = warehouseOf(line);
   if (knownWarehouses_.contains(code)) return {};
   Statement statement("SELECT Codigo FROM Almacenes WHERE Codigo = ");
@@ -330,8 +392,8 @@ std::string Receiving::checkWarehouse(const DeliveryLine& line) {
   return {};
 }
 
-std::string Receiving::checkLot(const DeliveryLine& line, const Posting& posting,
-                                Article& article) {
+std::string Receiving::Inner::checkLot(const DeliveryLine& line, const Posting& posting,
+                                       Article& article) {
   if (!hasLot(line)) {
     if (article.byLots) return fmt::format("Lote is empty, and {} is kept by lots", line.code);
     return line.expires ? "Caduca stands without a Lote" : "";
@@ -372,7 +434,7 @@ std::string Receiving::checkLot(const DeliveryLine& line, const Posting& posting
 
 /// All places get the same number: purchase units become stock units once, in articleOf(). What was
 /// on order is so no longer, as far as it came.
-void Receiving::moveStock(const DeliveryLine& line, const Article& article) {
+void Receiving::Inner::moveStock(const DeliveryLine& line, const Article& article) {
   const std::string& code = article.code;
   const std::string warehouse = warehouseOf(line);
   const double arrived = std::min(std::max(article.pending, 0.0), article.units);
@@ -406,8 +468,9 @@ void Receiving::moveStock(const DeliveryLine& line, const Article& article) {
 /// What warehouses have on order of an article, where some of it arrived: first the one that it
 /// came into, then the others by their codes, as goods for one are often unloaded at another. So
 /// article and warehouses fall by the same, unless the warehouses had less on order than came.
-std::vector<Receiving::Order> Receiving::ordersOf(const Article& article,
-                                                  const std::string& warehouse, double arrived) {
+std::vector<Receiving::Inner::Order> Receiving::Inner::ordersOf(const Article& article,
+                                                                const std::string& warehouse,
+                                                                double arrived) {
   std::vector<Order> orders;
   if (arrived <= 0) return orders;
   Statement statement("SELECT Almacen, Pendiente FROM Articulos_Almacenes WHERE Codigo = '");
@@ -420,7 +483,8 @@ std::vector<Receiving::Order> Receiving::ordersOf(const Article& article,
   return orders;
 }
 
-void Receiving::writeMovement(const DeliveryLine& line, const Article& article, Posting& posting) {
+void Receiving::Inner::writeMovement(const DeliveryLine& line, const Article& article,
+                                     Posting& posting) {
   movements_.Insertar({.vId = posting.movement++,
                        .dtFecha = posting.delivery.day,
                        .hHora = Date(),
@@ -441,8 +505,8 @@ void Receiving::writeMovement(const DeliveryLine& line, const Article& article, 
 
 /// The last cost, the supplier's price, and the average of what is there and what comes in, each
 /// of one purchase unit. What is there at no cost, or is less than nothing, does not weigh.
-void Receiving::writePrices(const DeliveryLine& line, const Article& article,
-                            const Posting& posting) {
+void Receiving::Inner::writePrices(const DeliveryLine& line, const Article& article,
+                                   const Posting& posting) {
   const std::string& code = article.code;
   const double price = line.netPrice();
   const double before = article.average > 0 ? std::max(article.stock, 0.0) / article.measure : 0;

@@ -3,20 +3,11 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <string>
-#include <string_view>
-#include <unordered_set>
 #include <vector>
 
-#include "tavelor/articles/articulos.hpp"
-#include "tavelor/articles/articulos_almacenes.hpp"
-#include "tavelor/articles/articulos_lotes.hpp"
-#include "tavelor/articles/articulos_mov_almacen.hpp"
-#include "tavelor/articles/articulos_precios.hpp"
 #include "tavelor/flows/delivery.hpp"
-#include "tavelor/platform/format.hpp"
-#include "tavelor/suppliers/proveedores_apuntes_conta.hpp"
 
 namespace tavelor::flows {
 
@@ -26,17 +17,19 @@ inline constexpr std::int16_t kDeliveryKind = 2;
 
 /// What became of a delivery.
 struct Receipt {
+  /// Of a delivery that was handed over.
   enum class Outcome : std::uint8_t {
-    kReceived,
-    kKnown,    ///< it was received before, line by line the same
-    kRefused,  ///< something is wrong with it, and nothing of it is stored
+    kReceived,  ///< now
+    kKnown,     ///< it was received before, line by line the same
+    kRefused,   ///< something is wrong with it, and nothing of it is stored
   };
   /// What is wrong, by the name of the value: "Lote L1 expired on 2026-11-01".
   struct Fault {
     std::uint64_t origin = 0;  ///< of the line; that of the first one for the delivery as such
-    std::string reason;
+    std::string reason;        ///< for people
   };
 
+  /// Which of the three.
   Outcome outcome = Outcome::kRefused;
   double number = 0;          ///< of the delivery in both ledgers; 0 for a refused one
   std::vector<Fault> faults;  ///< of a known one: what a person should look at
@@ -63,47 +56,13 @@ class Receiving {
   /// Posts a delivery, unless the supplier has one of that number: then it is told whether both are
   /// the same. Looks at all lines before it refuses one. An error of the database passes, and
   /// leaves nothing.
-  Receipt receive(const Delivery& delivery) { return take(delivery, true); }
+  Receipt receive(const Delivery& delivery);
   /// The same, and nothing stays written.
-  Receipt rehearse(const Delivery& delivery) { return take(delivery, false); }
+  Receipt rehearse(const Delivery& delivery);
 
  private:
-  struct Article;
-  struct Known;
-  struct Order;
-  struct Posting;
-
-  Receipt take(const Delivery& delivery, bool keeps);
-  std::string checkHead(const Delivery& delivery);
-  std::optional<Known> known(const Delivery& delivery);
-  std::string difference(const Delivery& delivery, const Known& known, bool& hasMovements);
-  bool hasOtherExpiry(const DeliveryLine& line);
-  double freeNumber();
-
-  std::string take(const DeliveryLine& line, Posting& posting);
-  Article articleOf(const DeliveryLine& line);
-  std::string checkValues(const DeliveryLine& line) const;
-  std::string checkArticle(const DeliveryLine& line, const Article& article) const;
-  std::string checkWarehouse(const DeliveryLine& line);
-  std::string checkLot(const DeliveryLine& line, const Posting& posting, Article& article);
-  void moveStock(const DeliveryLine& line, const Article& article);
-  void writeMovement(const DeliveryLine& line, const Article& article, Posting& posting);
-  void writePrices(const DeliveryLine& line, const Article& article, const Posting& posting);
-  void charge(const Delivery& delivery, const Posting& posting);
-  std::vector<Order> ordersOf(const Article& article, const std::string& warehouse, double arrived);
-
-  ConnectionPtr main_;
-  std::string quantityMask_;
-  RoundingMask rounded_;
-  clsArticulos articles_;
-  ClsArticulosAlmacenes warehouses_;
-  ClsArticulosLotes lots_;
-  ClsArticulosMovAlmacen movements_;
-  ClsArticulosPrecios prices_;
-  ClsProveedoresApuntesConta ledger_;
-
-  // Of the delivery at hand: another program may write the catalogue between two of them.
-  std::unordered_set<std::string> knownWarehouses_;
+  class Inner;
+  std::unique_ptr<Inner> inner_;
 };
 
 }  // namespace tavelor::flows

@@ -1,12 +1,46 @@
 // SPDX-License-Identifier: MIT
-// What a sale comes to.
+// What a sale comes to, and what may not stand in it.
 #include "tavelor/flows/sale.hpp"
+
+#include <cmath>
 
 #include <fmt/format.h>
 
 #include "tavelor/flows/amounts.hpp"
+#include "tavelor/platform/text.hpp"
 
 namespace tavelor::flows {
+
+namespace {
+
+std::string faultOfText(std::string_view name, const std::string& text, std::size_t most) {
+  if (text::length(text) > most)
+    return fmt::format("the {} has more than {} characters", name, most);
+  if (text.find('\0') != text.npos) return fmt::format("the {} holds a zero byte", name);
+  return {};
+}
+
+std::string faultOfNumber(std::string_view name, double number) {
+  if (!std::isfinite(number)) return fmt::format("the {} is no number", name);
+  if (std::abs(number) > kMostMoney) return fmt::format("the {} is too large", name);
+  return {};
+}
+
+std::string message(const std::string& reference, const std::vector<SaleFault>& faults) {
+  std::string text = reference.empty() ? "The sale" : fmt::format("Sale {}", reference);
+  text += " is refused: ";
+  for (std::size_t at = 0; at < faults.size(); ++at) {
+    const SaleFault& fault = faults[at];
+    if (at > 0) text += "; ";
+    if (fault.line > 0) {
+      text += fmt::format("line {}{}{}: ", fault.line, fault.code.empty() ? "" : ", ", fault.code);
+    }
+    text += fault.reason;
+  }
+  return text + ".";
+}
+
+}  // namespace
 
 std::string isoDay(Date day) {
   const CivilTime civil = day.civil();
@@ -21,8 +55,40 @@ double SaleLine::amount() const {
   return amountOf(quantity, netPrice());
 }
 
+std::string faultOf(const SaleLine& line) {
+  if (line.code.empty()) return "the code is empty";
+  const auto first = [](std::initializer_list<std::string> faults) {
+    for (const std::string& fault : faults) {
+      if (!fault.empty()) return fault;
+    }
+    return std::string();
+  };
+  std::string fault = first({faultOfText("code", line.code, SaleWidths::kCode),
+                             faultOfText("description", line.description, SaleWidths::kDescription),
+                             faultOfText("family", line.family, SaleWidths::kFamily),
+                             faultOfText("lot", line.lot, SaleWidths::kLot),
+                             faultOfNumber("quantity", line.quantity)});
+  if (!fault.empty()) return fault;
+  if (line.quantity == 0) return "the quantity is 0";
+  const bool mayBeOfArticle = line.wantsPrice && line.tax == kTaxOfArticle;
+  fault = first({faultOfNumber("price", line.price), faultOfNumber("tax", line.tax),
+                 faultOfNumber("discount", line.discount)});
+  if (!fault.empty()) return fault;
+  if (line.price == 0 && !line.isFree && !line.wantsPrice) return "the price is 0";
+  if (line.price < 0) return "the price is negative";
+  if (line.tax < 0 && !mayBeOfArticle) return "the tax is negative";
+  if (line.tax > 100) return "the tax is more than 100 %";
+  if (line.discount < 0) return "the discount is negative";
+  if (line.discount > 100) return "the discount is more than 100 %";
+  if (std::abs(line.quantity * line.price) > kMostMoney) return "the amount is too large";
+  return {};
+}
+
 double Sale::total() const {
   return totalOf(lines);
 }
+
+RefusedSale::RefusedSale(const std::string& reference, std::vector<SaleFault> faults)
+    : Error(errors::kInvalidCall, "Shop", message(reference, faults)), faults_(std::move(faults)) {}
 
 }  // namespace tavelor::flows

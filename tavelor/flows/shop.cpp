@@ -4,11 +4,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 #include <fmt/format.h>
 
+#include "tavelor/flows/amounts.hpp"
 #include "tavelor/flows/customers.hpp"
-#include "tavelor/flows/payments.hpp"
 #include "tavelor/flows/shop_inner.hpp"
 #include "tavelor/numbering/numeradores.hpp"
 #include "tavelor/platform/date_text.hpp"
@@ -35,9 +36,57 @@ std::string taxCode(double rate, ConnectionPtr& connection) {
   return rows.hasRow() ? rows.text("Codigo") : std::string();
 }
 
+/// Rate by rate, as the receipt tells it: base and tax add up to the total.
+TaxSplit taxOf(const Sale& sale) {
+  std::map<double, double> sums;
+  for (const SaleLine& line : sale.lines) sums[line.tax] += line.amount();
+  TaxSplit all;
+  for (const auto& [rate, sum] : sums) {
+    const TaxSplit each = splitOf(sum, rate);
+    all.base += each.base;
+    all.tax += each.tax;
+  }
+  return {roundHalfAway(all.base, 2), roundHalfAway(all.tax, 2)};
+}
+
 }  // namespace
 
-Shop::Shop() : main_(DataSession().OpenConnection(selector::kMain)), prices_(main_) {
+// ---------------------------------------------------------------------------------------------
+// What callers see
+
+Shop::Shop() : inner_(std::make_unique<Inner>()) {}
+Shop::~Shop() = default;
+
+void Shop::openTills(const std::vector<std::string>& tills) {
+  inner_->openTills(tills);
+}
+std::vector<Unpriced> Shop::price(Sale& sale) {
+  return inner_->price(sale);
+}
+SaleLine Shop::price(const PriceQuestion& question) {
+  return inner_->price(question);
+}
+std::optional<double> Shop::sell(const Sale& sale) {
+  return inner_->sell(sale);
+}
+double Shop::takeBack(const Return& what) {
+  return inner_->takeBack(what);
+}
+std::optional<Closing> Shop::close(const std::string& till, Date day) {
+  return inner_->close(till, day);
+}
+Recovered Shop::recover() {
+  return inner_->recover();
+}
+Recovered Shop::recoverAll(Decision decision) {
+  return inner_->recoverAll(decision);
+}
+
+// ---------------------------------------------------------------------------------------------
+// A sale
+
+Shop::Inner::Inner()
+    : main_(DataSession().OpenConnection(selector::kMain)), prices_(main_), known_(main_) {
   double a = 0, b = 0, c = 0;
   try {
     tickets_.GetNumerador(a, b, c, main_);
@@ -54,9 +103,7 @@ Shop::Shop() : main_(DataSession().OpenConnection(selector::kMain)), prices_(mai
   documents_ = tickets_.GetConnection();
 }
 
-Shop::~Shop() = default;
-
-void Shop::openTills(const std::vector<std::string>& tills) {
+void Shop::Inner::openTills(const std::vector<std::string>& tills) {
   ClsCajas catalogue;
   catalogue.IniciaRs("todos");
   const ConnectionPtr connection = catalogue.GetConnection();
@@ -83,98 +130,51 @@ void Shop::openTills(const std::vector<std::string>& tills) {
   }
 }
 
-void Shop::requireWhole(const Sale& sale) {
-  const auto fail = [](std::string what) {
-    throw Error(errors::kInvalidCall, "Shop", std::move(what));
-  };
-  if (sale.lines.empty()) fail(fmt::format("Sale {} has no lines.", sale.reference));
-  if (sale.reference.empty()) fail("A sale needs a reference of its own.");
-  for (const SaleLine& line : sale.lines) {
-    if (line.wantsPrice) fail(fmt::format("Sale {}: {} has no price.", sale.reference, line.code));
-  }
-}
-
-std::vector<Unpriced> Shop::price(Sale& sale) {
-  const auto wantsPrice = [](const SaleLine& line) { return line.wantsPrice; };
-  if (std::none_of(sale.lines.begin(), sale.lines.end(), wantsPrice)) return {};
-  std::vector<SaleLine> sold;
-  const std::optional<double> ticket = ticketOf(sale.reference);
-  if (ticket) sold = storedSale(*ticket).lines;
-
-  const Prices::Conditions conditions =
-      ticket ? Prices::Conditions() : prices_.conditionsOf(sale.customer);
-  std::vector<Unpriced> unpriced;
-  auto next = sold.begin();
-  std::erase_if(sale.lines, [&](SaleLine& line) {
-    const auto was = std::find_if(next, sold.end(), [&](const SaleLine& each) {
-      return each.code == line.code && each.quantity == line.quantity &&
-             (line.wantsPrice || each.price == line.price);
-    });
-    if (was != sold.end()) next = std::next(was);
-    if (!line.wantsPrice) return false;
-    std::string fault;
-    if (!ticket) {
-      fault = prices_.fill(line, conditions);
-    } else if (was == sold.end()) {
-      fault = "there is no price, and the sale is there without this line";
-    } else {
-      line.price = was->price;
-      line.discount = was->discount;
-      line.tax = was->tax;
-      line.description = was->description;
-      line.family = was->family;
-      line.wantsPrice = false;
-    }
-    if (fault.empty() && std::abs(line.amount()) > kMostMoney) fault = "the amount is too large";
-    if (fault.empty()) return false;
-    unpriced.push_back({line, std::move(fault)});
-    return true;
-  });
-  return unpriced;
-}
-
-std::optional<double> Shop::sell(const Sale& sale) {
-  requireWhole(sale);
+std::optional<double> Shop::Inner::sell(const Sale& given) {
+  refuseFaults(given);
   openTickets();
   try {
     BothDatabases transaction(main_, documents_);
     Recovered recovered;
     const Counters counters = startedCounters(transaction, recovered);
     refuseLosses(recovered);
-    if (ticketOf(sale.reference)) return std::nullopt;
+    if (isThere(given)) return std::nullopt;
     const Counters next = settle(counters, recovered);
     refuseLosses(recovered);
-    const bool onCredit = isOnCredit(sale);
-    if (onCredit && (sale.customer.empty() || sale.customer == kWalkIn)) {
-      throw Error(errors::kInvalidCall, "Shop",
-                  fmt::format("Sale {} is on credit, and for nobody.", sale.reference));
-    }
+    const bool onCredit = isOnCredit(given);
+    if (onCredit) requireCredit(given);
+    const Sale sale = withLots(given);
     writeTicket(sale, next.a, onCredit);
     book(sale, next.a, onCredit);
     useNumber(next);
     transaction.commit(BothDatabases::First::kDocuments);
     return next.a;
   } catch (...) {
-    knownArticles_.clear();  // some of them may be undone
-    knownCustomers_.clear();
+    forget();  // some of it may be undone
     throw;
   }
 }
 
+void Shop::Inner::forget() {
+  known_.forget();
+  knownArticles_.clear();
+  knownCustomers_.clear();
+}
+
 /// Rows that were sold before, or that a failure left, go.
-void Shop::openTickets() {
+void Shop::Inner::openTickets() {
   const RecordsetPtr rows = tickets_.DataMember("Primary");
   rows->CancelBatch();
   rows->Requery();
 }
 
-bool Shop::isOnCredit(const Sale& sale) {
-  const std::optional<PaymentMethod> method = paymentMethod(sale.payment, main_);
-  return method && method->isOnCredit;
+bool Shop::Inner::isOnCredit(const Sale& sale) {
+  const PaymentMethod* const method = known_.payment(sale.payment);
+  return method != nullptr && method->isOnCredit;
 }
 
 /// Of a sale that is there, live or in history.
-std::optional<double> Shop::ticketOf(const std::string& reference) {
+std::optional<double> Shop::Inner::ticketOf(const std::string& reference) {
   for (const Statement::Constant table : kTicketTables) {
     Statement statement("SELECT Numero FROM ");
     statement << table << " WHERE Referencia = " << sqlText(reference);
@@ -184,11 +184,10 @@ std::optional<double> Shop::ticketOf(const std::string& reference) {
   return std::nullopt;
 }
 
-void Shop::writeTicket(const Sale& sale, double ticket, bool onCredit) {
+void Shop::Inner::writeTicket(const Sale& sale, double ticket, bool onCredit) {
   lines_.IniciaRs(documents_, "ninguno", "0");
   for (const SaleLine& line : sale.lines) addLine(line, ticket);
-  double base = 0, tax = 0, surcharge = 0;
-  lines_.SumaCol(true, base, tax, surcharge, false);
+  const TaxSplit split = taxOf(sale);
 
   tickets_.AddNew(true);
   const RecordsetPtr row = tickets_.DataMember("Primary");
@@ -209,8 +208,8 @@ void Shop::writeTicket(const Sale& sale, double ticket, bool onCredit) {
   set("Almacén", kWarehouse);
   set("Referencia", sale.reference);
   set("Pago", sale.payment);
-  set("Base", base);
-  set("Importe_Impuestos", tax);
+  set("Base", split.base);
+  set("Importe_Impuestos", split.tax);
   set("Total", total);
   set("Concepto", sale.time);
   set("Entrega", delivered);
@@ -226,7 +225,7 @@ void Shop::writeTicket(const Sale& sale, double ticket, bool onCredit) {
   writeHeader(sale, ticket);
 }
 
-void Shop::addLine(const SaleLine& line, double ticket) {
+void Shop::Inner::addLine(const SaleLine& line, double ticket) {
   lines_.AddNew(false);
   const RecordsetPtr row = lines_.DataMember("Primary");
   const auto set = [&](std::string_view column, const Variant& content) {
@@ -239,12 +238,12 @@ void Shop::addLine(const SaleLine& line, double ticket) {
   set("DTO", line.discount);
   set("IVA", line.tax);
   set("Importe", line.amount());
-  set("Lote", kNoLot);
+  set("Lote", line.lot.empty() ? kNoLot : std::string_view(line.lot));
   lines_.SetFamilia(line.family);
   lines_.UpdateadAffectCurrent(ticket);  // posts the row: SumaCol sees no row that is being added
 }
 
-void Shop::writeHeader(const Sale& sale, double ticket) {
+void Shop::Inner::writeHeader(const Sale& sale, double ticket) {
   if (!sale.customer.empty()) {
     headers_.Insertar({.vId = headers_.NuevoCodigo(documents_),
                        .vNum = ticket,
@@ -262,7 +261,7 @@ void Shop::writeHeader(const Sale& sale, double ticket) {
 }
 
 /// What a sale comes to in the main database: whole with the ticket, or made again from it.
-void Shop::book(const Sale& sale, double ticket, bool onCredit) {
+void Shop::Inner::book(const Sale& sale, double ticket, bool onCredit) {
   makeCustomer(sale);
   moveStock(sale, ticket);
   if (onCredit) charge(sale, ticket);
@@ -270,23 +269,24 @@ void Shop::book(const Sale& sale, double ticket, bool onCredit) {
 
 /// Takes what was sold off the article, its warehouse and its lot, and writes the movement; returns
 /// go the other way. Articles without stock keep none, but their movements are written too.
-void Shop::moveStock(const Sale& sale, double ticket) {
+void Shop::Inner::moveStock(const Sale& sale, double ticket) {
   double movement = asNumber(movements_.NuevoCodigo("A", main_));
   std::size_t place = 0;
   for (const SaleLine& line : sale.lines) {
     makeArticle(line);
     const std::string code = doubledQuotes(line.code);
+    const std::string lot = line.lot.empty() ? std::string(kNoLot) : doubledQuotes(line.lot);
     const bool isReturn = line.quantity < 0;
     const double units = std::abs(line.quantity);
     articles_.DescargarStock_V(code, 0.0, units, isReturn, false, main_);
     warehouses_.DescargarStock_V(code, kWarehouse, 0.0, units, isReturn, false, main_);
-    lots_.DescargarStock_V(code, kNoLot, 0.0, units, isReturn, main_);
+    moveLot(code, lot, units, isReturn);
     movements_.Insertar({.vId = movement++,
                          .dtFecha = sale.day,
                          .hHora = timeOf(sale.time),
                          .sAlmacen = std::string(kWarehouse),
                          .sCodigo = code,
-                         .sLote = std::string(kNoLot),
+                         .sLote = lot,
                          .dCantidad = units,
                          .dPrecio = line.netPrice(),
                          .sReferencia = doubledQuotes(sale.reference),
@@ -300,31 +300,29 @@ void Shop::moveStock(const Sale& sale, double ticket) {
   }
 }
 
-void Shop::makeArticle(const SaleLine& line) {
-  if (knownArticles_.contains(line.code)) return;
+void Shop::Inner::makeArticle(const SaleLine& line) {
+  if (isThere(line.code)) return;
   const std::string code = doubledQuotes(line.code);
-  if (!articles_.ExisteArt(code, main_)) {
-    makeFamily(line.family);
-    articles_.Insertar({.vId = code,
-                        .sDescripcion = doubledQuotes(line.description),
-                        .sSeccion = {},
-                        .sFamilia = doubledQuotes(line.family),
-                        .dPrecio = line.price,
-                        .bDto = true,
-                        .sImpuesto = doubledQuotes(taxCode(line.tax, main_)),
-                        .bStock = -1,
-                        .bActivo = true,
-                        .sLista = {},
-                        .objCn = main_});
-    // A new article is one whose sales take no stock off; no member says otherwise.
-    Statement statement("UPDATE Articulos SET Restar_Stock = True WHERE Codigo = '");
-    statement << spliced(code) << "'";
-    DataSession().Execute(selector::kMain, statement, main_);
-  }
-  knownArticles_.insert(line.code);
+  makeFamily(line.family);
+  articles_.Insertar({.vId = code,
+                      .sDescripcion = doubledQuotes(line.description),
+                      .sSeccion = {},
+                      .sFamilia = doubledQuotes(line.family),
+                      .dPrecio = line.price,
+                      .bDto = true,
+                      .sImpuesto = doubledQuotes(taxCode(line.tax, main_)),
+                      .bStock = -1,
+                      .bActivo = true,
+                      .sLista = {},
+                      .objCn = main_});
+  // A new article is one whose sales take no stock off; no member says otherwise.
+  Statement statement("UPDATE Articulos SET Restar_Stock = True WHERE Codigo = '");
+  statement << spliced(code) << "'";
+  DataSession().Execute(selector::kMain, statement, main_);
+  knownArticles_.emplace(line.code, false);
 }
 
-void Shop::makeCustomer(const Sale& sale) {
+void Shop::Inner::makeCustomer(const Sale& sale) {
   if (sale.customer.empty() || knownCustomers_.contains(sale.customer)) return;
   const std::string code = doubledQuotes(sale.customer);
   if (!customers_.ExisteCli(code, main_)) {
@@ -344,7 +342,7 @@ void Shop::makeCustomer(const Sale& sale) {
 }
 
 /// The customer owes what is sold on credit, and is owed what comes back.
-void Shop::charge(const Sale& sale, double ticket) {
+void Shop::Inner::charge(const Sale& sale, double ticket) {
   const double total = sale.total();
   if (total == 0 || sale.customer.empty()) return;
   ledger_.Insertar({.sSerie = std::string(kSeries),
@@ -359,13 +357,13 @@ void Shop::charge(const Sale& sale, double ticket) {
                     .objCn = main_});
 }
 
-void Shop::makeFamily(const std::string& family) {
+void Shop::Inner::makeFamily(const std::string& family) {
   const std::string code = doubledQuotes(family);
   const clsFamilias families;
   if (!family.empty() && !families.ExisteFam(code, main_)) families.Insertar(code, code, main_);
 }
 
-void Shop::useNumber(const Counters& next) {
+void Shop::Inner::useNumber(const Counters& next) {
   double a = next.a, b = next.b - 1, c = next.c - 1;
   tickets_.SetNumerador(a, b, c, main_);
 }

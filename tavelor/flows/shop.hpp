@@ -7,29 +7,13 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
-#include "tavelor/articles/articulos.hpp"
-#include "tavelor/articles/articulos_almacenes.hpp"
-#include "tavelor/articles/articulos_lotes.hpp"
-#include "tavelor/articles/articulos_mov_almacen.hpp"
-#include "tavelor/closing/cierres.hpp"
-#include "tavelor/customers/clientes.hpp"
-#include "tavelor/customers/clientes_apuntes_conta.hpp"
 #include "tavelor/flows/findings.hpp"
-#include "tavelor/flows/prices.hpp"
 #include "tavelor/flows/sale.hpp"
-#include "tavelor/sales/tickets.hpp"
-#include "tavelor/sales/tickets_cabecera.hpp"
-#include "tavelor/sales/tickets_comentarios.hpp"
-#include "tavelor/sales/tickets_lineas.hpp"
 
 namespace tavelor::flows {
-
-class BothDatabases;
 
 /// The kind of document that a ticket is to the ledgers of movements and of customers (their column
 /// Estado). Entries that a person writes have another.
@@ -37,20 +21,47 @@ inline constexpr std::int16_t kTicketKind = 1;
 
 /// A closing that was made.
 struct Closing {
-  double number = 0;
-  std::size_t tickets = 0;
-  double total = 0;  ///< euros
+  double number = 0;        ///< of the closing, whatever the till
+  std::size_t tickets = 0;  ///< that it took
+  double total = 0;         ///< euros
 };
 
 /// A line that the shop has no price for.
 struct Unpriced {
-  SaleLine line;
-  std::string reason;
+  SaleLine line;       ///< as it came
+  std::string reason;  ///< why there is none
+};
+
+/// What the shop asks for an article.
+struct PriceQuestion {
+  std::string article;           ///< code
+  std::string customer = {};     ///< code; "" for nobody
+  double quantity = 1;           ///< pieces, kilos
+  std::string tariff = {};       ///< "" for the customer's
+  std::string family = {};       ///< "" for the article's
+  std::optional<Date> day = {};  ///< on which offers must run; today, where none is given
+};
+
+/// What comes back of a ticket.
+struct ReturnedLine {
+  std::size_t line = 0;  ///< of the ticket, from 1
+  double quantity = 0;   ///< above 0
+};
+
+/// A return of what a ticket has sold.
+struct Return {
+  double ticket = 0;                     ///< number of the ticket that is brought back
+  std::string till;                      ///< where
+  Date day;                              ///< without a time
+  std::string time = {};                 ///< "10:32"; "" for none
+  std::string payment = {};              ///< code; "" for the way in which the ticket was paid
+  std::string comment = "Devolución";    ///< of the new ticket
+  std::vector<ReturnedLine> lines = {};  ///< none: all that has not come back yet
 };
 
 /// What a person wants done with what is lost.
 enum class Decision : std::uint8_t {
-  kNone,
+  kNone,  ///< nothing yet
   /// Stock, accounts and closings become what the tickets tell: movements without their ticket are
   /// taken back and so is what it put on an account, lines without movements are moved, closings
   /// without tickets are deleted, unless they were invoiced. The numbers of lost tickets are not
@@ -90,6 +101,9 @@ struct Recovered {
 /// for all, and mends it. Documents that have lost their latest commits cannot be mended: then
 /// sales and closings raise Disagreement, until the lost file is put back or recover() is told what
 /// to do.
+///
+/// The shop's tills, payment methods and taxes, and which articles are kept by lots, are read once
+/// between two closings, and again where a sale names one that is not among them.
 class Shop {
  public:
   /// Raises 3021 where the session's period has no counters, and what opening the databases raises.
@@ -105,13 +119,31 @@ class Shop {
   /// none leave the sale, and are given. A sale that is there already gets the prices at which it
   /// was sold.
   std::vector<Unpriced> price(Sale& sale);
+  /// One line at the shop's own price, discount and tax, ready to be sold. Raises 5 where the shop
+  /// has no price for it.
+  SaleLine price(const PriceQuestion& question);
 
-  /// Sells, unless a sale with that reference is there, live or in history: gives the number of the
-  /// new ticket, or nothing. Articles, families and customers that the shop does not know are made
-  /// on the way, articles with the price of the line. What is paid later is owed: an entry in the
-  /// customer's ledger, in the same transaction as the stock. Raises 5 for a sale without lines or
-  /// reference, with a line that wants a price, or on credit for nobody or the walk-in customer.
+  /// Sells, unless that very sale is there, live or in history: gives the number of the new ticket,
+  /// or nothing. Articles, families and customers that the shop does not know are made on the way,
+  /// articles with the price of the line. What is paid later is owed: an entry in the customer's
+  /// ledger, in the same transaction as the stock.
+  ///
+  /// An article that is kept by lots is sold from the lot that the line names, which must be there,
+  /// else from its active lot, else from its latest one. A return goes into the lot that it names,
+  /// else into the active one.
+  ///
+  /// Raises RefusedSale, with all that is wrong: values that are missing, no numbers or wider than
+  /// their columns; a day before 1980 or in the future; a till, a payment method or a tax that the
+  /// shop does not have; a reference that another sale has; credit for nobody, for the walk-in
+  /// customer, for one who is blocked or not in use, and beyond the limit of what he may owe, the
+  /// last three unless the sale says that it is granted.
   std::optional<double> sell(const Sale& sale);
+
+  /// Sells back what a ticket has sold, live or in history: at its prices, to its customer, into
+  /// the lots that it was sold from. Gives the number of the new ticket, whose reference tells the
+  /// old one and how many came back before it. Raises RefusedSale where the ticket is not there, or
+  /// more comes back than is left of one of its lines, and whatever sell() raises.
+  double takeBack(const Return& what);
 
   /// Closes a till's tickets of a day and moves them to history; nothing where there are none. The
   /// balance grows by what was paid in cash. The slip is written when all is stored.
@@ -126,75 +158,8 @@ class Shop {
   Recovered recoverAll(Decision decision = Decision::kNone);
 
  private:
-  /// The next number of each series.
-  struct Counters {
-    double a = 0;
-    double b = 0;
-    double c = 0;
-  };
-  /// How far to look for closings: behind the last one that both databases have, or at all.
-  enum class Extent : std::uint8_t { kTail, kWhole };
-
-  void openTickets();
-
-  std::optional<double> ticketOf(const std::string& reference);
-  bool isOnCredit(const Sale& sale);
-  void requireWhole(const Sale& sale);
-  void writeTicket(const Sale& sale, double ticket, bool onCredit);
-  void addLine(const SaleLine& line, double ticket);
-  void writeHeader(const Sale& sale, double ticket);
-  void book(const Sale& sale, double ticket, bool onCredit);
-  void moveStock(const Sale& sale, double ticket);
-  void makeCustomer(const Sale& sale);
-  void charge(const Sale& sale, double ticket);
-  void makeArticle(const SaleLine& line);
-  void makeFamily(const std::string& family);
-  void useNumber(const Counters& next);
-
-  std::vector<Variant> openTicketsOf(const std::string& till, Date day);
-  void mark(const Variant& ticket, double closing);
-  double writeClosing(double closing, const std::string& till, Date day);
-  void writeDetails(double closing, const CollectionTickets& payments);
-  void moveToHistory(double closing);
-
-  Recovered mend(Extent extent);
-  Counters startedCounters(BothDatabases& transaction, Recovered& recovered);
-  Counters settle(Counters next, Recovered& recovered);
-  Counters storedCounters();
-  void settleClosings(Extent extent, Recovered& recovered);
-  void finishSales(double first, Recovered& recovered);
-  void bookStored(double ticket);
-  bool hasMovedStock(double ticket);
-  Sale storedSale(double ticket);
-  void takeBack(double ticket);
-  void takeBackEntries(double ticket);
-  void takeBackClosings(const Statement& candidates, Recovered& recovered);
-  bool isUnfinished(double closing);
-  bool isInvoiced(double closing);
-  void deleteClosing(double closing);
-  void rewriteClosings(double after, Recovered& recovered);
-  bool rewriteClosing(double closing);
-  void followTickets(Recovered& recovered);
-
-  ConnectionPtr main_;
-  ConnectionPtr documents_;
-
-  ClsTickets tickets_;
-  ClsTicketsLineas lines_;
-  ClsTicketsCabecera headers_;
-  ClsTicketsComentarios comments_;
-  ClsCierres closings_;
-  clsArticulos articles_;
-  ClsArticulosAlmacenes warehouses_;
-  ClsArticulosLotes lots_;
-  ClsArticulosMovAlmacen movements_;
-  ClsClientes customers_;
-  ClsClientesApuntesConta ledger_;
-  Prices prices_;
-
-  // What is there, as far as committed.
-  std::unordered_set<std::string> knownArticles_;
-  std::unordered_set<std::string> knownCustomers_;
+  class Inner;
+  std::unique_ptr<Inner> inner_;
 };
 
 }  // namespace tavelor::flows

@@ -1,25 +1,15 @@
 // SPDX-License-Identifier: MIT
 // The closing of a till, and its slip.
+#include "tavelor/flows/amounts.hpp"
 #include "tavelor/flows/receipt.hpp"
-#include "tavelor/flows/shop.hpp"
 #include "tavelor/flows/shop_inner.hpp"
 #include "tavelor/platform/quotes.hpp"
 #include "tavelor/sales/registros_tickets.hpp"
 
 namespace tavelor::flows {
 
-namespace {
-
-bool isCash(const std::string& payment, ConnectionPtr& connection) {
-  Statement statement("SELECT Contado FROM Formas_Pago WHERE Codigo = ");
-  statement << sqlText(payment);
-  const Rows rows(selector::kMain, statement, connection);
-  return rows.hasRow() && rows.flag("Contado");
-}
-
-}  // namespace
-
-std::optional<Closing> Shop::close(const std::string& till, Date day) {
+std::optional<Closing> Shop::Inner::close(const std::string& till, Date day) {
+  forget();  // the one moment of a day at which another look costs nothing
   openTickets();
   Closing closing;
   {
@@ -46,7 +36,7 @@ std::optional<Closing> Shop::close(const std::string& till, Date day) {
   return closing;
 }
 
-std::vector<Variant> Shop::openTicketsOf(const std::string& till, Date day) {
+std::vector<Variant> Shop::Inner::openTicketsOf(const std::string& till, Date day) {
   const std::string code = doubledQuotes(till);
   std::vector<Variant> numbers =
       tickets_.ObtenerCol(day, day, code, kNobody, kSeries, false, documents_);
@@ -56,7 +46,7 @@ std::vector<Variant> Shop::openTicketsOf(const std::string& till, Date day) {
   return numbers;
 }
 
-void Shop::mark(const Variant& ticket, double closing) {
+void Shop::Inner::mark(const Variant& ticket, double closing) {
   tickets_.CerrarTicket(ticket, closing, documents_);
   lines_.CerrarTicket(ticket, closing, documents_);
   headers_.CerrarTicket(ticket, closing, documents_);
@@ -67,7 +57,7 @@ void Shop::mark(const Variant& ticket, double closing) {
 
 /// The closing and its details, from the sums over the tickets that are marked and still live.
 /// Gives their total.
-double Shop::writeClosing(double closing, const std::string& till, Date day) {
+double Shop::Inner::writeClosing(double closing, const std::string& till, Date day) {
   const std::string series(kSeries), nobody(kNobody), code = doubledQuotes(till);
   ClsTickets::VentasTramo cash{.dtFechaIni = day,
                                .dtFechaFin = day,
@@ -91,7 +81,8 @@ double Shop::writeClosing(double closing, const std::string& till, Date day) {
   double intoTill = 0;
   for (std::int32_t i = 1; i <= payments->Count(); ++i) {
     const ClsRegTicketsPtr payment = payments->Item(i);
-    if (isCash(text(payment->Codigo), main_)) intoTill += asNumber(payment->Importe);
+    const PaymentMethod* const method = known_.payment(text(payment->Codigo));
+    if (method != nullptr && method->isCash) intoTill += asNumber(payment->Importe);
   }
   double balance = 0;
   closings_.SaldoAnterior(day, code, nobody, series, balance, main_);
@@ -119,18 +110,15 @@ double Shop::writeClosing(double closing, const std::string& till, Date day) {
   return cents(cash.dVentasTotal + credit);
 }
 
-void Shop::writeDetails(double closing, const CollectionTickets& payments) {
+void Shop::Inner::writeDetails(double closing, const CollectionTickets& payments) {
   const auto families = lines_.SumCollectionLinHFamilias(closing, documents_);
   for (std::int32_t i = 1; i <= families->Count(); ++i) {
     const ClsRegTicketsPtr family = families->Item(i);
     closings_.InsertarCierreFamilias(closing, doubledQuotes(text(family->Codigo)),
                                      roundHalfAway(asNumber(family->Importe), 2), main_);
   }
-  const auto taxes = lines_.SumCollectionLinHImpuestos(closing, documents_);
-  for (std::int32_t i = 1; i <= taxes->Count(); ++i) {
-    const ClsRegTicketsPtr tax = taxes->Item(i);
-    closings_.InsertarCierreImpuestos(closing, text(tax->Codigo), asNumber(tax->Suma),
-                                      asNumber(tax->Importe), main_);
+  for (const auto& [rate, split] : taxesOf(closing)) {
+    closings_.InsertarCierreImpuestos(closing, text(Variant(rate)), split.base, split.tax, main_);
   }
   for (std::int32_t i = 1; i <= payments.Count(); ++i) {
     const ClsRegTicketsPtr payment = payments.Item(i);
@@ -139,7 +127,27 @@ void Shop::writeDetails(double closing, const CollectionTickets& payments) {
   }
 }
 
-void Shop::moveToHistory(double closing) {
+/// By rate, the sums of what the receipts of the tickets told, to the cent: base and tax of all
+/// rates are the total. The rows that history keeps of each ticket are summed otherwise: the class
+/// rounds either part by itself, and they may miss the total by a cent each.
+std::map<double, TaxSplit> Shop::Inner::taxesOf(double closing) {
+  Statement statement(
+      "SELECT Tickets_Lineas.Numero AS Ticket, IVA, Impuesto_Incluido, Sum(Importe) AS Suma FROM "
+      "Tickets INNER JOIN Tickets_Lineas ON Tickets.Numero = Tickets_Lineas.Numero WHERE "
+      "Tickets.Cierre = ");
+  statement << spliced(numberText(closing))
+            << " GROUP BY Tickets_Lineas.Numero, IVA, Impuesto_Incluido";
+  std::map<double, TaxSplit> taxes;
+  for (Rows rows(selector::kDocuments, statement, documents_); rows.hasRow(); rows.next()) {
+    const double rate = rows.number("IVA");
+    const TaxSplit each = splitOf(rows.number("Suma"), rate, rows.flag("Impuesto_Incluido"));
+    TaxSplit& sum = taxes[rate];
+    sum = {roundHalfAway(sum.base + each.base, 2), roundHalfAway(sum.tax + each.tax, 2)};
+  }
+  return taxes;
+}
+
+void Shop::Inner::moveToHistory(double closing) {
   tickets_.Mover_A_Historicos(closing, documents_);
   lines_.Mover_A_Historicos(closing, documents_);
   headers_.Mover_A_Historicos(closing, documents_);

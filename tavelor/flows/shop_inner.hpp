@@ -1,14 +1,27 @@
 // SPDX-License-Identifier: MIT
-// What the flows of a shop share behind shop.hpp.
+// The rooms behind shop.hpp: what the flows are made of, and what they share.
 #pragma once
 
 #include <array>
+#include <map>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
+#include "tavelor/articles/articulos.hpp"
+#include "tavelor/articles/articulos_almacenes.hpp"
+#include "tavelor/articles/articulos_lotes.hpp"
+#include "tavelor/articles/articulos_mov_almacen.hpp"
+#include "tavelor/closing/cierres.hpp"
+#include "tavelor/customers/clientes.hpp"
+#include "tavelor/customers/clientes_apuntes_conta.hpp"
+#include "tavelor/flows/amounts.hpp"
 #include "tavelor/flows/audit.hpp"
 #include "tavelor/flows/both_databases.hpp"
+#include "tavelor/flows/known.hpp"
+#include "tavelor/flows/prices.hpp"
 #include "tavelor/flows/rows.hpp"
 #include "tavelor/flows/shop.hpp"
 #include "tavelor/frame/reading.hpp"
@@ -17,6 +30,10 @@
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/variant.hpp"
+#include "tavelor/sales/tickets.hpp"
+#include "tavelor/sales/tickets_cabecera.hpp"
+#include "tavelor/sales/tickets_comentarios.hpp"
+#include "tavelor/sales/tickets_lineas.hpp"
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/recordset/connection.hpp"
@@ -54,5 +71,104 @@ inline std::vector<double> numbersOf(int selector, const Statement& statement,
 inline void refuseLosses(const Recovered& recovered) {
   if (!recovered.undecided.empty()) throw Disagreement(recovered.undecided);
 }
+
+/// The flows, each from top to bottom in the file of its name. What its members do for callers is
+/// told in shop.hpp.
+class Shop::Inner {
+ public:
+  Inner();
+
+  void openTills(const std::vector<std::string>& tills);
+  std::vector<Unpriced> price(Sale& sale);
+  SaleLine price(const PriceQuestion& question);
+  std::optional<double> sell(const Sale& sale);
+  double takeBack(const Return& what);
+  std::optional<Closing> close(const std::string& till, Date day);
+  Recovered recover();
+  Recovered recoverAll(Decision decision);
+
+ private:
+  /// The next number of each series.
+  struct Counters {
+    double a = 0;
+    double b = 0;
+    double c = 0;
+  };
+  /// How far to look for closings: behind the last one that both databases have, or at all.
+  enum class Extent : std::uint8_t { kTail, kWhole };
+
+  void openTickets();
+  void forget();
+
+  void refuseFaults(const Sale& sale);
+  bool isThere(const Sale& sale);
+  std::string difference(const Sale& sale, double ticket);
+  void requireCredit(const Sale& sale);
+  Sale withLots(const Sale& sale);
+  std::string lotOf(const SaleLine& line, std::string& fault);
+  bool isThere(const std::string& article);
+  bool isByLots(const std::string& article);
+  void moveLot(const std::string& code, const std::string& lot, double units, bool isReturn);
+  std::optional<double> ticketOf(const std::string& reference);
+  bool isOnCredit(const Sale& sale);
+  void writeTicket(const Sale& sale, double ticket, bool onCredit);
+  void addLine(const SaleLine& line, double ticket);
+  void writeHeader(const Sale& sale, double ticket);
+  void book(const Sale& sale, double ticket, bool onCredit);
+  void moveStock(const Sale& sale, double ticket);
+  void makeCustomer(const Sale& sale);
+  void charge(const Sale& sale, double ticket);
+  void makeArticle(const SaleLine& line);
+  void makeFamily(const std::string& family);
+  void useNumber(const Counters& next);
+
+  std::vector<Variant> openTicketsOf(const std::string& till, Date day);
+  void mark(const Variant& ticket, double closing);
+  double writeClosing(double closing, const std::string& till, Date day);
+  void writeDetails(double closing, const CollectionTickets& payments);
+  std::map<double, TaxSplit> taxesOf(double closing);
+  void moveToHistory(double closing);
+
+  Recovered mend(Extent extent);
+  Counters startedCounters(BothDatabases& transaction, Recovered& recovered);
+  Counters settle(Counters next, Recovered& recovered);
+  Counters storedCounters();
+  void settleClosings(Extent extent, Recovered& recovered);
+  void finishSales(double first, Recovered& recovered);
+  void bookStored(double ticket);
+  bool hasMovedStock(double ticket);
+  std::optional<Sale> findSale(double ticket);
+  Sale storedSale(double ticket) { return findSale(ticket).value_or(Sale()); }
+  void undo(double ticket);
+  void undoEntries(double ticket);
+  void takeBackClosings(const Statement& candidates, Recovered& recovered);
+  bool isUnfinished(double closing);
+  bool isInvoiced(double closing);
+  void deleteClosing(double closing);
+  void rewriteClosings(double after, Recovered& recovered);
+  bool rewriteClosing(double closing);
+  void followTickets(Recovered& recovered);
+
+  ConnectionPtr main_;
+  ConnectionPtr documents_;
+
+  ClsTickets tickets_;
+  ClsTicketsLineas lines_;
+  ClsTicketsCabecera headers_;
+  ClsTicketsComentarios comments_;
+  ClsCierres closings_;
+  clsArticulos articles_;
+  ClsArticulosAlmacenes warehouses_;
+  ClsArticulosLotes lots_;
+  ClsArticulosMovAlmacen movements_;
+  ClsClientes customers_;
+  ClsClientesApuntesConta ledger_;
+  Prices prices_;
+
+  // What is there, as far as committed.
+  Known known_;
+  std::unordered_map<std::string, bool> knownArticles_;  // by code: whether kept by lots
+  std::unordered_set<std::string> knownCustomers_;
+};
 
 }  // namespace tavelor::flows

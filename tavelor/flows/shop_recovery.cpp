@@ -7,7 +7,6 @@
 
 #include "tavelor/flows/account.hpp"
 #include "tavelor/flows/decisions.hpp"
-#include "tavelor/flows/shop.hpp"
 #include "tavelor/flows/shop_inner.hpp"
 #include "tavelor/platform/quotes.hpp"
 
@@ -38,11 +37,11 @@ void append(std::vector<Finding>& to, std::vector<Finding> more) {
 // ---------------------------------------------------------------------------------------------
 // All of it
 
-Recovered Shop::recover() {
+Recovered Shop::Inner::recover() {
   return mend(Extent::kTail);
 }
 
-Recovered Shop::recoverAll(Decision decision) {
+Recovered Shop::Inner::recoverAll(Decision decision) {
   Recovered recovered = mend(Extent::kWhole);
   const auto look = [&] {
     recovered.undecided = Decisions::open(Audit(main_, documents_).everything());
@@ -64,7 +63,7 @@ Recovered Shop::recoverAll(Decision decision) {
   return recovered;
 }
 
-Recovered Shop::mend(Extent extent) {
+Recovered Shop::Inner::mend(Extent extent) {
   openTickets();
   Recovered recovered;
   BothDatabases transaction(main_, documents_);
@@ -80,7 +79,7 @@ Recovered Shop::mend(Extent extent) {
 
 /// The next numbers, of which that of the series in use is free. Tickets that are ahead of the
 /// counter may not have moved their stock; movements that are ahead of the tickets have lost them.
-Shop::Counters Shop::settle(Counters next, Recovered& recovered) {
+Shop::Inner::Counters Shop::Inner::settle(Counters next, Recovered& recovered) {
   const double written = asNumber(tickets_.NuevoCodigo(kSeries, documents_));
   if (next.a == written) {
     // The road of every sale: nothing is open.
@@ -96,7 +95,7 @@ Shop::Counters Shop::settle(Counters next, Recovered& recovered) {
   return next;
 }
 
-Shop::Counters Shop::storedCounters() {
+Shop::Inner::Counters Shop::Inner::storedCounters() {
   Counters next{kUnused, kUnused, kUnused};
   tickets_.GetNumerador(next.a, next.b, next.c, main_);
   return next;
@@ -106,7 +105,8 @@ Shop::Counters Shop::storedCounters() {
 /// they are stored before anything else is: only where a counter stands can a ticket be ahead of
 /// it. Whether one is nevertheless, as where the main database is of a time before the counters, is
 /// asked first: then none are stored.
-Shop::Counters Shop::startedCounters(BothDatabases& transaction, Recovered& recovered) {
+Shop::Inner::Counters Shop::Inner::startedCounters(BothDatabases& transaction,
+                                                   Recovered& recovered) {
   const Counters next = storedCounters();
   if (next.a != kUnused && next.b != kUnused && next.c != kUnused) return next;
   const double last = asNumber(tickets_.NuevoCodigo(kSeries, documents_)) - 1;
@@ -120,7 +120,7 @@ Shop::Counters Shop::startedCounters(BothDatabases& transaction, Recovered& reco
 
 /// Of the tickets from `first` on. Some may be whole: those of another period, where somebody has
 /// gone back to one whose counter stayed behind.
-void Shop::finishSales(double first, Recovered& recovered) {
+void Shop::Inner::finishSales(double first, Recovered& recovered) {
   for (const Statement::Constant table : kTicketTables) {
     Statement statement("SELECT Numero FROM ");
     statement << table << " WHERE Numero >= " << spliced(numberText(first)) << " AND Serie = '"
@@ -134,27 +134,29 @@ void Shop::finishSales(double first, Recovered& recovered) {
 }
 
 /// What a sale did in the main database, once more, from its ticket.
-void Shop::bookStored(double ticket) {
+void Shop::Inner::bookStored(double ticket) {
   const Sale sale = storedSale(ticket);
   book(sale, ticket, isOnCredit(sale));
 }
 
-bool Shop::hasMovedStock(double ticket) {
+bool Shop::Inner::hasMovedStock(double ticket) {
   Statement statement("SELECT Id FROM Articulos_Movimientos_Almacen WHERE Estado = ");
   statement << spliced(std::to_string(kTicketKind))
             << " AND Doc_E = " << spliced(numberText(ticket));
   return Rows(selector::kMain, statement, main_).hasRow();
 }
 
-/// What book() needs of a ticket, live or in history.
-Sale Shop::storedSale(double ticket) {
-  Sale sale;
+/// What a ticket tells of its sale, live or in history; nothing where there is none.
+std::optional<Sale> Shop::Inner::findSale(double ticket) {
   for (const Statement::Constant table : kTicketTables) {
-    Statement head("SELECT Referencia, Fecha, Concepto, Codigo, Razon_Social, Forma_Pago FROM ");
+    Statement head(
+        "SELECT Referencia, Fecha, Concepto, Codigo, Razon_Social, Forma_Pago, Caja FROM ");
     head << table << " WHERE Numero = " << spliced(numberText(ticket));
     const Rows row(selector::kDocuments, head, documents_);
     if (!row.hasRow()) continue;
+    Sale sale;
     sale.reference = row.text("Referencia");
+    sale.till = row.text("Caja");
     sale.time = row.text("Concepto");
     sale.day = Date(row.number("Fecha"));
     sale.customer = row.text("Codigo");
@@ -164,7 +166,7 @@ Sale Shop::storedSale(double ticket) {
     header << table << "_Cabecera WHERE Codigo = " << spliced(numberText(ticket));
     const Rows place(selector::kDocuments, header, documents_);
     if (place.hasRow()) sale.place = place.text("Provincia");
-    Statement lines("SELECT Codigo, Descripcion, Familia, Cantidad, Precio, IVA, DTO FROM ");
+    Statement lines("SELECT Codigo, Descripcion, Familia, Cantidad, Precio, IVA, DTO, Lote FROM ");
     lines << table << "_Lineas WHERE Numero = " << spliced(numberText(ticket)) << " ORDER BY ID";
     for (Rows rows(selector::kDocuments, lines, documents_); rows.hasRow(); rows.next()) {
       sale.lines.push_back({.code = rows.text("Codigo"),
@@ -173,15 +175,17 @@ Sale Shop::storedSale(double ticket) {
                             .quantity = rows.number("Cantidad"),
                             .price = rows.number("Precio"),
                             .tax = rows.number("IVA"),
-                            .discount = rows.number("DTO")});
+                            .discount = rows.number("DTO"),
+                            .isFree = rows.number("Precio") == 0,
+                            .lot = rows.text("Lote")});
     }
-    break;
+    return sale;
   }
-  return sale;
+  return std::nullopt;
 }
 
 /// Undoes what book() did. Articles and customers that were made on the way stay.
-void Shop::takeBack(double ticket) {
+void Shop::Inner::undo(double ticket) {
   Statement statement(
       "SELECT Codigo, Almacen, Lote, Cantidad, Movimiento FROM Articulos_Movimientos_Almacen WHERE "
       "Estado = ");
@@ -198,12 +202,12 @@ void Shop::takeBack(double ticket) {
     lots_.DescargarStock_V(code, lot, 0.0, units, wasExit, main_);
   }
   movements_.DeleteAll(ticket, kTicketKind, main_);
-  takeBackEntries(ticket);
+  undoEntries(ticket);
 }
 
 /// The ledger's own Eliminar splices the code of an entry as it is stored, which an apostrophe
 /// breaks: then the entries go by themselves, and their accounts are added up anew.
-void Shop::takeBackEntries(double ticket) {
+void Shop::Inner::undoEntries(double ticket) {
   Statement entries(" FROM Clientes_Apuntes_Contables WHERE Estado = ");
   entries << spliced(std::to_string(kTicketKind))
           << " AND Documento_E = " << spliced(numberText(ticket));
@@ -230,7 +234,7 @@ void Shop::takeBackEntries(double ticket) {
 
 /// Of the tail, closings are looked at behind the last one that both databases have: a program died
 /// over those, or a file has lost them.
-void Shop::settleClosings(Extent extent, Recovered& recovered) {
+void Shop::Inner::settleClosings(Extent extent, Recovered& recovered) {
   const double inHistory = greatest(selector::kDocuments, "Cierre", "HTickets", documents_);
   Statement candidates("SELECT Codigo AS Cierre FROM Cierres WHERE Codigo > ");
   candidates << spliced(numberText(extent == Extent::kTail ? inHistory : 0));
@@ -244,7 +248,7 @@ void Shop::settleClosings(Extent extent, Recovered& recovered) {
 
 /// Deletes those of the closings that a program died over. `candidates` gives their numbers as
 /// Cierre.
-void Shop::takeBackClosings(const Statement& candidates, Recovered& recovered) {
+void Shop::Inner::takeBackClosings(const Statement& candidates, Recovered& recovered) {
   for (const double closing : numbersOf(selector::kMain, candidates, "Cierre", main_)) {
     if (!isUnfinished(closing)) continue;
     deleteClosing(closing);
@@ -252,7 +256,7 @@ void Shop::takeBackClosings(const Statement& candidates, Recovered& recovered) {
   }
 }
 
-void Shop::deleteClosing(double closing) {
+void Shop::Inner::deleteClosing(double closing) {
   closings_.DeleteAll(closing, main_);
   Statement statement("DELETE FROM Cierres WHERE Codigo = ");
   statement << spliced(numberText(closing));
@@ -261,7 +265,7 @@ void Shop::deleteClosing(double closing) {
 
 /// Whether no ticket belongs to a closing with lines, while those that it closed are open still. A
 /// closing whose tickets are nowhere is none of ours: its history may have been put away.
-bool Shop::isUnfinished(double closing) {
+bool Shop::Inner::isUnfinished(double closing) {
   const std::string code = numberText(closing);
   const auto rowsOf = [&](int selector, Statement::Constant select, ConnectionPtr& connection) {
     Statement statement("SELECT ");
@@ -283,7 +287,7 @@ bool Shop::isUnfinished(double closing) {
   return day != 0 && !openTicketsOf(row.text("Caja"), Date(day)).empty();
 }
 
-bool Shop::isInvoiced(double closing) {
+bool Shop::Inner::isInvoiced(double closing) {
   Statement statement("SELECT Codigo FROM Cierres WHERE Facturado <> 0 AND Codigo = ");
   statement << spliced(numberText(closing));
   return Rows(selector::kMain, statement, main_).hasRow();
@@ -291,7 +295,7 @@ bool Shop::isInvoiced(double closing) {
 
 /// Writes again the closings behind `after` that only their tickets tell of. In their order, as
 /// each begins with the balance of the one before.
-void Shop::rewriteClosings(double after, Recovered& recovered) {
+void Shop::Inner::rewriteClosings(double after, Recovered& recovered) {
   Statement statement("SELECT DISTINCT Cierre FROM HTickets WHERE Cierre > ");
   statement << spliced(numberText(after)) << " ORDER BY Cierre";
   for (const double closing : numbersOf(selector::kDocuments, statement, "Cierre", documents_)) {
@@ -304,7 +308,7 @@ void Shop::rewriteClosings(double after, Recovered& recovered) {
 ///
 /// The sums are those of a closing, over live tickets: its tickets come back for as long as it
 /// takes, the till's open ones step aside, and all of that is undone.
-bool Shop::rewriteClosing(double closing) {
+bool Shop::Inner::rewriteClosing(double closing) {
   const std::string code = numberText(closing);
   Statement origins("SELECT DISTINCT Caja, Fecha, Serie FROM HTickets WHERE Cierre = ");
   origins << spliced(code);
@@ -337,7 +341,7 @@ bool Shop::rewriteClosing(double closing) {
 // What a person has decided
 
 /// Looks again under the locks at all that is undecided, as sales go on until then.
-void Shop::followTickets(Recovered& recovered) {
+void Shop::Inner::followTickets(Recovered& recovered) {
   using Kind = Finding::Kind;
   BothDatabases transaction(main_, documents_);
   Audit audit(main_, documents_);
@@ -347,12 +351,12 @@ void Shop::followTickets(Recovered& recovered) {
          known.isOfTicket() ? audit.tickets(each, each) : audit.closings(each, each)) {
       switch (finding.kind) {
         case Kind::kTicketLost:
-          takeBack(each);
+          undo(each);
           recovered.takenBack.push_back(each);
           break;
         case Kind::kStockNotMoved:
         case Kind::kLinesDiffer:
-          takeBack(each);
+          undo(each);
           bookStored(each);
           recovered.sales.push_back(each);
           break;

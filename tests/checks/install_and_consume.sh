@@ -1,13 +1,15 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # install_and_consume.sh BUILD_DIR COMPILER BUILD_TYPE: installs to a scratch folder, then builds
-# and runs tests/consumer on both libraries, with all installed headers included and nothing of this tree.
+# and runs tests/consumer on both libraries, with all installed headers included and nothing of this
+# tree; and the till of the examples, on the flows.
 source "$(dirname "$0")/../../scripts/lib/common.sh"
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cmake --install "$1" --prefix "$scratch/usr" >"$scratch/install.log"
 cp -r tests/consumer "$scratch/consumer"
+cp examples/080-a-till.cpp "$scratch/consumer/till.cpp"
 (cd "$scratch/usr/include" && find tavelor -name '*.hpp' | LC_ALL=C sort |
   sed 's/.*/#include "&"/') >"$scratch/consumer/all_headers.hpp"
 cmake -S "$scratch/consumer" -B "$scratch/build" -G Ninja -DCMAKE_PREFIX_PATH="$scratch/usr" \
@@ -20,4 +22,5 @@ for program in "$scratch"/build/with_*; do
   built=$((built + 1))
 done
 [[ $built -gt 0 ]]
+(cd "$scratch" && build/till | diff "$OLDPWD/examples/080-a-till.txt" -)
 if [[ -x $scratch/usr/bin/tavelor ]]; then "$scratch/usr/bin/tavelor" --version; fi

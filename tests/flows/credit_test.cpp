@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tavelor/customers/clientes.hpp"
 #include "tavelor/customers/clientes_apuntes_conta.hpp"
 #include "tavelor/flows/account.hpp"
 #include "tavelor/flows/customers.hpp"
@@ -39,7 +40,7 @@ SaleLine open(std::string code, double quantity = 1) {
 
 class CreditTest : public ::testing::Test {
  protected:
-  CreditTest() { seedCatalogues(); }
+  CreditTest() { openShop(); }
 
   std::string main(const std::string& statement) { return place_.text(statement, kMain); }
   std::string documents(const std::string& statement) { return place_.text(statement, kDocuments); }
@@ -123,7 +124,9 @@ TEST_F(CreditTest, TwentyTillsOnOneAccountLeaveEveryBalanceRight) {
   for (int till = 0; till < kTills; ++till) {
     tills.push_back(std::async(std::launch::async, [this, till] {
       Apartment apartment(place_.installationPtr());
+      apartment.clock().fix(kDay);
       Shop shop;
+      shop.openTills({std::to_string(till)});
       for (int i = 0; i < kSales; ++i) {
         const std::string name = std::to_string(till);
         Sale sale = creditSale(name + "-" + std::to_string(i), "C1", name);

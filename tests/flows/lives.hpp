@@ -12,11 +12,23 @@
 #include "tavelor/flows/reconciliation.hpp"
 #include "tavelor/flows/seed.hpp"
 #include "tavelor/flows/shop.hpp"
+#include "tavelor/services/clock.hpp"
 #include "tests/support/shop.hpp"
 
 namespace tavelor::flows {
 
 inline const Date kDay = Date::of(2026, 11, 20);
+
+/// What a shop has that sells at these tills, on the day after kDay.
+inline void openShop(const std::vector<std::string>& tills = {"01", "02"}) {
+  Apartment::current().clock().fix(Date(kDay.days() + 1));
+  seedCatalogues();
+  Shop().openTills(tills);
+}
+
+struct OpenedShop {
+  OpenedShop() { openShop(); }
+};
 
 inline Sale saleOf(std::string reference, std::string till = "01") {
   Sale sale;
@@ -35,12 +47,13 @@ class LivesTest : public ::testing::Test {
  protected:
   LivesTest() {
     Installation::create(path(), test::fastSettings());
-    live([] { seedCatalogues(); });
+    live([] { openShop(); });
   }
 
   /// A program's life, from opening the databases to closing them.
   void live(const std::function<void()>& work) {
     Apartment apartment(Installation::open(path()));
+    apartment.clock().fix(Date(kDay.days() + 1));
     work();
   }
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tavelor/articles/articulos.hpp"
 #include "tavelor/flows/day_page.hpp"
 #include "tavelor/flows/receiving.hpp"
 #include "tavelor/flows/reconciliation.hpp"
@@ -14,6 +15,7 @@
 #include "tavelor/frame/class_info.hpp"
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/text.hpp"
+#include "tavelor/services/clock.hpp"
 #include "tavelor/services/dialect/dialect.hpp"
 #include "tavelor/services/sqlite/sqlite_engine.hpp"
 #include "tests/dialect/scans.hpp"
@@ -37,6 +39,7 @@ class ShopPlansTest : public testing::Test {
          dialect::translateSchema(tests::schemaText(), dialect::sqliteWriter())) {
       session_->execute(text);
     }
+    shop_.apartment().clock().fix(Date::of(2026, 11, 21));
     seedCatalogues();
     trace_.listen([this](const TraceEntry& entry) { ran_.insert(entry.text); });
   }

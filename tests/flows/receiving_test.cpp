@@ -10,10 +10,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tavelor/articles/articulos.hpp"
+#include "tavelor/articles/articulos_almacenes.hpp"
+#include "tavelor/articles/articulos_lotes.hpp"
+#include "tavelor/articles/articulos_mov_almacen.hpp"
 #include "tavelor/flows/account.hpp"
 #include "tavelor/flows/suppliers.hpp"
 #include "tavelor/services/clock.hpp"
 #include "tavelor/suppliers/proveedores.hpp"
+#include "tavelor/suppliers/proveedores_apuntes_conta.hpp"
 #include "tests/flows/lives.hpp"
 
 namespace tavelor::flows {
@@ -458,6 +463,7 @@ TEST_F(ReceivingTest, ANumberWhoseMovementsAreLeftIsNotGivenAgain) {
 
 TEST_F(ReceivingTest, TicketsOfTheSameNumberAreNoneOfADelivery) {
   Shop till;
+  till.openTills({"01"});
   till.sell(saleOf("V1"));
   receiving_.receive(deliveryOf("A-1", {lineOf("PAN", 5, 1)}));
   EXPECT_EQ(main("SELECT Count(*) FROM Articulos_Movimientos_Almacen WHERE Doc_E = 1"), "3");

@@ -7,6 +7,7 @@
 
 #include "tavelor/flows/seed.hpp"
 #include "tavelor/flows/shop.hpp"
+#include "tavelor/services/clock.hpp"
 #include "tests/support/shop.hpp"
 #include "tools/built_in_day.hpp"
 
@@ -23,9 +24,11 @@ using ::testing::IsEmpty;
 class ReconciliationTest : public ::testing::Test {
  protected:
   ReconciliationTest() {
+    place_.apartment().clock().fix(Date::of(2026, 11, 21));
     seedCatalogues();
     const std::vector<std::string> tills = {"01", "02"};
     Shop shop;
+    shop.openTills(tills);
     for (const Sale& sale : builtInDay(tills)) {
       day_ = sale.day;
       reconciliation_.expect(sale);

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+// What a ticket has sold and somebody brings back.
+#include <algorithm>
+#include <cmath>
+
+#include <fmt/format.h>
+
+#include "tavelor/flows/shop_inner.hpp"
+
+namespace tavelor::flows {
+
+namespace {
+
+constexpr double kNothing = 1e-9;  // units; what binary fractions leave of a whole number
+
+/// Of all returns of a ticket, by which they are found again: "Dev. A/12 (1)".
+std::string referenceOf(double ticket, int before) {
+  return fmt::format("Dev. {}/{:.0f} ({})", kSeries, ticket, before + 1);
+}
+
+bool isOf(const SaleLine& returned, const SaleLine& line) {
+  return returned.code == line.code && returned.price == line.price &&
+         returned.discount == line.discount && returned.tax == line.tax && returned.lot == line.lot;
+}
+
+/// What is left of each line after a return. A return tells no lines: equal ones are taken off in
+/// their order.
+void takeOff(std::vector<double>& left, const std::vector<SaleLine>& lines, const Sale& returned) {
+  for (const SaleLine& back : returned.lines) {
+    double units = -back.quantity;
+    for (std::size_t at = 0; at < lines.size() && units > kNothing; ++at) {
+      if (!isOf(back, lines[at])) continue;
+      const double taken = std::min(units, left[at]);
+      left[at] -= taken;
+      units -= taken;
+    }
+  }
+}
+
+/// Of equal lines it does not matter which one comes back: where one has too little left, others
+/// give theirs.
+void evenOut(std::vector<double>& wanted, const std::vector<double>& left,
+             const std::vector<SaleLine>& lines) {
+  for (std::size_t at = 0; at < wanted.size(); ++at) {
+    for (std::size_t other = 0; other < wanted.size() && wanted[at] > left[at]; ++other) {
+      if (other == at || !isOf(lines[other], lines[at])) continue;
+      const double moved = std::clamp(left[other] - wanted[other], 0.0, wanted[at] - left[at]);
+      wanted[at] -= moved;
+      wanted[other] += moved;
+    }
+  }
+}
+
+/// The units of a line and of those that are equal to it.
+std::string ofEqual(const std::vector<double>& units, const std::vector<SaleLine>& lines,
+                    std::size_t line) {
+  double sum = 0;
+  for (std::size_t at = 0; at < lines.size(); ++at) {
+    if (isOf(lines[at], lines[line])) sum += units[at];
+  }
+  return sqlNumber(roundHalfAway(sum, 6));
+}
+
+}  // namespace
+
+double Shop::Inner::takeBack(const Return& what) {
+  openTickets();
+  // What is left is looked at under the locks of the sale, so that two tills do not take the same
+  // back.
+  BothDatabases transaction(main_, documents_);
+  const std::string name = fmt::format("{}/{:.0f}", kSeries, what.ticket);
+  const auto refuse = [&](std::vector<SaleFault> faults) {
+    throw RefusedSale("Dev. " + name, std::move(faults));
+  };
+  const std::optional<Sale> sold = findSale(what.ticket);
+  if (!sold) refuse({{.reason = fmt::format("there is no ticket {}", name)}});
+
+  std::vector<double> left;
+  for (const SaleLine& line : sold->lines) left.push_back(std::max(line.quantity, 0.0));
+  int before = 0;
+  for (; const std::optional<double> other = ticketOf(referenceOf(what.ticket, before)); ++before) {
+    takeOff(left, sold->lines, storedSale(*other));
+  }
+
+  std::vector<double> wanted = what.lines.empty() ? left : std::vector<double>(left.size());
+  std::vector<SaleFault> faults;
+  for (const ReturnedLine& line : what.lines) {
+    if (line.line == 0 || line.line > left.size()) {
+      faults.push_back({.line = line.line, .reason = "the ticket has no such line"});
+    } else if (!(line.quantity > 0) || !std::isfinite(line.quantity)) {
+      faults.push_back({line.line, 0, sold->lines[line.line - 1].code,
+                        "the quantity that comes back is not above 0"});
+    } else {
+      wanted[line.line - 1] += line.quantity;
+    }
+  }
+  evenOut(wanted, left, sold->lines);
+  Sale back = *sold;
+  back.reference = referenceOf(what.ticket, before);
+  back.till = what.till;
+  back.day = what.day;
+  back.time = what.time;
+  back.comment = what.comment;
+  back.delivered = 0;
+  if (!what.payment.empty()) back.payment = what.payment;
+  back.lines.clear();
+  for (std::size_t at = 0; at < wanted.size(); ++at) {
+    if (wanted[at] > left[at] + kNothing) {
+      faults.push_back(
+          {at + 1, 0, sold->lines[at].code,
+           fmt::format("{} come back, and {} are left", ofEqual(wanted, sold->lines, at),
+                       ofEqual(left, sold->lines, at))});
+    }
+    if (wanted[at] <= kNothing) continue;
+    SaleLine& line = back.lines.emplace_back(sold->lines[at]);
+    line.quantity = -roundHalfAway(wanted[at], 6);
+  }
+  if (faults.empty() && back.lines.empty()) faults.push_back({.reason = "nothing is left of it"});
+  if (!faults.empty()) refuse(std::move(faults));
+
+  const std::optional<double> number = sell(back);
+  transaction.commit(BothDatabases::First::kDocuments);
+  return number.value();
+}
+
+}  // namespace tavelor::flows
