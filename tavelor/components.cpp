@@ -22,6 +22,7 @@
 #include "tavelor/customers/clientes_comentarios.hpp"
 #include "tavelor/customers/clientes_direcciones.hpp"
 #include "tavelor/frame/component.hpp"
+#include "tavelor/frame/recordset_components.hpp"
 #include "tavelor/numbering/numeradores.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/text.hpp"
@@ -126,12 +127,14 @@ const Component& component(std::string_view nameOrClassId) {
     wanted.remove_prefix(kLibrary.size());
   }
   std::vector<std::string> names;
-  for (const Component* candidate : components()) {
-    if (text::equalsIgnoreCase(candidate->name(), wanted) ||
-        text::equalsIgnoreCase(candidate->classId(), wanted)) {
-      return *candidate;
+  for (const auto* group : {&components(), &recordsetComponents()}) {
+    for (const Component* candidate : *group) {
+      if (text::equalsIgnoreCase(candidate->name(), wanted) ||
+          text::equalsIgnoreCase(candidate->classId(), wanted)) {
+        return *candidate;
+      }
+      names.push_back(candidate->name());
     }
-    names.push_back(candidate->name());
   }
   const std::string near = text::nearest(wanted, names);
   raise(errors::kMemberNotFound, "Tavelor",

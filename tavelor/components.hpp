@@ -14,8 +14,8 @@ class Component;
 /// By family, in the order of components.cpp.
 TAVELOR_API const std::vector<const Component*>& components();
 
-/// By class name ("ClsBancos", "Tavelor.ClsBancos") or class identifier, without regard to case.
-/// Raises 438 with the nearest name when there is none.
+/// By class name ("ClsBancos", "Tavelor.ClsBancos") or class identifier, without regard to case,
+/// also one of recordsetComponents(). Raises 438 with the nearest name when there is none.
 TAVELOR_API const Component& component(std::string_view nameOrClassId);
 
 }  // namespace tavelor

@@ -258,6 +258,16 @@ struct TAVELOR_API Plain<InOut<T>> {
   static const T& get(const InOut<T>& field) { return *field; }
 };
 
+/// Calls a member function, or a function that takes the object first.
+template <typename C, typename F, typename... A>
+decltype(auto) called(C& object, F function, A&&... arguments) {
+  if constexpr (std::is_member_pointer_v<F>) {
+    return (object.*function)(std::forward<A>(arguments)...);
+  } else {
+    return function(object, std::forward<A>(arguments)...);
+  }
+}
+
 template <typename R, typename C, typename F, typename... P, std::size_t... I>
 Variant invoke(C& object, F function, std::span<Variant> arguments, std::index_sequence<I...>) {
   std::tuple<Argument<P>...> held{Argument<P>(I < arguments.size() ? &arguments[I] : nullptr)...};
@@ -267,10 +277,10 @@ Variant invoke(C& object, F function, std::span<Variant> arguments, std::index_s
   Variant result;
   try {
     if constexpr (std::is_void_v<R>) {
-      (object.*function)(std::get<I>(held).pass()...);
+      called(object, function, std::get<I>(held).pass()...);
     } else {
-      result =
-          Marshal<std::remove_cvref_t<R>>::out((object.*function)(std::get<I>(held).pass()...));
+      result = Marshal<std::remove_cvref_t<R>>::out(
+          called(object, function, std::get<I>(held).pass()...));
     }
   } catch (...) {
     writeBack();
@@ -307,6 +317,12 @@ Member member(std::string_view name, R (Class::*function)(P...), std::string_vie
 template <typename R, typename Class, typename... P>
 Member member(std::string_view name, R (Class::*function)(P...) const,
               std::string_view names = {}) {
+  return detail::makeMember<Class, R, decltype(function), P...>(name, function, names);
+}
+/// A slot from a function that takes the object first: a member that is overloaded, or whose types
+/// do not travel as they are.
+template <typename R, typename Class, typename... P>
+Member member(std::string_view name, R (*function)(Class&, P...), std::string_view names = {}) {
   return detail::makeMember<Class, R, decltype(function), P...>(name, function, names);
 }
 /// A slot from a member that reads one value of one row.

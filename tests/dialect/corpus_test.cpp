@@ -68,7 +68,7 @@ std::string valueText(const engine::Value& value) {
 
 engine::Value valueOf(const Shape& shape, const Parameter& parameter) {
   const auto index = static_cast<std::size_t>(parameter.literal);
-  const Lifted lifted = lift(shape.literals[index], shape.kinds[index]);
+  const LiteralValue lifted = readLiteral(shape.literals[index], shape.kinds[index]);
   return LiteralReader(*Locale::spanish()).read(lifted, parameter);
 }
 

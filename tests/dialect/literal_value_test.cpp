@@ -14,7 +14,7 @@ namespace {
 /// "" where it is not read, else how it was.
 std::string readAs(std::string_view text, char decimal = '.') {
   const std::vector<char> exact(text.begin(), text.end());
-  Lifted number{.text = "as it was", .real = -1};
+  LiteralValue number{.text = "as it was", .real = -1};
   if (!readPlain({exact.data(), exact.size()}, decimal, number)) {
     EXPECT_EQ(number.kind, LiteralKind::kText);
     EXPECT_EQ(number.real, -1);
@@ -36,7 +36,7 @@ TEST(PlainNumber, OfEveryLengthIsReadToTheDigit) {
     for (std::size_t point = 0; point <= count; ++point) {
       const std::string text = whole.substr(0, point) + "." + whole.substr(point);
       EXPECT_EQ(readAs(text), whole + "/" + std::to_string(count - point)) << text;
-      Lifted number;
+      LiteralValue number;
       ASSERT_TRUE(readPlain("-" + text, '.', number));
       EXPECT_EQ(number.real, std::strtod(("-" + text).c_str(), nullptr)) << text;
     }

@@ -203,7 +203,7 @@ void Binder::order(Select& first, const Scope& scope) {
     const Token& token = item->expr->literal;
     if (item->expr->kind == ExprKind::kLiteral && token.literalKind == LiteralKind::kWhole) {
       const std::string_view digits = statement_.substr(token.begin, token.end - token.begin);
-      const std::int64_t position = lift(digits, token.literalKind).whole;
+      const std::int64_t position = readLiteral(digits, token.literalKind).whole;
       if (position < 1 || position > columns) {
         failSyntax(token.begin, "there is no column " + std::string(digits) + " to sort by");
       }

@@ -279,7 +279,7 @@ class Lexer {
     const std::string_view text = text_.substr(begin, number.end - begin);
     constexpr std::size_t kSurelyLong = 9;
     if (number.kind == LiteralKind::kWhole && text.size() > kSurelyLong) {
-      Lifted read;
+      LiteralValue read;
       if (!readPlain(text, '.', read) || read.kind != LiteralKind::kWhole) {
         number.kind = LiteralKind::kDecimal;
       }

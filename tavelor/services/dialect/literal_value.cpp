@@ -89,31 +89,31 @@ Digits readLong(std::string_view text, char decimal) {
   return read;
 }
 
-void takeReal(double real, Lifted& number) {
+void setReal(double real, LiteralValue& number) {
   number.kind = LiteralKind::kDecimal;
   number.decimals = -1;
   number.real = real;
 }
 
 /// A bare number of a statement.
-void readWritten(Lifted& number) {
+void readWritten(LiteralValue& number) {
   if (readPlain(number.text, '.', number)) return;
   if (const auto radix = readRadix(number.text)) {
     number.kind = LiteralKind::kWhole;
     number.whole = radix->number;
     return;
   }
-  takeReal(parseSqlNumber(number.text).value_or(kInfinity), number);
+  setReal(parseSqlNumber(number.text).value_or(kInfinity), number);
 }
 
-[[noreturn, gnu::cold]] void refuseRange(const Lifted& number, const Parameter& parameter) {
+[[noreturn, gnu::cold]] void refuseRange(const LiteralValue& number, const Parameter& parameter) {
   raise(parameter.column.empty() ? errors::kOverflow : errors::kMultipleStep, kSource,
         fmt::format("{} is out of range{}", number.text, inColumn(parameter)));
 }
 
 /// `plain` is the number in plain form, "" where it is the text of a bare number: a double has not
 /// all the digits of the largest amounts.
-Value moneyOf(const Lifted& number, std::string_view plain, const Parameter& parameter) {
+Value moneyOf(const LiteralValue& number, std::string_view plain, const Parameter& parameter) {
   // Of 0 to 4 decimals.
   constexpr std::array<std::int64_t, 5> kToScale{10'000, 1'000, 100, 10, 1};
   if (number.kind == LiteralKind::kWhole) {
@@ -136,7 +136,7 @@ Value moneyOf(const Lifted& number, std::string_view plain, const Parameter& par
   return Value::ofCurrency(Currency::fromScaled(*scaled));
 }
 
-Value wholeOf(const Lifted& number, const Parameter& parameter) {
+Value wholeOf(const LiteralValue& number, const Parameter& parameter) {
   const auto [least, most] = engine::wholeRange(parameter.columnType);
   const double rounded =
       number.kind == LiteralKind::kWhole ? number.asReal() : roundHalfEven(number.real);
@@ -156,13 +156,13 @@ bool isDay(double days) {
   }
 }
 
-Value numberOf(const Lifted& number) {
+Value numberOf(const LiteralValue& number) {
   return number.kind == LiteralKind::kWhole ? Value::ofInteger(number.whole)
                                             : Value::ofReal(number.real);
 }
 
 /// A number that is assigned to a column takes the column's type.
-Value assigned(const Lifted& number, std::string_view plain, const Parameter& parameter) {
+Value assigned(const LiteralValue& number, std::string_view plain, const Parameter& parameter) {
   switch (parameter.columnType) {
     case ColumnType::kByte:
     case ColumnType::kInt16:
@@ -191,7 +191,7 @@ Value assigned(const Lifted& number, std::string_view plain, const Parameter& pa
 }
 
 /// As the parameter wants it; `plain` as of moneyOf().
-Value fitted(const Lifted& number, std::string_view plain, const Parameter& parameter) {
+Value fitted(const LiteralValue& number, std::string_view plain, const Parameter& parameter) {
   if (number.kind == LiteralKind::kDecimal && !std::isfinite(number.real)) {
     if (!parameter.column.empty()) refuseRange(number, parameter);
     raise(errors::kOverflow, kSource, fmt::format("no number holds {}", number.text));
@@ -217,13 +217,13 @@ std::optional<bool> truthOf(std::string_view text, const Locale& locale) {
 }
 
 /// An empty text that is compared with something else than a text.
-bool isNothing(const Lifted& literal, const Parameter& parameter) {
+bool isNothing(const LiteralValue& literal, const Parameter& parameter) {
   return literal.text.empty() && parameter.compared;
 }
 
 }  // namespace
 
-bool readPlain(std::string_view text, char decimal, Lifted& number) {
+bool readPlain(std::string_view text, char decimal, LiteralValue& number) {
   const bool negative = !text.empty() && text[0] == '-';
   if (negative || (!text.empty() && text[0] == '+')) text.remove_prefix(1);
   if (text.empty()) return false;
@@ -244,8 +244,8 @@ bool readPlain(std::string_view text, char decimal, Lifted& number) {
   return true;
 }
 
-Lifted lift(std::string_view text, LiteralKind kind) {
-  Lifted literal{.text = text, .kind = kind};
+LiteralValue readLiteral(std::string_view text, LiteralKind kind) {
+  LiteralValue literal{.text = text, .kind = kind};
   if (kind == LiteralKind::kDate) {
     literal.real = parseSqlDate(text).value_or(Date()).days();
   } else if (kind != LiteralKind::kText) {
@@ -266,39 +266,39 @@ void LiteralReader::checkLength(std::string_view text, const Parameter& paramete
                   parameter.maxLength, parameter.column.empty() ? "its column" : parameter.column));
 }
 
-Value LiteralReader::number(const Lifted& literal, const Parameter& parameter) const {
+Value LiteralReader::number(const LiteralValue& literal, const Parameter& parameter) const {
   if (literal.kind == LiteralKind::kText) return quotedNumber(literal, parameter);
   return fitted(literal, {}, parameter);
 }
 
 /// Read with its sign, for there is one amount more below zero than above.
-Value LiteralReader::negativeMoney(const Lifted& literal, const Parameter& parameter) const {
+Value LiteralReader::negativeMoney(const LiteralValue& literal, const Parameter& parameter) const {
   if (literal.text.starts_with('&') || literal.text.starts_with('-')) {
     const Value positive = number(literal, parameter);
     return Value::ofCurrency(-Currency::fromScaled(positive.integer));
   }
   const bool isSigned = literal.text.starts_with('+');
   const std::string negative = "-" + std::string(literal.text.substr(isSigned ? 1 : 0));
-  return number(lift(negative, literal.kind), parameter);
+  return number(readLiteral(negative, literal.kind), parameter);
 }
 
-Value LiteralReader::quotedNumber(const Lifted& literal, const Parameter& parameter) const {
+Value LiteralReader::quotedNumber(const LiteralValue& literal, const Parameter& parameter) const {
   if (isNothing(literal, parameter)) return Value::null();
   if (parameter.compared && parameter.columnType == ColumnType::kBoolean) {
     if (const auto truth = truthOf(literal.text, locale_)) return Value::ofBoolean(*truth);
   }
-  Lifted number{.text = literal.text};
+  LiteralValue number{.text = literal.text};
   std::string plain;
   if (!readPlain(literal.text, decimal_, number)) {
     if (!readPlainForm(literal.text, locale_, plain)) refuseNumber(literal.text, parameter);
-    takeReal(plainFormToDouble(plain), number);
+    setReal(plainFormToDouble(plain), number);
   } else if (number.decimals > 4) {
     plain = fmt::format("{}e-{}", number.whole, number.decimals);
   }
   return fitted(number, plain, parameter);
 }
 
-Value LiteralReader::date(const Lifted& literal, const Parameter& parameter) const {
+Value LiteralReader::date(const LiteralValue& literal, const Parameter& parameter) const {
   if (literal.kind == LiteralKind::kDate) return Value::ofDate(Date(literal.real));
   if (isNothing(literal, parameter)) return Value::null();
   const auto date = parseDate(literal.text, locale_);
@@ -309,7 +309,7 @@ Value LiteralReader::date(const Lifted& literal, const Parameter& parameter) con
   return Value::ofDate(*date);
 }
 
-Value LiteralReader::boolean(const Lifted& literal, const Parameter& parameter) const {
+Value LiteralReader::boolean(const LiteralValue& literal, const Parameter& parameter) const {
   if (literal.kind == LiteralKind::kText) {
     if (isNothing(literal, parameter)) return Value::null();
     if (const auto truth = truthOf(literal.text, locale_)) return Value::ofBoolean(*truth);

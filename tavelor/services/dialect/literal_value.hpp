@@ -17,7 +17,7 @@ namespace tavelor::dialect {
 
 /// A literal that was lifted out of a statement. A number keeps how it was written: a whole one
 /// stays whole, as long as it is a LONG.
-struct Lifted {
+struct LiteralValue {
   std::string_view text;  ///< without delimiters
   LiteralKind kind = LiteralKind::kText;
   /// Of kDecimal: its digits behind the point when `whole` has all of its digits, else -1.
@@ -30,10 +30,10 @@ struct Lifted {
 
 /// Reads the usual number, a sign, up to 15 digits and a decimal sign, into all of `number` but its
 /// text. False for any other text, with `number` as it was.
-bool readPlain(std::string_view text, char decimal, Lifted& number);
+bool readPlain(std::string_view text, char decimal, LiteralValue& number);
 
 /// Reads the text of a literal of that kind, which the lexer found well formed.
-Lifted lift(std::string_view text, LiteralKind kind);
+LiteralValue readLiteral(std::string_view text, LiteralKind kind);
 
 /// Converts literals for placeholders. Values view the literals' texts.
 ///
@@ -45,7 +45,7 @@ class LiteralReader {
  public:
   explicit LiteralReader(const Locale& locale);
 
-  engine::Value read(const Lifted& literal, const Parameter& parameter) const {
+  engine::Value read(const LiteralValue& literal, const Parameter& parameter) const {
     switch (parameter.conversion) {
       case Conversion::kText:
         // No character is shorter than a byte.
@@ -71,11 +71,11 @@ class LiteralReader {
 
  private:
   static void checkLength(std::string_view text, const Parameter& parameter);
-  engine::Value number(const Lifted& literal, const Parameter& parameter) const;
-  engine::Value quotedNumber(const Lifted& literal, const Parameter& parameter) const;
-  engine::Value negativeMoney(const Lifted& literal, const Parameter& parameter) const;
-  engine::Value date(const Lifted& literal, const Parameter& parameter) const;
-  engine::Value boolean(const Lifted& literal, const Parameter& parameter) const;
+  engine::Value number(const LiteralValue& literal, const Parameter& parameter) const;
+  engine::Value quotedNumber(const LiteralValue& literal, const Parameter& parameter) const;
+  engine::Value negativeMoney(const LiteralValue& literal, const Parameter& parameter) const;
+  engine::Value date(const LiteralValue& literal, const Parameter& parameter) const;
+  engine::Value boolean(const LiteralValue& literal, const Parameter& parameter) const;
 
   const Locale& locale_;
   char decimal_;  ///< the locale's decimal sign, or 0 if it is no single ASCII character

@@ -13,10 +13,10 @@
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/dialect/dialect.hpp"
-#include "tavelor/services/dialect/generations.hpp"
 #include "tavelor/services/dialect/lexer.hpp"
 #include "tavelor/services/dialect/literal_value.hpp"
 #include "tavelor/services/dialect/splice.hpp"
+#include "tavelor/services/dialect/two_generation_cache.hpp"
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/engine/row_store.hpp"
 #include "tavelor/services/engine/value.hpp"
@@ -41,8 +41,8 @@ struct TextHash {
 template <typename Value>
 using ByText = std::unordered_map<std::string, Value, TextHash, std::equal_to<>>;
 
-/// Splice::hash() is spread already.
-struct Spread {
+/// Splice::hash() is a hash as it stands.
+struct AlreadyHashed {
   std::size_t operator()(std::uint64_t hash) const { return hash; }
 };
 
@@ -86,14 +86,14 @@ struct PlanCache::State {
   /// The plan of a statement; leaves its literals in `literals`.
   const std::shared_ptr<Compiled>& find(const Statement& statement) {
     // Where one is repeated, nothing has to be looked up.
-    if (last != nullptr && last->splice.take(statement, literals)) {
+    if (last != nullptr && last->splice.match(statement, literals)) {
       ++counters.shapeHits;
       return last->compiled;
     }
     const std::uint64_t hash = Splice::hash(statement);
     if (std::vector<Spliced>* const alike = spliced.find(hash)) {
       for (Spliced& candidate : *alike) {
-        if (&candidate == last || !candidate.splice.take(statement, literals)) continue;
+        if (&candidate == last || !candidate.splice.match(statement, literals)) continue;
         last = &candidate;
         ++counters.shapeHits;
         return candidate.compiled;
@@ -151,7 +151,7 @@ struct PlanCache::State {
   void takeLexed() {
     literals.clear();
     for (std::size_t i = 0; i < shape.literals.size(); ++i) {
-      literals.push_back(lift(shape.literals[i], shape.kinds[i]));
+      literals.push_back(readLiteral(shape.literals[i], shape.kinds[i]));
     }
   }
 
@@ -190,7 +190,7 @@ struct PlanCache::State {
     if (!prepared) prepared = session.prepare(step.sql);
     int place = 0;
     for (const Parameter& parameter : step.parameters) {
-      const Lifted& literal = literals[static_cast<std::size_t>(parameter.literal)];
+      const LiteralValue& literal = literals[static_cast<std::size_t>(parameter.literal)];
       prepared->bind(++place, reader.read(literal, parameter));
     }
     return *prepared;
@@ -212,15 +212,16 @@ struct PlanCache::State {
   const Writer& writer;
   LiteralReader reader;
 
-  Generations<std::unordered_map<std::uint64_t, std::vector<Spliced>, Spread>> spliced{kCapacity};
+  TwoGenerationCache<std::unordered_map<std::uint64_t, std::vector<Spliced>, AlreadyHashed>>
+      spliced{kCapacity};
   Spliced* last = nullptr;                      // the one that was found last
   std::array<std::uint64_t, 256> plainTexts{};  // hashes of those that came last, by hash
-  Generations<ByText<std::shared_ptr<Compiled>>> plans{kCapacity};
-  Generations<ByText<std::unique_ptr<engine::Prepared>>> composed{kCapacity};
+  TwoGenerationCache<ByText<std::shared_ptr<Compiled>>> plans{kCapacity};
+  TwoGenerationCache<ByText<std::unique_ptr<engine::Prepared>>> composed{kCapacity};
 
   // Of the statement at hand; kept for their room.
   Shape shape;
-  std::vector<Lifted> literals;
+  std::vector<LiteralValue> literals;
   Counters counters;
 };
 

@@ -134,13 +134,13 @@ std::optional<Splice> Splice::of(const Statement& statement, const Shape& shape,
     Fixed fixed;
     fixed.literal = static_cast<std::int32_t>(i);
     fixed.text = shape.literals[i];
-    fixed.lifted = lift(fixed.text, shape.kinds[i]);
+    fixed.value = readLiteral(fixed.text, shape.kinds[i]);
     splice.fixed_.push_back(std::move(fixed));
   }
   return splice;
 }
 
-bool Splice::take(const Statement& statement, std::vector<Lifted>& literals) {
+bool Splice::match(const Statement& statement, std::vector<LiteralValue>& literals) {
   if (statement.pieces().size() != parts_.size()) return false;
   literals.resize(literalCount_);
   const char* kept = statement.keptText().data();
@@ -157,34 +157,34 @@ bool Splice::take(const Statement& statement, std::vector<Lifted>& literals) {
     kept += piece.size;
     if (piece.kind == Piece::Kind::kTrusted) {
       if (text != known.text) return false;
-    } else if (!takeValue(known.slot, text,
+    } else if (!readValue(known.slot, text,
                           literals[static_cast<std::size_t>(known.slot.literal)])) {
       return false;
     }
   }
   for (const Fixed& fixed : fixed_) {
-    Lifted& literal = literals[static_cast<std::size_t>(fixed.literal)];
-    literal = fixed.lifted;
+    LiteralValue& literal = literals[static_cast<std::size_t>(fixed.literal)];
+    literal = fixed.value;
     literal.text = fixed.text;
   }
   return true;
 }
 
-bool Splice::takeValue(const Slot& slot, std::string_view value, Lifted& literal) {
-  if (slot.quote != 0) return takeQuoted(slot, value, literal);
+bool Splice::readValue(const Slot& slot, std::string_view value, LiteralValue& literal) {
+  if (slot.quote != 0) return readQuoted(slot, value, literal);
   if (!readPlain(value, '.', literal)) return false;
   literal.text = value;
   return slot.place == Place::kNumber ||
          (literal.kind == LiteralKind::kWhole) == (slot.place == Place::kWhole);
 }
 
-bool Splice::takeQuoted(const Slot& slot, std::string_view value, Lifted& literal) {
+bool Splice::readQuoted(const Slot& slot, std::string_view value, LiteralValue& literal) {
   if (slot.delimited) {
     if (value.size() < 2 || value.front() != slot.quote || value.back() != slot.quote) return false;
     value = value.substr(1, value.size() - 2);
   }
   // What reads as a date has no # in it.
-  if (slot.place == Place::kDate && slot.joint < 0) return takeDate(value, literal);
+  if (slot.place == Place::kDate && slot.joint < 0) return readDate(value, literal);
   if (!staysInside(value, slot.quote)) return false;
   literal.text = value;
   literal.kind = LiteralKind::kText;
@@ -194,10 +194,10 @@ bool Splice::takeQuoted(const Slot& slot, std::string_view value, Lifted& litera
   if (joint.isFirst) whole.clear();
   whole.append(joint.prefix).append(value).append(joint.suffix);
   literal.text = whole;
-  return slot.place == Place::kText || !joint.isLast || takeDate(whole, literal);
+  return slot.place == Place::kText || !joint.isLast || readDate(whole, literal);
 }
 
-bool Splice::takeDate(std::string_view text, Lifted& literal) {
+bool Splice::readDate(std::string_view text, LiteralValue& literal) {
   const std::optional<Date> date = parseSqlDate(text);
   if (!date) return false;
   literal.text = text;

@@ -34,9 +34,9 @@ class Splice {
   /// not plainly fit its place: quotes, broken UTF-8, a number of another kind, no date. Then
   /// `literals` may have changed, and the lexer has to judge.
   /// The literals view the statement and this object until its next use.
-  bool take(const Statement& statement, std::vector<Lifted>& literals);
+  bool match(const Statement& statement, std::vector<LiteralValue>& literals);
 
-  /// True if both take the same statements.
+  /// True if both match the same statements.
   friend bool operator==(const Splice& a, const Splice& b) { return a.parts_ == b.parts_; }
 
  private:
@@ -70,13 +70,13 @@ class Splice {
   struct Fixed {
     std::int32_t literal = 0;
     std::string text;
-    Lifted lifted;
+    LiteralValue value;
   };
 
   static Place placeOf(LiteralKind kind, bool eitherKind);
-  bool takeValue(const Slot& slot, std::string_view value, Lifted& literal);
-  bool takeQuoted(const Slot& slot, std::string_view value, Lifted& literal);
-  static bool takeDate(std::string_view text, Lifted& literal);
+  bool readValue(const Slot& slot, std::string_view value, LiteralValue& literal);
+  bool readQuoted(const Slot& slot, std::string_view value, LiteralValue& literal);
+  static bool readDate(std::string_view text, LiteralValue& literal);
 
   std::vector<Part> parts_;
   std::vector<Joint> joints_;

@@ -253,7 +253,7 @@ void StepText::literal(const Expr& expr) {
     }
     default:
       if (written.starts_with('&')) {
-        *this << lift(written, token.literalKind).whole;
+        *this << readLiteral(written, token.literalKind).whole;
       } else {
         *this << written;
       }

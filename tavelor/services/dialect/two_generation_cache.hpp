@@ -12,11 +12,11 @@ namespace tavelor::dialect {
 /// `capacity` insertions stays, one that is not used in twice as many goes, and no list has to be
 /// kept. Where entries are used again while others come, more than `capacity` are held.
 template <typename Map>
-class Generations {
+class TwoGenerationCache {
  public:
   using Value = typename Map::mapped_type;
 
-  explicit Generations(std::size_t capacity) : capacity_(capacity) {}
+  explicit TwoGenerationCache(std::size_t capacity) : capacity_(capacity) {}
 
   /// Null when there is none. Good until the next put().
   template <typename Key>
