@@ -28,34 +28,29 @@ namespace tavelor {
 namespace {
 
 constexpr std::string_view kTodos =
-    "SELECT"
-    " Codigo as Código, Lista, Referencia, Descripcion as Descripción,"
-    " Idioma_1, Idioma_2, Idioma_3,Idioma_4, Idioma_5, Idioma_6,"
-    " Seccion as Sección, Familia, Tarifa_A, Tarifa_B, Tarifa_C,"
-    " Impuesto, Precio_Coste as Coste, Precio_Medio as Promedio, Descuento, Descuento_D,"
-    " Existencia, Unidad_Stock as Unidad, Minimo as Mínimo, Maximo as Máximo,"
-    " Pendiente, Activo, Unidad_Compra as Unidades, Medida_Compra as Medida,"
-    " Actualizar_Stock as Control, Lotes, Articulo_Compuesto as Paquete,"
-    " Interno, Valor_Interno as Valor, Empleado, Merma, Margen, Margen_b, Margen_c,"
-    " No_sumar, Repetir, Fecha, Fabricante, Planificar, Restar_Stock, Precio_Venta"
-    " FROM "
-    "Articulos";
+    "SELECT Codigo as Código, Lista, Referencia, Descripcion as Descripción, Idioma_1,"
+    " Idioma_2, Idioma_3,Idioma_4, Idioma_5, Idioma_6, Seccion as Sección, Familia,"
+    " Tarifa_A, Tarifa_B, Tarifa_C, Impuesto, Precio_Coste as Coste,"
+    " Precio_Medio as Promedio, Descuento, Descuento_D, Existencia,"
+    " Unidad_Stock as Unidad, Minimo as Mínimo, Maximo as Máximo, Pendiente, Activo,"
+    " Unidad_Compra as Unidades, Medida_Compra as Medida, Actualizar_Stock as Control,"
+    " Lotes, Articulo_Compuesto as Paquete, Interno, Valor_Interno as Valor, Empleado,"
+    " Merma, Margen, Margen_b, Margen_c, No_sumar, Repetir, Fecha, Fabricante, Planificar,"
+    " Restar_Stock, Precio_Venta"
+    " FROM Articulos";
 constexpr std::string_view kBreve =
-    "SELECT Codigo AS Código, Descripcion AS Descripción , Referencia, Idioma_1, Idioma_2, "
-    "Idioma_3,Seccion as Sección, Familia, Tarifa_A, Tarifa_B, Tarifa_C"
-    " FROM "
-    "Articulos";
+    "SELECT Codigo AS Código, Descripcion AS Descripción , Referencia, Idioma_1, Idioma_2,"
+    " Idioma_3,Seccion as Sección, Familia, Tarifa_A, Tarifa_B, Tarifa_C"
+    " FROM Articulos";
 constexpr std::string_view kBreveSinTarifas =
-    "SELECT Codigo AS Código, Descripcion AS Descripción , Referencia, Idioma_1, Idioma_2, "
-    "Idioma_3,Seccion as Sección, Familia"
-    " FROM "
-    "Articulos";
+    "SELECT Codigo AS Código, Descripcion AS Descripción , Referencia, Idioma_1, Idioma_2,"
+    " Idioma_3,Seccion as Sección, Familia"
+    " FROM Articulos";
 constexpr std::string_view kBreveConExistencia =
-    "SELECT Codigo AS Código, Descripcion AS Descripción , Existencia, Precio_Medio as Promedio, "
-    "Referencia, Idioma_1, Idioma_2, Idioma_3,Seccion as Sección, Familia, Tarifa_A, Tarifa_B, "
-    "Tarifa_C"
-    " FROM "
-    "Articulos";
+    "SELECT Codigo AS Código, Descripcion AS Descripción , Existencia,"
+    " Precio_Medio as Promedio, Referencia, Idioma_1, Idioma_2,"
+    " Idioma_3,Seccion as Sección, Familia, Tarifa_A, Tarifa_B, Tarifa_C"
+    " FROM Articulos";
 
 constexpr std::string_view kFormMode = "frmArticulos";
 
@@ -63,11 +58,7 @@ constexpr std::string_view kFormMode = "frmArticulos";
 // Null empties the whole text. "tarifas" appends a second SELECT, which no engine takes; forms that
 // ask for it show the refusal.
 constexpr std::array kModes = {
-    Mode{"deeliminar",
-         "SELECT"
-         " Seccion, Familia, Impuesto "
-         " FROM "
-         "Articulos",
+    Mode{"deeliminar", "SELECT Seccion, Familia, Impuesto  FROM Articulos",
          " WHERE ( Seccion = '{id}' or Familia = '{id}' or Impuesto = '{id}')"},
     Mode{"seleccion", kBreve, " WHERE ( activo <> 0 )"},
     Mode{"seleccionmixta",
@@ -85,9 +76,7 @@ constexpr std::array kModes = {
          " WHERE ( activo <> 0 and Interno = 0 and Lista =  '{id}' ) or (Actualizar_Stock <> 0 AND "
          "activo <> 0 AND Lista =  'TDS')"},
     Mode{"selec_plan",
-         "SELECT Codigo AS Código, Descripcion AS Descripción , Planificar"
-         " FROM "
-         "Articulos",
+         "SELECT Codigo AS Código, Descripcion AS Descripción , Planificar FROM Articulos",
          " WHERE ( activo <> 0 )"},
     Mode{"seleccion_lista", kBreve,
          " WHERE ( activo <> 0 and Lista =  '{id}') or (Actualizar_Stock <> 0 AND activo <> 0 AND "
@@ -259,11 +248,7 @@ std::string clsArticulos::ObtenerCodigo(InOut<std::string> sMidato) const {
 }
 
 bool clsArticulos::ExisteArt(const Variant& vId, ObjCn objCn) const {
-  return anyRow(withId("SELECT Codigo FROM "
-                       "Articulos"
-                       " Where codigo ='{id}'",
-                       vId),
-                *objCn);
+  return anyRow(withId("SELECT Codigo FROM Articulos Where codigo ='{id}'", vId), *objCn);
 }
 
 // Without brackets And binds tighter than Or, so one article of list TDS answers for all codes.
@@ -420,21 +405,13 @@ Variant clsArticulos::GetFamilia(const Variant& vId, ObjCn objCn) const {
 }
 
 Variant clsArticulos::GetSeccion(const Variant& vId, ObjCn objCn) const {
-  return lookUp(withId("SELECT"
-                       " Seccion"
-                       " FROM Articulos"
-                       " WHERE Codigo = '{id}'",
-                       vId),
-                "Seccion", *objCn);
+  return lookUp(withId("SELECT Seccion FROM Articulos WHERE Codigo = '{id}'", vId), "Seccion",
+                *objCn);
 }
 
 Variant clsArticulos::GetEmpleado(const Variant& vId, ObjCn objCn) const {
-  return lookUp(withId("SELECT"
-                       " Empleado"
-                       " FROM Articulos"
-                       " WHERE Codigo = '{id}'",
-                       vId),
-                "Empleado", *objCn);
+  return lookUp(withId("SELECT Empleado FROM Articulos WHERE Codigo = '{id}'", vId), "Empleado",
+                *objCn);
 }
 
 Variant clsArticulos::GetMedidaCompra(const Variant& vId, ObjCn objCn) const {

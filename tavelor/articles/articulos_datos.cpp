@@ -176,22 +176,17 @@ void clsArticulos::GetDatosReferencia(Datos& datos) const {
 void clsArticulos::GetDatosImport(DatosImport& datos) const {
   const RecordsetPtr rows =
       readOn(selector::kImport,
-             withId("SELECT"
-                    " Codigo as Código, Referencia,"
-                    " Descripcion,"
-                    " Seccion as Sección, Familia,"
-                    " Tarifa_A as Precio_A,"
-                    " Tarifa_B as Precio_B,"
-                    " Tarifa_c as Precio_C,"
-                    " Impuesto, Precio_Coste as Coste, Precio_Medio as Promedio, Descuento,"
-                    " Existencia, Unidad_Stock as Unidad, Minimo as Mínimo, Maximo as Máximo,"
-                    " Pendiente, Activo, Unidad_Compra as Unidades, Medida_Compra as Medida,"
-                    " Actualizar_Stock as Control, Lotes, Articulo_Compuesto as Paquete,"
-                    " Interno, Valor_Interno as Valor, Empleado, Merma, Lista, Descuento_D"
+             withId("SELECT Codigo as Código, Referencia, Descripcion, Seccion as Sección,"
+                    " Familia, Tarifa_A as Precio_A, Tarifa_B as Precio_B,"
+                    " Tarifa_c as Precio_C, Impuesto, Precio_Coste as Coste,"
+                    " Precio_Medio as Promedio, Descuento, Existencia,"
+                    " Unidad_Stock as Unidad, Minimo as Mínimo, Maximo as Máximo,"
+                    " Pendiente, Activo, Unidad_Compra as Unidades,"
+                    " Medida_Compra as Medida, Actualizar_Stock as Control, Lotes,"
+                    " Articulo_Compuesto as Paquete, Interno, Valor_Interno as Valor,"
+                    " Empleado, Merma, Lista, Descuento_D"
                     " FROM Articulos"
-                    " Where ("
-                    " Codigo = '{id}'"
-                    " )",
+                    " Where ( Codigo = '{id}' )",
                     datos.vId),
              *datos.objCn);
   if (rows->RecordCount() == 0) return;

@@ -265,9 +265,8 @@ std::string ClsArticulosLotes::GetArticulo(const Variant& vIdLote, ObjCn objCn) 
 }
 
 bool ClsArticulosLotes::CodigoLibre(const Variant& vId, const Variant& vIdSec, ObjCn objCn) const {
-  return !anyRow(withPair("SELECT lote , Codigo FROM Articulos_Lotes "
-                          " where (lote ='",
-                          joined(vId), "' and codigo='", joined(vIdSec), "')"),
+  return !anyRow(withPair("SELECT lote , Codigo FROM Articulos_Lotes  where (lote ='", joined(vId),
+                          "' and codigo='", joined(vIdSec), "')"),
                  *objCn);
 }
 

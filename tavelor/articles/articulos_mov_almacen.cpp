@@ -22,30 +22,21 @@ namespace tavelor {
 namespace {
 
 constexpr std::string_view kTodos =
-    "SELECT"
-    " Id, Fecha, Hora, Almacen, Codigo, Lote, Cantidad,"
-    " Referencia, Movimiento, Seccion,"
-    " Empleado, Estado, Doc_E"
+    "SELECT Id, Fecha, Hora, Almacen, Codigo, Lote, Cantidad, Referencia, Movimiento,"
+    " Seccion, Empleado, Estado, Doc_E"
     " FROM Articulos_Movimientos_Almacen";
 constexpr std::string_view kVista =
-    "SELECT"
-    " Articulos_Movimientos_Almacen.id as Mov,"
-    " Articulos_Movimientos_Almacen.Fecha,"
-    " Articulos_Movimientos_Almacen.Hora,"
-    " Almacenes.Descripcion as Almacén,"
-    " Articulos_Movimientos_Almacen.Codigo as  Código,"
-    " Articulos.Descripcion as Artículo,"
-    " Articulos_Movimientos_Almacen.Lote,"
-    " Articulos_Movimientos_Almacen.Cantidad,"
-    " Articulos_Movimientos_Almacen.Precio,"
-    " Articulos_Movimientos_Almacen.Movimiento,"
-    " Articulos_Movimientos_Almacen.Referencia,"
-    " Articulos_Movimientos_Almacen.Seccion,"
-    " Articulos_Movimientos_Almacen.Empleado,"
-    " Articulos_Movimientos_Almacen.Estado,"
+    "SELECT Articulos_Movimientos_Almacen.id as Mov, Articulos_Movimientos_Almacen.Fecha,"
+    " Articulos_Movimientos_Almacen.Hora, Almacenes.Descripcion as Almacén,"
+    " Articulos_Movimientos_Almacen.Codigo as  Código, Articulos.Descripcion as Artículo,"
+    " Articulos_Movimientos_Almacen.Lote, Articulos_Movimientos_Almacen.Cantidad,"
+    " Articulos_Movimientos_Almacen.Precio, Articulos_Movimientos_Almacen.Movimiento,"
+    " Articulos_Movimientos_Almacen.Referencia, Articulos_Movimientos_Almacen.Seccion,"
+    " Articulos_Movimientos_Almacen.Empleado, Articulos_Movimientos_Almacen.Estado,"
     " Articulos_Movimientos_Almacen.Doc_E as Documento"
-    " FROM (Articulos INNER JOIN Articulos_Movimientos_Almacen ON"
-    " Articulos.Codigo = Articulos_Movimientos_Almacen.Codigo)"
+    " FROM (Articulos"
+    " INNER JOIN Articulos_Movimientos_Almacen ON Articulos.Codigo ="
+    " Articulos_Movimientos_Almacen.Codigo)"
     " INNER JOIN Almacenes ON Articulos_Movimientos_Almacen.Almacen = Almacenes.Codigo";
 
 constexpr std::array kModes = {

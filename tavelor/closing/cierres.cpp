@@ -24,11 +24,10 @@ namespace tavelor {
 namespace {
 
 constexpr std::string_view kTodos =
-    "SELECT Codigo AS Código, Fecha, Descripcion AS Descripción, Caja, Empleado, Entrega as "
-    "Entradas, Efectivo"
-    ", Credito, Base, Importe_Impuestos as Impuestos, Importe_Recargo as Recargos, Total, "
-    "Saldo_Inicio as Remanente"
-    ", Saldo_Final as Saldo, Facturado, Doc_F as Documento"
+    "SELECT Codigo AS Código, Fecha, Descripcion AS Descripción, Caja, Empleado,"
+    " Entrega as Entradas, Efectivo, Credito, Base, Importe_Impuestos as Impuestos,"
+    " Importe_Recargo as Recargos, Total, Saldo_Inicio as Remanente, Saldo_Final as Saldo,"
+    " Facturado, Doc_F as Documento"
     " FROM Cierres";
 
 constexpr std::array kModes = {

@@ -17,11 +17,9 @@ namespace tavelor {
 namespace {
 
 constexpr std::string_view kTodos =
-    "SELECT Codigo AS Código, Banco AS Descripción, Entidad, Oficina, DC,"
-    "  CC AS Cuenta, IBAN, Swift, Direccion_Banco AS Dirección,"
-    "  Codigo_Postal_Banco AS Cp,"
-    "  Poblacion_Banco AS Población,"
-    "  Provincia_Banco AS Provincia,"
+    "SELECT Codigo AS Código, Banco AS Descripción, Entidad, Oficina, DC,  CC AS Cuenta,"
+    " IBAN, Swift, Direccion_Banco AS Dirección,  Codigo_Postal_Banco AS Cp,"
+    "  Poblacion_Banco AS Población,  Provincia_Banco AS Provincia,"
     "  Telefono_Banco As Teléfono, Fax_Banco as Fax, E_Mail, Http, Predeterminada"
     " FROM Bancos";
 constexpr std::string_view kSeleccion = "SELECT Codigo AS Código, Banco AS Descripción FROM Bancos";

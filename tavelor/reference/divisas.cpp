@@ -15,9 +15,7 @@ namespace tavelor {
 namespace {
 
 constexpr std::array kModes = {
-    Mode{"seleccion",
-         "SELECT codigo as Código, Descripcion as Descripción"
-         " FROM Divisas"},
+    Mode{"seleccion", "SELECT codigo as Código, Descripcion as Descripción FROM Divisas"},
     Mode{kAnyOtherWord,
          "SELECT codigo as Código, Descripcion as Descripción, Fecha,"
          " Valor, Predeterminada, Valor_Euro as Euros"

@@ -17,17 +17,13 @@ namespace tavelor {
 namespace {
 
 constexpr std::string_view kBreve =
-    "SELECT Id, Descripcion as Descripción"
-    " FROM Emisores"
-    " Order by id";
+    "SELECT Id, Descripcion as Descripción FROM Emisores Order by id";
 
 constexpr std::array kModes = {
     Mode{"seleccombo", kBreve},
     Mode{"seleccion", kBreve},
     Mode{kAnyOtherWord,
-         "SELECT Id, Descripcion as Descripción, Logotipo"
-         " FROM Emisores"
-         " Order by id"},
+         "SELECT Id, Descripcion as Descripción, Logotipo FROM Emisores Order by id"},
 };
 
 constexpr ClassInfo kInfo = {.word = "Emisores",

@@ -16,17 +16,13 @@ namespace tavelor {
 namespace {
 
 constexpr std::string_view kActivas =
-    "SELECT Codigo AS Código, Descripcion AS Descripción"
-    " FROM "
-    "Familias"
-    " WHERE ( activo <> 0 )";
+    "SELECT Codigo AS Código, Descripcion AS Descripción FROM Familias WHERE ( activo <> 0 )";
 
 constexpr std::array kModes = {
     Mode{"seleccombo", kActivas, " Order by Descripcion"},
     Mode{"selec", kActivas},
     Mode{kAnyOtherWord,
-         "SELECT Codigo AS Código, Descripcion AS Descripción, Activo  FROM "
-         "Familias"},
+         "SELECT Codigo AS Código, Descripcion AS Descripción, Activo  FROM Familias"},
 };
 
 constexpr ClassInfo kInfo = {.word = "Familias", .table = "Familias", .modes = kModes};
@@ -43,13 +39,8 @@ void clsFamilias::GetConnectionStrToRpt(InOut<std::string> sDbtype, InOut<std::s
 }
 
 std::string clsFamilias::GetDescripcion(const Variant& vId, ObjCn objCn) const {
-  return describe(withId("SELECT"
-                         " Descripcion"
-                         " FROM "
-                         "Familias"
-                         " WHERE Codigo = '{id}'",
-                         vId),
-                  vId, "Familia", objCn);
+  return describe(withId("SELECT Descripcion FROM Familias WHERE Codigo = '{id}'", vId), vId,
+                  "Familia", objCn);
 }
 
 Variant clsFamilias::GetFirst(ObjCn objCn) const {
@@ -59,19 +50,12 @@ Variant clsFamilias::GetFirst(ObjCn objCn) const {
 }
 
 Variant clsFamilias::GetValor(const Variant& vId, ObjCn objCn) const {
-  return lookUp(withId("SELECT Descripcion as v  FROM "
-                       "Familias"
-                       "  where codigo = '{id}'",
-                       vId),
-                "v", objCn);
+  return lookUp(withId("SELECT Descripcion as v  FROM Familias  where codigo = '{id}'", vId), "v",
+                objCn);
 }
 
 bool clsFamilias::ExisteFam(const Variant& vId, ObjCn objCn) const {
-  return anyRow(withId("SELECT Codigo FROM "
-                       "Familias"
-                       " Where codigo ='{id}'",
-                       vId),
-                objCn);
+  return anyRow(withId("SELECT Codigo FROM Familias Where codigo ='{id}'", vId), objCn);
 }
 
 void clsFamilias::CambiarDescripcionaFamilia(const Variant& vId, std::string_view sDescrip,
@@ -116,14 +100,9 @@ std::vector<Variant> clsFamilias::ObtenerFamiliasImport(ObjCn objCn) const {
 void clsFamilias::GetDatosImport(const Variant& vId, InOut<std::string> sDescripcion,
                                  ObjCn objCn) const {
   const RecordsetPtr rows = readOn(selector::kImport,
-                                   withId("SELECT"
-                                          " Codigo as Código,"
-                                          " Descripcion"
-                                          " FROM "
-                                          "Familias"
-                                          " Where ("
-                                          " Codigo = '{id}'"
-                                          " )",
+                                   withId("SELECT Codigo as Código, Descripcion"
+                                          " FROM Familias"
+                                          " Where ( Codigo = '{id}' )",
                                           vId),
                                    objCn);
   if (rows->RecordCount() > 0) takeColumn(*rows, "Descripcion", *sDescripcion);

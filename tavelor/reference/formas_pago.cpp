@@ -31,9 +31,8 @@ constexpr std::array kModes = {
          " Where (Numero_plazos = {id})"},
     Mode{kAnyOtherWord,
          "SELECT codigo as Código, Descripcion as Descripción, Numero_Plazos as Plazos,"
-         " Dias_Plazos as Vencimiento, Dias1 as Dia, Apunte, Recibo, Contado, Predeterminada, "
-         "Cta_Contable, Cta_Tesoreria,"
-         " No_IRPF, Porcent5 as Recargo, Tipo"
+         " Dias_Plazos as Vencimiento, Dias1 as Dia, Apunte, Recibo, Contado,"
+         " Predeterminada, Cta_Contable, Cta_Tesoreria, No_IRPF, Porcent5 as Recargo, Tipo"
          " FROM Formas_Pago"},
 };
 
@@ -66,16 +65,12 @@ Variant ClsFormasPago::GetCodPredeterminada(ObjCn objCn) const {
 }
 
 Variant ClsFormasPago::GetDiaPago(const Variant& vId, ObjCn objCn) const {
-  return lookUp(withId("SELECT dias1 as dia "
-                       " FROM Formas_Pago where codigo ='{id}'",
-                       vId),
-                "dia", objCn);
+  return lookUp(withId("SELECT dias1 as dia  FROM Formas_Pago where codigo ='{id}'", vId), "dia",
+                objCn);
 }
 
 Variant ClsFormasPago::GetRecargo(const Variant& vId, ObjCn objCn) const {
-  return lookUp(withId("SELECT Porcent5 as Recargo "
-                       " FROM Formas_Pago where codigo ='{id}'",
-                       vId),
+  return lookUp(withId("SELECT Porcent5 as Recargo  FROM Formas_Pago where codigo ='{id}'", vId),
                 "Recargo", objCn);
 }
 
@@ -87,17 +82,13 @@ Variant ClsFormasPago::GetVencimientos(const Variant& vId, ObjCn objCn) const {
 }
 
 bool ClsFormasPago::NoActualizarIrpf(const Variant& vId, ObjCn objCn) const {
-  return asFlag(lookUp(withId("SELECT No_Irpf"
-                              " FROM Formas_Pago where codigo ='{id}'",
-                              vId),
+  return asFlag(lookUp(withId("SELECT No_Irpf FROM Formas_Pago where codigo ='{id}'", vId),
                        "No_Irpf", objCn));
 }
 
 std::string ClsFormasPago::GetTipo(const Variant& vId, ObjCn objCn) const {
-  const Variant found = lookUp(withId("SELECT Tipo "
-                                      " FROM Formas_Pago where codigo ='{id}'",
-                                      vId),
-                               "Tipo", objCn);
+  const Variant found =
+      lookUp(withId("SELECT Tipo  FROM Formas_Pago where codigo ='{id}'", vId), "Tipo", objCn);
   return found.isEmpty() ? std::string(kTipoUsual) : joined(found);
 }
 

@@ -29,8 +29,7 @@ constexpr ClassInfo kInfo = {.word = "Impuestos", .table = "TIPOS_IMPUESTO", .mo
 ClsImpuestos::ClsImpuestos() : OpensByWord(kInfo) {}
 
 double ClsImpuestos::GetImpuesto(InOut<Variant> vId, ObjCn objCn) const {
-  return asNumber(lookUp(withId("SELECT Codigo,"
-                                " Impuesto"
+  return asNumber(lookUp(withId("SELECT Codigo, Impuesto"
                                 " FROM Tipos_Impuesto"
                                 " WHERE Codigo = '{id}'",
                                 *vId),
@@ -38,8 +37,7 @@ double ClsImpuestos::GetImpuesto(InOut<Variant> vId, ObjCn objCn) const {
 }
 
 double ClsImpuestos::GetRecargo(const Variant& vId, ObjCn objCn) const {
-  return asNumber(lookUp(withId("SELECT Codigo,"
-                                " Impuesto, Recargo"
+  return asNumber(lookUp(withId("SELECT Codigo, Impuesto, Recargo"
                                 " FROM Tipos_Impuesto"
                                 " WHERE Codigo = '{id}'",
                                 vId),
@@ -58,12 +56,8 @@ Variant ClsImpuestos::GetImpuestoPredeterminada(ObjCn objCn) const {
 }
 
 std::string ClsImpuestos::GetDescripcion(const Variant& vId, ObjCn objCn) const {
-  return describe(withId("SELECT"
-                         " Descripcion"
-                         " FROM TIPOS_IMPUESTO "
-                         " WHERE Codigo = '{id}'",
-                         vId),
-                  vId, "Impuesto", objCn);
+  return describe(withId("SELECT Descripcion FROM TIPOS_IMPUESTO  WHERE Codigo = '{id}'", vId), vId,
+                  "Impuesto", objCn);
 }
 
 bool ClsImpuestos::ExistePredeterminada(ObjCn objCn) const {

@@ -29,10 +29,7 @@ constexpr ClassInfo kInfo = {.word = "Incidencias", .table = "Incidencias", .mod
 clsIncidencias::clsIncidencias() : OpensByWord(kInfo) {}
 
 Variant clsIncidencias::GetValor(const Variant& vId, ObjCn objCn) const {
-  return lookUp(withId("SELECT Descripcion as v  FROM "
-                       "Incidencias"
-                       "  where codigo = '{id}'",
-                       vId),
+  return lookUp(withId("SELECT Descripcion as v  FROM Incidencias  where codigo = '{id}'", vId),
                 "v", objCn);
 }
 

@@ -14,8 +14,7 @@ namespace tavelor {
 namespace {
 
 constexpr std::string_view kTodos =
-    "SELECT Rutas.Codigo AS Código, Rutas.Descripcion as Descripción"
-    " From Rutas";
+    "SELECT Rutas.Codigo AS Código, Rutas.Descripcion as Descripción From Rutas";
 
 constexpr std::array kModes = {
     Mode{"seleccion", kTodos},
@@ -30,23 +29,12 @@ constexpr ClassInfo kInfo = {
 Rutas::Rutas() : OpensOnConnection(kInfo) {}
 
 std::string Rutas::GetDescripcion(const Variant& vId, ObjCn objCn) const {
-  return describe(withId("SELECT"
-                         " Descripcion"
-                         " FROM "
-                         "Rutas"
-                         " WHERE Codigo = '{id}'",
-                         vId),
-                  vId, "Fase", objCn);
+  return describe(withId("SELECT Descripcion FROM Rutas WHERE Codigo = '{id}'", vId), vId, "Fase",
+                  objCn);
 }
 
 Variant Rutas::GetPath(const Variant& vId, ObjCn objCn) const {
-  return lookUp(withId("SELECT"
-                       " Path"
-                       " FROM "
-                       "Rutas"
-                       " WHERE Codigo = {id}",
-                       vId),
-                "Path", objCn);
+  return lookUp(withId("SELECT Path FROM Rutas WHERE Codigo = {id}", vId), "Path", objCn);
 }
 
 const Component& Rutas::component() {

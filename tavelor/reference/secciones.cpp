@@ -34,13 +34,8 @@ constexpr ClassInfo kInfo = {.word = "Secciones",
 ClsSecciones::ClsSecciones() : OpensByWord(kInfo) {}
 
 std::string ClsSecciones::GetDescripcion(const Variant& vId, ObjCn objCn) const {
-  return describe(withId("SELECT"
-                         " Descripcion"
-                         " FROM "
-                         "Secciones"
-                         " WHERE Codigo = '{id}'",
-                         vId),
-                  vId, "Sección", objCn);
+  return describe(withId("SELECT Descripcion FROM Secciones WHERE Codigo = '{id}'", vId), vId,
+                  "Sección", objCn);
 }
 
 Variant ClsSecciones::GetFirst(ObjCn objCn) const {

@@ -15,15 +15,13 @@ namespace tavelor {
 namespace {
 
 constexpr std::string_view kBreve =
-    "SELECT codigo as Código, Descripcion as Descripción"
-    " FROM Tipos_Cliente";
+    "SELECT codigo as Código, Descripcion as Descripción FROM Tipos_Cliente";
 
 constexpr std::array kModes = {
     Mode{"seleccombo", kBreve, " order by Descripcion"},
     Mode{"seleccion", kBreve},
     Mode{kAnyOtherWord,
-         "SELECT codigo as Código, Descripcion as Descripción, Importe"
-         " FROM Tipos_Cliente"},
+         "SELECT codigo as Código, Descripcion as Descripción, Importe FROM Tipos_Cliente"},
 };
 
 constexpr ClassInfo kInfo = {

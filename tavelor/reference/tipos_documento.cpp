@@ -21,13 +21,12 @@ namespace {
 constexpr std::array kModes = {
     Mode{"seleccion", "SELECT Codigo AS Código, Descripcion AS Descripción FROM Tipos_Documento"},
     Mode{kAnyOtherWord,
-         "SELECT Codigo AS Código, Descripcion AS Descripción, Predeterminada"
-         " , Nombre, Razon_Social as Empresa"
-         " , NIF, Direccion as Dirección"
-         " , Codigo_Postal, Poblacion as Población, Provincia"
-         " , Telefono as Teléfono, Telefono_2 as Teléfono_2"
-         " , Movil as Móvil, Fax, E_Mail, Http, Pie_Documento as Pie, Comentarios, Logotipo, "
-         "Licencia, Col_Asoc as Colegiado, Fabricado, ID_Fiscal"
+         "SELECT Codigo AS Código, Descripcion AS Descripción, Predeterminada , Nombre,"
+         " Razon_Social as Empresa , NIF, Direccion as Dirección , Codigo_Postal,"
+         " Poblacion as Población, Provincia , Telefono as Teléfono,"
+         " Telefono_2 as Teléfono_2 , Movil as Móvil, Fax, E_Mail, Http,"
+         " Pie_Documento as Pie, Comentarios, Logotipo, Licencia, Col_Asoc as Colegiado,"
+         " Fabricado, ID_Fiscal"
          " FROM Tipos_Documento"},
 };
 

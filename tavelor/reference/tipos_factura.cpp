@@ -17,11 +17,10 @@ namespace tavelor {
 namespace {
 
 constexpr std::string_view kTodos =
-    "SELECT Codigo AS Código, Descripcion AS Descripción, Predeterminada"
-    " , Totalizada,Texto_Totalizada, Desglosada, Texto, Renumerada"
-    " , Referencia, Texto_Referencia, Pedido, Texto_pedido, Albaran as Albarán, Texto_Albaran, "
-    "Fecha, Texto_Fecha"
-    " , Total_Albaran, Texto_Total_Albaran"
+    "SELECT Codigo AS Código, Descripcion AS Descripción, Predeterminada ,"
+    " Totalizada,Texto_Totalizada, Desglosada, Texto, Renumerada , Referencia,"
+    " Texto_Referencia, Pedido, Texto_pedido, Albaran as Albarán, Texto_Albaran, Fecha,"
+    " Texto_Fecha , Total_Albaran, Texto_Total_Albaran"
     " FROM Tipos_Factura";
 
 constexpr std::array kModes = {

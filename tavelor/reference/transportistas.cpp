@@ -52,10 +52,8 @@ Variant ClsTransportistas::GetPredeterminada(ObjCn objCn) const {
 }
 
 std::string ClsTransportistas::GetDescripcion(const Variant& vId, ObjCn objCn) const {
-  return describe(withId("SELECT"
-                         " Razon_social as Descripcion"
-                         " FROM "
-                         "Transportistas"
+  return describe(withId("SELECT Razon_social as Descripcion"
+                         " FROM Transportistas"
                          " WHERE Codigo = '{id}'",
                          vId),
                   vId, "ND", objCn);

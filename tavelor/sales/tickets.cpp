@@ -26,31 +26,24 @@ namespace tavelor {
 namespace {
 
 constexpr std::string_view kTodos =
-    "SELECT"
-    " Numero AS Ticket, Serie, Fecha, Codigo AS Cliente, Razon_Social AS Empresa"
-    " , Tarifa, Almacen AS Almacén, Referencia, Transportista, Divisa"
-    " , Valor_Divisa AS Valor, Total_Divisa, Forma_Pago AS Pago"
-    " , Descuento, Descuento_PP, Base, Gastos AS Portes, Impuesto"
-    " , Importe_Impuestos, Recargo, Importe_recargo, IRPF"
-    " , Importe_IRPF, Total, Estado, Doc_E, Facturado , Doc_F,Impreso"
-    " , CTA_Contable, CTA_Contrapartida, Concepto"
-    " , Documento_P, Entrega, Cambio, Pagado, Caja, Empleado, Impuesto_Incluido"
-    " , Contabilizado, Cierre"
-    " FROM "
-    "Tickets";
+    "SELECT Numero AS Ticket, Serie, Fecha, Codigo AS Cliente, Razon_Social AS Empresa ,"
+    " Tarifa, Almacen AS Almacén, Referencia, Transportista, Divisa ,"
+    " Valor_Divisa AS Valor, Total_Divisa, Forma_Pago AS Pago , Descuento, Descuento_PP,"
+    " Base, Gastos AS Portes, Impuesto , Importe_Impuestos, Recargo, Importe_recargo,"
+    " IRPF , Importe_IRPF, Total, Estado, Doc_E, Facturado , Doc_F,Impreso , CTA_Contable,"
+    " CTA_Contrapartida, Concepto , Documento_P, Entrega, Cambio, Pagado, Caja, Empleado,"
+    " Impuesto_Incluido , Contabilizado, Cierre"
+    " FROM Tickets";
 // Cambio is the rate of the currency here, and the change given has a name of its own.
 constexpr std::string_view kHistoriaDeCaja =
-    "SELECT"
-    " Numero AS Ticket, Serie, Fecha, Codigo AS Cliente, Razon_Social AS Empresa"
-    " , Tarifa, Almacen AS Almacén, Referencia, Transportista, Divisa"
-    " , Valor_Divisa AS Cambio, Total_Divisa, Forma_Pago AS Pago"
-    " , Descuento, Descuento_PP, Base, Gastos AS Portes, Impuesto"
-    " , Importe_Impuestos, Recargo, Importe_recargo, IRPF"
-    " , Importe_IRPF, Total, Estado, Doc_E, Facturado , Doc_F,Impreso"
-    " , CTA_Contable, CTA_Contrapartida, Concepto"
-    " , Documento_P, Entrega, Cambio as Cambio_Efectivo, Pagado, Caja, Empleado, Impuesto_Incluido"
-    " FROM H"
-    "Tickets";
+    "SELECT Numero AS Ticket, Serie, Fecha, Codigo AS Cliente, Razon_Social AS Empresa ,"
+    " Tarifa, Almacen AS Almacén, Referencia, Transportista, Divisa ,"
+    " Valor_Divisa AS Cambio, Total_Divisa, Forma_Pago AS Pago , Descuento, Descuento_PP,"
+    " Base, Gastos AS Portes, Impuesto , Importe_Impuestos, Recargo, Importe_recargo,"
+    " IRPF , Importe_IRPF, Total, Estado, Doc_E, Facturado , Doc_F,Impreso , CTA_Contable,"
+    " CTA_Contrapartida, Concepto , Documento_P, Entrega, Cambio as Cambio_Efectivo,"
+    " Pagado, Caja, Empleado, Impuesto_Incluido"
+    " FROM HTickets";
 
 // Tickets of a closing stand in history, so the mode of a closing looks there.
 constexpr std::array kModes = {
@@ -60,32 +53,22 @@ constexpr std::array kModes = {
     Mode{"hcaja", kHistoriaDeCaja, " WHERE Caja = '{id}'"},
     Mode{"seleccion", kTodos, " WHERE Numero = {id}"},
     Mode{"pendientes",
-         "SELECT"
-         " Numero AS Ticket, Serie,Entrega as Entregado , Total as Importe , Fecha, Codigo AS "
-         "Cliente, Razon_Social AS Empresa"
-         " ,Forma_Pago AS Pago"
-         " ,Caja, Empleado"
-         " FROM "
-         "Tickets",
+         "SELECT Numero AS Ticket, Serie,Entrega as Entregado , Total as Importe , Fecha,"
+         " Codigo AS Cliente, Razon_Social AS Empresa ,Forma_Pago AS Pago ,Caja, Empleado"
+         " FROM Tickets",
          " WHERE(( Estado < 2) AND (Codigo='{id}'));"},
     Mode{"hpendientes",
-         "SELECT"
-         " Entrega as Entregado , Total as Importe , Numero AS Ticket, Serie, Fecha, Codigo AS "
-         "Cliente, Razon_Social AS Empresa"
-         " ,Forma_Pago AS Pago"
-         " ,Caja, Empleado"
-         " FROM H"
-         "Tickets",
+         "SELECT Entrega as Entregado , Total as Importe , Numero AS Ticket, Serie, Fecha,"
+         " Codigo AS Cliente, Razon_Social AS Empresa ,Forma_Pago AS Pago ,Caja, Empleado"
+         " FROM HTickets",
          " WHERE(( Estado < 2) AND (Codigo='{id}'));"},
     Mode{"deeliminardocumento", kTodos, "  Where ( Documento_P =  '{id}')"},
     Mode{"deeliminaralmacen", kTodos, "  Where ( Almacen =  '{id}')"},
     Mode{"ticketscierre",
-         "SELECT"
-         " Numero AS Ticket, Serie, Fecha, Codigo AS Cliente, Razon_Social AS Empresa"
-         " , Forma_Pago AS Pago, Referencia"
-         " , Entrega as Entregado , Total as Importe, Cambio, Facturado, Caja, Empleado"
-         " FROM H"
-         "Tickets",
+         "SELECT Numero AS Ticket, Serie, Fecha, Codigo AS Cliente,"
+         " Razon_Social AS Empresa , Forma_Pago AS Pago, Referencia ,"
+         " Entrega as Entregado , Total as Importe, Cambio, Facturado, Caja, Empleado"
+         " FROM HTickets",
          " WHERE ((Cierre={id}))"},
     Mode{"articulos",
          "SELECT HTickets.Fecha, HTickets_Lineas.Codigo, HTickets_Lineas.Descripcion, "
@@ -275,18 +258,8 @@ Variant ClsTickets::NuevoCodigo(std::string_view serie, ObjCn objCn) const {
 }
 
 bool ClsTickets::CodigoLibre(const Variant& vId, ObjCn objCn) const {
-  return !anyRow(withId("SELECT Numero"
-                        " FROM "
-                        "Tickets"
-                        " WHERE Numero = {id}",
-                        vId),
-                 *objCn) &&
-         !anyRow(withId("SELECT Numero"
-                        " FROM H"
-                        "Tickets"
-                        " WHERE Numero = {id}",
-                        vId),
-                 *objCn);
+  return !anyRow(withId("SELECT Numero FROM Tickets WHERE Numero = {id}", vId), *objCn) &&
+         !anyRow(withId("SELECT Numero FROM HTickets WHERE Numero = {id}", vId), *objCn);
 }
 
 void ClsTickets::GetNumerador(InOut<double> dSerieA, InOut<double> dSerieB, InOut<double> dSerieC,
@@ -339,34 +312,19 @@ void ClsTickets::CnnClose() {
 // Single values, and the marks that other documents leave
 
 std::string ClsTickets::GetAlmacen(const Variant& vId, ObjCn objCn) const {
-  const Variant found = lookUp(withId("SELECT"
-                                      " Almacen"
-                                      " FROM "
-                                      "Tickets"
-                                      " WHERE Numero = {id}",
-                                      vId),
-                               "Almacen", *objCn);
+  const Variant found =
+      lookUp(withId("SELECT Almacen FROM Tickets WHERE Numero = {id}", vId), "Almacen", *objCn);
   return found.isEmpty() ? std::string(kUsualWarehouse) : joined(found);
 }
 
 std::int16_t ClsTickets::GetState(const Variant& vId, ObjCn objCn) const {
-  return lookUp(withId("SELECT Numero,"
-                       " Estado"
-                       " FROM "
-                       "Tickets"
-                       " WHERE Numero = {id}",
-                       vId),
-                "Estado", *objCn)
+  return lookUp(withId("SELECT Numero, Estado FROM Tickets WHERE Numero = {id}", vId), "Estado",
+                *objCn)
       .toInt16(locale());
 }
 
 std::int16_t ClsTickets::GetIncTax(const Variant& vId, ObjCn objCn) const {
-  return lookUp(withId("SELECT Numero,"
-                       " Impuesto_Incluido"
-                       " FROM "
-                       "Tickets"
-                       " WHERE Numero = {id}",
-                       vId),
+  return lookUp(withId("SELECT Numero, Impuesto_Incluido FROM Tickets WHERE Numero = {id}", vId),
                 "Impuesto_Incluido", *objCn)
       .toInt16(locale());
 }

@@ -17,24 +17,19 @@ namespace tavelor {
 namespace {
 
 constexpr std::string_view kTodos =
-    "SELECT"
-    " Id, Codigo as Código, Nombre, Razon_Social as Empresa,"
-    " NIF,  Direccion as Dirección,"
-    " Codigo_Postal, Poblacion as Población, Provincia, Telefono as Teléfono"
-    " FROM "
-    "Tickets_Cabecera";
+    "SELECT Id, Codigo as Código, Nombre, Razon_Social as Empresa, NIF,"
+    "  Direccion as Dirección, Codigo_Postal, Poblacion as Población, Provincia,"
+    " Telefono as Teléfono"
+    " FROM Tickets_Cabecera";
 
 // "cabeceras" shows the customers that the till has known.
 constexpr std::array kModes = {
     Mode{"seleccion", kTodos, " WHERE  Codigo =  {id}"},
     Mode{"ninguno", kTodos, " Where Codigo = 0"},
     Mode{"cabeceras",
-         "SELECT DISTINCT"
-         " Telefono AS Código,Razon_social AS Descripción,"
-         " NIF,  Direccion,"
+         "SELECT DISTINCT Telefono AS Código,Razon_social AS Descripción, NIF,  Direccion,"
          " Codigo_Postal, Poblacion, Provincia"
-         " FROM H"
-         "Tickets_Cabecera"},
+         " FROM HTickets_Cabecera"},
     Mode{kAnyOtherWord, kTodos},
 };
 
@@ -91,12 +86,9 @@ void ClsTicketsCabecera::Insertar(const Alta& alta) const {
 }
 
 void ClsTicketsCabecera::Obtener(Datos& datos) const {
-  const RecordsetPtr rows = read(withId("SELECT"
-                                        " Nombre, Razon_Social as Empresa,"
-                                        " NIF,  Direccion,"
-                                        " Codigo_Postal, Poblacion, Provincia"
-                                        " FROM "
-                                        "Tickets_Cabecera"
+  const RecordsetPtr rows = read(withId("SELECT Nombre, Razon_Social as Empresa, NIF,"
+                                        "  Direccion, Codigo_Postal, Poblacion, Provincia"
+                                        " FROM Tickets_Cabecera"
                                         " WHERE  Codigo = {id}",
                                         datos.vId),
                                  *datos.objCn);

@@ -16,8 +16,7 @@ namespace tavelor {
 namespace {
 
 constexpr std::string_view kTodos =
-    "SELECT Id, Codigo AS Código, Comentarios FROM "
-    "Tickets_Comentarios";
+    "SELECT Id, Codigo AS Código, Comentarios FROM Tickets_Comentarios";
 
 constexpr std::array kModes = {
     Mode{"seleccion", kTodos, " WHERE  Codigo =  {id}"},

@@ -57,22 +57,18 @@ void ClsTickets::Insertar(const Documento& documento) const {
 // Documento_P and Impreso are among the columns and stay unread: the caller knows the document type
 // that he asks with, and keeps it.
 void ClsTickets::Obtener(Lectura& lectura) const {
-  const RecordsetPtr found = read(withId("SELECT"
-                                         " Numero AS Ticket, Serie, Fecha, Codigo, Razon_Social AS "
-                                         "Empresa"
-                                         " , Tarifa, Almacen AS Almacén, Referencia, "
-                                         "Transportista, Divisa"
-                                         " , Valor_Divisa AS Cambio, Total_Divisa, Forma_Pago AS "
-                                         "Pago"
-                                         " , Descuento, Descuento_PP, Base, Gastos AS Portes, "
-                                         "Impuesto"
-                                         " , Importe_Impuestos, Recargo, Importe_recargo, IRPF"
-                                         " , Importe_IRPF, Total, Estado, Doc_E, Facturado , Doc_F "
-                                         "AS Factura,Impreso"
-                                         " , CTA_Contable, CTA_Contrapartida, Concepto"
-                                         " , Documento_P"
-                                         " FROM "
-                                         "Tickets"
+  const RecordsetPtr found = read(withId("SELECT Numero AS Ticket, Serie, Fecha, Codigo,"
+                                         " Razon_Social AS Empresa , Tarifa,"
+                                         " Almacen AS Almacén, Referencia, Transportista,"
+                                         " Divisa , Valor_Divisa AS Cambio, Total_Divisa,"
+                                         " Forma_Pago AS Pago , Descuento, Descuento_PP,"
+                                         " Base, Gastos AS Portes, Impuesto ,"
+                                         " Importe_Impuestos, Recargo, Importe_recargo,"
+                                         " IRPF , Importe_IRPF, Total, Estado, Doc_E,"
+                                         " Facturado , Doc_F AS Factura,Impreso ,"
+                                         " CTA_Contable, CTA_Contrapartida, Concepto ,"
+                                         " Documento_P"
+                                         " FROM Tickets"
                                          " WHERE Numero = {id}",
                                          lectura.vId),
                                   *lectura.objCn);

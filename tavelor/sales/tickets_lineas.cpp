@@ -28,12 +28,8 @@ namespace tavelor {
 namespace {
 
 constexpr std::string_view kTodos =
-    "SELECT CODIGO AS Código,"
-    " Descripcion as Descripción , Cantidad, Precio,"
-    " DTO,"
-    " IVA,"
-    " Importe,"
-    " Lote, Numero AS Ticket, ID, Familia"
+    "SELECT CODIGO AS Código, Descripcion as Descripción , Cantidad, Precio, DTO, IVA,"
+    " Importe, Lote, Numero AS Ticket, ID, Familia"
     " From Tickets_Lineas";
 
 // The text of the format call is never closed, and the database refuses the mode. Closings are
@@ -139,10 +135,7 @@ std::vector<Variant> ClsTicketsLineas::ObtenerCol(const Variant& vId, ObjCn objC
 void ClsTicketsLineas::Obtener(Lectura& lectura) const {
   const RecordsetPtr rows = read(withId("SELECT CODIGO AS Código,"
                                         " Descripcion as Descripción , Cantidad, Precio,"
-                                        " DTO,"
-                                        " IVA,"
-                                        " Importe,"
-                                        " Lote, ID, Numero AS Ticket"
+                                        " DTO, IVA, Importe, Lote, ID, Numero AS Ticket"
                                         " From Tickets_Lineas"
                                         " Where (ID = {id})",
                                         lectura.vId),

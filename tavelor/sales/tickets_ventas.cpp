@@ -13,16 +13,11 @@ namespace tavelor {
 
 namespace {
 
-constexpr std::string_view kNumbers =
-    "SELECT"
-    " Numero"
-    " FROM "
-    "Tickets";
+constexpr std::string_view kNumbers = "SELECT Numero FROM Tickets";
 constexpr std::string_view kTotals =
-    "SELECT Sum(Base) AS VentasBase, Sum(Importe_Impuestos) AS VentasImpuestos, "
-    "Sum(Importe_Recargo) AS VentasRecargos, Sum(Total) AS VentasTotal  "
-    " FROM "
-    "Tickets";
+    "SELECT Sum(Base) AS VentasBase, Sum(Importe_Impuestos) AS VentasImpuestos,"
+    " Sum(Importe_Recargo) AS VentasRecargos, Sum(Total) AS VentasTotal"
+    "   FROM Tickets";
 constexpr std::string_view kCash = " AND (Facturado = 0 )";
 constexpr std::string_view kCredit = " AND (Facturado <> 0 )";
 // Two of the members ask for credit in this way; the mark is never negative.
@@ -124,13 +119,10 @@ std::vector<Variant> ClsTickets::ObtenerColVentaContado(Date dtFechaIni, Date dt
 
 bool ClsTickets::TicketsPendientes(const Variant& vId, ObjCn objCn) const {
   const RecordsetPtr rows =
-      read(withId("SELECT"
-                  " Entrega as Entregado , Total as Importe , Numero AS Ticket, Serie, Fecha, "
-                  "Codigo AS Cliente, Razon_Social AS Empresa"
-                  " ,Forma_Pago AS Pago"
-                  " ,Caja, Empleado"
-                  " FROM "
-                  "Tickets"
+      read(withId("SELECT Entrega as Entregado , Total as Importe , Numero AS Ticket,"
+                  " Serie, Fecha, Codigo AS Cliente,"
+                  " Razon_Social AS Empresa ,Forma_Pago AS Pago ,Caja, Empleado"
+                  " FROM Tickets"
                   " WHERE(( Estado < 2) AND (Codigo='{id}'));",
                   vId),
            *objCn);

@@ -21,13 +21,11 @@ namespace tavelor {
 namespace {
 
 constexpr std::string_view kTodos =
-    "SELECT Codigo as Código, Nombre, Razon_Social as Empresa,"
-    " NIF, Direccion as Dirección,"
-    " Codigo_Postal, Poblacion as Población, Provincia,"
-    " Telefono as Teléfono, Telefono_2 as Teléfono_2,"
-    " Movil as Móvil, Fax,  E_Mail, Http, Activo,"
-    " IRPF, Comision as Comisión, Impuesto, Categoria, Documento, Notas, Codigo_Fase,"
-    " NSS, Fecha_Nacimiento, Fecha_Alta, Fecha_Baja, IBAN, Colegiado"
+    "SELECT Codigo as Código, Nombre, Razon_Social as Empresa, NIF,"
+    " Direccion as Dirección, Codigo_Postal, Poblacion as Población, Provincia,"
+    " Telefono as Teléfono, Telefono_2 as Teléfono_2, Movil as Móvil, Fax,  E_Mail, Http,"
+    " Activo, IRPF, Comision as Comisión, Impuesto, Categoria, Documento, Notas,"
+    " Codigo_Fase, NSS, Fecha_Nacimiento, Fecha_Alta, Fecha_Baja, IBAN, Colegiado"
     " FROM Empleados";
 constexpr std::string_view kSeleccion =
     "SELECT Codigo AS Código, Nombre AS Descripción FROM Empleados";

@@ -14,7 +14,7 @@ while read -r floor; do
     awk -v floor="$floor" -v rank="$rank" '
       { object = $1; sub(/:$/, "", object); sub(/.*\.dir\//, "", object); sub(/\.o$/, "", object)
         print rank, floor, object, $2, $3 }'
-done < <(tr '\n' ' ' <CMakeLists.txt | grep -o 'tavelor_floor([a-z]*' | sed 's/.*(//') |
+done < <(tr '\n' ' ' <CMakeLists.txt | grep -o 'tavelor_floor([a-z_]*' | sed 's/.*(//') |
   awk '
     $5 ~ /^[A-TV-Z]$/ { if (!($4 in home) || $1 < home[$4]) home[$4] = $1; next }
     $5 == "U" { if (!(($1, $4) in caller)) caller[$1, $4] = $3; name[$1] = $2 }

@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: MIT
 # Includes run downward only. The floors are those of CMakeLists.txt, from the ground up: the
 # tavelor_floor() calls are the one place that lists them. Besides:
-# - an engine's folder is seen by the services floor only, which chooses the engine;
+# - an engine's folder is seen by the services floor only, which chooses the engine: the floors
+#   between the dialect's and the record set's are engines;
 # - a public header includes no private header and nothing of the libraries behind it;
 # - a quoted include starts at the root of the repository.
 source "$(dirname "$0")/../../scripts/lib/common.sh"
@@ -21,6 +22,8 @@ own_files 'tavelor/*.hpp' 'tavelor/*.cpp' | xargs -r -d '\n' grep -Hn '^ *# *inc
             sub(/\.cpp$/, "", word[i])   # a single source stands for its header too
             place[word[i]] = rank
             name[rank] = word[1]
+            if (word[1] == "recordset") recordset = rank
+            if (word[1] == "dialect") dialect = rank
           }
       }
       place["tavelor/tavelor"] = count   # the header to begin with stands on top of all
@@ -55,8 +58,7 @@ own_files 'tavelor/*.hpp' 'tavelor/*.cpp' | xargs -r -d '\n' grep -Hn '^ *# *inc
       below = rankOf(header)
       if (below > own)
         complain("floor " name[own] " includes " header " of floor " name[below] ", which is above it")
-      if (match(header, /^tavelor\/services\/(sqlite|postgres)\//) &&
-          index(file, substr(header, 1, RLENGTH)) != 1 && name[own] != "services")
+      if (below > dialect && below < recordset && own != below && name[own] != "services")
         complain("floor " name[own] " sees the engine in " header)
       if (isPublic && header in isPrivate) complain("a public header includes the private " header)
     }

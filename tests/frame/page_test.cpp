@@ -79,6 +79,15 @@ TEST_F(PageTest, TheEuroAndItsLikeTakeThePlacesThatBrowsersReadThemFrom) {
   EXPECT_EQ(written("€ “x” – … Œ"), "\x80 \x93x\x94 \x96 \x85 \x8C");
 }
 
+TEST_F(PageTest, EveryCharacterOfTheEncodingIsOneByteAndItsNeighboursAreReferences) {
+  EXPECT_EQ(
+      written("€‚ƒ„…†‡ˆ‰Š‹ŒŽ‘’“”•–—˜™š›œžŸ"),
+      "\x80\x82\x83\x84\x85\x86\x87\x88\x89\x8A\x8B\x8C\x8E\x91\x92\x93\x94\x95\x96\x97\x98\x99"
+      "\x9A\x9B\x9C\x9E\x9F");
+  EXPECT_EQ(written("\u00A0 \u00FF \u0100"), "\xA0 \xFF &#256;");
+  EXPECT_EQ(written("\u0177 \u0178 \u0179"), "&#375; \x9F &#377;");
+}
+
 TEST_F(PageTest, CharactersOutsideOfTheEncodingBecomeNumericReferences) {
   EXPECT_EQ(written("Łódź 日 😀"),
             "&#321;\xF3"

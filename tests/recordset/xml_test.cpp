@@ -180,6 +180,23 @@ TEST_F(Xml, ASetWithAHiddenKeyCanBeWrittenAfterLoading) {
   EXPECT_EQ(scalar("SELECT Descripcion FROM Bancos WHERE Codigo = '001'"), "x");
 }
 
+TEST_F(Xml, HiddenFieldsComeLastAndAreNotSeen) {
+  const std::string seen =
+      "<s:AttributeType name='A'><s:datatype dt:type='int'/></s:AttributeType>";
+  const std::string hidden =
+      "<s:AttributeType name='B' rs:hidden='true'><s:datatype dt:type='int'/></s:AttributeType>";
+  const std::string another =
+      "<s:AttributeType name='C' rs:hidden='true'><s:datatype dt:type='int'/></s:AttributeType>";
+  const std::string third =
+      "<s:AttributeType name='D'><s:datatype dt:type='int'/></s:AttributeType>";
+  EXPECT_EQ(Recordset::LoadXml(document(seen + hidden + another, ""))->Fields().Count(), 1);
+  EXPECT_EQ(Recordset::LoadXml(document(seen, ""))->Fields().Count(), 1);
+  EXPECT_THAT(sentenceOf([&] { Recordset::LoadXml(document(hidden + seen, "")); }),
+              HasSubstr("hidden fields must come last"));
+  EXPECT_THAT(sentenceOf([&] { Recordset::LoadXml(document(seen + hidden + third, "")); }),
+              HasSubstr("hidden fields must come last"));
+}
+
 TEST_F(Xml, OnlyRowsOfAFilterTextAreSavedAndTheSetGoesToItsFirstRow) {
   const auto set = openBanks();
   set->Filter("Codigo > '001'");

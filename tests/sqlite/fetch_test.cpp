@@ -40,6 +40,17 @@ TEST_F(SqliteFetch, EveryTypeComesBackAsItWasStored) {
   EXPECT_EQ(rows.text(0, 10), std::string_view("\0a\xff", 3));
 }
 
+// 0.00015 is a little less than itself: times ten thousand it is below 1.5.
+TEST_F(SqliteFetch, MoneyBetweenTwoAmountsIsRoundedByItsDigits) {
+  const RowStore rows = fetch("SELECT 0.00015, 0.00025, -0.00015, 0.00014, 0.00016",
+                              std::vector<ColumnType>(5, ColumnType::kCurrency));
+  EXPECT_EQ(rows.integer(0, 0), 2);
+  EXPECT_EQ(rows.integer(0, 1), 2);
+  EXPECT_EQ(rows.integer(0, 2), -2);
+  EXPECT_EQ(rows.integer(0, 3), 1);
+  EXPECT_EQ(rows.integer(0, 4), 2);
+}
+
 TEST_F(SqliteFetch, NullsStayNullAndEmptyTextsDoNotBecomeNull) {
   const RowStore rows =
       fetch("SELECT NULL, '', NULL, x''",

@@ -45,6 +45,14 @@ TEST_F(ClsClientesCodigosTest, AFullCodeSpaceGivesTheGreatestCodeAgain) {
   EXPECT_EQ(text(customers.NuevoCodigo()), "100000");
 }
 
+TEST_F(ClsClientesCodigosTest, ALengthOfOneIsALength) {
+  setDigits("1");
+  add("8");
+  EXPECT_EQ(text(customers.NuevoCodigo()), "9");
+  add("9");
+  EXPECT_EQ(text(customers.NuevoCodigo()), "9");
+}
+
 TEST_F(ClsClientesCodigosTest, WithoutALengthCodesGrow) {
   setDigits("0");
   add("99999");
