@@ -145,7 +145,7 @@ void PartnerImport::taken(const Record& record, Recordset* before) {
   const std::string number(record.text(kind_.number));
   if (before != nullptr) {
     std::string old;
-    tavelor::take(*before, "NIF", old);
+    tavelor::takeColumn(*before, "NIF", old);
     const auto owner = ownerOf_.find(shop::fiscalEntry(old).text);
     const bool wasIts = owner != ownerOf_.end() && owner->second == record.key;
     if (wasIts && owner->first != number) ownerOf_.erase(owner);
