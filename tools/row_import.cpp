@@ -164,7 +164,7 @@ void RowImport::remark(const Record& record, std::string what) {
 void RowImport::take(const std::vector<CsvFile::Row>& rows, std::size_t count) {
   refusals_.clear();
   const ImportCounts before = counts_;
-  flows::Transaction transaction(connection_);
+  flows::DatabaseTransaction transaction(connection_);
   try {
     const std::vector<Record> batch = readBatch(rows, count);
     if (!batch.empty()) {
@@ -246,7 +246,7 @@ bool RowImport::differs(const Record& record, std::size_t field, Recordset& rows
 // which costs a third of an insert; a single statement needs none.
 void RowImport::insertWhole(const Record& record) {
   if (insertsByOneStatement(record)) return insert(record);
-  flows::Transaction ofTheRow(connection_);
+  flows::DatabaseTransaction ofTheRow(connection_);
   insert(record);
   ofTheRow.commit();
 }
@@ -263,7 +263,7 @@ void RowImport::write(const Record& record, const Stored& before) {
       ++counts_.added;
       return taken(record, nullptr);
     }
-    flows::Transaction ofTheRow(connection_);
+    flows::DatabaseTransaction ofTheRow(connection_);
     rows.AbsolutePosition(position->second);
     std::vector<std::size_t> differing;
     for (std::size_t field = 1; field < table_.fields.size(); ++field) {

@@ -12,12 +12,14 @@ namespace tavelor::flows {
 
 /// A transaction on a connection, undone unless commit() is called. Inside another one it is a part
 /// of that.
-class Transaction {
+class DatabaseTransaction {
  public:
-  explicit Transaction(ConnectionPtr connection) : connection_(std::move(connection)) { begin(); }
-  ~Transaction() { undo(); }
-  Transaction(const Transaction&) = delete;
-  Transaction& operator=(const Transaction&) = delete;
+  explicit DatabaseTransaction(ConnectionPtr connection) : connection_(std::move(connection)) {
+    begin();
+  }
+  ~DatabaseTransaction() { undo(); }
+  DatabaseTransaction(const DatabaseTransaction&) = delete;
+  DatabaseTransaction& operator=(const DatabaseTransaction&) = delete;
 
   void begin() {
     connection_->BeginTrans();
@@ -67,8 +69,8 @@ class BothDatabases {
   }
 
  private:
-  Transaction main_;
-  Transaction documents_;  // ends before the main one does
+  DatabaseTransaction main_;
+  DatabaseTransaction documents_;  // ends before the main one does
 };
 
 }  // namespace tavelor::flows

@@ -70,7 +70,7 @@ bool isSame(double a, double b) {
 /// All members work on the delivery at hand.
 class Receiving::Inner {
  public:
-  Inner();
+  explicit Inner(ConnectionPtr main);
   Receipt take(const Delivery& delivery, bool keeps);
 
  private:
@@ -111,7 +111,9 @@ class Receiving::Inner {
   std::unordered_set<std::string> knownWarehouses_;
 };
 
-Receiving::Receiving() : inner_(std::make_unique<Inner>()) {}
+Receiving::Receiving()
+    : inner_(std::make_unique<Inner>(DataSession().OpenConnection(selector::kMain))) {}
+Receiving::Receiving(const Shop& shop) : inner_(std::make_unique<Inner>(shop.inner_->main())) {}
 Receiving::~Receiving() = default;
 
 Receipt Receiving::receive(const Delivery& delivery) {
@@ -160,8 +162,8 @@ struct Receiving::Inner::Posting {
   std::size_t place = 0;  // of the line at hand, from 1
 };
 
-Receiving::Inner::Inner()
-    : main_(DataSession().OpenConnection(selector::kMain)),
+Receiving::Inner::Inner(ConnectionPtr main)
+    : main_(std::move(main)),
       quantityMask_(Apartment::current().formatGlobal().QuantityFormat()),
       rounded_(quantityMask_, Apartment::current().locale()) {}
 
@@ -172,7 +174,7 @@ Receipt Receiving::Inner::take(const Delivery& delivery, bool keeps) {
   };
   knownWarehouses_.clear();
   const std::uint64_t first = delivery.lines.empty() ? 0 : delivery.lines.front().origin;
-  Transaction transaction(main_);
+  DatabaseTransaction transaction(main_);
   Posting posting{.delivery = delivery};
   refuse(first, checkHead(delivery));
   if (receipt.faults.empty()) {

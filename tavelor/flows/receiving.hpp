@@ -11,6 +11,8 @@
 
 namespace tavelor::flows {
 
+class Shop;
+
 /// The kind of document that a delivery is to the ledgers of movements and of suppliers (their
 /// column Estado).
 inline constexpr std::int16_t kDeliveryKind = 2;
@@ -47,8 +49,10 @@ struct Receipt {
 /// more.
 class Receiving {
  public:
-  /// Raises what opening the database raises.
+  /// Over a connection of its own. Raises what opening the database raises.
   Receiving();
+  /// Over that of a shop, whose Transaction its deliveries join.
+  explicit Receiving(const Shop& shop);
   ~Receiving();
   Receiving(const Receiving&) = delete;
   Receiving& operator=(const Receiving&) = delete;

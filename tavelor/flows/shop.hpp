@@ -158,6 +158,8 @@ class Shop {
   Recovered recoverAll(Decision decision = Decision::kNone);
 
  private:
+  friend class Transaction;
+  friend class Receiving;
   class Inner;
   std::unique_ptr<Inner> inner_;
 };

@@ -87,6 +87,11 @@ class Shop::Inner {
   Recovered recover();
   Recovered recoverAll(Decision decision);
 
+  const ConnectionPtr& main() const { return main_; }
+  const ConnectionPtr& documents() const { return documents_; }
+  /// What was read of the shop, or made in it, may not be so any more.
+  void forget();
+
  private:
   /// The next number of each series.
   struct Counters {
@@ -98,7 +103,6 @@ class Shop::Inner {
   enum class Extent : std::uint8_t { kTail, kWhole };
 
   void openTickets();
-  void forget();
 
   void refuseFaults(const Sale& sale);
   bool isThere(const Sale& sale);

@@ -323,7 +323,7 @@ bool Shop::Inner::rewriteClosing(double closing) {
   statement << spliced(code);
   const std::vector<double> tickets =
       numbersOf(selector::kDocuments, statement, "Numero", documents_);
-  Transaction rehearsal(documents_);  // never committed
+  DatabaseTransaction rehearsal(documents_);  // never committed
   Statement aside("UPDATE Tickets SET Serie = '' WHERE Serie = '");
   aside << kSeries << "'";
   DataSession().Execute(selector::kDocuments, aside, documents_);
