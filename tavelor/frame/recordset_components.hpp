@@ -27,6 +27,7 @@ const std::vector<const Component*>& recordsetComponents();
 /// The columns of a set as an object, which keeps a set alive that somebody shares.
 class FieldsObject final : public Object {
  public:
+  /// Of its component.
   static constexpr std::string_view kTypeName = "Fields";
 
   /// Of no set.
@@ -46,6 +47,7 @@ class FieldsObject final : public Object {
 /// A column of a set as an object, kept as FieldsObject does.
 class FieldObject final : public Object {
  public:
+  /// Of its component.
   static constexpr std::string_view kTypeName = "Field";
 
   /// Of no set.
@@ -67,6 +69,7 @@ class FieldObject final : public Object {
 /// outlive the set or be removed.
 class RecordsetEventsObject final : public Object, public RecordsetEvents {
  public:
+  /// Of its component.
   static constexpr std::string_view kTypeName = "RecordsetEvents";
   /// Takes an event's name and its arguments.
   using Handler = Callback<void(std::string_view event, std::span<Variant> arguments)>;

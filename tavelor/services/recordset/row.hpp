@@ -57,21 +57,27 @@ class Row final {
 
   /// Of a text or memo.
   std::string text(const ColumnKey& column) const;
+  /// The same, or `ifNull`.
   std::string text(const ColumnKey& column, std::string_view ifNull) const;
   /// Of a column of whole numbers.
   std::int32_t integer(const ColumnKey& column) const;
+  /// The same, or `ifNull`.
   std::int32_t integer(const ColumnKey& column, std::int32_t ifNull) const;
   /// Of a column of numbers of any kind, money among them.
   double number(const ColumnKey& column) const;
+  /// The same, or `ifNull`.
   double number(const ColumnKey& column, double ifNull) const;
   /// Of a column of money, or of whole numbers.
   Currency money(const ColumnKey& column) const;
+  /// The same, or `ifNull`.
   Currency money(const ColumnKey& column, Currency ifNull) const;
   /// Of a date, with its time.
   Date date(const ColumnKey& column) const;
+  /// The same, or `ifNull`.
   Date date(const ColumnKey& column, Date ifNull) const;
   /// Of a flag.
   bool flag(const ColumnKey& column) const;
+  /// The same, or `ifNull`.
   bool flag(const ColumnKey& column, bool ifNull) const;
 
   /// For Recordset::Bookmark, to go to the row.
@@ -102,7 +108,9 @@ class Row final {
 /// with the errors of Row.
 class RowIterator {
  public:
+  /// What it gives.
   using value_type = Row;
+  /// As of all iterators.
   using difference_type = std::ptrdiff_t;
 
   /// At the first row of `set`. Raises 3704 when it is closed.
