@@ -275,36 +275,69 @@ void clsArticulos::AddNew(bool bDefVal) {
 
 void clsArticulos::setDefaults(bool bDefVal) {
   if (!bDefVal) return;
-  Recordset& rows = primary();
-  const auto set = [&](std::int32_t position, const Variant& to) {
-    rows.Field(position).Value(to);
+  // The columns of the form's mode. A new row is written by place and in this order, whatever mode
+  // is open.
+  enum Place : std::int32_t {
+    kLista = 1,
+    kReferencia,
+    kDescripcion,
+    kIdioma1,
+    kTarifaA = 12,
+    kTarifaB,
+    kTarifaC,
+    kCoste = 16,
+    kPromedio,
+    kDescuentoFijo = 19,
+    kExistencia,
+    kUnidad,
+    kMinimo,
+    kMaximo,
+    kPendiente,
+    kActivo,
+    kUnidades,
+    kMedida,
+    kControl,
+    kLotes,
+    kPaquete,
+    kInterno,
+    kValor,
+    kMerma = 34,
+    kMargen,
+    kMargenB,
+    kMargenC,
+    kNoSumar,
+    kRepetir,
+    kFecha,
+    kFabricante
   };
+  Recordset& rows = primary();
+  const auto set = [&](std::int32_t place, const Variant& to) { rows.Field(place).Value(to); };
   const std::int32_t zero = 0;
   const std::int32_t one = 1;
-  set(1, "PRC");
-  set(2, NuevaRef());
-  set(3, "Descripción");
-  for (std::int32_t language = 1; language <= 6; ++language) {
-    set(3 + language, fmt::format("Idioma_{}", language));
+  set(kLista, "PRC");
+  set(kReferencia, NuevaRef());
+  set(kDescripcion, "Descripción");
+  for (std::int32_t language = 0; language < 6; ++language) {
+    set(kIdioma1 + language, fmt::format("Idioma_{}", language + 1));
   }
-  for (const std::int32_t price : {12, 13, 14, 16, 17}) set(price, zero);
-  set(19, zero);  // fixed discount
-  set(20, zero);  // stock
-  set(21, "Und");
-  set(22, one);  // least and greatest stock
-  set(23, one);
-  set(24, zero);  // on order
-  set(25, true);
-  set(26, one);  // one stock unit is the purchase unit, by name and by measure
-  set(27, one);
-  for (std::int32_t flagged = 28; flagged <= 31; ++flagged) set(flagged, false);
-  set(32, one);   // points
-  set(34, zero);  // waste
-  for (const std::int32_t margin : {35, 36, 37}) set(margin, zero);
-  set(38, false);
-  set(39, false);
-  set(40, Apartment::current().clock().today());
-  set(41, "Fabricante");
+  for (const Place price : {kTarifaA, kTarifaB, kTarifaC, kCoste, kPromedio}) set(price, zero);
+  set(kDescuentoFijo, zero);
+  set(kExistencia, zero);
+  set(kUnidad, "Und");
+  set(kMinimo, one);
+  set(kMaximo, one);
+  set(kPendiente, zero);
+  set(kActivo, true);
+  set(kUnidades, one);
+  set(kMedida, one);
+  for (const Place flag : {kControl, kLotes, kPaquete, kInterno}) set(flag, false);
+  set(kValor, one);
+  set(kMerma, zero);
+  for (const Place margin : {kMargen, kMargenB, kMargenC}) set(margin, zero);
+  set(kNoSumar, false);
+  set(kRepetir, false);
+  set(kFecha, Apartment::current().clock().today());
+  set(kFabricante, "Fabricante");
 }
 
 // ---------------------------------------------------------------------------------------------

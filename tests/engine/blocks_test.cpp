@@ -41,7 +41,7 @@ TEST(Blocks, GivePiecesThatStayWhereAndAsTheyAre) {
   EXPECT_LT(blocks.memory(), given * 5 / 4);
 }
 
-TEST(Blocks, OfLikePiecesHaveNoRestAndGrow) {
+TEST(Blocks, OfLikePiecesHaveNoRestAndAreAskedForSeldom) {
   constexpr std::size_t kPiece = 1000;
   Blocks blocks(5 * kPiece);
   std::vector<std::size_t> sizes;
@@ -50,10 +50,10 @@ TEST(Blocks, OfLikePiecesHaveNoRestAndGrow) {
     EXPECT_EQ(place % alignof(std::uint64_t), 0U);
     if (sizes.empty() || sizes.back() != blocks.memory()) sizes.push_back(blocks.memory());
   }
-  ASSERT_GE(sizes.size(), 4U);
-  EXPECT_EQ(sizes[0], 5 * kPiece);
-  EXPECT_EQ(sizes[1], 15 * kPiece);
-  EXPECT_EQ(sizes[2], 35 * kPiece);
+  EXPECT_EQ(sizes.front(), 5 * kPiece) << "a small use takes no more than it was told";
+  for (const std::size_t size : sizes) EXPECT_EQ(size % kPiece, 0U);
+  EXPECT_GT(sizes.size(), 2U) << "nothing is taken long before it is asked for";
+  EXPECT_LT(sizes.size(), 15U) << "blocks grow, or a thousand pieces would be two hundred";
 }
 
 // Such are the chunks of rows with hundreds of columns, and pictures.
@@ -73,9 +73,10 @@ TEST(Blocks, MoveWithoutTheirPieces) {
   Blocks blocks(64);
   char* const place = blocks.take(8);
   std::memcpy(place, "1234567", 8);
+  const std::size_t memory = blocks.memory();
   Blocks other = std::move(blocks);
   EXPECT_STREQ(place, "1234567");
-  EXPECT_EQ(other.memory(), 64U);
+  EXPECT_EQ(other.memory(), memory);
   EXPECT_EQ(other.take(8), place + 8);
 }
 

@@ -110,6 +110,11 @@ TEST(DecimalSum, GoesOnBeyondItsWholeNumber) {
   EXPECT_EQ(raisedBy([] { totalOf({1e308, 1e308}); }), 6);
 }
 
+TEST(DecimalSum, KeepsWhatASmallNumberLosesBesideALargeOne) {
+  EXPECT_EQ(totalOf({1e17, 3.00001, -1e17}), 3.00001);
+  EXPECT_EQ(totalOf({3.00001, 1e17, -1e17}), 3.00001);
+}
+
 TEST(DecimalSum, OfNothingIsZero) {
   EXPECT_EQ(DecimalSum().total(), 0);
 }
