@@ -22,7 +22,7 @@ using Order = std::vector<std::uint32_t>;
 
 constexpr std::size_t kRows = 100'000;
 constexpr std::size_t kBatchRows = 10'000;
-constexpr const char* kAll = "SELECT * FROM Anchas";
+constexpr char kAll[] = "SELECT * FROM Anchas";
 
 // Places of columns in the table.
 constexpr std::size_t kCode = 1;     // Texto1

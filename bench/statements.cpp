@@ -141,7 +141,7 @@ void measureReads(BenchShop& shop, Report& report, const Scale& scale) {
     DataSession data;
     RecordsetPtr rows;
     ConnectionPtr connection;
-    data.OpenRecordset(1, Statement(text), rows, connection);
+    data.OpenRecordset(1, Statement::trusted(text), rows, connection);
     return *rows->Field("ds").Value().getIf<std::string>();
   });
   ClsBancos bancos;

@@ -15,7 +15,7 @@ Statement statementOf(std::string_view bytes) {
   Statement statement;
   while (!bytes.empty()) {
     const std::size_t begin = bytes.find(kValueBegin);
-    statement << bytes.substr(0, begin);
+    statement << Statement::trusted(bytes.substr(0, begin));
     if (begin == std::string_view::npos) break;
     bytes.remove_prefix(begin + 1);
     const std::size_t end = bytes.find(kValueEnd);
@@ -58,7 +58,7 @@ Statement withOtherValues(const Statement& statement, const Shape& shape) {
     if (piece.kind == Statement::Piece::Kind::kValue) {
       other << value(otherValue(shape.slots[slot++], text));
     } else {
-      other << text;
+      other << Statement::trusted(text);
     }
   }
   return other;

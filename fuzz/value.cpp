@@ -15,8 +15,8 @@ namespace {
 
 /// Trusted text around one value, and what is harmless there.
 struct Place {
-  std::string_view before;
-  std::string_view behind;
+  Statement::Constant before;
+  Statement::Constant behind;
   std::vector<std::string_view> harmless;
 };
 

@@ -83,8 +83,8 @@ void ArticleImport::insert(const Record& record) {
                                 .objCn = connection()};
   articles_.Insertar(alta);
   if (isSoldFromStock(record)) {  // no member writes it
-    Statement statement("UPDATE Articulos SET Restar_Stock = True WHERE Codigo = '");
-    statement << value(doubledQuotes(record.key)) << "'";
+    Statement statement("UPDATE Articulos SET Restar_Stock = True WHERE Codigo = ");
+    statement << sqlText(record.key);
     DataSession().Execute(selector::kMain, statement, connection());
   }
   if (alta.bDto) return;

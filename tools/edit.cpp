@@ -75,8 +75,8 @@ void callPlain(const Component& component, Object& object, std::string_view memb
 /// Whether a mode of the class opens the rows of an id only. Those that it does not know never do.
 bool looksForId(const ClassInfo& info, std::string_view word) {
   return std::any_of(info.modes.begin(), info.modes.end(), [&](const Mode& mode) {
-    return mode.word == word && (mode.select.find("{id}") != std::string_view::npos ||
-                                 mode.tail.find("{id}") != std::string_view::npos);
+    return mode.word == word && (mode.select.text().find("{id}") != std::string_view::npos ||
+                                 mode.tail.text().find("{id}") != std::string_view::npos);
   });
 }
 

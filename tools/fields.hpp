@@ -40,14 +40,14 @@ enum class FieldUse : std::uint8_t {
 
 /// A field of a file; its name is that of the column that it goes into.
 struct ImportField {
-  std::string_view name;
+  Statement::Constant name;
   FieldKind kind = FieldKind::kText;
   FieldUse use = FieldUse::kAlways;
 };
 
 /// What rows are taken into.
 struct ImportTable {
-  std::string_view name;
+  Statement::Constant name;
   std::string_view what;  ///< "articles"
   std::span<const ImportField> fields;
 };

@@ -47,7 +47,7 @@ PartnerImport::Words PartnerImport::series() {
   return words;
 }
 
-PartnerImport::Words PartnerImport::catalogue(std::string_view table) {
+PartnerImport::Words PartnerImport::catalogue(Statement::Constant table) {
   Statement statement("SELECT codigo, Descripcion FROM ");
   statement << table;
   Words codes, descriptions;
@@ -127,7 +127,8 @@ void PartnerImport::update(const Record& record, std::span<const std::size_t> fi
   Statement statement("UPDATE ");
   statement << table().name << " SET ";
   for (const std::size_t field : fields) {
-    statement << (field == fields.front() ? "" : ", ") << table().fields[field].name << " = ";
+    statement << (field == fields.front() ? Statement::Constant() : ", ")
+              << table().fields[field].name << " = ";
     const std::string text = literalOf(record, field);
     if (table().fields[field].kind == FieldKind::kFlag) {
       statement << value(text);
@@ -135,7 +136,7 @@ void PartnerImport::update(const Record& record, std::span<const std::size_t> fi
       statement << "'" << value(text) << "'";
     }
   }
-  statement << " WHERE Codigo = '" << value(doubledQuotes(record.key)) << "'";
+  statement << " WHERE Codigo = " << sqlText(record.key);
   DataSession().Execute(selector::kMain, statement, connection());
 }
 

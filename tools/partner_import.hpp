@@ -37,7 +37,7 @@ class PartnerImport : public RowImport {
   Words tariffs();
   static Words series();
   /// Codes, and descriptions where they are nobody's code.
-  Words catalogue(std::string_view table);
+  Words catalogue(Statement::Constant table);
 
   /// Replaces words by their codes and cleans the number, of which `entry` is told then.
   std::string check(Record& record) override;

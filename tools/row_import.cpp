@@ -184,13 +184,12 @@ void RowImport::take(const std::vector<CsvFile::Row>& rows, std::size_t count) {
 RowImport::Stored RowImport::stored(const std::vector<Record>& batch) {
   Statement statement("SELECT ");
   for (const ImportField& field : table_.fields) {
-    statement << (&field == &table_.fields.front() ? "" : ", ") << field.name;
+    statement << (&field == &table_.fields.front() ? Statement::Constant() : ", ") << field.name;
   }
-  const std::string_view key = table_.fields.front().name;
+  const Statement::Constant key = table_.fields.front().name;
   statement << " FROM " << table_.name << " WHERE " << key << " In (";
   for (const Record& record : batch) {
-    statement << (&record == &batch.front() ? "'" : ", '") << value(doubledQuotes(record.key))
-              << "'";
+    statement << (&record == &batch.front() ? Statement::Constant() : ", ") << sqlText(record.key);
   }
   statement << ")";
   Stored found;

@@ -48,7 +48,8 @@ bool isSelect(std::string_view statement) {
 void runStatement(const SqlOptions& options, const Common& common) {
   Session session(common);
   const int selector = session.selector(options.database);
-  const Statement statement(options.statement == "-" ? standardInput() : options.statement);
+  const Statement statement(
+      Statement::trusted(options.statement == "-" ? standardInput() : options.statement));
   const ConnectionPtr connection = session.apartment().openConnection(selector);
   if (isSelect(statement.text())) {
     const auto rows = std::make_shared<Recordset>();

@@ -100,7 +100,7 @@ class StockReader {
 
  private:
   /// `before`, the article's code between quotes, `after`.
-  RecordsetPtr select(std::string_view before, std::string_view after = "'") {
+  RecordsetPtr select(Statement::Constant before, Statement::Constant after = "'") {
     Statement statement(before);
     statement << value(code_) << after;
     RecordsetPtr rows;

@@ -325,7 +325,7 @@ void clsArticulos::setDefaults(bool bDefVal) {
 // ---------------------------------------------------------------------------------------------
 // Flags
 
-bool clsArticulos::flagOf(std::string_view select, std::string_view field, const Variant& vId,
+bool clsArticulos::flagOf(Statement::Constant select, std::string_view field, const Variant& vId,
                           ObjCn objCn) const {
   Statement statement(select);
   statement << value(joined(vId)) << "'";
@@ -373,7 +373,7 @@ bool clsArticulos::EsdeAlmacenVenta(const Variant& vId, ObjCn objCn) const {
 // ---------------------------------------------------------------------------------------------
 // Single values
 
-Variant clsArticulos::columnOf(std::string_view columnText, std::string_view field,
+Variant clsArticulos::columnOf(Statement::Constant columnText, std::string_view field,
                                const Variant& vId, ObjCn objCn) const {
   Statement statement("SELECT");
   statement << columnText << " FROM Articulos"
@@ -382,7 +382,7 @@ Variant clsArticulos::columnOf(std::string_view columnText, std::string_view fie
   return rows->RecordCount() == 0 ? Variant() : rows->Field(field).Value();
 }
 
-double clsArticulos::numberOf(std::string_view columnText, std::string_view field,
+double clsArticulos::numberOf(Statement::Constant columnText, std::string_view field,
                               const Variant& vId, ObjCn objCn) const {
   return columnOf(columnText, field, vId, *objCn).toDouble(locale());
 }

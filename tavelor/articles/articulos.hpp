@@ -368,16 +368,16 @@ class clsArticulos final : public OpensByWordOnConnection {
   void setDefaults(bool bDefVal) override;
 
   /// `column` of an article: Empty without a row, Null where it is.
-  Variant columnOf(std::string_view columnText, std::string_view field, const Variant& vId,
+  Variant columnOf(Statement::Constant columnText, std::string_view field, const Variant& vId,
                    ObjCn objCn) const;
   /// The same as a number: 0 without a row, 94 for Null.
-  double numberOf(std::string_view columnText, std::string_view field, const Variant& vId,
+  double numberOf(Statement::Constant columnText, std::string_view field, const Variant& vId,
                   ObjCn objCn) const;
   /// `field` of the first row as a flag; false without a row.
-  bool flagOf(std::string_view select, std::string_view field, const Variant& vId,
+  bool flagOf(Statement::Constant select, std::string_view field, const Variant& vId,
               ObjCn objCn) const;
   /// Sets one of the totals of a stocked article.
-  void setTotal(std::string_view column, const Variant& vId, const Variant& vCant,
+  void setTotal(Statement::Constant column, const Variant& vId, const Variant& vCant,
                 ConnectionPtr& cnnActive) const;
   /// Digits of an article's code, as the counters tell them.
   static std::int32_t codeDigits(ConnectionPtr& objCn);

@@ -23,9 +23,10 @@ std::string_view listOrUsual(const std::string& list) {
   return list.empty() ? kUsualList : std::string_view(list);
 }
 
-std::string_view descriptionColumn(std::string_view sQIdioma) {
+Statement::Constant descriptionColumn(std::string_view sQIdioma) {
   struct Language {
-    std::string_view word, column;
+    std::string_view word;
+    Statement::Constant column;
   };
   constexpr std::array<Language, 6> kLanguages = {{{"Idioma 1", " Idioma_1 as Descripción,"},
                                                    {"Idioma 2", " Idioma_2 as Descripción,"},
@@ -39,14 +40,14 @@ std::string_view descriptionColumn(std::string_view sQIdioma) {
   return " Descripcion as Descripción,";
 }
 
-std::string_view priceColumn(std::string_view sTarifa) {
+Statement::Constant priceColumn(std::string_view sTarifa) {
   if (sTarifa == "B") return " Tarifa_B as Precio,";
   if (sTarifa == "C") return " Tarifa_C as Precio,";
   return " Tarifa_A as Precio,";
 }
 
 // The columns of a line, and the row that was typed: by `codeColumn`, or by its description.
-Statement lineOf(const Datos& datos, std::string_view codeColumn, std::string_view code) {
+Statement lineOf(const Datos& datos, Statement::Constant codeColumn, std::string_view code) {
   Statement statement("SELECT");
   statement << " Codigo as Código, Referencia," << descriptionColumn(datos.sQIdioma)
             << " Seccion as Sección, Familia," << priceColumn(datos.sTarifa)

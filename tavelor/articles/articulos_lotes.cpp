@@ -61,8 +61,9 @@ bool isNoLot(const std::string& lot) {
   return lot.empty() || lot == "0";
 }
 
-Statement withPair(std::string_view before, const std::string& first, std::string_view between,
-                   const std::string& second, std::string_view after) {
+Statement withPair(Statement::Constant before, const std::string& first,
+                   Statement::Constant between, const std::string& second,
+                   Statement::Constant after) {
   Statement statement(before);
   statement << value(first) << between << value(second) << after;
   return statement;
@@ -119,7 +120,7 @@ void ClsArticulosLotes::purchase(const Variant& vId, const Variant& vIdLote, dou
 // -1 whatever the database: a new lot of a server is active for GetPredeterminada and for
 // ExisteActivo, one that a sale has made active there (1) only for the former.
 Statement ClsArticulosLotes::insertion(const Variant& vId, const Variant& vIdLote, double dCant,
-                                       std::string_view active, ConnectionPtr& cnnActive) const {
+                                       Statement::Constant active, ConnectionPtr& cnnActive) const {
   const std::string id = joined(NuevoCodigo(cnnActive));
   Statement statement(
       "INSERT INTO Articulos_Lotes ( Id, Codigo, Lote, Existencia, Activo )"
@@ -158,8 +159,9 @@ void ClsArticulosLotes::sellKnown(const Variant& vId, const Variant& vIdLote, do
   if (!DescargaStockLote(vId, vIdLote, cnnActive)) return;
   Statement statement = addition(dCant);
   if (becomesActive) {
-    statement << (DataSession().IsDbFile(info().selector) ? " , Articulos_Lotes.Activo = -1"
-                                                          : " , Articulos_Lotes.Activo = 1");
+    statement << (DataSession().IsDbFile(info().selector)
+                      ? Statement::Constant(" , Articulos_Lotes.Activo = -1")
+                      : " , Articulos_Lotes.Activo = 1");
   }
   statement << ofLot(joined(vId), joined(vIdLote));
   write(statement, cnnActive);

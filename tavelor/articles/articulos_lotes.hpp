@@ -83,7 +83,7 @@ class ClsArticulosLotes final : public OpensByWord {
                  ConnectionPtr& cnnActive) const;
   /// The statement of a new active lot, with the next key. `active` is how it says so.
   Statement insertion(const Variant& vId, const Variant& vIdLote, double dCant,
-                      std::string_view active, ConnectionPtr& cnnActive) const;
+                      Statement::Constant active, ConnectionPtr& cnnActive) const;
 };
 
 }  // namespace tavelor

@@ -84,7 +84,7 @@ ClsArticulosMovAlmacen::ClsArticulosMovAlmacen() : OpensByWord(kInfo) {}
 namespace {
 
 /// `document`, a number from outside, and its state.
-Statement ofDocument(const std::string& document, std::int16_t state, std::string_view end) {
+Statement ofDocument(const std::string& document, std::int16_t state, Statement::Constant end) {
   Statement condition(" WHERE(Doc_E = ");
   condition << value(document) << " and Estado = " << value(std::to_string(state)) << end;
   return condition;
@@ -102,7 +102,7 @@ void ClsArticulosMovAlmacen::DeleteAll(const Variant& vId, std::int16_t iEstado,
 void ClsArticulosMovAlmacen::DeleteAll_no_Interno(const Variant& vId, std::int16_t iEstado,
                                                   ObjCn cnnActive) const {
   Statement statement(DataSession().IsDbFile(info().selector)
-                          ? "DELETE Articulos_Movimientos_Almacen.*"
+                          ? Statement::Constant("DELETE Articulos_Movimientos_Almacen.*")
                           : "DELETE Articulos_Movimientos_Almacen");
   statement << " FROM Articulos_Movimientos_Almacen INNER JOIN Articulos ON"
                " Articulos_Movimientos_Almacen.Codigo = Articulos.Codigo"
@@ -121,7 +121,7 @@ void ClsArticulosMovAlmacen::DeleteFecha(const Variant& dtInicio, ObjCn cnnActiv
 // ---------------------------------------------------------------------------------------------
 // Sums
 
-double ClsArticulosMovAlmacen::sumOfKind(const Variant& vId, std::string_view kind,
+double ClsArticulosMovAlmacen::sumOfKind(const Variant& vId, Statement::Constant kind,
                                          ObjCn objCn) const {
   Statement statement(kSum);
   statement << " GROUP BY Articulos_Movimientos_Almacen.Codigo,"
@@ -146,7 +146,7 @@ double ClsArticulosMovAlmacen::GetTotalMaovArt(const Variant& vId, ObjCn objCn) 
 }
 
 double ClsArticulosMovAlmacen::sumSince(const Variant& vId, const Variant& dtInicio,
-                                        std::string_view sAlmacen, std::string_view kind,
+                                        std::string_view sAlmacen, Statement::Constant kind,
                                         ObjCn objCn) const {
   Statement statement(kSum);
   statement << " WHERE ("

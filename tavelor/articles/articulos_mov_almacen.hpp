@@ -92,9 +92,9 @@ class ClsArticulosMovAlmacen final : public OpensByWord {
   void Insertar(const Movimiento& movimiento) const;
 
  private:
-  double sumOfKind(const Variant& vId, std::string_view kind, ObjCn objCn) const;
+  double sumOfKind(const Variant& vId, Statement::Constant kind, ObjCn objCn) const;
   double sumSince(const Variant& vId, const Variant& dtInicio, std::string_view sAlmacen,
-                  std::string_view kind, ObjCn objCn) const;
+                  Statement::Constant kind, ObjCn objCn) const;
 };
 
 }  // namespace tavelor

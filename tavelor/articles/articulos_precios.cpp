@@ -46,8 +46,8 @@ constexpr ClassInfo kInfo = {
     .addNew = AddNewForm::kShort,
 };
 
-Statement ofPair(std::string_view before, const std::string& first, std::string_view between,
-                 const std::string& second, std::string_view after) {
+Statement ofPair(Statement::Constant before, const std::string& first, Statement::Constant between,
+                 const std::string& second, Statement::Constant after) {
   Statement statement(before);
   statement << value(first) << between << value(second) << after;
   return statement;

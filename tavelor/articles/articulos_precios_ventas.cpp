@@ -54,8 +54,8 @@ Date lastDayOfAll() {
   return Date::of(2040, 1, 1);
 }
 
-Statement ofPair(std::string_view before, const std::string& first, std::string_view between,
-                 const std::string& second, std::string_view after) {
+Statement ofPair(Statement::Constant before, const std::string& first, Statement::Constant between,
+                 const std::string& second, Statement::Constant after) {
   Statement statement(before);
   statement << value(first) << between << value(second) << after;
   return statement;
@@ -224,7 +224,7 @@ void ClsArticulosPreciosVentas::InsertarTodo(const Oferta& oferta) const {
   insert(oferta, {}, {});
 }
 
-void ClsArticulosPreciosVentas::insert(const Oferta& oferta, std::string_view dateColumn,
+void ClsArticulosPreciosVentas::insert(const Oferta& oferta, Statement::Constant dateColumn,
                                        const std::string& date) const {
   ConnectionPtr& connection = *oferta.objCn;
   Statement statement(

@@ -104,7 +104,7 @@ class ClsArticulosPreciosVentas final : public OpensByWord {
   bool FamiliaLibre(const Variant& vId, const Variant& vIdSec, ObjCn objCn = {}) const;
 
  private:
-  void insert(const Oferta& oferta, std::string_view dateColumn, const std::string& date) const;
+  void insert(const Oferta& oferta, Statement::Constant dateColumn, const std::string& date) const;
 };
 
 }  // namespace tavelor

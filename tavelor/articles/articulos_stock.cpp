@@ -15,7 +15,7 @@ namespace tavelor {
 namespace {
 
 /// " WHERE(Codigo ='A100')": `end` closes the condition.
-Statement ofArticle(const std::string& code, std::string_view end = "')") {
+Statement ofArticle(const std::string& code, Statement::Constant end = "')") {
   Statement condition(" WHERE(Codigo ='");
   condition << value(code) << end;
   return condition;
@@ -37,7 +37,7 @@ Statement additions(double dExist, double dPend, const std::string& code) {
 // ---------------------------------------------------------------------------------------------
 // Absolute forms: what others did meanwhile is overwritten
 
-void clsArticulos::setTotal(std::string_view column, const Variant& vId, const Variant& vCant,
+void clsArticulos::setTotal(Statement::Constant column, const Variant& vId, const Variant& vCant,
                             ConnectionPtr& cnnActive) const {
   if (!stock::isKept(*this, vId, cnnActive)) return;
   Statement statement("UPDATE  Articulos SET ");

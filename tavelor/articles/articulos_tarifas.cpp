@@ -26,7 +26,8 @@ constexpr std::string_view kBothLists = "PRC + TDS";
 
 /// How screens name the tariffs that are rows.
 struct RowTariff {
-  std::string_view key, letter;
+  std::string_view key;
+  Statement::Constant letter;
 };
 constexpr std::array<RowTariff, 18> kRowTariffs = {{{"tf3", "D"},
                                                     {"tf4", "E"},
@@ -48,7 +49,7 @@ constexpr std::array<RowTariff, 18> kRowTariffs = {{{"tf3", "D"},
                                                     {"tf20", "T"}}};
 
 /// The column of a tariff by its letter; "" for the others.
-std::string_view columnOfTariff(std::string_view sTarifa) {
+Statement::Constant columnOfTariff(std::string_view sTarifa) {
   if (sTarifa == "A") return "TARIFA_a";
   if (sTarifa == "B") return "TARIFA_b";
   if (sTarifa == "C") return "TARIFA_c";
@@ -67,21 +68,21 @@ Statement ofArticle(const std::string& code) {
 }
 
 /// The price `price` raised by `percent`, rounded.
-Statement risen(std::string_view price, const std::string& percent) {
+Statement risen(Statement::Constant price, const std::string& percent) {
   Statement formula("ROUND(((");
   formula << price << " * " << value(percent) << ")/100)+" << price << "," << value(decimals())
           << ")";
   return formula;
 }
 
-Statement riseOfColumn(std::string_view column, std::string_view price,
+Statement riseOfColumn(Statement::Constant column, Statement::Constant price,
                        const std::string& percent) {
   Statement statement("UPDATE  Articulos SET ");
   statement << column << " =  " << risen(price, percent) << " WHERE (";
   return statement;
 }
 
-Statement riseOfRows(std::string_view letter, const std::string& percent) {
+Statement riseOfRows(Statement::Constant letter, const std::string& percent) {
   Statement statement(
       "UPDATE  Articulos INNER JOIN Articulos_Tarifas"
       " ON Articulos.Codigo = Articulos_Tarifas.Codigo SET Articulos_Tarifas.Precio = ");
@@ -236,10 +237,10 @@ void clsArticulos::DeleteAllTarifas(const Variant& vId, ObjCn cnnActive) const {
 void clsArticulos::CopiatTarifaPrecios(std::string_view sTarifa, std::string_view SNewTarifa,
                                        ObjCn cnnActive) const {
   Statement statement("UPDATE Articulos SET");
-  if (const std::string_view to = columnOfTariff(SNewTarifa); !to.empty()) {
+  if (const Statement::Constant to = columnOfTariff(SNewTarifa); !to.empty()) {
     statement << " Articulos." << to << " = ";
   }
-  if (const std::string_view from = columnOfTariff(sTarifa); !from.empty()) {
+  if (const Statement::Constant from = columnOfTariff(sTarifa); !from.empty()) {
     statement << "Articulos." << from << "; ";
   }
   write(statement, *cnnActive);
@@ -247,12 +248,13 @@ void clsArticulos::CopiatTarifaPrecios(std::string_view sTarifa, std::string_vie
 
 void clsArticulos::CrearTarifaPrecios(std::string_view sTarifa, std::string_view SNewTarifa,
                                       std::string_view sNombre, ObjCn cnnActive) const {
-  const std::string_view column = columnOfTariff(sTarifa);
+  const Statement::Constant column = columnOfTariff(sTarifa);
   const bool ofColumn = !column.empty();
   Statement statement("INSERT INTO Articulos_Tarifas ( Codigo, Nombre, Tarifa, Precio ) SELECT ");
-  statement << (ofColumn ? "Articulos.Codigo, '" : "Articulos_Tarifas.Codigo, '") << value(sNombre)
-            << "' AS Expr1, '" << value(SNewTarifa) << (sTarifa == "C" ? "'AS" : "' AS")
-            << " Expr2, ";
+  statement << (ofColumn ? Statement::Constant("Articulos.Codigo, '")
+                         : "Articulos_Tarifas.Codigo, '")
+            << value(sNombre) << "' AS Expr1, '" << value(SNewTarifa)
+            << (sTarifa == "C" ? Statement::Constant("'AS") : "' AS") << " Expr2, ";
   if (ofColumn) {
     statement << "Articulos." << column << " FROM Articulos;";
   } else {

@@ -4,13 +4,13 @@
 
 namespace tavelor::euros {
 
-Statement nullToZero(std::string_view table, std::string_view column) {
+Statement nullToZero(Statement::Constant table, Statement::Constant column) {
   Statement statement("UPDATE ");
   statement << table << " SET " << column << " = 0 Where (((" << column << ") Is Null))";
   return statement;
 }
 
-Statement pricesInEuros(std::string_view table) {
+Statement pricesInEuros(Statement::Constant table) {
   Statement statement("UPDATE ");
   statement << table << " SET Precio = Format([Precio]/'166,386','Currency');";
   return statement;

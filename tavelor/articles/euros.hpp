@@ -9,10 +9,10 @@
 namespace tavelor::euros {
 
 /// Sets the amounts that are Null to 0.
-Statement nullToZero(std::string_view table, std::string_view column = "Precio");
+Statement nullToZero(Statement::Constant table, Statement::Constant column = "Precio");
 
 /// Divides the prices by 166,386. The divisor is a text with a decimal comma, and the result goes
 /// through the currency format: in a shop without a decimal comma it divides by another number.
-Statement pricesInEuros(std::string_view table);
+Statement pricesInEuros(Statement::Constant table);
 
 }  // namespace tavelor::euros

@@ -94,10 +94,10 @@ double ClsCierres::iQNumero() const {
 }
 
 void ClsCierres::DeleteAll(const Variant& vId, ObjCn cnnActive) const {
-  for (const std::string_view statement :
-       {"DELETE  FROM Cierres_Familias  WHERE (((Cierre)={id}));",
-        "DELETE  FROM Cierres_Formas_Pago  WHERE (((Cierre)={id}));",
-        "DELETE  FROM Cierres_Lineas_Impuestos  WHERE (((Cierre)={id}));"}) {
+  for (const Statement::Constant statement : std::initializer_list<Statement::Constant>{
+           "DELETE  FROM Cierres_Familias  WHERE (((Cierre)={id}));",
+           "DELETE  FROM Cierres_Formas_Pago  WHERE (((Cierre)={id}));",
+           "DELETE  FROM Cierres_Lineas_Impuestos  WHERE (((Cierre)={id}));"}) {
     write(withId(statement, vId), *cnnActive);
   }
 }

@@ -77,7 +77,7 @@ bool BusinessPartner::GetCtaTesoreria(const Variant& id, InOut<std::string> sCta
 }
 
 // An index without a condition leaves a statement that ends in WHERE, which no engine takes.
-RecordsetPtr BusinessPartner::profile(std::string_view select, Facturacion& datos) const {
+RecordsetPtr BusinessPartner::profile(Statement::Constant select, Facturacion& datos) const {
   Statement statement(select);
   if (datos.index == 0) {
     statement << " ( Codigo =  '" << value(joined(datos.id)) << "' and activo <> 0 )";

@@ -83,7 +83,7 @@ class BusinessPartner : public OpensByWord {
 
   /// Runs `select`, a list of columns as far as WHERE, for whom `datos` ask for, and fills them:
   /// all but the trade name. Gives the row, or nothing where there is nobody.
-  RecordsetPtr profile(std::string_view select, Facturacion& datos) const;
+  RecordsetPtr profile(Statement::Constant select, Facturacion& datos) const;
 
   /// Bank, bonus, kinds of invoice and layouts of the current row: what documents take of it.
   template <typename Datos>

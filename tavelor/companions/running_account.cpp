@@ -45,21 +45,21 @@ struct Movement {
 };
 
 /// The balances of an owner's entries of later dates are moved.
-Statement moveLater(std::string_view table, char sign, const Movement& by) {
+Statement moveLater(Statement::Constant table, Statement::Constant sign, const Movement& by) {
   Statement statement("UPDATE ");
-  statement << table << " SET Saldo = Saldo " << std::string_view(&sign, 1) << " "
-            << value(by.amount) << " WHERE ((Fecha > " << value(by.date) << ") AND (Codigo='"
-            << value(by.owner) << "'));";
+  statement << table << " SET Saldo = Saldo " << sign << " " << value(by.amount)
+            << " WHERE ((Fecha > " << value(by.date) << ") AND (Codigo='" << value(by.owner)
+            << "'));";
   return statement;
 }
 
 /// The balances of his entries of the same date behind `id` are moved.
-Statement moveSameDate(std::string_view table, char sign, const Movement& by, std::string_view id) {
+Statement moveSameDate(Statement::Constant table, Statement::Constant sign, const Movement& by,
+                       std::string_view id) {
   Statement statement("UPDATE ");
-  statement << table << " SET Saldo = Saldo " << std::string_view(&sign, 1) << " "
-            << value(by.amount) << " WHERE ((Id > " << value(id)
-            << ") and (Fecha = " << value(by.date) << ") AND (Codigo='" << value(by.owner)
-            << "'));";
+  statement << table << " SET Saldo = Saldo " << sign << " " << value(by.amount) << " WHERE ((Id > "
+            << value(id) << ") and (Fecha = " << value(by.date) << ") AND (Codigo='"
+            << value(by.owner) << "'));";
   return statement;
 }
 
@@ -109,7 +109,7 @@ void RunningAccount::Insertar(const Apunte& apunte) const {
         << value(bare(shown(a.dHaber - a.dDebe + before))) << ", "
         << value(std::to_string(a.iEstado)) << ", " << value(joined(a.vDoc_E)) << " );";
   write(entry, *a.objCn);
-  write(moveLater(info().table, '+', movement), *a.objCn);
+  write(moveLater(info().table, "+", movement), *a.objCn);
 }
 
 void RunningAccount::Eliminar(std::int16_t iEst, const Variant& vDoc, ObjCn objCn) const {

@@ -20,7 +20,7 @@ struct BalanceRepair {
     kLaterDates,  ///< of all later dates
   };
 
-  char sign;  ///< '+' or '-'
+  Statement::Constant sign;  ///< "+" or "-"
   Entries entries;
 };
 

@@ -160,10 +160,10 @@ Date monthsAgo(Date today) {
 // A mode that shows the customers with, or without, a delivery note between two days.
 struct DeliveryMode {
   std::string_view word;
-  std::string_view before;  // the condition on delivery notes
+  Statement::Constant before;  // the condition on delivery notes
   Date (*from)(Date today);
   Date (*to)(Date today);
-  std::string_view after;
+  Statement::Constant after;
   bool wholeCustomer = true;  // else code and legal name
 };
 
@@ -257,7 +257,7 @@ Statement ClsClientes::modeStatement(std::string& word, const Variant& id) const
   if (word == kDeclaration) return CondicionConsulta(word);
   if (word == kMixta || word == kMixtaCenter) return mixedSelection(word == kMixtaCenter, id);
   if (const DeliveryMode* mode = deliveryMode(word)) {
-    Statement statement(mode->wholeCustomer ? kSelectCampos
+    Statement statement(mode->wholeCustomer ? Statement::Constant(kSelectCampos)
                                             : "SELECT Clientes.Codigo, Clientes.Razon_Social");
     statement << kTodos << conditionOf(*mode);
     return statement;
@@ -277,7 +277,7 @@ Statement ClsClientes::CondicionConsulta(std::string_view sModo) {
                " WHERE  (((Facturas.Fecha) Between "
             << value(year.first) << " AND " << value(year.last) << ")";
   if (const char series = consultas::declaredSeries()) {
-    statement << " AND ((Facturas.Serie) = '" << std::string_view(&series, 1)
+    statement << " AND ((Facturas.Serie) = '" << value(std::string_view(&series, 1))
               << "' or (Facturas.Serie) = 'R'))";
   } else {
     statement << ")";
@@ -287,13 +287,13 @@ Statement ClsClientes::CondicionConsulta(std::string_view sModo) {
   return statement;
 }
 
-std::string_view ClsClientes::OperadorConcatenar() {
+Statement::Constant ClsClientes::OperadorConcatenar() {
   return "&";
 }
 
 // A description in which a user's typing finds the customer by code or name.
 Statement ClsClientes::mixedSelection(bool ofCentre, const Variant& id) const {
-  const std::string_view concat = OperadorConcatenar();
+  const Statement::Constant concat = OperadorConcatenar();
   Statement statement("SELECT");
   if (esDbFile()) {
     statement << " Codigo as Código, [codigo]" << concat << "[Razon_Social]" << concat

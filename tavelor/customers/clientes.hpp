@@ -341,12 +341,12 @@ class ClsClientes final : public BusinessPartner {
   /// The condition of "bajas", "bajas60" and "bajas30", the whole statement of "347", or nothing.
   static Statement CondicionConsulta(std::string_view sModo);
   /// What joins texts in a statement: in this dialect the same on every engine, Null being "".
-  static std::string_view OperadorConcatenar();
+  static Statement::Constant OperadorConcatenar();
   Statement mixedSelection(bool ofCentre, const Variant& id) const;
   /// A field of the current row, or "".
   std::string currentText(std::string_view field) const;
   /// Fills party data; null where there is no usable customer. `more` columns are read beside them.
-  RecordsetPtr party(std::string_view more, Cabecera& datos) const;
+  RecordsetPtr party(Statement::Constant more, Cabecera& datos) const;
   /// The statement that writes a customer's row again under another code.
   Statement copyUnder(std::string_view code, Recordset& old) const;
   /// The first, second or third column of a row, for series A, B or C.

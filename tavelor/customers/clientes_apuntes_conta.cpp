@@ -39,8 +39,8 @@ constexpr ClassInfo kInfo = {
 };
 
 constexpr std::array kAfterDeletion = {
-    BalanceRepair{'-', BalanceRepair::Entries::kSameDate},
-    BalanceRepair{'-', BalanceRepair::Entries::kLaterDates},
+    BalanceRepair{"-", BalanceRepair::Entries::kSameDate},
+    BalanceRepair{"-", BalanceRepair::Entries::kLaterDates},
 };
 
 const Locale& locale() {

@@ -57,8 +57,8 @@ constexpr std::string_view kAddress =
     "Nombre, Razon_Social as Empresa, NIF,  Direccion, Codigo_Postal, Poblacion, Provincia,"
     " telefono";
 
-Statement ofPair(std::string_view before, const std::string& first, std::string_view between,
-                 const std::string& second, std::string_view after) {
+Statement ofPair(Statement::Constant before, const std::string& first, Statement::Constant between,
+                 const std::string& second, Statement::Constant after) {
   Statement statement(before);
   statement << value(first) << between << value(second) << after;
   return statement;
@@ -75,8 +75,9 @@ std::string ClsClientesDirecciones::GetTxtFile() const {
 // ---------------------------------------------------------------------------------------------
 // Addresses
 
-RecordsetPtr ClsClientesDirecciones::readAddress(std::string_view before, std::string_view after,
-                                                 std::string_view condition,
+RecordsetPtr ClsClientesDirecciones::readAddress(Statement::Constant before,
+                                                 Statement::Constant after,
+                                                 Statement::Constant condition,
                                                  Direccion& direccion) const {
   Statement statement("SELECT ");
   statement << before << kAddress << after << " FROM Clientes_Direcciones WHERE"

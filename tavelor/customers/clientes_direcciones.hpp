@@ -72,8 +72,8 @@ class ClsClientesDirecciones final : public OpensByWordOnConnection {
   void setDefaults(bool bDefVal) override;
 
  private:
-  RecordsetPtr readAddress(std::string_view before, std::string_view after,
-                           std::string_view condition, Direccion& direccion) const;
+  RecordsetPtr readAddress(Statement::Constant before, Statement::Constant after,
+                           Statement::Constant condition, Direccion& direccion) const;
 };
 
 }  // namespace tavelor

@@ -122,7 +122,7 @@ void ClsClientes::GetDatosBonificar(Bonificar& datos) const {
 // ---------------------------------------------------------------------------------------------
 // Party data
 
-RecordsetPtr ClsClientes::party(std::string_view more, Cabecera& datos) const {
+RecordsetPtr ClsClientes::party(Statement::Constant more, Cabecera& datos) const {
   Statement statement(
       "SELECT Nombre, Razon_Social as Empresa, NIF,  Direccion, Codigo_Postal, Poblacion,"
       " Provincia, Telefono");

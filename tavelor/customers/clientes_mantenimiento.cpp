@@ -55,7 +55,7 @@ struct Days {
   std::string last;
 };
 
-Statement between(std::string_view column, const Days& days) {
+Statement between(Statement::Constant column, const Days& days) {
   Statement condition(column);
   condition << " Between " << value(days.first) << " AND " << value(days.last) << ")";
   return condition;
@@ -136,7 +136,7 @@ Statement declarationMark() {
       " WHERE (((Facturas.Fecha) Between ");
   statement << value(year.first) << " And " << value(year.last) << ")";
   if (const char series = consultas::declaredSeries()) {
-    statement << " AND ((Facturas.Serie) = '" << std::string_view(&series, 1) << "'))";
+    statement << " AND ((Facturas.Serie) = '" << value(std::string_view(&series, 1)) << "'))";
   } else {
     statement << ")";
   }
@@ -166,7 +166,7 @@ Statement discountMark(std::string_view word) {
 void ClsClientes::Actualizar_Param_Rpt(std::string_view ssql, ObjCn cnnActive,
                                        const Variant& vFchIni, const Variant& vFchFin,
                                        std::int16_t iIndx) const {
-  std::string_view clearing = "UPDATE Clientes SET Clientes.Dto_Art = 0 ";
+  Statement::Constant clearing = "UPDATE Clientes SET Clientes.Dto_Art = 0 ";
   std::vector<Statement> marks;
   if (ssql == kPlanningReport) {
     clearing = "UPDATE Clientes SET Clientes.planificar = 0 ";
@@ -188,8 +188,8 @@ namespace {
 
 // A column of the new row behind its code, and what stands for Null.
 struct Copied {
-  std::string_view column;
-  std::string_view missing = "Null";
+  Statement::Constant column;
+  Statement::Constant missing = "Null";
 };
 
 constexpr std::array kCopied = {
@@ -301,7 +301,7 @@ Statement ClsClientes::copyUnder(std::string_view code, Recordset& old) const {
     if (held.isNull()) {
       statement << copied.missing;
     } else if (const bool* flag = held.getIf<bool>()) {
-      statement << (*flag ? "'-1'" : "'0'");
+      statement << (*flag ? Statement::Constant("'-1'") : "'0'");
     } else if (held.getIf<Date>() != nullptr) {
       statement << value(DataSession().DateLiteral(info().selector, held));
     } else {

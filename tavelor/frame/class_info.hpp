@@ -7,6 +7,8 @@
 #include <span>
 #include <string_view>
 
+#include "tavelor/platform/statement.hpp"
+
 namespace tavelor {
 
 /// Databases of an installation, as services and classes name them.
@@ -26,8 +28,8 @@ inline constexpr std::string_view kAnyOtherWord = {};
 /// of a class is that of any other word, which then becomes "todos".
 struct Mode {
   std::string_view word;
-  std::string_view select;
-  std::string_view tail = {};
+  Statement::Constant select;
+  Statement::Constant tail = {};
 };
 
 /// AddNew computes a code; the general form drops one that is longer than the first field allows.
@@ -41,16 +43,16 @@ enum class FindForm : std::uint8_t { kWhole, kPrefix };
 
 /// One record class. Texts must outlive the class objects: they are literals.
 struct ClassInfo {
-  std::string_view word;   ///< class word: registry segment, export file, sClassName
-  std::string_view table;  ///< as its statements write it
+  std::string_view word;      ///< class word: registry segment, export file, sClassName
+  Statement::Constant table;  ///< as its statements write it
   int selector = selector::kMain;
   /// Whose maximum NuevoCodigo takes. Where it is a text, a next code too long for it is dropped.
-  std::string_view codeColumn = "Codigo";
+  Statement::Constant codeColumn = "Codigo";
   std::span<const Mode> modes;  ///< in the order compared, kAnyOtherWord last
   /// Words whose statement the class makes when it is asked, in modeStatement, beside `modes`.
   std::span<const std::string_view> madeModes = {};
   /// Statement of CodigoLibre with {id}; empty: by the column Codigo, in quotes.
-  std::string_view freeCode = {};
+  Statement::Constant freeCode = {};
   /// AddNew fills its code with zeros to this many characters; 0: as it is.
   std::size_t codeWidth = 0;
   AddNewForm addNew = AddNewForm::kGeneral;

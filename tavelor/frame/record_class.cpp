@@ -129,8 +129,9 @@ void RecordClass::requireOwnRows(Recordset& rows, std::string_view path) const {
     if (others.empty()) others = base;
   }
   raise(errors::kInvalidArgument, info_.word,
-        others.empty() ? fmt::format("No field of {} is one of {}.", path, info_.table)
-                       : fmt::format("{} holds rows of {}, not of {}.", path, others, info_.table));
+        others.empty()
+            ? fmt::format("No field of {} is one of {}.", path, info_.table.text())
+            : fmt::format("{} holds rows of {}, not of {}.", path, others, info_.table.text()));
 }
 
 void RecordClass::saveRows(Recordset& rows, std::string_view path) const {
@@ -280,16 +281,17 @@ Variant RecordClass::newCode(ConnectionPtr& objCn) const {
   return old.isNull() || fits(next, newest) ? next : old;
 }
 
-Variant RecordClass::nextCode(std::string_view column, std::int32_t digits, ObjCn objCn) const {
+Variant RecordClass::nextCode(Statement::Constant column, std::int32_t digits, ObjCn objCn) const {
   const Variant old = greatest(column, *objCn)->Field(0).Value();
   Variant next = successor(old);
   const bool hasRoom = digits < 1 || text::length(joined(next)) <= static_cast<std::size_t>(digits);
   return old.isNull() || hasRoom ? next : old;
 }
 
-RecordsetPtr RecordClass::greatest(std::string_view column, ConnectionPtr& objCn) const {
-  return read(Statement(fmt::format("SELECT MAX({}) AS Nuevo_Codigo FROM {}", column, info_.table)),
-              objCn);
+RecordsetPtr RecordClass::greatest(Statement::Constant column, ConnectionPtr& objCn) const {
+  Statement statement("SELECT MAX(");
+  statement << column << ") AS Nuevo_Codigo FROM " << info_.table;
+  return read(statement, objCn);
 }
 
 Variant RecordClass::successor(const Variant& code) {
@@ -307,9 +309,9 @@ Variant RecordClass::successor(const Variant& code) {
 
 bool RecordClass::CodigoLibre(const Variant& vId, ObjCn objCn) const {
   if (!info_.freeCode.empty()) return !anyRow(withId(info_.freeCode, vId), objCn);
-  return !anyRow(
-      withId(fmt::format("SELECT Codigo FROM {} where codigo ='{}'", info_.table, kIdMark), vId),
-      objCn);
+  Statement statement("SELECT Codigo FROM ");
+  statement << info_.table << " where codigo ='" << value(joined(vId)) << "'";
+  return !anyRow(statement, objCn);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -442,15 +444,16 @@ std::string RecordClass::joined(const Variant& value) {
   return value.isNull() ? std::string() : value.toText(locale());
 }
 
-Statement RecordClass::withId(std::string_view text, const Variant& id) {
+Statement RecordClass::withId(Statement::Constant text, const Variant& id) {
   Statement statement;
   const std::string idText = joined(id);
-  for (std::size_t mark = text.find(kIdMark); mark != std::string_view::npos;
-       mark = text.find(kIdMark)) {
-    statement << text.substr(0, mark) << value(idText);
-    text.remove_prefix(mark + kIdMark.size());
+  std::size_t begin = 0;
+  for (std::size_t mark = text.text().find(kIdMark); mark != std::string_view::npos;
+       mark = text.text().find(kIdMark, begin)) {
+    statement << text.part(begin, mark - begin) << value(idText);
+    begin = mark + kIdMark.size();
   }
-  statement << text;
+  statement << text.part(begin);
   return statement;
 }
 

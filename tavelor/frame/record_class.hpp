@@ -20,7 +20,6 @@ class Connection;
 class Control;
 class GridColumns;
 class Recordset;
-class Statement;
 /// A connection, shared.
 using ConnectionPtr = std::shared_ptr<Connection>;
 using RecordsetPtr = std::shared_ptr<Recordset>;
@@ -244,7 +243,7 @@ class RecordClass : public Object {
 
   /// What NuevoCodigo gives, of any column and for codes whose length is a setting: a sum of more
   /// than `digits` characters is dropped for the maximum; 0 sets no limit.
-  Variant nextCode(std::string_view column, std::int32_t digits, ObjCn objCn) const;
+  Variant nextCode(Statement::Constant column, std::int32_t digits, ObjCn objCn) const;
   /// The code plus 1; 1 for Null, the code itself where it is no number. Raises 6 where a double
   /// cannot tell the sum from the code.
   static Variant successor(const Variant& code);
@@ -255,7 +254,7 @@ class RecordClass : public Object {
   /// A value as it is joined into a statement: plain printing, Null as nothing.
   static std::string joined(const Variant& value);
   /// `text` with {id} replaced by the value.
-  static Statement withId(std::string_view text, const Variant& id);
+  static Statement withId(Statement::Constant text, const Variant& id);
 
  private:
   template <typename>
@@ -265,7 +264,7 @@ class RecordClass : public Object {
   void takePrimary(RecordsetPtr rows);
   void offerPrimary();
   void requireOwnRows(Recordset& rows, std::string_view path) const;
-  RecordsetPtr greatest(std::string_view column, ConnectionPtr& objCn) const;
+  RecordsetPtr greatest(Statement::Constant column, ConnectionPtr& objCn) const;
   void restoreOrder(std::string_view sLlave);
   void restoreOrForgetOrder(std::string_view sLlave);
   static void sortBy(Recordset& rows, std::int16_t index, std::string_view mode);

@@ -16,8 +16,8 @@ struct SingleRead {
   /// A result that a constant may hold.
   using Literal = std::conditional_t<std::is_same_v<Result, std::string>, std::string_view, Result>;
 
-  std::string_view select;
-  std::string_view tail;              ///< behind `select`; {id} is the code, as text
+  Statement::Constant select;
+  Statement::Constant tail;           ///< behind `select`; {id} is the code, as text
   Literal nobody;                     ///< the answer where there is no row
   Result (*answer)(Recordset& rows);  ///< of the first row
   bool quiet = false;  ///< any failure, the database's included, gives what no row gives

@@ -40,8 +40,8 @@ constexpr ClassInfo kInfo = {
 // blanks differ between the families and stay as they are.
 struct Family {
   std::string_view word;
-  std::string_view select;
-  std::string_view column;
+  Statement::Constant select;
+  Statement::Constant column;
 };
 
 constexpr std::array kFamilies = {

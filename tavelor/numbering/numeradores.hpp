@@ -102,7 +102,7 @@ class clsNumeradores final : public OpensByWord {
   void readNumbers(std::string_view vId, std::string_view period, const std::string& seed,
                    double& dSerieA, double& dSerieB, double& dSerieC, ObjCn objCn) const;
   void writeCounters(Statement statement, ObjCn objCn, std::string& sPeriodo) const;
-  Variant periodColumn(std::string_view column, ObjCn objCn, std::string& sPeriodo) const;
+  Variant periodColumn(Statement::Constant column, ObjCn objCn, std::string& sPeriodo) const;
   void addPeriod(const std::string& year);
 
   mutable std::string missingYear_;  // the one that ExistenPeriodoActual found no row of last

@@ -38,7 +38,7 @@ void clsNumeradores::setCurrentPeriod(std::string_view year) {
 // ---------------------------------------------------------------------------------------------
 // A period's row
 
-Variant clsNumeradores::periodColumn(std::string_view column, ObjCn objCn,
+Variant clsNumeradores::periodColumn(Statement::Constant column, ObjCn objCn,
                                      std::string& sPeriodo) const {
   fillPeriod(sPeriodo);
   Statement statement("SELECT ");

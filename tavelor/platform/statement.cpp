@@ -10,6 +10,11 @@ Statement& Statement::operator<<(const Statement& part) {
   return *this;
 }
 
+Statement& Statement::operator<<(const Literal& literal) {
+  if (literal.text() == "Null") return *this << "Null";
+  return keep(literal.text(), Piece::Kind::kValue);
+}
+
 Statement& Statement::keep(std::string_view text, Piece::Kind kind) {
   kept_.append(text);
   pieces_.append({nullptr, sizeOf(text), kind});

@@ -13,9 +13,10 @@ namespace life_cycle {
 /// One of the tables that a ticket lies in. Its history bears the same name with "H" in front.
 /// Texts must outlive the class objects: they are literals.
 struct Table {
-  std::string_view name;
-  std::string_view key;     ///< column that holds the number of the ticket
-  std::string_view copied;  ///< " SELECT ..." of the way to history, with the columns it goes into
+  Statement::Constant name;
+  Statement::Constant key;  ///< column that holds the number of the ticket
+  Statement::Constant
+      copied;  ///< " SELECT ..." of the way to history, with the columns it goes into
 };
 
 /// Puts a ticket into a closing. All numbers come as text, here and below, and are marked as

@@ -252,7 +252,7 @@ void ClsTickets::AddNew(bool bDefVal, bool /*bIsInvoiced*/) {
 // ---------------------------------------------------------------------------------------------
 // Numbers
 
-RecordsetPtr ClsTickets::greatest(std::string_view table, std::string_view serie,
+RecordsetPtr ClsTickets::greatest(Statement::Constant table, std::string_view serie,
                                   ConnectionPtr& objCn) const {
   Statement statement("SELECT MAX(Numero) AS Nuevo_Codigo FROM ");
   statement << table << " WHERE Serie = '" << value(serie) << "'";
@@ -311,7 +311,7 @@ void ClsTickets::UpdateNumerador(ObjCn objCn) const {
   ConnectionPtr documents;
   for (std::size_t i = 0; i < kSeries.size(); ++i) {
     const auto [letter, first] = kSeries[i];
-    for (const std::string_view table : {info().table, kHistory}) {
+    for (const Statement::Constant table : {info().table, Statement::Constant(kHistory)}) {
       const Variant found = greatest(table, letter, documents)->Field(0).Value();
       last[i] = std::max(last[i], found.isNull() ? first : number(found));
     }

@@ -321,7 +321,8 @@ class ClsTickets final : public TicketTable<OpensByWord> {
   template <typename Result>
   Result quietly(std::string_view column) const;
   /// One row with the greatest number of a series in a table, Null where there is none.
-  RecordsetPtr greatest(std::string_view table, std::string_view serie, ConnectionPtr& objCn) const;
+  RecordsetPtr greatest(Statement::Constant table, std::string_view serie,
+                        ConnectionPtr& objCn) const;
 
   std::unique_ptr<LogFiles> logs_;
 };

@@ -125,7 +125,7 @@ void ClsTicketsCabecera::GetDatos(Busqueda& busqueda) const {
       " Nombre, Razon_Social as Empresa,"
       " NIF,  Direccion,"
       " Codigo_Postal, Poblacion, Provincia, Telefono");
-  statement << (busqueda.bHistor ? " FROM H" : " FROM ") << "Tickets_Cabecera";
+  statement << (busqueda.bHistor ? Statement::Constant(" FROM H") : " FROM ") << "Tickets_Cabecera";
   if (busqueda.index == 0) {
     statement << " WHERE  Telefono =  '" << value(busqueda.idTel) << "'";
   } else if (busqueda.index == 1) {

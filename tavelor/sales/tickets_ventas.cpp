@@ -28,8 +28,8 @@ constexpr std::string_view kCredit = " AND (Facturado <> 0 )";
 // Two of the members ask for credit in this way; the mark is never negative.
 constexpr std::string_view kInvoiced = " AND (Facturado > 0 )";
 
-std::string_view settledIf(bool bCerrados) {
-  return bCerrados ? " AND (Estado = 2)" : "";
+Statement::Constant settledIf(bool bCerrados) {
+  return bCerrados ? Statement::Constant(" AND (Estado = 2)") : "";
 }
 
 // The day number in plain digits: dates lie in the table without a time. The mask alone would round
@@ -54,7 +54,7 @@ Span spanOf(const Parameters& p) {
 }
 
 /// `select` of the tickets of a span, with the outer parenthesis still open.
-Statement ofSpan(std::string_view select, const Span& span) {
+Statement ofSpan(Statement::Constant select, const Span& span) {
   Statement statement(select);
   statement << " WHERE ((Fecha Between " << value(dayNumber(span.first)) << " And "
             << value(dayNumber(span.last)) << ")  "
@@ -71,7 +71,7 @@ void takeTotals(Recordset& rows, Ventas& ventas) {
   take(rows, "VentasTotal", ventas.dVentasTotal);
 }
 
-Statement deliveries(const Span& span, std::string_view kind, std::string_view state = {}) {
+Statement deliveries(const Span& span, Statement::Constant kind, Statement::Constant state = {}) {
   Statement statement = ofSpan(
       "SELECT Sum(Entrega) AS VentasEntregasContado, Sum(Cambio) AS VentasEntregasCambio"
       " FROM "
@@ -116,7 +116,8 @@ std::vector<Variant> ClsTickets::ObtenerColVentaContado(Date dtFechaIni, Date dt
                                                         std::string_view sSerie, bool bCerrados,
                                                         bool bContado, ObjCn objCn) const {
   Statement statement = ofSpan(kNumbers, {dtFechaIni, dtFechaFin, sCaja, sEmpleado, sSerie});
-  statement << settledIf(bCerrados) << (bContado ? kCash : kInvoiced) << ");";
+  statement << settledIf(bCerrados)
+            << (bContado ? Statement::Constant(kCash) : Statement::Constant(kInvoiced)) << ");";
   return columnValues(*read(statement, *objCn), "Numero");
 }
 

@@ -94,12 +94,7 @@ void DataSession::OpenRecordset(int selector, const Statement& statement, Record
 
 std::string DataSession::DateLiteral(int selector, const Variant& date) const {
   apartment_.installation().database(selector);
-  const CivilTime at = date.toDate(apartment_.locale()).civil();
-  if (at.hour == 0 && at.minute == 0 && at.second == 0) {
-    return fmt::format(FMT_COMPILE("#{:02}/{:02}/{:04}#"), at.month, at.day, at.year);
-  }
-  return fmt::format(FMT_COMPILE("#{:02}/{:02}/{:04} {:02}:{:02}:{:02}#"), at.month, at.day,
-                     at.year, at.hour, at.minute, at.second);
+  return sqlLiteral(date.toDate(apartment_.locale()));
 }
 
 std::string DataSession::TimeLiteral(int selector, const Variant& time) const {

@@ -117,7 +117,7 @@ void ClsCitas::insert(const Cita& cita, bool ofOrder) const {
   if (ofOrder) write(withId("DELETE  FROM Citas  WHERE (doc_f = {id})", cita.vIdOrd), *cita.objCn);
   Statement statement("INSERT INTO Citas (");
   statement << " Id, Fecha, Hora, Codigo, Cliente, Descripcion, Codigo_e, Empleado, Box, Tipo"
-            << (ofOrder ? ", Doc_f)" : ")") << " values ("
+            << (ofOrder ? Statement::Constant(", Doc_f)") : ")") << " values ("
             << value(joined(NuevoCodigo("A", *cita.objCn))) << ", " << value(day) << ", "
             << value(hour) << " , '" << value(cita.sCod) << "', '"
             << value(withoutQuotes(cita.sCliente)) << "', '"
@@ -167,7 +167,7 @@ void ClsCitas::DeleteAll(const Variant& vId, ObjCn cnnActive) const {
 // ---------------------------------------------------------------------------------------------
 // Marks
 
-void ClsCitas::mark(std::string_view state, const Variant& vId, ObjCn cnnActive) const {
+void ClsCitas::mark(Statement::Constant state, const Variant& vId, ObjCn cnnActive) const {
   Statement statement("UPDATE Citas SET Estado = '");
   statement << state << withId("'  WHERE (Id = {id})", vId);
   write(statement, *cnnActive);

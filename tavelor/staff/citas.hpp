@@ -79,7 +79,7 @@ class ClsCitas final : public OpensByWord {
 
  private:
   void insert(const Cita& cita, bool ofOrder) const;
-  void mark(std::string_view state, const Variant& vId, ObjCn cnnActive) const;
+  void mark(Statement::Constant state, const Variant& vId, ObjCn cnnActive) const;
 };
 
 }  // namespace tavelor

@@ -37,8 +37,8 @@ constexpr ClassInfo kInfo = {
 // on the balances that a deletion leaves, and run UpdateTotal when they want others. It is not to
 // be made like the customers'.
 constexpr std::array kAfterDeletion = {
-    BalanceRepair{'+', BalanceRepair::Entries::kLaterDates},
-    BalanceRepair{'-', BalanceRepair::Entries::kLaterDates},
+    BalanceRepair{"+", BalanceRepair::Entries::kLaterDates},
+    BalanceRepair{"-", BalanceRepair::Entries::kLaterDates},
 };
 
 }  // namespace

@@ -127,7 +127,7 @@ class SafeRoadTest : public testing::Test {
   static RecordsetPtr query(const std::string& statement) {
     RecordsetPtr rows;
     ConnectionPtr connection;
-    DataSession().OpenRecordset(1, Statement(statement), rows, connection);
+    DataSession().OpenRecordset(1, Statement::trusted(statement), rows, connection);
     return rows;
   }
   static std::int64_t wholeOf(Recordset& rows) {

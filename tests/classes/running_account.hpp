@@ -44,8 +44,9 @@ class RunningAccountTest : public CatalogueTest<Ledger> {
     const bool wasOn = trace.isOn();
     trace.turn(false);
     DataSession().OpenRecordset(1,
-                                Statement("SELECT Saldo FROM " + table() + " WHERE Codigo = '" +
-                                          owner + "' ORDER BY Fecha, Id"),
+                                Statement("SELECT Saldo FROM ")
+                                    << Statement::trusted(table()) << " WHERE Codigo = "
+                                    << sqlText(owner) << " ORDER BY Fecha, Id",
                                 entries, connection);
     trace.turn(wasOn);
     for (; !entries->Eof(); entries->MoveNext()) {

@@ -155,7 +155,7 @@ class PlanCacheTest : public testing::Test {
   static Statement insertBare(std::string_view quantity) {
     return Statement("INSERT INTO Lineas (Cantidad) VALUES (") << value(quantity) << ")";
   }
-  static Statement insertQuoted(std::string_view name, std::string_view text) {
+  static Statement insertQuoted(Statement::Constant name, std::string_view text) {
     return Statement("INSERT INTO Lineas (") << name << ") VALUES ('" << value(text) << "')";
   }
 
@@ -268,7 +268,7 @@ TEST_F(PlanCacheTest, AQuoteInAValueIsSeenWhereverItStands) {
 
 TEST_F(PlanCacheTest, ATextKnownWhenRunningOnlyIsRememberedWhenItComesAgain) {
   const std::string known("DELETE FROM Lineas WHERE Codigo = 'a' AND Cantidad > 1.5");
-  const Statement text(known);
+  const Statement text(Statement::trusted(known));
   run(text);
   run(text);
   EXPECT_EQ(cache.counters().shapeHits, 0U);
@@ -323,7 +323,7 @@ TEST_F(PlanCacheTest, ConstantsAroundAndBetweenValuesBelongToTheLiteral) {
 }
 
 TEST_F(PlanCacheTest, ConstantsOfTheTextAreTakenFromTheStatementAtHand) {
-  const auto insert = [](std::string_view constant, std::string_view code) {
+  const auto insert = [](Statement::Constant constant, std::string_view code) {
     return Statement("INSERT INTO Lineas (Cantidad, Codigo) VALUES (")
            << constant << ", '" << value(code) << "')";
   };
@@ -340,7 +340,8 @@ TEST_F(PlanCacheTest, ConstantsOfTheTextAreTakenFromTheStatementAtHand) {
 TEST_F(PlanCacheTest, ATextThatMayChangeIsKnownByWhatItSaysNotByItsAddress) {
   std::string condition = "Codigo = '";
   const auto remove = [&](std::string_view text) {
-    return Statement("DELETE FROM Lineas WHERE ") << condition << value(text) << "'";
+    return Statement("DELETE FROM Lineas WHERE ")
+           << Statement::trusted(condition) << value(text) << "'";
   };
   run(remove("a"));
   EXPECT_THAT(journal.runs.back(), HasSubstr("WHERE Codigo = "));
@@ -348,9 +349,9 @@ TEST_F(PlanCacheTest, ATextThatMayChangeIsKnownByWhatItSaysNotByItsAddress) {
   run(remove("b"));
   EXPECT_THAT(journal.runs.back(), HasSubstr("WHERE Nota = "));
   std::string whole = "DELETE FROM Lineas WHERE Codigo = 'c'";
-  for (int count = 0; count < 3; ++count) run(Statement(whole));
+  for (int count = 0; count < 3; ++count) run(Statement::trusted(whole));
   whole[whole.size() - 2] = 'd';
-  run(Statement(whole));
+  run(Statement::trusted(whole));
   EXPECT_THAT(journal.bound, ElementsAre("text d"));
 }
 
@@ -370,7 +371,7 @@ TEST_F(PlanCacheTest, TextsThatDifferBehindTheirValuesAreAllRemembered) {
   for (int round = 0; round < 3; ++round) {
     for (int constant = 10; constant < 40; ++constant) {
       run(Statement("DELETE FROM Lineas WHERE Codigo = '")
-          << value("a") << "' AND Unidades = " << std::to_string(constant));
+          << value("a") << "' AND Unidades = " << Statement::trusted(std::to_string(constant)));
       EXPECT_THAT(journal.bound, ElementsAre("text a", "whole " + std::to_string(constant)));
     }
   }
@@ -541,8 +542,8 @@ TEST_F(PlanCacheTest, AComposedTextNeedsAValueForEachPlaceholder) {
 
 TEST_F(PlanCacheTest, ManyShapesAreForgottenAndWhatIsUsedStays) {
   const auto shapeNumber = [](int number) {
-    return Statement("SELECT Codigo AS C")
-           << std::to_string(number) << " FROM Lineas WHERE Codigo = '" << value("a") << "'";
+    return Statement("SELECT Codigo AS C") << Statement::trusted(std::to_string(number))
+                                           << " FROM Lineas WHERE Codigo = '" << value("a") << "'";
   };
   run(byCode("1"));
   for (int count = 1; count <= 1500; ++count) {

@@ -11,7 +11,7 @@ namespace {
 using testing::ElementsAre;
 
 Shape shape(std::string_view text) {
-  return shapeOf(Statement(text));
+  return shapeOf(Statement::trusted(text));
 }
 
 TEST(Shape, LeavesAMarkOfItsKindForEachLiteral) {

@@ -36,7 +36,7 @@ inline Plan planOf(const Statement& statement) {
   return translate(statement, shop(), sqliteWriter(), literals);
 }
 inline Plan planOf(std::string_view text) {
-  return planOf(Statement(text));
+  return planOf(Statement::trusted(text));
 }
 
 /// The engine's text of a statement of one step.
@@ -44,7 +44,7 @@ inline std::string sqlOf(const Statement& statement) {
   return planOf(statement).steps.at(0).sql;
 }
 inline std::string sqlOf(std::string_view text) {
-  return sqlOf(Statement(text));
+  return sqlOf(Statement::trusted(text));
 }
 
 /// The error of a statement, or one of number 0 if it has none.
@@ -57,7 +57,7 @@ inline Error errorOf(const Statement& statement) {
   return Error(0, "", "no error");
 }
 inline Error errorOf(std::string_view text) {
-  return errorOf(Statement(text));
+  return errorOf(Statement::trusted(text));
 }
 
 }  // namespace tavelor::dialect::test

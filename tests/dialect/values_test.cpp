@@ -125,7 +125,10 @@ TEST(BareValue, MayBeTrueOrFalse) {
 }
 
 TEST(BareValue, DoesNotGrowTogetherWithItsNeighbours) {
-  for (const auto& [before, behind] : {std::pair{"Orden", " = 1"},
+  struct Neighbours {
+    Statement::Constant before, behind;
+  };
+  for (const auto& [before, behind] : {Neighbours{"Orden", " = 1"},
                                        {"Orden = 1", ""},
                                        {"Orden = ", "5"},
                                        {"Orden = ", ".5"},

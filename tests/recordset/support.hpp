@@ -138,11 +138,11 @@ class ShopTest : public testing::Test {
     return Connection::open(std::move(settings));
   }
 
-  void run(std::string_view text) { connection->Execute(Statement(text)); }
+  void run(std::string_view text) { connection->Execute(Statement::trusted(text)); }
 
   RecordsetPtr open(std::string_view text) {
     auto set = std::make_shared<Recordset>();
-    set->Open(Statement(text), connection);
+    set->Open(Statement::trusted(text), connection);
     return set;
   }
   RecordsetPtr openBanks() { return open("SELECT * FROM Bancos ORDER BY Codigo"); }

@@ -29,7 +29,7 @@ class LossTest : public LivesTest {
   std::string value(const std::string& statement, int selector) {
     RecordsetPtr rows;
     ConnectionPtr connection;
-    DataSession().OpenRecordset(selector, Statement(statement), rows, connection);
+    DataSession().OpenRecordset(selector, Statement::trusted(statement), rows, connection);
     return rows->Field(0).Value().toText(Apartment::current().locale());
   }
   std::string main(const std::string& statement) { return value(statement, 1); }
@@ -37,7 +37,7 @@ class LossTest : public LivesTest {
 
   void run(const std::string& statement, int selector) {
     ConnectionPtr connection;
-    DataSession().Execute(selector, Statement(statement), connection);
+    DataSession().Execute(selector, Statement::trusted(statement), connection);
   }
 
   std::string refusalOf(const std::function<void()>& flow) {

@@ -34,7 +34,7 @@ class PapersTest : public LivesTest {
  protected:
   void run(const std::string& statement, int selector) {
     ConnectionPtr connection;
-    DataSession().Execute(selector, Statement(statement), connection);
+    DataSession().Execute(selector, Statement::trusted(statement), connection);
   }
   void sellAndClose(const std::string& reference, const std::string& till = "01") {
     Shop shop;

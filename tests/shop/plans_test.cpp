@@ -57,9 +57,9 @@ class ShopPlansTest : public testing::Test {
   std::set<std::string> scanned(const std::string& text) {
     if (text.find('?') != std::string::npos) return tests::scannedTables(*session_, text);
     dialect::Literals literals;
-    return tests::scannedTables(*session_,
-                                dialect::translate(Statement(text), tests::schemaCatalogue(),
-                                                   dialect::sqliteWriter(), literals));
+    return tests::scannedTables(
+        *session_, dialect::translate(Statement::trusted(text), tests::schemaCatalogue(),
+                                      dialect::sqliteWriter(), literals));
   }
 
   test::Shop shop_;

@@ -35,20 +35,20 @@ class DialectBehaviour : public testing::Test {
     run("INSERT INTO Tarifas (Codigo, Precio, Cantidad, Orden) VALUES ('b', 10, 0, 2)");
   }
 
-  std::int64_t run(std::string_view text) { return plans.run(Statement(text)); }
+  std::int64_t run(std::string_view text) { return plans.run(Statement::trusted(text)); }
   std::int32_t error(std::string_view text) {
     return errorNumber([&] { run(text); });
   }
   /// The first column, of texts, of all rows.
   std::vector<std::string> all(std::string_view text) {
-    const RowStore found = fetched(plans, Statement(text));
+    const RowStore found = fetched(plans, Statement::trusted(text));
     std::vector<std::string> texts;
     for (std::uint32_t row = 0; row < found.rows(); ++row) texts.emplace_back(found.text(row, 0));
     return texts;
   }
   /// The first column of the first row, printed; "none" without a row.
   std::string first(std::string_view text) {
-    const RowStore rows = fetched(plans, Statement(text));
+    const RowStore rows = fetched(plans, Statement::trusted(text));
     if (rows.rows() == 0) return "none";
     if (rows.isNull(0, 0)) return "Null";
     switch (rows.type(0)) {

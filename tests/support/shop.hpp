@@ -89,14 +89,14 @@ class Shop {
   void run(const std::string& statement, int selector = 1) {
     Untraced quiet(apartment_);
     ConnectionPtr connection;
-    DataSession().Execute(selector, Statement(statement), connection);
+    DataSession().Execute(selector, Statement::trusted(statement), connection);
   }
   /// First column of the first row; Empty when there is none.
   Variant value(const std::string& statement, int selector = 1) {
     Untraced quiet(apartment_);
     RecordsetPtr rows;
     ConnectionPtr connection;
-    DataSession().OpenRecordset(selector, Statement(statement), rows, connection);
+    DataSession().OpenRecordset(selector, Statement::trusted(statement), rows, connection);
     return rows->RecordCount() == 0 ? Variant() : rows->Field(0).Value();
   }
   std::string text(const std::string& statement, int selector = 1) {

@@ -129,7 +129,7 @@ std::string templateOf(const ClassInfo& info, std::string_view word) {
   const auto mode = std::find_if(info.modes.begin(), info.modes.end(), [&](const Mode& each) {
     return each.word == word || each.word == kAnyOtherWord;
   });
-  return fmt::format("{}{}", mode->select, mode->tail);
+  return fmt::format("{}{}", mode->select.text(), mode->tail.text());
 }
 
 std::vector<Column> columnsOf(Recordset& rows) {

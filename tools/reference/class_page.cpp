@@ -217,7 +217,7 @@ std::string factsHtml(const ClassEntry& entry, const Library& library) {
       if (number == info->selector) fact("Database", fmt::format("{}, selector {}", label, number));
     }
     fact("Next code",
-         fmt::format("after the greatest {}{}", code(info->codeColumn),
+         fmt::format("after the greatest {}{}", code(info->codeColumn.text()),
                      info->codeWidth == 0 ? ""
                                           : fmt::format(", with zeros to {} characters by "
                                                         "<code>AddNew</code>",

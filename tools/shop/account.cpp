@@ -24,8 +24,8 @@ constexpr std::string_view kEntries =
     "SELECT Codigo, Id, Fecha, Serie, Concepto, Documento_E, Debe, Haber, Saldo FROM ";
 
 struct Tables {
-  std::string_view owners;
-  std::string_view entries;
+  Statement::Constant owners;
+  Statement::Constant entries;
 };
 constexpr Tables tablesOf(LedgerOf of) {
   return of == LedgerOf::kCustomers ? Tables{"Clientes", "Clientes_Apuntes_Contables"}
@@ -91,13 +91,12 @@ std::optional<Account> readAccount(LedgerOf of, const std::string& owner, std::o
   account.of = of;
   account.owner = owner;
   Statement named("SELECT Razon_Social FROM ");
-  named << tablesOf(of).owners << " WHERE Codigo = '" << value(doubledQuotes(owner)) << "'";
+  named << tablesOf(of).owners << " WHERE Codigo = " << sqlText(owner);
   const Rows master(selector::kMain, named);
   if (master.hasRow()) account.name = master.text("Razon_Social");
 
   Statement entries(kEntries);
-  entries << tablesOf(of).entries << " WHERE Codigo = '" << value(doubledQuotes(owner))
-          << "' ORDER BY Fecha, Id";
+  entries << tablesOf(of).entries << " WHERE Codigo = " << sqlText(owner) << " ORDER BY Fecha, Id";
   Rows rows(selector::kMain, entries);
   if (!master.hasRow() && !rows.hasRow()) return std::nullopt;
 

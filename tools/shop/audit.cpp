@@ -17,7 +17,7 @@ namespace {
 using Kind = Finding::Kind;
 
 /// "column >= first AND column <= last".
-Statement between(std::string_view column, double first, double last) {
+Statement between(Statement::Constant column, double first, double last) {
   Statement condition(column);
   condition << " >= " << value(numberText(first)) << " AND " << column
             << " <= " << value(numberText(last));
@@ -43,8 +43,8 @@ struct Ticket {
 
 using Tickets = std::map<double, Ticket>;
 
-void readTickets(std::string_view table, double first, double last, const ConnectionPtr& documents,
-                 Tickets& tickets) {
+void readTickets(Statement::Constant table, double first, double last,
+                 const ConnectionPtr& documents, Tickets& tickets) {
   Statement heads("SELECT Numero, Serie, Fecha FROM ");
   heads << table << " WHERE " << between("Numero", first, last);
   for (Rows rows(selector::kDocuments, heads, documents); rows.hasRow(); rows.next()) {
@@ -88,7 +88,7 @@ struct ClosingTraces {
 };
 
 /// The least number above `number` that a table has, or no end.
-double nextAbove(double number, int selector, std::string_view column, std::string_view table,
+double nextAbove(double number, int selector, Statement::Constant column, Statement::Constant table,
                  const ConnectionPtr& connection) {
   Statement statement("SELECT Min(");
   statement << column << ") AS Siguiente FROM " << table << " WHERE " << column << " > "
@@ -144,7 +144,7 @@ std::vector<Finding> Audit::closings(double first, double last) {
     for (const double closing : numbersOf(selector::kMain, sums, "Cierre", main_)) {
       closings[closing].hasSums = true;
     }
-    for (const std::string_view table : {"HTickets", "Tickets"}) {
+    for (const Statement::Constant table : {kTicketTables[1], kTicketTables[0]}) {
       Statement marks(
           "SELECT Cierre, Count(*) AS Cuantos, Min(Fecha) AS Dia, Min(Caja) AS CajaDe FROM ");
       marks << table << " WHERE " << between("Cierre", first, last) << " GROUP BY Cierre";

@@ -29,7 +29,7 @@ constexpr int kHoursOfADay = 24;
 
 using Names = std::unordered_map<std::string, std::string>;
 
-Names namesOf(const char* statement) {
+Names namesOf(Statement::Constant statement) {
   Names names;
   for (Rows rows(selector::kMain, Statement(statement)); rows.hasRow(); rows.next()) {
     names.emplace(rows.text("Codigo"), rows.text("Descripcion"));
@@ -70,14 +70,14 @@ class Gatherer {
 
  private:
   /// " WHERE table.Fecha >= .. AND table.Fecha < ..": a closing may have a time behind its day.
-  Statement inTheDays(const char* table) const {
+  Statement inTheDays(Statement::Constant table) const {
     Statement condition(" WHERE ");
     condition << table << ".Fecha >= " << value(from_) << " AND " << table << ".Fecha < "
               << value(before_);
     return condition;
   }
 
-  Takings takings(const char* table) const {
+  Takings takings(Statement::Constant table) const {
     Statement statement("SELECT Count(*) AS Cuantos, Sum(Total) AS Importe FROM ");
     statement << table << inTheDays(table);
     const Rows rows(selector::kDocuments, statement);
@@ -139,7 +139,7 @@ class Gatherer {
     }
   }
 
-  std::vector<ArticleFigures> articles(const char* condition) const {
+  std::vector<ArticleFigures> articles(Statement::Constant condition) const {
     Statement statement(
         "SELECT HTickets_Lineas.Codigo AS Articulo, Max(HTickets_Lineas.Descripcion) AS Nombre, "
         "Sum(Cantidad) AS Unidades, Sum(Importe) AS Dinero");
@@ -170,7 +170,8 @@ class Gatherer {
                      [](const auto& a, const auto& b) { return isMore(a.amount, b.amount); });
   }
 
-  std::vector<Share> shares(const char* column, const char* table, const Names& names) const {
+  std::vector<Share> shares(Statement::Constant column, Statement::Constant table,
+                            const Names& names) const {
     Statement statement("SELECT ");
     statement << column << " AS Cual, Sum(Importe) AS Dinero FROM Cierres INNER JOIN " << table
               << " ON Cierres.Codigo = " << table << ".Cierre" << inTheDays("Cierres")
@@ -201,8 +202,8 @@ class Gatherer {
   /// Where a till stood before the first day: nothing for one without a closing. Its numbers are
   /// read from the greatest one down, so that years of closings cost nothing.
   std::optional<double> balanceBefore(const std::string& till) const {
-    Statement greatest("SELECT Max(Codigo) AS Ultimo FROM Cierres WHERE Caja = '");
-    greatest << value(doubledQuotes(till)) << "' AND Fecha < " << value(from_);
+    Statement greatest("SELECT Max(Codigo) AS Ultimo FROM Cierres WHERE Caja = ");
+    greatest << sqlText(till) << " AND Fecha < " << value(from_);
     const double last = Rows(selector::kMain, greatest).number("Ultimo");
     Statement statement("SELECT Saldo_Final FROM Cierres WHERE Codigo = ");
     statement << value(sqlNumber(last, 0));

@@ -20,7 +20,7 @@ namespace {
 constexpr double kLatestClosings = 50;
 
 /// " WHERE Fecha >= .. AND Fecha < ..": a closing may have a time behind its day.
-Statement ofDay(std::string_view select, Date day) {
+Statement ofDay(Statement::Constant select, Date day) {
   Statement statement(select);
   statement << " WHERE Fecha >= " << value(numberText(day.days())) << " AND Fecha < "
             << value(numberText(day.days() + 1));

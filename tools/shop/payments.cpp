@@ -59,7 +59,7 @@ const PaymentMethod* PaymentMethods::find(std::string_view word) const {
 
 std::optional<PaymentMethod> paymentMethod(const std::string& code, ConnectionPtr connection) {
   Statement statement(kSelect);
-  statement << " WHERE codigo = '" << value(doubledQuotes(code)) << "'";
+  statement << " WHERE codigo = " << sqlText(code);
   const Rows row(selector::kMain, statement, std::move(connection));
   return row.hasRow() ? std::optional(methodOf(row)) : std::nullopt;
 }

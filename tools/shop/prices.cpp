@@ -29,8 +29,8 @@ struct Granted {
 }  // namespace
 
 bool Prices::readConditions(const std::string& customer, Conditions& to) {
-  Statement statement("SELECT Tarifa, Descuento FROM Clientes WHERE Codigo = '");
-  statement << value(doubledQuotes(customer)) << "'";
+  Statement statement("SELECT Tarifa, Descuento FROM Clientes WHERE Codigo = ");
+  statement << sqlText(customer);
   const Rows row(selector::kMain, statement, main_);
   if (!row.hasRow()) return false;
   if (const std::string tariff = row.text("Tarifa"); !tariff.empty()) to.tariff = tariff;

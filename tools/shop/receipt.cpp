@@ -47,7 +47,7 @@ void add(std::vector<std::string>& lines, const std::vector<Variant>& texts) {
 /// Reads a ticket and what belongs to it from the live tables or from history.
 class Receipt {
  public:
-  Receipt(double number, std::string_view history)
+  Receipt(double number, Statement::Constant history)
       : number_(sqlNumber(number, 0)),
         history_(history),
         connection_(DataSession().OpenConnection(selector::kDocuments)) {}
@@ -81,8 +81,8 @@ class Receipt {
   }
 
  private:
-  Rows read(std::string_view select, std::string_view table, std::string_view key,
-            std::string_view tail = {}) {
+  Rows read(Statement::Constant select, Statement::Constant table, Statement::Constant key,
+            Statement::Constant tail = {}) {
     Statement statement(select);
     statement << " FROM " << history_ << table << " WHERE " << key << " = " << value(number_)
               << tail;
@@ -92,8 +92,8 @@ class Receipt {
   void addHeader(std::vector<std::string>& receipt) {
     constexpr std::array<std::string_view, 6> kColumns{"Nombre",    "Razon_Social", "NIF",
                                                        "Direccion", "Poblacion",    "Provincia"};
-    const Rows header =
-        read(fmt::format("SELECT {}", fmt::join(kColumns, ", ")), "Tickets_Cabecera", "Codigo");
+    const Rows header = read("SELECT Nombre, Razon_Social, NIF, Direccion, Poblacion, Provincia",
+                             "Tickets_Cabecera", "Codigo");
     if (!header.hasRow()) return;
     for (const std::string_view column : kColumns) {
       if (std::string line = header.text(column); !line.empty()) receipt.push_back(std::move(line));
@@ -106,7 +106,7 @@ class Receipt {
   }
 
   std::string number_;
-  std::string_view history_;
+  Statement::Constant history_;
   ConnectionPtr connection_;
 };
 

@@ -152,8 +152,8 @@ std::string Receiving::checkHead(const Delivery& delivery) {
   if (delivery.day > Apartment::current().clock().today()) {
     return fmt::format("Fecha lies in the future: {}", isoDay(delivery.day));
   }
-  Statement statement("SELECT Activo FROM Proveedores WHERE Codigo = '");
-  statement << value(doubledQuotes(delivery.supplier)) << "'";
+  Statement statement("SELECT Activo FROM Proveedores WHERE Codigo = ");
+  statement << sqlText(delivery.supplier);
   const Rows row(selector::kMain, statement, main_);
   if (!row.hasRow()) {
     return fmt::format("Proveedor is no supplier of the shop: {}", shown(delivery.supplier));
@@ -166,10 +166,9 @@ std::string Receiving::checkHead(const Delivery& delivery) {
 
 std::optional<Receiving::Known> Receiving::known(const Delivery& delivery) {
   Statement statement(
-      "SELECT Documento_E, Fecha, Haber FROM Proveedores_Apuntes_Contables WHERE Codigo = '");
-  statement << value(doubledQuotes(delivery.supplier)) << "' AND Concepto = '"
-            << value(doubledQuotes(entryText(delivery)))
-            << "' AND Estado = " << value(std::to_string(kDeliveryKind));
+      "SELECT Documento_E, Fecha, Haber FROM Proveedores_Apuntes_Contables WHERE Codigo = ");
+  statement << sqlText(delivery.supplier) << " AND Concepto = " << sqlText(entryText(delivery))
+            << " AND Estado = " << value(std::to_string(kDeliveryKind));
   const Rows row(selector::kMain, statement, main_);
   if (!row.hasRow()) return std::nullopt;
   return Known{row.number("Documento_E"), row.day("Fecha"), row.number("Haber")};
@@ -208,9 +207,8 @@ std::string Receiving::difference(const Delivery& delivery, const Known& known,
 /// Than the one that is stored of its lot. A line that gives none takes the lot as it is.
 bool Receiving::hasOtherExpiry(const DeliveryLine& line) {
   if (!line.expires || !hasLot(line)) return false;
-  Statement statement("SELECT Caduca FROM Articulos_Lotes WHERE Codigo = '");
-  statement << value(doubledQuotes(line.code)) << "' AND Lote = '" << value(doubledQuotes(line.lot))
-            << "'";
+  Statement statement("SELECT Caduca FROM Articulos_Lotes WHERE Codigo = ");
+  statement << sqlText(line.code) << " AND Lote = " << sqlText(line.lot);
   const Rows row(selector::kMain, statement, main_);
   return row.hasRow() && (row.isNull("Caduca") || row.day("Caduca") != *line.expires);
 }
@@ -322,8 +320,8 @@ std::string Receiving::checkArticle(const DeliveryLine& line, const Article& art
 std::string Receiving::checkWarehouse(const DeliveryLine& line) {
   const std::string code = warehouseOf(line);
   if (knownWarehouses_.contains(code)) return {};
-  Statement statement("SELECT Codigo FROM Almacenes WHERE Codigo = '");
-  statement << value(doubledQuotes(code)) << "'";
+  Statement statement("SELECT Codigo FROM Almacenes WHERE Codigo = ");
+  statement << sqlText(code);
   if (!Rows(selector::kMain, statement, main_).hasRow()) {
     return fmt::format("Almacen is no warehouse of the shop: {}", shown(code));
   }
@@ -348,8 +346,8 @@ std::string Receiving::checkLot(const DeliveryLine& line, const Posting& posting
   }
   article.isNewLot = true;
   std::string other;
-  Statement statement("SELECT Codigo, Caduca FROM Articulos_Lotes WHERE Lote = '");
-  statement << value(doubledQuotes(line.lot)) << "'";
+  Statement statement("SELECT Codigo, Caduca FROM Articulos_Lotes WHERE Lote = ");
+  statement << sqlText(line.lot);
   for (Rows rows(selector::kMain, statement, main_); rows.hasRow(); rows.next()) {
     if (rows.text("Codigo") != line.code) {
       other = rows.text("Codigo");

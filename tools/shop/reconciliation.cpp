@@ -20,6 +20,7 @@
 #include "tools/shop/decisions.hpp"
 #include "tools/shop/rows.hpp"
 #include "tools/shop/shop.hpp"
+#include "tools/shop/shop_inner.hpp"
 
 namespace tavelor::shop {
 
@@ -89,7 +90,7 @@ class Reconciliation::Day {
     if (isHistory) tills_[till][kHistory] += figures;
   }
 
-  void readTickets(std::string_view table, bool isHistory) {
+  void readTickets(Statement::Constant table, bool isHistory) {
     Statement tickets("SELECT Numero, Caja, Total, Cierre FROM ");
     tickets << table << " WHERE Fecha = " << value(day_);
     for (Rows rows = read(selector::kDocuments, tickets); rows.hasRow(); rows.next()) {
@@ -153,10 +154,10 @@ class Reconciliation::Day {
   }
 
   /// The nearest ticket before or behind those of the day: "Max", "<" or "Min", ">".
-  double neighbour(std::string_view aggregate, std::string_view sign, double number,
+  double neighbour(Statement::Constant aggregate, Statement::Constant sign, double number,
                    double otherwise) {
     std::optional<double> nearest;
-    for (const std::string_view table : {"Tickets", "HTickets"}) {
+    for (const Statement::Constant table : kTicketTables) {
       Statement statement("SELECT ");
       statement << aggregate << "(Numero) AS Vecino FROM " << table << " WHERE Numero " << sign
                 << " " << value(sqlNumber(number, 0));

@@ -175,9 +175,9 @@ bool Shop::isOnCredit(const Sale& sale) {
 
 /// Of a sale that is there, live or in history.
 std::optional<double> Shop::ticketOf(const std::string& reference) {
-  for (const std::string_view table : {"Tickets", "HTickets"}) {
+  for (const Statement::Constant table : kTicketTables) {
     Statement statement("SELECT Numero FROM ");
-    statement << table << " WHERE Referencia = '" << value(doubledQuotes(reference)) << "'";
+    statement << table << " WHERE Referencia = " << sqlText(reference);
     const Rows row(selector::kDocuments, statement, documents_);
     if (row.hasRow()) return row.number("Numero");
   }

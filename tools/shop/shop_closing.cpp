@@ -11,8 +11,8 @@ namespace tavelor::shop {
 namespace {
 
 bool isCash(const std::string& payment, ConnectionPtr& connection) {
-  Statement statement("SELECT Contado FROM Formas_Pago WHERE Codigo = '");
-  statement << value(doubledQuotes(payment)) << "'";
+  Statement statement("SELECT Contado FROM Formas_Pago WHERE Codigo = ");
+  statement << sqlText(payment);
   const Rows rows(selector::kMain, statement, connection);
   return rows.hasRow() && rows.flag("Contado");
 }

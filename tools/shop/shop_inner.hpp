@@ -2,6 +2,7 @@
 // What the flows of a shop share behind shop.hpp.
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,6 +26,8 @@ inline constexpr std::string_view kSeries = "A";
 inline constexpr std::string_view kWarehouse = "001";
 inline constexpr std::string_view kNoLot = "0";
 inline constexpr std::string_view kNobody = "";  // tickets without an employee
+/// Where tickets lie: until their closing, and behind it.
+inline constexpr std::array<Statement::Constant, 2> kTicketTables{"Tickets", "HTickets"};
 
 /// A whole number as a statement writes it.
 inline std::string numberText(double value) {

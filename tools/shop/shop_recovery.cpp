@@ -16,7 +16,7 @@ namespace tavelor::shop {
 namespace {
 
 /// The greatest number of a column; 0 where there is none.
-double greatest(int selector, std::string_view column, std::string_view table,
+double greatest(int selector, Statement::Constant column, Statement::Constant table,
                 const ConnectionPtr& connection) {
   Statement statement("SELECT Max(");
   statement << column << ") AS Ultimo FROM " << table;
@@ -121,7 +121,7 @@ Shop::Counters Shop::startedCounters(BothDatabases& transaction, Recovered& reco
 /// Of the tickets from `first` on. Some may be whole: those of another period, where somebody has
 /// gone back to one whose counter stayed behind.
 void Shop::finishSales(double first, Recovered& recovered) {
-  for (const std::string_view table : {"Tickets", "HTickets"}) {
+  for (const Statement::Constant table : kTicketTables) {
     Statement statement("SELECT Numero FROM ");
     statement << table << " WHERE Numero >= " << value(numberText(first)) << " AND Serie = '"
               << kSeries << "' ORDER BY Numero";
@@ -148,7 +148,7 @@ bool Shop::hasMovedStock(double ticket) {
 /// What book() needs of a ticket, live or in history.
 Sale Shop::storedSale(double ticket) {
   Sale sale;
-  for (const std::string_view table : {"Tickets", "HTickets"}) {
+  for (const Statement::Constant table : kTicketTables) {
     Statement head("SELECT Referencia, Fecha, Concepto, Codigo, Razon_Social, Forma_Pago FROM ");
     head << table << " WHERE Numero = " << value(numberText(ticket));
     const Rows row(selector::kDocuments, head, documents_);
@@ -261,12 +261,12 @@ void Shop::deleteClosing(double closing) {
 /// closing whose tickets are nowhere is none of ours: its history may have been put away.
 bool Shop::isUnfinished(double closing) {
   const std::string code = numberText(closing);
-  const auto rowsOf = [&](int selector, std::string_view select, ConnectionPtr& connection) {
+  const auto rowsOf = [&](int selector, Statement::Constant select, ConnectionPtr& connection) {
     Statement statement("SELECT ");
     statement << select << " = " << value(code);
     return Rows(selector, statement, connection);
   };
-  const auto hasRows = [&](int selector, std::string_view select, ConnectionPtr& connection) {
+  const auto hasRows = [&](int selector, Statement::Constant select, ConnectionPtr& connection) {
     return rowsOf(selector, select, connection).hasRow();
   };
   if (hasRows(selector::kDocuments, "Numero FROM HTickets WHERE Cierre", documents_) ||

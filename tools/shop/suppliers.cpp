@@ -13,9 +13,9 @@ namespace tavelor::shop {
 void makeSupplier(std::string_view code, std::string_view legalName, ConnectionPtr& connection) {
   Statement statement(
       "INSERT INTO Proveedores (Codigo, Razon_Social, Activo, Sub, Serie, Tarifa, Cta_Tesoreria, "
-      "Cta_Contable, Cta_Contrapartida) VALUES ('");
-  statement << value(doubledQuotes(code)) << "', '" << value(doubledQuotes(legalName))
-            << "', -1, 0, 'A', 'A', '400', '400', '600000')";
+      "Cta_Contable, Cta_Contrapartida) VALUES (");
+  statement << sqlText(code) << ", " << sqlText(legalName)
+            << ", -1, 0, 'A', 'A', '400', '400', '600000')";
   DataSession().Execute(selector::kMain, statement, connection);
 }
 

@@ -49,7 +49,7 @@ class ClsClientesEscrituraTest : public testing::Test, protected test::CustomerS
   static void saveAs(const std::string& path, std::string_view statement) {
     RecordsetPtr rows;
     ConnectionPtr connection;
-    DataSession().OpenRecordset(selector::kMain, Statement(statement), rows, connection);
+    DataSession().OpenRecordset(selector::kMain, Statement::trusted(statement), rows, connection);
     rows->Save(path);
   }
 };

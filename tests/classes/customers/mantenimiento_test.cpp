@@ -216,7 +216,7 @@ TEST_F(ClsClientesCopyTest, EachColumnIsCopiedIntoItself) {
     RecordsetPtr rows;
     ConnectionPtr connection;
     DataSession().OpenRecordset(
-        1, Statement("SELECT * FROM Clientes WHERE Codigo = '" + code + "'"), rows, connection);
+        1, Statement("SELECT * FROM Clientes WHERE Codigo = ") << sqlText(code), rows, connection);
     std::vector<std::string> values;
     for (std::int32_t i = 1; i < rows->Fields().Count(); ++i) {
       const Variant held = rows->Field(i).Value();

@@ -45,8 +45,8 @@ class ClsProveedoresComentariosTest : public test::CatalogueTest<ClsProveedoresC
     ConnectionPtr connection;
     DataSession().OpenRecordset(
         1,
-        Statement("SELECT Id, Comentarios FROM Proveedores_Comentarios WHERE Codigo = '" +
-                  supplier + "' ORDER BY Id"),
+        Statement("SELECT Id, Comentarios FROM Proveedores_Comentarios WHERE Codigo = ")
+            << sqlText(supplier) << " ORDER BY Id",
         found, connection);
     std::string all;
     for (; !found->Eof(); found->MoveNext()) {
