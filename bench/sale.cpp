@@ -145,13 +145,14 @@ class SaleBySplicing {
         "INSERT INTO Ventas (Numero, Serie, Fecha, Codigo, Razon_Social, Tarifa, Almacen, Divisa, "
         "Forma_Pago, Descuento, Base, Importe_Impuestos, Total, Caja, Empleado) VALUES (");
     const std::string number = sqlNumber(sale.number);
-    ticket << value(number) << ", '" << value("a") << "', "
-           << value(DataSession().DateLiteral(1, Variant(sale.date))) << ", '"
-           << value(sale.customer) << "', '" << value("CLIENTE CONTADO") << "', '" << value("01")
-           << "', '" << value("00") << "', '" << value("EURO") << "', '" << value("CONTADO")
-           << "', " << value(sqlNumber(0)) << ", " << value(sqlNumber(sale.total)) << ", "
-           << value(sqlNumber(sale.total * 0.21)) << ", " << value(sqlNumber(sale.total * 1.21))
-           << ", '" << value("CAJA1") << "', '" << value("0001") << "')";
+    ticket << spliced(number) << ", '" << spliced("a") << "', "
+           << spliced(DataSession().DateLiteral(1, Variant(sale.date))) << ", '"
+           << spliced(sale.customer) << "', '" << spliced("CLIENTE CONTADO") << "', '"
+           << spliced("01") << "', '" << spliced("00") << "', '" << spliced("EURO") << "', '"
+           << spliced("CONTADO") << "', " << spliced(sqlNumber(0)) << ", "
+           << spliced(sqlNumber(sale.total)) << ", " << spliced(sqlNumber(sale.total * 0.21))
+           << ", " << spliced(sqlNumber(sale.total * 1.21)) << ", '" << spliced("CAJA1") << "', '"
+           << spliced("0001") << "')";
     run(ticket);
     int order = 0;
     for (const Line& line : sale.lines) {
@@ -159,28 +160,29 @@ class SaleBySplicing {
       Statement detail(
           "INSERT INTO Ventas_Lineas (Documento, Linea, Codigo, Descripcion, Cantidad, Precio, "
           "Importe, Impuesto, Almacen) VALUES (");
-      detail << value(number) << ", " << value(std::to_string(++order)) << ", '"
-             << value(line.article) << "', '" << value(line.description) << "', " << value(quantity)
-             << ", " << value(sqlNumber(line.price)) << ", " << value(sqlNumber(line.amount))
-             << ", " << value(sqlNumber(21)) << ", '" << value("00") << "')";
+      detail << spliced(number) << ", " << spliced(std::to_string(++order)) << ", '"
+             << spliced(line.article) << "', '" << spliced(line.description) << "', "
+             << spliced(quantity) << ", " << spliced(sqlNumber(line.price)) << ", "
+             << spliced(sqlNumber(line.amount)) << ", " << spliced(sqlNumber(21)) << ", '"
+             << spliced("00") << "')";
       run(detail);
       Statement stock("UPDATE  Existencias SET Existencia = Existencia + ");
-      stock << value(sqlNumber(-line.quantity)) << " WHERE(Codigo ='" << value(line.article)
+      stock << spliced(sqlNumber(-line.quantity)) << " WHERE(Codigo ='" << spliced(line.article)
             << "' and Actualizar_Stock <> 0)";
       run(stock);
       Statement movement(
           "INSERT INTO Movimientos (Id, Fecha, Hora, Almacen, Codigo, Cantidad, Precio, "
           "Movimiento, Documento) VALUES (");
-      movement << value(std::to_string(++movements_)) << ", "
-               << value(DataSession().DateLiteral(1, Variant(sale.date))) << ", "
-               << value(DataSession().TimeLiteral(1, Variant(kTime))) << ", '" << value("00")
-               << "', '" << value(line.article) << "', " << value(quantity) << ", "
-               << value(sqlNumber(line.price)) << ", " << value("1") << ", " << value(number)
+      movement << spliced(std::to_string(++movements_)) << ", "
+               << spliced(DataSession().DateLiteral(1, Variant(sale.date))) << ", "
+               << spliced(DataSession().TimeLiteral(1, Variant(kTime))) << ", '" << spliced("00")
+               << "', '" << spliced(line.article) << "', " << spliced(quantity) << ", "
+               << spliced(sqlNumber(line.price)) << ", " << spliced("1") << ", " << spliced(number)
                << ")";
       run(movement);
     }
     Statement counter("UPDATE Contadores SET Ticket_a = ");
-    counter << value(number) << " WHERE Codigo = '" << value("1") << "'";
+    counter << spliced(number) << " WHERE Codigo = '" << spliced("1") << "'";
     run(counter);
     connection_->CommitTrans();
   }

@@ -64,10 +64,10 @@ Statement splice(const Movement& m, const Printed& p) {
   Statement s(
       "INSERT INTO Apuntes (Id, Codigo, Descripcion, Fecha, Cantidad, Precio, Importe, Activo, "
       "Almacen, Unidades) VALUES (");
-  s << value(p.id) << ", '" << value(m.code) << "', '" << value(m.description) << "', "
-    << value(p.date) << ", " << value(p.quantity) << ", " << value(p.price) << ", "
-    << value(p.amount) << ", " << value(p.active) << ", '" << value(m.store) << "', "
-    << value(p.units) << ")";
+  s << spliced(p.id) << ", '" << spliced(m.code) << "', '" << spliced(m.description) << "', "
+    << spliced(p.date) << ", " << spliced(p.quantity) << ", " << spliced(p.price) << ", "
+    << spliced(p.amount) << ", " << spliced(p.active) << ", '" << spliced(m.store) << "', "
+    << spliced(p.units) << ")";
   return s;
 }
 

@@ -38,7 +38,7 @@ double takeNumber(std::string_view family, Use use) {
 
 void sell(double number, const ConnectionPtr& connection) {
   tavelor::Statement statement("INSERT INTO Ventas (Numero) VALUES (");
-  statement << tavelor::value(std::to_string(static_cast<long>(number))) << ")";
+  statement << tavelor::spliced(std::to_string(static_cast<long>(number))) << ")";
   connection->Execute(statement);
 }
 

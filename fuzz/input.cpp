@@ -19,7 +19,7 @@ Statement statementOf(std::string_view bytes) {
     if (begin == std::string_view::npos) break;
     bytes.remove_prefix(begin + 1);
     const std::size_t end = bytes.find(kValueEnd);
-    statement << value(bytes.substr(0, end));
+    statement << spliced(bytes.substr(0, end));
     if (end == std::string_view::npos) break;
     bytes.remove_prefix(end + 1);
   }
@@ -56,7 +56,7 @@ Statement withOtherValues(const Statement& statement, const Shape& shape) {
     const std::string_view text(kept, piece.size);
     kept += piece.size;
     if (piece.kind == Statement::Piece::Kind::kValue) {
-      other << value(otherValue(shape.slots[slot++], text));
+      other << spliced(otherValue(shape.slots[slot++], text));
     } else {
       other << Statement::trusted(text);
     }

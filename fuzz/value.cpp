@@ -38,7 +38,7 @@ const std::array kPlaces{
 
 Statement filled(const Place& place, std::string_view with) {
   Statement statement(place.before);
-  statement << value(with) << place.behind;
+  statement << spliced(with) << place.behind;
   return statement;
 }
 

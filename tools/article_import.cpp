@@ -107,17 +107,17 @@ void ArticleImport::rewrite(const Record& record, Recordset& stored,
                             std::span<const std::size_t> /*differing*/) {
   const auto text = [&](ArticleField field) {
     std::string old;
-    tavelor::take(stored, kFields[at(field)].name, old);
+    tavelor::takeColumn(stored, kFields[at(field)].name, old);
     return doubledQuotes(record.text(at(field), old));
   };
   const auto number = [&](ArticleField field) {
     double old = 0;
-    tavelor::take(stored, kFields[at(field)].name, old);
+    tavelor::takeColumn(stored, kFields[at(field)].name, old);
     return record.number(at(field), old);
   };
   const auto flag = [&](ArticleField field) {
     bool old = false;
-    tavelor::take(stored, kFields[at(field)].name, old);
+    tavelor::takeColumn(stored, kFields[at(field)].name, old);
     return record.flag(at(field), old);
   };
   update({.vId = doubledQuotes(record.key),

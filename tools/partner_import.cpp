@@ -131,9 +131,9 @@ void PartnerImport::update(const Record& record, std::span<const std::size_t> fi
               << table().fields[field].name << " = ";
     const std::string text = literalOf(record, field);
     if (table().fields[field].kind == FieldKind::kFlag) {
-      statement << value(text);
+      statement << spliced(text);
     } else {
-      statement << "'" << value(text) << "'";
+      statement << "'" << spliced(text) << "'";
     }
   }
   statement << " WHERE Codigo = " << sqlText(record.key);
@@ -145,7 +145,7 @@ void PartnerImport::taken(const Record& record, Recordset* before) {
   const std::string number(record.text(kind_.number));
   if (before != nullptr) {
     std::string old;
-    tavelor::take(*before, "NIF", old);
+    tavelor::takeColumn(*before, "NIF", old);
     const auto owner = ownerOf_.find(shop::fiscalEntry(old).text);
     const bool wasIts = owner != ownerOf_.end() && owner->second == record.key;
     if (wasIts && owner->first != number) ownerOf_.erase(owner);

@@ -66,7 +66,7 @@ RecordsetPtr select(const Statement& statement) {
 
 RecordsetPtr rowsOf(std::string_view year) {
   Statement statement("SELECT * FROM Numeradores WHERE Periodo = '");
-  statement << value(year) << "'";
+  statement << spliced(year) << "'";
   return select(statement);
 }
 

@@ -221,22 +221,22 @@ bool RowImport::differs(const Record& record, std::size_t field, Recordset& rows
     case FieldKind::kText:
     case FieldKind::kWord: {
       std::string old;
-      tavelor::take(rows, column, old);
+      tavelor::takeColumn(rows, column, old);
       return record.text(field) != old;
     }
     case FieldKind::kFlag: {
       bool old = false;
-      tavelor::take(rows, column, old);
+      tavelor::takeColumn(rows, column, old);
       return record.flag(field) != old;
     }
     case FieldKind::kDay: {
       double old = 0;
-      tavelor::take(rows, column, old);
+      tavelor::takeColumn(rows, column, old);
       return record.day(field).value_or(Date()).days() != old;
     }
     default: {
       double old = 0;
-      tavelor::take(rows, column, old);
+      tavelor::takeColumn(rows, column, old);
       return record.number(field) != old;
     }
   }

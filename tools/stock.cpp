@@ -102,7 +102,7 @@ class StockReader {
   /// `before`, the article's code between quotes, `after`.
   RecordsetPtr select(Statement::Constant before, Statement::Constant after = "'") {
     Statement statement(before);
-    statement << value(code_) << after;
+    statement << spliced(code_) << after;
     RecordsetPtr rows;
     DataSession().OpenRecordset(selector::kMain, statement, rows, connection_);
     return rows;
@@ -117,23 +117,23 @@ class StockReader {
         "Articulos WHERE Codigo = '");
     if (rows->RecordCount() == 0) return;
     stock.article = Article{text(*rows, "Descripcion"),
-                            number(rows->Field("Existencia").Value()),
-                            number(rows->Field("Pendiente").Value()),
-                            flag(rows->Field("Actualizar_Stock").Value()),
-                            flag(rows->Field("Restar_Stock").Value()),
-                            flag(rows->Field("Lotes").Value())};
+                            asNumber(rows->Field("Existencia").Value()),
+                            asNumber(rows->Field("Pendiente").Value()),
+                            asFlag(rows->Field("Actualizar_Stock").Value()),
+                            asFlag(rows->Field("Restar_Stock").Value()),
+                            asFlag(rows->Field("Lotes").Value())};
   }
 
   void readWarehouses(Stock& stock) {
     const RecordsetPtr rows =
         select("SELECT Almacen, Cantidad, Pendiente FROM Articulos_Almacenes WHERE Codigo = '");
     if (rows->RecordCount() == 0) return;
-    stock.inWarehouses = number(ClsArticulosAlmacenes().GetStockActual(code_, connection_));
+    stock.inWarehouses = asNumber(ClsArticulosAlmacenes().GetStockActual(code_, connection_));
     stock.onOrderInWarehouses = 0;
     for (; !rows->Eof(); rows->MoveNext()) {
       Warehouse& warehouse = stock.warehouses[text(*rows, "Almacen")];
-      const double onOrder = number(rows->Field("Pendiente").Value());
-      warehouse.stock = warehouse.stock.value_or(0) + number(rows->Field("Cantidad").Value());
+      const double onOrder = asNumber(rows->Field("Pendiente").Value());
+      warehouse.stock = warehouse.stock.value_or(0) + asNumber(rows->Field("Cantidad").Value());
       warehouse.onOrder += onOrder;
       *stock.onOrderInWarehouses += onOrder;
     }
@@ -144,11 +144,11 @@ class StockReader {
         "SELECT Lote, Existencia, Activo, Stock, Caduca FROM Articulos_Lotes WHERE Codigo = '",
         "' ORDER BY Id");
     if (rows->RecordCount() == 0) return;
-    stock.inLots = number(ClsArticulosLotes().GetStockActualLotes(code_, connection_));
+    stock.inLots = asNumber(ClsArticulosLotes().GetStockActualLotes(code_, connection_));
     for (; !rows->Eof(); rows->MoveNext()) {
-      stock.lots.push_back({text(*rows, "Lote"), number(rows->Field("Existencia").Value()),
-                            flag(rows->Field("Activo").Value()), flag(rows->Field("Stock").Value()),
-                            text(*rows, "Caduca")});
+      stock.lots.push_back({text(*rows, "Lote"), asNumber(rows->Field("Existencia").Value()),
+                            asFlag(rows->Field("Activo").Value()),
+                            asFlag(rows->Field("Stock").Value()), text(*rows, "Caduca")});
     }
   }
 
@@ -161,8 +161,8 @@ class StockReader {
     stock.inLedger = ClsArticulosMovAlmacen().GetTotalMaovArt(code_, connection_);
     for (; !rows->Eof(); rows->MoveNext()) {
       Warehouse& warehouse = stock.warehouses[text(*rows, "Almacen")];
-      const double sum = number(rows->Field("Suma").Value());
-      const double kind = number(rows->Field("Movimiento").Value());
+      const double sum = asNumber(rows->Field("Suma").Value());
+      const double kind = asNumber(rows->Field("Movimiento").Value());
       warehouse.ledger = warehouse.ledger.value_or(0) + (kind == 0 ? sum : kind == 1 ? -sum : 0);
     }
   }

@@ -177,8 +177,8 @@ clsArticulos::clsArticulos() : OpensByWordOnConnection(kInfo) {}
 // The form of the articles opens as its user left it: stocked ones only, usable ones only.
 Statement clsArticulos::modeStatement(std::string& word, const Variant& id) const {
   if (word != kFormMode) return RecordClass::modeStatement(word, id);
-  const double stock = number(GetValorClsReg(info().word, "stock", "0"));
-  const double activos = number(GetValorClsReg(info().word, "activos", "0"));
+  const double stock = asNumber(GetValorClsReg(info().word, "stock", "0"));
+  const double activos = asNumber(GetValorClsReg(info().word, "activos", "0"));
   Statement statement(kTodos);
   if (stock == 1 && activos == 0) {
     statement << " WHERE Actualizar_Stock <> 0";
@@ -234,18 +234,18 @@ std::string clsArticulos::NuevoCodigo_Fam(std::string_view sFam, ObjCn objCn) co
       " FROM "
       "Articulos"
       " WHERE (((Familia)='");
-  statement << value(sFam) << "'));";
+  statement << spliced(sFam) << "'));";
   const Variant greatest = read(statement, *objCn)->Field("Nuevo_Codigo").Value();
   if (greatest.isNull()) return firstOfFamily(sFam, digits);
 
   std::string code = joined(greatest);
   if (isNumeric(greatest, locale())) {
     const bool full = digits > 0 && text::length(code) > static_cast<std::size_t>(digits);
-    return full ? code : joined(Variant(number(greatest) + 1));
+    return full ? code : joined(Variant(asNumber(greatest) + 1));
   }
   const Variant counter(text::mid(code, kFamilyWidth));
   if (!isNumeric(counter, locale())) return code;
-  std::string next = joined(Variant(number(counter) + 1));
+  std::string next = joined(Variant(asNumber(counter) + 1));
   if (text::length(next) < kFamilyWidth) next = text::padLeft(next, kFamilyWidth, '0');
   return std::string(sFam) + next;
 }
@@ -274,13 +274,13 @@ bool clsArticulos::ExisteArtEnLista(const Variant& vId, std::string_view sLista,
       "SELECT Codigo FROM "
       "Articulos"
       " Where codigo ='");
-  statement << value(joined(vId)) << "' and Lista ='" << value(sLista) << "' or Lista ='TDS'";
+  statement << spliced(joined(vId)) << "' and Lista ='" << spliced(sLista) << "' or Lista ='TDS'";
   return anyRow(statement, *objCn);
 }
 
 bool clsArticulos::CodigoRefLibre(const Variant& vId, const Variant& vIdCodigo, ObjCn objCn) const {
   Statement statement("SELECT Referencia FROM Articulos where (Referencia ='");
-  statement << value(joined(vId)) << "' and Codigo <>'" << value(joined(vIdCodigo)) << "')";
+  statement << spliced(joined(vId)) << "' and Codigo <>'" << spliced(joined(vIdCodigo)) << "')";
   return !anyRow(statement, *objCn);
 }
 
@@ -328,9 +328,9 @@ void clsArticulos::setDefaults(bool bDefVal) {
 bool clsArticulos::flagOf(Statement::Constant select, std::string_view field, const Variant& vId,
                           ObjCn objCn) const {
   Statement statement(select);
-  statement << value(joined(vId)) << "'";
+  statement << spliced(joined(vId)) << "'";
   const RecordsetPtr rows = read(statement, *objCn);
-  return rows->RecordCount() > 0 && flag(rows->Field(field).Value());
+  return rows->RecordCount() > 0 && asFlag(rows->Field(field).Value());
 }
 
 bool clsArticulos::EsPaquete(const Variant& vId, ObjCn objCn) const {
@@ -377,7 +377,7 @@ Variant clsArticulos::columnOf(Statement::Constant columnText, std::string_view 
                                const Variant& vId, ObjCn objCn) const {
   Statement statement("SELECT");
   statement << columnText << " FROM Articulos"
-            << " WHERE Codigo = '" << value(joined(vId)) << "'";
+            << " WHERE Codigo = '" << spliced(joined(vId)) << "'";
   const RecordsetPtr rows = read(statement, *objCn);
   return rows->RecordCount() == 0 ? Variant() : rows->Field(field).Value();
 }
@@ -404,7 +404,7 @@ double clsArticulos::GetMediaUnitaria(const Variant& vId, ObjCn objCn) const {
 }
 
 double clsArticulos::GetValorInterno(const Variant& vId, ObjCn objCn) const {
-  return number(columnOf(" Valor_interno", "Valor_interno", vId, *objCn));
+  return asNumber(columnOf(" Valor_interno", "Valor_interno", vId, *objCn));
 }
 
 Variant clsArticulos::GetImpuesto(const Variant& vId, ObjCn objCn) const {

@@ -41,15 +41,15 @@ constexpr ClassInfo kInfo = {
 
 Statement ofPair(const std::string& article, const std::string& warehouse) {
   Statement condition(" WHERE(Codigo ='");
-  condition << value(article) << "' and Almacen ='" << value(warehouse) << "' )";
+  condition << spliced(article) << "' and Almacen ='" << spliced(warehouse) << "' )";
   return condition;
 }
 
 Statement additions(double dCant, double dPend, const std::string& article,
                     const std::string& warehouse) {
   Statement statement("UPDATE  Articulos_Almacenes SET Cantidad = Cantidad + ");
-  statement << value(stock::bare(dCant)) << ", Pendiente = Pendiente + "
-            << value(stock::bare(dPend)) << ofPair(article, warehouse);
+  statement << spliced(stock::bare(dCant)) << ", Pendiente = Pendiente + "
+            << spliced(stock::bare(dPend)) << ofPair(article, warehouse);
   return statement;
 }
 
@@ -80,7 +80,7 @@ bool ClsArticulosAlmacenes::ComprobarAlmcen(const Variant& vIdReg) const {
 double ClsArticulosAlmacenes::SumaEstock() const {
   double sum = 0;
   for (const RecordsetPtr rows = primary().Clone(); !rows->Eof(); rows->MoveNext()) {
-    sum += number(rows->Field("Cantidad").Value());
+    sum += asNumber(rows->Field("Cantidad").Value());
   }
   return sum;
 }
@@ -106,7 +106,7 @@ void ClsArticulosAlmacenes::ActualizarStock_Alm(const Variant& vId, const Varian
                                                 const Variant& vCant, ObjCn cnnActive) const {
   if (!stock::isKept(clsArticulos(), vId, *cnnActive)) return;
   Statement statement("UPDATE  Articulos_Almacenes SET Cantidad =  ");
-  statement << value(stock::bare(vCant)) << ofPair(joined(vId), joined(vIdAlm));
+  statement << spliced(stock::bare(vCant)) << ofPair(joined(vId), joined(vIdAlm));
   write(statement, *cnnActive);
 }
 
@@ -153,9 +153,9 @@ void ClsArticulosAlmacenes::insert(const Variant& vId, const Variant& vIdAlm, do
   Statement statement(
       "INSERT INTO Articulos_Almacenes ( Id, Codigo, Almacen, Cantidad, Pendiente )"
       " SELECT ");
-  statement << value(joined(NuevoCodigo(cnnActive))) << " AS Expr1, '" << value(joined(vId))
-            << "' AS Expr2, '" << value(joined(vIdAlm)) << "' AS Expr3, "
-            << value(stock::bare(dCant)) << " AS Expr4, " << value(stock::bare(dPend))
+  statement << spliced(joined(NuevoCodigo(cnnActive))) << " AS Expr1, '" << spliced(joined(vId))
+            << "' AS Expr2, '" << spliced(joined(vIdAlm)) << "' AS Expr3, "
+            << spliced(stock::bare(dCant)) << " AS Expr4, " << spliced(stock::bare(dPend))
             << " AS Expr5";
   write(statement, cnnActive);
 }
@@ -171,7 +171,7 @@ void ClsArticulosAlmacenes::DescargarStock_V(const Variant& vId, const Variant& 
     return;
   }
   Statement statement("UPDATE  Articulos_Almacenes SET Cantidad = Cantidad + ");
-  statement << value(stock::bare(dCant)) << ofPair(joined(vId), joined(vIdAlm));
+  statement << spliced(stock::bare(dCant)) << ofPair(joined(vId), joined(vIdAlm));
   write(statement, *cnnActive);
 }
 
@@ -187,7 +187,7 @@ bool ClsArticulosAlmacenes::EstaEnElAlmacen(const Variant& vId, const Variant& v
   Statement statement(
       "SELECT Id, Codigo AS Código, Almacen as Almacén, Cantidad FROM Articulos_Almacenes"
       "  Where ( Codigo =  '");
-  statement << value(joined(vId)) << "' and Almacen =  '" << value(joined(vIdAlm)) << "')";
+  statement << spliced(joined(vId)) << "' and Almacen =  '" << spliced(joined(vIdAlm)) << "')";
   return anyRow(statement, *objCn);
 }
 
@@ -202,7 +202,7 @@ std::vector<Variant> ClsArticulosAlmacenes::ObtenerColAlmaActivos(const Variant&
 Variant ClsArticulosAlmacenes::GetStockActualDif(const Variant& vIdAlmacen, const Variant& vId,
                                                  ObjCn objCn) const {
   Statement statement("SELECT sum(Cantidad) AS Stock FROM Articulos_Almacenes WHERE(Almacen <>  '");
-  statement << value(joined(vIdAlmacen)) << "' and Codigo =  '" << value(joined(vId)) << "')";
+  statement << spliced(joined(vIdAlmacen)) << "' and Codigo =  '" << spliced(joined(vId)) << "')";
   return lookUp(statement, "Stock", *objCn);
 }
 
@@ -217,7 +217,7 @@ bool ClsArticulosAlmacenes::CodigoLibre(const Variant& vId, const Variant& vIdSe
   Statement statement(
       "SELECT Almacen, Codigo FROM Articulos_Almacenes "
       " where (Almacen ='");
-  statement << value(joined(vId)) << "' and Codigo='" << value(joined(vIdSec)) << "')";
+  statement << spliced(joined(vId)) << "' and Codigo='" << spliced(joined(vIdSec)) << "')";
   return !anyRow(statement, *objCn);
 }
 

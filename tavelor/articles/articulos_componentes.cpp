@@ -44,7 +44,7 @@ CollectionRegistrosPtr ClsArticulosComponentes::GetCollectionRegs(const Variant&
   if (rows.Bof() || rows.Eof()) return requests;
   const std::int32_t none = 0;
   for (rows.MoveFirst(); !rows.Eof(); rows.MoveNext()) {
-    const float quantity = single(number(rows.Field("Cantidad").Value()) * dCant);
+    const float quantity = asSingle(asNumber(rows.Field("Cantidad").Value()) * dCant);
     requests->Add({}, rows.Field("Artículo").Value(), quantity, none, none, vIdAlm, none);
   }
   rows.MoveFirst();

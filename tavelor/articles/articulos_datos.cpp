@@ -58,29 +58,29 @@ Statement lineOf(const Datos& datos, Statement::Constant codeColumn, std::string
                " Interno, Valor_Interno as Valor, Empleado, Merma"
                " FROM Articulos";
   if (datos.index == 0) {
-    statement << " Where (" << codeColumn << " = '" << value(code) << "'";
+    statement << " Where (" << codeColumn << " = '" << spliced(code) << "'";
   } else {
-    statement << " Where (Descripcion = '" << value(datos.sDescripcion) << "'";
+    statement << " Where (Descripcion = '" << spliced(datos.sDescripcion) << "'";
   }
   return statement;
 }
 
 // All outputs of a line but its code.
 void takeLine(Recordset& rows, Datos& datos) {
-  take(rows, "Descripción", datos.sDescripcion);
-  take(rows, "Sección", datos.sSeccion);
-  take(rows, "Familia", datos.sFamilia);
-  take(rows, "Precio", datos.dPrecio);
-  take(rows, "Impuesto", datos.sImpuesto);
-  take(rows, "Existencia", datos.dExistencia);
-  datos.bDto = flag(rows.Field("Descuento").Value());
-  datos.bLotes = flag(rows.Field("Lotes").Value());
-  datos.bInterno = flag(rows.Field("Interno").Value());
-  if (datos.mbIsProvider) take(rows, "Promedio", datos.dPrecio);
+  takeColumn(rows, "Descripción", datos.sDescripcion);
+  takeColumn(rows, "Sección", datos.sSeccion);
+  takeColumn(rows, "Familia", datos.sFamilia);
+  takeColumn(rows, "Precio", datos.dPrecio);
+  takeColumn(rows, "Impuesto", datos.sImpuesto);
+  takeColumn(rows, "Existencia", datos.dExistencia);
+  datos.bDto = asFlag(rows.Field("Descuento").Value());
+  datos.bLotes = asFlag(rows.Field("Lotes").Value());
+  datos.bInterno = asFlag(rows.Field("Interno").Value());
+  if (datos.mbIsProvider) takeColumn(rows, "Promedio", datos.dPrecio);
   datos.dPuntos = 1;
-  take(rows, "Valor", datos.dPuntos);
-  take(rows, "Empleado", datos.sEmpleado);
-  take(rows, "Merma", datos.dMerma);
+  takeColumn(rows, "Valor", datos.dPuntos);
+  takeColumn(rows, "Empleado", datos.sEmpleado);
+  takeColumn(rows, "Merma", datos.dMerma);
 }
 
 void takeCode(Recordset& rows, Variant& vId) {
@@ -140,14 +140,14 @@ void clsArticulos::GetDatos(Datos& datos) const {
     // No blank before the second "and": the dialect ends a number at the letter.
     statement << " and Articulo_Compuesto = 0 And Actualizar_Stock <> 0and Activo <> 0 )";
   } else {
-    statement << " and Activo <> 0 and (Lista = '" << value(listOrUsual(datos.sLista))
+    statement << " and Activo <> 0 and (Lista = '" << spliced(listOrUsual(datos.sLista))
               << "' or Actualizar_Stock <> 0))";
   }
   const RecordsetPtr rows = read(statement, *datos.objCn);
   if (rows->RecordCount() == 0) return findByReference(*this, datos);
   takeCode(*rows, datos.vId);
   takeLine(*rows, datos);
-  if (datos.mbIsAlbAlmacen) take(*rows, "Coste", datos.dPrecio);
+  if (datos.mbIsAlbAlmacen) takeColumn(*rows, "Coste", datos.dPrecio);
 }
 
 void clsArticulos::GetDatoslote(Datos& datos) const {
@@ -164,7 +164,7 @@ void clsArticulos::GetDatosReferencia(Datos& datos) const {
   if (datos.mbIsProvider) {
     statement << " and Articulo_Compuesto = 0 And Actualizar_Stock <> 0";
   } else {
-    statement << " and Lista = '" << value(listOrUsual(datos.sLista)) << "' ";
+    statement << " and Lista = '" << spliced(listOrUsual(datos.sLista)) << "' ";
   }
   statement << " and Activo <> 0 )";
   const RecordsetPtr rows = read(statement, *datos.objCn);
@@ -196,21 +196,21 @@ void clsArticulos::GetDatosImport(DatosImport& datos) const {
              *datos.objCn);
   if (rows->RecordCount() == 0) return;
   takeCode(*rows, datos.vId);
-  take(*rows, "Descripcion", datos.sDescripcion);
-  take(*rows, "Sección", datos.sSeccion);
-  take(*rows, "Familia", datos.sFamilia);
-  take(*rows, "Precio_A", datos.dPrecio_A);
-  take(*rows, "Precio_B", datos.dPrecio_B);
-  take(*rows, "Precio_C", datos.dPrecio_C);
-  take(*rows, "Descuento", datos.bDto);
-  take(*rows, "Impuesto", datos.sImpuesto);
-  take(*rows, "Existencia", datos.dExistencia);
-  take(*rows, "Lotes", datos.bLotes);
-  take(*rows, "Interno", datos.bInterno);
-  take(*rows, "Control", datos.bStock);
-  take(*rows, "Activo", datos.bActivo);
-  take(*rows, "Lista", datos.sLista);
-  take(*rows, "Descuento_D", datos.dDto_D);
+  takeColumn(*rows, "Descripcion", datos.sDescripcion);
+  takeColumn(*rows, "Sección", datos.sSeccion);
+  takeColumn(*rows, "Familia", datos.sFamilia);
+  takeColumn(*rows, "Precio_A", datos.dPrecio_A);
+  takeColumn(*rows, "Precio_B", datos.dPrecio_B);
+  takeColumn(*rows, "Precio_C", datos.dPrecio_C);
+  takeColumn(*rows, "Descuento", datos.bDto);
+  takeColumn(*rows, "Impuesto", datos.sImpuesto);
+  takeColumn(*rows, "Existencia", datos.dExistencia);
+  takeColumn(*rows, "Lotes", datos.bLotes);
+  takeColumn(*rows, "Interno", datos.bInterno);
+  takeColumn(*rows, "Control", datos.bStock);
+  takeColumn(*rows, "Activo", datos.bActivo);
+  takeColumn(*rows, "Lista", datos.sLista);
+  takeColumn(*rows, "Descuento_D", datos.dDto_D);
 }
 
 void clsArticulos::ObtenerRegistroActivo(InOut<Variant> vId, InOut<std::string> sDescripcion,
@@ -219,8 +219,8 @@ void clsArticulos::ObtenerRegistroActivo(InOut<Variant> vId, InOut<std::string> 
   Recordset& rows = primary();
   takeCode(rows, *vId);
   sDescripcion = joined(rows.Field("Descripción").Value());
-  take(rows, "Tarifa_A", *dPrecio);
-  take(rows, "Impuesto", *sImpuesto);
+  takeColumn(rows, "Tarifa_A", *dPrecio);
+  takeColumn(rows, "Impuesto", *sImpuesto);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -230,7 +230,7 @@ void clsArticulos::ObtenerRegistroActivo(InOut<Variant> vId, InOut<std::string> 
 // and read by the locale.
 void clsArticulos::Insertar(const Alta& alta) const {
   const std::string code = joined(alta.vId);
-  const Statement::Value description = value(alta.sDescripcion);
+  const Statement::Value description = spliced(alta.sDescripcion);
   Statement statement(
       "INSERT INTO Articulos ( "
       "Codigo, Lista, Referencia, Descripcion,"
@@ -241,18 +241,18 @@ void clsArticulos::Insertar(const Alta& alta) const {
       " Valor_Interno, Empleado, Merma, Fecha"
       " )"
       " values ( '");
-  statement << value(code) << "', '" << value(listOrUsual(alta.sLista)) << "', '" << value(code)
-            << "', '" << description;
+  statement << spliced(code) << "', '" << spliced(listOrUsual(alta.sLista)) << "', '"
+            << spliced(code) << "', '" << description;
   for (int language = 1; language <= 6; ++language) statement << "', '" << description;
-  statement << "', '" << value(alta.sSeccion) << "', '" << value(alta.sFamilia) << "', "
-            << value(sqlNumber(alta.dPrecio)) << ", " << value(sqlNumber(alta.dPrecio_B)) << ", "
-            << value(sqlNumber(alta.dPrecio_C)) << ", '" << value(alta.sImpuesto)
-            << "', '0', '0', '-1', '" << value(joined(alta.dDto_D)) << "', "
-            << value(sqlNumber(alta.dExistencia)) << ", 'Und', '1', '100', '0', '"
-            << value(flagNumber(alta.bActivo)) << "', 'Und', '1', '"
-            << value(wholeNumber(alta.bStock)) << "', '" << value(wholeNumber(alta.bLotes))
+  statement << "', '" << spliced(alta.sSeccion) << "', '" << spliced(alta.sFamilia) << "', "
+            << spliced(sqlNumber(alta.dPrecio)) << ", " << spliced(sqlNumber(alta.dPrecio_B))
+            << ", " << spliced(sqlNumber(alta.dPrecio_C)) << ", '" << spliced(alta.sImpuesto)
+            << "', '0', '0', '-1', '" << spliced(joined(alta.dDto_D)) << "', "
+            << spliced(sqlNumber(alta.dExistencia)) << ", 'Und', '1', '100', '0', '"
+            << spliced(flagNumber(alta.bActivo)) << "', 'Und', '1', '"
+            << spliced(wholeNumber(alta.bStock)) << "', '" << spliced(wholeNumber(alta.bLotes))
             << "', '0', '0', '0', '0', '0', "
-            << value(
+            << spliced(
                    DataSession().DateLiteral(info().selector, Apartment::current().clock().today()))
             << " )";
   write(statement, *alta.objCn);
@@ -265,40 +265,40 @@ void clsArticulos::Actualizar(const Cambio& cambio) const {
   Statement statement(
       "UPDATE  Articulos SET "
       " Referencia = '");
-  statement << value(code)
+  statement << spliced(code)
             << "',"
                " Descripcion = '"
-            << value(cambio.sDescripcion)
+            << spliced(cambio.sDescripcion)
             << "',"
                " Seccion = '"
-            << value(cambio.sSeccion)
+            << spliced(cambio.sSeccion)
             << "',"
                " Familia = '"
-            << value(cambio.sFamilia)
+            << spliced(cambio.sFamilia)
             << "',"
                " Tarifa_A = "
-            << value(sqlNumber(cambio.dPrecio))
+            << spliced(sqlNumber(cambio.dPrecio))
             << ","
                " Tarifa_B = "
-            << value(sqlNumber(cambio.dPrecio_B))
+            << spliced(sqlNumber(cambio.dPrecio_B))
             << ","
                " Tarifa_C = "
-            << value(sqlNumber(cambio.dPrecio_C))
+            << spliced(sqlNumber(cambio.dPrecio_C))
             << ","
                " Lista = '"
-            << value(listOrUsual(cambio.sLista))
+            << spliced(listOrUsual(cambio.sLista))
             << "',"
                " Descuento =  "
-            << value(flagNumber(cambio.bDto))
+            << spliced(flagNumber(cambio.bDto))
             << ","
                " Descuento_D = "
-            << value(joined(cambio.bDto_D))
+            << spliced(joined(cambio.bDto_D))
             << ","
                " Activo = '"
-            << value(flagNumber(cambio.bActivo))
+            << spliced(flagNumber(cambio.bActivo))
             << "' "
                " WHERE(Codigo ='"
-            << value(code) << "')";
+            << spliced(code) << "')";
   write(statement, *cambio.objCn);
 }
 
@@ -308,10 +308,10 @@ void clsArticulos::CambiarListarticulo(const Variant& vId, std::string_view sLis
       "UPDATE "
       "Articulos"
       " SET Lista = '");
-  statement << value(sLista)
+  statement << spliced(sLista)
             << "' "
                " WHERE (Codigo = '"
-            << value(joined(vId)) << "')";
+            << spliced(joined(vId)) << "')";
   write(statement, *cnnActive);
 }
 
@@ -320,10 +320,10 @@ void clsArticulos::CambiarEstadoarticulo(const Variant& vId, double bModo, ObjCn
       "UPDATE "
       "Articulos"
       " SET Activo = ");
-  statement << value(sqlNumber(bModo))
+  statement << spliced(sqlNumber(bModo))
             << " "
                " WHERE (Codigo = '"
-            << value(joined(vId)) << "')";
+            << spliced(joined(vId)) << "')";
   write(statement, *cnnActive);
 }
 
@@ -334,11 +334,11 @@ void clsArticulos::CambiarDescripcionarticulo(const Variant& vId, std::string_vi
       "UPDATE "
       "Articulos"
       " SET Descripcion = '");
-  statement << value(sDescrip) << "', Familia = '" << value(sFamilia) << "', Seccion = '"
-            << value(sSeccion)
+  statement << spliced(sDescrip) << "', Familia = '" << spliced(sFamilia) << "', Seccion = '"
+            << spliced(sSeccion)
             << "'  "
                " WHERE (Codigo = '"
-            << value(joined(vId)) << "')";
+            << spliced(joined(vId)) << "')";
   write(statement, *cnnActive);
 }
 

@@ -121,7 +121,7 @@ std::vector<Variant> clsArticulos::ObtenerArticulosVentaActivos(std::string_view
       " FROM "
       "Articulos"
       " WHERE ( activo <> 0 and Interno = 0 and Lista ='");
-  statement << value(sLista)
+  statement << spliced(sLista)
             << "' )"
                " Order by Codigo";
   return columnValues(*read(statement, *objCn), "Codigo");
@@ -161,10 +161,10 @@ double clsArticulos::ObtenerTarifaArticuloImport(const Variant& vId, std::string
   statement << " FROM "
                "Articulos"
                " WHERE ( Codigo = '"
-            << value(joined(vId)) << "')";
+            << spliced(joined(vId)) << "')";
   const RecordsetPtr rows = readOn(selector::kImport, statement, *objCn);
   double price = 0;
-  if (rows->RecordCount() > 0) take(*rows, "precio", price);
+  if (rows->RecordCount() > 0) takeColumn(*rows, "precio", price);
   return price;
 }
 

@@ -65,7 +65,7 @@ Statement withPair(Statement::Constant before, const std::string& first,
                    Statement::Constant between, const std::string& second,
                    Statement::Constant after) {
   Statement statement(before);
-  statement << value(first) << between << value(second) << after;
+  statement << spliced(first) << between << spliced(second) << after;
   return statement;
 }
 
@@ -75,7 +75,7 @@ Statement ofLot(const std::string& article, const std::string& lot) {
 
 Statement addition(double dCant) {
   Statement statement("UPDATE  Articulos_Lotes SET Existencia = Existencia + ");
-  statement << value(stock::bare(dCant));
+  statement << spliced(stock::bare(dCant));
   return statement;
 }
 
@@ -125,8 +125,8 @@ Statement ClsArticulosLotes::insertion(const Variant& vId, const Variant& vIdLot
   Statement statement(
       "INSERT INTO Articulos_Lotes ( Id, Codigo, Lote, Existencia, Activo )"
       " SELECT ");
-  statement << value(id) << " AS Expr1, '" << value(joined(vId)) << "' AS Expr2, '"
-            << value(joined(vIdLote)) << "' AS Expr3, " << value(stock::bare(dCant))
+  statement << spliced(id) << " AS Expr1, '" << spliced(joined(vId)) << "' AS Expr2, '"
+            << spliced(joined(vIdLote)) << "' AS Expr3, " << spliced(stock::bare(dCant))
             << " AS Expr4, " << active << " AS Expr5";
   return statement;
 }
@@ -173,7 +173,7 @@ void ClsArticulosLotes::sellKnown(const Variant& vId, const Variant& vIdLote, do
 void ClsArticulosLotes::ActualizarFecha(const Variant& vId, const Variant& vIdLote,
                                         const Variant& dtFecha, ObjCn cnnActive) const {
   Statement statement("UPDATE  Articulos_Lotes SET   Caduca = '");
-  statement << value(joined(dtFecha)) << "'" << ofLot(joined(vId), joined(vIdLote));
+  statement << spliced(joined(dtFecha)) << "'" << ofLot(joined(vId), joined(vIdLote));
   write(statement, *cnnActive);
 }
 

@@ -86,7 +86,7 @@ namespace {
 /// `document`, a number from outside, and its state.
 Statement ofDocument(const std::string& document, std::int16_t state, Statement::Constant end) {
   Statement condition(" WHERE(Doc_E = ");
-  condition << value(document) << " and Estado = " << value(std::to_string(state)) << end;
+  condition << spliced(document) << " and Estado = " << spliced(std::to_string(state)) << end;
   return condition;
 }
 
@@ -114,7 +114,7 @@ void ClsArticulosMovAlmacen::DeleteFecha(const Variant& dtInicio, ObjCn cnnActiv
   Statement statement(
       "DELETE  FROM Articulos_Movimientos_Almacen"
       " WHERE (((Articulos_Movimientos_Almacen.Fecha)<=");
-  statement << value(dateText(dtInicio)) << "));";
+  statement << spliced(dateText(dtInicio)) << "));";
   write(statement, *cnnActive);
 }
 
@@ -127,9 +127,9 @@ double ClsArticulosMovAlmacen::sumOfKind(const Variant& vId, Statement::Constant
   statement << " GROUP BY Articulos_Movimientos_Almacen.Codigo,"
                " Articulos_Movimientos_Almacen.Movimiento"
                " HAVING (((Articulos_Movimientos_Almacen.Codigo)='"
-            << value(joined(vId)) << "') AND ((Articulos_Movimientos_Almacen.Movimiento)=" << kind
+            << spliced(joined(vId)) << "') AND ((Articulos_Movimientos_Almacen.Movimiento)=" << kind
             << "));";
-  return number(lookUp(statement, "SumaDeCantidad", *objCn));
+  return asNumber(lookUp(statement, "SumaDeCantidad", *objCn));
 }
 
 double ClsArticulosMovAlmacen::GetEntradas_Art(const Variant& vId, ObjCn objCn) const {
@@ -151,15 +151,15 @@ double ClsArticulosMovAlmacen::sumSince(const Variant& vId, const Variant& dtIni
   Statement statement(kSum);
   statement << " WHERE ("
                " ((Articulos_Movimientos_Almacen.Codigo)='"
-            << value(joined(vId)) << "') ";
+            << spliced(joined(vId)) << "') ";
   if (sAlmacen != kAllWarehouses) {
-    statement << " AND ((Articulos_Movimientos_Almacen.Almacen)= '" << value(sAlmacen) << "') ";
+    statement << " AND ((Articulos_Movimientos_Almacen.Almacen)= '" << spliced(sAlmacen) << "') ";
   }
   statement << " AND ((Articulos_Movimientos_Almacen.Movimiento)=" << kind
             << ") "
                " AND ((Articulos_Movimientos_Almacen.Fecha) >= "
-            << value(dateText(dtInicio)) << "));";
-  return number(lookUp(statement, "SumaDeCantidad", *objCn));
+            << spliced(dateText(dtInicio)) << "));";
+  return asNumber(lookUp(statement, "SumaDeCantidad", *objCn));
 }
 
 double ClsArticulosMovAlmacen::GetEntradas_Art_Fecha(const Variant& vId, const Variant& dtInicio,
@@ -182,12 +182,12 @@ double ClsArticulosMovAlmacen::GetPrecioMedioCompra_Art_periodo(const Variant& v
       "SELECT DISTINCT Avg(Articulos_Movimientos_Almacen.Precio) AS PromedioDePrecio"
       " From Articulos_Movimientos_Almacen"
       " Where (((Articulos_Movimientos_Almacen.Codigo)='");
-  statement << value(joined(vId))
-            << "') And ((Articulos_Movimientos_Almacen.Fecha) >= " << value(dateText(dtInicio))
+  statement << spliced(joined(vId))
+            << "') And ((Articulos_Movimientos_Almacen.Fecha) >= " << spliced(dateText(dtInicio))
             << "))"
                " GROUP BY Articulos_Movimientos_Almacen.Movimiento"
                " HAVING (((Articulos_Movimientos_Almacen.Movimiento)=0));";
-  return number(lookUp(statement, "PromedioDePrecio", *objCn));
+  return asNumber(lookUp(statement, "PromedioDePrecio", *objCn));
 }
 
 void ClsArticulosMovAlmacen::Devaluar_Art_periodo(const Variant& vId, const Variant& dtInicio,
@@ -195,8 +195,8 @@ void ClsArticulosMovAlmacen::Devaluar_Art_periodo(const Variant& vId, const Vari
   Statement statement(
       "UPDATE Articulos_Movimientos_Almacen SET Articulos_Movimientos_Almacen.Precio = 0"
       " Where (((Articulos_Movimientos_Almacen.Fecha) >= ");
-  statement << value(dateText(dtInicio)) << ") AND ((Articulos_Movimientos_Almacen.Codigo)='"
-            << value(joined(vId)) << "'));";
+  statement << spliced(dateText(dtInicio)) << ") AND ((Articulos_Movimientos_Almacen.Codigo)='"
+            << spliced(joined(vId)) << "'));";
   write(statement, *objCn);
 }
 
@@ -207,7 +207,7 @@ std::int16_t ClsArticulosMovAlmacen::GetState(const Variant& vId, ObjCn objCn) c
   const RecordsetPtr rows = read(
       withId("SELECT  Estado FROM Articulos_Movimientos_Almacen WHERE Id = {id}", vId), *objCn);
   std::int16_t state = 0;
-  if (rows->RecordCount() > 0) take(*rows, "Estado", state);
+  if (rows->RecordCount() > 0) takeColumn(*rows, "Estado", state);
   return state;
 }
 
@@ -245,14 +245,14 @@ void ClsArticulosMovAlmacen::Insertar(const Movimiento& movimiento) const {
       " Referencia, Movimiento, Seccion,"
       " Empleado, Estado, Doc_E, Cod_ID)"
       " Values ( ");
-  statement << value(joined(m.vId)) << " , " << value(dateText(m.dtFecha)) << " , "
-            << value(dateText(m.hHora)) << " , '" << value(m.sAlmacen) << "' , '"
-            << value(m.sCodigo) << "' , '" << value(m.sLote) << "' , "
-            << value(stock::bare(m.dCantidad)) << " , " << value(stock::bare(m.dPrecio)) << " ,'"
-            << value(m.sReferencia) << "' , " << value(std::to_string(m.iMovimiento)) << " , '"
-            << value(m.sSeccion) << "' , '" << value(m.sEmpleado) << "' , "
-            << value(std::to_string(m.iEstado)) << " , " << value(stock::plain(m.dDoc_E)) << " ,'"
-            << value(m.sCod_ID) << "' )";
+  statement << spliced(joined(m.vId)) << " , " << spliced(dateText(m.dtFecha)) << " , "
+            << spliced(dateText(m.hHora)) << " , '" << spliced(m.sAlmacen) << "' , '"
+            << spliced(m.sCodigo) << "' , '" << spliced(m.sLote) << "' , "
+            << spliced(stock::bare(m.dCantidad)) << " , " << spliced(stock::bare(m.dPrecio))
+            << " ,'" << spliced(m.sReferencia) << "' , " << spliced(std::to_string(m.iMovimiento))
+            << " , '" << spliced(m.sSeccion) << "' , '" << spliced(m.sEmpleado) << "' , "
+            << spliced(std::to_string(m.iEstado)) << " , " << spliced(stock::plain(m.dDoc_E))
+            << " ,'" << spliced(m.sCod_ID) << "' )";
   write(statement, *m.objCn);
 }
 

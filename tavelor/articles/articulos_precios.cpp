@@ -49,7 +49,7 @@ constexpr ClassInfo kInfo = {
 Statement ofPair(Statement::Constant before, const std::string& first, Statement::Constant between,
                  const std::string& second, Statement::Constant after) {
   Statement statement(before);
-  statement << value(first) << between << value(second) << after;
+  statement << spliced(first) << between << spliced(second) << after;
   return statement;
 }
 
@@ -77,15 +77,15 @@ void ClsArticulosPrecios::ActualizarPrecio(const Variant& vId, const Variant& vI
   const std::string price = stock::plain(dPrecio);
   Statement statement;
   if (ExistePrecio(vId, vIdPro, *cnnActive)) {
-    statement << "UPDATE  Articulos_Precios_Compras SET Precio =  '" << value(price)
+    statement << "UPDATE  Articulos_Precios_Compras SET Precio =  '" << spliced(price)
               << ofPair("' WHERE(Codigo ='", joined(vId), "' and Proveedor ='", joined(vIdPro),
                         "' )");
   } else {
     statement << "INSERT INTO Articulos_Precios_Compras ( Id, Codigo, Proveedor, Precio ) SELECT "
-              << value(joined(NuevoCodigo(*cnnActive)))
+              << spliced(joined(NuevoCodigo(*cnnActive)))
               << ofPair(" AS Expr1, '", joined(vId), "' AS Expr2, '", joined(vIdPro),
                         "' AS Expr3, '")
-              << value(price) << "' AS Expr4";
+              << spliced(price) << "' AS Expr4";
   }
   write(statement, *cnnActive);
 }
@@ -115,7 +115,7 @@ double ClsArticulosPrecios::GetPrecioCompra(const Variant& vId, const Variant& v
       lookUp(ofPair("SELECT Precio FROM Articulos_Precios_Compras WHERE ( Codigo =  '", joined(vId),
                     "' and Proveedor =  '", joined(vIdProv), "')"),
              "Precio", *objCn);
-  return price.isEmpty() ? dPrecio : number(price);
+  return price.isEmpty() ? dPrecio : asNumber(price);
 }
 
 bool ClsArticulosPrecios::CodigoLibreTotal(const Variant& vIdSec, ObjCn objCn) const {

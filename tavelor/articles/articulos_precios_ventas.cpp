@@ -57,14 +57,14 @@ Date lastDayOfAll() {
 Statement ofPair(Statement::Constant before, const std::string& first, Statement::Constant between,
                  const std::string& second, Statement::Constant after) {
   Statement statement(before);
-  statement << value(first) << between << value(second) << after;
+  statement << spliced(first) << between << spliced(second) << after;
   return statement;
 }
 
 /// Takes the price of a row if it has one.
 bool takePrice(Recordset& rows, double& dPrecio) {
   double price = 0;
-  take(rows, "Precio", price);
+  takeColumn(rows, "Precio", price);
   if (price <= 0) return false;
   dPrecio = price;
   return true;
@@ -72,8 +72,8 @@ bool takePrice(Recordset& rows, double& dPrecio) {
 
 /// Takes the percentage of a row that grants one.
 bool takePercentage(Recordset& rows, float& dDto) {
-  if (!flag(rows.Field("dto").Value())) return false;
-  take(rows, "porcentaje", dDto);
+  if (!asFlag(rows.Field("dto").Value())) return false;
+  takeColumn(rows, "porcentaje", dDto);
   return true;
 }
 
@@ -110,7 +110,7 @@ std::vector<Variant> ClsArticulosPreciosVentas::ObtenerPreciosCliente(std::strin
   Statement statement(
       "SELECT id, Cliente, Codigo AS Código, descripcion as Artículo, Precio, Familia, Dto,"
       " Porcentaje, Fecha FROM Articulos_Precios_Ventas WHERE ( Cliente =  '");
-  statement << value(sId) << "' and Lista =  '" << value(sLista) << "') Order by Codigo";
+  statement << spliced(sId) << "' and Lista =  '" << spliced(sLista) << "') Order by Codigo";
   return columnValues(*read(statement, *objCn), "id");
 }
 
@@ -122,13 +122,13 @@ void ClsArticulosPreciosVentas::GetDatosImport(Datos& datos) const {
                   datos.vId),
            *datos.objCn);
   if (rows->RecordCount() == 0) return;
-  take(*rows, "Código", datos.sCodigo);
-  take(*rows, "Artículo", datos.sDescripcion);
-  take(*rows, "Familia", datos.sFamilia);
-  take(*rows, "precio", datos.dPrecio);
-  take(*rows, "dto", datos.bDto);
-  take(*rows, "Porcentaje", datos.dPorcentaje);
-  take(*rows, "Lista", datos.sLista);
+  takeColumn(*rows, "Código", datos.sCodigo);
+  takeColumn(*rows, "Artículo", datos.sDescripcion);
+  takeColumn(*rows, "Familia", datos.sFamilia);
+  takeColumn(*rows, "precio", datos.dPrecio);
+  takeColumn(*rows, "dto", datos.bDto);
+  takeColumn(*rows, "Porcentaje", datos.dPorcentaje);
+  takeColumn(*rows, "Lista", datos.sLista);
 }
 
 bool ClsArticulosPreciosVentas::GetPrecioVenta(const Variant& vId, const Variant& vIdCli,
@@ -197,8 +197,9 @@ void ClsArticulosPreciosVentas::ActualizarTarifas(std::string_view sCliente, dou
                                                   ObjCn cnnActive) const {
   const int decimals = Apartment::current().formatGlobal().CurrencyDecimals();
   Statement statement("UPDATE  Articulos_Precios_Ventas SET Precio =  ROUND(((Precio * ");
-  statement << value(stock::bare(dPorcent)) << ")/100)+ Precio," << value(std::to_string(decimals))
-            << ") WHERE (((Cliente) Like '" << value(sCliente) << "'));";
+  statement << spliced(stock::bare(dPorcent)) << ")/100)+ Precio,"
+            << spliced(std::to_string(decimals)) << ") WHERE (((Cliente) Like '"
+            << spliced(sCliente) << "'));";
   write(statement, *cnnActive);
 }
 
@@ -208,9 +209,9 @@ void ClsArticulosPreciosVentas::Insertar(const Variant& vCod, std::string_view s
   Statement statement(
       "INSERT INTO Articulos_Precios_Ventas (  ID, Codigo, Descripcion, Cliente, Precio, Lista,"
       " Familia ) values ( ");
-  statement << value(joined(NuevoCodigo(*objCn))) << ", '" << value(joined(vCod)) << "', '"
-            << value(sDescripcion) << "', '" << value(sCliente) << "', "
-            << value(stock::bare(dPrecio)) << ", '" << value(sLista) << "', '0' )";
+  statement << spliced(joined(NuevoCodigo(*objCn))) << ", '" << spliced(joined(vCod)) << "', '"
+            << spliced(sDescripcion) << "', '" << spliced(sCliente) << "', "
+            << spliced(stock::bare(dPrecio)) << ", '" << spliced(sLista) << "', '0' )";
   write(statement, *objCn);
 }
 
@@ -230,12 +231,12 @@ void ClsArticulosPreciosVentas::insert(const Oferta& oferta, Statement::Constant
   Statement statement(
       "INSERT INTO Articulos_Precios_Ventas (  ID, Codigo, Descripcion, Precio, Familia, dto,"
       " Porcentaje, Cliente, Lista");
-  statement << dateColumn << " ) values ( " << value(joined(NuevoCodigo(connection))) << ", '"
-            << value(oferta.sCod) << "', '" << value(oferta.sDescripcion) << "', "
-            << value(stock::bare(oferta.dPrecio)) << ", '" << value(oferta.sFamilia) << "', "
-            << value(oferta.bDto ? "-1" : "0") << ", " << value(stock::bare(oferta.dPorcentaje))
-            << ", '" << value(oferta.sCliente) << "', '" << value(oferta.sLista) << "'";
-  if (!date.empty()) statement << ", " << value(date);
+  statement << dateColumn << " ) values ( " << spliced(joined(NuevoCodigo(connection))) << ", '"
+            << spliced(oferta.sCod) << "', '" << spliced(oferta.sDescripcion) << "', "
+            << spliced(stock::bare(oferta.dPrecio)) << ", '" << spliced(oferta.sFamilia) << "', "
+            << spliced(oferta.bDto ? "-1" : "0") << ", " << spliced(stock::bare(oferta.dPorcentaje))
+            << ", '" << spliced(oferta.sCliente) << "', '" << spliced(oferta.sLista) << "'";
+  if (!date.empty()) statement << ", " << spliced(date);
   statement << " )";
   write(statement, connection);
 }

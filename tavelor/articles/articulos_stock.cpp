@@ -17,7 +17,7 @@ namespace {
 /// " WHERE(Codigo ='A100')": `end` closes the condition.
 Statement ofArticle(const std::string& code, Statement::Constant end = "')") {
   Statement condition(" WHERE(Codigo ='");
-  condition << value(code) << end;
+  condition << spliced(code) << end;
   return condition;
 }
 
@@ -27,8 +27,8 @@ constexpr std::string_view kIfStocked = "' and Actualizar_Stock <> 0)";
 /// as numbers; the difference stays, since the quoted one keeps all its decimals.
 Statement additions(double dExist, double dPend, const std::string& code) {
   Statement statement("UPDATE  Articulos SET Existencia = Existencia + ");
-  statement << value(stock::bare(dExist)) << ", Pendiente = Pendiente + '"
-            << value(stock::plain(dPend)) << "'" << ofArticle(code);
+  statement << spliced(stock::bare(dExist)) << ", Pendiente = Pendiente + '"
+            << spliced(stock::plain(dPend)) << "'" << ofArticle(code);
   return statement;
 }
 
@@ -41,7 +41,7 @@ void clsArticulos::setTotal(Statement::Constant column, const Variant& vId, cons
                             ConnectionPtr& cnnActive) const {
   if (!stock::isKept(*this, vId, cnnActive)) return;
   Statement statement("UPDATE  Articulos SET ");
-  statement << column << " = " << value(stock::bare(vCant)) << ofArticle(joined(vId));
+  statement << column << " = " << spliced(stock::bare(vCant)) << ofArticle(joined(vId));
   write(statement, cnnActive);
 }
 
@@ -71,7 +71,7 @@ void clsArticulos::RegularizarStock(const Variant& vId, ObjCn cnnActive) const {
   stock::connect(*cnnActive);
   const Variant inWarehouses = ClsArticulosAlmacenes().GetStockActual(vId, *cnnActive);
   Statement statement("UPDATE  Articulos SET Existencia = ");
-  statement << value(stock::bare(inWarehouses)) << ofArticle(joined(vId));
+  statement << spliced(stock::bare(inWarehouses)) << ofArticle(joined(vId));
   write(statement, *cnnActive);
 }
 
@@ -107,7 +107,7 @@ void clsArticulos::ActualizarStock_Recep_Entrega(const Variant& vId, const Varia
                                                  ObjCn cnnActive) const {
   if (!stock::isKept(*this, vId, *cnnActive)) return;
   Statement statement("UPDATE  Articulos SET Existencia = Existencia - ");
-  statement << value(stock::bare(vCant)) << ofArticle(joined(vId));
+  statement << spliced(stock::bare(vCant)) << ofArticle(joined(vId));
   write(statement, *cnnActive);
 }
 
@@ -131,7 +131,7 @@ void clsArticulos::DescargarStock_V(const Variant& vId, const Variant& vCant, co
   stock::quantity(vCant);  // must be a number, and is not used
   const double dExist = stock::rounded(stock::units(vRec, bSumar));
   Statement statement("UPDATE  Articulos SET Existencia = Existencia + ");
-  statement << value(stock::bare(dExist)) << ofArticle(joined(vId), kIfStocked);
+  statement << spliced(stock::bare(dExist)) << ofArticle(joined(vId), kIfStocked);
   write(statement, *cnnActive);
 }
 
@@ -144,7 +144,7 @@ void clsArticulos::DescargarStockPaquete(const Variant& vId, const Variant& vCan
   stock::quantity(vCant);  // must be a number, and is not used
   const double dExist = stock::rounded(stock::units(vRec, bSumar));
   Statement statement("UPDATE  Articulos SET Existencia = Existencia = Existencia + ");
-  statement << value(stock::bare(dExist)) << ofArticle(joined(vId), kIfStocked);
+  statement << spliced(stock::bare(dExist)) << ofArticle(joined(vId), kIfStocked);
   write(statement, *cnnActive);
 }
 
@@ -158,7 +158,7 @@ void clsArticulos::ActualizarPrecioMedio(const Variant& vId, double dPrecioMedio
   if (isFreeText(vId)) return;
   if (dCant == 0) raise(errors::kDivisionByZero, info().word, "An average over a quantity of 0");
   Statement statement("UPDATE  Articulos SET Precio_Medio = '");
-  statement << value(stock::plain(dPrecioMedio / dCant)) << "'" << ofArticle(joined(vId));
+  statement << spliced(stock::plain(dPrecioMedio / dCant)) << "'" << ofArticle(joined(vId));
   write(statement, *cnnActive);
 }
 

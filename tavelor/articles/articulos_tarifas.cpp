@@ -63,14 +63,14 @@ std::string decimals() {
 /// " WHERE(Codigo ='A100')"
 Statement ofArticle(const std::string& code) {
   Statement condition(" WHERE(Codigo ='");
-  condition << value(code) << "')";
+  condition << spliced(code) << "')";
   return condition;
 }
 
 /// The price `price` raised by `percent`, rounded.
 Statement risen(Statement::Constant price, const std::string& percent) {
   Statement formula("ROUND(((");
-  formula << price << " * " << value(percent) << ")/100)+" << price << "," << value(decimals())
+  formula << price << " * " << spliced(percent) << ")/100)+" << price << "," << spliced(decimals())
           << ")";
   return formula;
 }
@@ -108,12 +108,12 @@ Statement riseOf(const std::string& key, const std::string& percent) {
 Statement articlesThatRise(std::string_view sFamilia, std::string_view sLista) {
   Statement filter;
   if (sFamilia != kEveryFamily) {
-    filter << " Familia Like '" << value(sFamilia) << "' and Lista Like '" << value(sLista)
+    filter << " Familia Like '" << spliced(sFamilia) << "' and Lista Like '" << spliced(sLista)
            << "');";
   } else if (sLista == kBothLists) {
     filter << " (Lista) Like 'TDS' OR (Lista) Like 'PRC');";
   } else {
-    filter << " (Lista) Like '" << value(sLista) << "');";
+    filter << " (Lista) Like '" << spliced(sLista) << "');";
   }
   return filter;
 }
@@ -126,7 +126,7 @@ Statement articlesThatRise(std::string_view sFamilia, std::string_view sLista) {
 double clsArticulos::GetPrecioTarifa(const Variant& vId, std::string_view sTarifa,
                                      ObjCn objCn) const {
   Statement statement("SELECT Precio FROM Articulos_Tarifas WHERE Codigo = '");
-  statement << value(joined(vId)) << "' and Tarifa = '" << value(sTarifa) << "'";
+  statement << spliced(joined(vId)) << "' and Tarifa = '" << spliced(sTarifa) << "'";
   const RecordsetPtr rows = read(statement, *objCn);
   if (rows->RecordCount() == 0) return 0;
   return rows->Field("Precio").Value().toDouble(Apartment::current().locale());
@@ -137,8 +137,8 @@ void clsArticulos::ActualizaPrecioTarifa(const Variant& vId, std::string_view sT
   // Not used. It is what fills an empty connection and what fails first, so it is still asked.
   ClsArticulosAlmacenes().GetStockActual(vId, *cnnActive);
   Statement statement("UPDATE Articulos_Tarifas SET Articulos_Tarifas.Precio  = ");
-  statement << value(stock::bare(dPrecio)) << " WHERE (Codigo ='" << value(joined(vId))
-            << "' AND Articulos_Tarifas.Tarifa ='" << value(sTarifa) << "' );";
+  statement << spliced(stock::bare(dPrecio)) << " WHERE (Codigo ='" << spliced(joined(vId))
+            << "' AND Articulos_Tarifas.Tarifa ='" << spliced(sTarifa) << "' );";
   write(statement, *cnnActive);
 }
 
@@ -146,8 +146,8 @@ void clsArticulos::ActualizaPrecioTarifa(const Variant& vId, std::string_view sT
 void clsArticulos::InsertarPrecioTarifa(const Variant& vId, std::string_view sTarifa,
                                         double /*dPrecio*/, ObjCn cnnActive) const {
   Statement statement("INSERT INTO Articulos_Tarifas ( Codigo, Nombre, Tarifa, Precio ) values ( ");
-  statement << "'" << value(joined(vId)) << "','Tarifa " << value(sTarifa) << "','"
-            << value(sTarifa) << "', '0' )";
+  statement << "'" << spliced(joined(vId)) << "','Tarifa " << spliced(sTarifa) << "','"
+            << spliced(sTarifa) << "', '0' )";
   write(statement, *cnnActive);
 }
 
@@ -158,7 +158,7 @@ void clsArticulos::ActualizarTarifa(const Variant& vId, double dPrecio, std::str
   if (sTarifa == "A") statement << " Tarifa_A = '";
   if (sTarifa == "B") statement << " Tarifa_B = '";
   if (sTarifa == "C") statement << " Tarifa_C = '";
-  statement << value(stock::plain(dPrecio)) << "'" << ofArticle(joined(vId));
+  statement << spliced(stock::plain(dPrecio)) << "'" << ofArticle(joined(vId));
   write(statement, *cnnActive);
 }
 
@@ -167,14 +167,14 @@ void clsArticulos::ActualizarPrecio(const Variant& vId, double dPrecio, double d
   if (isFreeText(vId)) return;
   if (dDto != 0) dPrecio -= dPrecio * dDto / 100;
   Statement statement("UPDATE  Articulos SET Precio_Coste = '");
-  statement << value(stock::plain(dPrecio)) << "'" << ofArticle(joined(vId));
+  statement << spliced(stock::plain(dPrecio)) << "'" << ofArticle(joined(vId));
   write(statement, *cnnActive);
 }
 
 void clsArticulos::ActualizarDto_D(const Variant& vId, double dDto_D, ObjCn cnnActive) const {
   if (isFreeText(vId)) return;
   Statement statement("UPDATE  Articulos SET  Descuento_D = '");
-  statement << value(stock::plain(dDto_D)) << "'" << ofArticle(joined(vId));
+  statement << spliced(stock::plain(dDto_D)) << "'" << ofArticle(joined(vId));
   write(statement, *cnnActive);
 }
 
@@ -253,14 +253,14 @@ void clsArticulos::CrearTarifaPrecios(std::string_view sTarifa, std::string_view
   Statement statement("INSERT INTO Articulos_Tarifas ( Codigo, Nombre, Tarifa, Precio ) SELECT ");
   statement << (ofColumn ? Statement::Constant("Articulos.Codigo, '")
                          : "Articulos_Tarifas.Codigo, '")
-            << value(sNombre) << "' AS Expr1, '" << value(SNewTarifa)
+            << spliced(sNombre) << "' AS Expr1, '" << spliced(SNewTarifa)
             << (sTarifa == "C" ? Statement::Constant("'AS") : "' AS") << " Expr2, ";
   if (ofColumn) {
     statement << "Articulos." << column << " FROM Articulos;";
   } else {
     statement << "Articulos_Tarifas.Precio From Articulos_Tarifas"
                  " WHERE (((Articulos_Tarifas.Tarifa)='"
-              << value(sTarifa) << "'));";
+              << spliced(sTarifa) << "'));";
   }
   write(statement, *cnnActive);
 }

@@ -78,7 +78,7 @@ const Locale& locale() {
 
 /// A number as the mask writes it.
 std::string masked(const Variant& value, const std::string& mask) {
-  return format(number(value), mask, locale());
+  return format(asNumber(value), mask, locale());
 }
 
 }  // namespace
@@ -86,11 +86,11 @@ std::string masked(const Variant& value, const std::string& mask) {
 ClsCierres::ClsCierres() : OpensByWord(kInfo) {}
 
 bool ClsCierres::bEstaFacturado() const {
-  return number(primary().Field("facturado").Value()) != 0;
+  return asNumber(primary().Field("facturado").Value()) != 0;
 }
 
 double ClsCierres::iQNumero() const {
-  return number(primary().Field("Código").Value());
+  return asNumber(primary().Field("Código").Value());
 }
 
 void ClsCierres::DeleteAll(const Variant& vId, ObjCn cnnActive) const {
@@ -113,7 +113,7 @@ std::vector<Variant> ClsCierres::GetCollectionLinFamilias(const Variant& /*vId*/
     const std::string family = joined(rows->Field("Familia").Value());
     lines.emplace_back(
         text::padRight(text::left(family, kFamilyWidth - 1), kFamilyWidth) +
-        text::alignRight(joined(number(rows->Field("Importe").Value())), kFamilyAmountWidth));
+        text::alignRight(joined(asNumber(rows->Field("Importe").Value())), kFamilyAmountWidth));
   }
   return lines;
 }
@@ -126,7 +126,7 @@ std::vector<Variant> ClsCierres::GetCollectionLinFormasPago() const {
   std::vector<Variant> lines;
   for (; !rows->Eof(); rows->MoveNext()) {
     const std::string method = format(rows->Field("Pago").Value(), mask, locale());
-    const std::string amount = joined(rounded(number(rows->Field("Importe").Value())));
+    const std::string amount = joined(rounded(asNumber(rows->Field("Importe").Value())));
     const std::size_t left = kPaymentLineWidth - std::min(kPaymentLineWidth, text::length(amount));
     lines.emplace_back(text::alignLeft(method, left) + amount);
   }
@@ -139,7 +139,7 @@ std::vector<Variant> ClsCierres::GetCollectionLinImpuestos(const Variant& /*vId*
   const RecordsetPtr rows = primary().Clone();
   std::vector<Variant> lines;
   for (; !rows->Eof(); rows->MoveNext()) {
-    const float rate = single(rows->Field("Iva").Value());
+    const float rate = asSingle(rows->Field("Iva").Value());
     const std::string base = masked(rows->Field("Base").Value(), formats.QuantityFormat());
     const std::string tax = masked(rows->Field("Importe").Value(), formats.AmountFormat());
     lines.emplace_back(text::alignRight(joined(rate), kRateWidth) + "% IVA de  " +
@@ -184,11 +184,11 @@ void ClsCierres::Obtener(ClsTickets::Lectura& lectura) const {
   Recordset& rows = *found;
   const Variant date = rows.Field("Fecha").Value();
   if (!date.isNull()) lectura.dtFecha = date.toDate(locale());
-  take(rows, "Descripción", lectura.sEmpresa);
-  take(rows, "Base", lectura.dBase);
-  take(rows, "Importe_Impuestos", lectura.dImpImp);
-  take(rows, "Importe_recargo", lectura.dImpRec);
-  take(rows, "Total", lectura.dTotal);
+  takeColumn(rows, "Descripción", lectura.sEmpresa);
+  takeColumn(rows, "Base", lectura.dBase);
+  takeColumn(rows, "Importe_Impuestos", lectura.dImpImp);
+  takeColumn(rows, "Importe_recargo", lectura.dImpRec);
+  takeColumn(rows, "Total", lectura.dTotal);
   lectura.iFacturado = rows.Field("Facturado").Value().toInt16(locale());
 }
 
@@ -199,13 +199,13 @@ void ClsCierres::SaldoAnterior(const Variant& /*dtFecha*/, std::string_view sCaj
                                InOut<double> dSumaDeSaldo_Final, ObjCn objCn) const {
   const Date today = Apartment::current().clock().today();
   Statement statement("SELECT Max(Codigo) AS MáxDeCodigo FROM Cierres Where ((Fecha<=");
-  statement << value(format(today, "#", locale())) << ") AND (Caja='" << value(sCaja) << "'));";
+  statement << spliced(format(today, "#", locale())) << ") AND (Caja='" << spliced(sCaja) << "'));";
   const Variant last = lookUp(statement, "MáxDeCodigo", *objCn);
   if (last.isEmpty()) return;
   const RecordsetPtr rows = read(
       withId("SELECT Saldo_Final AS SumaDeSaldo_Final FROM Cierres Where ((Codigo={id}));", last),
       *objCn);
-  if (rows->RecordCount() > 0) take(*rows, "SumaDeSaldo_Final", *dSumaDeSaldo_Final);
+  if (rows->RecordCount() > 0) takeColumn(*rows, "SumaDeSaldo_Final", *dSumaDeSaldo_Final);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -214,23 +214,23 @@ void ClsCierres::SaldoAnterior(const Variant& /*dtFecha*/, std::string_view sCaj
 void ClsCierres::FacturarDocumento(const Variant& vId, std::int16_t iFacturado,
                                    const Variant& vIdFac, ObjCn cnnActive) const {
   Statement statement("UPDATE  Cierres  SET Facturado = ");
-  statement << value(joined(iFacturado)) << " , Doc_F = " << value(joined(vIdFac))
-            << " WHERE(Codigo = " << value(joined(vId)) << ")";
+  statement << spliced(joined(iFacturado)) << " , Doc_F = " << spliced(joined(vIdFac))
+            << " WHERE(Codigo = " << spliced(joined(vId)) << ")";
   write(statement, *cnnActive);
 }
 
 void ClsCierres::CancelarFacturacion(const Variant& vId, std::int16_t iFacturado,
                                      ObjCn cnnActive) const {
   Statement statement("UPDATE  Cierres SET Facturado = 0 , Doc_F = 0 WHERE(Codigo = ");
-  statement << value(joined(vId)) << " and Facturado = " << value(joined(iFacturado)) << ")";
+  statement << spliced(joined(vId)) << " and Facturado = " << spliced(joined(iFacturado)) << ")";
   write(statement, *cnnActive);
 }
 
 void ClsCierres::InsertarCierreFamilias(const Variant& vCierre, std::string_view sFamilia,
                                         double dImporte, ObjCn objCn) const {
   Statement statement("INSERT INTO Cierres_Familias ( Cierre, Familia ,Importe ) VALUES ( ");
-  statement << value(joined(vCierre)) << " , '" << value(sFamilia) << "', '"
-            << value(joined(dImporte)) << "')";
+  statement << spliced(joined(vCierre)) << " , '" << spliced(sFamilia) << "', '"
+            << spliced(joined(dImporte)) << "')";
   write(statement, *objCn);
 }
 
@@ -238,16 +238,16 @@ void ClsCierres::InsertarCierreImpuestos(const Variant& vCierre, std::string_vie
                                          double dBase, double dImporte, ObjCn objCn) const {
   Statement statement(
       "INSERT INTO Cierres_Lineas_Impuestos ( Cierre, Iva, Base, Importe ) VALUES ( ");
-  statement << value(joined(vCierre)) << " , '" << value(sIva) << "', '" << value(joined(dBase))
-            << "', '" << value(joined(dImporte)) << "')";
+  statement << spliced(joined(vCierre)) << " , '" << spliced(sIva) << "', '"
+            << spliced(joined(dBase)) << "', '" << spliced(joined(dImporte)) << "')";
   write(statement, *objCn);
 }
 
 void ClsCierres::InsertarCierreFormasPago(const Variant& vCierre, std::string_view sFormaPago,
                                           double dImporte, ObjCn objCn) const {
   Statement statement("INSERT INTO Cierres_Formas_pago ( Cierre, Forma_Pago, Importe ) VALUES ( ");
-  statement << value(joined(vCierre)) << " , '" << value(sFormaPago) << "', '"
-            << value(joined(dImporte)) << "')";
+  statement << spliced(joined(vCierre)) << " , '" << spliced(sFormaPago) << "', '"
+            << spliced(joined(dImporte)) << "')";
   write(statement, *objCn);
 }
 
@@ -263,16 +263,16 @@ void ClsCierres::Insertar(const Cierre& cierre) const {
       " Total, Saldo_Inicio,"
       " Saldo_Final )"
       " SELECT ");
-  statement << value(joined(c.vId)) << " AS Expr1, '" << value(c.sSerie) << "' AS Expr2, '"
-            << value(joined(c.dtFecha.dayOnly())) << "' AS Expr3, '" << value(c.sDescripcion)
-            << "' AS Expr4, '" << value(c.sCaja) << "' AS Expr5, '" << value(c.sEmpleado)
-            << "' AS Expr6, '" << value(joined(c.dEntrega)) << "' AS Expr70, '"
-            << value(joined(c.dCambio)) << "' AS Expr71, '" << value(joined(c.dEfectivo))
-            << "' AS Expr7, '" << value(joined(c.dCredito)) << "' AS Expr8, '"
-            << value(joined(c.dBase)) << "' AS Expr9, '" << value(joined(c.dImpImp))
-            << "' AS Expr10, '" << value(joined(c.dImpRec)) << "' AS Expr11, '"
-            << value(joined(c.dTotal)) << "' AS Expr12, '" << value(joined(c.SaldoIni))
-            << "' AS Expr13, '" << value(joined(c.SaldoFin)) << "' AS Expr14;";
+  statement << spliced(joined(c.vId)) << " AS Expr1, '" << spliced(c.sSerie) << "' AS Expr2, '"
+            << spliced(joined(c.dtFecha.dayOnly())) << "' AS Expr3, '" << spliced(c.sDescripcion)
+            << "' AS Expr4, '" << spliced(c.sCaja) << "' AS Expr5, '" << spliced(c.sEmpleado)
+            << "' AS Expr6, '" << spliced(joined(c.dEntrega)) << "' AS Expr70, '"
+            << spliced(joined(c.dCambio)) << "' AS Expr71, '" << spliced(joined(c.dEfectivo))
+            << "' AS Expr7, '" << spliced(joined(c.dCredito)) << "' AS Expr8, '"
+            << spliced(joined(c.dBase)) << "' AS Expr9, '" << spliced(joined(c.dImpImp))
+            << "' AS Expr10, '" << spliced(joined(c.dImpRec)) << "' AS Expr11, '"
+            << spliced(joined(c.dTotal)) << "' AS Expr12, '" << spliced(joined(c.SaldoIni))
+            << "' AS Expr13, '" << spliced(joined(c.SaldoFin)) << "' AS Expr14;";
   write(statement, *c.objCn);
 }
 

@@ -14,7 +14,7 @@ void takeActiveRow(const RecordsetPtr& rows, const ActiveRow& to) {
   if (!rows) return;
   const auto takeIfThere = [&](std::string_view field, auto& variable) {
     try {
-      take(*rows, field, variable);
+      takeColumn(*rows, field, variable);
     } catch (const Error&) {
     }
   };

@@ -41,8 +41,8 @@ std::string BusinessPartner::ObtenerCodigo(InOut<std::string> sMidato) const {
 
 bool BusinessPartner::CtaLibre(const Variant& vId, const Variant& vIdCodigo, ObjCn objCn) const {
   Statement statement("SELECT Cta_Contable FROM ");
-  statement << info().table << " where (Cta_Contable ='" << value(joined(vId)) << "' and Codigo <>'"
-            << value(joined(vIdCodigo)) << "')";
+  statement << info().table << " where (Cta_Contable ='" << spliced(joined(vId))
+            << "' and Codigo <>'" << spliced(joined(vIdCodigo)) << "')";
   return !anyRow(statement, *objCn);
 }
 
@@ -70,9 +70,10 @@ void BusinessPartner::ObtenerRegistroActivo(InOut<Variant> vId, InOut<std::strin
 bool BusinessPartner::GetCtaTesoreria(const Variant& id, InOut<std::string> sCtaTes,
                                       ObjCn objCn) const {
   Statement statement("SELECT Cta_Tesoreria FROM ");
-  statement << info().table << " WHERE ( Codigo =  '" << value(joined(id)) << "' and activo <> 0 )";
+  statement << info().table << " WHERE ( Codigo =  '" << spliced(joined(id))
+            << "' and activo <> 0 )";
   const RecordsetPtr rows = read(statement, *objCn);
-  if (rows->RecordCount() > 0) takeOr(*rows, "Cta_Tesoreria", "no", *sCtaTes);
+  if (rows->RecordCount() > 0) takeColumnOr(*rows, "Cta_Tesoreria", "no", *sCtaTes);
   return true;
 }
 
@@ -80,9 +81,9 @@ bool BusinessPartner::GetCtaTesoreria(const Variant& id, InOut<std::string> sCta
 RecordsetPtr BusinessPartner::profile(Statement::Constant select, Facturacion& datos) const {
   Statement statement(select);
   if (datos.index == 0) {
-    statement << " ( Codigo =  '" << value(joined(datos.id)) << "' and activo <> 0 )";
+    statement << " ( Codigo =  '" << spliced(joined(datos.id)) << "' and activo <> 0 )";
   } else if (datos.index == 1) {
-    statement << " ( Razon_Social = '" << value(datos.sEmpresa) << "' and activo <> 0 )";
+    statement << " ( Razon_Social = '" << spliced(datos.sEmpresa) << "' and activo <> 0 )";
   }
   RecordsetPtr rows = read(statement, *datos.objCn);
   if (rows->RecordCount() == 0) {
@@ -90,21 +91,21 @@ RecordsetPtr BusinessPartner::profile(Statement::Constant select, Facturacion& d
     datos.sEmpresa.clear();
     return nullptr;
   }
-  take(*rows, "Codigo", datos.id);
-  take(*rows, "Razon_Social", datos.sEmpresa);
-  take(*rows, "Transportista", datos.sTransportista);
-  take(*rows, "Pago", datos.sPago);
-  take(*rows, "Divisa", datos.sDivisa);
-  datos.bImpuesto = flag(rows->Field("Impuesto").Value());
-  take(*rows, "IRPF", datos.dIrpf);
-  takeOr(*rows, "Serie", "A", datos.sSerie);
-  takeOr(*rows, "Tarifa", "A", datos.sTarifa);
-  datos.dDtoLinea = number(rows->Field("Dto").Value());
-  datos.dDto = number(rows->Field("Dto_PP").Value());
-  take(*rows, "Cta_Contable", datos.sCta);
-  take(*rows, "Cta_Contrapartida", datos.sCtaC);
-  datos.bRecargo = flag(rows->Field("Recargo").Value());
-  take(*rows, "Concepto", datos.sConcepto);
+  takeColumn(*rows, "Codigo", datos.id);
+  takeColumn(*rows, "Razon_Social", datos.sEmpresa);
+  takeColumn(*rows, "Transportista", datos.sTransportista);
+  takeColumn(*rows, "Pago", datos.sPago);
+  takeColumn(*rows, "Divisa", datos.sDivisa);
+  datos.bImpuesto = asFlag(rows->Field("Impuesto").Value());
+  takeColumn(*rows, "IRPF", datos.dIrpf);
+  takeColumnOr(*rows, "Serie", "A", datos.sSerie);
+  takeColumnOr(*rows, "Tarifa", "A", datos.sTarifa);
+  datos.dDtoLinea = asNumber(rows->Field("Dto").Value());
+  datos.dDto = asNumber(rows->Field("Dto_PP").Value());
+  takeColumn(*rows, "Cta_Contable", datos.sCta);
+  takeColumn(*rows, "Cta_Contrapartida", datos.sCtaC);
+  datos.bRecargo = asFlag(rows->Field("Recargo").Value());
+  takeColumn(*rows, "Concepto", datos.sConcepto);
   takeOfDocuments(*rows, datos);
   return rows;
 }

@@ -88,15 +88,15 @@ class BusinessPartner : public OpensByWord {
   /// Bank, bonus, kinds of invoice and layouts of the current row: what documents take of it.
   template <typename Datos>
   static void takeOfDocuments(Recordset& rows, Datos& datos) {
-    take(rows, "Banco", datos.sBanco);
-    take(rows, "Bonificación", datos.dBonificacion);
-    take(rows, "ImpBonif", datos.dImpBonif);
-    take(rows, "Factura_A", datos.sFactura_A);
-    take(rows, "Factura_B", datos.sFactura_B);
-    take(rows, "Factura_C", datos.sFactura_C);
-    take(rows, "Documento_P", datos.sDocumento_P);
-    take(rows, "Documento_A", datos.sDocumento_A);
-    take(rows, "Documento_F", datos.sDocumento_F);
+    takeColumn(rows, "Banco", datos.sBanco);
+    takeColumn(rows, "Bonificación", datos.dBonificacion);
+    takeColumn(rows, "ImpBonif", datos.dImpBonif);
+    takeColumn(rows, "Factura_A", datos.sFactura_A);
+    takeColumn(rows, "Factura_B", datos.sFactura_B);
+    takeColumn(rows, "Factura_C", datos.sFactura_C);
+    takeColumn(rows, "Documento_P", datos.sDocumento_P);
+    takeColumn(rows, "Documento_A", datos.sDocumento_A);
+    takeColumn(rows, "Documento_F", datos.sDocumento_F);
   }
 
  private:

@@ -16,22 +16,22 @@ namespace {
 constexpr std::int32_t kTheComment = 1;
 
 bool lacksKey(const Variant& id) {
-  return id.isEmpty() || id.isNull() || number(id) == kUnstoredId;
+  return id.isEmpty() || id.isNull() || asNumber(id) == kUnstoredId;
 }
 
 }  // namespace
 
 void Comments::DeleteAll(const Variant& vId, ObjCn cnnActive) const {
   Statement statement("DELETE  FROM ");
-  statement << info().table << " WHERE (Codigo = '" << value(joined(vId)) << "')";
+  statement << info().table << " WHERE (Codigo = '" << spliced(joined(vId)) << "')";
   write(statement, *cnnActive);
 }
 
 // Comments have no suppliers: the statement is refused whatever is asked, and callers see that.
 bool Comments::CodigoLibre(const Variant& vId, const Variant& vIdSec, ObjCn objCn) const {
   Statement statement("SELECT proveedor, Codigo FROM ");
-  statement << info().table << " where ( proveedor ='" << value(joined(vId)) << "' and Codigo='"
-            << value(joined(vIdSec)) << "')";
+  statement << info().table << " where ( proveedor ='" << spliced(joined(vId)) << "' and Codigo='"
+            << spliced(joined(vIdSec)) << "')";
   return !anyRow(statement, *objCn);
 }
 

@@ -47,8 +47,8 @@ struct Movement {
 /// The balances of an owner's entries of later dates are moved.
 Statement moveLater(Statement::Constant table, Statement::Constant sign, const Movement& by) {
   Statement statement("UPDATE ");
-  statement << table << " SET Saldo = Saldo " << sign << " " << value(by.amount)
-            << " WHERE ((Fecha > " << value(by.date) << ") AND (Codigo='" << value(by.owner)
+  statement << table << " SET Saldo = Saldo " << sign << " " << spliced(by.amount)
+            << " WHERE ((Fecha > " << spliced(by.date) << ") AND (Codigo='" << spliced(by.owner)
             << "'));";
   return statement;
 }
@@ -57,9 +57,9 @@ Statement moveLater(Statement::Constant table, Statement::Constant sign, const M
 Statement moveSameDate(Statement::Constant table, Statement::Constant sign, const Movement& by,
                        std::string_view id) {
   Statement statement("UPDATE ");
-  statement << table << " SET Saldo = Saldo " << sign << " " << value(by.amount) << " WHERE ((Id > "
-            << value(id) << ") and (Fecha = " << value(by.date) << ") AND (Codigo='"
-            << value(by.owner) << "'));";
+  statement << table << " SET Saldo = Saldo " << sign << " " << spliced(by.amount)
+            << " WHERE ((Id > " << spliced(id) << ") and (Fecha = " << spliced(by.date)
+            << ") AND (Codigo='" << spliced(by.owner) << "'));";
   return statement;
 }
 
@@ -74,7 +74,7 @@ std::string RunningAccount::dateText(const Variant& date) const {
 
 void RunningAccount::DeleteAll(const Variant& vId, ObjCn cnnActive) const {
   Statement statement("DELETE  FROM ");
-  statement << info().table << " WHERE (Codigo = '" << value(joined(vId)) << "')";
+  statement << info().table << " WHERE (Codigo = '" << spliced(joined(vId)) << "')";
   write(statement, *cnnActive);
 }
 
@@ -82,14 +82,14 @@ double RunningAccount::balance(const Statement& condition, ObjCn objCn) const {
   Statement statement("SELECT  Sum(Debe) AS SumaDeDebe, Sum(Haber) AS SumaDeHaber From ");
   statement << info().table << " WHERE (" << condition << ");";
   const RecordsetPtr sums = read(statement, *objCn);
-  return shown(number(sums->Field("SumaDeHaber").Value()) -
-               number(sums->Field("SumaDeDebe").Value()));
+  return shown(asNumber(sums->Field("SumaDeHaber").Value()) -
+               asNumber(sums->Field("SumaDeDebe").Value()));
 }
 
 double RunningAccount::Saldo(std::string_view sCod, const Variant& dtFecha, ObjCn objCn) const {
   const std::string date = dateText(dtFecha);
   Statement condition("(Fecha <= ");
-  condition << value(date) << ") AND (Codigo='" << value(sCod) << "')";
+  condition << spliced(date) << ") AND (Codigo='" << spliced(sCod) << "')";
   return balance(condition, *objCn);
 }
 
@@ -103,11 +103,11 @@ void RunningAccount::Insertar(const Apunte& apunte) const {
   entry << info().table
         << " ( Id, Serie, Codigo, Fecha, Concepto, Debe_Haber, Debe, Haber, Saldo, Estado,"
            " Documento_E ) Values ( "
-        << value(id) << " , '" << value(a.sSerie) << "', '" << value(a.sCodigo) << "', "
-        << value(movement.date) << ", '" << value(a.sConcepto) << "', '" << value(a.sD_H) << "', "
-        << value(bare(a.dDebe)) << ", " << value(bare(a.dHaber)) << ", "
-        << value(bare(shown(a.dHaber - a.dDebe + before))) << ", "
-        << value(std::to_string(a.iEstado)) << ", " << value(joined(a.vDoc_E)) << " );";
+        << spliced(id) << " , '" << spliced(a.sSerie) << "', '" << spliced(a.sCodigo) << "', "
+        << spliced(movement.date) << ", '" << spliced(a.sConcepto) << "', '" << spliced(a.sD_H)
+        << "', " << spliced(bare(a.dDebe)) << ", " << spliced(bare(a.dHaber)) << ", "
+        << spliced(bare(shown(a.dHaber - a.dDebe + before))) << ", "
+        << spliced(std::to_string(a.iEstado)) << ", " << spliced(joined(a.vDoc_E)) << " );";
   write(entry, *a.objCn);
   write(moveLater(info().table, "+", movement), *a.objCn);
 }
@@ -116,18 +116,18 @@ void RunningAccount::Eliminar(std::int16_t iEst, const Variant& vDoc, ObjCn objC
   mustBeHome();
   if (!*objCn) objCn = DataSession().OpenConnection(info().selector);
   Statement ofDocument("SELECT Id, Codigo, Fecha, Debe, Haber From ");
-  ofDocument << info().table << " WHERE ((Estado = " << value(std::to_string(iEst))
-             << " ) AND (Documento_E = " << value(joined(vDoc)) << " ));";
+  ofDocument << info().table << " WHERE ((Estado = " << spliced(std::to_string(iEst))
+             << " ) AND (Documento_E = " << spliced(joined(vDoc)) << " ));";
   const RecordsetPtr entries = read(ofDocument, *objCn);
   for (; !entries->Eof(); entries->MoveNext()) {
     const std::string id = joined(entries->Field("Id").Value());
     const double amount =
-        number(entries->Field("Haber").Value()) - number(entries->Field("Debe").Value());
+        asNumber(entries->Field("Haber").Value()) - asNumber(entries->Field("Debe").Value());
     const Movement movement = {bare(amount), dateText(entries->Field("Fecha").Value()),
                                joined(entries->Field("Codigo").Value())};
 
     Statement deletion("DELETE  FROM ");
-    deletion << info().table << " WHERE (Id = " << value(id) << ")";
+    deletion << info().table << " WHERE (Id = " << spliced(id) << ")";
     write(deletion, *objCn);
     for (const BalanceRepair& repair : afterDeletion_) {
       write(repair.entries == BalanceRepair::Entries::kSameDate
@@ -179,9 +179,9 @@ std::vector<Walked> walkOf(Recordset& rows) {
     const Variant id = rows.Field("Id").Value();
     walk.push_back({date.isNull() || date.isEmpty() ? -std::numeric_limits<double>::infinity()
                                                     : date.toDate(locale()).days(),
-                    id.isEmpty() ? std::numeric_limits<double>::infinity() : number(id),
+                    id.isEmpty() ? std::numeric_limits<double>::infinity() : asNumber(id),
                     rows.Bookmark(),
-                    number(rows.Field("Haber").Value()) - number(rows.Field("Debe").Value()),
+                    asNumber(rows.Field("Haber").Value()) - asNumber(rows.Field("Debe").Value()),
                     rows.Field("Saldo").Value()});
   }
   // An order of the view leaves open how the entries of one date follow each other, and a
@@ -205,7 +205,7 @@ void RunningAccount::UpdateTotal() {
   double total = 0;
   for (const Walked& entry : walkOf(rows)) {
     total = standard(total + standard(entry.movement));
-    if (!entry.balance.isNull() && !entry.balance.isEmpty() && number(entry.balance) == total) {
+    if (!entry.balance.isNull() && !entry.balance.isEmpty() && asNumber(entry.balance) == total) {
       continue;
     }
     rows.Bookmark(entry.place);

@@ -217,7 +217,7 @@ Statement conditionOf(const DeliveryMode& mode) {
   Statement condition(mode.before);
   condition << "Exists (SELECT Albaranes.Numero From Albaranes"
                " WHERE ( ((Albaranes.Fecha) Between "
-            << value(dateLiteral(mode.from(now))) << " AND " << value(dateLiteral(mode.to(now)))
+            << spliced(dateLiteral(mode.from(now))) << " AND " << spliced(dateLiteral(mode.to(now)))
             << ") AND ((Albaranes.Codigo)=Clientes.Codigo))))" << mode.after;
   return condition;
 }
@@ -275,9 +275,9 @@ Statement ClsClientes::CondicionConsulta(std::string_view sModo) {
   Statement statement(kSelectCampos);
   statement << " FROM Facturas INNER JOIN Clientes ON Facturas.Codigo = Clientes.Codigo"
                " WHERE  (((Facturas.Fecha) Between "
-            << value(year.first) << " AND " << value(year.last) << ")";
+            << spliced(year.first) << " AND " << spliced(year.last) << ")";
   if (const char series = consultas::declaredSeries()) {
-    statement << " AND ((Facturas.Serie) = '" << value(std::string_view(&series, 1))
+    statement << " AND ((Facturas.Serie) = '" << spliced(std::string_view(&series, 1))
               << "' or (Facturas.Serie) = 'R'))";
   } else {
     statement << ")";
@@ -332,7 +332,7 @@ bool ClsClientes::ExistenCentros(ObjCn objCn) const {
   const Variant centres = lookUp(Statement("SELECT Count(Clientes.Codigo) AS CuentaDeCodigo"
                                            " FROM Clientes WHERE ((Len(Clientes.Centro) > 1));"),
                                  "CuentaDeCodigo", *objCn);
-  return number(centres) != 0;
+  return asNumber(centres) != 0;
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -55,7 +55,7 @@ void ClsClientesApuntesConta::DeleteToDate(const Variant& vId, const Variant& dt
                                            ObjCn cnnActive) const {
   const std::string date = dateText(dtFecha);
   Statement statement("DELETE  FROM Clientes_Apuntes_Contables WHERE ((Fecha <= ");
-  statement << value(date) << ") AND (Codigo = '" << value(joined(vId)) << "'))";
+  statement << spliced(date) << ") AND (Codigo = '" << spliced(joined(vId)) << "'))";
   write(statement, *cnnActive);
 }
 
@@ -69,29 +69,29 @@ void ClsClientesApuntesConta::Modificarnovale(const Correccion& correccion) cons
   const double balance = movement + Saldo(c.sCodigo, c.dtFecha, *c.objCn);
 
   Statement entry("UPDATE Clientes_Apuntes_Contables SET Saldo =  '");
-  entry << value(joined(balance)) << "' , Debe = '" << value(joined(c.dDebe)) << "', Haber = '"
-        << value(joined(c.dHaber)) << "' WHERE ((Estado = " << value(std::to_string(*c.iEstado))
-        << " ) AND (Documento_E = " << value(joined(c.vDoc_E)) << " ));";
+  entry << spliced(joined(balance)) << "' , Debe = '" << spliced(joined(c.dDebe)) << "', Haber = '"
+        << spliced(joined(c.dHaber)) << "' WHERE ((Estado = " << spliced(std::to_string(*c.iEstado))
+        << " ) AND (Documento_E = " << spliced(joined(c.vDoc_E)) << " ));";
   write(entry, *c.objCn);
 
   Statement later("UPDATE Clientes_Apuntes_Contables SET Saldo = Saldo + '");
-  later << value(joined(movement)) << "' WHERE ((Fecha >= #"
-        << value(format(c.dtFecha, "MM/DD/YYYY", locale())) << "# ) AND (Codigo='"
-        << value(c.sCodigo) << "') And (ID > " << value(joined(id)) << " ));";
+  later << spliced(joined(movement)) << "' WHERE ((Fecha >= #"
+        << spliced(format(c.dtFecha, "MM/DD/YYYY", locale())) << "# ) AND (Codigo='"
+        << spliced(c.sCodigo) << "') And (ID > " << spliced(joined(id)) << " ));";
   write(later, *c.objCn);
 }
 
 double ClsClientesApuntesConta::Saldo_actual(std::string_view sCod, ObjCn objCn) const {
   Statement condition("(Codigo='");
-  condition << value(sCod) << "')";
+  condition << spliced(sCod) << "')";
   return balance(condition, *objCn);
 }
 
 double ClsClientesApuntesConta::GetId(std::int16_t iEst, const Variant& vDoc, ObjCn objCn) const {
   Statement statement("SELECT  Id From Clientes_Apuntes_Contables WHERE ((Estado = ");
-  statement << value(std::to_string(iEst)) << " ) AND (Documento_E = " << value(joined(vDoc))
+  statement << spliced(std::to_string(iEst)) << " ) AND (Documento_E = " << spliced(joined(vDoc))
             << " ));";
-  return number(read(statement, *objCn)->Field("Id").Value());
+  return asNumber(read(statement, *objCn)->Field("Id").Value());
 }
 
 const Component& ClsClientesApuntesConta::component() {

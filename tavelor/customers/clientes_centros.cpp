@@ -49,18 +49,18 @@ void ClsClientesCentros::GetDatosCentro(Centro& centro) const {
       " Codigo_Postal, Poblacion, Provincia, telefono, e_mail FROM Clientes_Centros"
       " WHERE ( Codigo =  '{id}' and RoleTypeCode ='",
       centro.id);
-  statement << value(centro.sRole) << "')";
+  statement << spliced(centro.sRole) << "')";
   const RecordsetPtr rows = read(statement, *centro.objCn);
   if (rows->RecordCount() == 0) return;
-  take(*rows, "Centro", centro.sCentro);
-  take(*rows, "Nombre", centro.sNombre);
-  take(*rows, "Tipo", centro.sTipo);
-  take(*rows, "Direccion", centro.sDireccion);
-  take(*rows, "Codigo_Postal", centro.sCp);
-  take(*rows, "Poblacion", centro.sPoblacion);
-  take(*rows, "Provincia", centro.sProvincia);
-  take(*rows, "telefono", centro.sTelefono);
-  take(*rows, "e_mail", centro.sMail);
+  takeColumn(*rows, "Centro", centro.sCentro);
+  takeColumn(*rows, "Nombre", centro.sNombre);
+  takeColumn(*rows, "Tipo", centro.sTipo);
+  takeColumn(*rows, "Direccion", centro.sDireccion);
+  takeColumn(*rows, "Codigo_Postal", centro.sCp);
+  takeColumn(*rows, "Poblacion", centro.sPoblacion);
+  takeColumn(*rows, "Provincia", centro.sProvincia);
+  takeColumn(*rows, "telefono", centro.sTelefono);
+  takeColumn(*rows, "e_mail", centro.sMail);
 }
 
 bool ClsClientesCentros::ExistenCentros(const Variant& id, ObjCn objCn) const {

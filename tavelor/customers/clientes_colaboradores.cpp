@@ -71,16 +71,16 @@ void ClsClientesColaboradores::GetDatos(const Variant& id, InOut<std::string> sN
                   id),
            *objCn);
   if (rows->RecordCount() == 0) return;
-  take(*rows, "Nombre", *sNombre);
+  takeColumn(*rows, "Nombre", *sNombre);
   vId = rows->Field("Id").Value();
-  take(*rows, "Colegiado", *sColegiado);
+  takeColumn(*rows, "Colegiado", *sColegiado);
 }
 
 std::string ClsClientesColaboradores::GetTel(const Variant& id, std::string_view sNombre,
                                              ObjCn objCn) const {
   Statement statement = withId(
       "SELECT   Telefono  FROM Clientes_Colaboradores WHERE (Codigo =  '{id}' and Nombre =  '", id);
-  statement << value(sNombre) << "')";
+  statement << spliced(sNombre) << "')";
   const Variant telephone = lookUp(statement, "Telefono", *objCn);
   return telephone.isEmpty() ? std::string(kNoTelephone) : joined(telephone);
 }
@@ -91,8 +91,8 @@ double ClsClientesColaboradores::GetDto(const Variant& id, std::string_view sNom
       "SELECT Descuento FROM Clientes_Colaboradores"
       " WHERE ( Codigo =  '{id}' and activo <> 0 and Nombre =  '",
       id);
-  statement << value(sNombre) << "' )";
-  return number(lookUp(statement, "Descuento", *objCn));
+  statement << spliced(sNombre) << "' )";
+  return asNumber(lookUp(statement, "Descuento", *objCn));
 }
 
 void ClsClientesColaboradores::DeleteAll(const Variant& vId, ObjCn cnnActive) const {

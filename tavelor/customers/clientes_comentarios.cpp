@@ -49,9 +49,9 @@ void ClsClientesComentarios::ReparaComentarios(ObjCn objCn) const {
     Statement fold(
         "UPDATE Clientes_Comentarios SET Clientes_Comentarios.Comentarios ="
         " [Clientes_Comentarios].[Comentarios] &'  #.---\\\\\\Restaurado///-----.# ' &  '");
-    fold << value(text.empty() ? kNoText : std::string_view(text))
+    fold << spliced(text.empty() ? kNoText : std::string_view(text))
          << "' WHERE (((Clientes_Comentarios.Id)=1) AND ((Clientes_Comentarios.Codigo)= '"
-         << value(customer) << "'));";
+         << spliced(customer) << "'));";
     write(fold, *objCn);
   }
   write(Statement("DELETE Clientes_Comentarios.Id, Clientes_Comentarios.*"

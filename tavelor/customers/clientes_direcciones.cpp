@@ -60,7 +60,7 @@ constexpr std::string_view kAddress =
 Statement ofPair(Statement::Constant before, const std::string& first, Statement::Constant between,
                  const std::string& second, Statement::Constant after) {
   Statement statement(before);
-  statement << value(first) << between << value(second) << after;
+  statement << spliced(first) << between << spliced(second) << after;
   return statement;
 }
 
@@ -84,14 +84,14 @@ RecordsetPtr ClsClientesDirecciones::readAddress(Statement::Constant before,
             << withId(condition, direccion.id);
   RecordsetPtr rows = read(statement, *direccion.objCn);
   if (rows->RecordCount() == 0) return nullptr;
-  take(*rows, "telefono", direccion.idTel);
-  take(*rows, "NIF", direccion.sNif);
-  take(*rows, "Nombre", direccion.sNombre);
-  take(*rows, "Empresa", direccion.sEmpresa);
-  take(*rows, "Direccion", direccion.sDireccion);
-  take(*rows, "Codigo_Postal", direccion.sCp);
-  take(*rows, "Poblacion", direccion.sPoblacion);
-  take(*rows, "Provincia", direccion.sProvincia);
+  takeColumn(*rows, "telefono", direccion.idTel);
+  takeColumn(*rows, "NIF", direccion.sNif);
+  takeColumn(*rows, "Nombre", direccion.sNombre);
+  takeColumn(*rows, "Empresa", direccion.sEmpresa);
+  takeColumn(*rows, "Direccion", direccion.sDireccion);
+  takeColumn(*rows, "Codigo_Postal", direccion.sCp);
+  takeColumn(*rows, "Poblacion", direccion.sPoblacion);
+  takeColumn(*rows, "Provincia", direccion.sProvincia);
   return rows;
 }
 
@@ -105,14 +105,14 @@ void ClsClientesDirecciones::GetDatosPredeterminada(Direccion& direccion) const 
   if (!rows) return;
   direccion.vIdDir = rows->Field("ID").Value();
   direccion.sTransportista = kNone;
-  take(*rows, "Transportista", direccion.sTransportista);
+  takeColumn(*rows, "Transportista", direccion.sTransportista);
 }
 
 void ClsClientesDirecciones::GetDatosCabeceraSeleccion(Direccion& direccion) const {
   const RecordsetPtr rows = readAddress("", ", Transportista", " ( ID =  '{id}')", direccion);
   if (!rows) return;
   direccion.sTransportista = kNone;
-  take(*rows, "Transportista", direccion.sTransportista);
+  takeColumn(*rows, "Transportista", direccion.sTransportista);
 }
 
 std::string ClsClientesDirecciones::GetTransportista(const Variant& id, const Variant& vIdDir,

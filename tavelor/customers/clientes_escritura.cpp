@@ -28,38 +28,39 @@ void ClsClientes::Insertar(const Alta& alta) const {
       "INSERT INTO Clientes ( Codigo, Nombre, Razon_Social, NIF, Direccion, Codigo_Postal,"
       " Poblacion, Provincia, Telefono, Movil, E_Mail, E_Mail_doc, Activo, Descuento, Tarifa,"
       " Serie, Concepto, Tipo_Cliente, Lista, Fecha, ExternalId ) values ( '");
-  statement << value(joined(alta.vId)) << "', '" << value(alta.sNombre) << "', '"
-            << value(alta.sRazonSocial) << "', '" << value(alta.sNif) << "', '" << value(alta.sdir)
-            << "', '" << value(alta.sCp) << "', '" << value(alta.sPob) << "', '"
-            << value(alta.sProv) << "', '" << value(alta.stel) << "', '" << value(alta.sMov)
-            << "', '" << value(alta.sEmail) << "', '" << value(alta.seMailDoc) << "', '"
-            << value(flagNumber(alta.bActivo)) << "', '" << value(joined(alta.dDescuento)) << "', '"
-            << value(alta.sTarifa) << "', '" << value(alta.sSerie) << "', '"
-            << value(alta.sConcepto) << "', '" << value(alta.stpcli) << "', '"
-            << value(*alta.sLista) << "', " << value(todayLiteral(info().selector)) << ", '"
-            << value(alta.sExternalId) << "' )";
+  statement << spliced(joined(alta.vId)) << "', '" << spliced(alta.sNombre) << "', '"
+            << spliced(alta.sRazonSocial) << "', '" << spliced(alta.sNif) << "', '"
+            << spliced(alta.sdir) << "', '" << spliced(alta.sCp) << "', '" << spliced(alta.sPob)
+            << "', '" << spliced(alta.sProv) << "', '" << spliced(alta.stel) << "', '"
+            << spliced(alta.sMov) << "', '" << spliced(alta.sEmail) << "', '"
+            << spliced(alta.seMailDoc) << "', '" << spliced(flagNumber(alta.bActivo)) << "', '"
+            << spliced(joined(alta.dDescuento)) << "', '" << spliced(alta.sTarifa) << "', '"
+            << spliced(alta.sSerie) << "', '" << spliced(alta.sConcepto) << "', '"
+            << spliced(alta.stpcli) << "', '" << spliced(*alta.sLista) << "', "
+            << spliced(todayLiteral(info().selector)) << ", '" << spliced(alta.sExternalId)
+            << "' )";
   write(statement, *alta.objCn);
 }
 
 void ClsClientes::Actualizar(const Alta& alta) const {
   Statement statement("UPDATE Clientes SET Nombre = '");
-  statement << value(alta.sNombre) << "', Razon_Social = '" << value(alta.sRazonSocial)
-            << "', NIF = '" << value(alta.sNif) << "', Direccion  = '" << value(alta.sdir)
-            << "', Codigo_Postal = '" << value(alta.sCp) << "', Poblacion  = '" << value(alta.sPob)
-            << "', Provincia = '" << value(alta.sProv) << "', Telefono= '" << value(alta.stel)
-            << "', Movil = '" << value(alta.sMov) << "', E_Mail =  '" << value(alta.sEmail)
-            << "', E_Mail_doc = '" << value(alta.seMailDoc) << "', Activo = '"
-            << value(flagNumber(alta.bActivo)) << "', Descuento = '"
-            << value(joined(alta.dDescuento)) << "', Tarifa = '" << value(alta.sTarifa)
-            << "', Serie = '" << value(alta.sSerie) << "' WHERE(Codigo ='"
-            << value(joined(alta.vId)) << "')";
+  statement << spliced(alta.sNombre) << "', Razon_Social = '" << spliced(alta.sRazonSocial)
+            << "', NIF = '" << spliced(alta.sNif) << "', Direccion  = '" << spliced(alta.sdir)
+            << "', Codigo_Postal = '" << spliced(alta.sCp) << "', Poblacion  = '"
+            << spliced(alta.sPob) << "', Provincia = '" << spliced(alta.sProv) << "', Telefono= '"
+            << spliced(alta.stel) << "', Movil = '" << spliced(alta.sMov) << "', E_Mail =  '"
+            << spliced(alta.sEmail) << "', E_Mail_doc = '" << spliced(alta.seMailDoc)
+            << "', Activo = '" << spliced(flagNumber(alta.bActivo)) << "', Descuento = '"
+            << spliced(joined(alta.dDescuento)) << "', Tarifa = '" << spliced(alta.sTarifa)
+            << "', Serie = '" << spliced(alta.sSerie) << "' WHERE(Codigo ='"
+            << spliced(joined(alta.vId)) << "')";
   write(statement, *alta.objCn);
 }
 
 void ClsClientes::CambiarTarifa(const Variant& vId, std::string_view sTarifa,
                                 ObjCn cnnActive) const {
   Statement statement("UPDATE Clientes SET Tarifa = '");
-  statement << value(sTarifa) << "' WHERE(Codigo = '" << value(joined(vId)) << "')";
+  statement << spliced(sTarifa) << "' WHERE(Codigo = '" << spliced(joined(vId)) << "')";
   write(statement, *cnnActive);
 }
 
@@ -69,17 +70,17 @@ void ClsClientes::CambiarEstadoCliente(const Variant& vId, double bModo, ObjCn c
   if (bModo == 0) {
     statement << "Activo = 0 ";
   } else if (bModo == 1 || bModo == -1) {
-    statement << "Activo = " << value(joined(bModo))
-              << "  ,Fecha_re = " << value(todayLiteral(info().selector));
+    statement << "Activo = " << spliced(joined(bModo))
+              << "  ,Fecha_re = " << spliced(todayLiteral(info().selector));
   }
-  statement << " WHERE (Codigo = '" << value(joined(vId)) << "')";
+  statement << " WHERE (Codigo = '" << spliced(joined(vId)) << "')";
   write(statement, *cnnActive);
 }
 
 void ClsClientes::ActualizarExternalId(std::string_view sId, std::string_view sExtId,
                                        ObjCn cnnActive) const {
   Statement statement("UPDATE Clientes SET ExternalID = '");
-  statement << value(sExtId) << "' WHERE ( Codigo =  '" << value(sId) << "')";
+  statement << spliced(sExtId) << "' WHERE ( Codigo =  '" << spliced(sId) << "')";
   write(statement, *cnnActive);
 }
 

@@ -14,9 +14,9 @@ namespace {
 
 // A warning that documents take up is not shown: it stands on them.
 void showWarning(Recordset& rows) {
-  if (!flag(rows.Field("Aviso").Value()) || flag(rows.Field("Incorporar").Value())) return;
+  if (!asFlag(rows.Field("Aviso").Value()) || asFlag(rows.Field("Incorporar").Value())) return;
   std::string warning;
-  take(rows, "Texto_Aviso", warning);
+  takeColumn(rows, "Texto_Aviso", warning);
   Apartment::current().promptGlobal().Message(Variant(warning), "", "");
 }
 
@@ -35,7 +35,7 @@ bool ClsClientes::GetDatosFacturacion(Facturacion& datos) const {
       " Texto_Aviso FROM Clientes WHERE",
       datos);
   if (!rows) return false;
-  take(*rows, "Nombre", datos.sNom);
+  takeColumn(*rows, "Nombre", datos.sNom);
   showWarning(*rows);
   return true;
 }
@@ -64,22 +64,22 @@ void ClsClientes::GetDatosFacturar(Facturar& datos) const {
                   datos.id),
            *datos.objCn);
   if (rows->RecordCount() == 0) return;
-  take(*rows, "Codigo", datos.id);
-  take(*rows, "Dto_PP", datos.dDto);
-  take(*rows, "Banco", datos.sBanco);
-  take(*rows, "Bonificación", datos.dBonificacion);
-  take(*rows, "ImpBonif", datos.dImpBonif);
-  take(*rows, "Bonificación2", datos.dBonificacion2);
-  take(*rows, "ImpBonif2", datos.dImpBonif2);
-  take(*rows, "Bonificación3", datos.dBonificacion3);
-  take(*rows, "ImpBonif3", datos.dImpBonif3);
-  take(*rows, "Factura_A", datos.sFactura_A);
-  take(*rows, "Factura_B", datos.sFactura_B);
-  take(*rows, "Factura_C", datos.sFactura_C);
-  take(*rows, "IRPF", datos.dIrpfCli);
-  take(*rows, "Gastos", datos.dGastos);
-  take(*rows, "Dto_R", datos.dDtoRpt);
-  take(*rows, "Codigo_Portes", datos.sRefArt);
+  takeColumn(*rows, "Codigo", datos.id);
+  takeColumn(*rows, "Dto_PP", datos.dDto);
+  takeColumn(*rows, "Banco", datos.sBanco);
+  takeColumn(*rows, "Bonificación", datos.dBonificacion);
+  takeColumn(*rows, "ImpBonif", datos.dImpBonif);
+  takeColumn(*rows, "Bonificación2", datos.dBonificacion2);
+  takeColumn(*rows, "ImpBonif2", datos.dImpBonif2);
+  takeColumn(*rows, "Bonificación3", datos.dBonificacion3);
+  takeColumn(*rows, "ImpBonif3", datos.dImpBonif3);
+  takeColumn(*rows, "Factura_A", datos.sFactura_A);
+  takeColumn(*rows, "Factura_B", datos.sFactura_B);
+  takeColumn(*rows, "Factura_C", datos.sFactura_C);
+  takeColumn(*rows, "IRPF", datos.dIrpfCli);
+  takeColumn(*rows, "Gastos", datos.dGastos);
+  takeColumn(*rows, "Dto_R", datos.dDtoRpt);
+  takeColumn(*rows, "Codigo_Portes", datos.sRefArt);
 }
 
 void ClsClientes::GetOtrosDatosFacturar(InOut<Variant> id, InOut<std::string> sPago,
@@ -97,8 +97,8 @@ void ClsClientes::GetOtrosDatosFacturar(InOut<Variant> id, InOut<std::string> sP
                   *id),
            *objCn);
   if (rows->RecordCount() == 0) return;
-  take(*rows, "Codigo", *id);
-  take(*rows, "Pago", *sPago);
+  takeColumn(*rows, "Codigo", *id);
+  takeColumn(*rows, "Pago", *sPago);
 }
 
 void ClsClientes::GetDatosBonificar(Bonificar& datos) const {
@@ -110,13 +110,13 @@ void ClsClientes::GetDatosBonificar(Bonificar& datos) const {
                   datos.id),
            *datos.objCn);
   if (rows->RecordCount() == 0) return;
-  take(*rows, "Bonificación", datos.dBonificacion);
-  take(*rows, "ImpBonif", datos.dImpBonif);
-  take(*rows, "Bonificación2", datos.dBonificacion2);
-  take(*rows, "ImpBonif2", datos.dImpBonif2);
-  take(*rows, "Bonificación3", datos.dBonificacion3);
-  take(*rows, "ImpBonif3", datos.dImpBonif3);
-  take(*rows, "Condicion_1_SI", datos.bCondicion_1_SI);
+  takeColumn(*rows, "Bonificación", datos.dBonificacion);
+  takeColumn(*rows, "ImpBonif", datos.dImpBonif);
+  takeColumn(*rows, "Bonificación2", datos.dBonificacion2);
+  takeColumn(*rows, "ImpBonif2", datos.dImpBonif2);
+  takeColumn(*rows, "Bonificación3", datos.dBonificacion3);
+  takeColumn(*rows, "ImpBonif3", datos.dImpBonif3);
+  takeColumn(*rows, "Condicion_1_SI", datos.bCondicion_1_SI);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -126,18 +126,18 @@ RecordsetPtr ClsClientes::party(Statement::Constant more, Cabecera& datos) const
   Statement statement(
       "SELECT Nombre, Razon_Social as Empresa, NIF,  Direccion, Codigo_Postal, Poblacion,"
       " Provincia, Telefono");
-  statement << more << " FROM Clientes WHERE ( Codigo =  '" << value(joined(datos.id))
+  statement << more << " FROM Clientes WHERE ( Codigo =  '" << spliced(joined(datos.id))
             << "' and activo <> 0 )";
   RecordsetPtr rows = read(statement, *datos.objCn);
   if (rows->RecordCount() == 0) return nullptr;
-  take(*rows, "Telefono", datos.idTel);
-  take(*rows, "NIF", datos.sNif);
-  take(*rows, "Nombre", datos.sNombre);
-  take(*rows, "Empresa", datos.sEmpresa);
-  take(*rows, "Direccion", datos.sDireccion);
-  take(*rows, "Codigo_Postal", datos.sCp);
-  take(*rows, "Poblacion", datos.sPoblacion);
-  take(*rows, "Provincia", datos.sProvincia);
+  takeColumn(*rows, "Telefono", datos.idTel);
+  takeColumn(*rows, "NIF", datos.sNif);
+  takeColumn(*rows, "Nombre", datos.sNombre);
+  takeColumn(*rows, "Empresa", datos.sEmpresa);
+  takeColumn(*rows, "Direccion", datos.sDireccion);
+  takeColumn(*rows, "Codigo_Postal", datos.sCp);
+  takeColumn(*rows, "Poblacion", datos.sPoblacion);
+  takeColumn(*rows, "Provincia", datos.sProvincia);
   return rows;
 }
 
@@ -146,7 +146,7 @@ void ClsClientes::GetDatosCabecera(Cabecera& datos) const {
 }
 
 void ClsClientes::GetDatosEmpresa(Cabecera& datos) const {
-  if (const RecordsetPtr rows = party(", E_Mail", datos)) take(*rows, "E_Mail", datos.sMail);
+  if (const RecordsetPtr rows = party(", E_Mail", datos)) takeColumn(*rows, "E_Mail", datos.sMail);
 }
 
 void ClsClientes::GetAdministrativeCentres(Centros& datos) const {
@@ -159,14 +159,14 @@ void ClsClientes::GetAdministrativeCentres(Centros& datos) const {
                   datos.id),
            *datos.objCn);
   if (rows->RecordCount() == 0) return;
-  take(*rows, "Of_c_cod", datos.sOf_c_cod);
-  take(*rows, "Of_c_nom", datos.sOf_c_nom);
-  take(*rows, "Og_c_cod", datos.sOg_c_cod);
-  take(*rows, "Og_c_nom", datos.sOg_c_nom);
-  take(*rows, "Ut_c_cod", datos.sUt_c_cod);
-  take(*rows, "Ut_c_nom", datos.sUt_c_nom);
-  take(*rows, "Op_c_cod", datos.sOp_c_cod);
-  take(*rows, "Op_c_nom", datos.sOp_c_nom);
+  takeColumn(*rows, "Of_c_cod", datos.sOf_c_cod);
+  takeColumn(*rows, "Of_c_nom", datos.sOf_c_nom);
+  takeColumn(*rows, "Og_c_cod", datos.sOg_c_cod);
+  takeColumn(*rows, "Og_c_nom", datos.sOg_c_nom);
+  takeColumn(*rows, "Ut_c_cod", datos.sUt_c_cod);
+  takeColumn(*rows, "Ut_c_nom", datos.sUt_c_nom);
+  takeColumn(*rows, "Op_c_cod", datos.sOp_c_cod);
+  takeColumn(*rows, "Op_c_nom", datos.sOp_c_nom);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -176,7 +176,7 @@ bool ClsClientes::GetDto(const Variant& id, InOut<double> dDtoRpt, ObjCn objCn) 
   const RecordsetPtr rows =
       read(withId("SELECT Descuento FROM Clientes WHERE ( Codigo =  '{id}')", id), *objCn);
   if (rows->RecordCount() == 0) return false;
-  const double discount = number(rows->Field("Descuento").Value());
+  const double discount = asNumber(rows->Field("Descuento").Value());
   dDtoRpt = discount > 0 ? discount : 0;
   return discount > 0;
 }
@@ -185,7 +185,7 @@ bool ClsClientes::GetDtoRpt(const Variant& id, InOut<double> dDtoRpt, ObjCn objC
   const RecordsetPtr rows = read(
       withId("SELECT Descuento_R FROM Clientes WHERE ( Codigo =  '{id}' and activo <> 0 )", id),
       *objCn);
-  if (rows->RecordCount() > 0) dDtoRpt = number(rows->Field("Descuento_R").Value());
+  if (rows->RecordCount() > 0) dDtoRpt = asNumber(rows->Field("Descuento_R").Value());
   return true;
 }
 
@@ -195,7 +195,7 @@ double ClsClientes::ofSeries(const Statement& statement, std::string_view sSerie
   const std::string letter = text::lower(sSerie);
   const std::size_t place = letter.size() == 1 ? kSeries.find(letter) : std::string_view::npos;
   if (rows->RecordCount() == 0 || place == std::string_view::npos) return 0;
-  return number(rows->Field(static_cast<std::int32_t>(place)).Value());
+  return asNumber(rows->Field(static_cast<std::int32_t>(place)).Value());
 }
 
 double ClsClientes::GetIrpfSerie(const Variant& id, std::string_view sSerie, ObjCn objCn) const {
@@ -219,10 +219,10 @@ void ClsClientes::GetDocumentos(InOut<Variant> id, InOut<std::string> sDocumento
                   *id),
            *objCn);
   if (rows->RecordCount() == 0) return;
-  take(*rows, "Codigo", *id);
-  take(*rows, "Documento_P", *sDocumento_P);
-  take(*rows, "Documento_A", *sDocumento_A);
-  take(*rows, "Documento_F", *sDocumento_F);
+  takeColumn(*rows, "Codigo", *id);
+  takeColumn(*rows, "Documento_P", *sDocumento_P);
+  takeColumn(*rows, "Documento_A", *sDocumento_A);
+  takeColumn(*rows, "Documento_F", *sDocumento_F);
 }
 
 }  // namespace tavelor

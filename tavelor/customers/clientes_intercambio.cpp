@@ -103,7 +103,7 @@ std::vector<Variant> ClsClientes::ObtenerColCentrosProd(ObjCn objCn) const {
 bool ClsClientes::ObtenerClientesFacturar(InOut<std::vector<Variant>> cCollection,
                                           std::string_view sTipo, ObjCn objCn) const {
   Statement statement("SELECT Codigo FROM Clientes WHERE ( Facturar = '");
-  statement << value(sTipo) << "' )";
+  statement << spliced(sTipo) << "' )";
   const std::vector<Variant> codes = columnValues(*read(statement, *objCn), "Codigo");
   cCollection->insert(cCollection->end(), codes.begin(), codes.end());
   return !codes.empty();

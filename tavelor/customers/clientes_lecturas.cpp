@@ -59,13 +59,13 @@ std::string hours(Recordset& rows) {
   return open.isNull() ? "no" : "[ " + plain(open);
 }
 std::string warning(Recordset& rows) {
-  return flag(rows.Field("Incorporar").Value()) ? "{ " + orNothing(rows) : "no";
+  return asFlag(rows.Field("Incorporar").Value()) ? "{ " + orNothing(rows) : "no";
 }
 std::string documentMail(Recordset& rows) {
   return mail(first(rows));
 }
 std::string wantedMail(Recordset& rows) {
-  const bool ofAdministration = flag(rows.Field("UemlAdm").Value());
+  const bool ofAdministration = asFlag(rows.Field("UemlAdm").Value());
   return mail(rows.Field(ofAdministration ? "E_Mail_admin" : "E_Mail_doc").Value());
 }
 // "No" and other short words say that there is no report of its own.
@@ -78,7 +78,7 @@ bool isThere(Recordset& /*rows*/) {
   return true;
 }
 bool isSet(Recordset& rows) {
-  return flag(first(rows));
+  return asFlag(first(rows));
 }
 bool billedItself(Recordset& rows) {
   const Variant billed = rows.Field("codigo_fac").Value();
@@ -96,7 +96,7 @@ bool naturalPerson(Recordset& rows) {
 }
 
 double orZero(Recordset& rows) {
-  return number(first(rows));
+  return asNumber(first(rows));
 }
 
 constexpr bool kQuiet = true;

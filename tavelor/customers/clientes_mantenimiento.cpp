@@ -21,7 +21,7 @@ namespace tavelor {
 
 void ClsClientes::ActualizarCabeceraFra(std::string_view sId, ObjCn cnnActive) const {
   Statement statement("UPDATE Clientes SET Documento_F = '");
-  statement << value(sId) << "'";
+  statement << spliced(sId) << "'";
   write(statement, *cnnActive);
 }
 
@@ -36,10 +36,10 @@ void ClsClientes::Cancelar_report_Facturas(ObjCn cnnActive) const {
 void ClsClientes::Actualizar_Rs_La_3(std::string_view sRS, std::string_view sLA,
                                      ObjCn cnnActive) const {
   Statement first("UPDATE Clientes SET Rs = '");
-  first << value(sRS) << "'";
+  first << spliced(sRS) << "'";
   write(first, *cnnActive);
   Statement second("UPDATE Clientes SET La = '");
-  second << value(sLA) << "'";
+  second << spliced(sLA) << "'";
   write(second, *cnnActive);
 }
 
@@ -57,7 +57,7 @@ struct Days {
 
 Statement between(Statement::Constant column, const Days& days) {
   Statement condition(column);
-  condition << " Between " << value(days.first) << " AND " << value(days.last) << ")";
+  condition << " Between " << spliced(days.first) << " AND " << spliced(days.last) << ")";
   return condition;
 }
 
@@ -89,7 +89,7 @@ Statement notDeliveredMark(const Days& days) {
   Statement statement(
       "UPDATE Clientes SET Clientes.Planificar = -1 WHERE (((Exists"
       " (SELECT Albaranes.Numero From Albaranes WHERE ( ((Albaranes.Fecha) Between ");
-  statement << value(days.first) << " AND " << value(days.last)
+  statement << spliced(days.first) << " AND " << spliced(days.last)
             << " ) AND ((Albaranes.Codigo)=Clientes.Codigo))))=False));";
   return statement;
 }
@@ -100,7 +100,7 @@ Statement nothingPaidMark(const Days& days) {
       "UPDATE Clientes SET Clientes.Planificar = -1 WHERE (((Exists"
       " (SELECT DISTINCTROW Albaranes.Numero From Albaranes"
       " WHERE (((Albaranes.Fecha) Between ");
-  statement << value(days.first) << " AND " << value(days.last)
+  statement << spliced(days.first) << " AND " << spliced(days.last)
             << " )) GROUP BY Albaranes.Codigo, Albaranes.Numero"
                " HAVING (((Albaranes.Codigo)=[Clientes].[Codigo])"
                " AND ((Sum(Albaranes.Total))>0))))=false));";
@@ -134,9 +134,9 @@ Statement declarationMark() {
       " WHERE (((Clientes.Codigo)IN(SELECT Clientes.Codigo AS Código"
       " FROM Facturas INNER JOIN Clientes ON Facturas.Codigo = Clientes.Codigo"
       " WHERE (((Facturas.Fecha) Between ");
-  statement << value(year.first) << " And " << value(year.last) << ")";
+  statement << spliced(year.first) << " And " << spliced(year.last) << ")";
   if (const char series = consultas::declaredSeries()) {
-    statement << " AND ((Facturas.Serie) = '" << value(std::string_view(&series, 1)) << "'))";
+    statement << " AND ((Facturas.Serie) = '" << spliced(std::string_view(&series, 1)) << "'))";
   } else {
     statement << ")";
   }
@@ -293,7 +293,7 @@ constexpr std::string_view kIntoCopy =
 // that was billed to nobody is billed to its old code afterwards.
 Statement ClsClientes::copyUnder(std::string_view code, Recordset& old) const {
   Statement statement(kIntoCopy);
-  statement << "'" << value(code) << "'";
+  statement << "'" << spliced(code) << "'";
   for (const Copied& copied : kCopied) {
     Variant held = old.Field(copied.column).Value();
     if (held.isNull() && copied.column == "Codigo_fac") held = old.Field("Codigo").Value();
@@ -303,9 +303,9 @@ Statement ClsClientes::copyUnder(std::string_view code, Recordset& old) const {
     } else if (const bool* flag = held.getIf<bool>()) {
       statement << (*flag ? Statement::Constant("'-1'") : "'0'");
     } else if (held.getIf<Date>() != nullptr) {
-      statement << value(DataSession().DateLiteral(info().selector, held));
+      statement << spliced(DataSession().DateLiteral(info().selector, held));
     } else {
-      statement << "'" << value(joined(held)) << "'";
+      statement << "'" << spliced(joined(held)) << "'";
     }
   }
   statement << ")";
@@ -316,7 +316,7 @@ void ClsClientes::Actualizar_A_Nuevo_Registro(std::string_view IdCliente, bool b
                                               std::int16_t mdigitos, ObjCn cnnActive) const {
   Statement reading("SELECT Codigo");
   for (const Copied& copied : kCopied) reading << ", Clientes." << copied.column;
-  reading << " FROM Clientes WHERE codigo = '" << value(IdCliente) << "'";
+  reading << " FROM Clientes WHERE codigo = '" << spliced(IdCliente) << "'";
   const RecordsetPtr old = read(reading, *cnnActive);
 
   std::string code(IdCliente);
@@ -325,7 +325,7 @@ void ClsClientes::Actualizar_A_Nuevo_Registro(std::string_view IdCliente, bool b
   }
   const Statement insert = copyUnder(code, *old);
   Statement removal("DELETE Clientes.*, Clientes.Codigo FROM Clientes WHERE (((Clientes.Codigo)='");
-  removal << value(IdCliente) << "'));";
+  removal << spliced(IdCliente) << "'));";
 
   const ConnectionPtr connection = *cnnActive;
   connection->BeginTrans();

@@ -34,14 +34,14 @@ constexpr auto kEveryRow = [](Recordset&) { return true; };
 
 bool isUnstored(Recordset& rows) {
   const Variant key = rows.Field("ID").Value();
-  return !key.isEmpty() && number(key) == kUnstoredId;
+  return !key.isEmpty() && asNumber(key) == kUnstoredId;
 }
 
 // The key comes first: where the list shows none, nothing has changed.
 template <typename Wanted, typename Write>
 void numberRows(Recordset& rows, Wanted wanted, const Variant& next, Write alsoWrite) {
   const RecordsetPtr all = allRows(rows);
-  double id = number(next);
+  double id = asNumber(next);
   for (const Variant& place : placesOf(*all, wanted)) {
     all->Bookmark(place);
     all->Field("ID").Value(id);

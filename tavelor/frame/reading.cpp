@@ -26,54 +26,55 @@ void takeUnlessNull(Recordset& rows, std::string_view column, Convert&& convert)
 
 }  // namespace
 
-double number(const Variant& value) {
+double asNumber(const Variant& value) {
   return value.isNull() ? 0 : value.toDouble(locale());
 }
 
-float single(const Variant& value) {
-  const double wide = number(value);
+float asSingle(const Variant& value) {
+  const double wide = asNumber(value);
   if (!(std::fabs(wide) <= std::numeric_limits<float>::max())) {
     raise(errors::kOverflow, "Variant", "The number is too large for single precision");
   }
   return static_cast<float>(wide);
 }
 
-bool flag(const Variant& value) {
+bool asFlag(const Variant& value) {
   return !value.isNull() && value.toBoolean(locale());
 }
 
-void take(Recordset& rows, std::string_view column, std::string& to) {
+void takeColumn(Recordset& rows, std::string_view column, std::string& to) {
   takeUnlessNull(rows, column, [&](const Variant& v) { to = v.toText(locale()); });
 }
 
-void take(Recordset& rows, std::string_view column, std::int16_t& to) {
+void takeColumn(Recordset& rows, std::string_view column, std::int16_t& to) {
   takeUnlessNull(rows, column, [&](const Variant& v) { to = v.toInt16(locale()); });
 }
 
-void take(Recordset& rows, std::string_view column, std::int32_t& to) {
+void takeColumn(Recordset& rows, std::string_view column, std::int32_t& to) {
   takeUnlessNull(rows, column, [&](const Variant& v) { to = v.toInt32(locale()); });
 }
 
-void take(Recordset& rows, std::string_view column, float& to) {
+void takeColumn(Recordset& rows, std::string_view column, float& to) {
   takeUnlessNull(rows, column,
                  [&](const Variant& v) { to = static_cast<float>(v.toDouble(locale())); });
 }
 
-void take(Recordset& rows, std::string_view column, double& to) {
+void takeColumn(Recordset& rows, std::string_view column, double& to) {
   takeUnlessNull(rows, column, [&](const Variant& v) { to = v.toDouble(locale()); });
 }
 
-void take(Recordset& rows, std::string_view column, bool& to) {
+void takeColumn(Recordset& rows, std::string_view column, bool& to) {
   takeUnlessNull(rows, column, [&](const Variant& v) { to = v.toBoolean(locale()); });
 }
 
-void take(Recordset& rows, std::string_view column, Variant& to) {
+void takeColumn(Recordset& rows, std::string_view column, Variant& to) {
   takeUnlessNull(rows, column, [&](const Variant& v) { to = v; });
 }
 
-void takeOr(Recordset& rows, std::string_view column, std::string_view missing, std::string& to) {
+void takeColumnOr(Recordset& rows, std::string_view column, std::string_view missing,
+                  std::string& to) {
   to = missing;
-  take(rows, column, to);
+  takeColumn(rows, column, to);
 }
 
 std::vector<Variant> columnValues(Recordset& rows, std::string_view column) {

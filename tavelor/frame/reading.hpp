@@ -13,29 +13,30 @@ class Recordset;
 class Variant;
 
 /// 0 for Empty and Null. A text is read by the locale; raises 13 for one that is no number.
-double number(const Variant& value);
+double asNumber(const Variant& value);
 /// The same in single precision. Raises 6 for a number that is too large.
-float single(const Variant& value);
+float asSingle(const Variant& value);
 /// False for Empty and Null.
-bool flag(const Variant& value);
+bool asFlag(const Variant& value);
 
 /// Output variables take a column of the current row and keep what they hold where it is null.
-void take(Recordset& rows, std::string_view column, std::string& to);
+void takeColumn(Recordset& rows, std::string_view column, std::string& to);
 /// A text is read by the locale; raises 6 for a number that does not fit.
-void take(Recordset& rows, std::string_view column, std::int16_t& to);
+void takeColumn(Recordset& rows, std::string_view column, std::int16_t& to);
 /// The same.
-void take(Recordset& rows, std::string_view column, std::int32_t& to);
+void takeColumn(Recordset& rows, std::string_view column, std::int32_t& to);
 /// The same.
-void take(Recordset& rows, std::string_view column, float& to);
+void takeColumn(Recordset& rows, std::string_view column, float& to);
 /// The same.
-void take(Recordset& rows, std::string_view column, double& to);
+void takeColumn(Recordset& rows, std::string_view column, double& to);
 /// Any number but 0 is true.
-void take(Recordset& rows, std::string_view column, bool& to);
+void takeColumn(Recordset& rows, std::string_view column, bool& to);
 /// As it is, whatever its type.
-void take(Recordset& rows, std::string_view column, Variant& to);
+void takeColumn(Recordset& rows, std::string_view column, Variant& to);
 
 /// The same, with `missing` for null.
-void takeOr(Recordset& rows, std::string_view column, std::string_view missing, std::string& to);
+void takeColumnOr(Recordset& rows, std::string_view column, std::string_view missing,
+                  std::string& to);
 
 /// A column of all rows from the current one on; the set is left at EOF.
 std::vector<Variant> columnValues(Recordset& rows, std::string_view column);

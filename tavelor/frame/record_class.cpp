@@ -310,7 +310,7 @@ Variant RecordClass::successor(const Variant& code) {
 bool RecordClass::CodigoLibre(const Variant& vId, ObjCn objCn) const {
   if (!info_.freeCode.empty()) return !anyRow(withId(info_.freeCode, vId), objCn);
   Statement statement("SELECT Codigo FROM ");
-  statement << info_.table << " where codigo ='" << value(joined(vId)) << "'";
+  statement << info_.table << " where codigo ='" << spliced(joined(vId)) << "'";
   return !anyRow(statement, objCn);
 }
 
@@ -450,7 +450,7 @@ Statement RecordClass::withId(Statement::Constant text, const Variant& id) {
   std::size_t begin = 0;
   for (std::size_t mark = text.text().find(kIdMark); mark != std::string_view::npos;
        mark = text.text().find(kIdMark, begin)) {
-    statement << text.part(begin, mark - begin) << value(idText);
+    statement << text.part(begin, mark - begin) << spliced(idText);
     begin = mark + kIdMark.size();
   }
   statement << text.part(begin);

@@ -82,7 +82,7 @@ const Family* familyOf(std::string_view word) {
 
 // A seed is a text of digits that counts as a number.
 double seedNumber(const std::string& digits) {
-  return number(Variant(digits));
+  return asNumber(Variant(digits));
 }
 
 double greatestOf(double a, double b, double c) {
@@ -122,35 +122,35 @@ void clsNumeradores::readNumbers(std::string_view vId, std::string_view period,
                                  double& dSerieC, ObjCn objCn) const {
   Statement statement;
   if (const Family* family = familyOf(vId)) statement << family->select << "Numeradores";
-  statement << " WHERE (((Periodo)='" << value(period) << "'));";
+  statement << " WHERE (((Periodo)='" << spliced(period) << "'));";
   const RecordsetPtr rows = read(statement, *objCn);
 
   const Variant a = rows->Field("Serie_a").Value();
   const Variant b = rows->Field("Serie_b").Value();
   const Variant c = rows->Field("Serie_c").Value();
-  dSerieA = a.isNull() ? seedNumber(seed) : number(a) + 1;
+  dSerieA = a.isNull() ? seedNumber(seed) : asNumber(a) + 1;
   if (b.isNull()) {
     dSerieA = seedNumber(seed + "00");
   } else {
-    dSerieB = number(b) + 1;
+    dSerieB = asNumber(b) + 1;
   }
   if (c.isNull()) {
     dSerieA = seedNumber(seed + "000");
   } else {
-    dSerieC = number(c) + 1;
+    dSerieC = asNumber(c) + 1;
   }
 }
 
 void clsNumeradores::GetNewRectifi(InOut<double> dSeriR, ObjCn objCn) const {
   const std::string period = currentPeriod();
   Statement statement("SELECT Factura_R as Serie_R FROM Numeradores WHERE (((Periodo)='");
-  statement << value(period) << "'));";
+  statement << spliced(period) << "'));";
   const Variant last = read(statement, *objCn)->Field("Serie_R").Value();
-  dSeriR = last.isNull() ? seedNumber(today("yyyy") + "0001") : number(last) + 1;
+  dSeriR = last.isNull() ? seedNumber(today("yyyy") + "0001") : asNumber(last) + 1;
 }
 
 bool clsNumeradores::Alb_Num_Simple(ObjCn objCn) const {
-  return flag(lookUp(
+  return asFlag(lookUp(
       withId("SELECT Alb_Num_Simple FROM Numeradores WHERE ((Periodo)='{id}');", currentPeriod()),
       "Alb_Num_Simple", *objCn));
 }
@@ -158,7 +158,7 @@ bool clsNumeradores::Alb_Num_Simple(ObjCn objCn) const {
 // A server's database always works with lots of use and is not asked.
 bool clsNumeradores::ActivarLoteUso(const Variant& /*vId*/, ObjCn objCn) const {
   if (!DataSession().IsDbFile(info().selector)) return true;
-  return flag(lookUp(
+  return asFlag(lookUp(
       withId("SELECT Activar_Lote_Uso FROM Numeradores WHERE ((Periodo)='{id}');", currentPeriod()),
       "Activar_Lote_Uso", *objCn));
 }
@@ -183,7 +183,7 @@ Variant clsNumeradores::GetLong(std::string_view vId, ObjCn objCn) const {
       if (rows->Field(length.column).Value().isNull()) {
         other = length.whenNull;
       } else {
-        take(*rows, length.column, length.digits);
+        takeColumn(*rows, length.column, length.digits);
       }
     }
   }
@@ -214,11 +214,11 @@ void clsNumeradores::SetNewNum(std::string_view vId, double dSerieA, double dSer
 
   Statement statement;
   if (const Family* family = familyOf(vId)) {
-    statement << "UPDATE Numeradores SET " << family->column << "a ='" << value(joined(dSerieA))
-              << "' , " << family->column << "b ='" << value(joined(dSerieB)) << "' , "
-              << family->column << "c ='" << value(joined(dSerieC)) << "' ";
+    statement << "UPDATE Numeradores SET " << family->column << "a ='" << spliced(joined(dSerieA))
+              << "' , " << family->column << "b ='" << spliced(joined(dSerieB)) << "' , "
+              << family->column << "c ='" << spliced(joined(dSerieC)) << "' ";
   } else if (vId == kRectifying) {
-    statement << "UPDATE Numeradores SET Factura_R ='" << value(joined(dSerieA)) << "' ";
+    statement << "UPDATE Numeradores SET Factura_R ='" << spliced(joined(dSerieA)) << "' ";
   }
   writeCounters(std::move(statement), *objCn, *sPeriodo);
 }
@@ -229,11 +229,11 @@ void clsNumeradores::SetNewNumOrd(std::string_view vId, double dSerieA, double d
   const std::string letter = text::upper(vId);
   Statement statement;
   if (letter == "A") {
-    statement << "UPDATE Numeradores SET Orden_a ='" << value(joined(dSerieA)) << "' ";
+    statement << "UPDATE Numeradores SET Orden_a ='" << spliced(joined(dSerieA)) << "' ";
   } else if (letter == "B") {
-    statement << "UPDATE Numeradores SET Orden_b ='" << value(joined(dSerieB)) << "' ";
+    statement << "UPDATE Numeradores SET Orden_b ='" << spliced(joined(dSerieB)) << "' ";
   } else if (letter == "C") {
-    statement << "UPDATE Numeradores SET Orden_c ='" << value(joined(dSerieC)) << "' ";
+    statement << "UPDATE Numeradores SET Orden_c ='" << spliced(joined(dSerieC)) << "' ";
   }
   writeCounters(std::move(statement), *objCn, *sPeriodo);
 }
@@ -246,7 +246,7 @@ void clsNumeradores::SetDigitArtTo0(ObjCn objCn) const {
 
 void clsNumeradores::writeCounters(Statement statement, ObjCn objCn, std::string& sPeriodo) const {
   const std::string code = joined(GetCodigo(*objCn, sPeriodo));
-  statement << " WHERE (((Numeradores.Codigo) ='" << value(code) << "'));";
+  statement << " WHERE (((Numeradores.Codigo) ='" << spliced(code) << "'));";
   write(statement, *objCn);
 }
 

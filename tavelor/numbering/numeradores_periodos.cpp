@@ -42,7 +42,7 @@ Variant clsNumeradores::periodColumn(Statement::Constant column, ObjCn objCn,
                                      std::string& sPeriodo) const {
   fillPeriod(sPeriodo);
   Statement statement("SELECT ");
-  statement << column << " FROM Numeradores WHERE ((Periodo)='" << value(sPeriodo) << "');";
+  statement << column << " FROM Numeradores WHERE ((Periodo)='" << spliced(sPeriodo) << "');";
   const RecordsetPtr rows = read(statement, *objCn);
   return rows->RecordCount() == 0 ? Variant() : rows->Field(column).Value();
 }
@@ -57,15 +57,15 @@ std::string clsNumeradores::GetLetra(ObjCn objCn, InOut<std::string> sPeriodo) c
 }
 
 bool clsNumeradores::GetAño(ObjCn objCn, InOut<std::string> sPeriodo) const {
-  return flag(periodColumn("Año", *objCn, *sPeriodo));
+  return asFlag(periodColumn("Año", *objCn, *sPeriodo));
 }
 
 bool clsNumeradores::GetMes(ObjCn objCn, InOut<std::string> sPeriodo) const {
-  return flag(periodColumn("Mes", *objCn, *sPeriodo));
+  return asFlag(periodColumn("Mes", *objCn, *sPeriodo));
 }
 
 bool clsNumeradores::GetContador(ObjCn objCn, InOut<std::string> sPeriodo) const {
-  return flag(periodColumn("Contador", *objCn, *sPeriodo));
+  return asFlag(periodColumn("Contador", *objCn, *sPeriodo));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -124,8 +124,8 @@ void clsNumeradores::CrearPeriodoActual() {
 
 void clsNumeradores::addPeriod(const std::string& year) {
   const std::string seed = today("yy") + "0000";
-  const std::array<double, 3> seeds = {number(Variant(seed)), number(Variant(seed + "0")),
-                                       number(Variant(seed + "00"))};
+  const std::array<double, 3> seeds = {asNumber(Variant(seed)), asNumber(Variant(seed + "0")),
+                                       asNumber(Variant(seed + "00"))};
   AddNew(true);
 
   Recordset& rows = primary();
@@ -137,7 +137,7 @@ void clsNumeradores::addPeriod(const std::string& year) {
   for (std::int32_t field = kFirstSeeded; field <= kLastSeeded; ++field) {
     rows.Field(field).Value(seeds[static_cast<std::size_t>(field - kFirstSeeded) % seeds.size()]);
   }
-  rows.Field("Factura_r").Value(number(Variant(year + "00000")));
+  rows.Field("Factura_r").Value(asNumber(Variant(year + "00000")));
   // Work orders once more, by name: they have their seeds wherever the places above end.
   for (const char* family : {"Presupuesto_", "Orden_"}) {
     rows.Field(std::string(family) + "a").Value(seeds[0]);

@@ -187,7 +187,7 @@ std::string ibanOfCcc(std::string_view ccc) {
   return "ES" + ibanControl("ES", ccc) + std::string(ccc);
 }
 
-std::string_view description(AccountFault fault) {
+std::string_view faultText(AccountFault fault) {
   switch (fault) {
     case AccountFault::kNone:
       return "";

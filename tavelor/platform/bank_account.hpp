@@ -46,6 +46,6 @@ std::string ibanControl(std::string_view country, std::string_view national);
 std::string ibanOfCcc(std::string_view ccc);
 
 /// "has a wrong number of characters", to stand behind the number in a message; "" for none.
-std::string_view description(AccountFault fault);
+std::string_view faultText(AccountFault fault);
 
 }  // namespace tavelor

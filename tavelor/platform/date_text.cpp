@@ -100,8 +100,8 @@ class Names {
 std::optional<Date> readPlainDay(std::string_view text) {
   if (text.size() != 10) return std::nullopt;
   // What is left of a digit is its number, of a slash nothing.
-  const Word64 begin = load(text.data()) ^ load("00/00/00");
-  const Word64 end = load(text.data() + 8, 2) ^ load("00", 2);
+  const Word64 begin = loadWord(text.data()) ^ loadWord("00/00/00");
+  const Word64 end = loadWord(text.data() + 8, 2) ^ loadWord("00", 2);
   constexpr Word64 kSlashes = Word64{0xFF} << 16 | Word64{0xFF} << 40;
   if ((begin & kSlashes) != 0 || !areDigits(begin) || !areDigits(end)) return std::nullopt;
   const auto two = [](Word64 digits, int place) {

@@ -128,7 +128,7 @@ CompanyControl companyControl(std::string_view sevenDigits) {
   return {static_cast<char>('0' + control), "JABCDEFGHI"[control]};
 }
 
-std::string_view description(FiscalFault fault) {
+std::string_view faultText(FiscalFault fault) {
   switch (fault) {
     case FiscalFault::kNone:
       return "";
@@ -150,7 +150,7 @@ std::string_view description(FiscalFault fault) {
   return "";
 }
 
-std::string_view word(FiscalKind kind) {
+std::string_view kindWord(FiscalKind kind) {
   switch (kind) {
     case FiscalKind::kNone:
       return "";

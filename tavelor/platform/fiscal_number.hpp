@@ -68,8 +68,8 @@ struct CompanyControl {
 CompanyControl companyControl(std::string_view sevenDigits);
 
 /// "has not nine characters", to stand behind the number in a message; "" for none.
-std::string_view description(FiscalFault fault);
+std::string_view faultText(FiscalFault fault);
 /// "NIF", "NIE", "CIF"; "" for none. K, L and M are NIF too.
-std::string_view word(FiscalKind kind);
+std::string_view kindWord(FiscalKind kind);
 
 }  // namespace tavelor

@@ -59,8 +59,8 @@ std::size_t matchLiteral(std::string_view text, std::size_t at, std::string_view
   std::size_t i = 0;
   while (i < literal.size()) {
     if (i + 8 <= literal.size() && at + 8 <= text.size()) {
-      const Word64 wanted = load(literal.data() + i);
-      const Word64 found = load(text.data() + at);
+      const Word64 wanted = loadWord(literal.data() + i);
+      const Word64 found = loadWord(text.data() + at);
       if (((wanted | found) & utf8::kHighBits) == 0) {
         if (utf8::foldAsciiWord(found) != wanted) return kNoMatch;
         i += 8;

@@ -20,8 +20,8 @@ namespace tavelor {
 ///     s << sqlText(code);
 ///
 /// Its own text is known when compiling, or says Statement::trusted(); a value goes through
-/// sqlText(), sqlLiteral() or value(). A text that is known only when running and has neither does
-/// not compile.
+/// sqlText(), sqlLiteral() or spliced(). A text that is known only when running and has neither
+/// does not compile.
 ///
 /// text() is exactly the joined text. Because the values are known, one that does not stay inside
 /// the literal that it was put into is refused as a syntax error: a quote breaks the statement, and
@@ -140,10 +140,10 @@ class Statement {
 /// A text from outside as it is, for those who write the quotes around it themselves: it has to be
 /// printed as the statement wants it already, and a quote in it breaks the statement unless it is
 /// doubled. For all others sqlText() and sqlLiteral() are the way.
-inline Statement::Value value(std::string_view text) {
+inline Statement::Value spliced(std::string_view text) {
   return {text};
 }
 /// No text.
-Statement::Value value(std::nullptr_t) = delete;
+Statement::Value spliced(std::nullptr_t) = delete;
 
 }  // namespace tavelor

@@ -17,7 +17,7 @@ namespace utf8 {
 bool isAscii(std::string_view text) {
   std::size_t i = 0;
   for (; i + 8 <= text.size(); i += 8) {
-    if ((load(text.data() + i) & kHighBits) != 0) return false;
+    if ((loadWord(text.data() + i) & kHighBits) != 0) return false;
   }
   for (; i < text.size(); ++i) {
     if (!isAscii(text[i])) return false;
@@ -88,7 +88,7 @@ namespace {
 std::size_t offsetOf(std::string_view text, std::size_t count) {
   std::size_t i = 0;
   while (count > 0 && i < text.size()) {
-    if (count >= 8 && i + 8 <= text.size() && (load(text.data() + i) & utf8::kHighBits) == 0) {
+    if (count >= 8 && i + 8 <= text.size() && (loadWord(text.data() + i) & utf8::kHighBits) == 0) {
       i += 8;
       count -= 8;
       continue;
@@ -109,7 +109,7 @@ std::size_t length(std::string_view text) {
   std::size_t count = 0;
   std::size_t i = 0;
   while (i < text.size()) {
-    if (i + 8 <= text.size() && (load(text.data() + i) & utf8::kHighBits) == 0) {
+    if (i + 8 <= text.size() && (loadWord(text.data() + i) & utf8::kHighBits) == 0) {
       i += 8;
       count += 8;
       continue;
@@ -205,8 +205,8 @@ int compareIgnoreCase(std::string_view a, std::string_view b) {
   std::size_t j = 0;
   while (i < a.size() && j < b.size()) {
     if (i + 8 <= a.size() && j + 8 <= b.size()) {
-      const Word64 left = load(a.data() + i);
-      const Word64 right = load(b.data() + j);
+      const Word64 left = loadWord(a.data() + i);
+      const Word64 right = loadWord(b.data() + j);
       if (((left | right) & utf8::kHighBits) == 0 &&
           utf8::foldAsciiWord(left) == utf8::foldAsciiWord(right)) {
         i += 8;

@@ -21,7 +21,7 @@ constexpr Word64 eachByte(unsigned char byte) {
 
 /// The bytes at `from`, the first one lowest.
 template <typename Word = Word64>
-Word64 load(const char* from) {
+Word64 loadWord(const char* from) {
   Word word = 0;
   std::memcpy(&word, from, sizeof word);
   if constexpr (std::endian::native == std::endian::big) {
@@ -33,10 +33,10 @@ Word64 load(const char* from) {
 }
 
 /// The same with up to 8 bytes; those above are zero. Reads overlap instead of going byte by byte.
-inline Word64 load(const char* from, std::size_t count) {
+inline Word64 loadWord(const char* from, std::size_t count) {
   const auto bothEnds = [&]<typename Word>(Word) {
     const std::size_t last = count - sizeof(Word);
-    return load<Word>(from) | load<Word>(from + last) << (8 * last);
+    return loadWord<Word>(from) | loadWord<Word>(from + last) << (8 * last);
   };
   if (count >= sizeof(std::uint32_t)) return bothEnds(std::uint32_t{});
   if (count >= sizeof(std::uint16_t)) return bothEnds(std::uint16_t{});

@@ -62,7 +62,7 @@ void ClsBancos::GetIbanBic(const Variant& vId, InOut<std::string> sIban, InOut<s
     return;
   }
   Statement statement("SELECT iBan AS Código, swift FROM Bancos WHERE codigo = '");
-  statement << value(code) << "'";
+  statement << spliced(code) << "'";
   const RecordsetPtr rows = read(statement, objCn);
   const auto textOrZero = [&](std::string_view column) {
     const Variant found = rows->Field(column).Value();
@@ -79,7 +79,7 @@ Variant ClsBancos::GetValor(const Variant& vId, ObjCn objCn) const {
       "  Telefono_Banco As Teléfono, Fax_Banco as Fax, E_Mail, Http, Predeterminada"
       " FROM Bancos"
       " WHERE codigo = '");
-  statement << value(joined(vId)) << "'";
+  statement << spliced(joined(vId)) << "'";
   const RecordsetPtr rows = read(statement, objCn);
 
   // The fallback of the first part spells a whole account already and the others add theirs all the
@@ -106,7 +106,7 @@ Variant ClsBancos::GetValor(const Variant& vId, ObjCn objCn) const {
 
 Variant ClsBancos::GetWeb(const Variant& vId, ObjCn objCn) const {
   Statement statement("SELECT Http as web FROM Bancos WHERE codigo = '");
-  statement << value(joined(vId)) << "'";
+  statement << spliced(joined(vId)) << "'";
   Variant web = read(statement, objCn)->Field("web").Value();
   return web.isNull() ? Variant(kPlaceholderWeb) : web;
 }
@@ -124,7 +124,7 @@ std::string ClsBancos::CrearBanco(InOut<Variant> vId, std::string_view sBanco, O
       " Codigo, Banco"
       "  )"
       " values ( '");
-  statement << value(code) << " ', '" << value(sBanco) << "')";
+  statement << spliced(code) << " ', '" << spliced(sBanco) << "')";
   write(statement, objCn);
   return code;
 }

@@ -56,23 +56,23 @@ std::string ClsContactos::GetTxtFile() const {
 
 void ClsContactos::ObtenerRegistroActivo(Registro& registro) const {
   Recordset& rows = primary();
-  take(rows, "Código", registro.sCod);
-  take(rows, "Nombre", registro.sNom);
-  take(rows, "Empresa", registro.sEmpr);
-  take(rows, "Dirección", registro.sdir);
-  take(rows, "Codigo_Postal", registro.sCp);
-  take(rows, "Población", registro.sPob);
-  take(rows, "Provincia", registro.sProv);
-  take(rows, "Teléfono", registro.stel);
-  take(rows, "Teléfono_2", registro.stel2);
-  take(rows, "Móvil", registro.sMovil);
-  take(rows, "Fax", registro.sFax);
-  take(rows, "E_Mail", registro.sMail);
-  take(rows, "Http", registro.sHttp);
-  take(rows, "Contacto", registro.sContacto);
-  take(rows, "NIF", registro.sNif);
-  take(rows, "Tipo", registro.sTipo);
-  take(rows, "ExternalID", registro.sExternalID);
+  takeColumn(rows, "Código", registro.sCod);
+  takeColumn(rows, "Nombre", registro.sNom);
+  takeColumn(rows, "Empresa", registro.sEmpr);
+  takeColumn(rows, "Dirección", registro.sdir);
+  takeColumn(rows, "Codigo_Postal", registro.sCp);
+  takeColumn(rows, "Población", registro.sPob);
+  takeColumn(rows, "Provincia", registro.sProv);
+  takeColumn(rows, "Teléfono", registro.stel);
+  takeColumn(rows, "Teléfono_2", registro.stel2);
+  takeColumn(rows, "Móvil", registro.sMovil);
+  takeColumn(rows, "Fax", registro.sFax);
+  takeColumn(rows, "E_Mail", registro.sMail);
+  takeColumn(rows, "Http", registro.sHttp);
+  takeColumn(rows, "Contacto", registro.sContacto);
+  takeColumn(rows, "NIF", registro.sNif);
+  takeColumn(rows, "Tipo", registro.sTipo);
+  takeColumn(rows, "ExternalID", registro.sExternalID);
 }
 
 const Component& ClsContactos::component() {

@@ -80,10 +80,10 @@ void clsFamilias::CambiarDescripcionaFamilia(const Variant& vId, std::string_vie
       "UPDATE "
       "Familias"
       " SET Descripcion = '");
-  statement << value(sDescrip)
+  statement << spliced(sDescrip)
             << "' "
                " WHERE (Codigo = '"
-            << value(joined(vId)) << "')";
+            << spliced(joined(vId)) << "')";
   write(statement, cnnActive);
 }
 
@@ -94,10 +94,10 @@ void clsFamilias::Insertar(const Variant& vId, std::string_view sDescripcion, Ob
       " Descripcion"
       " )"
       " values ( '");
-  statement << value(joined(vId))
+  statement << spliced(joined(vId))
             << "',"
                "'"
-            << value(sDescripcion) << "' )";
+            << spliced(sDescripcion) << "' )";
   write(statement, objCn);
 }
 
@@ -126,7 +126,7 @@ void clsFamilias::GetDatosImport(const Variant& vId, InOut<std::string> sDescrip
                                           " )",
                                           vId),
                                    objCn);
-  if (rows->RecordCount() > 0) take(*rows, "Descripcion", *sDescripcion);
+  if (rows->RecordCount() > 0) takeColumn(*rows, "Descripcion", *sDescripcion);
 }
 
 // A new family can be used at once; in the short lists the table sees to it.

@@ -87,10 +87,10 @@ Variant ClsFormasPago::GetVencimientos(const Variant& vId, ObjCn objCn) const {
 }
 
 bool ClsFormasPago::NoActualizarIrpf(const Variant& vId, ObjCn objCn) const {
-  return flag(lookUp(withId("SELECT No_Irpf"
-                            " FROM Formas_Pago where codigo ='{id}'",
-                            vId),
-                     "No_Irpf", objCn));
+  return asFlag(lookUp(withId("SELECT No_Irpf"
+                              " FROM Formas_Pago where codigo ='{id}'",
+                              vId),
+                       "No_Irpf", objCn));
 }
 
 std::string ClsFormasPago::GetTipo(const Variant& vId, ObjCn objCn) const {
@@ -111,14 +111,14 @@ void ClsFormasPago::GetPropiedades(Propiedades& datos) const {
                   datos.vId),
            *datos.objCn);
   if (rows->RecordCount() == 0) return;
-  datos.bCrearApunte = flag(rows->Field("Apunte").Value());
-  datos.bNoIrpf = flag(rows->Field("No_Irpf").Value());
-  datos.bCrearRecibo = flag(rows->Field("Recibo").Value());
+  datos.bCrearApunte = asFlag(rows->Field("Apunte").Value());
+  datos.bNoIrpf = asFlag(rows->Field("No_Irpf").Value());
+  datos.bCrearRecibo = asFlag(rows->Field("Recibo").Value());
   if (!datos.bCrearRecibo) return;
-  take(*rows, "Plazos", datos.iPlazos);
-  take(*rows, "Vencimiento", datos.iVtoA);
-  take(*rows, "Cta_Contable", datos.sCtaConta);
-  take(*rows, "Cta_Tesoreria", datos.sCtaTesor);
+  takeColumn(*rows, "Plazos", datos.iPlazos);
+  takeColumn(*rows, "Vencimiento", datos.iVtoA);
+  takeColumn(*rows, "Cta_Contable", datos.sCtaConta);
+  takeColumn(*rows, "Cta_Tesoreria", datos.sCtaTesor);
 }
 
 // Day, entry and receipt are set whether defaults are wanted or not.

@@ -29,21 +29,21 @@ constexpr ClassInfo kInfo = {.word = "Impuestos", .table = "TIPOS_IMPUESTO", .mo
 ClsImpuestos::ClsImpuestos() : OpensByWord(kInfo) {}
 
 double ClsImpuestos::GetImpuesto(InOut<Variant> vId, ObjCn objCn) const {
-  return number(lookUp(withId("SELECT Codigo,"
-                              " Impuesto"
-                              " FROM Tipos_Impuesto"
-                              " WHERE Codigo = '{id}'",
-                              *vId),
-                       "Impuesto", objCn));
+  return asNumber(lookUp(withId("SELECT Codigo,"
+                                " Impuesto"
+                                " FROM Tipos_Impuesto"
+                                " WHERE Codigo = '{id}'",
+                                *vId),
+                         "Impuesto", objCn));
 }
 
 double ClsImpuestos::GetRecargo(const Variant& vId, ObjCn objCn) const {
-  return number(lookUp(withId("SELECT Codigo,"
-                              " Impuesto, Recargo"
-                              " FROM Tipos_Impuesto"
-                              " WHERE Codigo = '{id}'",
-                              vId),
-                       "Recargo", objCn));
+  return asNumber(lookUp(withId("SELECT Codigo,"
+                                " Impuesto, Recargo"
+                                " FROM Tipos_Impuesto"
+                                " WHERE Codigo = '{id}'",
+                                vId),
+                         "Recargo", objCn));
 }
 
 // The two names read alike: the first answers the description, the second the code.

@@ -43,13 +43,13 @@ constexpr std::string_view kDatosEmpresa =
 
 // The columns that all three reads of issuer data share.
 void takeIssuer(Recordset& rows, ClsTiposDocumento::Datos& datos) {
-  take(rows, "Nombre", datos.sNom);
-  take(rows, "Razon_Social", datos.sEmpr);
-  take(rows, "NIF", datos.sNif);
-  take(rows, "Direccion", datos.sdir);
-  take(rows, "Codigo_Postal", datos.sCp);
-  take(rows, "Poblacion", datos.sPob);
-  take(rows, "Telefono", datos.stel);
+  takeColumn(rows, "Nombre", datos.sNom);
+  takeColumn(rows, "Razon_Social", datos.sEmpr);
+  takeColumn(rows, "NIF", datos.sNif);
+  takeColumn(rows, "Direccion", datos.sdir);
+  takeColumn(rows, "Codigo_Postal", datos.sCp);
+  takeColumn(rows, "Poblacion", datos.sPob);
+  takeColumn(rows, "Telefono", datos.stel);
 }
 
 }  // namespace
@@ -58,7 +58,7 @@ ClsTiposDocumento::ClsTiposDocumento() : OpensOnConnection(kInfo) {}
 
 bool ClsTiposDocumento::bEsPredeterminada() const {
   try {
-    return flag(primary().Field("Predeterminada").Value());
+    return asFlag(primary().Field("Predeterminada").Value());
   } catch (const Error&) {
     return false;
   }
@@ -85,8 +85,8 @@ void ClsTiposDocumento::GetDatosPredeterminada(Datos& datos) const {
   const RecordsetPtr rows = read(statement, *datos.objCn);
   if (rows->RecordCount() == 0) return;
   takeIssuer(*rows, datos);
-  take(*rows, "Pie", datos.sPie);
-  take(*rows, "Comentarios", datos.sCom);
+  takeColumn(*rows, "Pie", datos.sPie);
+  takeColumn(*rows, "Comentarios", datos.sCom);
 }
 
 void ClsTiposDocumento::GetLicencia_predeterminada(InOut<std::string> sLicencia,
@@ -95,12 +95,12 @@ void ClsTiposDocumento::GetLicencia_predeterminada(InOut<std::string> sLicencia,
       read(Statement("SELECT Licencia  FROM Tipos_Documento where predeterminada <> 0"), objCn);
   if (rows->RecordCount() == 0) return;
   sLicencia = "Pendiente";
-  take(*rows, "Licencia", *sLicencia);
+  takeColumn(*rows, "Licencia", *sLicencia);
 }
 
 void ClsTiposDocumento::GetDatosCabecera(Datos& datos) const {
   Statement statement(kDatos);
-  statement << " WHERE ( Codigo = '" << value(datos.sCod) << "' )";
+  statement << " WHERE ( Codigo = '" << spliced(datos.sCod) << "' )";
   const RecordsetPtr rows = read(statement, *datos.objCn);
   if (rows->RecordCount() > 0) takeIssuer(*rows, datos);
 }
@@ -110,13 +110,13 @@ void ClsTiposDocumento::GetDatosEmpresa(Datos& datos) const {
   if (datos.bPredeterminada) {
     statement << " WHERE ( predeterminada <> 0 )";
   } else {
-    statement << " WHERE ( Codigo = '" << value(datos.sCod) << "' )";
+    statement << " WHERE ( Codigo = '" << spliced(datos.sCod) << "' )";
   }
   const RecordsetPtr rows = read(statement, *datos.objCn);
   if (rows->RecordCount() == 0) return;
   takeIssuer(*rows, datos);
-  take(*rows, "Provincia", datos.sProv);
-  take(*rows, "e_Mail", datos.sMail);
+  takeColumn(*rows, "Provincia", datos.sProv);
+  takeColumn(*rows, "e_Mail", datos.sMail);
 }
 
 bool ClsTiposDocumento::ExistePredeterminada(ObjCn objCn) const {

@@ -46,23 +46,23 @@ bool ClsTiposFactura::ExistePredeterminada(ObjCn objCn) const {
 
 void ClsTiposFactura::GetDatos(Datos& datos) const {
   Statement statement(kTodos);
-  statement << " WHERE Codigo = '" << value(datos.vId) << "'";
+  statement << " WHERE Codigo = '" << spliced(datos.vId) << "'";
   const RecordsetPtr rows = read(statement, *datos.objCn);
-  take(*rows, "Totalizada", datos.bTotalizada);
-  take(*rows, "Texto_Totalizada", datos.sTxtTotal);
-  take(*rows, "Desglosada", datos.bDesglose);
-  take(*rows, "Texto", datos.stexto);
-  take(*rows, "Renumerada", datos.bRenumerada);
-  take(*rows, "Referencia", datos.bReferencia);
-  take(*rows, "Texto_Referencia", datos.sTxtRef);
-  take(*rows, "Pedido", datos.bPedido);
-  take(*rows, "Texto_pedido", datos.sTxtPed);
-  take(*rows, "Albarán", datos.bAlbaran);
-  take(*rows, "Texto_Albaran", datos.sTxtAlb);
-  take(*rows, "Fecha", datos.bFecha);
-  take(*rows, "Texto_Fecha", datos.sTxtfch);
-  take(*rows, "Total_Albaran", datos.bTotal);
-  take(*rows, "Texto_Total_Albaran", datos.sTextoTotal);
+  takeColumn(*rows, "Totalizada", datos.bTotalizada);
+  takeColumn(*rows, "Texto_Totalizada", datos.sTxtTotal);
+  takeColumn(*rows, "Desglosada", datos.bDesglose);
+  takeColumn(*rows, "Texto", datos.stexto);
+  takeColumn(*rows, "Renumerada", datos.bRenumerada);
+  takeColumn(*rows, "Referencia", datos.bReferencia);
+  takeColumn(*rows, "Texto_Referencia", datos.sTxtRef);
+  takeColumn(*rows, "Pedido", datos.bPedido);
+  takeColumn(*rows, "Texto_pedido", datos.sTxtPed);
+  takeColumn(*rows, "Albarán", datos.bAlbaran);
+  takeColumn(*rows, "Texto_Albaran", datos.sTxtAlb);
+  takeColumn(*rows, "Fecha", datos.bFecha);
+  takeColumn(*rows, "Texto_Fecha", datos.sTxtfch);
+  takeColumn(*rows, "Total_Albaran", datos.bTotal);
+  takeColumn(*rows, "Texto_Total_Albaran", datos.sTextoTotal);
 }
 
 void ClsTiposFactura::ReadBLOB(InOut<std::string> Source) {

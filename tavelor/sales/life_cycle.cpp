@@ -10,41 +10,41 @@ namespace life_cycle {
 
 Statement intoClosing(const Table& table, std::string_view ticket, std::string_view closing) {
   Statement statement("UPDATE ");
-  statement << table.name << " SET Cierre = " << value(closing) << " WHERE(" << table.key << " = "
-            << value(ticket) << ")";
+  statement << table.name << " SET Cierre = " << spliced(closing) << " WHERE(" << table.key << " = "
+            << spliced(ticket) << ")";
   return statement;
 }
 
 Statement renumbered(const Table& table, std::string_view ticket, std::string_view newNumber) {
   Statement statement("UPDATE ");
-  statement << table.name << " SET " << table.key << " = " << value(newNumber) << " WHERE("
-            << table.key << " = " << value(ticket) << ")";
+  statement << table.name << " SET " << table.key << " = " << spliced(newNumber) << " WHERE("
+            << table.key << " = " << spliced(ticket) << ")";
   return statement;
 }
 
 Statement copyToHistory(const Table& table, std::string_view closing) {
   Statement statement("INSERT INTO H");
   statement << table.name << table.copied << " FROM " << table.name
-            << " WHERE(CIERRE = " << value(closing) << ")";
+            << " WHERE(CIERRE = " << spliced(closing) << ")";
   return statement;
 }
 
 Statement dropLive(const Table& table, std::string_view closing) {
   Statement statement("DELETE  FROM ");
-  statement << table.name << " WHERE ((CIERRE = " << value(closing) << "))";
+  statement << table.name << " WHERE ((CIERRE = " << spliced(closing) << "))";
   return statement;
 }
 
 Statement copyFromHistory(const Table& table, std::string_view closing) {
   Statement statement("INSERT INTO ");
   statement << table.name << " SELECT H" << table.name << ".*"
-            << " FROM H" << table.name << " WHERE(CIERRE = " << value(closing) << ")";
+            << " FROM H" << table.name << " WHERE(CIERRE = " << spliced(closing) << ")";
   return statement;
 }
 
 Statement dropHistory(const Table& table, std::string_view closing) {
   Statement statement("DELETE  FROM H");
-  statement << table.name << " WHERE ((CIERRE = " << value(closing) << "))";
+  statement << table.name << " WHERE ((CIERRE = " << spliced(closing) << "))";
   return statement;
 }
 

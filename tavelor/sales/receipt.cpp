@@ -41,14 +41,14 @@ std::vector<Variant> lines(Recordset& rows) {
   const Field amounts = rows.Field("Importe");
   std::vector<Variant> lines;
   for (; !rows.Eof(); rows.MoveNext()) {
-    const float quantity = single(quantities.Value());
-    const double discount = number(discounts.Value());
+    const float quantity = asSingle(quantities.Value());
+    const double discount = asNumber(discounts.Value());
     const std::string discountPart = discount == 0 ? "" : inColumn(discount, kDiscountWidth) + "%";
     const std::size_t amountWidth =
         kAmountWidth - std::min(kAmountWidth, text::length(discountPart));
     lines.emplace_back(inColumn(quantity, kQuantityWidth) + ' ' +
                        text::padRight(inColumn(descriptions.Value(), 0), kDescriptionWidth) + ' ' +
-                       discountPart + inColumn(number(amounts.Value()), amountWidth));
+                       discountPart + inColumn(asNumber(amounts.Value()), amountWidth));
   }
   return lines;
 }
@@ -61,9 +61,9 @@ std::vector<Variant> taxes(Recordset& groups, bool bIncTax) {
   const RoundingMask asQuantity(quantities, locale());
   std::vector<Variant> lines;
   for (; !groups.Eof(); groups.MoveNext()) {
-    const float rate = single(groups.Field("IVA").Value());
+    const float rate = asSingle(groups.Field("IVA").Value());
     const double percent = rate;
-    const double sum = number(groups.Field("SumaDeImporte").Value());
+    const double sum = asNumber(groups.Field("SumaDeImporte").Value());
     const double base = bIncTax ? asQuantity(sum * 100 / (percent + 100)) : sum;
     const double tax = asAmount(percent * base / 100);
     lines.emplace_back(inColumn(rate, kRateWidth) + "% IVA de " +

@@ -10,7 +10,7 @@ namespace tavelor {
 
 void TicketNotes::DeleteAll(const Variant& vId, ObjCn cnnActive) const {
   Statement statement("DELETE  FROM ");
-  statement << table().name << " WHERE (" << table().key << " = " << value(joined(vId)) << ")";
+  statement << table().name << " WHERE (" << table().key << " = " << spliced(joined(vId)) << ")";
   write(statement, *cnnActive);
 }
 
@@ -25,7 +25,7 @@ void TicketNotes::AddNew(bool bDefVal) {
 void TicketNotes::UpdateId(const Variant& vId) {
   if (!ExistenRegistros()) return;
   Recordset& rows = primary();
-  const double next = number(NuevoCodigo(GetConnection()));
+  const double next = asNumber(NuevoCodigo(GetConnection()));
   rows.Field("Código").Value(vId);
   rows.Field("ID").Value(next + 1);
   rows.Update();

@@ -132,8 +132,8 @@ Statement ClsTickets::modeStatement(std::string& word, const Variant& id) const 
   if (word != kToday) return RecordClass::modeStatement(word, id);
   Statement statement(kTodos);
   statement << " WHERE ((Fecha="
-            << value(format(Apartment::current().clock().today(), "#", locale())) << ") AND (Caja='"
-            << value(joined(id)) << "'));";
+            << spliced(format(Apartment::current().clock().today(), "#", locale()))
+            << ") AND (Caja='" << spliced(joined(id)) << "'));";
   return statement;
 }
 
@@ -255,7 +255,7 @@ void ClsTickets::AddNew(bool bDefVal, bool /*bIsInvoiced*/) {
 RecordsetPtr ClsTickets::greatest(Statement::Constant table, std::string_view serie,
                                   ConnectionPtr& objCn) const {
   Statement statement("SELECT MAX(Numero) AS Nuevo_Codigo FROM ");
-  statement << table << " WHERE Serie = '" << value(serie) << "'";
+  statement << table << " WHERE Serie = '" << spliced(serie) << "'";
   return read(statement, objCn);
 }
 
@@ -271,7 +271,7 @@ Variant ClsTickets::NuevoCodigo(std::string_view serie, ObjCn objCn) const {
   const bool fits = text::length(joined(next)) <= static_cast<std::size_t>(column.DefinedSize());
   const Variant past = old.isNull() || fits ? next : old;
 
-  return number(past) > number(live) ? past : live;
+  return asNumber(past) > asNumber(live) ? past : live;
 }
 
 bool ClsTickets::CodigoLibre(const Variant& vId, ObjCn objCn) const {
@@ -313,7 +313,7 @@ void ClsTickets::UpdateNumerador(ObjCn objCn) const {
     const auto [letter, first] = kSeries[i];
     for (const Statement::Constant table : {info().table, Statement::Constant(kHistory)}) {
       const Variant found = greatest(table, letter, documents)->Field(0).Value();
-      last[i] = std::max(last[i], found.isNull() ? first : number(found));
+      last[i] = std::max(last[i], found.isNull() ? first : asNumber(found));
     }
   }
   SetNumerador(last[0], last[1], last[2], *objCn);
@@ -377,23 +377,23 @@ void ClsTickets::ConvertirSerie(const Variant& vId, const Variant& vNewId, std::
       "UPDATE "
       "Tickets"
       " SET Numero = ");
-  statement << value(joined(vNewId)) << " , Serie = '" << value(sSerie)
-            << "' WHERE(Numero = " << value(joined(vId)) << ")";
+  statement << spliced(joined(vNewId)) << " , Serie = '" << spliced(sSerie)
+            << "' WHERE(Numero = " << spliced(joined(vId)) << ")";
   write(statement, *cnnActive);
 }
 
 void ClsTickets::FacturarDocumento(const Variant& vId, std::int16_t iFacturado,
                                    const Variant& vIdFac, ObjCn cnnActive) const {
   Statement statement("UPDATE  Tickets  SET Facturado = ");
-  statement << value(std::to_string(iFacturado)) << " , Doc_F = " << value(joined(vIdFac))
-            << " WHERE(Numero = " << value(joined(vId)) << ")";
+  statement << spliced(std::to_string(iFacturado)) << " , Doc_F = " << spliced(joined(vIdFac))
+            << " WHERE(Numero = " << spliced(joined(vId)) << ")";
   write(statement, *cnnActive);
 }
 
 void ClsTickets::CancelarFacturacion(const Variant& vId, std::int16_t iFacturado,
                                      ObjCn cnnActive) const {
   Statement statement("UPDATE  Tickets SET Facturado = 0 , Doc_F = 0 WHERE(Numero = ");
-  statement << value(joined(vId)) << " and Facturado = " << value(std::to_string(iFacturado))
+  statement << spliced(joined(vId)) << " and Facturado = " << spliced(std::to_string(iFacturado))
             << ")";
   write(statement, *cnnActive);
 }

@@ -62,13 +62,13 @@ constexpr std::string_view kNothingFound = "no";
 /// What a ticket's header and a customer that was looked for have in common.
 template <typename Parameters>
 void takeCustomer(Recordset& rows, Parameters& to) {
-  take(rows, "NIF", to.sNif);
-  take(rows, "Nombre", to.sNombre);
-  take(rows, "Empresa", to.sEmpresa);
-  take(rows, "Direccion", to.sDireccion);
-  take(rows, "Codigo_Postal", to.sCp);
-  take(rows, "Poblacion", to.sPoblacion);
-  take(rows, "Provincia", to.sProvincia);
+  takeColumn(rows, "NIF", to.sNif);
+  takeColumn(rows, "Nombre", to.sNombre);
+  takeColumn(rows, "Empresa", to.sEmpresa);
+  takeColumn(rows, "Direccion", to.sDireccion);
+  takeColumn(rows, "Codigo_Postal", to.sCp);
+  takeColumn(rows, "Poblacion", to.sPoblacion);
+  takeColumn(rows, "Provincia", to.sProvincia);
 }
 
 }  // namespace
@@ -83,10 +83,10 @@ void ClsTicketsCabecera::Insertar(const Alta& alta) const {
       " NIF,  Direccion,"
       " Codigo_Postal, Poblacion, Provincia"
       " ) Values ( ");
-  statement << value(joined(alta.vId)) << "," << value(joined(alta.vNum)) << ",'"
-            << value(alta.sNombre) << "','" << value(alta.sEmpresa) << "','" << value(alta.sNif)
-            << "','" << value(alta.sDireccion) << "','" << value(alta.sCp) << "','"
-            << value(alta.sPoblacion) << "','" << value(alta.sProvincia) << "' )";
+  statement << spliced(joined(alta.vId)) << "," << spliced(joined(alta.vNum)) << ",'"
+            << spliced(alta.sNombre) << "','" << spliced(alta.sEmpresa) << "','"
+            << spliced(alta.sNif) << "','" << spliced(alta.sDireccion) << "','" << spliced(alta.sCp)
+            << "','" << spliced(alta.sPoblacion) << "','" << spliced(alta.sProvincia) << "' )";
   write(statement, *alta.objCn);
 }
 
@@ -127,9 +127,9 @@ void ClsTicketsCabecera::GetDatos(Busqueda& busqueda) const {
       " Codigo_Postal, Poblacion, Provincia, Telefono");
   statement << (busqueda.bHistor ? Statement::Constant(" FROM H") : " FROM ") << "Tickets_Cabecera";
   if (busqueda.index == 0) {
-    statement << " WHERE  Telefono =  '" << value(busqueda.idTel) << "'";
+    statement << " WHERE  Telefono =  '" << spliced(busqueda.idTel) << "'";
   } else if (busqueda.index == 1) {
-    statement << " WHERE  Razon_Social = '" << value(busqueda.sEmpresa) << "' ";
+    statement << " WHERE  Razon_Social = '" << spliced(busqueda.sEmpresa) << "' ";
   }
   const RecordsetPtr rows = read(statement, *busqueda.objCn);
   if (rows->RecordCount() == 0) {
@@ -138,7 +138,7 @@ void ClsTicketsCabecera::GetDatos(Busqueda& busqueda) const {
   }
   // The one entered last is the one that holds.
   rows->MoveLast();
-  take(*rows, "Telefono", busqueda.idTel);
+  takeColumn(*rows, "Telefono", busqueda.idTel);
   takeCustomer(*rows, busqueda);
 }
 

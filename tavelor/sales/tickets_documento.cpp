@@ -30,25 +30,26 @@ void ClsTickets::Insertar(const Documento& documento) const {
       " Total, Doc_E, CTA_Contable, CTA_Contrapartida, Concepto,"
       " Documento_P, Estado, Caja, Empleado, Impuesto_Incluido )"
       " SELECT ");
-  statement << value(joined(d.vId)) << " AS Expr1, '" << value(joined(d.dtFecha)) << "' AS Expr2, '"
-            << value(d.sCod) << "' AS Expr3, '" << value(d.sEmpresa) << "' AS Expr4, '"
-            << value(d.sTarifa) << "' AS Expr5, '" << value(d.sSerie) << "' AS Expr6, '"
-            << value(d.sAlmacen) << "' AS Expr8, '" << value(d.sRef) << "' AS Expr9, '"
-            << value(d.sTransportista) << "' AS Expr10, '" << value(d.sDivisa) << "' AS Expr11, '"
-            << value(joined(d.dCambio)) << "' AS Expr12, '" << value(joined(d.dTotaldivisa))
-            << "' AS Expr13, '" << value(d.sFPago) << "' AS Expr14, '" << value(joined(d.dDto))
-            << "' AS Expr15, '" << value(joined(d.dDtoPp)) << "' AS Expr16, '"
-            << value(joined(d.dBase)) << "' AS Expr17, '" << value(joined(d.dPortes))
-            << "' AS Expr18, " << value(joined(d.iImpuesto)) << " AS Expr19, '"
-            << value(joined(d.dImpImp)) << "' AS Expr20, " << value(joined(d.bRecargo))
-            << " AS Expr21, '" << value(joined(d.dImpRec)) << "' AS Expr22, '"
-            << value(joined(d.dIrpf)) << "' AS Expr23, '" << value(joined(d.dImpIrpf))
-            << "' AS Expr24, '" << value(joined(d.dTotal)) << "' AS Expr25, "
-            << value(joined(d.vDocE)) << " AS Expr26, '" << value(d.sCtaContable)
-            << "' AS Expr28, '" << value(d.sCtaContrapartida) << "' AS Expr29, '"
-            << value(d.sConcepto) << "' AS Expr30, '" << value(d.sTipoFactura) << "' AS Expr31, "
-            << value(joined(d.iEstado)) << " AS Expr32, '" << value(d.sCaja) << "' AS Expr33, '"
-            << value(d.sEmpleado) << "' AS Expr34, " << value(d.bIncTax ? "-1" : "0")
+  statement << spliced(joined(d.vId)) << " AS Expr1, '" << spliced(joined(d.dtFecha))
+            << "' AS Expr2, '" << spliced(d.sCod) << "' AS Expr3, '" << spliced(d.sEmpresa)
+            << "' AS Expr4, '" << spliced(d.sTarifa) << "' AS Expr5, '" << spliced(d.sSerie)
+            << "' AS Expr6, '" << spliced(d.sAlmacen) << "' AS Expr8, '" << spliced(d.sRef)
+            << "' AS Expr9, '" << spliced(d.sTransportista) << "' AS Expr10, '"
+            << spliced(d.sDivisa) << "' AS Expr11, '" << spliced(joined(d.dCambio))
+            << "' AS Expr12, '" << spliced(joined(d.dTotaldivisa)) << "' AS Expr13, '"
+            << spliced(d.sFPago) << "' AS Expr14, '" << spliced(joined(d.dDto)) << "' AS Expr15, '"
+            << spliced(joined(d.dDtoPp)) << "' AS Expr16, '" << spliced(joined(d.dBase))
+            << "' AS Expr17, '" << spliced(joined(d.dPortes)) << "' AS Expr18, "
+            << spliced(joined(d.iImpuesto)) << " AS Expr19, '" << spliced(joined(d.dImpImp))
+            << "' AS Expr20, " << spliced(joined(d.bRecargo)) << " AS Expr21, '"
+            << spliced(joined(d.dImpRec)) << "' AS Expr22, '" << spliced(joined(d.dIrpf))
+            << "' AS Expr23, '" << spliced(joined(d.dImpIrpf)) << "' AS Expr24, '"
+            << spliced(joined(d.dTotal)) << "' AS Expr25, " << spliced(joined(d.vDocE))
+            << " AS Expr26, '" << spliced(d.sCtaContable) << "' AS Expr28, '"
+            << spliced(d.sCtaContrapartida) << "' AS Expr29, '" << spliced(d.sConcepto)
+            << "' AS Expr30, '" << spliced(d.sTipoFactura) << "' AS Expr31, "
+            << spliced(joined(d.iEstado)) << " AS Expr32, '" << spliced(d.sCaja) << "' AS Expr33, '"
+            << spliced(d.sEmpleado) << "' AS Expr34, " << spliced(d.bIncTax ? "-1" : "0")
             << " AS Expr35";
   write(statement, *d.objCn);
 }
@@ -82,34 +83,34 @@ void ClsTickets::Obtener(Lectura& lectura) const {
 
   l.vId = always("Ticket");
   if (const Variant date = always("Fecha"); !date.isNull()) l.dtFecha = date.toDate(locale());
-  take(rows, "Serie", l.sSerie);
-  take(rows, "Codigo", l.sCod);
-  take(rows, "Empresa", l.sEmpresa);
-  take(rows, "Tarifa", l.sTarifa);
-  take(rows, "Almacén", l.sAlmacen);
-  take(rows, "Referencia", l.sRef);
-  take(rows, "Transportista", l.sTransportista);
-  take(rows, "Divisa", l.sDivisa);
-  take(rows, "Cambio", l.dCambio);
-  take(rows, "Total_Divisa", l.dTotaldivisa);
-  take(rows, "Pago", l.sFPago);
-  take(rows, "Descuento", l.dDto);
-  take(rows, "Descuento_PP", l.dDtoPp);
-  take(rows, "Base", l.dBase);
-  take(rows, "Portes", l.dPortes);
+  takeColumn(rows, "Serie", l.sSerie);
+  takeColumn(rows, "Codigo", l.sCod);
+  takeColumn(rows, "Empresa", l.sEmpresa);
+  takeColumn(rows, "Tarifa", l.sTarifa);
+  takeColumn(rows, "Almacén", l.sAlmacen);
+  takeColumn(rows, "Referencia", l.sRef);
+  takeColumn(rows, "Transportista", l.sTransportista);
+  takeColumn(rows, "Divisa", l.sDivisa);
+  takeColumn(rows, "Cambio", l.dCambio);
+  takeColumn(rows, "Total_Divisa", l.dTotaldivisa);
+  takeColumn(rows, "Pago", l.sFPago);
+  takeColumn(rows, "Descuento", l.dDto);
+  takeColumn(rows, "Descuento_PP", l.dDtoPp);
+  takeColumn(rows, "Base", l.dBase);
+  takeColumn(rows, "Portes", l.dPortes);
   l.iImpuesto = always("Impuesto").toInt16(locale());
-  take(rows, "Total", l.dTotal);
+  takeColumn(rows, "Total", l.dTotal);
   l.iEstado = always("Estado").toInt16(locale());
   l.iFacturado = always("Facturado").toInt16(locale());
-  take(rows, "Factura", l.dFactura);
-  take(rows, "Importe_Impuestos", l.dImpImp);
+  takeColumn(rows, "Factura", l.dFactura);
+  takeColumn(rows, "Importe_Impuestos", l.dImpImp);
   l.bRecargo = always("Recargo").toDouble(locale());
-  take(rows, "Importe_recargo", l.dImpRec);
-  take(rows, "IRPF", l.dIrpf);
-  take(rows, "Importe_IRPF", l.dImpIrpf);
-  take(rows, "CTA_Contable", l.sCtaContable);
-  take(rows, "CTA_Contrapartida", l.sCtaContrapartida);
-  take(rows, "Concepto", l.sConcepto);
+  takeColumn(rows, "Importe_recargo", l.dImpRec);
+  takeColumn(rows, "IRPF", l.dIrpf);
+  takeColumn(rows, "Importe_IRPF", l.dImpIrpf);
+  takeColumn(rows, "CTA_Contable", l.sCtaContable);
+  takeColumn(rows, "CTA_Contrapartida", l.sCtaContrapartida);
+  takeColumn(rows, "Concepto", l.sConcepto);
 }
 
 }  // namespace tavelor

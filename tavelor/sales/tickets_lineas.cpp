@@ -174,13 +174,13 @@ void ClsTicketsLineas::Insertar(const Linea& linea) const {
       "  Importe , Lote, ID, Numero, Familia"
       " )"
       " SELECT DISTINCTROW '");
-  statement << value(linea.sCodigo) << "' AS codigo, '" << value(*linea.sDescripcion)
-            << "' AS Descripcion, '" << value(joined(linea.dCantidad)) << "' AS Cantidad , '"
-            << value(joined(linea.dPrecio)) << "' AS Precio, '" << value(joined(linea.dDtoLin))
-            << "' AS dto, '" << value(joined(linea.dIva)) << "' AS Iva, '"
-            << value(joined(linea.dImporte)) << "' AS Base, '" << value(linea.sLote)
-            << "' AS Lote, " << value(joined(linea.vIdNewReg)) << " AS Registro , "
-            << value(joined(linea.vDoc)) << " AS Factura, '" << value(linea.sFam)
+  statement << spliced(linea.sCodigo) << "' AS codigo, '" << spliced(*linea.sDescripcion)
+            << "' AS Descripcion, '" << spliced(joined(linea.dCantidad)) << "' AS Cantidad , '"
+            << spliced(joined(linea.dPrecio)) << "' AS Precio, '" << spliced(joined(linea.dDtoLin))
+            << "' AS dto, '" << spliced(joined(linea.dIva)) << "' AS Iva, '"
+            << spliced(joined(linea.dImporte)) << "' AS Base, '" << spliced(linea.sLote)
+            << "' AS Lote, " << spliced(joined(linea.vIdNewReg)) << " AS Registro , "
+            << spliced(joined(linea.vDoc)) << " AS Factura, '" << spliced(linea.sFam)
             << "' AS Familia ";
   write(statement, *linea.cnnActive);
 }
@@ -223,16 +223,16 @@ void ClsTicketsLineas::Mover_Impuestos_A_Historicos(const Variant& vId, const Va
                                           vId),
                                    *cnnActive);
   for (; !groups->Eof(); groups->MoveNext()) {
-    const double rate = number(groups->Field("IVA").Value());
-    const double sum = number(groups->Field("SumaDeImporte").Value());
+    const double rate = asNumber(groups->Field("IVA").Value());
+    const double sum = asNumber(groups->Field("SumaDeImporte").Value());
     const Variant base =
         bIncTax ? Variant(format(sum * 100 / (rate + 100), amounts, locale)) : Variant(sum);
-    const double amount = rounded(rate * number(base) / 100);
+    const double amount = rounded(rate * asNumber(base) / 100);
     Statement statement("INSERT INTO HTickets_Lineas_Impuestos");
     statement << " ( Numero, IVA, base, Importe, Cierre )"
-              << " Values (" << value(ticket) << ", '" << value(joined(rate)) << "', '"
-              << value(joined(base)) << "', " << value(sqlNumber(amount)) << ", " << value(closing)
-              << " ) ";
+              << " Values (" << spliced(ticket) << ", '" << spliced(joined(rate)) << "', '"
+              << spliced(joined(base)) << "', " << spliced(sqlNumber(amount)) << ", "
+              << spliced(closing) << " ) ";
     write(statement, *cnnActive);
   }
   write(withId("DELETE  FROM Tickets_Lineas_Impuestos WHERE ((CIERRE = {id}))", vIdCierre),

@@ -43,14 +43,14 @@ void ClsTicketsLineas::SumaCol(bool bIncTax, InOut<double> dBase, InOut<double> 
   const clsArticulos articles;
   ConnectionPtr articlesConnection;
   for (; !rows->Eof(); rows->MoveNext()) {
-    double amount = number(amounts.Value());
+    double amount = asNumber(amounts.Value());
     const Variant rate = rates.Value();
     double tax = 0;
     if (bIncTax) {
-      if (!rate.isNull()) tax = rounded(includedTax(amount, number(rate)));
+      if (!rate.isNull()) tax = rounded(includedTax(amount, asNumber(rate)));
       amount -= tax;
     } else if (!rate.isNull()) {
-      tax = (amount * number(rate)) / 100;
+      tax = (amount * asNumber(rate)) / 100;
     }
     const double surcharge =
         bRecargos ? articles.GetRecargo(codes.Value(), articlesConnection) * amount / 100 : 0;
@@ -113,7 +113,7 @@ CollectionRegistrosPtr ClsTicketsLineas::GetCollectionRegs(const Variant& vIdAlm
   for (rows.MoveFirst(); !rows.Eof(); rows.MoveNext()) {
     const Variant code = rows.Field("Código").Value();
     if (code.isNull() || code.isEmpty()) continue;
-    const double quantity = number(rows.Field("Cantidad").Value());
+    const double quantity = asNumber(rows.Field("Cantidad").Value());
     const Variant lot = rows.Field("Lote").Value();
     requests->Add(joined(code), code, quantity - quantity, quantity,
                   lot.isNull() || lot.isEmpty() ? Variant("0") : lot, vIdAlm,

@@ -56,19 +56,20 @@ Span spanOf(const Parameters& p) {
 /// `select` of the tickets of a span, with the outer parenthesis still open.
 Statement ofSpan(Statement::Constant select, const Span& span) {
   Statement statement(select);
-  statement << " WHERE ((Fecha Between " << value(dayNumber(span.first)) << " And "
-            << value(dayNumber(span.last)) << ")  "
-            << " AND (Serie='" << value(span.series) << "') AND (Caja='" << value(span.till) << "')"
-            << " AND (Empleado='" << value(span.employee) << "')";
+  statement << " WHERE ((Fecha Between " << spliced(dayNumber(span.first)) << " And "
+            << spliced(dayNumber(span.last)) << ")  "
+            << " AND (Serie='" << spliced(span.series) << "') AND (Caja='" << spliced(span.till)
+            << "')"
+            << " AND (Empleado='" << spliced(span.employee) << "')";
   return statement;
 }
 
 template <typename Ventas>
 void takeTotals(Recordset& rows, Ventas& ventas) {
-  take(rows, "VentasBase", ventas.dVentasBase);
-  take(rows, "VentasImpuestos", ventas.dVentasImpuestos);
-  take(rows, "VentasRecargos", ventas.dVentasRecargos);
-  take(rows, "VentasTotal", ventas.dVentasTotal);
+  takeColumn(rows, "VentasBase", ventas.dVentasBase);
+  takeColumn(rows, "VentasImpuestos", ventas.dVentasImpuestos);
+  takeColumn(rows, "VentasRecargos", ventas.dVentasRecargos);
+  takeColumn(rows, "VentasTotal", ventas.dVentasTotal);
 }
 
 Statement deliveries(const Span& span, Statement::Constant kind, Statement::Constant state = {}) {
@@ -142,7 +143,7 @@ Date ClsTickets::GetMinFecha(std::string_view sCaja, ObjCn objCn) const {
       " FROM "
       "Tickets"
       " Where Caja = '");
-  statement << value(sCaja) << "'";
+  statement << spliced(sCaja) << "'";
   const Variant oldest = lookUp(statement, "MínDeFecha", *objCn);
   Apartment& apartment = Apartment::current();
   return oldest.isEmpty() ? apartment.clock().today() : oldest.toDate(apartment.locale());
@@ -153,9 +154,9 @@ Date ClsTickets::GetMinFecha(std::string_view sCaja, ObjCn objCn) const {
 
 void ClsTickets::VentasTotal(VentasDia& ventas) const {
   Statement statement(kTotals);
-  statement << " WHERE ((Fecha=" << value(dayNumber(ventas.dtFecha)) << ") AND ((Serie)='"
-            << value(ventas.sSerie) << "') AND (Caja='" << value(ventas.sCaja)
-            << "') AND ((Empleado)='" << value(ventas.sEmpleado) << "'));";
+  statement << " WHERE ((Fecha=" << spliced(dayNumber(ventas.dtFecha)) << ") AND ((Serie)='"
+            << spliced(ventas.sSerie) << "') AND (Caja='" << spliced(ventas.sCaja)
+            << "') AND ((Empleado)='" << spliced(ventas.sEmpleado) << "'));";
   takeTotals(*read(statement, *ventas.objCn), ventas);
 }
 
@@ -175,7 +176,7 @@ void ClsTickets::VentasCredito(Date dtFechaIni, Date dtFechaFin, std::string_vie
       "Tickets",
       {dtFechaIni, dtFechaFin, sCaja, sEmpleado, sSerie});
   statement << kCredit << ")";
-  take(*read(statement, *objCn), "VentasCredito", *dVentasCredito);
+  takeColumn(*read(statement, *objCn), "VentasCredito", *dVentasCredito);
 }
 
 void ClsTickets::VentasContado(Date dtFechaIni, Date dtFechaFin, std::string_view sCaja,
@@ -187,7 +188,7 @@ void ClsTickets::VentasContado(Date dtFechaIni, Date dtFechaFin, std::string_vie
       "Tickets",
       {dtFechaIni, dtFechaFin, sCaja, sEmpleado, sSerie});
   statement << kCash << settledIf(bCerrados) << ")";
-  take(*read(statement, *objCn), "VentasContado", *dVentasContado);
+  takeColumn(*read(statement, *objCn), "VentasContado", *dVentasContado);
 }
 
 // Money that came in on invoiced tickets is in the till whatever their state, so `bCerrados` is for
@@ -198,13 +199,13 @@ void ClsTickets::VentasEntregas(Entregas& entregas) const {
   double changeOnCredit = 0;
   {
     const RecordsetPtr rows = read(deliveries(span, kInvoiced), *entregas.objCn);
-    take(*rows, "VentasEntregasContado", deliveredOnCredit);
-    take(*rows, "VentasEntregasCambio", changeOnCredit);
+    takeColumn(*rows, "VentasEntregasContado", deliveredOnCredit);
+    takeColumn(*rows, "VentasEntregasCambio", changeOnCredit);
   }
   const RecordsetPtr rows =
       read(deliveries(span, kCash, settledIf(entregas.bCerrados)), *entregas.objCn);
-  take(*rows, "VentasEntregasContado", entregas.dVentasEntregasContado);
-  take(*rows, "VentasEntregasCambio", entregas.dVentasEntregasCambio);
+  takeColumn(*rows, "VentasEntregasContado", entregas.dVentasEntregasContado);
+  takeColumn(*rows, "VentasEntregasCambio", entregas.dVentasEntregasCambio);
   entregas.dVentasEntregasContado += deliveredOnCredit;
   entregas.dVentasEntregasCambio += changeOnCredit;
 }

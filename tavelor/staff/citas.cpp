@@ -95,7 +95,7 @@ Statement ClsCitas::modeStatement(std::string& word, const Variant& id) const {
   Statement statement = OpensByWord::modeStatement(word, id);
   if (word == "hoy" || word == "fecha") {
     const Variant day = word == "hoy" ? Variant(Apartment::current().clock().today()) : id;
-    statement << " WHERE (Fecha = " << value(dayLiteral(day)) << " )";
+    statement << " WHERE (Fecha = " << spliced(dayLiteral(day)) << " )";
   }
   return statement;
 }
@@ -118,13 +118,13 @@ void ClsCitas::insert(const Cita& cita, bool ofOrder) const {
   Statement statement("INSERT INTO Citas (");
   statement << " Id, Fecha, Hora, Codigo, Cliente, Descripcion, Codigo_e, Empleado, Box, Tipo"
             << (ofOrder ? Statement::Constant(", Doc_f)") : ")") << " values ("
-            << value(joined(NuevoCodigo("A", *cita.objCn))) << ", " << value(day) << ", "
-            << value(hour) << " , '" << value(cita.sCod) << "', '"
-            << value(withoutQuotes(cita.sCliente)) << "', '"
-            << value(withoutQuotes(cita.sDescripcion)) << "', '" << value(cita.sCod_e) << "', '"
-            << value(withoutQuotes(cita.sEmpleado)) << "', '" << value(withoutQuotes(cita.sBox))
-            << "', '" << value(withoutQuotes(cita.sTipo)) << "'";
-  if (ofOrder) statement << ", " << value(joined(cita.vIdOrd));
+            << spliced(joined(NuevoCodigo("A", *cita.objCn))) << ", " << spliced(day) << ", "
+            << spliced(hour) << " , '" << spliced(cita.sCod) << "', '"
+            << spliced(withoutQuotes(cita.sCliente)) << "', '"
+            << spliced(withoutQuotes(cita.sDescripcion)) << "', '" << spliced(cita.sCod_e) << "', '"
+            << spliced(withoutQuotes(cita.sEmpleado)) << "', '" << spliced(withoutQuotes(cita.sBox))
+            << "', '" << spliced(withoutQuotes(cita.sTipo)) << "'";
+  if (ofOrder) statement << ", " << spliced(joined(cita.vIdOrd));
   statement << ");";
   write(statement, *cita.objCn);
 }
@@ -154,7 +154,7 @@ void ClsCitas::descargar_registros() const {
 std::vector<Variant> ClsCitas::ObtenerCol(const Variant& dtFchIni, const Variant& dtFchFin,
                                           ObjCn objCn) const {
   Statement statement("SELECT Id From Citas WHERE (((Fecha) Between #");
-  statement << value(betweenMarks(dtFchIni)) << "# And #" << value(betweenMarks(dtFchFin))
+  statement << spliced(betweenMarks(dtFchIni)) << "# And #" << spliced(betweenMarks(dtFchFin))
             << "#)) ;";
   return columnValues(*read(statement, *objCn), "Id");
 }

@@ -131,8 +131,8 @@ std::string ClsEmpleados::CategoriaEmpleado(std::string_view sEmple, ObjCn objCn
 }
 
 double ClsEmpleados::Get_Comision(const Variant& vId, ObjCn objCn) const {
-  return number(lookUp(withId("SELECT Comision as v FROM Empleados  where codigo = '{id}'", vId),
-                       "v", *objCn));
+  return asNumber(lookUp(withId("SELECT Comision as v FROM Empleados  where codigo = '{id}'", vId),
+                         "v", *objCn));
 }
 
 std::string ClsEmpleados::Get_fase_predeterminada(const Variant& vId, ObjCn objCn) const {

@@ -68,7 +68,7 @@ void ClsEmpleadosPuntos::Insertar(std::string_view sEmpleado, std::string_view s
   Statement clearing(
       "DELETE Empleados_Puntos.* From Empleados_Puntos"
       " WHERE (((Empleados_Puntos.Empleado)='");
-  clearing << value(sEmpleado) << "') AND ((Empleados_Puntos.Fase)='" << value(sFase) << "'));";
+  clearing << spliced(sEmpleado) << "') AND ((Empleados_Puntos.Fase)='" << spliced(sFase) << "'));";
   write(clearing, *objCn);
 
   const Variant section =
@@ -77,9 +77,9 @@ void ClsEmpleadosPuntos::Insertar(std::string_view sEmpleado, std::string_view s
       "INSERT INTO Empleados_Puntos ("
       " Id, Empleado, Seccion, Fase, Valor, [Max] )"
       " Values ( ");
-  statement << value(joined(NuevoCodigo(*objCn))) << ", '" << value(sEmpleado) << "', '"
-            << value(joined(section)) << "', '" << value(sFase) << "', '" << value(joined(dValor))
-            << "', 1 )";
+  statement << spliced(joined(NuevoCodigo(*objCn))) << ", '" << spliced(sEmpleado) << "', '"
+            << spliced(joined(section)) << "', '" << spliced(sFase) << "', '"
+            << spliced(joined(dValor)) << "', 1 )";
   write(statement, *objCn);
 }
 
@@ -87,8 +87,8 @@ void ClsEmpleadosPuntos::Insertar(std::string_view sEmpleado, std::string_view s
 void ClsEmpleadosPuntos::ActualizarValor(std::string_view sEmpleado, double dValor,
                                          ObjCn objCn) const {
   Statement statement("UPDATE Empleados_Puntos SET Empleados_Puntos.Valor = '");
-  statement << value(joined(dValor)) << " ' WHERE (((Empleados_Puntos.Empleado)='"
-            << value(sEmpleado) << "') AND (Not (Empleados_Puntos.Fase) Is Null))";
+  statement << spliced(joined(dValor)) << " ' WHERE (((Empleados_Puntos.Empleado)='"
+            << spliced(sEmpleado) << "') AND (Not (Empleados_Puntos.Fase) Is Null))";
   write(statement, *objCn);
 }
 
@@ -110,18 +110,18 @@ void ClsEmpleadosPuntos::ObtenerFase(const Variant& vId, InOut<std::string> sSec
                                         vId),
                                  *objCn);
   if (rows->RecordCount() == 0) return;
-  takeOr(*rows, "Seccion", kNone, *sSec);
-  takeOr(*rows, "Fase", kNone, *sFase);
-  take(*rows, "Valor", *dVal);
-  take(*rows, "Max", *dMax);
+  takeColumnOr(*rows, "Seccion", kNone, *sSec);
+  takeColumnOr(*rows, "Fase", kNone, *sFase);
+  takeColumn(*rows, "Valor", *dVal);
+  takeColumn(*rows, "Max", *dMax);
 }
 
 double ClsEmpleadosPuntos::GetValorInterno(const Variant& vId, const Variant& vIdSec,
                                            ObjCn objCn) const {
   Statement statement =
       withId("SELECT Valor FROM Empleados_Puntos WHERE ((Empleado = '{id}') AND (Seccion = '", vId);
-  statement << value(joined(vIdSec)) << "'))";
-  return number(lookUp(statement, "Valor", *objCn));
+  statement << spliced(joined(vIdSec)) << "'))";
+  return asNumber(lookUp(statement, "Valor", *objCn));
 }
 
 // Its name speaks of phases, but callers hand it sections and count on that.

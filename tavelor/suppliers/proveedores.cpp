@@ -69,12 +69,12 @@ constexpr std::string_view kOfUsable = " WHERE ( Codigo =  '{id}' and activo <> 
 
 std::string legalName(Recordset& rows) {
   std::string name;
-  takeOr(rows, "Razon_Social", "No válido", name);
+  takeColumnOr(rows, "Razon_Social", "No válido", name);
   return name;
 }
 
 bool isSub(Recordset& rows) {
-  return flag(rows.Field("sub").Value());
+  return asFlag(rows.Field("sub").Value());
 }
 
 }  // namespace
@@ -134,10 +134,10 @@ bool ClsProveedores::GetDatosFacturacion(Facturacion& datos) const {
 
 void ClsProveedores::GetDatosFacturar(Facturar& datos) const {
   Statement statement(kProfile);
-  statement << " ( Codigo =  '" << value(joined(datos.id)) << "' and activo <> 0 )";
+  statement << " ( Codigo =  '" << spliced(joined(datos.id)) << "' and activo <> 0 )";
   const RecordsetPtr rows = read(statement, *datos.objCn);
   if (rows->RecordCount() == 0) return;
-  take(*rows, "Codigo", datos.id);
+  takeColumn(*rows, "Codigo", datos.id);
   takeOfDocuments(*rows, datos);
 }
 

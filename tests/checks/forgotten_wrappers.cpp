@@ -49,8 +49,8 @@ void wrong(const std::string& code, std::string_view view, const char* pointer, 
   Statement ofArray(kept);                // refused
   Statement ofSum("SELECT " + code);      // refused
   Statement::Constant constant(view);     // refused
-  statement << tavelor::value(amount);    // refused
-  statement << tavelor::value(0);         // refused
-  statement << tavelor::value(day);       // refused
+  statement << tavelor::spliced(amount);  // refused
+  statement << tavelor::spliced(0);       // refused
+  statement << tavelor::spliced(day);     // refused
   statement << sqlText(amount);           // refused
 }

@@ -114,7 +114,7 @@ class SafeRoadTest : public testing::Test {
     if (death == Death::kBeforeWriting) die();
     const auto taken = static_cast<std::int64_t>(number.a);
     Statement document("INSERT INTO Ventas (Numero, Caja) VALUES (");
-    document << value(std::to_string(taken)) << ", " << value(std::to_string(till)) << ")";
+    document << spliced(std::to_string(taken)) << ", " << spliced(std::to_string(till)) << ")";
     connection->Execute(document);
     counters.SetNewNum("Facturas", number.a, number.b - 1, number.c - 1, connection);
     if (death == Death::kBeforeCommit) die();

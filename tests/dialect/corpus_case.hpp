@@ -64,7 +64,7 @@ inline Statement CorpusCase::statement() const {
     rest.remove_prefix(open + detail::kOpen.size());
     const std::size_t close = rest.find(detail::kClose);
     if (close == std::string_view::npos) throw std::runtime_error(name + ": « without »");
-    statement << value(rest.substr(0, close));
+    statement << spliced(rest.substr(0, close));
     rest.remove_prefix(close + detail::kClose.size());
   }
 }

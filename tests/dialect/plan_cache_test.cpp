@@ -150,13 +150,13 @@ class PlanCacheTest : public testing::Test {
     return 0;
   }
   static Statement byCode(std::string_view code) {
-    return Statement("DELETE FROM Lineas WHERE Codigo = '") << value(code) << "'";
+    return Statement("DELETE FROM Lineas WHERE Codigo = '") << spliced(code) << "'";
   }
   static Statement insertBare(std::string_view quantity) {
-    return Statement("INSERT INTO Lineas (Cantidad) VALUES (") << value(quantity) << ")";
+    return Statement("INSERT INTO Lineas (Cantidad) VALUES (") << spliced(quantity) << ")";
   }
   static Statement insertQuoted(Statement::Constant name, std::string_view text) {
-    return Statement("INSERT INTO Lineas (") << name << ") VALUES ('" << value(text) << "')";
+    return Statement("INSERT INTO Lineas (") << name << ") VALUES ('" << spliced(text) << "')";
   }
 
   Journal journal;
@@ -211,7 +211,7 @@ TEST_F(PlanCacheTest, AValueThatLeavesItsPlaceIsRefusedBeforeAndAfterAHit) {
 // Without the value the letter around its place is whole.
 TEST_F(PlanCacheTest, AValueWithinALetterOfTheTextIsRefusedBeforeAndAfterAnEmptyOne) {
   const auto within = [](std::string_view text) {
-    return Statement("DELETE FROM Lineas WHERE Codigo = '\xC3") << value(text) << "\xB1'";
+    return Statement("DELETE FROM Lineas WHERE Codigo = '\xC3") << spliced(text) << "\xB1'";
   };
   for (int round = 0; round < 2; ++round) {
     EXPECT_EQ(errorOf(within("x")), errors::kSyntax);
@@ -296,7 +296,7 @@ TEST_F(PlanCacheTest, WhatOnlyTheLexerCanJudgeIsRememberedOnce) {
 
 TEST_F(PlanCacheTest, AWholeNumberAndADecimalOneInACriterionAreTwoShapes) {
   const auto above = [](std::string_view number) {
-    return Statement("DELETE FROM Lineas WHERE Cantidad > ") << value(number);
+    return Statement("DELETE FROM Lineas WHERE Cantidad > ") << spliced(number);
   };
   run(above("1"));
   run(above("1.5"));
@@ -311,7 +311,7 @@ TEST_F(PlanCacheTest, AWholeNumberAndADecimalOneInACriterionAreTwoShapes) {
 TEST_F(PlanCacheTest, ConstantsAroundAndBetweenValuesBelongToTheLiteral) {
   const auto padded = [](std::string_view year, std::string_view number) {
     return Statement("INSERT INTO Lineas (Codigo, Nota) VALUES ('F")
-           << value(year) << "-" << value(number) << " ', 'it''s " << value(year) << "''')";
+           << spliced(year) << "-" << spliced(number) << " ', 'it''s " << spliced(year) << "''')";
   };
   for (int round = 0; round < 3; ++round) {
     run(padded("26", "001"));
@@ -325,7 +325,7 @@ TEST_F(PlanCacheTest, ConstantsAroundAndBetweenValuesBelongToTheLiteral) {
 TEST_F(PlanCacheTest, ConstantsOfTheTextAreTakenFromTheStatementAtHand) {
   const auto insert = [](Statement::Constant constant, std::string_view code) {
     return Statement("INSERT INTO Lineas (Cantidad, Codigo) VALUES (")
-           << constant << ", '" << value(code) << "')";
+           << constant << ", '" << spliced(code) << "')";
   };
   run(insert("1", "a"));
   run(insert("2", "b"));
@@ -341,7 +341,7 @@ TEST_F(PlanCacheTest, ATextThatMayChangeIsKnownByWhatItSaysNotByItsAddress) {
   std::string condition = "Codigo = '";
   const auto remove = [&](std::string_view text) {
     return Statement("DELETE FROM Lineas WHERE ")
-           << Statement::trusted(condition) << value(text) << "'";
+           << Statement::trusted(condition) << spliced(text) << "'";
   };
   run(remove("a"));
   EXPECT_THAT(journal.runs.back(), HasSubstr("WHERE Codigo = "));
@@ -360,8 +360,8 @@ TEST_F(PlanCacheTest, AConstantThatStandsTwiceIsTheSameStatement) {
   static constexpr char kHere[] = "DELETE FROM Lineas WHERE Codigo = '";
   static constexpr char kThere[] = "DELETE FROM Lineas WHERE Codigo = '";
   for (int round = 0; round < 2; ++round) {
-    run(Statement(kHere) << value("a") << "'");
-    run(Statement(kThere) << value("b") << "'");
+    run(Statement(kHere) << spliced("a") << "'");
+    run(Statement(kThere) << spliced("b") << "'");
     EXPECT_THAT(journal.bound, ElementsAre("text b"));
   }
   EXPECT_EQ(journal.prepared, 1);
@@ -371,7 +371,7 @@ TEST_F(PlanCacheTest, TextsThatDifferBehindTheirValuesAreAllRemembered) {
   for (int round = 0; round < 3; ++round) {
     for (int constant = 10; constant < 40; ++constant) {
       run(Statement("DELETE FROM Lineas WHERE Codigo = '")
-          << value("a") << "' AND Unidades = " << Statement::trusted(std::to_string(constant)));
+          << spliced("a") << "' AND Unidades = " << Statement::trusted(std::to_string(constant)));
       EXPECT_THAT(journal.bound, ElementsAre("text a", "whole " + std::to_string(constant)));
     }
   }
@@ -380,10 +380,10 @@ TEST_F(PlanCacheTest, TextsThatDifferBehindTheirValuesAreAllRemembered) {
 
 TEST_F(PlanCacheTest, DatesComeWithOrWithoutTheirMarks) {
   const auto whole = [](std::string_view date) {
-    return Statement("DELETE FROM Lineas WHERE Fecha = ") << value(date);
+    return Statement("DELETE FROM Lineas WHERE Fecha = ") << spliced(date);
   };
   const auto inside = [](std::string_view date) {
-    return Statement("DELETE FROM Lineas WHERE Fecha = #") << value(date) << "#";
+    return Statement("DELETE FROM Lineas WHERE Fecha = #") << spliced(date) << "#";
   };
   run(whole("#11/20/2026#"));
   run(whole("#11/21/2026#"));
@@ -488,7 +488,7 @@ TEST_F(PlanCacheTest, AnErrorOfTheEngineBearsTheStatement) {
 
 TEST_F(PlanCacheTest, APlanIsSharedByAllStatementsOfItsShape) {
   const auto select = [](std::string_view code) {
-    return Statement("SELECT Codigo, Importe FROM Lineas WHERE Codigo = '") << value(code) << "'";
+    return Statement("SELECT Codigo, Importe FROM Lineas WHERE Codigo = '") << spliced(code) << "'";
   };
   const auto plan = cache.plan(select("1"));
   EXPECT_EQ(plan, cache.plan(select("2")));
@@ -542,8 +542,9 @@ TEST_F(PlanCacheTest, AComposedTextNeedsAValueForEachPlaceholder) {
 
 TEST_F(PlanCacheTest, ManyShapesAreForgottenAndWhatIsUsedStays) {
   const auto shapeNumber = [](int number) {
-    return Statement("SELECT Codigo AS C") << Statement::trusted(std::to_string(number))
-                                           << " FROM Lineas WHERE Codigo = '" << value("a") << "'";
+    return Statement("SELECT Codigo AS C")
+           << Statement::trusted(std::to_string(number)) << " FROM Lineas WHERE Codigo = '"
+           << spliced("a") << "'";
   };
   run(byCode("1"));
   for (int count = 1; count <= 1500; ++count) {
@@ -560,12 +561,12 @@ TEST_F(PlanCacheTest, ManyShapesAreForgottenAndWhatIsUsedStays) {
 
 TEST_F(PlanCacheTest, TheTextBetweenTheValuesDecidesNotWhereTheValuesLie) {
   // The same joined text, cut differently.
-  run(Statement("DELETE FROM Lineas WHERE Codigo = '") << value("ab") << "'");
-  run(Statement("DELETE FROM Lineas WHERE Codigo = '") << value("a") << value("b") << "'");
+  run(Statement("DELETE FROM Lineas WHERE Codigo = '") << spliced("ab") << "'");
+  run(Statement("DELETE FROM Lineas WHERE Codigo = '") << spliced("a") << spliced("b") << "'");
   EXPECT_THAT(journal.bound, ElementsAre("text ab"));
-  run(Statement("DELETE FROM Lineas WHERE Codigo = '") << value("x") << value("y") << "'");
+  run(Statement("DELETE FROM Lineas WHERE Codigo = '") << spliced("x") << spliced("y") << "'");
   EXPECT_THAT(journal.bound, ElementsAre("text xy"));
-  run(Statement("DELETE FROM Lineas WHERE Codigo = '") << "a" << value("b") << "'");
+  run(Statement("DELETE FROM Lineas WHERE Codigo = '") << "a" << spliced("b") << "'");
   EXPECT_THAT(journal.bound, ElementsAre("text ab"));
   EXPECT_EQ(cache.counters().translated, 1U);
   EXPECT_EQ(cache.counters().shapeHits, 1U);

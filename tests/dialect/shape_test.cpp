@@ -57,17 +57,18 @@ TEST(Shape, AMinusThatNoOperandPrecedesBelongsToItsNumber) {
 }
 
 TEST(Shape, OfSplicedTextIsThatOfTheWholeText) {
-  Statement spliced("UPDATE Bancos SET Orden = Orden + ");
-  spliced << value("-3") << " WHERE Codigo = '" << value("a") << "'";
-  EXPECT_EQ(shapeOf(spliced).key, shape(spliced.text()).key);
-  EXPECT_EQ(shapeOf(spliced).literals, shape(spliced.text()).literals);
+  Statement statement("UPDATE Bancos SET Orden = Orden + ");
+  statement << spliced("-3") << " WHERE Codigo = '" << spliced("a") << "'";
+  EXPECT_EQ(shapeOf(statement).key, shape(statement.text()).key);
+  EXPECT_EQ(shapeOf(statement).literals, shape(statement.text()).literals);
 }
 
 TEST(ShapeSlots, TellWhereEachValueStands) {
-  Statement spliced("SELECT Banco FROM Bancos WHERE Codigo = 'a''");
-  spliced << value("1") << "''-" << value("2") << " ' AND Orden = " << value("7")
-          << " AND Alta = " << value("#1/2/2026#") << " AND Alta > #" << value("1/2/2026") << "#";
-  const Shape found = shapeOf(spliced);
+  Statement statement("SELECT Banco FROM Bancos WHERE Codigo = 'a''");
+  statement << spliced("1") << "''-" << spliced("2") << " ' AND Orden = " << spliced("7")
+            << " AND Alta = " << spliced("#1/2/2026#") << " AND Alta > #" << spliced("1/2/2026")
+            << "#";
+  const Shape found = shapeOf(statement);
   ASSERT_TRUE(found.spliceable);
   ASSERT_EQ(found.slots.size(), 5U);
   EXPECT_EQ(found.slots[0].prefix, "a'");
@@ -86,10 +87,10 @@ TEST(ShapeSlots, TellWhereEachValueStands) {
 
 TEST(ShapeSlots, AreNotEnoughWhereAValueIsAPartOfTheShape) {
   Statement word("UPDATE Bancos SET Activo = ");
-  word << value("True");
+  word << spliced("True");
   EXPECT_FALSE(shapeOf(word).spliceable);
   Statement top("SELECT TOP ");
-  top << value("5") << " Banco FROM Bancos";
+  top << spliced("5") << " Banco FROM Bancos";
   EXPECT_FALSE(shapeOf(top).spliceable);
   EXPECT_TRUE(shape("SELECT Banco FROM Bancos").spliceable);
 }

@@ -12,11 +12,11 @@ using testing::HasSubstr;
 
 Statement inQuotes(std::string_view text) {
   Statement statement("SELECT Banco FROM Bancos WHERE Codigo = '");
-  return statement << value(text) << "'";
+  return statement << spliced(text) << "'";
 }
 Statement bare(std::string_view text) {
   Statement statement("SELECT Banco FROM Bancos WHERE Orden = ");
-  return statement << value(text) << " AND Activo <> 0";
+  return statement << spliced(text) << " AND Activo <> 0";
 }
 Literals literalsOf(const Statement& statement) {
   Literals literals;
@@ -57,13 +57,13 @@ TEST(QuotedValue, NeverBecomesAPartOfTheStatement) {
 TEST(QuotedValue, DoesNotPairItsLastQuoteWithTheOneBehindIt) {
   EXPECT_EQ(errorOf(inQuotes("x'")).number(), errors::kSyntax);
   Statement two("SELECT Banco FROM Bancos WHERE Codigo = '");
-  two << value("x'") << value("'y") << "'";
+  two << spliced("x'") << spliced("'y") << "'";
   EXPECT_EQ(errorOf(two).number(), errors::kSyntax);
 }
 
 TEST(QuotedValue, DoesNotPairItsFirstQuoteWithTheOneBeforeIt) {
   Statement statement("SELECT Banco FROM Bancos WHERE Codigo = 'x'");
-  statement << value("' or ''='");
+  statement << spliced("' or ''='");
   EXPECT_EQ(errorOf(statement).number(), errors::kSyntax);
 }
 
@@ -82,13 +82,13 @@ TEST(QuotedValue, OfAMegabytePassesOrFailsAsAShortOne) {
 
 TEST(QuotedValue, InDoubleQuotesMayHoldSingleOnes) {
   Statement statement("SELECT Banco FROM Bancos WHERE Codigo = \"");
-  statement << value("d'Or") << "\"";
+  statement << spliced("d'Or") << "\"";
   EXPECT_THAT(literalsOf(statement), ElementsAre("d'Or"));
 }
 
 TEST(QuotedValue, SharesItsLiteralWithConstantTextAndOtherValues) {
   Statement statement("SELECT Banco FROM Bancos WHERE Codigo = 'a");
-  statement << value("1") << "-" << value("2") << " '";
+  statement << spliced("1") << "-" << spliced("2") << " '";
   EXPECT_THAT(literalsOf(statement), ElementsAre("a1-2 "));
 }
 
@@ -115,7 +115,7 @@ TEST(BareValue, ThatIsNoNumberIsASyntaxError) {
 TEST(BareValue, MayBringItsOwnDelimiters) {
   EXPECT_THAT(literalsOf(bare("'12'")), ElementsAre("12", "0"));
   Statement statement("SELECT Banco FROM Bancos WHERE Alta = ");
-  statement << value("#03/05/2026#");
+  statement << spliced("#03/05/2026#");
   EXPECT_THAT(literalsOf(statement), ElementsAre("03/05/2026"));
 }
 
@@ -136,35 +136,35 @@ TEST(BareValue, DoesNotGrowTogetherWithItsNeighbours) {
                                        {"Orden = ", "'a'"},
                                        {"Bancos.", " = 1"}}) {
     Statement statement("SELECT Banco FROM Bancos WHERE ");
-    statement << before << value("7") << behind;
+    statement << before << spliced("7") << behind;
     EXPECT_EQ(errorOf(statement).number(), errors::kSyntax) << statement.text();
   }
   Statement two("SELECT Banco FROM Bancos WHERE Orden = ");
-  two << value("7") << value("8");
+  two << spliced("7") << spliced("8");
   EXPECT_EQ(errorOf(two).number(), errors::kSyntax);
 }
 
 TEST(BareValue, MayTouchAWordThatNoNumberContinues) {
   Statement statement("SELECT Banco FROM Bancos WHERE Orden = ");
-  statement << value("7") << "and Activo <> 0";
+  statement << spliced("7") << "and Activo <> 0";
   EXPECT_EQ(errorOf(statement).number(), 0);
 }
 
 TEST(DateValue, StaysBetweenItsMarks) {
   Statement good("SELECT Banco FROM Bancos WHERE Alta >= #");
-  good << value("03/05/2026") << "#";
+  good << spliced("03/05/2026") << "#";
   EXPECT_THAT(literalsOf(good), ElementsAre("03/05/2026"));
   for (const std::string_view hostile :
        {"", "pronto", "03/05/2026# or #1/1/2000", "1#", "13/45/2026"}) {
     Statement bad("SELECT Banco FROM Bancos WHERE Alta >= #");
-    bad << value(hostile) << "#";
+    bad << spliced(hostile) << "#";
     EXPECT_EQ(errorOf(bad).number(), errors::kSyntax) << hostile;
   }
 }
 
 TEST(NameValue, IsRefused) {
   Statement statement("SELECT [");
-  statement << value("Banco") << "] FROM Bancos";
+  statement << spliced("Banco") << "] FROM Bancos";
   EXPECT_THAT(errorOf(statement).description(), HasSubstr("stands in a name"));
 }
 

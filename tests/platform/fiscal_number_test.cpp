@@ -109,11 +109,11 @@ TEST(FiscalNumber, EachFaultHasItsOwnWords) {
   for (const FiscalFault fault :
        {FiscalFault::kEmpty, FiscalFault::kLength, FiscalFault::kForm, FiscalFault::kControl,
         FiscalFault::kEnding, FiscalFault::kProvince, FiscalFault::kReserved}) {
-    for (const std::string_view other : words) EXPECT_NE(description(fault), other);
-    words.push_back(description(fault));
+    for (const std::string_view other : words) EXPECT_NE(faultText(fault), other);
+    words.push_back(faultText(fault));
   }
-  EXPECT_EQ(description(FiscalFault::kNone), "");
-  EXPECT_EQ(word(FiscalKind::kSpecialNif), "NIF");
+  EXPECT_EQ(faultText(FiscalFault::kNone), "");
+  EXPECT_EQ(kindWord(FiscalKind::kSpecialNif), "NIF");
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ Ranges rangesOf(const Statement& statement) {
 TEST(Statement, IsTheJoinedText) {
   Statement statement("SELECT Http as web FROM Bancos WHERE codigo = '");
   const std::string id = "001";
-  statement << value(id) << "'";
+  statement << spliced(id) << "'";
   EXPECT_EQ(statement.text(), "SELECT Http as web FROM Bancos WHERE codigo = '001'");
   EXPECT_EQ(rangesOf(statement), (Ranges{{47, 50}}));
 }
@@ -79,23 +79,23 @@ TEST(Statement, TrustedTextLeavesNoRange) {
 
 TEST(Statement, AnEmptyValueHasAnEmptyRange) {
   Statement statement("a");
-  statement << value("") << "b";
+  statement << spliced("") << "b";
   EXPECT_EQ(statement.text(), "ab");
   EXPECT_EQ(rangesOf(statement), (Ranges{{1, 1}}));
 }
 
 TEST(Statement, AnotherStatementBringsItsRanges) {
   Statement where(" WHERE a = ");
-  where << value("1");
+  where << spliced("1");
   Statement statement("DELETE FROM t");
-  statement << value("x") << where << ";";
+  statement << spliced("x") << where << ";";
   EXPECT_EQ(statement.text(), "DELETE FROM tx WHERE a = 1;");
   EXPECT_EQ(rangesOf(statement), (Ranges{{13, 14}, {25, 26}}));
 }
 
 TEST(Statement, CanBeAppendedToItself) {
   Statement statement("a");
-  statement << value("1");
+  statement << spliced("1");
   statement << statement;
   EXPECT_EQ(statement.text(), "a1a1");
   EXPECT_EQ(rangesOf(statement), (Ranges{{1, 2}, {3, 4}}));
@@ -104,7 +104,7 @@ TEST(Statement, CanBeAppendedToItself) {
 // Short ones lie in the object itself, long ones on the heap.
 TEST(Statement, GrowsAsFarAsItMust) {
   Statement statement("a");
-  statement << value("1");
+  statement << spliced("1");
   std::string text = "a1";
   Ranges ranges{{1, 2}};
   for (int doubled = 0; doubled < 12; ++doubled) {
@@ -119,7 +119,7 @@ TEST(Statement, GrowsAsFarAsItMust) {
     ASSERT_EQ(rangesOf(statement), ranges);
   }
   const std::string million(1'000'000, 'x');
-  statement << value(million) << "";
+  statement << spliced(million) << "";
   EXPECT_EQ(statement.text(), text + million);
   EXPECT_EQ(rangesOf(statement).back().end - rangesOf(statement).back().begin, million.size());
   const Statement copy = statement;
@@ -128,9 +128,9 @@ TEST(Statement, GrowsAsFarAsItMust) {
 
 TEST(Statement, IsCopiedAndMovedWithItsRanges) {
   Statement statement("a = ");
-  statement << value("1") << " AND b = " << value("");
+  statement << spliced("1") << " AND b = " << spliced("");
   Statement copy = statement;
-  statement << value("2");
+  statement << spliced("2");
   EXPECT_EQ(copy.text(), "a = 1 AND b = ");
   EXPECT_EQ(rangesOf(copy), (Ranges{{4, 5}, {14, 14}}));
   const Statement moved = std::move(copy);
@@ -141,7 +141,7 @@ TEST(Statement, TakesTextsWithoutAnAddressHoweverLongItIs) {
   Statement statement;
   for (int i = 0; i < 3; ++i) {
     const std::string before(statement.text());
-    statement << Statement::trusted({}) << value(std::string_view());
+    statement << Statement::trusted({}) << spliced(std::string_view());
     EXPECT_EQ(statement.text(), before);
     statement << Statement::trusted(std::string(200, 'x'));
   }
@@ -152,7 +152,7 @@ TEST(Statement, KeepsWhatIsGivenForALiteralTextOnly) {
   char table[] = "Bancos";
   std::string code = "001";
   Statement statement("SELECT * FROM ");
-  statement << Statement::trusted(table) << " WHERE Codigo = '" << value(code) << "'";
+  statement << Statement::trusted(table) << " WHERE Codigo = '" << spliced(code) << "'";
   table[0] = 'X';
   code = "XXX";
   EXPECT_EQ(statement.text(), "SELECT * FROM Bancos WHERE Codigo = '001'");
@@ -161,12 +161,12 @@ TEST(Statement, KeepsWhatIsGivenForALiteralTextOnly) {
 // What an earlier, longer one has left on the heap is room at most.
 TEST(Statement, GrowsFromWhatWasAssignedToItWhateverItHeldBefore) {
   Statement statement;
-  for (int i = 0; i < 40; ++i) statement << value("a longer text than the next one");
+  for (int i = 0; i < 40; ++i) statement << spliced("a longer text than the next one");
   statement = Statement("SELECT ");
   std::string text = "SELECT ";
   Ranges ranges;
   for (std::uint32_t i = 0; i < 20; ++i) {
-    statement << value("7");
+    statement << spliced("7");
     text += "7";
     ranges.push_back({7 + i, 8 + i});
   }

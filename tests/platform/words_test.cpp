@@ -19,9 +19,9 @@ TEST(Words, HoldTheirBytesFromTheLowestOnAndNothingElse) {
     for (std::size_t i = 0; i < count; ++i) {
       expected |= Word64{static_cast<unsigned char>(bytes[i])} << (8 * i);
     }
-    EXPECT_EQ(load(exact.data(), count), expected) << count;
+    EXPECT_EQ(loadWord(exact.data(), count), expected) << count;
   }
-  EXPECT_EQ(load("\x01\x02\x03\x04\x05\x06\x07\x08"), 0x0807060504030201U);
+  EXPECT_EQ(loadWord("\x01\x02\x03\x04\x05\x06\x07\x08"), 0x0807060504030201U);
 }
 
 TEST(Words, TellWhetherAByteIsZero) {

@@ -203,7 +203,7 @@ TEST(ApartmentOfAThread, ThreadsOfOneInstallationWorkAtOnce) {
           ConnectionPtr connection;
           const std::string code = std::to_string(t * 1000 + i);
           DataSession().Execute(
-              1, Statement("INSERT INTO Bancos (Codigo) VALUES ('") << value(code) << "')",
+              1, Statement("INSERT INTO Bancos (Codigo) VALUES ('") << spliced(code) << "')",
               connection);
           apartment.registry().set("T\\" + std::to_string(t), code, code);
         }

@@ -188,7 +188,8 @@ TEST_F(DataSessionOperations, QuoteInAValueBreaksTheStatementAndChangesNothing) 
   ConnectionPtr connection;
   for (const char* hostile : {"'", "x' or '1'='1", "'; DELETE FROM Bancos; --"}) {
     const std::int32_t number = errorOf([&] {
-      session_.Execute(1, Statement("DELETE FROM Bancos WHERE Codigo = '") << value(hostile) << "'",
+      session_.Execute(1,
+                       Statement("DELETE FROM Bancos WHERE Codigo = '") << spliced(hostile) << "'",
                        connection);
     });
     EXPECT_EQ(number, errors::kSyntax) << hostile;

@@ -43,8 +43,8 @@ class PlanCacheRuns : public testing::Test {
   static Statement insert(std::string_view code, std::string_view quantity,
                           std::string_view amount) {
     return Statement("INSERT INTO Lineas ( Codigo, Cantidad, Importe ) SELECT DISTINCTROW '")
-           << value(code) << "' AS codigo, '" << value(quantity) << "' AS Cantidad , "
-           << value(amount) << " AS Importe ";
+           << spliced(code) << "' AS codigo, '" << spliced(quantity) << "' AS Cantidad , "
+           << spliced(amount) << " AS Importe ";
   }
   RowStore fetch(const Statement& statement) { return fetched(*cache, statement); }
   std::int64_t count() { return wholeOf(*session, "SELECT count(*) FROM Lineas"); }
@@ -85,7 +85,7 @@ TEST_F(PlanCacheRuns, MoneyAndDatesOutOfRangeAreRefused) {
   const auto run = [&](std::string_view column, std::string_view number) {
     return errorNumber([&] {
       cache->run(Statement("INSERT INTO Lineas (")
-                 << column << ") VALUES (" << value(number) << ")");
+                 << column << ") VALUES (" << spliced(number) << ")");
     });
   };
   EXPECT_EQ(run("Importe", "-9223372036854775808"), errors::kMultipleStep);
@@ -101,7 +101,8 @@ TEST_F(PlanCacheRuns, MoneyAndDatesOutOfRangeAreRefused) {
 TEST_F(PlanCacheRuns, AQuotedWordOfTruthMeetsAFlag) {
   cache->run(Statement("INSERT INTO Lineas (Activa) VALUES (True)"));
   const auto found = [&](std::string_view word) {
-    return fetch(Statement("SELECT Id FROM Lineas WHERE Activa = '") << value(word) << "'").rows();
+    return fetch(Statement("SELECT Id FROM Lineas WHERE Activa = '") << spliced(word) << "'")
+        .rows();
   };
   EXPECT_EQ(found("True"), 1U);
   EXPECT_EQ(found("verdadero"), 1U);
@@ -128,7 +129,7 @@ TEST_F(PlanCacheRuns, RowsComeBackInTheTypesOfThePlan) {
   cache->run(insert("A2", "3", "2.5"));
   const auto above = [](std::string_view amount) {
     return Statement("SELECT Codigo, Importe, Cantidad*Importe AS T FROM Lineas WHERE Importe > ")
-           << value(amount) << " ORDER BY Codigo";
+           << spliced(amount) << " ORDER BY Codigo";
   };
   const RowStore rows = fetch(above("1"));
   ASSERT_EQ(rows.rows(), 2U);
@@ -160,7 +161,7 @@ TEST_F(PlanCacheRuns, ComposedTextsReturnWhatWasStored) {
 
 TEST_F(PlanCacheRuns, AStatementThatIsNewIsBoundToTheTablesOfThatMoment) {
   const Statement select = Statement("SELECT Color FROM Lineas WHERE Codigo = '")
-                           << value("a") << "'";
+                           << spliced("a") << "'";
   EXPECT_EQ(errorNumber([&] { cache->plan(select); }), errors::kMissingParameter);
   session->execute("ALTER TABLE Lineas ADD COLUMN Color TEXT(5)");
   EXPECT_EQ(cache->plan(select)->columns.at(0).definedSize, 5);

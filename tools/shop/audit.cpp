@@ -19,8 +19,8 @@ using Kind = Finding::Kind;
 /// "column >= first AND column <= last".
 Statement between(Statement::Constant column, double first, double last) {
   Statement condition(column);
-  condition << " >= " << value(numberText(first)) << " AND " << column
-            << " <= " << value(numberText(last));
+  condition << " >= " << spliced(numberText(first)) << " AND " << column
+            << " <= " << spliced(numberText(last));
   return condition;
 }
 
@@ -68,7 +68,7 @@ void readMovements(double first, double last, const ConnectionPtr& main, Tickets
       "SELECT Doc_E, Movimiento, Count(*) AS Lineas, Sum(Cantidad) AS Unidades, Min(Fecha) AS Dia "
       "FROM Articulos_Movimientos_Almacen WHERE ");
   statement << between("Doc_E", first, last)
-            << " AND Estado = " << value(std::to_string(kTicketKind))
+            << " AND Estado = " << spliced(std::to_string(kTicketKind))
             << " GROUP BY Doc_E, Movimiento";
   for (Rows rows(selector::kMain, statement, main); rows.hasRow(); rows.next()) {
     Ticket& ticket = tickets[rows.number("Doc_E")];
@@ -92,7 +92,7 @@ double nextAbove(double number, int selector, Statement::Constant column, Statem
                  const ConnectionPtr& connection) {
   Statement statement("SELECT Min(");
   statement << column << ") AS Siguiente FROM " << table << " WHERE " << column << " > "
-            << value(numberText(number));
+            << spliced(numberText(number));
   const Rows rows(selector, statement, connection);
   return rows.hasRow() && !rows.isNull("Siguiente") ? rows.number("Siguiente") : Audit::kNoEnd;
 }

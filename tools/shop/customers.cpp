@@ -19,10 +19,10 @@ void makeCustomer(const ClsClientes::Alta& alta, std::string_view fiscalWord) {
   const ClsClientes customers;
   customers.Insertar(alta);
   Statement statement("UPDATE Clientes SET ID_Fiscal = '");
-  statement << value(fiscalWord)
+  statement << spliced(fiscalWord)
             << "', Facturar = 'Mensual', Cta_Tesoreria = '430000', Cta_Contable = '430000', "
                "Cta_Contrapartida = '700000', Riesgo = 9000 WHERE Codigo = '"
-            << value(text(alta.vId)) << "'";
+            << spliced(text(alta.vId)) << "'";
   DataSession().Execute(selector::kMain, statement, *alta.objCn);
 }
 
@@ -64,7 +64,7 @@ FiscalEntry fiscalEntry(std::string_view typed) {
   const FiscalNumber number = readFiscalNumber(entry.text);
   if (number.isValid()) {
     entry.text = number.text;
-    entry.word = word(number.kind);
+    entry.word = kindWord(number.kind);
     return entry;
   }
   // Of the shop's own words only those that the law has nothing to say of.
@@ -73,7 +73,7 @@ FiscalEntry fiscalEntry(std::string_view typed) {
     if (entry.word == "AND" || entry.word == "INT") return entry;
   }
   entry.word = kToVerify;
-  entry.doubt = description(number.fault);
+  entry.doubt = faultText(number.fault);
   return entry;
 }
 

@@ -72,8 +72,8 @@ class Gatherer {
   /// " WHERE table.Fecha >= .. AND table.Fecha < ..": a closing may have a time behind its day.
   Statement inTheDays(Statement::Constant table) const {
     Statement condition(" WHERE ");
-    condition << table << ".Fecha >= " << value(from_) << " AND " << table << ".Fecha < "
-              << value(before_);
+    condition << table << ".Fecha >= " << spliced(from_) << " AND " << table << ".Fecha < "
+              << spliced(before_);
     return condition;
   }
 
@@ -203,10 +203,10 @@ class Gatherer {
   /// read from the greatest one down, so that years of closings cost nothing.
   std::optional<double> balanceBefore(const std::string& till) const {
     Statement greatest("SELECT Max(Codigo) AS Ultimo FROM Cierres WHERE Caja = ");
-    greatest << sqlText(till) << " AND Fecha < " << value(from_);
+    greatest << sqlText(till) << " AND Fecha < " << spliced(from_);
     const double last = Rows(selector::kMain, greatest).number("Ultimo");
     Statement statement("SELECT Saldo_Final FROM Cierres WHERE Codigo = ");
-    statement << value(sqlNumber(last, 0));
+    statement << spliced(sqlNumber(last, 0));
     const Rows rows(selector::kMain, statement);
     if (!rows.hasRow()) return std::nullopt;
     return rows.number("Saldo_Final");

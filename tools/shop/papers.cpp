@@ -22,8 +22,8 @@ constexpr double kLatestClosings = 50;
 /// " WHERE Fecha >= .. AND Fecha < ..": a closing may have a time behind its day.
 Statement ofDay(Statement::Constant select, Date day) {
   Statement statement(select);
-  statement << " WHERE Fecha >= " << value(numberText(day.days())) << " AND Fecha < "
-            << value(numberText(day.days() + 1));
+  statement << " WHERE Fecha >= " << spliced(numberText(day.days())) << " AND Fecha < "
+            << spliced(numberText(day.days() + 1));
   return statement;
 }
 
@@ -68,7 +68,7 @@ Papers writeMissingPapers(PapersOf which) {
     first = last.number("Ultimo") - kLatestClosings;
   }
   Statement statement("SELECT Codigo, Fecha FROM Cierres WHERE Codigo > ");
-  statement << value(numberText(first)) << " ORDER BY Codigo";
+  statement << spliced(numberText(first)) << " ORDER BY Codigo";
   std::set<double> days;
   for (Rows rows(selector::kMain, statement); rows.hasRow(); rows.next()) {
     const double closing = rows.number("Codigo");

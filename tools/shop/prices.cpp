@@ -50,7 +50,7 @@ std::string Prices::fill(SaleLine& line, const Conditions& conditions) {
   Statement statement(
       "SELECT Descripcion, Familia, Tarifa_A, Tarifa_B, Tarifa_C, Descuento, Impuesto FROM "
       "Articulos WHERE Codigo = '");
-  statement << value(code) << "'";
+  statement << spliced(code) << "'";
   const Rows article(selector::kMain, statement, main_);
   if (!article.hasRow()) {
     return fmt::format("there is no price, and the shop has no article {}", line.code);

@@ -84,7 +84,7 @@ class Receipt {
   Rows read(Statement::Constant select, Statement::Constant table, Statement::Constant key,
             Statement::Constant tail = {}) {
     Statement statement(select);
-    statement << " FROM " << history_ << table << " WHERE " << key << " = " << value(number_)
+    statement << " FROM " << history_ << table << " WHERE " << key << " = " << spliced(number_)
               << tail;
     return {selector::kDocuments, statement, connection_};
   }

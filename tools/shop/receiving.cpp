@@ -128,7 +128,7 @@ Receipt Receiving::take(const Delivery& delivery, bool keeps) {
       return receipt;
     }
     posting.number = freeNumber();
-    posting.movement = number(movements_.NuevoCodigo("A", main_));
+    posting.movement = asNumber(movements_.NuevoCodigo("A", main_));
   }
   // Lines behind one with a fault are posted too, as what they may depend on; all of it is undone.
   for (const DeliveryLine& line : delivery.lines) refuse(line.origin, take(line, posting));
@@ -168,7 +168,7 @@ std::optional<Receiving::Known> Receiving::known(const Delivery& delivery) {
   Statement statement(
       "SELECT Documento_E, Fecha, Haber FROM Proveedores_Apuntes_Contables WHERE Codigo = ");
   statement << sqlText(delivery.supplier) << " AND Concepto = " << sqlText(entryText(delivery))
-            << " AND Estado = " << value(std::to_string(kDeliveryKind));
+            << " AND Estado = " << spliced(std::to_string(kDeliveryKind));
   const Rows row(selector::kMain, statement, main_);
   if (!row.hasRow()) return std::nullopt;
   return Known{row.number("Documento_E"), row.day("Fecha"), row.number("Haber")};
@@ -184,8 +184,8 @@ std::string Receiving::difference(const Delivery& delivery, const Known& known,
   Statement statement(
       "SELECT Codigo, Almacen, Lote, Cantidad, Precio FROM Articulos_Movimientos_Almacen WHERE "
       "Estado = ");
-  statement << value(std::to_string(kDeliveryKind))
-            << " AND Doc_E = " << value(numberText(known.number)) << " ORDER BY Id";
+  statement << spliced(std::to_string(kDeliveryKind))
+            << " AND Doc_E = " << spliced(numberText(known.number)) << " ORDER BY Id";
   Rows rows(selector::kMain, statement, main_);
   hasMovements = rows.hasRow();
   if (!hasMovements) return {};
@@ -216,10 +216,11 @@ bool Receiving::hasOtherExpiry(const DeliveryLine& line) {
 /// The key that the ledger's entry will get, unless movements of that number are left of an entry
 /// that was deleted.
 double Receiving::freeNumber() {
-  double free = number(ledger_.NuevoCodigo(main_));
+  double free = asNumber(ledger_.NuevoCodigo(main_));
   const auto isTaken = [&] {
     Statement statement("SELECT Id FROM Articulos_Movimientos_Almacen WHERE Estado = ");
-    statement << value(std::to_string(kDeliveryKind)) << " AND Doc_E = " << value(numberText(free));
+    statement << spliced(std::to_string(kDeliveryKind))
+              << " AND Doc_E = " << spliced(numberText(free));
     return Rows(selector::kMain, statement, main_).hasRow();
   };
   while (isTaken()) ++free;
@@ -278,7 +279,7 @@ Receiving::Article Receiving::articleOf(const DeliveryLine& line) {
   Statement statement(
       "SELECT Existencia, Pendiente, Precio_Medio, Medida_Compra, Actualizar_Stock, Lotes, "
       "Articulo_Compuesto, Activo FROM Articulos WHERE Codigo = '");
-  statement << value(article.code) << "'";
+  statement << spliced(article.code) << "'";
   const Rows row(selector::kMain, statement, main_);
   article.isThere = row.hasRow();
   if (!article.isThere) return article;
@@ -398,7 +399,7 @@ void Receiving::moveStock(const DeliveryLine& line, const Article& article) {
   if (!article.isNewLot) return;
   // A new lot is one that sales pass over; no member says otherwise.
   Statement statement("UPDATE Articulos_Lotes SET Stock = True WHERE Codigo = '");
-  statement << value(code) << "' AND Lote = '" << value(lot) << "'";
+  statement << spliced(code) << "' AND Lote = '" << spliced(lot) << "'";
   DataSession().Execute(selector::kMain, statement, main_);
 }
 
@@ -410,7 +411,7 @@ std::vector<Receiving::Order> Receiving::ordersOf(const Article& article,
   std::vector<Order> orders;
   if (arrived <= 0) return orders;
   Statement statement("SELECT Almacen, Pendiente FROM Articulos_Almacenes WHERE Codigo = '");
-  statement << value(article.code) << "' AND Pendiente > 0 ORDER BY Almacen";
+  statement << spliced(article.code) << "' AND Pendiente > 0 ORDER BY Almacen";
   for (Rows rows(selector::kMain, statement, main_); rows.hasRow(); rows.next()) {
     orders.push_back({rows.text("Almacen"), rows.number("Pendiente")});
   }

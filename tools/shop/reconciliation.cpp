@@ -92,7 +92,7 @@ class Reconciliation::Day {
 
   void readTickets(Statement::Constant table, bool isHistory) {
     Statement tickets("SELECT Numero, Caja, Total, Cierre FROM ");
-    tickets << table << " WHERE Fecha = " << value(day_);
+    tickets << table << " WHERE Fecha = " << spliced(day_);
     for (Rows rows = read(selector::kDocuments, tickets); rows.hasRow(); rows.next()) {
       const std::string till = rows.text("Caja");
       tillOf_[rows.number("Numero")] = till;
@@ -102,7 +102,7 @@ class Reconciliation::Day {
     Statement lines(
         "SELECT Caja, Count(*) AS Lineas, Sum(Cantidad) AS Unidades, Sum(Importe) AS Suma FROM ");
     lines << table << " INNER JOIN " << table << "_Lineas ON " << table << ".Numero = " << table
-          << "_Lineas.Numero WHERE Fecha = " << value(day_) << " GROUP BY Caja";
+          << "_Lineas.Numero WHERE Fecha = " << spliced(day_) << " GROUP BY Caja";
     for (Rows rows = read(selector::kDocuments, lines); rows.hasRow(); rows.next()) {
       add(rows.text("Caja"), isHistory,
           {.lines = static_cast<std::int64_t>(rows.number("Lineas")),
@@ -114,7 +114,7 @@ class Reconciliation::Day {
   void readClosings() {
     Statement statement(
         "SELECT Codigo, Caja, Total + Credito AS Ventas FROM Cierres WHERE Fecha = ");
-    statement << value(day_);
+    statement << spliced(day_);
     for (Rows rows = read(selector::kMain, statement); rows.hasRow(); rows.next()) {
       closings_.insert(rows.number("Codigo"));
       tills_[rows.text("Caja")][kClosings] += {.cents = cents(rows.number("Ventas"))};
@@ -125,9 +125,9 @@ class Reconciliation::Day {
     if (tillOf_.empty()) return;
     Statement statement(
         "SELECT Doc_E, Movimiento, Cantidad, Precio FROM Articulos_Movimientos_Almacen WHERE ");
-    statement << "Estado = " << value(std::to_string(kTicketKind))
-              << " AND Doc_E >= " << value(sqlNumber(tillOf_.begin()->first, 0))
-              << " AND Doc_E <= " << value(sqlNumber(tillOf_.rbegin()->first, 0));
+    statement << "Estado = " << spliced(std::to_string(kTicketKind))
+              << " AND Doc_E >= " << spliced(sqlNumber(tillOf_.begin()->first, 0))
+              << " AND Doc_E <= " << spliced(sqlNumber(tillOf_.rbegin()->first, 0));
     for (Rows rows = read(selector::kMain, statement); rows.hasRow(); rows.next()) {
       const auto ticket = tillOf_.find(rows.number("Doc_E"));
       if (ticket == tillOf_.end()) continue;
@@ -142,9 +142,9 @@ class Reconciliation::Day {
   void readAccounts() {
     if (tillOf_.empty()) return;
     Statement statement("SELECT Documento_E, Debe, Haber FROM Clientes_Apuntes_Contables WHERE ");
-    statement << "Estado = " << value(std::to_string(kTicketKind))
-              << " AND Documento_E >= " << value(sqlNumber(tillOf_.begin()->first, 0))
-              << " AND Documento_E <= " << value(sqlNumber(tillOf_.rbegin()->first, 0));
+    statement << "Estado = " << spliced(std::to_string(kTicketKind))
+              << " AND Documento_E >= " << spliced(sqlNumber(tillOf_.begin()->first, 0))
+              << " AND Documento_E <= " << spliced(sqlNumber(tillOf_.rbegin()->first, 0));
     for (Rows rows = read(selector::kMain, statement); rows.hasRow(); rows.next()) {
       const auto ticket = tillOf_.find(rows.number("Documento_E"));
       if (ticket == tillOf_.end()) continue;
@@ -160,7 +160,7 @@ class Reconciliation::Day {
     for (const Statement::Constant table : kTicketTables) {
       Statement statement("SELECT ");
       statement << aggregate << "(Numero) AS Vecino FROM " << table << " WHERE Numero " << sign
-                << " " << value(sqlNumber(number, 0));
+                << " " << spliced(sqlNumber(number, 0));
       const Rows rows = read(selector::kDocuments, statement);
       if (rows.isNull("Vecino")) continue;
       const double found = rows.number("Vecino");

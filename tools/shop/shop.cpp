@@ -30,7 +30,7 @@ Date timeOf(const std::string& text) {
 /// Code of the tax with that rate, "" where the shop has none.
 std::string taxCode(double rate, ConnectionPtr& connection) {
   Statement statement("SELECT Codigo FROM Tipos_Impuesto WHERE Impuesto = ");
-  statement << value(sqlNumber(rate));
+  statement << spliced(sqlNumber(rate));
   const Rows rows(selector::kMain, statement, connection);
   return rows.hasRow() ? rows.text("Codigo") : std::string();
 }
@@ -271,7 +271,7 @@ void Shop::book(const Sale& sale, double ticket, bool onCredit) {
 /// Takes what was sold off the article, its warehouse and its lot, and writes the movement; returns
 /// go the other way. Articles without stock keep none, but their movements are written too.
 void Shop::moveStock(const Sale& sale, double ticket) {
-  double movement = number(movements_.NuevoCodigo("A", main_));
+  double movement = asNumber(movements_.NuevoCodigo("A", main_));
   std::size_t place = 0;
   for (const SaleLine& line : sale.lines) {
     makeArticle(line);
@@ -318,7 +318,7 @@ void Shop::makeArticle(const SaleLine& line) {
                         .objCn = main_});
     // A new article is one whose sales take no stock off; no member says otherwise.
     Statement statement("UPDATE Articulos SET Restar_Stock = True WHERE Codigo = '");
-    statement << value(code) << "'";
+    statement << spliced(code) << "'";
     DataSession().Execute(selector::kMain, statement, main_);
   }
   knownArticles_.insert(line.code);

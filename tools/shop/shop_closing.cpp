@@ -33,7 +33,7 @@ std::optional<Closing> Shop::close(const std::string& till, Date day) {
     refuseLosses(recovered);
     const std::vector<Variant> sold = openTicketsOf(till, day);
     if (!sold.empty()) {
-      closing.number = number(closings_.NuevoCodigo(main_));
+      closing.number = asNumber(closings_.NuevoCodigo(main_));
       closing.tickets = sold.size();
       for (const Variant& ticket : sold) mark(ticket, closing.number);
       closing.total = writeClosing(closing.number, till, day);
@@ -91,7 +91,7 @@ double Shop::writeClosing(double closing, const std::string& till, Date day) {
   double intoTill = 0;
   for (std::int32_t i = 1; i <= payments->Count(); ++i) {
     const ClsRegTicketsPtr payment = payments->Item(i);
-    if (isCash(text(payment->Codigo), main_)) intoTill += number(payment->Importe);
+    if (isCash(text(payment->Codigo), main_)) intoTill += asNumber(payment->Importe);
   }
   double balance = 0;
   closings_.SaldoAnterior(day, code, nobody, series, balance, main_);
@@ -124,18 +124,18 @@ void Shop::writeDetails(double closing, const CollectionTickets& payments) {
   for (std::int32_t i = 1; i <= families->Count(); ++i) {
     const ClsRegTicketsPtr family = families->Item(i);
     closings_.InsertarCierreFamilias(closing, doubledQuotes(text(family->Codigo)),
-                                     roundHalfAway(number(family->Importe), 2), main_);
+                                     roundHalfAway(asNumber(family->Importe), 2), main_);
   }
   const auto taxes = lines_.SumCollectionLinHImpuestos(closing, documents_);
   for (std::int32_t i = 1; i <= taxes->Count(); ++i) {
     const ClsRegTicketsPtr tax = taxes->Item(i);
-    closings_.InsertarCierreImpuestos(closing, text(tax->Codigo), number(tax->Suma),
-                                      number(tax->Importe), main_);
+    closings_.InsertarCierreImpuestos(closing, text(tax->Codigo), asNumber(tax->Suma),
+                                      asNumber(tax->Importe), main_);
   }
   for (std::int32_t i = 1; i <= payments.Count(); ++i) {
     const ClsRegTicketsPtr payment = payments.Item(i);
     closings_.InsertarCierreFormasPago(closing, doubledQuotes(text(payment->Codigo)),
-                                       number(payment->Importe), main_);
+                                       asNumber(payment->Importe), main_);
   }
 }
 

@@ -81,7 +81,7 @@ Recovered Shop::mend(Extent extent) {
 /// The next numbers, of which that of the series in use is free. Tickets that are ahead of the
 /// counter may not have moved their stock; movements that are ahead of the tickets have lost them.
 Shop::Counters Shop::settle(Counters next, Recovered& recovered) {
-  const double written = number(tickets_.NuevoCodigo(kSeries, documents_));
+  const double written = asNumber(tickets_.NuevoCodigo(kSeries, documents_));
   if (next.a == written) {
     // The road of every sale: nothing is open.
   } else if (next.a < written) {
@@ -109,7 +109,7 @@ Shop::Counters Shop::storedCounters() {
 Shop::Counters Shop::startedCounters(BothDatabases& transaction, Recovered& recovered) {
   const Counters next = storedCounters();
   if (next.a != kUnused && next.b != kUnused && next.c != kUnused) return next;
-  const double last = number(tickets_.NuevoCodigo(kSeries, documents_)) - 1;
+  const double last = asNumber(tickets_.NuevoCodigo(kSeries, documents_)) - 1;
   recovered.undecided = Decisions::open(Audit(main_, documents_).tickets(last, Audit::kNoEnd));
   if (!recovered.undecided.empty()) return next;
   tickets_.UpdateNumerador(main_);
@@ -123,7 +123,7 @@ Shop::Counters Shop::startedCounters(BothDatabases& transaction, Recovered& reco
 void Shop::finishSales(double first, Recovered& recovered) {
   for (const Statement::Constant table : kTicketTables) {
     Statement statement("SELECT Numero FROM ");
-    statement << table << " WHERE Numero >= " << value(numberText(first)) << " AND Serie = '"
+    statement << table << " WHERE Numero >= " << spliced(numberText(first)) << " AND Serie = '"
               << kSeries << "' ORDER BY Numero";
     for (const double ticket : numbersOf(selector::kDocuments, statement, "Numero", documents_)) {
       if (hasMovedStock(ticket)) continue;
@@ -141,7 +141,8 @@ void Shop::bookStored(double ticket) {
 
 bool Shop::hasMovedStock(double ticket) {
   Statement statement("SELECT Id FROM Articulos_Movimientos_Almacen WHERE Estado = ");
-  statement << value(std::to_string(kTicketKind)) << " AND Doc_E = " << value(numberText(ticket));
+  statement << spliced(std::to_string(kTicketKind))
+            << " AND Doc_E = " << spliced(numberText(ticket));
   return Rows(selector::kMain, statement, main_).hasRow();
 }
 
@@ -150,7 +151,7 @@ Sale Shop::storedSale(double ticket) {
   Sale sale;
   for (const Statement::Constant table : kTicketTables) {
     Statement head("SELECT Referencia, Fecha, Concepto, Codigo, Razon_Social, Forma_Pago FROM ");
-    head << table << " WHERE Numero = " << value(numberText(ticket));
+    head << table << " WHERE Numero = " << spliced(numberText(ticket));
     const Rows row(selector::kDocuments, head, documents_);
     if (!row.hasRow()) continue;
     sale.reference = row.text("Referencia");
@@ -160,11 +161,11 @@ Sale Shop::storedSale(double ticket) {
     sale.name = row.text("Razon_Social");
     sale.payment = row.text("Forma_Pago");
     Statement header("SELECT Provincia FROM ");
-    header << table << "_Cabecera WHERE Codigo = " << value(numberText(ticket));
+    header << table << "_Cabecera WHERE Codigo = " << spliced(numberText(ticket));
     const Rows place(selector::kDocuments, header, documents_);
     if (place.hasRow()) sale.place = place.text("Provincia");
     Statement lines("SELECT Codigo, Descripcion, Familia, Cantidad, Precio, IVA, DTO FROM ");
-    lines << table << "_Lineas WHERE Numero = " << value(numberText(ticket)) << " ORDER BY ID";
+    lines << table << "_Lineas WHERE Numero = " << spliced(numberText(ticket)) << " ORDER BY ID";
     for (Rows rows(selector::kDocuments, lines, documents_); rows.hasRow(); rows.next()) {
       sale.lines.push_back({.code = rows.text("Codigo"),
                             .description = rows.text("Descripcion"),
@@ -184,7 +185,8 @@ void Shop::takeBack(double ticket) {
   Statement statement(
       "SELECT Codigo, Almacen, Lote, Cantidad, Movimiento FROM Articulos_Movimientos_Almacen WHERE "
       "Estado = ");
-  statement << value(std::to_string(kTicketKind)) << " AND Doc_E = " << value(numberText(ticket));
+  statement << spliced(std::to_string(kTicketKind))
+            << " AND Doc_E = " << spliced(numberText(ticket));
   for (Rows rows(selector::kMain, statement, main_); rows.hasRow(); rows.next()) {
     const std::string code = doubledQuotes(rows.text("Codigo"));
     const std::string warehouse = doubledQuotes(rows.text("Almacen"));
@@ -203,8 +205,8 @@ void Shop::takeBack(double ticket) {
 /// breaks: then the entries go by themselves, and their accounts are added up anew.
 void Shop::takeBackEntries(double ticket) {
   Statement entries(" FROM Clientes_Apuntes_Contables WHERE Estado = ");
-  entries << value(std::to_string(kTicketKind))
-          << " AND Documento_E = " << value(numberText(ticket));
+  entries << spliced(std::to_string(kTicketKind))
+          << " AND Documento_E = " << spliced(numberText(ticket));
   Statement statement("SELECT Codigo");
   statement << entries;
   std::set<std::string> customers;
@@ -231,7 +233,7 @@ void Shop::takeBackEntries(double ticket) {
 void Shop::settleClosings(Extent extent, Recovered& recovered) {
   const double inHistory = greatest(selector::kDocuments, "Cierre", "HTickets", documents_);
   Statement candidates("SELECT Codigo AS Cierre FROM Cierres WHERE Codigo > ");
-  candidates << value(numberText(extent == Extent::kTail ? inHistory : 0));
+  candidates << spliced(numberText(extent == Extent::kTail ? inHistory : 0));
   takeBackClosings(candidates, recovered);
   const double closed = greatest(selector::kMain, "Codigo", "Cierres", main_);
   rewriteClosings(closed, recovered);
@@ -253,7 +255,7 @@ void Shop::takeBackClosings(const Statement& candidates, Recovered& recovered) {
 void Shop::deleteClosing(double closing) {
   closings_.DeleteAll(closing, main_);
   Statement statement("DELETE FROM Cierres WHERE Codigo = ");
-  statement << value(numberText(closing));
+  statement << spliced(numberText(closing));
   DataSession().Execute(selector::kMain, statement, main_);
 }
 
@@ -263,7 +265,7 @@ bool Shop::isUnfinished(double closing) {
   const std::string code = numberText(closing);
   const auto rowsOf = [&](int selector, Statement::Constant select, ConnectionPtr& connection) {
     Statement statement("SELECT ");
-    statement << select << " = " << value(code);
+    statement << select << " = " << spliced(code);
     return Rows(selector, statement, connection);
   };
   const auto hasRows = [&](int selector, Statement::Constant select, ConnectionPtr& connection) {
@@ -283,7 +285,7 @@ bool Shop::isUnfinished(double closing) {
 
 bool Shop::isInvoiced(double closing) {
   Statement statement("SELECT Codigo FROM Cierres WHERE Facturado <> 0 AND Codigo = ");
-  statement << value(numberText(closing));
+  statement << spliced(numberText(closing));
   return Rows(selector::kMain, statement, main_).hasRow();
 }
 
@@ -291,7 +293,7 @@ bool Shop::isInvoiced(double closing) {
 /// each begins with the balance of the one before.
 void Shop::rewriteClosings(double after, Recovered& recovered) {
   Statement statement("SELECT DISTINCT Cierre FROM HTickets WHERE Cierre > ");
-  statement << value(numberText(after)) << " ORDER BY Cierre";
+  statement << spliced(numberText(after)) << " ORDER BY Cierre";
   for (const double closing : numbersOf(selector::kDocuments, statement, "Cierre", documents_)) {
     if (!rewriteClosing(closing)) return;
     recovered.rewritten.push_back(closing);
@@ -305,7 +307,7 @@ void Shop::rewriteClosings(double after, Recovered& recovered) {
 bool Shop::rewriteClosing(double closing) {
   const std::string code = numberText(closing);
   Statement origins("SELECT DISTINCT Caja, Fecha, Serie FROM HTickets WHERE Cierre = ");
-  origins << value(code);
+  origins << spliced(code);
   Rows origin(selector::kDocuments, origins, documents_);
   const std::string till = origin.text("Caja");
   const Date day = Date(origin.number("Fecha"));
@@ -314,7 +316,7 @@ bool Shop::rewriteClosing(double closing) {
   if (origin.hasRow() || !isOurs) return false;
 
   Statement statement("SELECT Numero FROM HTickets WHERE Cierre = ");
-  statement << value(code);
+  statement << spliced(code);
   const std::vector<double> tickets =
       numbersOf(selector::kDocuments, statement, "Numero", documents_);
   Transaction rehearsal(documents_);  // never committed

@@ -52,7 +52,7 @@ Digits readShort(std::string_view text, char decimal) {
   const auto place = [](Word64 marks) { return std::countr_zero(marks) / 8; };
   auto count = static_cast<int>(text.size());
   Digits read;
-  Word64 digits = load(text.data(), text.size()) ^ eachByte('0') >> (64 - 8 * count);
+  Word64 digits = loadWord(text.data(), text.size()) ^ eachByte('0') >> (64 - 8 * count);
   const Word64 points = zeroBytes(digits ^ eachByte(static_cast<unsigned char>(decimal ^ '0')));
   if (points != 0) {
     const Word64 before = (Word64{1} << (8 * place(points))) - 1;

@@ -38,10 +38,10 @@ bool staysInside(std::string_view value, char quote) {
   };
   const std::size_t size = value.size();
   if (size < kWordSize) {
-    look(load(value.data(), size) | eachByte(' ') << (8 * size));
+    look(loadWord(value.data(), size) | eachByte(' ') << (8 * size));
   } else {
-    for (std::size_t i = 0; i + kWordSize < size; i += kWordSize) look(load(value.data() + i));
-    look(load(value.data() + size - kWordSize));
+    for (std::size_t i = 0; i + kWordSize < size; i += kWordSize) look(loadWord(value.data() + i));
+    look(loadWord(value.data() + size - kWordSize));
   }
   if (broken != 0) return false;
   return (high & eachByte(0x80)) == 0 || text::isValidUtf8(value);

@@ -178,7 +178,8 @@ class RowStore {
   }
   Word packText(std::string_view value) {
     if (value.size() <= kInline) {
-      return kInlineMark | static_cast<Word>(value.size()) << 56 | load(value.data(), value.size());
+      return kInlineMark | static_cast<Word>(value.size()) << 56 |
+             loadWord(value.data(), value.size());
     }
     return std::bit_cast<Word>(store(value));
   }
