@@ -22,6 +22,7 @@ constexpr const char* kFooter = R"(  tavelor browse ClsBancos
   tavelor browse ClsBancos --mode seleccioncombo
   tavelor browse ClsBancos --mode registro --id 00001
   tavelor browse ClsBancos --filter "Descripción Like 'Caja*'" --sort "Descripción DESC"
+  tavelor browse ClsBancos --filter "Descripción = 'Banco d''Or'"
   tavelor browse ClsBancos --columns Código,IBAN --csv
   tavelor browse ClsBancos --html)";
 
@@ -64,7 +65,9 @@ void addBrowse(CLI::App& app, Common& common) {
       ->type_name("CLASS");
   command->add_option("--mode", options->word, "Mode word of IniciaRs; all rows without one")
       ->type_name("WORD");
-  command->add_option("--id", options->id, "What the mode looks for")->type_name("ID");
+  command
+      ->add_option("--id", options->id, "What the mode looks for, as it is: quotes are not doubled")
+      ->type_name("ID");
   command->add_option("--filter", options->filter, "Show the rows that fit")->type_name("CRITERIA");
   command->add_option("--sort", options->sort, "Order: column [DESC], ...")->type_name("ORDER");
   addTableOptions(*command, options->table);

@@ -155,7 +155,8 @@ void addEdit(CLI::App& app, Common& common) {
       ->required()
       ->type_name("CLASS [COLUMN=VALUE...]");
   command->add_option("--mode", options->word, "Mode word that finds the row")->type_name("WORD");
-  command->add_option("--id", options->id, "Which row")->type_name("ID");
+  command->add_option("--id", options->id, "Which row, as it is: quotes are not doubled")
+      ->type_name("ID");
   command->add_flag("--add", options->add, "Add a row, under the next code");
   command->add_flag("--delete", options->remove, "Delete the row");
   addTableOptions(*command, options->table);

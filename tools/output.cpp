@@ -84,6 +84,7 @@ void printError(const Error& error, const Style& style) {
   std::string message = style.red(fmt::format("Error {}", error.number()));
   if (!error.source().empty()) message += fmt::format(" from {}", printable(error.source()));
   message += fmt::format(": {}\n", printable(error.description()));
+  if (!error.notes().empty()) message += fmt::format("  {}\n", printable(error.notes()));
   if (error.nativeCode() != 0) message += fmt::format("  engine code {}\n", error.nativeCode());
   const std::string& statement = error.statement();
   if (!statement.empty() && error.offset() >= 0) {

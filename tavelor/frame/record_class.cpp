@@ -94,6 +94,17 @@ void RecordClass::offerPrimary() {
   dataMembers_.emplace_back(kPrimary);
 }
 
+// An error of the engine tells the statement, and this whose it was.
+template <typename Work>
+auto RecordClass::ofClass(Work&& work) const {
+  try {
+    return work();
+  } catch (Error& error) {
+    error.noting("class " + typeName());
+    throw;
+  }
+}
+
 void RecordClass::openPrimary(std::string& sSelecSql, const Variant& id, ConnectionPtr& cnnActive) {
   mustBeHome();
   takePrimary(std::make_shared<Recordset>());
@@ -194,11 +205,13 @@ void RecordClass::setDefaults(bool /*bDefVal*/) {}
 
 void RecordClass::Update() {
   Recordset& rows = primary();
-  if (info_.update == UpdateForm::kCurrentRow) {
-    rows.UpdateBatch(Affect::kCurrent);
-  } else if (ExistenRegistros()) {
-    rows.UpdateBatch(Affect::kAll);
-  }
+  ofClass([&] {
+    if (info_.update == UpdateForm::kCurrentRow) {
+      rows.UpdateBatch(Affect::kCurrent);
+    } else if (ExistenRegistros()) {
+      rows.UpdateBatch(Affect::kAll);
+    }
+  });
 }
 
 void RecordClass::Delete() {
@@ -405,16 +418,18 @@ RecordsetPtr RecordClass::read(const Statement& statement, ObjCn objCn) const {
 
 RecordsetPtr RecordClass::readOn(int selector, const Statement& statement, ObjCn objCn) const {
   mustBeHome();
-  auto rows = std::make_shared<Recordset>();
-  DataSession().OpenRecordset(selector, statement, rows, *objCn);
-  return rows;
+  return ofClass([&] {
+    auto rows = std::make_shared<Recordset>();
+    DataSession().OpenRecordset(selector, statement, rows, *objCn);
+    return rows;
+  });
 }
 
 void RecordClass::write(const Statement& statement, ObjCn objCn) const {
   mustBeHome();
   DataSession session;
   if (!*objCn) objCn = session.OpenConnection(info_.selector);
-  session.Execute(info_.selector, statement, *objCn);
+  ofClass([&] { session.Execute(info_.selector, statement, *objCn); });
 }
 
 Variant RecordClass::lookUp(const Statement& statement, std::string_view column,

@@ -264,6 +264,8 @@ class RecordClass : public Object {
   void takePrimary(RecordsetPtr rows);
   void offerPrimary();
   void requireOwnRows(Recordset& rows, std::string_view path) const;
+  template <typename Work>
+  auto ofClass(Work&& work) const;
   RecordsetPtr greatest(Statement::Constant column, ConnectionPtr& objCn) const;
   void restoreOrder(std::string_view sLlave);
   void restoreOrForgetOrder(std::string_view sLlave);

@@ -13,72 +13,87 @@ namespace tavelor {
 
 namespace {
 
-struct NumberedText {
+/// What is known of a number.
+struct Known {
   std::int32_t number;
+  ErrorKind kind;
   std::string_view description;
 };
 
-constexpr std::array kDescriptions{
-    NumberedText{errors::kInvalidCall, "Invalid procedure call or argument."},
-    NumberedText{errors::kOverflow, "Overflow."},
-    NumberedText{errors::kSubscriptOutOfRange, "Subscript out of range."},
-    NumberedText{errors::kDivisionByZero, "Division by zero."},
-    NumberedText{errors::kTypeMismatch, "Type mismatch."},
-    NumberedText{errors::kFileNotFound, "File not found."},
-    NumberedText{errors::kPathAccess, "Path or file access error."},
-    NumberedText{errors::kObjectNotSet, "Object variable not set."},
-    NumberedText{errors::kInvalidPattern, "Invalid pattern string."},
-    NumberedText{errors::kInvalidUseOfNull, "Invalid use of Null."},
-    NumberedText{errors::kObjectRequired, "Object required."},
-    NumberedText{errors::kMemberNotFound, "Object does not support this property or method."},
-    NumberedText{errors::kWrongNumberOfArguments, "Wrong number of arguments."},
-    NumberedText{errors::kKeyAlreadyAssociated,
-                 "This key is already associated with an element of this collection."},
-    NumberedText{errors::kInvalidArgument,
-                 "Arguments are of the wrong type, are out of acceptable range, or are in conflict "
-                 "with one another."},
-    NumberedText{errors::kNoCurrentRecord,
-                 "Either BOF or EOF is True, or the current record has been deleted. Requested "
-                 "operation requires a current record."},
-    NumberedText{errors::kNotAllowedInContext, "Operation is not allowed in this context."},
-    NumberedText{errors::kInTransaction,
-                 "The object cannot be closed explicitly while in a transaction."},
-    NumberedText{errors::kNotSupported,
-                 "Object or provider is not capable of performing requested operation."},
-    NumberedText{errors::kItemNotFound,
-                 "Item cannot be found in the collection corresponding to the requested name or "
-                 "ordinal."},
-    NumberedText{errors::kAlreadyInCollection,
-                 "The object is already in the collection and cannot be appended."},
-    NumberedText{errors::kObjectInvalid, "Object is no longer valid."},
-    NumberedText{errors::kWrongType,
-                 "Application uses a value of the wrong type for the current operation."},
-    NumberedText{errors::kObjectClosed, "Operation is not allowed when the object is closed."},
-    NumberedText{errors::kObjectOpen, "Operation is not allowed when the object is open."},
-    NumberedText{errors::kInvalidConnection,
-                 "The connection cannot be used to perform this operation. It is either closed or "
-                 "invalid in this context."},
-    NumberedText{errors::kCancelledByUser, "Operation has been cancelled by the user."},
-    NumberedText{errors::kUnspecified, "Unspecified error."},
-    NumberedText{errors::kOperationCanceled, "Operation was canceled."},
-    NumberedText{errors::kBusy, "The database is locked."},
-    NumberedText{errors::kTransactionLost,
-                 "The transaction was lost: the database has undone all of it after an error. Roll "
-                 "it back before anything else."},
-    NumberedText{errors::kRowNotLocated,
-                 "Row cannot be located for updating. Some values may have been changed since it "
-                 "was last read."},
-    NumberedText{errors::kTableNotFound, "The table does not exist."},
-    NumberedText{errors::kIntegrityViolation,
-                 "The change would create duplicate or dangling values in a key."},
-    NumberedText{errors::kDeletedRow,
-                 "Row handle referred to a deleted row or a row marked for deletion."},
-    NumberedText{errors::kMultipleStep,
-                 "Multiple-step operation generated errors. Check each status value."},
-    NumberedText{errors::kSyntax, "Syntax error in the statement."},
-    NumberedText{errors::kMissingParameter, "No value given for one or more required parameters."},
-    NumberedText{errors::kCriteriaTypeMismatch, "Data type mismatch in criteria expression."},
+constexpr std::array kKnown{
+    Known{errors::kInvalidCall, ErrorKind::kArgument, "Invalid procedure call or argument."},
+    Known{errors::kOverflow, ErrorKind::kValue, "Overflow."},
+    Known{errors::kSubscriptOutOfRange, ErrorKind::kArgument, "Subscript out of range."},
+    Known{errors::kDivisionByZero, ErrorKind::kValue, "Division by zero."},
+    Known{errors::kTypeMismatch, ErrorKind::kValue, "Type mismatch."},
+    Known{errors::kFileNotFound, ErrorKind::kNotFound, "File not found."},
+    Known{errors::kPathAccess, ErrorKind::kEngine, "Path or file access error."},
+    Known{errors::kObjectNotSet, ErrorKind::kClosed, "Object variable not set."},
+    Known{errors::kInvalidPattern, ErrorKind::kArgument, "Invalid pattern string."},
+    Known{errors::kInvalidUseOfNull, ErrorKind::kValue, "Invalid use of Null."},
+    Known{errors::kObjectRequired, ErrorKind::kArgument, "Object required."},
+    Known{errors::kMemberNotFound, ErrorKind::kNotFound,
+          "Object does not support this property or method."},
+    Known{errors::kWrongNumberOfArguments, ErrorKind::kArgument, "Wrong number of arguments."},
+    Known{errors::kKeyAlreadyAssociated, ErrorKind::kIntegrity,
+          "This key is already associated with an element of this collection."},
+    Known{errors::kInvalidArgument, ErrorKind::kArgument,
+          "Arguments are of the wrong type, are out of acceptable range, or are in conflict "
+          "with one another."},
+    Known{errors::kNoCurrentRecord, ErrorKind::kNotFound,
+          "Either BOF or EOF is True, or the current record has been deleted. Requested "
+          "operation requires a current record."},
+    Known{errors::kNotAllowedInContext, ErrorKind::kNotAllowed,
+          "Operation is not allowed in this context."},
+    Known{errors::kInTransaction, ErrorKind::kNotAllowed,
+          "The object cannot be closed explicitly while in a transaction."},
+    Known{errors::kNotSupported, ErrorKind::kNotAllowed,
+          "Object or provider is not capable of performing requested operation."},
+    Known{errors::kItemNotFound, ErrorKind::kNotFound,
+          "Item cannot be found in the collection corresponding to the requested name or "
+          "ordinal."},
+    Known{errors::kAlreadyInCollection, ErrorKind::kIntegrity,
+          "The object is already in the collection and cannot be appended."},
+    Known{errors::kObjectInvalid, ErrorKind::kClosed, "Object is no longer valid."},
+    Known{errors::kWrongType, ErrorKind::kValue,
+          "Application uses a value of the wrong type for the current operation."},
+    Known{errors::kObjectClosed, ErrorKind::kClosed,
+          "Operation is not allowed when the object is closed."},
+    Known{errors::kObjectOpen, ErrorKind::kNotAllowed,
+          "Operation is not allowed when the object is open."},
+    Known{errors::kInvalidConnection, ErrorKind::kClosed,
+          "The connection cannot be used to perform this operation. It is either closed or "
+          "invalid in this context."},
+    Known{errors::kCancelledByUser, ErrorKind::kCancelled,
+          "Operation has been cancelled by the user."},
+    Known{errors::kUnspecified, ErrorKind::kEngine, "Unspecified error."},
+    Known{errors::kOperationCanceled, ErrorKind::kCancelled, "Operation was canceled."},
+    Known{errors::kBusy, ErrorKind::kBusy, "The database is locked."},
+    Known{errors::kTransactionLost, ErrorKind::kEngine,
+          "The transaction was lost: the database has undone all of it after an error. Roll "
+          "it back before anything else."},
+    Known{errors::kRowNotLocated, ErrorKind::kConflict,
+          "Row cannot be located for updating. Some values may have been changed since it "
+          "was last read."},
+    Known{errors::kTableNotFound, ErrorKind::kNotFound, "The table does not exist."},
+    Known{errors::kIntegrityViolation, ErrorKind::kIntegrity,
+          "The change would create duplicate or dangling values in a key."},
+    Known{errors::kDeletedRow, ErrorKind::kNotFound,
+          "Row handle referred to a deleted row or a row marked for deletion."},
+    Known{errors::kMultipleStep, ErrorKind::kValue,
+          "Multiple-step operation generated errors. Check each status value."},
+    Known{errors::kSyntax, ErrorKind::kSyntax, "Syntax error in the statement."},
+    Known{errors::kMissingParameter, ErrorKind::kSyntax,
+          "No value given for one or more required parameters."},
+    Known{errors::kCriteriaTypeMismatch, ErrorKind::kValue,
+          "Data type mismatch in criteria expression."},
 };
+
+const Known* knownOf(std::int32_t number) noexcept {
+  const auto* const found = std::find_if(
+      kKnown.begin(), kKnown.end(), [&](const Known& known) { return known.number == number; });
+  return found == kKnown.end() ? nullptr : &*found;
+}
 
 /// How much of a long statement a message shows, in bytes.
 constexpr std::size_t kShownBytes = 300;
@@ -140,6 +155,13 @@ Error::Error(std::int32_t number, std::string source, std::string description)
   compose();
 }
 
+Error& Error::noting(std::string_view note) {
+  if (!notes_.empty()) notes_ += '\n';
+  notes_ += readable(std::string(note));
+  compose();
+  return *this;
+}
+
 Error& Error::inStatement(std::string_view statement, std::int64_t offset) {
   if (!statement_.empty()) return *this;
   statement_ = statement;
@@ -157,6 +179,11 @@ void Error::compose() {
   what_.clear();
   if (!source_.empty()) what_.append(source_).append(": ");
   what_.append(description_).append(" (error ").append(std::to_string(number_)).append(")");
+  for (std::string_view rest = notes_; !rest.empty();) {
+    const std::size_t end = std::min(rest.find('\n'), rest.size());
+    what_.append("\n  ").append(rest.substr(0, end));
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+  }
   if (statement_.empty()) return;
   what_.append("\n  in: ").append(readable(shownPart(statement_, offset_)));
   if (offset_ < 0) return;
@@ -184,10 +211,13 @@ TextPlace placeOf(std::string_view text, std::int64_t byteOffset) {
 }
 
 std::string_view defaultDescription(std::int32_t number) noexcept {
-  for (const NumberedText& entry : kDescriptions) {
-    if (entry.number == number) return entry.description;
-  }
-  return {};
+  const Known* known = knownOf(number);
+  return known == nullptr ? std::string_view() : known->description;
+}
+
+ErrorKind errorKind(std::int32_t number) noexcept {
+  const Known* known = knownOf(number);
+  return known == nullptr ? ErrorKind::kOther : known->kind;
 }
 
 void raise(std::int32_t number, std::string_view source, std::string_view detail) {

@@ -67,6 +67,25 @@ inline constexpr std::int32_t kBusy = -2147217843;
 inline constexpr std::int32_t kTransactionLost = -2147168231;
 }  // namespace errors
 
+/// What a program does about an error: tell its user, ask again, try again, give up. Each number is
+/// of one kind.
+enum class ErrorKind : std::uint8_t {
+  kArgument,    ///< a call that makes no sense: the program is wrong
+  kValue,       ///< a value of the wrong type, too large, too long, or Null
+  kNotFound,    ///< no such row, column, table, file, class or member
+  kConflict,    ///< somebody else has changed or deleted the row
+  kIntegrity,   ///< a key that is there already, or a Null that a table refuses
+  kBusy,        ///< locked by somebody else for the whole wait: try again
+  kClosed,      ///< what is not open, not there yet, or gone
+  kNotAllowed,  ///< not now, or not with this object
+  kCancelled,   ///< a listener or the program has said no
+  kSyntax,      ///< a statement that does not read, or names what is no column
+  kEngine,      ///< the file, the disk or the engine: no call is to blame
+  kOther,       ///< a number of an application's own
+};
+/// The kind of a number.
+ErrorKind errorKind(std::int32_t number) noexcept;
+
 /// What went wrong: a number for programs, a source and a description for people, and for whoever
 /// debugs the statement, the engine's own code and the place in the statement.
 ///
@@ -79,6 +98,8 @@ class Error : public std::exception {
 
   /// One of errors, or an application's own.
   std::int32_t number() const noexcept { return number_; }
+  /// What to do about it.
+  ErrorKind kind() const noexcept { return errorKind(number_); }
   /// The class or part that raised it.
   const std::string& source() const noexcept { return source_; }
   /// What went wrong, for people.
@@ -91,12 +112,18 @@ class Error : public std::exception {
   /// The engine's own (extended) result code, or 0.
   std::int32_t nativeCode() const noexcept { return nativeCode_; }
 
+  /// What it was about (a table, a key) and what helps, one a line; or "". Not in description(),
+  /// whose words callers may compare.
+  const std::string& notes() const noexcept { return notes_; }
+
+  /// Adds a line to notes().
+  Error& noting(std::string_view note);
   /// Adds the statement unless one is known already: the innermost knows best.
   Error& inStatement(std::string_view statement, std::int64_t offset = -1);
   /// Adds the engine's own result code.
   Error& withNativeCode(std::int32_t code) noexcept;
 
-  /// "source: description (error number)", and the place in the statement when it is known.
+  /// "source: description (error number)", the notes, and the place in the statement where known.
   const char* what() const noexcept override { return what_.c_str(); }
 
  private:
@@ -107,6 +134,7 @@ class Error : public std::exception {
   std::int64_t offset_ = -1;
   std::string source_;
   std::string description_;
+  std::string notes_;
   std::string statement_;
   std::string what_;
 };

@@ -46,6 +46,33 @@ TEST(Error, AStatementWithoutAPlaceShowsNoLine) {
   EXPECT_THAT(error.what(), EndsWith("\n  in: DELETE FROM Bancos"));
 }
 
+TEST(Error, NotesFollowTheDescriptionAndDoNotChangeIt) {
+  Error error(errors::kNoCurrentRecord, "Recordset", "No row.");
+  error.noting("rows of Bancos").noting("class ClsBancos").inStatement("SELECT 1");
+  EXPECT_EQ(error.description(), "No row.");
+  EXPECT_EQ(error.notes(), "rows of Bancos\nclass ClsBancos");
+  EXPECT_STREQ(error.what(),
+               "Recordset: No row. (error 3021)\n"
+               "  rows of Bancos\n"
+               "  class ClsBancos\n"
+               "  in: SELECT 1");
+}
+
+TEST(Error, EachNumberIsOfOneKind) {
+  EXPECT_EQ(Error(errors::kInvalidCall, "", "").kind(), ErrorKind::kArgument);
+  EXPECT_EQ(Error(errors::kTypeMismatch, "", "").kind(), ErrorKind::kValue);
+  EXPECT_EQ(Error(errors::kNoCurrentRecord, "", "").kind(), ErrorKind::kNotFound);
+  EXPECT_EQ(Error(errors::kRowNotLocated, "", "").kind(), ErrorKind::kConflict);
+  EXPECT_EQ(Error(errors::kIntegrityViolation, "", "").kind(), ErrorKind::kIntegrity);
+  EXPECT_EQ(Error(errors::kBusy, "", "").kind(), ErrorKind::kBusy);
+  EXPECT_EQ(Error(errors::kObjectClosed, "", "").kind(), ErrorKind::kClosed);
+  EXPECT_EQ(Error(errors::kNotAllowedInContext, "", "").kind(), ErrorKind::kNotAllowed);
+  EXPECT_EQ(Error(errors::kCancelledByUser, "", "").kind(), ErrorKind::kCancelled);
+  EXPECT_EQ(Error(errors::kSyntax, "", "").kind(), ErrorKind::kSyntax);
+  EXPECT_EQ(Error(errors::kUnspecified, "", "").kind(), ErrorKind::kEngine);
+  EXPECT_EQ(Error(12345, "", "").kind(), ErrorKind::kOther);
+}
+
 TEST(Error, TheInnermostStatementStays) {
   Error error(errors::kSyntax, "Dialect", "x");
   error.inStatement("inner", 2).inStatement("outer", 4);

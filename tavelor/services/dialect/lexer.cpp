@@ -10,6 +10,7 @@
 #include "tavelor/platform/date_text.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/number_text.hpp"
+#include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/platform/utf8.hpp"
@@ -557,11 +558,24 @@ std::string placeText(std::string_view statement, std::size_t offset) {
   return text + "column " + std::to_string(place.column);
 }
 
+namespace {
+
+/// Whether a quote inside a text that nobody doubled may be the fault at `offset`: a value with a
+/// quote begins there, a text that is never closed, or a word right behind a text.
+bool mayBeOfAQuote(std::string_view statement, std::size_t offset) {
+  if (offset >= statement.size()) return false;
+  const bool inText = offset > 0 && statement[offset - 1] == '\'';
+  return inText || statement[offset] == '\'';
+}
+
+}  // namespace
+
 void raiseSyntax(std::string_view statement, std::size_t offset, std::string_view complaint) {
   std::string description = "Syntax error in statement: ";
   description += complaint;
   Error error(errors::kSyntax, "Statement", std::move(description));
   error.inStatement(statement, static_cast<std::int64_t>(offset));
+  if (mayBeOfAQuote(statement, offset)) error.noting(kQuotesAreDoubled);
   throw error;
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Reading of criteria.
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <optional>
@@ -7,6 +8,7 @@
 #include "tavelor/platform/date_text.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/number_text.hpp"
+#include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/recordset/criteria.hpp"
 
@@ -188,9 +190,13 @@ class Parser {
  private:
   [[noreturn]] void fail(std::string_view what, std::size_t at) const {
     const std::size_t character = text::length(text_.substr(0, at)) + 1;
-    raise(errors::kInvalidArgument, kSource,
-          std::string(what) + " at character " + std::to_string(character) +
-              " of: " + std::string(text_));
+    Error error(errors::kInvalidArgument, std::string(kSource),
+                std::string(defaultDescription(errors::kInvalidArgument)) + " " +
+                    std::string(what) + " at character " + std::to_string(character) +
+                    " of: " + std::string(text_));
+    const std::size_t quote = text_.substr(0, std::min(at + 1, text_.size())).rfind('\'');
+    if (quote != std::string_view::npos && quote + 1 >= at) error.noting(kQuotesAreDoubled);
+    throw error;
   }
 
   void skipBlanks() {

@@ -7,6 +7,7 @@
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/recordset/connection_trace.hpp"
 #include "tavelor/services/recordset/recordset_internal.hpp"
+#include "tavelor/services/recordset/row_notes.hpp"
 #include "tavelor/services/recordset/xml_format.hpp"
 
 namespace tavelor {
@@ -144,7 +145,8 @@ void BatchWriter::writeAll(const std::vector<Row>& rows) {
         edit->failure = record_status::kConcurrencyViolation;
         conflicts_.push_back(row);
       }
-    } catch (const Error& error) {
+    } catch (Error& error) {
+      error.noting(rowNote(store_, row));
       edit->failure = failureOf(error);
       conflicts_.assign(1, row);
       throw;
@@ -423,9 +425,7 @@ void Recordset::write(const std::vector<Row>& rows) {
   acceptWritten(writer.written());
   conflicting_ = writer.conflicts();
   if (!conflicting_.empty()) {
-    raise(errors::kRowNotLocated, kRecordsetSource,
-          "Rows not written: " + std::to_string(conflicting_.size()) + " of " +
-              std::to_string(rows.size()));
+    raiseNotLocated(store, conflicting_, rows.size());
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include "tavelor/services/recordset/criteria.hpp"
 #include "tavelor/services/recordset/recordset_internal.hpp"
+#include "tavelor/services/recordset/row_notes.hpp"
 
 namespace tavelor {
 
@@ -355,7 +356,7 @@ std::vector<Recordset::Row> Recordset::pendingRows(Affect affect) const {
     if (group_ == FilterGroup::kNone && !byBookmarks_) {
       raise(errors::kNotAllowedInContext, kRecordsetSource, "The filter is no group of rows");
     }
-    if (live_ == 0) raise(errors::kNoCurrentRecord, kRecordsetSource);
+    if (live_ == 0) raiseNoCurrentRow(*store_);
   }
   std::vector<Row> rows;
   for (const auto& [row, edit] : store_->edits()) {

@@ -5,6 +5,7 @@
 
 #include "tavelor/services/recordset/criteria.hpp"
 #include "tavelor/services/recordset/recordset_internal.hpp"
+#include "tavelor/services/recordset/row_notes.hpp"
 
 namespace tavelor {
 
@@ -30,7 +31,7 @@ bool Recordset::Eof() const {
 
 Recordset::Row Recordset::current() const {
   opened();
-  if (cursor_.place != Place::kRow) raise(errors::kNoCurrentRecord, kRecordsetSource);
+  if (cursor_.place != Place::kRow) raiseNoCurrentRow(*store_);
   return cursor_.row;
 }
 
@@ -114,7 +115,7 @@ void Recordset::requireMovable(int direction) const {
                        (direction < 0 && cursor_.place == Place::kBof) ||
                        (direction != 0 && cursor_.place == Place::kNowhere) ||
                        (live_ == 0 && !deletedLast);
-  if (blocked) raise(errors::kNoCurrentRecord, kRecordsetSource);
+  if (blocked) raiseNoCurrentRow(*store_);
 }
 
 /// Posts the row in edit. The listeners of that may have closed the set.
@@ -184,11 +185,11 @@ std::int64_t Recordset::startingIndex(const Variant& start, int direction) const
   if (start.isEmpty() || (isConstant(start) && start == Variant(bookmark::kCurrent))) {
     if (cursor_.place == Place::kBof) return -1;
     if (cursor_.place == Place::kEof) return extent();
-    if (cursor_.place == Place::kNowhere) raise(errors::kNoCurrentRecord, kRecordsetSource);
+    if (cursor_.place == Place::kNowhere) raiseNoCurrentRow(*store_);
     return cursor_.left && direction > 0 ? cursor_.at - 1 : cursor_.at;
   }
   if (isConstant(start)) {
-    if (live_ == 0) raise(errors::kNoCurrentRecord, kRecordsetSource);
+    if (live_ == 0) raiseNoCurrentRow(*store_);
     if (start == Variant(bookmark::kFirst)) return 0;
     if (start == Variant(bookmark::kLast)) return extent() - 1;
   }
