@@ -365,6 +365,7 @@ class clsArticulos final : public OpensByWordOnConnection {
  private:
   Statement modeStatement(std::string& word, const Variant& id) const override;
   Variant newCode(ConnectionPtr& objCn) const override;
+  bool fillsNewRow() const override { return true; }
   void setDefaults(bool bDefVal) override;
 
   /// `column` of an article: Empty without a row, Null where it is.

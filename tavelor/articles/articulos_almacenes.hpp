@@ -79,6 +79,7 @@ class ClsArticulosAlmacenes final : public OpensOnConnection {
   bool CodigoLibre(const Variant& vId, const Variant& vIdSec, ObjCn objCn = {}) const;
 
  private:
+  void addRow(bool bDefVal) override { AddNew(bDefVal); }
   /// Adds to the row of a pair, or makes it.
   void add(const Variant& vId, const Variant& vIdAlm, double dCant, double dPend,
            ConnectionPtr& cnnActive) const;

@@ -92,6 +92,8 @@ class ClsArticulosMovAlmacen final : public OpensByWord {
   void Insertar(const Movimiento& movimiento) const;
 
  private:
+  void addRow(bool bDefVal) override { AddNew(bDefVal); }
+  bool fillsNewRow() const override { return true; }
   double sumOfKind(const Variant& vId, Statement::Constant kind, ObjCn objCn) const;
   double sumSince(const Variant& vId, const Variant& dtInicio, std::string_view sAlmacen,
                   Statement::Constant kind, ObjCn objCn) const;

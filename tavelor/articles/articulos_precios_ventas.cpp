@@ -249,7 +249,7 @@ void ClsArticulosPreciosVentas::SetDesripcion(std::string_view sDes) {
 }
 
 void ClsArticulosPreciosVentas::AddNew(bool bDefVal, std::string_view sIdCli) {
-  RecordClass::AddNew(bDefVal);
+  RecordClass::addRow(bDefVal);
   if (!bDefVal) return;
   Recordset& rows = primary();
   rows.Field("Cliente").Value(sIdCli);

@@ -94,7 +94,7 @@ class ClsArticulosPreciosVentas final : public OpensByWord {
   /// Adds a row; with `bDefVal` one of that customer with a code of its own, else empty.
   void AddNew(bool bDefVal = false, std::string_view sIdCli = {});
   /// Posts the current row; a row of an article without a date gets the date 01/01/2040.
-  void Update();
+  void Update() override;
   /// Posts the current row as it is, if it is being edited.
   void Update_Familia();
 
@@ -104,6 +104,7 @@ class ClsArticulosPreciosVentas final : public OpensByWord {
   bool FamiliaLibre(const Variant& vId, const Variant& vIdSec, ObjCn objCn = {}) const;
 
  private:
+  void addRow(bool bDefVal) override { AddNew(bDefVal); }
   void insert(const Oferta& oferta, Statement::Constant dateColumn, const std::string& date) const;
 };
 

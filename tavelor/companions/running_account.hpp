@@ -107,6 +107,9 @@ class RunningAccount : public OpensOnConnection {
   std::string dateText(const Variant& date) const;
 
  private:
+  /// Of no owner.
+  void addRow(bool bDefVal) override { AddNew({}, bDefVal); }
+
   std::span<const BalanceRepair> afterDeletion_;
 };
 

@@ -119,7 +119,7 @@ class ClsClientes final : public BusinessPartner {
   void AddNew(bool bDefVal = false);
   /// As the frame's; a customer without an identifier in the outside system takes the first two
   /// characters of its code as one. Raises 3265 in modes that do not show it.
-  void Update();
+  void Update() override;
 
   // ---- Flags of one customer, false for no customer
 
@@ -337,6 +337,10 @@ class ClsClientes final : public BusinessPartner {
 
   Statement modeStatement(std::string& word, const Variant& id) const override;
   void setDefaults(bool bDefVal) override;
+  void writeGridPage(const GridColumns& clColfields, bool bDoclone, std::string_view sSelecSql,
+                     bool bFilter) override {
+    ToHtmlGrid({}, clColfields, bDoclone, sSelecSql, bFilter);
+  }
 
   /// The condition of "bajas", "bajas60" and "bajas30", the whole statement of "347", or nothing.
   static Statement CondicionConsulta(std::string_view sModo);

@@ -40,6 +40,7 @@ class ClsClientesColaboradores final : public OpensOnConnection {
 
  protected:
   Statement modeStatement(std::string& word, const Variant& id) const override;
+  void addRow(bool bDefVal) override { AddNew(bDefVal); }
 };
 
 }  // namespace tavelor

@@ -52,7 +52,7 @@ void ClsClientes::ToHtmlGrid(std::string_view sPersonalFolder, const GridColumns
 
 void ClsClientes::ToHtmlGrid_V0(const GridColumns& clColfields, bool bDoclone,
                                 std::string_view sSelecSql, bool bFilter) {
-  OpensByWord::ToHtmlGrid(clColfields, bDoclone, sSelecSql, bFilter);
+  OpensByWord::writeGridPage(clColfields, bDoclone, sSelecSql, bFilter);
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -71,7 +71,7 @@ const std::vector<Member>& frameTail() {
   static const std::vector<Member> slots = {
       property("EditingRecord", &C::EditingRecord),
       property("AbsolutePosition", &C::AbsolutePosition),
-      member("AddNew", &C::AddNew, "[bDefVal]"),
+      member("AddNew", static_cast<void (C::*)(bool)>(&C::AddNew), "[bDefVal]"),
       member("Delete", &C::Delete),
       member("MoveToBookmark", &C::MoveToBookmark, "mybookmark"),
       member("Requery", &C::Requery, "[inout sSelecSql]"),

@@ -337,6 +337,11 @@ RecordsetPtr RecordClass::pageRows(bool bDoclone, std::string_view sSelecSql, bo
 
 void RecordClass::ToHtmlGrid(const GridColumns& clColfields, bool bDoclone,
                              std::string_view sSelecSql, bool bFilter) {
+  writeGridPage(clColfields, bDoclone, sSelecSql, bFilter);
+}
+
+void RecordClass::writeGridPage(const GridColumns& clColfields, bool bDoclone,
+                                std::string_view sSelecSql, bool bFilter) {
   const RecordsetPtr rows = pageRows(bDoclone, sSelecSql, bFilter);
   if (!rows) return;
 

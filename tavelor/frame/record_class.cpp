@@ -187,7 +187,7 @@ Recordset& RecordClass::primary() const {
 // A listener may call IniciaRs while it is told of a change or of a move, and with that the record
 // set is another one: members ask for it anew after each step, and none holds it across two.
 
-void RecordClass::AddNew(bool bDefVal) {
+void RecordClass::addRow(bool bDefVal) {
   mustBeHome();
   primary().AddNew();
   Variant code = NuevoCodigo();
@@ -199,6 +199,10 @@ void RecordClass::AddNew(bool bDefVal) {
   }
   if (bDefVal) primary().Field(0).Value(code);
   setDefaults(bDefVal);
+}
+
+bool RecordClass::fillsNewRow() const {
+  return false;
 }
 
 void RecordClass::setDefaults(bool /*bDefVal*/) {}
@@ -321,6 +325,10 @@ Variant RecordClass::successor(const Variant& code) {
 }
 
 bool RecordClass::CodigoLibre(const Variant& vId, ObjCn objCn) const {
+  return isCodeFree(vId, *objCn);
+}
+
+bool RecordClass::isCodeFree(const Variant& vId, ConnectionPtr& objCn) const {
   if (!info_.freeCode.empty()) return !anyRow(withId(info_.freeCode, vId), objCn);
   Statement statement("SELECT Codigo FROM ");
   statement << info_.table << " where codigo ='" << spliced(joined(vId)) << "'";

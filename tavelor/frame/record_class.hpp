@@ -84,9 +84,11 @@ class RecordClass : public Object {
   /// From 1; 0 on any error.
   std::int32_t AbsolutePosition() const;
 
-  /// Adds a row. The next code is computed in any case and written to the first field only if
-  /// `bDefVal` is true.
-  void AddNew(bool bDefVal = false);
+  /// Adds a row as the class does it where nothing is said of `bDefVal`.
+  void AddNew() { addRow(fillsNewRow()); }
+  /// Adds a row. In most classes the next code is computed in any case and written to the first
+  /// field only if `bDefVal` is true.
+  void AddNew(bool bDefVal) { addRow(bDefVal); }
   /// Deletes the current row, or only marks it, as the class says. Where it writes, all that is
   /// pending is written with it. After an error the rows that were not written are pending still.
   void Delete();
@@ -98,7 +100,7 @@ class RecordClass : public Object {
   /// Writes the current row; in classes that say so, all rows that are pending. Raises -2147217864
   /// where somebody else has changed the row meanwhile; after any error what was not written is
   /// pending still.
-  void Update();
+  virtual void Update();
   /// Begins a transaction, or a level inside one, on the connection that GetConnection gives.
   void CnnBeginTrans();
   /// Ends the innermost level and keeps what was written. Raises 3219 without one.
@@ -194,8 +196,17 @@ class RecordClass : public Object {
   virtual Statement modeStatement(std::string& word, const Variant& id) const;
   /// What NuevoCodigo and AddNew take the next code from.
   virtual Variant newCode(ConnectionPtr& objCn) const;
+  /// What AddNew does: a class whose own AddNew is another one is that through the frame too.
+  virtual void addRow(bool bDefVal);
+  /// What AddNew without `bDefVal` takes it for.
+  virtual bool fillsNewRow() const;
   /// Defaults of a new row beside its code. Runs last in AddNew.
   virtual void setDefaults(bool bDefVal);
+  /// What CodigoLibre answers.
+  virtual bool isCodeFree(const Variant& vId, ConnectionPtr& objCn) const;
+  /// What ToHtmlGrid does.
+  virtual void writeGridPage(const GridColumns& clColfields, bool bDoclone,
+                             std::string_view sSelecSql, bool bFilter);
 
   /// The primary record set; raises 91 before IniciaRs.
   Recordset& primary() const;

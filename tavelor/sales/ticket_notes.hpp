@@ -26,6 +26,9 @@ class TicketNotes : public TicketTable<OpensOnConnection> {
  protected:
   /// Takes what the table of tickets takes.
   using TicketTable::TicketTable;
+
+ private:
+  void addRow(bool bDefVal) override { AddNew(bDefVal); }
 };
 
 }  // namespace tavelor

@@ -316,6 +316,11 @@ class ClsTickets final : public TicketTable<OpensByWord> {
 
  private:
   Statement modeStatement(std::string& word, const Variant& id) const override;
+  void addRow(bool bDefVal) override { AddNew(bDefVal); }
+  Variant newCode(ConnectionPtr& objCn) const override { return NuevoCodigo({}, objCn); }
+  bool isCodeFree(const Variant& vId, ConnectionPtr& objCn) const override {
+    return CodigoLibre(vId, objCn);
+  }
 
   /// A column of the current row; the type's zero on any error.
   template <typename Result>

@@ -150,7 +150,7 @@ class ClsTicketsLineas final : public TicketTable<OpensOnConnection> {
   bool EditAddRecord() const;
   /// Sends the whole batch. An error is told to the user, "Ln · " and its text, and rises as it is;
   /// see Recordset::UpdateBatch for what is left then.
-  void Update();
+  void Update() override;
   /// Drops all pending changes.
   void CancelBatch();
 
@@ -162,6 +162,9 @@ class ClsTicketsLineas final : public TicketTable<OpensOnConnection> {
   /// the lines before it are in the sums. The set stays where it is.
   void SumaCol(bool bIncTax, InOut<double> dBase, InOut<double> dImpIva, InOut<double> dImpRecargo,
                bool bRecargos) const;
+
+ private:
+  void addRow(bool bDefVal) override { AddNew(bDefVal); }
 };
 
 }  // namespace tavelor

@@ -146,7 +146,7 @@ TEST_F(LedgerRowsTest, UpdateIdReadsTheNextKeyOnTheClasssConnection) {
   ledger.CnnBeginTrans();
   ConnectionPtr own = ledger.GetConnection();
   auto more = entry(day(2), 0, 2);
-  more.objCn = own;
+  *more.objCn = own;
   ledger.Insertar(more);
   ledger.UpdateId();
   EXPECT_EQ(field("Id"), "3") << "the entry of the open transaction counts";
