@@ -4,7 +4,8 @@
 # One floor of the house as an object library tavelor_NAME, made of all sources below FOLDER
 # (SHALLOW: of the folder itself only; a single .cpp may be named too). Every floor may use those
 # that were declared before it.
-# tavelor_library() joins all floors into the one library that users link: Tavelor::tavelor.
+# tavelor_library() joins all floors into the library that users link, twice of the same objects:
+# Tavelor::tavelor is static, Tavelor::tavelor_shared is not.
 
 # One precompiled header for all floors and one for all tests: compiled once, owned by no floor.
 function(tavelor_precompiled name)
@@ -58,6 +59,19 @@ function(tavelor_library)
   target_include_directories(tavelor PUBLIC
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:include>)
   target_link_libraries(tavelor PRIVATE ${links} Threads::Threads)
+  if(TAVELOR_SHARED)
+    set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+    add_library(tavelor_shared SHARED ${objects})
+    add_library(Tavelor::tavelor_shared ALIAS tavelor_shared)
+    set_target_properties(tavelor_shared PROPERTIES LINKER_LANGUAGE CXX OUTPUT_NAME tavelor
+      VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINK_DEPENDS ${exports})
+    target_compile_features(tavelor_shared PUBLIC cxx_std_20)
+    target_include_directories(tavelor_shared PUBLIC
+      $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:include>)
+    target_link_options(tavelor_shared PRIVATE
+      -Wl,--version-script=${exports} -Wl,--as-needed)
+    target_link_libraries(tavelor_shared PRIVATE ${links} Threads::Threads)
+  endif()
 endfunction()
 
 # tavelor_test(FLOOR [LINK target...]): the tests in tests/FLOOR as one program, linked with that

@@ -10,6 +10,9 @@ foreach(header IN LISTS TAVELOR_PUBLIC_HEADERS)
 endforeach()
 
 install(TARGETS tavelor EXPORT TavelorTargets)
+if(TAVELOR_SHARED)
+  install(TARGETS tavelor_shared EXPORT TavelorTargets)
+endif()
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Tavelor)
 install(EXPORT TavelorTargets NAMESPACE Tavelor:: DESTINATION ${package_folder})
 configure_package_config_file(cmake/TavelorConfig.cmake.in ${PROJECT_BINARY_DIR}/TavelorConfig.cmake

@@ -8,6 +8,8 @@ target_compile_options(tavelor_options INTERFACE
 # The library's code may end in a shared one of somebody else (hence its position independence), but
 # nobody puts functions of his own in the place of ours: let calls among them be inlined.
 target_compile_options(tavelor_options INTERFACE -fno-semantic-interposition)
+# What the shared library shows is marked (tavelor/platform/export.hpp).
+target_compile_options(tavelor_options INTERFACE -fvisibility=hidden)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 14)
   # g++ 12 sees dangling references and overruns in the standard library's own inlined code.
   target_compile_options(tavelor_options INTERFACE

@@ -2,11 +2,7 @@
 // First steps: an installation, a class, its rows.
 #include <iostream>
 
-#include "tavelor/platform/error.hpp"
-#include "tavelor/reference/bancos.hpp"
-#include "tavelor/services/apartment.hpp"
-#include "tavelor/services/installation.hpp"
-#include "tavelor/services/recordset/recordset.hpp"
+#include "tavelor/tavelor.hpp"
 
 int main() {
   try {

@@ -5,15 +5,17 @@
 #include <string_view>
 #include <vector>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 class Component;
 
 /// By family, in the order of components.cpp.
-const std::vector<const Component*>& components();
+TAVELOR_API const std::vector<const Component*>& components();
 
 /// By class name ("ClsBancos", "Tavelor.ClsBancos") or class identifier, without regard to case.
 /// Raises 438 with the nearest name when there is none.
-const Component& component(std::string_view nameOrClassId);
+TAVELOR_API const Component& component(std::string_view nameOrClassId);
 
 }  // namespace tavelor

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -17,7 +18,7 @@ class Component;
 /// escaping: a quote in a code or a description raises the database's syntax error.
 ///
 /// Members that read one value give Empty, "", 0 or false for an article that is not there.
-class clsArticulos final : public OpensByWordOnConnection {
+class TAVELOR_API clsArticulos final : public OpensByWordOnConnection {
  public:
   clsArticulos();
   std::string typeName() const override { return "clsArticulos"; }

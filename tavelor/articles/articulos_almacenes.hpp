@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -15,7 +16,7 @@ class Component;
 ///
 /// The record set is a batch: rows that a grid adds have the ID -1 and no article until UpdateId,
 /// Delete only marks, and Update writes all that is pending.
-class ClsArticulosAlmacenes final : public OpensOnConnection {
+class TAVELOR_API ClsArticulosAlmacenes final : public OpensOnConnection {
  public:
   ClsArticulosAlmacenes();
   std::string typeName() const override { return "ClsArticulosAlmacenes"; }

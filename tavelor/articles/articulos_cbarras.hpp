@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -10,7 +11,7 @@ class Component;
 
 /// Barcodes, each of an article; an article may have many. Nothing keeps a barcode single: callers
 /// ask CodigoLibreTotal first.
-class ClsArticulosCbarras final : public OpensByWord {
+class TAVELOR_API ClsArticulosCbarras final : public OpensByWord {
  public:
   ClsArticulosCbarras();
   std::string typeName() const override { return "ClsArticulosCbarras"; }

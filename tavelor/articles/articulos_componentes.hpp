@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -13,7 +14,7 @@ class Component;
 
 /// The components of packages, one level deep: a component may be a package itself, and comes back
 /// as one entry.
-class ClsArticulosComponentes final : public OpensByWord {
+class TAVELOR_API ClsArticulosComponentes final : public OpensByWord {
  public:
   ClsArticulosComponentes();
   std::string typeName() const override { return "ClsArticulosComponentes"; }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -14,7 +15,7 @@ class Component;
 /// nothing here looks at them. A lot is not tied to a warehouse.
 ///
 /// The lot words "0" and "" mean no lot.
-class ClsArticulosLotes final : public OpensByWord {
+class TAVELOR_API ClsArticulosLotes final : public OpensByWord {
  public:
   ClsArticulosLotes();
   std::string typeName() const override { return "ClsArticulosLotes"; }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -17,7 +18,7 @@ class Component;
 /// beside it, and the sums here serve to check and to value stock.
 ///
 /// A date is a Date or a text that is read by the locale.
-class ClsArticulosMovAlmacen final : public OpensByWord {
+class TAVELOR_API ClsArticulosMovAlmacen final : public OpensByWord {
  public:
   ClsArticulosMovAlmacen();
   std::string typeName() const override { return "ClsArticulosMovAlmacen"; }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -10,7 +11,7 @@ class Component;
 
 /// Purchase prices, one row an article and supplier, with the supplier's own reference. No key
 /// keeps a pair single; ActualizarPrecio does. Prices are in the shop's currency.
-class ClsArticulosPrecios final : public OpensByWord {
+class TAVELOR_API ClsArticulosPrecios final : public OpensByWord {
  public:
   ClsArticulosPrecios();
   std::string typeName() const override { return "ClsArticulosPrecios"; }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -17,7 +18,7 @@ class Component;
 /// A price of one cent means a free article. A row without a date never ends; one with a date still
 /// counts on that day. Which look-up comes first, and what counts when none applies, is for the
 /// caller that fills a document line.
-class ClsArticulosPreciosVentas final : public OpensByWord {
+class TAVELOR_API ClsArticulosPreciosVentas final : public OpensByWord {
  public:
   ClsArticulosPreciosVentas();
   std::string typeName() const override { return "ClsArticulosPreciosVentas"; }

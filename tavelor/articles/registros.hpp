@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "tavelor/frame/keyed_objects.hpp"
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/variant.hpp"
 
 namespace tavelor {
@@ -15,7 +16,7 @@ class Component;
 
 /// How much of an article is wanted from which warehouse and lot. Its values may be of any kind,
 /// objects too, which are then shared.
-class ClsRegistros final : public Object {
+class TAVELOR_API ClsRegistros final : public Object {
  public:
   static constexpr std::string_view kTypeName = "ClsRegistros";
   std::string typeName() const override { return std::string(kTypeName); }
@@ -34,7 +35,8 @@ using ClsRegistrosPtr = std::shared_ptr<ClsRegistros>;
 
 /// Requests in the order in which they were added, some under a key. An item is found by its
 /// position, from 1, or by its key, whose case does not count; see KeyedObjects for errors.
-class CollectionRegistros final : public KeyedCollection<CollectionRegistros, ClsRegistros> {
+class TAVELOR_API CollectionRegistros final
+    : public KeyedCollection<CollectionRegistros, ClsRegistros> {
  public:
   static constexpr std::string_view kTypeName = "CollectionRegistros";
   std::string typeName() const override { return std::string(kTypeName); }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 #include "tavelor/sales/tickets.hpp"
 
 namespace tavelor {
@@ -23,7 +24,7 @@ class Component;
 ///
 /// Values are joined into statements without escaping: a quote in a text raises the database's
 /// syntax error.
-class ClsCierres final : public OpensByWord {
+class TAVELOR_API ClsCierres final : public OpensByWord {
  public:
   ClsCierres();
   std::string typeName() const override { return "ClsCierres"; }

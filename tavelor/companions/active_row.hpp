@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 class Recordset;
@@ -14,7 +16,7 @@ class Variant;
 using RecordsetPtr = std::shared_ptr<Recordset>;
 
 /// Variables that take the current row of a list with addresses.
-struct ActiveRow {
+struct TAVELOR_API ActiveRow {
   Variant& code;
   std::string& name;
   std::string& company;
@@ -32,6 +34,6 @@ inline constexpr std::string_view kActiveRowParameters =
 
 /// Each variable for itself: one that cannot be read, since the list does not show it, it is Null
 /// or there is no row, stays as it came and keeps none of the others from it. Never raises.
-void takeActiveRow(const RecordsetPtr& rows, const ActiveRow& to);
+TAVELOR_API void takeActiveRow(const RecordsetPtr& rows, const ActiveRow& to);
 
 }  // namespace tavelor

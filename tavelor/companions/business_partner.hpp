@@ -8,6 +8,7 @@
 
 #include "tavelor/frame/reading.hpp"
 #include "tavelor/frame/single_read.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -17,7 +18,7 @@ namespace tavelor {
 ///
 /// NuevoCodigo keeps to the length that the counters tell under the class word, where it is one,
 /// not to the width of the column.
-class BusinessPartner : public OpensByWord {
+class TAVELOR_API BusinessPartner : public OpensByWord {
  public:
   /// Members that read one value of one of them: `GetSerie(id)`, `GetSerie(id, objCn)`.
   using Text = SingleReadOf<std::string>;

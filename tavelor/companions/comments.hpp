@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -19,7 +20,7 @@ enum class CommentKeys : std::uint8_t {
 };
 
 /// What the tables of comments share: Id, Codigo (the owner's code) and Comentarios.
-class Comments : public OpensOnConnection {
+class TAVELOR_API Comments : public OpensOnConnection {
  public:
   /// Deletes the comments of an owner.
   void DeleteAll(const Variant& vId, ObjCn cnnActive = {}) const;

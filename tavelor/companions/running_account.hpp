@@ -8,12 +8,13 @@
 #include <string_view>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 /// One statement that Eliminar runs behind a deletion: the balances of the entries that `entries`
 /// names are moved by the deleted movement.
-struct BalanceRepair {
+struct TAVELOR_API BalanceRepair {
   /// Which entries, seen from the deleted one.
   enum class Entries : std::uint8_t {
     kSameDate,    ///< of the same date with a higher Id
@@ -39,7 +40,7 @@ struct BalanceRepair {
 /// same Id: the second INSERT is refused by the key, before any balance has moved.
 ///
 /// AddNew, Delete and the members below that change rows leave them pending until Update.
-class RunningAccount : public OpensOnConnection {
+class TAVELOR_API RunningAccount : public OpensOnConnection {
  public:
   bool CodigoLibre(const Variant& vId, ObjCn objCn = {}) const = delete;
 

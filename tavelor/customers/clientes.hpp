@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tavelor/companions/business_partner.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -15,7 +16,7 @@ class Component;
 /// for the usual ones; members that ask for a usable customer take all but 0. Values are joined
 /// into statements without escaping: a quote in a code or a name raises the database's syntax
 /// error. Members that write or read customers beside the primary record set keep no state.
-class ClsClientes final : public BusinessPartner {
+class TAVELOR_API ClsClientes final : public BusinessPartner {
  public:
   ClsClientes();
   std::string typeName() const override { return "ClsClientes"; }

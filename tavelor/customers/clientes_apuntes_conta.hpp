@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tavelor/companions/running_account.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -10,7 +11,7 @@ class Component;
 
 /// The ledger of customers. Insertar, Eliminar and DeleteAll leave right balances behind them;
 /// Modificarnovale and DeleteToDate do not, and UpdateTotal mends theirs.
-class ClsClientesApuntesConta final : public RunningAccount {
+class TAVELOR_API ClsClientesApuntesConta final : public RunningAccount {
  public:
   ClsClientesApuntesConta();
   std::string typeName() const override { return "ClsClientesApuntesConta"; }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -13,7 +14,7 @@ class Component;
 
 /// The administrative centres of public customers: who keeps the accounts, who manages, who handles
 /// the papers. A customer and a role find one centre; nothing keeps the pair single.
-class ClsClientesCentros final : public OpensByWordOnConnection {
+class TAVELOR_API ClsClientesCentros final : public OpensByWordOnConnection {
  public:
   ClsClientesCentros();
   std::string typeName() const override { return "ClsClientesCentros"; }

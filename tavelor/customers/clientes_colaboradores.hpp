@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -13,7 +14,7 @@ class Component;
 
 /// The people who work at a clinic, which is a customer. They are found by their name within the
 /// clinic; nothing keeps it single.
-class ClsClientesColaboradores final : public OpensOnConnection {
+class TAVELOR_API ClsClientesColaboradores final : public OpensOnConnection {
  public:
   ClsClientesColaboradores();
   std::string typeName() const override { return "ClsClientesColaboradores"; }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tavelor/companions/comments.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -10,7 +11,7 @@ class Component;
 
 /// One long comment a customer, in its row of Id 1. Rows of a higher Id are left over from repeated
 /// entries; lists for one customer do not show them.
-class ClsClientesComentarios final : public Comments {
+class TAVELOR_API ClsClientesComentarios final : public Comments {
  public:
   ClsClientesComentarios();
   std::string typeName() const override { return "ClsClientesComentarios"; }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -14,7 +15,7 @@ class Component;
 
 /// The delivery addresses of customers. Nothing keeps one default address a customer: of several
 /// the first that the database gives is taken.
-class ClsClientesDirecciones final : public OpensByWordOnConnection {
+class TAVELOR_API ClsClientesDirecciones final : public OpensByWordOnConnection {
  public:
   ClsClientesDirecciones();
   std::string typeName() const override { return "ClsClientesDirecciones"; }

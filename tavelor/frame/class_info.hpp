@@ -7,6 +7,7 @@
 #include <span>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/statement.hpp"
 
 namespace tavelor {
@@ -26,7 +27,7 @@ inline constexpr std::string_view kAnyOtherWord = {};
 /// A word that IniciaRs understands, and its statement: `select` followed by `tail`. Where they say
 /// {id} the argument of that name of IniciaRs stands, as text. Words compare exactly. The last mode
 /// of a class is that of any other word, which then becomes "todos".
-struct Mode {
+struct TAVELOR_API Mode {
   std::string_view word;
   Statement::Constant select;
   Statement::Constant tail = {};
@@ -42,7 +43,7 @@ enum class DeleteForm : std::uint8_t { kWrites, kMarks };
 enum class FindForm : std::uint8_t { kWhole, kPrefix };
 
 /// One record class. Texts must outlive the class objects: they are literals.
-struct ClassInfo {
+struct TAVELOR_API ClassInfo {
   std::string_view word;      ///< class word: registry segment, export file, sClassName
   Statement::Constant table;  ///< as its statements write it
   int selector = selector::kMain;

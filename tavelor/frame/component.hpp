@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "tavelor/platform/callback.hpp"
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/inout.hpp"
 #include "tavelor/platform/variant.hpp"
 
@@ -24,7 +25,7 @@ template <typename Result>
 class SingleReadOf;
 
 /// One parameter of a member, as the printed interface shows it.
-struct Parameter {
+struct TAVELOR_API Parameter {
   /// Who writes it: the caller, the member, or both.
   enum class Direction : std::uint8_t { kIn, kOut, kInOut };
 
@@ -37,7 +38,7 @@ struct Parameter {
 };
 
 /// One slot: a member that can be called with variants.
-struct Member {
+struct TAVELOR_API Member {
   /// Takes an object of the class, and arguments as call() does.
   using Call = Callback<Variant(Object& object, std::span<Variant> arguments)>;
 
@@ -56,7 +57,7 @@ struct Member {
 };
 
 /// A public class: how it is made and what it offers.
-class Component {
+class TAVELOR_API Component {
  public:
   /// Makes an object of the class.
   using Make = std::unique_ptr<Object> (*)();
@@ -95,18 +96,19 @@ class Component {
 };
 
 /// A frame member of the component table, by name, for the place where a class has it.
-const Member& frameMember(std::string_view name);
+TAVELOR_API const Member& frameMember(std::string_view name);
 /// A class's slots: its first members, the frame members from EditingRecord on, whose order is the
 /// same in all classes, and what some classes have behind them. A member of `last` that bears the
 /// name of a frame member is the class's own version of it and takes its place.
-std::vector<Member> withFrameTail(std::vector<Member> first, std::vector<Member> last = {});
+TAVELOR_API std::vector<Member> withFrameTail(std::vector<Member> first,
+                                              std::vector<Member> last = {});
 /// The same slots with `more` behind the one called `name`: members of a class that stand among
 /// those of the frame. Raises 438 when there is no such slot.
-std::vector<Member> withSlotsBehind(std::string_view name, std::vector<Member> more,
-                                    std::vector<Member> slots);
+TAVELOR_API std::vector<Member> withSlotsBehind(std::string_view name, std::vector<Member> more,
+                                                std::vector<Member> slots);
 /// The same slots without the one called `name`: a frame member that a class does not have. Raises
 /// 438 when there is no such slot.
-std::vector<Member> withoutSlot(std::string_view name, std::vector<Member> slots);
+TAVELOR_API std::vector<Member> withoutSlot(std::string_view name, std::vector<Member> slots);
 
 // ---------------------------------------------------------------------------------------------
 // From a member function to a slot.
@@ -117,77 +119,78 @@ namespace detail {
 template <typename T>
 struct Marshal;
 
-const Locale& callLocale();
-[[noreturn]] void raiseWrongObject(std::string_view wanted);
-Object& objectArgument(const Variant* value, std::string_view wanted);
-std::vector<Parameter> parseParameters(std::string_view names, std::vector<std::string> types,
-                                       std::vector<bool> byReference);
+TAVELOR_API const Locale& callLocale();
+[[noreturn]] TAVELOR_API void raiseWrongObject(std::string_view wanted);
+TAVELOR_API Object& objectArgument(const Variant* value, std::string_view wanted);
+TAVELOR_API std::vector<Parameter> parseParameters(std::string_view names,
+                                                   std::vector<std::string> types,
+                                                   std::vector<bool> byReference);
 
 template <>
-struct Marshal<Variant> {
+struct TAVELOR_API Marshal<Variant> {
   static constexpr std::string_view kName = "Variant";
   static Variant in(const Variant& v) { return v; }
   static Variant out(Variant v) { return v; }
 };
 template <>
-struct Marshal<std::string> {
+struct TAVELOR_API Marshal<std::string> {
   static constexpr std::string_view kName = "String";
   static std::string in(const Variant& v) { return v.toText(callLocale()); }
   static Variant out(std::string v) { return v; }
 };
 template <>
-struct Marshal<std::string_view> : Marshal<std::string> {};
+struct TAVELOR_API Marshal<std::string_view> : Marshal<std::string> {};
 template <>
-struct Marshal<bool> {
+struct TAVELOR_API Marshal<bool> {
   static constexpr std::string_view kName = "Boolean";
   static bool in(const Variant& v) { return v.toBoolean(callLocale()); }
   static Variant out(bool v) { return v; }
 };
 template <>
-struct Marshal<std::int16_t> {
+struct TAVELOR_API Marshal<std::int16_t> {
   static constexpr std::string_view kName = "Integer";
   static std::int16_t in(const Variant& v) { return v.toInt16(callLocale()); }
   static Variant out(std::int16_t v) { return v; }
 };
 template <>
-struct Marshal<std::int32_t> {
+struct TAVELOR_API Marshal<std::int32_t> {
   static constexpr std::string_view kName = "Long";
   static std::int32_t in(const Variant& v) { return v.toInt32(callLocale()); }
   static Variant out(std::int32_t v) { return v; }
 };
 template <>
-struct Marshal<float> {
+struct TAVELOR_API Marshal<float> {
   static constexpr std::string_view kName = "Single";
   static float in(const Variant& v) { return static_cast<float>(v.toDouble(callLocale())); }
   static Variant out(float v) { return v; }
 };
 template <>
-struct Marshal<double> {
+struct TAVELOR_API Marshal<double> {
   static constexpr std::string_view kName = "Double";
   static double in(const Variant& v) { return v.toDouble(callLocale()); }
   static Variant out(double v) { return v; }
 };
 template <>
-struct Marshal<Date> {
+struct TAVELOR_API Marshal<Date> {
   static constexpr std::string_view kName = "Date";
   static Date in(const Variant& v) { return v.toDate(callLocale()); }
   static Variant out(Date v) { return v; }
 };
 /// A list reads as one text, its entries joined by line ends.
 template <>
-struct Marshal<std::vector<Variant>> {
+struct TAVELOR_API Marshal<std::vector<Variant>> {
   static constexpr std::string_view kName = "Collection";
   static std::vector<Variant> in(const Variant& v);
   static Variant out(const std::vector<Variant>& entries);
 };
 template <>
-struct Marshal<std::shared_ptr<Connection>> {
+struct TAVELOR_API Marshal<std::shared_ptr<Connection>> {
   static constexpr std::string_view kName = "Connection";
   static std::shared_ptr<Connection> in(const Variant& v);
   static Variant out(std::shared_ptr<Connection> v);
 };
 template <>
-struct Marshal<std::shared_ptr<Recordset>> {
+struct TAVELOR_API Marshal<std::shared_ptr<Recordset>> {
   static constexpr std::string_view kName = "Recordset";
   static std::shared_ptr<Recordset> in(const Variant& v);
   static Variant out(std::shared_ptr<Recordset> v);
@@ -195,13 +198,13 @@ struct Marshal<std::shared_ptr<Recordset>> {
 /// An object that a member gives: a collection, an item of one.
 template <typename T>
 requires std::is_base_of_v<Object, T>
-struct Marshal<std::shared_ptr<T>> {
+struct TAVELOR_API Marshal<std::shared_ptr<T>> {
   static constexpr std::string_view kName = T::kTypeName;
   static Variant out(std::shared_ptr<T> v) { return ObjectPtr(std::move(v)); }
 };
 
 template <typename P>
-struct Argument {
+struct TAVELOR_API Argument {
   using Value = std::remove_cvref_t<P>;
   using Stored = std::conditional_t<std::is_same_v<Value, std::string_view>, std::string, Value>;
   static constexpr bool kByReference = false;
@@ -215,7 +218,7 @@ struct Argument {
 /// An object of the application's: a control, the columns of a grid.
 template <typename P>
 requires std::is_base_of_v<Object, std::remove_cvref_t<P>>
-struct Argument<P> {
+struct TAVELOR_API Argument<P> {
   using Value = std::remove_cvref_t<P>;
   static constexpr bool kByReference = false;
   static constexpr std::string_view kName = "Object";
@@ -229,7 +232,7 @@ struct Argument<P> {
   Value* object;
 };
 template <typename T>
-struct Argument<InOut<T>> {
+struct TAVELOR_API Argument<InOut<T>> {
   static constexpr bool kByReference = true;
   static constexpr std::string_view kName = Marshal<T>::kName;
 
@@ -243,13 +246,13 @@ struct Argument<InOut<T>> {
 
 /// The value behind a field of an aggregate, by reference or not.
 template <typename T>
-struct Plain {
+struct TAVELOR_API Plain {
   using Value = T;
   static constexpr bool kByReference = false;
   static const T& get(const T& field) { return field; }
 };
 template <typename T>
-struct Plain<InOut<T>> {
+struct TAVELOR_API Plain<InOut<T>> {
   using Value = T;
   static constexpr bool kByReference = true;
   static const T& get(const InOut<T>& field) { return *field; }
@@ -315,7 +318,7 @@ Member member(std::string_view name, const SingleReadOf<Result> Class::*read,
 }
 /// One parameter of a member that takes them all in one aggregate.
 template <typename Aggregate>
-struct AggregateParameter {
+struct TAVELOR_API AggregateParameter {
   Parameter parameter;
   Callback<void(Aggregate&, const Variant&)> read;
   Callback<Variant(Aggregate&)> written;

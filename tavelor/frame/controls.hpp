@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/variant.hpp"
 
 namespace tavelor {
@@ -22,7 +23,7 @@ enum class ControlKind : std::uint8_t {
 
 /// A control of a form, bound to a field. A kind of control has some of the properties only: those
 /// that it lacks keep these defaults, which raise 438.
-class Control : public Object {
+class TAVELOR_API Control : public Object {
  public:
   std::string typeName() const override { return "Control"; }
 
@@ -46,14 +47,14 @@ class Control : public Object {
 };
 
 /// A column of a grid.
-struct GridColumn {
+struct TAVELOR_API GridColumn {
   bool visible = true;
   std::string caption;
   std::int32_t alignment = 0;  ///< 1 right, 3 left, all others centred
 };
 
 /// The columns of a grid, in the order of the record set's fields.
-class GridColumns : public Object {
+class TAVELOR_API GridColumns : public Object {
  public:
   std::string typeName() const override { return "GridColumns"; }
   /// Number of columns.

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/variant.hpp"
 
 namespace tavelor {
@@ -17,7 +18,7 @@ namespace tavelor {
 /// An item is found by its position, from 1, or by its key, whose case does not count. A number is
 /// a position (1.5 is 2), a text is a key. Errors: 9 for a position that is not there, 5 for a key,
 /// 94 for Null, 13 for what is neither number nor text.
-class KeyedObjects {
+class TAVELOR_API KeyedObjects {
  public:
   /// Adds at the end; "" is no key. Raises 457 for a key that is there: nothing is added then.
   void add(ObjectPtr item, std::string_view key = {});
@@ -43,7 +44,7 @@ class KeyedObjects {
 /// What a collection class has beside Add: its `Element`s are found, counted and removed as
 /// KeyedObjects says. `Collection` is the class itself.
 template <typename Collection, typename Element>
-class KeyedCollection : public Object {
+class TAVELOR_API KeyedCollection : public Object {
  public:
   /// An item by its position, from 1, or by its key.
   std::shared_ptr<Element> Item(const Variant& vntIndexKey) const {

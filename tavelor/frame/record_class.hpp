@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tavelor/frame/class_info.hpp"
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/inout.hpp"
 #include "tavelor/platform/variant.hpp"
 #include "tavelor/services/apartment.hpp"
@@ -29,7 +30,7 @@ using RecordsetPtr = std::shared_ptr<Recordset>;
 using ObjCn = InOut<ConnectionPtr>;
 
 /// Listens to a record class. Every function has an empty default.
-class RecordClassEvents {
+class TAVELOR_API RecordClassEvents {
  public:
   virtual ~RecordClassEvents() = default;
   /// The primary record set has moved to another row.
@@ -46,7 +47,7 @@ class RecordClassEvents {
 /// moment. An object is used by one thread, while the apartment is bound that it was made in; what
 /// would reach a database, the registry or a file of another one raises 5, and 91 once its own has
 /// ended.
-class RecordClass : public Object {
+class TAVELOR_API RecordClass : public Object {
  public:
   ~RecordClass() override;
   RecordClass(const RecordClass&) = delete;
@@ -298,7 +299,7 @@ class RecordClass : public Object {
 };
 
 /// IniciaRs(sSelecSql, id): the record set rides on a connection of its own.
-class OpensByWord : public RecordClass {
+class TAVELOR_API OpensByWord : public RecordClass {
  public:
   /// Opens the primary record set by the statement of the mode `sSelecSql`, which becomes "todos"
   /// where the class does not know it, for the code `id`. Rows come in the order that was last
@@ -310,7 +311,7 @@ class OpensByWord : public RecordClass {
 };
 
 /// IniciaRs(sSelecSql, id, cnnActive): the record set rides on the caller's connection, if given.
-class OpensByWordOnConnection : public RecordClass {
+class TAVELOR_API OpensByWordOnConnection : public RecordClass {
  public:
   /// Opens the primary record set by the statement of the mode `sSelecSql`, which becomes "todos"
   /// where the class does not know it, for the code `id`, on `cnnActive`, which is filled when it
@@ -323,7 +324,7 @@ class OpensByWordOnConnection : public RecordClass {
 };
 
 /// IniciaRs(cnnActive, sSelecSql, id).
-class OpensOnConnection : public RecordClass {
+class TAVELOR_API OpensOnConnection : public RecordClass {
  public:
   /// Opens the primary record set by the statement of the mode `sSelecSql`, which becomes "todos"
   /// where the class does not know it, for the code `id`, on `cnnActive`, which is filled when it

@@ -7,12 +7,13 @@
 #include <type_traits>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 /// What such a member asks and answers. Texts must outlive it: they are literals.
 template <typename Result>
-struct SingleRead {
+struct TAVELOR_API SingleRead {
   /// A result that a constant may hold.
   using Literal = std::conditional_t<std::is_same_v<Result, std::string>, std::string_view, Result>;
 
@@ -25,7 +26,7 @@ struct SingleRead {
 
 /// One such member of an object: `customers.GetSerie(id)`.
 template <typename Result>
-class SingleReadOf {
+class TAVELOR_API SingleReadOf {
  public:
   /// `owner` is the object that it is a member of.
   SingleReadOf(const RecordClass& owner, const SingleRead<Result>& what)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -24,7 +25,7 @@ class Component;
 ///
 /// A period is a year of four digits. Where a member takes none, or an empty one, the session's
 /// current period counts, and is left in an empty `sPeriodo`.
-class clsNumeradores final : public OpensByWord {
+class TAVELOR_API clsNumeradores final : public OpensByWord {
  public:
   clsNumeradores();
   std::string typeName() const override { return "clsNumeradores"; }

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 /// The first thing that is wrong with an account number.
@@ -20,7 +22,7 @@ enum class AccountFault : std::uint8_t {
 };
 
 /// An account number that was read.
-struct AccountNumber {
+struct TAVELOR_API AccountNumber {
   std::string text;  ///< in capitals, without what stands between the groups
   AccountFault fault = AccountFault::kNone;
 
@@ -31,21 +33,21 @@ struct AccountNumber {
 /// Reads an IBAN as somebody typed it: country, control digits, and for a Spanish one the number
 /// inside; of other countries the form, by the register of 2022. Blanks, hyphens and points may
 /// stand anywhere. Never raises, whatever the bytes.
-AccountNumber readIban(std::string_view typed);
+TAVELOR_API AccountNumber readIban(std::string_view typed);
 
 /// Reads an old Spanish number (CCC): 4 digits of the bank, 4 of the branch, 2 of control, 10 of
 /// the account. Blanks and hyphens may stand anywhere. Never raises.
-AccountNumber readCcc(std::string_view typed);
+TAVELOR_API AccountNumber readCcc(std::string_view typed);
 
 /// The two control digits of a bank and branch (8 digits) and of an account (10 digits).
-std::string cccControl(std::string_view bankAndBranch, std::string_view account);
+TAVELOR_API std::string cccControl(std::string_view bankAndBranch, std::string_view account);
 /// The two control digits of an IBAN: "ES" and the twenty digits of a Spanish number. In capitals
 /// and digits only.
-std::string ibanControl(std::string_view country, std::string_view national);
+TAVELOR_API std::string ibanControl(std::string_view country, std::string_view national);
 /// The IBAN of a valid Spanish number without blanks.
-std::string ibanOfCcc(std::string_view ccc);
+TAVELOR_API std::string ibanOfCcc(std::string_view ccc);
 
 /// "has a wrong number of characters", to stand behind the number in a message; "" for none.
-std::string_view faultText(AccountFault fault);
+TAVELOR_API std::string_view faultText(AccountFault fault);
 
 }  // namespace tavelor

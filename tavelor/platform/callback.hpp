@@ -7,6 +7,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 template <typename Signature>
@@ -15,7 +17,7 @@ class Callback;
 /// Holds any callable, or nothing. Copies share the one callable, so what it captured is theirs
 /// together; its own errors pass through.
 template <typename R, typename... Arguments>
-class Callback<R(Arguments...)> {
+class TAVELOR_API Callback<R(Arguments...)> {
  public:
   Callback() = default;
   /// Nothing to call.

@@ -5,6 +5,8 @@
 #include <compare>
 #include <cstdint>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 /// An amount as a 64-bit count of ten-thousandths: exact to four decimals within about
@@ -12,7 +14,7 @@ namespace tavelor {
 ///
 /// Errors: every operation whose result does not fit raises error 6 (overflow); nothing wraps.
 /// Rounding: from a double, and in products, to the nearest ten-thousandth, halves to even.
-class Currency {
+class TAVELOR_API Currency {
  public:
   static constexpr std::int64_t kScale = 10'000;  ///< parts of one unit
 
@@ -34,9 +36,9 @@ class Currency {
 
   /// Raises 6 for the least amount, whose opposite does not fit.
   Currency operator-() const;
-  friend Currency operator+(Currency a, Currency b);
-  friend Currency operator-(Currency a, Currency b);
-  friend Currency operator*(Currency a, Currency b);
+  friend TAVELOR_API Currency operator+(Currency a, Currency b);
+  friend TAVELOR_API Currency operator-(Currency a, Currency b);
+  friend TAVELOR_API Currency operator*(Currency a, Currency b);
   friend constexpr auto operator<=>(Currency, Currency) = default;
 
  private:
@@ -44,13 +46,13 @@ class Currency {
 };
 
 /// Without its sign.
-Currency absolute(Currency amount);
+TAVELOR_API Currency absolute(Currency amount);
 /// To so many decimals, halves to even.
-Currency rounded(Currency amount, int decimals);
+TAVELOR_API Currency rounded(Currency amount, int decimals);
 
 /// The sum of any count of amounts, the same in whatever order they come: only a total that does
 /// not fit raises 6, not what it passes on the way. Good in zeroed memory.
-class CurrencySum {
+class TAVELOR_API CurrencySum {
  public:
   void add(Currency amount);  ///< never raises
   Currency total() const;     ///< of what was added; 0 of nothing

@@ -6,11 +6,13 @@
 #include <cstdint>
 #include <optional>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 /// A date read as a calendar and a clock show it. Years 100 to 9999, months and days from 1,
 /// hours 0 to 23; seconds are whole.
-struct CivilTime {
+struct TAVELOR_API CivilTime {
   int year = 1899;
   int month = 12;
   int day = 30;
@@ -22,7 +24,7 @@ struct CivilTime {
 
 /// A moment without a time zone: days since 1899-12-30, the fraction being the time of the day.
 /// In a negative number the fraction counts away from zero (-1.25 is 1899-12-29 06:00).
-class Date {
+class TAVELOR_API Date {
  public:
   constexpr Date() = default;
   /// Days since 30 December 1899, the time as a fraction.
@@ -55,8 +57,8 @@ class Date {
 };
 
 /// Whether a year has a 29th of February.
-bool isLeapYear(int year);
+TAVELOR_API bool isLeapYear(int year);
 /// 28 to 31.
-int daysInMonth(int year, int month);
+TAVELOR_API int daysInMonth(int year, int month);
 
 }  // namespace tavelor

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 // A double stands for the decimal that it prints as. One of up to four decimals, which is what
@@ -17,23 +19,23 @@ namespace tavelor {
 
 /// The number as a count of ten-thousandths, the unit of Currency; nothing for one that is not
 /// calculated with as a decimal.
-std::optional<std::int64_t> tenThousandthsOf(double number);
+TAVELOR_API std::optional<std::int64_t> tenThousandthsOf(double number);
 
 /// As decimals of up to four places; raises 6 for what no double holds.
-double decimalSum(double a, double b);
+TAVELOR_API double decimalSum(double a, double b);
 /// The same.
-double decimalDifference(double a, double b);
+TAVELOR_API double decimalDifference(double a, double b);
 /// The same.
-double decimalProduct(double a, double b);
+TAVELOR_API double decimalProduct(double a, double b);
 /// `b` must not be 0.
-double decimalQuotient(double a, double b);
+TAVELOR_API double decimalQuotient(double a, double b);
 /// The largest whole number that is not above `number`.
-double decimalFloor(double number);
+TAVELOR_API double decimalFloor(double number);
 /// The whole number between `number` and 0 that is nearest to it.
-double decimalTruncate(double number);
+TAVELOR_API double decimalTruncate(double number);
 
 /// The sum of any count of numbers, the same in whatever order they come. Good in zeroed memory.
-class DecimalSum {
+class TAVELOR_API DecimalSum {
  public:
   /// Takes one more number in.
   void add(double number);

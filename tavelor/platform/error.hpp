@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 /// Error numbers. The small ones are the classic run-time errors, the 3xxx ones the record set's,
@@ -84,14 +86,14 @@ enum class ErrorKind : std::uint8_t {
   kOther,       ///< a number of an application's own
 };
 /// The kind of a number.
-ErrorKind errorKind(std::int32_t number) noexcept;
+TAVELOR_API ErrorKind errorKind(std::int32_t number) noexcept;
 
 /// What went wrong: a number for programs, a source and a description for people, and for whoever
 /// debugs the statement, the engine's own code and the place in the statement.
 ///
 /// Source, description and what() are for people whatever was quoted in them: valid UTF-8 without
 /// NUL, and at most some thousand bytes, of a longer one its beginning and its end.
-class Error : public std::exception {
+class TAVELOR_API Error : public std::exception {
  public:
   /// As whoever raises it tells; what() is made of all three.
   Error(std::int32_t number, std::string source, std::string description);
@@ -140,17 +142,18 @@ class Error : public std::exception {
 };
 
 /// Line and column, both from 1, columns counted in characters, of a byte offset in a UTF-8 text.
-struct TextPlace {
+struct TAVELOR_API TextPlace {
   std::int64_t line = 1;
   std::int64_t column = 1;
 };
 /// The line and column of a byte.
-TextPlace placeOf(std::string_view text, std::int64_t byteOffset);
+TAVELOR_API TextPlace placeOf(std::string_view text, std::int64_t byteOffset);
 
 /// The description that belongs to a number ("Type mismatch."), or "" for an unknown one.
-std::string_view defaultDescription(std::int32_t number) noexcept;
+TAVELOR_API std::string_view defaultDescription(std::int32_t number) noexcept;
 
 /// Raises `number` with its default description, followed by `detail` when there is one.
-[[noreturn]] void raise(std::int32_t number, std::string_view source, std::string_view detail = {});
+[[noreturn]] TAVELOR_API void raise(std::int32_t number, std::string_view source,
+                                    std::string_view detail = {});
 
 }  // namespace tavelor

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 /// Whose number it is, by its form.
@@ -39,7 +41,7 @@ enum class FiscalFault : std::uint8_t {
 };
 
 /// A fiscal number that was read.
-struct FiscalNumber {
+struct TAVELOR_API FiscalNumber {
   std::string text;  ///< as it goes into a record: compactFiscalNumber() of what was typed
   FiscalKind kind = FiscalKind::kNone;
   FiscalFault fault = FiscalFault::kNone;
@@ -49,27 +51,27 @@ struct FiscalNumber {
 };
 
 /// Reads a number as somebody typed it. Never raises, whatever the bytes.
-FiscalNumber readFiscalNumber(std::string_view typed,
-                              FiscalReading reading = FiscalReading::kLenient);
+TAVELOR_API FiscalNumber readFiscalNumber(std::string_view typed,
+                                          FiscalReading reading = FiscalReading::kLenient);
 
 /// In capitals, without blanks and hyphens wherever they stand, white space around, and a leading
 /// ES. Prefixes of other countries stay, and so does every other character.
-std::string compactFiscalNumber(std::string_view typed);
+TAVELOR_API std::string compactFiscalNumber(std::string_view typed);
 
 /// The letter of a person's number: 12345678 has Z.
-char personalControl(std::uint32_t number);
+TAVELOR_API char personalControl(std::uint32_t number);
 
 /// The two controls of a company, of which its kind takes one.
-struct CompanyControl {
+struct TAVELOR_API CompanyControl {
   char digit;
   char letter;
 };
 /// Of the seven digits behind its letter: 1234567 has 4 and D.
-CompanyControl companyControl(std::string_view sevenDigits);
+TAVELOR_API CompanyControl companyControl(std::string_view sevenDigits);
 
 /// "has not nine characters", to stand behind the number in a message; "" for none.
-std::string_view faultText(FiscalFault fault);
+TAVELOR_API std::string_view faultText(FiscalFault fault);
 /// "NIF", "NIE", "CIF"; "" for none. K, L and M are NIF too.
-std::string_view kindWord(FiscalKind kind);
+TAVELOR_API std::string_view kindWord(FiscalKind kind);
 
 }  // namespace tavelor

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 class Variant;
@@ -29,10 +31,10 @@ struct Locale;
 /// Null gives the fourth section, or "". A text that does not read as what the mask wants passes
 /// unchanged. An empty mask prints plainly.
 /// Errors: 6 for a day number outside the years 100 to 9999, 13 for bytes and objects.
-std::string format(const Variant& value, std::string_view mask, const Locale& locale);
+TAVELOR_API std::string format(const Variant& value, std::string_view mask, const Locale& locale);
 
 /// A mask taken apart once, to round many numbers by it. Mask and locale must outlive it.
-class RoundingMask {
+class TAVELOR_API RoundingMask {
  public:
   /// Takes `mask` apart.
   RoundingMask(std::string_view mask, const Locale& locale);
@@ -49,6 +51,6 @@ class RoundingMask {
 
 /// True if what numbers become by the mask reads as them again by the same locale, rounded to whole
 /// ones at most. For masks by which numbers are rounded, not only shown.
-bool readsBack(std::string_view mask, const Locale& locale);
+TAVELOR_API bool readsBack(std::string_view mask, const Locale& locale);
 
 }  // namespace tavelor

@@ -5,6 +5,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 /// A parameter that is read and written. Given a variable, writes reach that variable; given a
@@ -16,7 +18,7 @@ namespace tavelor {
 /// `d = {.vId = id, .dTotal = total}`. A value that is assigned is written to the variable; a
 /// variable that is assigned does not compile, as it would not be bound.
 template <typename T>
-class InOut {
+class TAVELOR_API InOut {
   // What looks like a variable of the caller, and cannot be referred to.
   template <typename U>
   static constexpr bool kIsOtherVariable =

@@ -5,12 +5,14 @@
 #include <memory>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 /// A pattern read once and matched many times. `*` and `%` stand for any run of characters, `?` and
 /// `_` for one, `#` for a digit, `[a-z]` and `[!a-z]` for a class; `[*]` is the character itself.
 /// Case is ignored for all letters, accents are not.
-class LikePattern {
+class TAVELOR_API LikePattern {
  public:
   /// Raises 93 for a `[` that is never closed or a range that falls.
   explicit LikePattern(std::string_view pattern);

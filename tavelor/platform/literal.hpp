@@ -8,6 +8,8 @@
 #include <string_view>
 #include <utility>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 class Currency;
@@ -18,7 +20,7 @@ class Variant;
 /// A value as the dialect writes one, whatever the locale: 'L''Hospitalet', 12.5, #11/20/2026#,
 /// True, Null. Goes into a Statement as a value, and joins with text for what takes text, as
 /// Filter, Find and CreateFilter do.
-class Literal {
+class TAVELOR_API Literal {
  public:
   /// With its quotes.
   const std::string& text() const { return text_; }
@@ -36,11 +38,11 @@ class Literal {
 
  private:
   friend class Statement;
-  friend Literal sqlText(std::string_view text);
-  friend Literal sqlLiteral(double number);
-  friend Literal sqlLiteral(Currency amount);
-  friend Literal sqlLiteral(Date date);
-  friend Literal sqlLiteral(const Variant& variant);
+  friend TAVELOR_API Literal sqlText(std::string_view text);
+  friend TAVELOR_API Literal sqlLiteral(double number);
+  friend TAVELOR_API Literal sqlLiteral(Currency amount);
+  friend TAVELOR_API Literal sqlLiteral(Date date);
+  friend TAVELOR_API Literal sqlLiteral(const Variant& variant);
   template <std::integral Whole>
   friend Literal sqlLiteral(Whole number);
   Literal() = default;
@@ -50,7 +52,7 @@ class Literal {
 };
 
 /// A text between quotes, each quote inside of it doubled: L'Hospitalet is 'L''Hospitalet'.
-Literal sqlText(std::string_view text);
+TAVELOR_API Literal sqlText(std::string_view text);
 
 /// The same.
 inline Literal sqlLiteral(std::string_view text) {
@@ -62,14 +64,14 @@ inline Literal sqlLiteral(const char* text) {
 }
 /// With a decimal point, never an exponent; at most 15 significant digits and 20 decimals. Raises 6
 /// for a number that is not finite.
-Literal sqlLiteral(double number);
+TAVELOR_API Literal sqlLiteral(double number);
 /// With a decimal point, to the last of its four decimals.
-Literal sqlLiteral(Currency amount);
+TAVELOR_API Literal sqlLiteral(Currency amount);
 /// #mm/dd/yyyy#, with hh:nn:ss where it has a time, to the nearest second. Raises 6 outside of the
 /// years 100 to 9999.
-Literal sqlLiteral(Date date);
+TAVELOR_API Literal sqlLiteral(Date date);
 /// As its type: a text is sqlText(), Empty the empty text. Raises 13 for bytes and for an object.
-Literal sqlLiteral(const Variant& variant);
+TAVELOR_API Literal sqlLiteral(const Variant& variant);
 /// A whole number; of a bool, True or False.
 template <std::integral Whole>
 Literal sqlLiteral(Whole number) {

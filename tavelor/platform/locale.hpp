@@ -6,6 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 /// In which order a date is written and read.
@@ -13,7 +15,7 @@ enum class DateOrder { kDayMonthYear, kMonthDayYear, kYearMonthDay };
 
 /// The writing habits of a country. It is data: no C or C++ locale is read or set, so two
 /// apartments of one process may differ.
-struct Locale {
+struct TAVELOR_API Locale {
   std::string name;                  ///< "es-ES"; "neutral"
   std::string decimal;               ///< "," in Spanish
   std::string thousands;             ///< "." in Spanish

@@ -9,11 +9,13 @@
 #include <type_traits>
 #include <vector>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 /// Up to `kRoom` elements lie in the object itself; more of them lie on the heap, all in one piece.
 template <typename Element, std::size_t kRoom>
-class ShortBuffer {
+class TAVELOR_API ShortBuffer {
   static_assert(std::is_trivially_copyable_v<Element>);
 
  public:

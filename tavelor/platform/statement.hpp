@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/literal.hpp"
 #include "tavelor/platform/short_buffer.hpp"
 
@@ -26,7 +27,7 @@ namespace tavelor {
 /// text() is exactly the joined text. Because the values are known, one that does not stay inside
 /// the literal that it was put into is refused as a syntax error: a quote breaks the statement, and
 /// can never change what it does.
-class Statement {
+class TAVELOR_API Statement {
  public:
   /// Text that is known when compiling. It never changes, and goes only with the module that has
   /// it: a statement must not outlive that.

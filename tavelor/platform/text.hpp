@@ -6,40 +6,44 @@
 #include <string>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor::text {
 
 /// Characters (code points). Bytes that are no UTF-8 count one each, everywhere in this file.
-std::size_t length(std::string_view text);
-std::string_view left(std::string_view text, std::size_t count);   ///< the first `count`
-std::string_view right(std::string_view text, std::size_t count);  ///< the last `count`
+TAVELOR_API std::size_t length(std::string_view text);
+TAVELOR_API std::string_view left(std::string_view text, std::size_t count);  ///< the first `count`
+TAVELOR_API std::string_view right(std::string_view text, std::size_t count);  ///< the last `count`
 /// `start` counts from 0.
-std::string_view mid(std::string_view text, std::size_t start,
-                     std::size_t count = std::string_view::npos);
+TAVELOR_API std::string_view mid(std::string_view text, std::size_t start,
+                                 std::size_t count = std::string_view::npos);
 /// Cuts to the first `width` characters, or fills behind (padLeft: before) the text.
-std::string padRight(std::string_view text, std::size_t width, char fill = ' ');
-std::string padLeft(std::string_view text, std::size_t width, char fill = ' ');  ///< fills before
+TAVELOR_API std::string padRight(std::string_view text, std::size_t width, char fill = ' ');
+TAVELOR_API std::string padLeft(std::string_view text, std::size_t width,
+                                char fill = ' ');  ///< fills before
 /// Blanks before (alignLeft: behind) the text up to `width` characters. What is longer stays whole.
-std::string alignRight(std::string_view text, std::size_t width);
-std::string alignLeft(std::string_view text, std::size_t width);  ///< blanks behind
+TAVELOR_API std::string alignRight(std::string_view text, std::size_t width);
+TAVELOR_API std::string alignLeft(std::string_view text, std::size_t width);  ///< blanks behind
 /// Blanks (U+0020) only; tabs stay.
-std::string_view trim(std::string_view text);
-std::string_view trimLeft(std::string_view text);   ///< those before
-std::string_view trimRight(std::string_view text);  ///< those behind
+TAVELOR_API std::string_view trim(std::string_view text);
+TAVELOR_API std::string_view trimLeft(std::string_view text);   ///< those before
+TAVELOR_API std::string_view trimRight(std::string_view text);  ///< those behind
 
 /// All letters, not only ASCII, each becoming one letter: ß stays ß in upper case.
-std::string upper(std::string_view text);
-std::string lower(std::string_view text);  ///< the same in small letters
+TAVELOR_API std::string upper(std::string_view text);
+TAVELOR_API std::string lower(std::string_view text);  ///< the same in small letters
 /// The form in which texts that differ in case only are equal; accents stay.
-std::string foldCase(std::string_view text);
-bool equalsIgnoreCase(std::string_view a, std::string_view b);  ///< by their folded forms
+TAVELOR_API std::string foldCase(std::string_view text);
+TAVELOR_API bool equalsIgnoreCase(std::string_view a,
+                                  std::string_view b);  ///< by their folded forms
 /// Folded, and every letter without its accents, however they are composed: "Almacén" is "almacen".
-std::string foldAccents(std::string_view text);
+TAVELOR_API std::string foldAccents(std::string_view text);
 /// Negative, 0, positive, by folded code points.
-int compareIgnoreCase(std::string_view a, std::string_view b);
+TAVELOR_API int compareIgnoreCase(std::string_view a, std::string_view b);
 
-bool isValidUtf8(std::string_view text);  ///< an empty text is
+TAVELOR_API bool isValidUtf8(std::string_view text);  ///< an empty text is
 
-std::size_t editDistance(std::string_view a, std::string_view b);  ///< in characters
+TAVELOR_API std::size_t editDistance(std::string_view a, std::string_view b);  ///< in characters
 /// The entry of `candidates` closest to `name` by edit distance without regard to case, "" when
 /// none is near. For "did you mean" in messages. `candidates` iterates over string-like values.
 /// Names that are too long to be near cost nothing, however long they are.

@@ -12,13 +12,14 @@
 
 #include "tavelor/platform/currency.hpp"
 #include "tavelor/platform/date.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 struct Locale;
 
 /// What a Variant can hold besides values: connections, record sets, controls.
-class Object {
+class TAVELOR_API Object {
  public:
   virtual ~Object();
   /// "Connection", "Recordset": for messages.
@@ -38,11 +39,11 @@ using Bytes = std::vector<std::byte>;
 using ObjectPtr = std::shared_ptr<Object>;
 
 /// Never assigned. Reads as "" in text and 0 in a number.
-struct Empty {
+struct TAVELOR_API Empty {
   friend constexpr bool operator==(Empty, Empty) = default;
 };
 /// No value in a database column. Reading it as anything raises 94, invalid use of Null.
-struct Null {
+struct TAVELOR_API Null {
   friend constexpr bool operator==(Null, Null) = default;
 };
 
@@ -64,7 +65,7 @@ enum class VariantType : std::uint8_t {
 
 /// "Empty", "Null", "Boolean", "Integer", "Long", "Single", "Double", "Currency", "Date", "String",
 /// "Byte()", "Object".
-std::string_view typeName(VariantType type);
+TAVELOR_API std::string_view typeName(VariantType type);
 
 /// One value. Text is UTF-8.
 ///
@@ -72,7 +73,7 @@ std::string_view typeName(VariantType type);
 /// 1234.5), numbers become whole by rounding halves to even, True is -1.
 /// Errors: 94 for Null, 13 for a text that does not read as the asked type or for an object,
 /// 6 when the value does not fit.
-class Variant {
+class TAVELOR_API Variant {
  public:
   Variant() = default;
   /// Nothing was given.
@@ -150,8 +151,8 @@ class Variant {
 
 /// The platform's test: a number, a boolean, Empty, or a text that reads as a number by the locale
 /// (" 37 ", "-37,5e2", "&H37", "12 €"). False for Null, "", dates and other text.
-bool isNumeric(const Variant& value, const Locale& locale);
+TAVELOR_API bool isNumeric(const Variant& value, const Locale& locale);
 /// A date, or a text that reads as one by the locale. False for Null and numbers.
-bool isDate(const Variant& value, const Locale& locale);
+TAVELOR_API bool isDate(const Variant& value, const Locale& locale);
 
 }  // namespace tavelor

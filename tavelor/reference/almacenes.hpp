@@ -3,13 +3,14 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 class Component;
 
 /// Warehouses.
-class ClsAlmacenes final : public OpensOnConnection {
+class TAVELOR_API ClsAlmacenes final : public OpensOnConnection {
  public:
   ClsAlmacenes();
   std::string typeName() const override { return "ClsAlmacenes"; }

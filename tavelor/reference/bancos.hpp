@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -11,7 +12,7 @@ class Component;
 /// The catalogue of the owner's bank accounts: a text code, a description, one default row and a
 /// few look-ups. Every look-up is a read of its own; a value that is not escaped by the caller
 /// breaks its statement and raises the database's syntax error.
-class ClsBancos final : public OpensByWord {
+class TAVELOR_API ClsBancos final : public OpensByWord {
  public:
   ClsBancos();
   std::string typeName() const override { return "ClsBancos"; }

@@ -3,13 +3,14 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 class Component;
 
 /// Tills.
-class ClsCajas final : public OpensByWord {
+class TAVELOR_API ClsCajas final : public OpensByWord {
  public:
   ClsCajas();
   std::string typeName() const override { return "ClsCajas"; }

@@ -3,13 +3,14 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 class Component;
 
 /// People and companies that are neither customer nor supplier.
-class ClsContactos final : public OpensOnConnection {
+class TAVELOR_API ClsContactos final : public OpensOnConnection {
  public:
   ClsContactos();
   std::string typeName() const override { return "ClsContactos"; }

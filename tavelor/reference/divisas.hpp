@@ -3,13 +3,14 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 class Component;
 
 /// Currencies with their value, one of them the default.
-class ClsDivisas final : public OpensOnConnection {
+class TAVELOR_API ClsDivisas final : public OpensOnConnection {
  public:
   ClsDivisas();
   std::string typeName() const override { return "ClsDivisas"; }

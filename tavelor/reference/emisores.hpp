@@ -3,13 +3,14 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 class Component;
 
 /// A short numbered list of issuers with a logo.
-class Emisores final : public OpensOnConnection {
+class TAVELOR_API Emisores final : public OpensOnConnection {
  public:
   Emisores();
   std::string typeName() const override { return "Emisores"; }

@@ -3,13 +3,14 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 class Component;
 
 /// Article families, in the main and in the import database.
-class clsFamilias final : public OpensByWord {
+class TAVELOR_API clsFamilias final : public OpensByWord {
  public:
   clsFamilias();
   std::string typeName() const override { return "clsFamilias"; }

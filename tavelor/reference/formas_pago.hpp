@@ -3,13 +3,14 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 class Component;
 
 /// Payment methods: instalments and their days, what a sale paid so leaves behind, and accounts.
-class ClsFormasPago final : public OpensOnConnection {
+class TAVELOR_API ClsFormasPago final : public OpensOnConnection {
  public:
   ClsFormasPago();
   std::string typeName() const override { return "ClsFormasPago"; }

@@ -3,13 +3,14 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 class Component;
 
 /// Tax rates with their surcharges, one of them the default.
-class ClsImpuestos final : public OpensByWord {
+class TAVELOR_API ClsImpuestos final : public OpensByWord {
  public:
   ClsImpuestos();
   std::string typeName() const override { return "ClsImpuestos"; }

@@ -3,13 +3,14 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 class Component;
 
 /// Incident types.
-class clsIncidencias final : public OpensByWord {
+class TAVELOR_API clsIncidencias final : public OpensByWord {
  public:
   clsIncidencias();
   std::string typeName() const override { return "clsIncidencias"; }

@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 class Recordset;
@@ -12,6 +14,6 @@ class Recordset;
 /// Update. A file that is not there, or is empty, changes nothing. Raises 75 for one that cannot be
 /// read: the column then holds the part read so far until Cancel; 3265 for a record set without
 /// that column.
-void readLogotipo(Recordset& rows, const std::string& source);
+TAVELOR_API void readLogotipo(Recordset& rows, const std::string& source);
 
 }  // namespace tavelor

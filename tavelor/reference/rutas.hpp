@@ -3,13 +3,14 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 class Component;
 
 /// Routes, which are also the phases of work. The code is a number.
-class Rutas final : public OpensOnConnection {
+class TAVELOR_API Rutas final : public OpensOnConnection {
  public:
   Rutas();
   std::string typeName() const override { return "Rutas"; }

@@ -3,13 +3,14 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 class Component;
 
 /// Sections of the shop.
-class ClsSecciones final : public OpensByWord {
+class TAVELOR_API ClsSecciones final : public OpensByWord {
  public:
   ClsSecciones();
   std::string typeName() const override { return "ClsSecciones"; }

@@ -3,13 +3,14 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 class Component;
 
 /// Customer types, each with an amount.
-class ClsTiposCliente final : public OpensOnConnection {
+class TAVELOR_API ClsTiposCliente final : public OpensOnConnection {
  public:
   ClsTiposCliente();
   std::string typeName() const override { return "ClsTiposCliente"; }

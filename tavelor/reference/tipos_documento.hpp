@@ -3,13 +3,14 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 class Component;
 
 /// The company data and the logo that a document type prints; one type is the default.
-class ClsTiposDocumento final : public OpensOnConnection {
+class TAVELOR_API ClsTiposDocumento final : public OpensOnConnection {
  public:
   ClsTiposDocumento();
   std::string typeName() const override { return "ClsTiposDocumento"; }

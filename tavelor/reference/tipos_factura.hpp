@@ -3,13 +3,14 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 class Component;
 
 /// Layout flags and texts of an invoice type; one type is the default.
-class ClsTiposFactura final : public OpensByWord {
+class TAVELOR_API ClsTiposFactura final : public OpensByWord {
  public:
   ClsTiposFactura();
   std::string typeName() const override { return "ClsTiposFactura"; }

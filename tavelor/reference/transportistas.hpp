@@ -3,13 +3,14 @@
 #pragma once
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 class Component;
 
 /// Carriers with their commercial conditions, one of them the default.
-class ClsTransportistas final : public OpensOnConnection {
+class TAVELOR_API ClsTransportistas final : public OpensOnConnection {
  public:
   ClsTransportistas();
   std::string typeName() const override { return "ClsTransportistas"; }

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -12,7 +13,7 @@ namespace life_cycle {
 
 /// One of the tables that a ticket lies in. Its history bears the same name with "H" in front.
 /// Texts must outlive the class objects: they are literals.
-struct Table {
+struct TAVELOR_API Table {
   Statement::Constant name;
   Statement::Constant key;  ///< column that holds the number of the ticket
   Statement::Constant
@@ -21,19 +22,21 @@ struct Table {
 
 /// Puts a ticket into a closing. All numbers come as text, here and below, and are marked as
 /// values.
-Statement intoClosing(const Table& table, std::string_view ticket, std::string_view closing);
+TAVELOR_API Statement intoClosing(const Table& table, std::string_view ticket,
+                                  std::string_view closing);
 /// Gives a ticket another number.
-Statement renumbered(const Table& table, std::string_view ticket, std::string_view newNumber);
+TAVELOR_API Statement renumbered(const Table& table, std::string_view ticket,
+                                 std::string_view newNumber);
 /// Copies the rows of a closing to history.
-Statement copyToHistory(const Table& table, std::string_view closing);
+TAVELOR_API Statement copyToHistory(const Table& table, std::string_view closing);
 /// Deletes the live rows of a closing.
-Statement dropLive(const Table& table, std::string_view closing);
+TAVELOR_API Statement dropLive(const Table& table, std::string_view closing);
 /// Copies the rows of a closing back from history.
-Statement copyFromHistory(const Table& table, std::string_view closing);
+TAVELOR_API Statement copyFromHistory(const Table& table, std::string_view closing);
 /// Deletes the rows that history has of a closing.
-Statement dropHistory(const Table& table, std::string_view closing);
+TAVELOR_API Statement dropHistory(const Table& table, std::string_view closing);
 /// Opens every row of the live table, whichever closing it had.
-Statement reopenAll(const Table& table);
+TAVELOR_API Statement reopenAll(const Table& table);
 
 }  // namespace life_cycle
 
@@ -43,7 +46,7 @@ Statement reopenAll(const Table& table);
 /// same numbers on one connection, inside a transaction of his own. A move that fails between its
 /// statements leaves what was written so far to that transaction.
 template <typename Frame>
-class TicketTable : public Frame {
+class TAVELOR_API TicketTable : public Frame {
  public:
   /// Puts the rows of the ticket `vId` into the closing `vNewId`.
   void CerrarTicket(const Variant& vId, const Variant& vNewId, ObjCn cnnActive = {}) const;

@@ -10,12 +10,14 @@
 #include <string_view>
 #include <vector>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 /// Open text files by number, from 1; the lowest free number is given first. Texts are UTF-8, lines
 /// end in CR LF, and each line is in the file as soon as it is written: a log is most wanted after
 /// a program has died. Files still open are closed with the object.
-class LogFiles {
+class TAVELOR_API LogFiles {
  public:
   /// Opens a file for writing, empty. Raises 75 with the path when it can't be opened.
   std::int16_t open(const std::string& path);

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "tavelor/frame/keyed_objects.hpp"
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/variant.hpp"
 
 namespace tavelor {
@@ -15,7 +16,7 @@ class Component;
 
 /// One group of a sum: what it is of, and its amounts in the shop's currency. Its values may be of
 /// any kind, objects too, which are then shared.
-class ClsRegTickets final : public Object {
+class TAVELOR_API ClsRegTickets final : public Object {
  public:
   static constexpr std::string_view kTypeName = "ClsRegTickets";
   std::string typeName() const override { return std::string(kTypeName); }
@@ -31,7 +32,8 @@ using ClsRegTicketsPtr = std::shared_ptr<ClsRegTickets>;
 
 /// Groups in the order in which they were added, some under a key. A group is found by its
 /// position, from 1, or by its key, whose case does not count; see KeyedObjects for errors.
-class CollectionTickets final : public KeyedCollection<CollectionTickets, ClsRegTickets> {
+class TAVELOR_API CollectionTickets final
+    : public KeyedCollection<CollectionTickets, ClsRegTickets> {
  public:
   static constexpr std::string_view kTypeName = "CollectionTickets";
   std::string typeName() const override { return std::string(kTypeName); }

@@ -4,12 +4,13 @@
 
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/sales/life_cycle.hpp"
 
 namespace tavelor {
 
 /// The members that the header and the comments of tickets share.
-class TicketNotes : public TicketTable<OpensOnConnection> {
+class TAVELOR_API TicketNotes : public TicketTable<OpensOnConnection> {
  public:
   /// Deletes the rows of a ticket.
   void DeleteAll(const Variant& vId, ObjCn cnnActive = {}) const;

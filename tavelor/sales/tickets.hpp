@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/sales/life_cycle.hpp"
 
 namespace tavelor {
@@ -25,7 +26,7 @@ class LogFiles;
 /// syntax error. A number without quotes is printed by the locale, so its decimals raise that error
 /// under a decimal comma. Between reading a number and writing the ticket another till may take it:
 /// the database then refuses the second one.
-class ClsTickets final : public TicketTable<OpensByWord> {
+class TAVELOR_API ClsTickets final : public TicketTable<OpensByWord> {
  public:
   ClsTickets();
   ~ClsTickets() override;

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/sales/ticket_notes.hpp"
 
 namespace tavelor {
@@ -13,7 +14,7 @@ class Component;
 
 /// Headers of tickets: who the customer is, where the ticket says so. Values are joined into
 /// statements without escaping: a quote in a name raises the database's syntax error.
-class ClsTicketsCabecera final : public TicketNotes {
+class TAVELOR_API ClsTicketsCabecera final : public TicketNotes {
  public:
   ClsTicketsCabecera();
   std::string typeName() const override { return "ClsTicketsCabecera"; }

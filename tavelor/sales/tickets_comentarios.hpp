@@ -2,6 +2,7 @@
 // Free comments on tickets.
 #pragma once
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/sales/ticket_notes.hpp"
 
 namespace tavelor {
@@ -9,7 +10,7 @@ namespace tavelor {
 class Component;
 
 /// The comments of tickets.
-class ClsTicketsComentarios final : public TicketNotes {
+class TAVELOR_API ClsTicketsComentarios final : public TicketNotes {
  public:
   ClsTicketsComentarios();
   std::string typeName() const override { return "ClsTicketsComentarios"; }

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/sales/life_cycle.hpp"
 
 namespace tavelor {
@@ -26,7 +27,7 @@ class GridColumns;
 /// Amounts are in the shop's currency, rates and discounts in percent. Values are joined into
 /// statements as they are, but for the description of Insertar: a quote in one raises the
 /// database's syntax error.
-class ClsTicketsLineas final : public TicketTable<OpensOnConnection> {
+class TAVELOR_API ClsTicketsLineas final : public TicketTable<OpensOnConnection> {
  public:
   ClsTicketsLineas();
   std::string typeName() const override { return "ClsTicketsLineas"; }

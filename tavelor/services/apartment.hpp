@@ -5,6 +5,8 @@
 #include <memory>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 class Clock;
@@ -29,7 +31,7 @@ struct VersionRecord;
 /// Objects belong to the apartment that they were made in: a record class refuses to work while
 /// another one is bound, so that nothing meant for one shop is written to the next. Their
 /// connections may outlive the apartment; they stay open and are closed, not kept, when dropped.
-class Apartment {
+class TAVELOR_API Apartment {
  public:
   class Home;
   class Scope;
@@ -87,7 +89,7 @@ class Apartment {
 };
 
 /// Where an object was made.
-class Apartment::Home {
+class TAVELOR_API Apartment::Home {
  public:
   /// The calling thread's apartment; none where there is none, and then the object works in
   /// whatever apartment it is used.
@@ -101,7 +103,7 @@ class Apartment::Home {
 };
 
 /// Binds an apartment of this thread again over those that cover it, until the scope ends.
-class Apartment::Scope {
+class TAVELOR_API Apartment::Scope {
  public:
   /// Raises 5 for an apartment of another thread.
   explicit Scope(Apartment& apartment);

@@ -5,12 +5,13 @@
 #include <optional>
 
 #include "tavelor/platform/date.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
 /// Local time of this computer, to the second; also what statements take for Now(), Date() and
 /// Time().
-class Clock {
+class TAVELOR_API Clock {
  public:
   /// The time of this computer, or the one that was fixed.
   Date now() const;

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/inout.hpp"
 
 namespace tavelor {
@@ -21,7 +22,7 @@ using RecordsetPtr = std::shared_ptr<Recordset>;
 
 /// Made anew by each member of a class. A selector names a database of the installation: 1 main,
 /// 3 documents, 4 historic, 5 import, 0 the further one; any other raises 9.
-class DataSession {
+class TAVELOR_API DataSession {
  public:
   /// Of the calling thread's apartment; raises 91 when there is none.
   DataSession();

@@ -5,13 +5,15 @@
 #include <memory>
 #include <string>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 class Installation;
 class Variant;
 
 /// One object per apartment.
-class FormatGlobal {
+class TAVELOR_API FormatGlobal {
  public:
   /// By the settings of that installation.
   explicit FormatGlobal(std::shared_ptr<const Installation> installation)

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 struct Locale;
@@ -18,7 +20,7 @@ class Session;
 }  // namespace engine
 
 /// Who the component is and where it lives. The registry root is made of it.
-struct VersionRecord {
+struct TAVELOR_API VersionRecord {
   std::string folder;  ///< absolute
   std::string company;
   std::string product;
@@ -31,7 +33,7 @@ struct VersionRecord {
 };
 
 /// One database of the installation.
-struct DatabaseSettings {
+struct TAVELOR_API DatabaseSettings {
   int selector = 0;
   std::string label;  ///< "main", "documents"...
   std::string engine = "sqlite";
@@ -40,7 +42,7 @@ struct DatabaseSettings {
 };
 
 /// What the settings file holds. The defaults are those of a new installation.
-struct Settings {
+struct TAVELOR_API Settings {
   std::string company = "Merivan";
   std::string product = "Tavelor";
   std::string locale = "es-ES";
@@ -69,7 +71,7 @@ struct Settings {
 
 /// One folder with a settings file (tavelor.xml), its databases and its registry. Never changes
 /// once open, so the apartments of several threads may share it. Paths are given and taken as text.
-class Installation {
+class TAVELOR_API Installation {
  public:
   static constexpr std::string_view kSettingsFile = "tavelor.xml";  ///< name of the settings file
   /// Folder of reports and pages, always directly below the installation folder.

@@ -5,13 +5,15 @@
 #include <string>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 class Apartment;
 class Variant;
 
 /// Made anew for each use. Key() comes first: before it the other two raise 91.
-class ListConfig {
+class TAVELOR_API ListConfig {
  public:
   /// Of the calling thread's apartment; raises 91 when there is none.
   ListConfig();

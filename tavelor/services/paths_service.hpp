@@ -5,13 +5,15 @@
 #include <string>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 class Apartment;
 
 /// Made anew for each use. Folders end with a separator and are made when they are asked for and
 /// missing.
-class PathsService {
+class TAVELOR_API PathsService {
  public:
   /// Of the calling thread's apartment; raises 91 when there is none.
   PathsService();

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/variant.hpp"
 
 namespace tavelor {
@@ -17,14 +18,14 @@ struct Locale;
 enum class PromptKind { kPlain, kInformation, kCritical };
 
 /// Something to be shown to a person.
-struct Prompt {
+struct TAVELOR_API Prompt {
   std::string text;
   std::string title;
   PromptKind kind = PromptKind::kPlain;
 };
 
 /// What the application gives to an apartment so that its user is asked and told.
-class PromptHandler {
+class TAVELOR_API PromptHandler {
  public:
   virtual ~PromptHandler() = default;
   /// Shows a message and waits until it has been read.
@@ -39,7 +40,7 @@ class PromptHandler {
 
 /// Hands prompts to the apartment's handler. Without one a message is kept, a question answers No,
 /// an input is an empty text and a beep is counted.
-class PromptGlobal {
+class TAVELOR_API PromptGlobal {
  public:
   /// By whose words it asks.
   explicit PromptGlobal(std::shared_ptr<const Locale> locale) : locale_(std::move(locale)) {}

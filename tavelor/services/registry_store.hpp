@@ -5,12 +5,14 @@
 #include <string>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 class RegistryTree;
 
 /// One object per apartment. Errors: those of RegistryTree.
-class RegistryStore {
+class TAVELOR_API RegistryStore {
  public:
   /// Over that tree, which must outlive it.
   explicit RegistryStore(RegistryTree& tree) : tree_(tree) {}

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor {
 
 /// The registry of an installation: keys such as "SOFTWARE\Merivan\Tavelor\1.0\Seguridad\", and
@@ -23,7 +25,7 @@ namespace tavelor {
 ///
 /// Errors: those of the engine for a file that is missing, damaged, locked for too long or on a
 /// full disk; 5 for an empty path.
-class RegistryTree {
+class TAVELOR_API RegistryTree {
  public:
   /// How the file is opened.
   struct Options {

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/inout.hpp"
 
 namespace tavelor {
@@ -13,7 +14,7 @@ class RegistryTree;
 
 /// One object per apartment. The values live in the installation's registry, so they outlive the
 /// program. A value that was never set is the empty text. Errors: those of RegistryTree.
-class SessionGlobal {
+class TAVELOR_API SessionGlobal {
  public:
   /// Over that tree, which must outlive it.
   explicit SessionGlobal(RegistryTree& tree) : tree_(tree) {}

@@ -10,12 +10,13 @@
 #include <string>
 
 #include "tavelor/platform/callback.hpp"
+#include "tavelor/platform/export.hpp"
 #include "tavelor/services/recordset/connection.hpp"
 
 namespace tavelor {
 
 /// One statement, after it has run.
-struct TraceEntry {
+struct TAVELOR_API TraceEntry {
   int selector = 0;
   std::string text;
   std::int64_t microseconds = 0;
@@ -24,7 +25,7 @@ struct TraceEntry {
 };
 
 /// The last statements of one apartment. Off unless the installation's settings turn it on.
-class StatementTrace final : public TraceSink {
+class TAVELOR_API StatementTrace final : public TraceSink {
  public:
   static constexpr std::size_t kKept = 4096;  ///< statements that are kept
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -20,7 +21,7 @@ class Component;
 ///
 /// The frame's AddNew writes the next key into the first field, which is the time: rows are added
 /// by Insertar.
-class ClsCitas final : public OpensByWord {
+class TAVELOR_API ClsCitas final : public OpensByWord {
  public:
   ClsCitas();
   std::string typeName() const override { return "ClsCitas"; }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -14,7 +15,7 @@ class Component;
 
 /// The staff of the business, and the walk from one employee to the next that screens of shifts
 /// take. Lists for choosing show the active ones, the full list shows all.
-class ClsEmpleados final : public OpensOnConnection {
+class TAVELOR_API ClsEmpleados final : public OpensOnConnection {
  public:
   ClsEmpleados();
   std::string typeName() const override { return "ClsEmpleados"; }

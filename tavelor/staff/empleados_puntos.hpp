@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tavelor/frame/record_class.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -17,7 +18,7 @@ class Component;
 ///
 /// The record set is a batch: Delete only marks, UpdateId gives the rows their keys, and Update
 /// writes all that is pending.
-class ClsEmpleadosPuntos final : public OpensOnConnection {
+class TAVELOR_API ClsEmpleadosPuntos final : public OpensOnConnection {
  public:
   ClsEmpleadosPuntos();
   std::string typeName() const override { return "ClsEmpleadosPuntos"; }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tavelor/companions/business_partner.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -14,7 +15,7 @@ class Component;
 /// Values are joined into statements without escaping: a quote in a code or a name raises the
 /// database's syntax error. Members that read suppliers beside the primary record set keep no
 /// state.
-class ClsProveedores final : public BusinessPartner {
+class TAVELOR_API ClsProveedores final : public BusinessPartner {
  public:
   ClsProveedores();
   std::string typeName() const override { return "ClsProveedores"; }

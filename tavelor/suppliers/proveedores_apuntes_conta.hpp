@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tavelor/companions/running_account.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -15,7 +16,7 @@ class Component;
 /// entry in it, until UpdateTotal. Saldo, and so the balance of the next entry, no longer counts
 /// it. An error between its statements may leave the later balances off by the movement;
 /// UpdateTotal mends that too.
-class ClsProveedoresApuntesConta final : public RunningAccount {
+class TAVELOR_API ClsProveedoresApuntesConta final : public RunningAccount {
  public:
   ClsProveedoresApuntesConta();
   std::string typeName() const override { return "ClsProveedoresApuntesConta"; }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tavelor/companions/comments.hpp"
+#include "tavelor/platform/export.hpp"
 
 namespace tavelor {
 
@@ -10,7 +11,7 @@ class Component;
 
 /// The comments on suppliers, as many to a supplier as there are. A list for one supplier shows all
 /// of them.
-class ClsProveedoresComentarios final : public Comments {
+class TAVELOR_API ClsProveedoresComentarios final : public Comments {
  public:
   ClsProveedoresComentarios();
   std::string typeName() const override { return "ClsProveedoresComentarios"; }

@@ -7,9 +7,10 @@ source "$(dirname "$0")/../../scripts/lib/common.sh"
 source tests/checks/headers.sh
 
 budget=45000
+all_budget=60000 # of the header that includes the others
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-export CXX=${CXX:-g++} scratch budget
+export CXX=${CXX:-g++} scratch budget all_budget
 
 weigh() {
   local header=$1 kind=$2 text lines
@@ -23,6 +24,7 @@ weigh() {
   lines=$(wc -l <"$text")
   rm -f "$text"
   printf '%7d  %-7s  %s\n' "$lines" "$kind" "$header"
+  [[ $header == tavelor/tavelor.hpp ]] && budget=$all_budget
   if [[ $kind == public && $lines -gt $budget ]]; then
     echo "$header is $lines lines after preprocessing; the budget of a public header is $budget" >&2
     return 1

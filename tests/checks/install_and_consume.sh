@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # install_and_consume.sh BUILD_DIR COMPILER BUILD_TYPE: installs to a scratch folder, then builds
-# and runs tests/consumer on it, with all installed headers included and nothing of this tree.
+# and runs tests/consumer on both libraries, with all installed headers included and nothing of this tree.
 source "$(dirname "$0")/../../scripts/lib/common.sh"
 
 scratch=$(mktemp -d)
@@ -13,5 +13,11 @@ cp -r tests/consumer "$scratch/consumer"
 cmake -S "$scratch/consumer" -B "$scratch/build" -G Ninja -DCMAKE_PREFIX_PATH="$scratch/usr" \
   -DCMAKE_CXX_COMPILER="$2" -DCMAKE_BUILD_TYPE="$3" --log-level=WARNING
 cmake --build "$scratch/build"
-(cd "$scratch" && build/consumer)
+built=0
+for program in "$scratch"/build/with_*; do
+  LD_LIBRARY_PATH=$(find "$scratch/usr" -name 'libtavelor.so' -printf '%h') \
+    "$program" "$scratch/shop-of-${program##*/}"
+  built=$((built + 1))
+done
+[[ $built -gt 0 ]]
 if [[ -x $scratch/usr/bin/tavelor ]]; then "$scratch/usr/bin/tavelor" --version; fi

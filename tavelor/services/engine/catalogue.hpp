@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tavelor/platform/export.hpp"
+
 namespace tavelor::engine {
 
 /// A column's type, by the numbers that a record set's Field.Type answers.
@@ -34,7 +36,7 @@ constexpr bool isWhole(ColumnType t) {
   return t == ColumnType::kInt16 || t == ColumnType::kInt32 || t == ColumnType::kByte;
 }
 /// What a whole type holds.
-struct WholeRange {
+struct TAVELOR_API WholeRange {
   std::int64_t least;
   std::int64_t most;
 };
@@ -51,12 +53,12 @@ constexpr bool isNumeric(ColumnType t) {
 }
 /// Bytes of a number, date or flag; of memo and binary the most that a field tells: 1 GiB of
 /// two-byte characters, and the largest number of bytes. 0 for a text, whose size is its column's.
-std::int32_t fixedSize(ColumnType type);
+TAVELOR_API std::int32_t fixedSize(ColumnType type);
 /// The word of the dialect's DDL: "TEXT", "MEMO", "LONG"...
-std::string_view ddlWord(ColumnType type);
+TAVELOR_API std::string_view ddlWord(ColumnType type);
 
 /// One column of a table.
-struct Column {
+struct TAVELOR_API Column {
   std::string name;
   ColumnType type = ColumnType::kText;
   std::int32_t size = 0;  ///< characters, of kText only
@@ -66,7 +68,7 @@ struct Column {
 };
 
 /// Finds names without regard to case. Open addressing over the hashes of the folded names.
-class NameIndex {
+class TAVELOR_API NameIndex {
  public:
   /// Makes room for so many names.
   void reserve(std::size_t names);
@@ -98,7 +100,7 @@ class NameIndex {
 };
 
 /// One table.
-struct Table {
+struct TAVELOR_API Table {
   std::string name;
   std::vector<Column> columns;
   std::vector<std::size_t> key;  ///< positions of the primary key's columns, in key order
@@ -109,7 +111,7 @@ struct Table {
 };
 
 /// The tables of one database. Never changes once made, so threads may share it.
-class Catalogue {
+class TAVELOR_API Catalogue {
  public:
   Catalogue() = default;
   /// Takes the tables and indexes their names.

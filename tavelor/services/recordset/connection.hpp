@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/variant.hpp"
 #include "tavelor/services/recordset/constants.hpp"
 
@@ -28,7 +29,7 @@ class Session;
 
 /// A session and its prepared plans, lent by whoever keeps them. Both go back when the last holder
 /// of the lease lets go.
-class SessionLease {
+class TAVELOR_API SessionLease {
  public:
   virtual ~SessionLease() = default;
   /// The session that was leased.
@@ -42,7 +43,7 @@ class SessionLease {
 
 /// Who is told of every statement that goes through connections: Execute, Open, Requery,
 /// UpdateBatch.
-class TraceSink {
+class TAVELOR_API TraceSink {
  public:
   /// One statement that has run, or failed.
   struct Entry {
@@ -61,7 +62,7 @@ class TraceSink {
 };
 
 /// What a connection is opened with.
-struct ConnectionSettings {
+struct TAVELOR_API ConnectionSettings {
   std::shared_ptr<SessionLease> lease;
   std::shared_ptr<const Locale>
       locale;  ///< by which texts read as numbers and dates; null: Spanish
@@ -76,7 +77,8 @@ struct ConnectionSettings {
 /// disk above all, the database undoes the whole transaction by itself; everything but
 /// RollbackTrans raises errors::kTransactionLost then, until each level is rolled back, so that
 /// nothing meant for the transaction is stored alone.
-class Connection final : public Object, public std::enable_shared_from_this<Connection> {
+class TAVELOR_API Connection final : public Object,
+                                     public std::enable_shared_from_this<Connection> {
  public:
   /// A closed connection.
   Connection() = default;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <span>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/services/recordset/constants.hpp"
 
 namespace tavelor {
@@ -23,7 +24,7 @@ class Recordset;
 /// that takes away the row that the operation works on, the operation fails with 3219. An exception
 /// out of a Will... fails the operation with it; out of a ...Complete it reaches the caller, with
 /// the operation done. The change events of a set are told to the listeners of its clones too.
-class RecordsetEvents {
+class TAVELOR_API RecordsetEvents {
  public:
   virtual ~RecordsetEvents() = default;
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/variant.hpp"
 #include "tavelor/services/recordset/constants.hpp"
 
@@ -20,7 +21,7 @@ class Recordset;
 /// Errors of all members: 3704 when the set is closed, 3265 when the set has been reopened with
 /// fewer columns. Of those that read or write a value also 3021 at BOF and EOF, and -2147217885
 /// when the current row is deleted.
-class Field final {
+class TAVELOR_API Field final {
  public:
   /// A column of `set`, from 0.
   Field(Recordset& set, std::size_t column) : set_(&set), column_(column) {}
@@ -75,7 +76,7 @@ class Field final {
 
 /// The columns of a record set in the order of the statement. Of equal names the first one is found
 /// by name, all by position.
-class Fields final {
+class TAVELOR_API Fields final {
  public:
   /// The columns of `set`.
   explicit Fields(Recordset& set) : set_(&set) {}

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/variant.hpp"
 #include "tavelor/services/recordset/connection.hpp"
@@ -34,7 +35,7 @@ class Program;
 ///
 /// Errors of nearly all members: 3704 when closed; those that need a row raise 3021 without one.
 /// Used by one thread.
-class Recordset final : public Object, public std::enable_shared_from_this<Recordset> {
+class TAVELOR_API Recordset final : public Object, public std::enable_shared_from_this<Recordset> {
  public:
   /// Unopened.
   Recordset();
