@@ -54,6 +54,7 @@
 #include "tavelor/sales/tickets_comentarios.hpp"
 #include "tavelor/sales/tickets_lineas.hpp"
 #include "tavelor/services/apartment.hpp"
+#include "tavelor/services/clock.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/format_global.hpp"
 #include "tavelor/services/installation.hpp"

@@ -17,6 +17,7 @@
 #include "tavelor/sales/tickets.hpp"
 #include "tavelor/sales/tickets_comentarios.hpp"
 #include "tavelor/sales/tickets_lineas.hpp"
+#include "tavelor/services/clock.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 #include "tests/support/shop.hpp"
 
