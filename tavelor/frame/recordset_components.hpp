@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tavelor/platform/callback.hpp"
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/variant.hpp"
 #include "tavelor/services/recordset/events.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
@@ -22,10 +23,10 @@ class Component;
 /// The tables of Recordset, Fields, Field, Connection and RecordsetEvents. Enumerations and bits
 /// travel as their numbers; a property is written when a value is given. Made alone, Fields and
 /// Field raise 91: they come from a set.
-const std::vector<const Component*>& recordsetComponents();
+TAVELOR_API const std::vector<const Component*>& recordsetComponents();
 
 /// The columns of a set as an object, which keeps a set alive that somebody shares.
-class FieldsObject final : public Object {
+class TAVELOR_API FieldsObject final : public Object {
  public:
   /// Of its component.
   static constexpr std::string_view kTypeName = "Fields";
@@ -45,7 +46,7 @@ class FieldsObject final : public Object {
 };
 
 /// A column of a set as an object, kept as FieldsObject does.
-class FieldObject final : public Object {
+class TAVELOR_API FieldObject final : public Object {
  public:
   /// Of its component.
   static constexpr std::string_view kTypeName = "Field";
@@ -67,7 +68,7 @@ class FieldObject final : public Object {
 /// A listener that hands each event on by its name, with arguments in the order of its table: those
 /// by reference (`moreData`, `status`) are read back. Add it to a set with addListener; it must
 /// outlive the set or be removed.
-class RecordsetEventsObject final : public Object, public RecordsetEvents {
+class TAVELOR_API RecordsetEventsObject final : public Object, public RecordsetEvents {
  public:
   /// Of its component.
   static constexpr std::string_view kTypeName = "RecordsetEvents";

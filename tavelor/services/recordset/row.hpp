@@ -11,6 +11,7 @@
 
 #include "tavelor/platform/currency.hpp"
 #include "tavelor/platform/date.hpp"
+#include "tavelor/platform/export.hpp"
 #include "tavelor/platform/variant.hpp"
 
 namespace tavelor {
@@ -19,7 +20,7 @@ class Recordset;
 class RecordsetParts;
 
 /// A column by its name, without regard to case, or by its position, from 0.
-class ColumnKey {
+class TAVELOR_API ColumnKey {
  public:
   /// By name. The text must live as long as the key.
   template <typename Text>
@@ -48,7 +49,7 @@ class ColumnKey {
 /// not. A getter of a type raises 3421 for a column that is of another one, and 94 for Null, which
 /// a field of a new row is too that nobody has written; both name the column and its type. Given a
 /// second argument, it gives that for Null. The set must not be gone.
-class Row final {
+class TAVELOR_API Row final {
  public:
   /// Whatever the column's type: Null, and Empty for a field of a new row that nobody has written.
   Variant value(const ColumnKey& column) const;
@@ -106,7 +107,7 @@ class Row final {
 /// The set may be edited meanwhile, and moved. A row that is deleted or leaves the view is not met
 /// again, one that is added is met at the end. Closing the set or fetching its rows anew ends it
 /// with the errors of Row.
-class RowIterator {
+class TAVELOR_API RowIterator {
  public:
   /// What it gives.
   using value_type = Row;
