@@ -41,7 +41,7 @@ inline void loseTransaction(Connection& connection) {
               for (int i = 0; i < 40; ++i) {
                 connection.Execute(
                     Statement("INSERT INTO Articulos_Comentarios (Id, Comentarios) VALUES (")
-                    << std::to_string(i) << ", '" << spliced(text) << "')");
+                    << sqlLiteral(i) << ", '" << spliced(text) << "')");
               }
             }),
             0);
