@@ -33,7 +33,7 @@ first column is the ID.
 
 struct EditOptions {
   std::string className;
-  std::string word = "registro";
+  std::string word = {};  ///< "": "registro" where the class has it, else all its rows
   std::string id;
   bool add = false;
   bool remove = false;
@@ -122,13 +122,15 @@ void assign(Recordset& rows, const Assignment& assignment, const Locale& locale)
   field.Value(assignment.value);
 }
 
-void edit(const EditOptions& options, const std::vector<Assignment>& assignments,
-          const Common& common) {
+void edit(EditOptions options, const std::vector<Assignment>& assignments, const Common& common) {
   const Component& edited = component(options.className);
   Session session(common);
   const std::unique_ptr<Object> object = edited.make();
   auto* const record = dynamic_cast<RecordClass*>(object.get());
   if (record == nullptr) throw UsageError(fmt::format("{} has no rows to edit", edited.name()));
+  if (options.word.empty()) {
+    options.word = looksForId(record->info(), "registro") ? "registro" : "todos";
+  }
   initialise(edited, *object, options.word, options.id);
   const RecordsetPtr rows = record->DataMember("Primary");
   if (!options.add) leaveOne(*rows, options, record->info(), session.locale());

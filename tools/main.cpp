@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include "tavelor/frame/strict_modes.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tools/command.hpp"
@@ -151,6 +152,7 @@ std::vector<std::string> argumentTexts(const CLI::App& command, const Common& co
 }  // namespace tavelor::tools
 
 int main(int argc, char** argv) {
+  const tavelor::StrictModes strict;  // a word is typed here, and slips are
   tavelor::tools::occupyStandardStreams();
   return tavelor::tools::run(argc, argv);
 }

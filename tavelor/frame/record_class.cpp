@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "tavelor/frame/strict_modes.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/statement.hpp"
@@ -106,8 +107,8 @@ auto RecordClass::ofClass(Work&& work) const {
 
 void RecordClass::openPrimary(std::string& sSelecSql, const Variant& id, ConnectionPtr& cnnActive) {
   mustBeHome();
+  const Statement statement = modeStatement(sSelecSql, id);  // a refused word leaves what is open
   takePrimary(std::make_shared<Recordset>());
-  const Statement statement = modeStatement(sSelecSql, id);
   DataSession().OpenRecordset(info_.selector, statement, adoPrimaryRS_, cnnActive);
   cnnPrimary_ = adoPrimaryRS_->ActiveConnection();
 
@@ -146,11 +147,32 @@ void RecordClass::saveRows(Recordset& rows, std::string_view path) const {
   rows.Save(file);
 }
 
+/// An empty word and "todos" ask for the whole table; another one that the class does not know is
+/// more likely a slip, and rows that nobody asked for would be edited or deleted.
+static void requireWholeTable(const ClassInfo& info, const std::string& word) {
+  if (word.empty() || text::equalsIgnoreCase(word, "todos")) return;
+  std::vector<std::string> words = {"todos"};
+  for (const Mode& mode : info.modes) {
+    if (mode.word != kAnyOtherWord) words.emplace_back(mode.word);
+  }
+  words.insert(words.end(), info.madeModes.begin(), info.madeModes.end());
+  const std::string nearest = text::nearest(word, words);
+  raise(errors::kInvalidArgument, info.word,
+        fmt::format("There is no mode \"{}\"{}; the modes are {}.", text::left(word, 40),
+                    nearest.empty() ? "" : fmt::format(", \"{}\" is near", nearest),
+                    fmt::join(words, ", ")));
+}
+
 Statement RecordClass::modeStatement(std::string& word, const Variant& id) const {
   const auto known = std::find_if(info_.modes.begin(), info_.modes.end(), [&](const Mode& mode) {
     return mode.word == kAnyOtherWord || mode.word == word;
   });
-  if (known->word == kAnyOtherWord) word = "todos";
+  if (known->word == kAnyOtherWord) {
+    if (StrictModes::isOn() || Apartment::current().installation().settings().strictModes) {
+      requireWholeTable(info_, word);
+    }
+    word = "todos";
+  }
   Statement statement = withId(known->select, id);
   statement << withId(known->tail, id);
   return statement;

@@ -65,6 +65,9 @@ struct TAVELOR_API Settings {
   std::string textFolder = "txt";
   std::string emailTextFolder = "email";
 
+  /// IniciaRs refuses words that its class does not know, where it would open the whole table.
+  bool strictModes = false;
+
   bool trace = false;     ///< statements are kept from the start of an apartment on
   std::string traceFile;  ///< and appended to this file; "" for none
 };

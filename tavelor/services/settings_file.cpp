@@ -153,8 +153,8 @@ class Reader {
   }
 
   void element(pugi::xml_node node) {
-    static const Names kKnown = {"company",   "product",  "locale",  "formats",
-                                 "databases", "registry", "folders", "trace"};
+    static const Names kKnown = {"company",  "product", "locale", "formats", "databases",
+                                 "registry", "folders", "modes",  "trace"};
     const std::string_view name = node.name();
     Settings& s = settings_;
     if (node.type() != pugi::node_element) complain(node, "a text stands outside the elements");
@@ -183,6 +183,9 @@ class Reader {
       s.documentFolder = attribute(node, "document", s.documentFolder);
       s.textFolder = attribute(node, "text", s.textFolder);
       s.emailTextFolder = attribute(node, "email-text", s.emailTextFolder);
+    } else if (name == "modes") {
+      allowOnlyAttributes(node, {"strict"});
+      s.strictModes = flag(node, "strict", s.strictModes);
     } else if (name == "trace") {
       allowOnlyAttributes(node, {"on", "file"});
       s.trace = flag(node, "on", s.trace);
@@ -313,6 +316,8 @@ std::string xmlOf(const Settings& s) {
   folders.append_attribute("document") = s.documentFolder.c_str();
   folders.append_attribute("text") = s.textFolder.c_str();
   folders.append_attribute("email-text") = s.emailTextFolder.c_str();
+
+  root.append_child("modes").append_attribute("strict") = s.strictModes;
 
   pugi::xml_node trace = root.append_child("trace");
   trace.append_attribute("on") = s.trace;
