@@ -2,6 +2,7 @@
 // Parameters by reference that also take a temporary.
 #pragma once
 
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -19,11 +20,14 @@ namespace tavelor {
 /// variable that is assigned does not compile, as it would not be bound.
 template <typename T>
 class TAVELOR_API InOut {
-  // What looks like a variable of the caller, and cannot be referred to.
+  // What looks like a variable of the caller, and cannot be referred to. Nobody waits for a text in
+  // a pointer to characters or a view of them: those are values.
   template <typename U>
   static constexpr bool kIsOtherVariable =
       std::is_lvalue_reference_v<U> && !std::is_const_v<std::remove_reference_t<U>> &&
       !std::is_array_v<std::remove_reference_t<U>> &&
+      !std::is_pointer_v<std::remove_reference_t<U>> &&
+      !std::is_same_v<std::remove_cvref_t<U>, std::string_view> &&
       !std::is_same_v<std::remove_cvref_t<U>, InOut> && !std::is_same_v<U, T&>;
 
  public:

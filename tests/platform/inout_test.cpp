@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tavelor/platform/variant.hpp"
+
 namespace tavelor {
 namespace {
 
@@ -83,8 +85,9 @@ static_assert(std::is_constructible_v<InOut<double>, const double&>);
 static_assert(std::is_constructible_v<InOut<double>, int>);
 static_assert(!std::is_constructible_v<InOut<double>, int&>);
 static_assert(!std::is_constructible_v<InOut<double>, float&>);
-static_assert(!std::is_constructible_v<InOut<std::string>, std::string_view&>);
-static_assert(std::is_constructible_v<InOut<std::string>, const char*>);
+static_assert(!std::is_constructible_v<InOut<Variant>, std::string&>);
+static_assert(std::is_constructible_v<InOut<std::string>, const char*&>);
+static_assert(std::is_constructible_v<InOut<Variant>, const char*&>);
 static_assert(std::is_constructible_v<InOut<std::string>, const std::string&>);
 
 }  // namespace
