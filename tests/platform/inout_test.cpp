@@ -3,7 +3,6 @@
 #include "tavelor/platform/inout.hpp"
 
 #include <string>
-#include <string_view>
 #include <type_traits>
 
 #include <gtest/gtest.h>
