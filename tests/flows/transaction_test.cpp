@@ -27,11 +27,11 @@ class TransactionTest : public ::testing::Test {
   std::string documents(const std::string& statement) { return place_.text(statement, kDocuments); }
   /// A row of the program's own in either database.
   static void note(const Transaction& transaction, const std::string& code) {
-    Statement route("INSERT INTO Bancos (Codigo) VALUES ('");
-    route << value(code) << "')";
+    Statement route("INSERT INTO Bancos (Codigo) VALUES (");
+    route << sqlText(code) << ")";
     transaction.main()->Execute(route);
-    Statement comment("INSERT INTO Tickets_Comentarios (Id, Codigo, Comentarios) VALUES (99, 1, '");
-    comment << value(code) << "')";
+    Statement comment("INSERT INTO Tickets_Comentarios (Id, Codigo, Comentarios) VALUES (99, 1, ");
+    comment << sqlText(code) << ")";
     transaction.documents()->Execute(comment);
   }
   std::string counts() {
