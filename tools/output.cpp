@@ -84,7 +84,11 @@ void printError(const Error& error, const Style& style) {
   std::string message = style.red(fmt::format("Error {}", error.number()));
   if (!error.source().empty()) message += fmt::format(" from {}", printable(error.source()));
   message += fmt::format(": {}\n", printable(error.description()));
-  if (!error.notes().empty()) message += fmt::format("  {}\n", printable(error.notes()));
+  for (std::string_view notes = error.notes(); !notes.empty();) {
+    const std::size_t end = std::min(notes.find('\n'), notes.size());
+    message += fmt::format("  {}\n", printable(notes.substr(0, end)));
+    notes.remove_prefix(std::min(end + 1, notes.size()));
+  }
   if (error.nativeCode() != 0) message += fmt::format("  engine code {}\n", error.nativeCode());
   const std::string& statement = error.statement();
   if (!statement.empty() && error.offset() >= 0) {

@@ -60,8 +60,8 @@ void BusinessPartner::ObtenerRegistroActivo(InOut<Variant> vId, InOut<std::strin
                                             InOut<std::string> sPoblacion,
                                             InOut<std::string> sProvincia,
                                             InOut<std::string> sTelefono) const {
-  takeActiveRowIfThere(DataMember("Primary"), {*vId, *sNombre, *sEmpresa, *sDireccion, *sCp, *sPoblacion,
-                                        *sProvincia, *sTelefono});
+  takeActiveRowIfThere(DataMember("Primary"), {*vId, *sNombre, *sEmpresa, *sDireccion, *sCp,
+                                               *sPoblacion, *sProvincia, *sTelefono});
 }
 
 // ---------------------------------------------------------------------------------------------

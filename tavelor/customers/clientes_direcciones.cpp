@@ -149,8 +149,8 @@ void ClsClientesDirecciones::ObtenerRegistroActivo(
     InOut<Variant> vId, InOut<std::string> sNombre, InOut<std::string> sEmpresa,
     InOut<std::string> sDireccion, InOut<std::string> sCp, InOut<std::string> sPoblacion,
     InOut<std::string> sProvincia, InOut<std::string> sTelefono) const {
-  takeActiveRow(primary(), {*vId, *sNombre, *sEmpresa, *sDireccion, *sCp, *sPoblacion,
-                                        *sProvincia, *sTelefono});
+  takeActiveRow(primary(), {*vId, *sNombre, *sEmpresa, *sDireccion, *sCp, *sPoblacion, *sProvincia,
+                            *sTelefono});
 }
 
 std::vector<Variant> ClsClientesDirecciones::ObtenerColActivos(const Variant& id,

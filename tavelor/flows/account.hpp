@@ -56,6 +56,7 @@ struct WrongBalance {
   AccountEntry entry;
 };
 
+/// What checkLedger found.
 struct LedgerCheck {
   LedgerOf of = LedgerOf::kCustomers;
   std::size_t owners = 0;

@@ -16,10 +16,12 @@ struct Takings {
   double amount = 0;
 };
 
+/// What an hour took.
 struct HourFigures : Takings {
   int hour = 0;  ///< 0 to 23
 };
 
+/// What a day took.
 struct DayFigures : Takings {
   Date day;
 };
@@ -31,6 +33,7 @@ struct Share {
   double amount = 0;
 };
 
+/// What was sold of an article; amounts in euros, tax included.
 struct ArticleFigures {
   std::string code;
   std::string description;
@@ -38,6 +41,7 @@ struct ArticleFigures {
   double amount = 0;
 };
 
+/// What was taxed at a rate, in euros.
 struct TaxFigures {
   double rate = 0;  ///< percent
   double base = 0;
@@ -56,6 +60,7 @@ struct ClosingFigures {
   bool isBroken = false;  ///< the start is not the expected one, to the cent
 };
 
+/// All that the page of one or more days shows. Amounts are euros, tax included.
 struct PageFigures {
   Date first;
   Date last;
@@ -77,7 +82,7 @@ struct PageFigures {
   std::vector<TaxFigures> taxes;         ///< by rate
   std::vector<ClosingFigures> closings;  ///< by till and number
 
-  double tax() const;
+  double tax() const;           ///< of all rates
   double closedAmount() const;  ///< of the closings
 };
 

@@ -24,6 +24,7 @@ std::string dayPagePath(Date day);
 /// What the page of a single day says in its head of the closings that it knows, so that one which
 /// was made before the last of them is found. Begins with kClosingsMark.
 std::string closingsMark(std::vector<double> closings);
+/// How closingsMark() begins.
 inline constexpr std::string_view kClosingsMark = "<meta name=\"closings\" content=\"";
 
 /// The page itself: one HTML text in UTF-8 that needs neither network nor script, by the locale of

@@ -17,8 +17,11 @@ class NumberRanges {
   NumberRanges() = default;
   /// Raises 13 for a text that text() does not give.
   explicit NumberRanges(std::string_view text);
+  /// Joins the ranges that it touches.
   void add(double number);
+  /// Whether it lies in one of the ranges.
   bool contains(double number) const;
+  /// "61-100,205"; "" for none.
   std::string text() const;
 
  private:
@@ -32,6 +35,7 @@ class Decisions {
  public:
   /// Those of `findings` that nobody has decided on.
   static std::vector<Finding> open(std::vector<Finding> findings);
+  /// From now on these are decided on.
   static void keep(const std::vector<Finding>& findings);
 };
 

@@ -35,6 +35,7 @@ struct Delivery {
   Date day = {};              ///< without a time
   std::vector<DeliveryLine> lines = {};
 
+  /// Euros, tax not included.
   double total() const;
 };
 

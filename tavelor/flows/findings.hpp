@@ -13,6 +13,7 @@ namespace tavelor::flows {
 
 /// A ticket or a closing of which one database tells what the other does not.
 struct Finding {
+  /// What is told by one and missing in the other.
   enum class Kind : std::uint8_t {
     kTicketLost,        ///< movements whose ticket is nowhere
     kStockNotMoved,     ///< a ticket with lines and without movements
@@ -27,6 +28,7 @@ struct Finding {
   std::int64_t lines = 0;      ///< of the ticket; tickets of a closing
   std::int64_t movements = 0;  ///< of the ticket
 
+  /// False for one of a closing.
   bool isOfTicket() const { return kind <= Kind::kLinesDiffer; }
   friend bool operator==(const Finding&, const Finding&) = default;
 };
@@ -37,7 +39,9 @@ std::vector<std::string> told(const std::vector<Finding>& findings);
 /// Raised by a flow that would work on top of a loss; nothing of the flow is left.
 class Disagreement final : public Error {
  public:
+  /// By the number of an integrity error.
   explicit Disagreement(std::vector<Finding> findings);
+  /// What the databases disagree about.
   const std::vector<Finding>& findings() const { return findings_; }
 
  private:

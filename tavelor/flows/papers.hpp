@@ -10,6 +10,7 @@
 
 namespace tavelor::flows {
 
+/// What writeMissingPapers did.
 struct Papers {
   std::vector<std::string> written;  ///< paths of slips and pages
   std::vector<std::string> removed;  ///< halves of files, of programs that are gone

@@ -26,6 +26,7 @@ struct Tally {
   std::int64_t lineCents = 0;  ///< the same by the lines, where the tickets tell theirs
   std::int64_t owed = 0;       ///< cents that went on account, returns negative
 
+  /// Adds each figure.
   Tally& operator+=(const Tally& other);
 };
 
@@ -37,6 +38,7 @@ struct Tally {
 /// a day whose ticket is nowhere, and lines without movements, are told by the ticket's number.
 class Reconciliation {
  public:
+  /// Where figures come from: what was meant, and the places of the installation.
   enum Place : std::uint8_t {
     kMeant,
     kTickets,
@@ -46,6 +48,7 @@ class Reconciliation {
     kAccounts,
     kPlaces
   };
+  /// Of the places, for people.
   static constexpr std::array<std::string_view, kPlaces> kNames = {
       "sales", "tickets", "history", "closings", "stock moves", "accounts"};
 
@@ -57,12 +60,16 @@ class Reconciliation {
     std::string what;  ///< "12 tickets where 13 were sold"
   };
 
+  /// One more sale that was meant.
   void expect(const Sale& sale);
   /// Reads the installation of the thread's apartment. What differs is in differences().
   void compare();
 
+  /// Of all tills and days together.
   const Tally& total(Place place) const { return totals_[place]; }
+  /// What compare() found, by till and day; empty when all agree.
   const std::vector<Difference>& differences() const { return differences_; }
+  /// Of how many tills and days a sale was meant.
   std::size_t tillDays() const { return meant_.size(); }
 
  private:

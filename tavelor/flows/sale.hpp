@@ -90,6 +90,7 @@ struct SaleFault {
 /// its line. Nothing of the sale is left.
 class RefusedSale final : public Error {
  public:
+  /// Of the sale with that reference.
   RefusedSale(const std::string& reference, std::vector<SaleFault> faults);
   /// In the order of the lines, the sale as such first.
   const std::vector<SaleFault>& faults() const { return faults_; }

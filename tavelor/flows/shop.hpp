@@ -82,6 +82,7 @@ struct Recovered {
   /// given again: somebody set the counter, or the tickets were printed before they were lost.
   std::optional<std::pair<double, double>> unused;
 
+  /// Whether anything was changed.
   bool hasMended() const {
     return !sales.empty() || !closings.empty() || !rewritten.empty() || !takenBack.empty() ||
            !kept.empty();

@@ -67,8 +67,8 @@ inline Literal sqlLiteral(const char* text) {
 TAVELOR_API Literal sqlLiteral(double number);
 /// With a decimal point, to the last of its four decimals.
 TAVELOR_API Literal sqlLiteral(Currency amount);
-/// #mm/dd/yyyy#, with hh:nn:ss where it has a time, to the nearest second. Raises 6 outside of the
-/// years 100 to 9999.
+/// "#mm/dd/yyyy#", with "hh:nn:ss" where it has a time, to the nearest second. Raises 6 outside of
+/// the years 100 to 9999.
 TAVELOR_API Literal sqlLiteral(Date date);
 /// As its type: a text is sqlText(), Empty the empty text. Raises 13 for bytes and for an object.
 TAVELOR_API Literal sqlLiteral(const Variant& variant);

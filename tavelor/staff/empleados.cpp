@@ -92,8 +92,8 @@ void ClsEmpleados::ObtenerRegistroActivo(InOut<Variant> vId, InOut<std::string> 
                                          InOut<std::string> sCp, InOut<std::string> sPoblacion,
                                          InOut<std::string> sProvincia,
                                          InOut<std::string> sTelefono) const {
-  takeActiveRow(primary(), {*vId, *sNombre, *sEmpresa, *sDireccion, *sCp, *sPoblacion,
-                                        *sProvincia, *sTelefono});
+  takeActiveRow(primary(), {*vId, *sNombre, *sEmpresa, *sDireccion, *sCp, *sPoblacion, *sProvincia,
+                            *sTelefono});
 }
 
 std::string ClsEmpleados::GetTxtFile() const {

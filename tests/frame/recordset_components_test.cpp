@@ -36,7 +36,8 @@ std::set<std::string> publicMembers(const std::string& header, const std::string
   bool isInside = false;
   const std::regex declaration(R"(^  [^ /].*?\b([A-Za-z]\w*)\()");
   for (std::string line; std::getline(text, line);) {
-    if (line.starts_with("class " + name + " ")) isInside = line.find(';') == std::string::npos;
+    if (line.starts_with("class TAVELOR_API " + name + " "))
+      isInside = line.find(';') == std::string::npos;
     if (line == " private:" || line == "};") isInside = false;
     if (line.starts_with("  const {")) continue;  // the body of the one above
     std::smatch match;

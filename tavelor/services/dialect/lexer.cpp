@@ -563,7 +563,7 @@ namespace {
 /// Whether a quote inside a text that nobody doubled may be the fault at `offset`: a value with a
 /// quote begins there, a text that is never closed, or a word right behind a text.
 bool mayBeOfAQuote(std::string_view statement, std::size_t offset) {
-  if (offset >= statement.size()) return false;
+  if (offset >= statement.size() || !text::isValidUtf8(statement)) return false;
   const bool inText = offset > 0 && statement[offset - 1] == '\'';
   return inText || statement[offset] == '\'';
 }

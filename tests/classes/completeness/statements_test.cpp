@@ -26,9 +26,10 @@ using test::literalsOf;
 using test::piecesOf;
 using tests::CorpusCase;
 
-/// Folders of the library that make statements: those of the frame and the classes.
+/// Folders of the library that make the statements of the corpus: those of the frame and the
+/// classes. What the flows ask beside them is theirs to change.
 std::vector<std::string> folders() {
-  const std::set<std::string> others = {"tavelor/platform", "tavelor/services"};
+  const std::set<std::string> others = {"tavelor/platform", "tavelor/services", "tavelor/flows"};
   std::vector<std::string> found;
   const std::filesystem::path root = tests::detail::kSource;
   for (const auto& entry : std::filesystem::directory_iterator(root / "tavelor")) {
@@ -107,7 +108,8 @@ TEST(Statements, EachPieceOfAStatementInTheLibraryStandsInTheCorpus) {
   }
   std::size_t looked = 0;
   for (const Piece& piece : pieces()) {
-    if (!looksLikeAStatement(piece.text)) continue;
+    const bool isSignature = piece.text.front() == '[';
+    if (isSignature || !looksLikeAStatement(piece.text)) continue;
     ++looked;
     EXPECT_TRUE(std::any_of(
         segments.begin(), segments.end(),

@@ -279,10 +279,11 @@ TEST_F(ClsClientesEscrituraTest, SomeColumnsOfACustomerAreRowsOfCustomers) {
 // Another program need not tell the tables of its fields.
 TEST_F(ClsClientesEscrituraTest, FieldsWithoutATableAreTakenAsTheyAre) {
   const std::string path = shop.installation().folder() + "/foreign.xml";
-  std::ofstream(path) << "<xml xmlns:s='s' xmlns:dt='d' xmlns:rs='r' xmlns:z='z'><s:Schema "
-                         "id='RowsetSchema'><s:ElementType name='row'><s:AttributeType name='Talla'>"
-                         "<s:datatype dt:type='string'/></s:AttributeType></s:ElementType>"
-                         "</s:Schema><rs:data><z:row Talla='x'/></rs:data></xml>";
+  std::ofstream(path)
+      << "<xml xmlns:s='s' xmlns:dt='d' xmlns:rs='r' xmlns:z='z'><s:Schema "
+         "id='RowsetSchema'><s:ElementType name='row'><s:AttributeType name='Talla'>"
+         "<s:datatype dt:type='string'/></s:AttributeType></s:ElementType>"
+         "</s:Schema><rs:data><z:row Talla='x'/></rs:data></xml>";
   EXPECT_EQ(customers.IniciaXML(path)->Field("Talla").Value(), Variant("x"));
 }
 
