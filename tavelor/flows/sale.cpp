@@ -16,7 +16,7 @@ namespace {
 std::string faultOfText(std::string_view name, const std::string& text, std::size_t most) {
   if (text::length(text) > most)
     return fmt::format("the {} has more than {} characters", name, most);
-  if (text.find('\0') != text.npos) return fmt::format("the {} holds a zero byte", name);
+  if (text.find('\0') != std::string::npos) return fmt::format("the {} holds a zero byte", name);
   return {};
 }
 

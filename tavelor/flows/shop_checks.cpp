@@ -205,7 +205,7 @@ std::string Shop::Inner::lotOf(const SaleLine& line, std::string& fault) {
     }
     return line.lot;
   }
-  const std::string active = text(lots_.GetPredeterminada(code, main_));
+  std::string active = text(lots_.GetPredeterminada(code, main_));
   if (!active.empty()) return active;
   // None is active, as after a sale from a lot that keeps no stock.
   const Variant latest = lots_.GetUltimoIDLote(code, main_);

@@ -81,7 +81,7 @@ class Shop::Inner {
   void openTills(const std::vector<std::string>& tills);
   std::vector<Unpriced> price(Sale& sale);
   SaleLine price(const PriceQuestion& question);
-  std::optional<double> sell(const Sale& sale);
+  std::optional<double> sell(const Sale& given);
   double takeBack(const Return& what);
   std::optional<Closing> close(const std::string& till, Date day);
   Recovered recover();

@@ -43,7 +43,7 @@ class TAVELOR_API InOut {
   /// Refers to what `other` refers to, or copies its own value.
   InOut(const InOut& other) : own_(other.own_), target_(other.isOwn() ? &own_ : other.target_) {}
   /// The same: it is bound anew, and nothing is written.
-  InOut& operator=(const InOut& other) {
+  InOut& operator=(const InOut& other) {  // NOLINT(bugprone-unhandled-self-assignment)
     own_ = other.own_;
     target_ = other.isOwn() ? &own_ : other.target_;
     return *this;
