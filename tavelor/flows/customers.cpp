@@ -42,7 +42,8 @@ std::string withoutMarks(std::string_view typed) {
   // Blanks as sheets and pages have them: tabs, line ends, and the one that does not break.
   std::string text = tavelor::text::upper(typed);
   constexpr std::string_view kHardBlank = "\u00A0";
-  for (std::size_t at = text.find(kHardBlank); at != std::string::npos; at = text.find(kHardBlank, at)) {
+  for (std::size_t at = text.find(kHardBlank); at != std::string::npos;
+       at = text.find(kHardBlank, at)) {
     text.replace(at, kHardBlank.size(), " ");
   }
   std::erase_if(text, [](char c) { return isMark(c) || (c >= '\t' && c <= '\r'); });
