@@ -53,26 +53,25 @@ function(tavelor_library)
   foreach(floor IN LISTS floors)
     list(APPEND objects $<TARGET_OBJECTS:tavelor_${floor}>)
   endforeach()
+  set(libraries tavelor)
   add_library(tavelor STATIC ${objects})
-  add_library(Tavelor::tavelor ALIAS tavelor)
-  set_target_properties(tavelor PROPERTIES LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION})
-  target_compile_features(tavelor PUBLIC cxx_std_20)
-  target_include_directories(tavelor PUBLIC
-    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:include>)
-  target_link_libraries(tavelor PRIVATE ${links} Threads::Threads)
   if(TAVELOR_SHARED)
+    list(APPEND libraries tavelor_shared)
     set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.map)
     add_library(tavelor_shared SHARED ${objects})
-    add_library(Tavelor::tavelor_shared ALIAS tavelor_shared)
-    set_target_properties(tavelor_shared PROPERTIES LINKER_LANGUAGE CXX OUTPUT_NAME tavelor
-      VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINK_DEPENDS ${exports})
-    target_compile_features(tavelor_shared PUBLIC cxx_std_20)
-    target_include_directories(tavelor_shared PUBLIC
-      $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:include>)
+    set_target_properties(tavelor_shared PROPERTIES OUTPUT_NAME tavelor
+      SOVERSION ${PROJECT_VERSION_MAJOR} LINK_DEPENDS ${exports})
     target_link_options(tavelor_shared PRIVATE
       -Wl,--version-script=${exports} -Wl,--as-needed)
-    target_link_libraries(tavelor_shared PRIVATE ${links} Threads::Threads)
   endif()
+  foreach(library IN LISTS libraries)
+    add_library(Tavelor::${library} ALIAS ${library})
+    set_target_properties(${library} PROPERTIES LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION})
+    target_compile_features(${library} PUBLIC cxx_std_20)
+    target_include_directories(${library} PUBLIC
+      $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:include>)
+    target_link_libraries(${library} PRIVATE ${links} Threads::Threads)
+  endforeach()
 endfunction()
 
 # A floor that stands on the library, as a static library of its own: Tavelor::FLOOR.

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <tuple>
@@ -72,14 +71,7 @@ std::string noteNumber(std::string_view written) {
   while (!written.empty() && isUnseen(text::right(written, 1))) {
     written.remove_suffix(text::right(written, 1).size());
   }
-  utf8proc_uint8_t* composed = nullptr;
-  const utf8proc_ssize_t size =
-      utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(written.data()),
-                   static_cast<utf8proc_ssize_t>(written.size()), &composed,
-                   static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_COMPOSE));
-  const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owner(composed, &std::free);
-  if (size < 0) return std::string(written);
-  return {composed, composed + size};
+  return text::composed(written);
 }
 
 bool hasControls(std::string_view text) {

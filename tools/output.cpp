@@ -84,10 +84,8 @@ void printError(const Error& error, const Style& style) {
   std::string message = style.red(fmt::format("Error {}", error.number()));
   if (!error.source().empty()) message += fmt::format(" from {}", printable(error.source()));
   message += fmt::format(": {}\n", printable(error.description()));
-  for (std::string_view notes = error.notes(); !notes.empty();) {
-    const std::size_t end = std::min(notes.find('\n'), notes.size());
-    message += fmt::format("  {}\n", printable(notes.substr(0, end)));
-    notes.remove_prefix(std::min(end + 1, notes.size()));
+  for (const std::string_view note : text::lines(error.notes())) {
+    message += fmt::format("  {}\n", printable(note));
   }
   if (error.nativeCode() != 0) message += fmt::format("  engine code {}\n", error.nativeCode());
   const std::string& statement = error.statement();

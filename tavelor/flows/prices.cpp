@@ -75,8 +75,8 @@ std::string Prices::fill(SaleLine& line, const Conditions& conditions) {
   const std::string code = doubledQuotes(line.code);
   Statement statement(
       "SELECT Descripcion, Familia, Tarifa_A, Tarifa_B, Tarifa_C, Descuento, Impuesto FROM "
-      "Articulos WHERE Codigo = '");
-  statement << spliced(code) << "'";
+      "Articulos WHERE Codigo = ");
+  statement << sqlText(line.code);
   const Rows article(selector::kMain, statement, main_);
   if (!article.hasRow()) {
     return fmt::format("there is no price, and the shop has no article {}", line.code);

@@ -460,11 +460,7 @@ void Receiving::Inner::moveStock(const DeliveryLine& line, const Article& articl
   const std::string lot = doubledQuotes(line.lot);
   lots_.ActualizarStock_sund(code, lot, 0.0, article.units, true, false, main_);
   if (line.expires && !article.hasExpiry) lots_.ActualizarFecha(code, lot, *line.expires, main_);
-  if (!article.isNewLot) return;
-  // A new lot is one that sales pass over; no member says otherwise.
-  Statement statement("UPDATE Articulos_Lotes SET Stock = True WHERE Codigo = '");
-  statement << spliced(code) << "' AND Lote = '" << spliced(lot) << "'";
-  DataSession().Execute(selector::kMain, statement, main_);
+  if (article.isNewLot) keepStock(code, lot, main_);
 }
 
 /// What warehouses have on order of an article, where some of it arrived: first the one that it

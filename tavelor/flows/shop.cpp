@@ -106,10 +106,9 @@ Shop::Inner::Inner()
 void Shop::Inner::openTills(const std::vector<std::string>& tills) {
   ClsCajas catalogue;
   catalogue.IniciaRs("todos");
-  const ConnectionPtr connection = catalogue.GetConnection();
   const RecordsetPtr rows = catalogue.DataMember("Primary");
   const auto add = [&](const std::string& till) {
-    rows->Filter("Código = '" + doubledQuotes(till) + "'");
+    rows->Filter("Código = " + sqlText(till));
     const bool isThere = !rows->Eof();
     rows->Filter("");
     if (isThere) return;
@@ -119,15 +118,10 @@ void Shop::Inner::openTills(const std::vector<std::string>& tills) {
     catalogue.Update();
   };
   // Several programs may begin at once: what one reads here, no other adds meanwhile.
-  connection->BeginTrans();
-  try {
-    rows->Requery();
-    std::for_each(tills.begin(), tills.end(), add);
-    connection->CommitTrans();
-  } catch (...) {
-    connection->RollbackTrans();
-    throw;
-  }
+  DatabaseTransaction transaction(catalogue.GetConnection());
+  rows->Requery();
+  std::for_each(tills.begin(), tills.end(), add);
+  transaction.commit();
 }
 
 std::optional<double> Shop::Inner::sell(const Sale& given) {
@@ -316,8 +310,8 @@ void Shop::Inner::makeArticle(const SaleLine& line) {
                       .sLista = {},
                       .objCn = main_});
   // A new article is one whose sales take no stock off; no member says otherwise.
-  Statement statement("UPDATE Articulos SET Restar_Stock = True WHERE Codigo = '");
-  statement << spliced(code) << "'";
+  Statement statement("UPDATE Articulos SET Restar_Stock = True WHERE Codigo = ");
+  statement << sqlText(line.code);
   DataSession().Execute(selector::kMain, statement, main_);
   knownArticles_.emplace(line.code, false);
 }

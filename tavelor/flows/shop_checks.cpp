@@ -153,8 +153,8 @@ void Shop::Inner::requireCredit(const Sale& sale) {
   const double total = sale.total();
   if (sale.isCreditGranted || total <= 0) return;
   const std::string code = doubledQuotes(sale.customer);
-  Statement statement("SELECT Activo, Bloqueo, Riesgo FROM Clientes WHERE Codigo = '");
-  statement << spliced(code) << "'";
+  Statement statement("SELECT Activo, Bloqueo, Riesgo FROM Clientes WHERE Codigo = ");
+  statement << sqlText(sale.customer);
   const Rows row(selector::kMain, statement, main_);
   if (!row.hasRow()) return;  // made with this sale
   constexpr double kSetAside = 2;
@@ -217,8 +217,8 @@ std::string Shop::Inner::lotOf(const SaleLine& line, std::string& fault) {
 /// Whether the shop has the article; how it is kept is known from then on.
 bool Shop::Inner::isThere(const std::string& article) {
   if (knownArticles_.contains(article)) return true;
-  Statement statement("SELECT Lotes FROM Articulos WHERE Codigo = '");
-  statement << spliced(doubledQuotes(article)) << "'";
+  Statement statement("SELECT Lotes FROM Articulos WHERE Codigo = ");
+  statement << sqlText(article);
   const Rows row(selector::kMain, statement, main_);
   if (!row.hasRow()) return false;
   knownArticles_.emplace(article, row.flag("Lotes"));
@@ -229,16 +229,12 @@ bool Shop::Inner::isByLots(const std::string& article) {
   return isThere(article) && knownArticles_.at(article);
 }
 
-/// A lot that a return brings back after it was deleted is made again, and keeps its stock: no
-/// member says the latter.
+/// A lot that a return brings back after it was deleted is made again, and keeps its stock.
 void Shop::Inner::moveLot(const std::string& code, const std::string& lot, double units,
                           bool isReturn) {
   const bool isNew = isReturn && lot != kNoLot && !lots_.ExisteLote(code, lot, main_);
   lots_.DescargarStock_V(code, lot, 0.0, units, isReturn, main_);
-  if (!isNew) return;
-  Statement statement("UPDATE Articulos_Lotes SET Stock = True WHERE Codigo = '");
-  statement << spliced(code) << "' AND Lote = '" << spliced(lot) << "'";
-  DataSession().Execute(selector::kMain, statement, main_);
+  if (isNew) keepStock(code, lot, main_);
 }
 
 }  // namespace tavelor::flows

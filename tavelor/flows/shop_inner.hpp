@@ -67,6 +67,14 @@ inline std::vector<double> numbersOf(int selector, const Statement& statement,
   return numbers;
 }
 
+/// A new lot is one that sales pass over, and no member says otherwise. Quotes are doubled, as
+/// members take them.
+inline void keepStock(const std::string& code, const std::string& lot, ConnectionPtr& connection) {
+  Statement statement("UPDATE Articulos_Lotes SET Stock = True WHERE Codigo = '");
+  statement << spliced(code) << "' AND Lote = '" << spliced(lot) << "'";
+  DataSession().Execute(selector::kMain, statement, connection);
+}
+
 /// Nothing is sold or closed on top of a loss.
 inline void refuseLosses(const Recovered& recovered) {
   if (!recovered.undecided.empty()) throw Disagreement(recovered.undecided);

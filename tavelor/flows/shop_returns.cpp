@@ -64,7 +64,6 @@ std::string ofEqual(const std::vector<double>& units, const std::vector<SaleLine
 }  // namespace
 
 double Shop::Inner::takeBack(const Return& what) {
-  openTickets();
   // What is left is looked at under the locks of the sale, so that two tills do not take the same
   // back.
   BothDatabases transaction(main_, documents_);

@@ -295,11 +295,7 @@ Object& objectArgument(const Variant* value, std::string_view wanted) {
 std::vector<Variant> Marshal<std::vector<Variant>>::in(const Variant& v) {
   std::vector<Variant> entries;
   const std::string lines = v.toText(callLocale());
-  for (std::size_t begin = 0; begin < lines.size();) {
-    const std::size_t end = std::min(lines.find('\n', begin), lines.size());
-    entries.emplace_back(lines.substr(begin, end - begin));
-    begin = end + 1;
-  }
+  for (const std::string_view line : text::lines(lines)) entries.emplace_back(std::string(line));
   return entries;
 }
 

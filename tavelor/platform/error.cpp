@@ -179,11 +179,7 @@ void Error::compose() {
   what_.clear();
   if (!source_.empty()) what_.append(source_).append(": ");
   what_.append(description_).append(" (error ").append(std::to_string(number_)).append(")");
-  for (std::string_view rest = notes_; !rest.empty();) {
-    const std::size_t end = std::min(rest.find('\n'), rest.size());
-    what_.append("\n  ").append(rest.substr(0, end));
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-  }
+  for (const std::string_view note : text::lines(notes_)) what_.append("\n  ").append(note);
   if (statement_.empty()) return;
   what_.append("\n  in: ").append(readable(shownPart(statement_, offset_)));
   if (offset_ < 0) return;

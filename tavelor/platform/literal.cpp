@@ -10,6 +10,7 @@
 #include "tavelor/platform/decimal_digits.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/number_text.hpp"
+#include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/variant.hpp"
 
 namespace tavelor {
@@ -23,15 +24,7 @@ constexpr int kCurrencyDecimals = 4;
 }  // namespace
 
 Literal sqlText(std::string_view text) {
-  std::string literal;
-  literal.reserve(text.size() + 4);
-  literal += '\'';
-  for (const char c : text) {
-    literal += c;
-    if (c == '\'') literal += c;
-  }
-  literal += '\'';
-  return Literal(std::move(literal));
+  return Literal('\'' + doubledQuotes(text) + '\'');
 }
 
 Literal sqlLiteral(double number) {

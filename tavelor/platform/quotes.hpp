@@ -9,9 +9,8 @@ namespace tavelor {
 
 /// What helps after an error that a quote inside a text has brought.
 inline constexpr std::string_view kQuotesAreDoubled =
-    "A quote inside a text is written twice: sqlText() writes a whole text so, doubledQuotes() "
-    "what "
-    "a member puts between quotes itself.";
+    "A quote inside a text is written twice: sqlText() writes a whole text so, "
+    "doubledQuotes() what a member puts between quotes itself.";
 
 /// The text with each single quote doubled, as a statement writes one inside a quoted text. For
 /// callers of members that join values as they are.

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include <utf8proc.h>
@@ -184,16 +187,35 @@ std::string foldCase(std::string_view text) {
   return utf8::mapped(text, utf8::foldAscii, utf8::fold);
 }
 
+/// Nothing for what is no UTF-8.
+static std::optional<std::string> normalized(std::string_view text, int options) {
+  utf8proc_uint8_t* mapped = nullptr;
+  const utf8proc_ssize_t size = utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                                             static_cast<utf8proc_ssize_t>(text.size()), &mapped,
+                                             static_cast<utf8proc_option_t>(options));
+  const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owner(mapped, &std::free);
+  if (size < 0) return std::nullopt;
+  return std::string(mapped, mapped + size);
+}
+
 std::string foldAccents(std::string_view text) {
-  utf8proc_uint8_t* folded = nullptr;
-  const auto length = utf8proc_map(
-      reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
-      static_cast<utf8proc_ssize_t>(text.size()), &folded,
-      static_cast<utf8proc_option_t>(UTF8PROC_COMPOSE | UTF8PROC_STRIPMARK | UTF8PROC_CASEFOLD));
-  if (length < 0) return foldCase(text);  // no UTF-8
-  std::string result(reinterpret_cast<const char*>(folded), static_cast<std::size_t>(length));
-  std::free(folded);
-  return result;
+  const int options = UTF8PROC_COMPOSE | UTF8PROC_STRIPMARK | UTF8PROC_CASEFOLD;
+  std::optional<std::string> folded = normalized(text, options);
+  return folded ? *std::move(folded) : foldCase(text);
+}
+
+std::string composed(std::string_view text) {
+  return normalized(text, UTF8PROC_STABLE | UTF8PROC_COMPOSE).value_or(std::string(text));
+}
+
+std::vector<std::string_view> lines(std::string_view text) {
+  std::vector<std::string_view> found;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    found.push_back(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return found;
 }
 
 bool equalsIgnoreCase(std::string_view a, std::string_view b) {

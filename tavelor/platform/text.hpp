@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tavelor/platform/export.hpp"
 
@@ -38,8 +39,13 @@ TAVELOR_API bool equalsIgnoreCase(std::string_view a,
                                   std::string_view b);  ///< by their folded forms
 /// Folded, and every letter without its accents, however they are composed: "Almacén" is "almacen".
 TAVELOR_API std::string foldAccents(std::string_view text);
+/// Letters and their accents as one character each, where there is one; what is no UTF-8 as it is.
+TAVELOR_API std::string composed(std::string_view text);
 /// Negative, 0, positive, by folded code points.
 TAVELOR_API int compareIgnoreCase(std::string_view a, std::string_view b);
+
+/// What stands between line feeds. One at the end begins no line; an empty text has none.
+TAVELOR_API std::vector<std::string_view> lines(std::string_view text);
 
 TAVELOR_API bool isValidUtf8(std::string_view text);  ///< an empty text is
 

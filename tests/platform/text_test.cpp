@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace tavelor::text {
@@ -183,6 +184,18 @@ TEST(Nearest, OfANameOfAMegabyteIsNoneAndCostsNothing) {
   const std::vector<std::string> candidates(1'000, "Codigo");
   EXPECT_EQ(text::nearest(name, candidates), "");
   EXPECT_EQ(text::nearest("Codgo", candidates), "Codigo");
+}
+
+TEST(Text, LinesStandBetweenLineFeeds) {
+  EXPECT_THAT(text::lines("a\n\nb"), testing::ElementsAre("a", "", "b"));
+  EXPECT_THAT(text::lines("a\n"), testing::ElementsAre("a"));
+  EXPECT_THAT(text::lines("\n"), testing::ElementsAre(""));
+  EXPECT_THAT(text::lines(""), testing::IsEmpty());
+}
+
+TEST(Text, ComposedLettersAreOneCharacterWithTheirAccents) {
+  EXPECT_EQ(text::composed("Almace\u0301n"), "Almac\u00E9n");
+  EXPECT_EQ(text::composed("\xff"), "\xff");
 }
 
 }  // namespace

@@ -37,8 +37,7 @@ class RecordsetCursor {
   /// The row, if it is there to be read and written: -2147217885 for a deleted one.
   Row readableRow() const {
     const Row current = row();
-    constexpr std::uint8_t kGone = RecordsetStore::kDead | RecordsetStore::kDeleted;
-    if ((view_.store().flags(current) & kGone) != 0) raiseDeleted();
+    if (view_.store().isGone(current)) raiseDeleted();
     return current;
   }
   /// From 1, or one of position::.

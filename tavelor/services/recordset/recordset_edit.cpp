@@ -42,8 +42,7 @@ void RecordsetEdit::add() {
 void RecordsetEdit::post() {
   view_.follow();
   RecordsetStore& rows = store();
-  constexpr std::uint8_t kGone = RecordsetStore::kDead | RecordsetStore::kDeleted;
-  if ((rows.flags(draft_->row) & kGone) != 0) raise(errors::kDeletedRow, kRecordsetSource);
+  if (rows.isGone(draft_->row)) raise(errors::kDeletedRow, kRecordsetSource);
   Draft draft = std::move(*draft_);
   draft_.reset();
   if (draft.adding) {
@@ -104,8 +103,8 @@ void RecordsetEdit::abandon() noexcept {
 
 void RecordsetEdit::remove(Row row) {
   RecordsetStore& rows = store();
+  if (rows.isGone(row)) return;
   const std::uint8_t flags = rows.flags(row);
-  if ((flags & (RecordsetStore::kDead | RecordsetStore::kDeleted)) != 0) return;
   view_.changingRow(row, [&] {
     if (isOf(row)) {
       draft_.reset();

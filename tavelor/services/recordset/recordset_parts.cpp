@@ -37,21 +37,28 @@ void RecordsetParts::open(const Statement& statement, const ConnectionPtr& over)
 }
 
 void RecordsetParts::open(std::shared_ptr<RecordsetStore> rows) {
-  store = std::move(rows);
-  ++openings_;
-  listeners.join();
+  joinStore(std::move(rows));
   view.open(*store);
 }
 
+void RecordsetParts::joinStore(std::shared_ptr<RecordsetStore> rows) {
+  store = std::move(rows);
+  ++openings_;
+  listeners.join();
+}
+
+void RecordsetParts::leaveStore() noexcept {
+  if (!store) return;
+  // A row being added was seen by this set only and goes with it.
+  edit.abandon();
+  listeners.leave();
+  cursor.reset();
+  view.close();
+  store.reset();
+}
+
 void RecordsetParts::close() noexcept {
-  if (store) {
-    // A row being added was seen by this set only and goes with it.
-    edit.abandon();
-    listeners.leave();
-    cursor.reset();
-    view.close();
-    store.reset();
-  }
+  leaveStore();
   leaveConnection();
   appended.reset();
 }
@@ -91,13 +98,8 @@ void RecordsetParts::refetch() {
     filter.program = criteria::parse(filter.text, fresh->schema(), fresh->locale());
   }
   RowOrder order{view.order().text, parseOrder(view.order().text, fresh->schema())};
-  edit.abandon();
-  listeners.leave();
-  cursor.reset();
-  view.close();
-  store = std::move(fresh);
-  ++openings_;
-  listeners.join();
+  leaveStore();
+  joinStore(std::move(fresh));
   view.open(*store, std::move(filter), std::move(order));
   standOnFirst();
 }
@@ -253,8 +255,14 @@ void RecordsetParts::resync(const std::vector<Row>& rows, ResyncValues values) {
   RowRefresher refresher(*store, openConnection());
   refresher.read(rows);
   view.follow();
+  const std::vector<Row>& missing = refresher.missing();
   if (values == ResyncValues::kUnderlying) {
     refresher.acceptAsUnderlying();
+    std::vector<Row> both;
+    const std::vector<Row>& before = view.conflicting();
+    std::set_union(before.begin(), before.end(), missing.begin(), missing.end(),
+                   std::back_inserter(both));
+    view.conflicting(both);
   } else {
     const std::vector<Row>& found = refresher.found();
     if (edit.isActive() && !edit.isAdding() &&
@@ -262,16 +270,8 @@ void RecordsetParts::resync(const std::vector<Row>& rows, ResyncValues values) {
       edit.drop();
     }
     refresher.acceptAsBase();
-    view.conflicting(refresher.missing());
+    view.conflicting(missing);
     edit.undoAndRebuild(found);
-  }
-  const std::vector<Row>& missing = refresher.missing();
-  if (values == ResyncValues::kUnderlying) {
-    std::vector<Row> both;
-    const std::vector<Row>& before = view.conflicting();
-    std::set_union(before.begin(), before.end(), missing.begin(), missing.end(),
-                   std::back_inserter(both));
-    view.conflicting(both);
   }
   for (const Row row : missing) {
     if (RecordsetStore::Edit* change = store->edit(row)) {

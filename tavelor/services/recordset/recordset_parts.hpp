@@ -133,6 +133,8 @@ class RecordsetParts {
  private:
   [[noreturn]] static void raiseClosed();
   void postAndWrite();
+  void joinStore(std::shared_ptr<RecordsetStore> rows);
+  void leaveStore() noexcept;
   void leaveConnection() noexcept;
 
   std::uint32_t openings_ = 0;

@@ -79,6 +79,8 @@ class RecordsetStore {
   /// False: no row differs from the base in any way.
   bool anyFlags() const { return !flags_.empty(); }
   std::uint8_t flags(Row row) const { return row < flags_.size() ? flags_[row] : std::uint8_t{0}; }
+  /// Deleted, whether that is written or pending.
+  bool isGone(Row row) const { return (flags(row) & (kDead | kDeleted)) != 0; }
   void setFlags(Row row, std::uint8_t flags);
 
   const std::unordered_map<Row, Edit>& edits() const { return edits_; }

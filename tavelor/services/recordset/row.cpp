@@ -51,6 +51,15 @@ bool isWholeNumber(engine::ColumnType type) {
          type == engine::ColumnType::kInt32;
 }
 
+/// The rows of an opening, unless the set is closed or has other ones.
+const RecordsetStore& openedStill(const RecordsetParts& set, std::uint32_t opening) {
+  const RecordsetStore& store = set.opened();
+  if (set.openings() != opening) {
+    raise(errors::kObjectInvalid, kSource, "The rows of the set have been fetched anew");
+  }
+  return store;
+}
+
 // What a getter gives: the column types that it reads, and how.
 
 struct Text {
@@ -114,12 +123,7 @@ struct Flag {
 }  // namespace
 
 void Row::requireReadable() const {
-  const RecordsetStore& store = set_->opened();
-  if (set_->openings() != opening_) {
-    raise(errors::kObjectInvalid, kSource, "The rows of the set have been fetched anew");
-  }
-  constexpr std::uint8_t kGone = RecordsetStore::kDead | RecordsetStore::kDeleted;
-  if ((store.flags(row_) & kGone) != 0) raise(errors::kDeletedRow, kSource);
+  if (openedStill(*set_, opening_).isGone(row_)) raise(errors::kDeletedRow, kSource);
 }
 
 std::size_t Row::positionOf(const ColumnKey& column) const {
@@ -233,10 +237,7 @@ Row RowIterator::operator*() const {
 }
 
 RowIterator& RowIterator::operator++() {
-  set_->opened();
-  if (set_->openings() != opening_) {
-    raise(errors::kObjectInvalid, kSource, "The rows of the set have been fetched anew");
-  }
+  openedStill(*set_, opening_);
   RecordsetView& view = set_->view;
   view.follow();
   // The row may have moved in the view, or left it: its follower is at its index then.
