@@ -5,6 +5,7 @@
 #include <cstring>
 #include <exception>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -39,6 +40,7 @@ constexpr std::array kWorks{
     Work{"growth", tavelor::bench::measureGrowth},
     Work{"years", tavelor::bench::measureYears},
     Work{"storage", tavelor::bench::measureStorage},
+    Work{"server", tavelor::bench::measureServer},
 #ifdef TAVELOR_BENCH_QT
     Work{"qt", tavelor::bench::measureQt},
 #endif
@@ -50,6 +52,16 @@ constexpr std::string_view kUsage =
     "  --rounds N    turns a work, 15 without it; the median counts\n"
     "  --write FILE  keeps the report there too\n"
     "works:";
+
+/// In the place of the earlier report. What another program has measured stays behind it.
+void keep(const std::string& file, const std::string& text) {
+  std::ostringstream before;
+  before << std::ifstream(file).rdbuf();
+  const std::string earlier = before.str();
+  const std::size_t others = earlier.find("\n## Tills of one shop on a server");
+  std::ofstream(file) << "# Measurements\n\n"
+                      << text << (others == std::string::npos ? "" : earlier.substr(others));
+}
 
 int usage() {
   fmt::print(stderr, "{}", kUsage);
@@ -87,7 +99,7 @@ int main(int count, char** arguments) {
     for (const Work& work : chosen) work.run(report, scale);
     const std::string text = report.text();
     fmt::print("\n{}", text);
-    if (!file.empty()) std::ofstream(file) << "# Measurements\n\n" << text;
+    if (!file.empty()) keep(file, text);
     return 0;
   } catch (const std::exception& error) {
     fmt::print(stderr, "{}\n", error.what());

@@ -6,7 +6,7 @@
 # that were declared before it.
 # tavelor_library() joins all floors so far into the library that users link, twice of the same
 # objects: Tavelor::tavelor is static, Tavelor::tavelor_shared is not.
-# tavelor_library_of(FLOOR) makes a library of a floor that comes after that.
+# tavelor_library_of(FLOOR ON library) makes a library of a floor that comes after that, upon another.
 
 # One precompiled header for all floors and one for all tests: compiled once, owned by no floor.
 function(tavelor_precompiled name)
@@ -41,6 +41,7 @@ function(tavelor_floor name)
   target_include_directories(tavelor_${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
   target_link_libraries(tavelor_${name} PRIVATE $<BUILD_INTERFACE:tavelor_options> ${floor_LINK})
   target_precompile_headers(tavelor_${name} REUSE_FROM tavelor_pch)
+  tavelor_unity_floor(${name})
   set_property(GLOBAL APPEND PROPERTY TAVELOR_FLOORS ${name})
   set_property(GLOBAL APPEND PROPERTY TAVELOR_LINKS ${floor_LINK})
 endfunction()
@@ -74,69 +75,14 @@ function(tavelor_library)
   endforeach()
 endfunction()
 
-# A floor that stands on the library, as a static library of its own: Tavelor::FLOOR.
+# A floor that stands on a library, as a static library of its own: Tavelor::FLOOR.
 function(tavelor_library_of floor)
+  cmake_parse_arguments(PARSE_ARGV 1 stands "" "ON" "")
   get_target_property(links tavelor_${floor} LINK_LIBRARIES)
   list(FILTER links EXCLUDE REGEX "tavelor_options")
   add_library(tavelor_${floor}_library STATIC $<TARGET_OBJECTS:tavelor_${floor}>)
   add_library(Tavelor::${floor} ALIAS tavelor_${floor}_library)
   set_target_properties(tavelor_${floor}_library PROPERTIES LINKER_LANGUAGE CXX
     OUTPUT_NAME tavelor_${floor} EXPORT_NAME ${floor} VERSION ${PROJECT_VERSION})
-  target_link_libraries(tavelor_${floor}_library PUBLIC tavelor PRIVATE ${links})
-endfunction()
-
-# tavelor_test(FLOOR [LINK target...]): the tests in tests/FLOOR as one program, linked with that
-# floor and those below it only, so that the order of the floors is proved by the linker.
-function(tavelor_test floor)
-  cmake_parse_arguments(PARSE_ARGV 1 test "" "" "LINK")
-  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${floor}/*.cpp)
-  if(NOT sources OR NOT TARGET tavelor_${floor})
-    return()
-  endif()
-  get_property(floors GLOBAL PROPERTY TAVELOR_FLOORS)
-  get_property(links GLOBAL PROPERTY TAVELOR_LINKS)
-  list(REMOVE_DUPLICATES links)
-  set(objects "")
-  foreach(below IN LISTS floors)
-    list(APPEND objects $<TARGET_OBJECTS:tavelor_${below}>)
-    if(below STREQUAL floor)
-      break()
-    endif()
-  endforeach()
-  add_executable(${floor}_tests ${sources} ${objects})
-  target_include_directories(${floor}_tests PRIVATE ${PROJECT_SOURCE_DIR})
-  target_compile_definitions(${floor}_tests PRIVATE TAVELOR_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
-  target_link_libraries(${floor}_tests PRIVATE
-    tavelor_options tavelor_test_options GTest::gtest GTest::gtest_main GTest::gmock ${links} Threads::Threads ${test_LINK})
-  if(NOT TARGET tavelor_test_pch)
-    # Most of the time of a build goes into compiling the tests, and what they call is optimised
-    # without them.
-    add_library(tavelor_test_options INTERFACE)
-    target_compile_options(tavelor_test_options INTERFACE -O0)
-    tavelor_precompiled(tavelor_test_pch <gmock/gmock.h> <gtest/gtest.h> <memory> <string> <vector>)
-    target_link_libraries(tavelor_test_pch PRIVATE tavelor_options tavelor_test_options GTest::gtest GTest::gmock)
-    set_target_properties(tavelor_test_pch PROPERTIES POSITION_INDEPENDENT_CODE OFF)
-  endif()
-  set_target_properties(${floor}_tests PROPERTIES POSITION_INDEPENDENT_CODE OFF)
-  target_precompile_headers(${floor}_tests REUSE_FROM tavelor_test_pch)
-  tavelor_unity(${floor}_tests)
-  # Tests that run several threads say so in their names; the thread sanitizer builds and runs
-  # these only.
-  set(with_threads FALSE)
-  foreach(source IN LISTS sources)
-    file(STRINGS ${source} named REGEX "TEST.*Thread" LIMIT_COUNT 1)
-    if(named)
-      set(with_threads TRUE)
-    endif()
-  endforeach()
-  if(with_threads)
-    if(NOT TARGET tests_with_threads)
-      add_custom_target(tests_with_threads)
-    endif()
-    add_dependencies(tests_with_threads ${floor}_tests)
-  endif()
-  gtest_discover_tests(${floor}_tests TEST_PREFIX "${floor}." TEST_FILTER "-*Thread*"
-    TEST_LIST ${floor}_tests_plain DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
-  gtest_discover_tests(${floor}_tests TEST_PREFIX "${floor}." TEST_FILTER "*Thread*"
-    TEST_LIST ${floor}_tests_threads DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300 LABELS threads)
+  target_link_libraries(tavelor_${floor}_library PUBLIC ${stands_ON} PRIVATE ${links})
 endfunction()

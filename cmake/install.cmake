@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# What `cmake --install` lays down: the library and the flows upon it, their public headers, what find_package(Tavelor)
+# What `cmake --install` lays down: the library, what stands upon it, their public headers, what find_package(Tavelor)
 # reads, and the tavelor command.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -9,7 +9,7 @@ foreach(header IN LISTS TAVELOR_PUBLIC_HEADERS)
   install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
 endforeach()
 
-install(TARGETS tavelor tavelor_flows_library EXPORT TavelorTargets)
+install(TARGETS tavelor tavelor_fiscal_library tavelor_flows_library EXPORT TavelorTargets)
 if(TAVELOR_SHARED)
   install(TARGETS tavelor_shared EXPORT TavelorTargets)
 endif()
@@ -17,6 +17,12 @@ set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Tavelor)
 install(EXPORT TavelorTargets NAMESPACE Tavelor:: DESTINATION ${package_folder})
 configure_package_config_file(cmake/TavelorConfig.cmake.in ${PROJECT_BINARY_DIR}/TavelorConfig.cmake
   INSTALL_DESTINATION ${package_folder} NO_SET_AND_CHECK_MACRO)
+# Of their own, as who neither signs nor sends needs nothing of what they need:
+# find_package(Tavelor COMPONENTS signing sending).
+foreach(part IN ITEMS signing sending)
+  install(TARGETS tavelor_${part}_library EXPORT Tavelor_${part}_targets)
+  install(EXPORT Tavelor_${part}_targets NAMESPACE Tavelor:: DESTINATION ${package_folder})
+endforeach()
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/TavelorConfigVersion.cmake
   COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/TavelorConfig.cmake ${PROJECT_BINARY_DIR}/TavelorConfigVersion.cmake

@@ -12,6 +12,7 @@ foreach(file IN LISTS files)
 endforeach()
 
 set(version "")
+set(counters "")
 set(assignments "")
 file(STRINGS ${FOLDER}/databases.txt lines)
 foreach(line IN LISTS lines)
@@ -27,6 +28,8 @@ foreach(line IN LISTS lines)
       endif()
     endforeach()
     string(APPEND assignments "    {${selector}, \"${names}\"},\n")
+  elseif(line MATCHES "^counters ([A-Za-z_ ]+)$")
+    string(REPLACE " " "\", \"" counters "\"${CMAKE_MATCH_1}\"")
   elseif(NOT line MATCHES "^(#.*)?$")
     message(FATAL_ERROR "databases.txt: this line says nothing: ${line}")
   endif()
@@ -48,10 +51,13 @@ ${families}};
 constexpr Assignment kAssignments[] = {
 ${assignments}};
 
+constexpr std::string_view kCounters[] = {${counters}};
+
 }  // namespace
 
 std::span<const Family> families() { return kFamilies; }
 std::span<const Assignment> assignments() { return kAssignments; }
+std::span<const std::string_view> counters() { return kCounters; }
 int currentVersion() { return ${version}; }
 
 }  // namespace tavelor::schema

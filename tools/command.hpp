@@ -36,6 +36,7 @@ std::vector<std::string> argumentTexts(const CLI::App& command, const Common& co
 
 // Each adds its subcommand, whose work runs at the end of the parsing.
 void addNew(CLI::App& app, Common& common);
+void addMove(CLI::App& app, Common& common);
 void addSeed(CLI::App& app, Common& common);
 void addClasses(CLI::App& app, Common& common);
 void addCall(CLI::App& app, Common& common);
@@ -49,6 +50,7 @@ void addRecover(CLI::App& app, Common& common);
 void addAccount(CLI::App& app, Common& common);
 void addAgenda(CLI::App& app, Common& common);
 void addStock(CLI::App& app, Common& common);
+void addFiscal(CLI::App& app, Common& common);
 void addSql(CLI::App& app, Common& common);
 void addImport(CLI::App& app, Common& common);
 void addTrace(CLI::App& app, Common& common);

@@ -11,6 +11,7 @@
 
 #include "tavelor/flows/counted.hpp"
 #include "tavelor/flows/day_page.hpp"
+#include "tavelor/flows/outage.hpp"
 #include "tavelor/flows/papers.hpp"
 #include "tavelor/flows/receipt.hpp"
 #include "tavelor/flows/reconciliation.hpp"
@@ -288,6 +289,16 @@ std::string unitsText(double units, const Locale& locale) {
   return format(grams, grams == std::trunc(grams) ? "#,##0" : "#,##0.000", locale);
 }
 
+/// On standard error, as it is while it lasts that somebody wants to know.
+void tellOutage(const flows::Outage& outage) {
+  if (outage.isOver) {
+    complain(fmt::format("going on after {:.1f} s\n",
+                         std::chrono::duration<double>(outage.lasted).count()));
+  } else {
+    complain(fmt::format("{} Trying again for up to a minute.\n", printable(outage.reason)));
+  }
+}
+
 void tellMended(const flows::Recovered& mended) {
   if (!mended.sales.empty()) {
     fmt::print("mended: stock moved for {} of an earlier run\n",
@@ -393,6 +404,7 @@ void replay(const DayOptions& options, const Common& common) {
   Refusals refusals(options.report, options.sales, session.installation());
 
   const auto began = std::chrono::steady_clock::now();
+  const flows::OutageListener listener(&tellOutage);
   Replay replay(*source, refusals, own, options.grantCredit);
   tellMended(replay.mended());
   std::fflush(stdout);

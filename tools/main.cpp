@@ -58,6 +58,7 @@ void addCommands(CLI::App& app, Common& common) {
   app.set_version_flag("--version", "tavelor " TAVELOR_VERSION);
   app.footer(kFooter);
   addNew(app, common);
+  addMove(app, common);
   addSeed(app, common);
   addClasses(app, common);
   addCall(app, common);
@@ -71,6 +72,7 @@ void addCommands(CLI::App& app, Common& common) {
   addAccount(app, common);
   addAgenda(app, common);
   addStock(app, common);
+  addFiscal(app, common);
   addSql(app, common);
   addImport(app, common);
   addTrace(app, common);

@@ -22,12 +22,17 @@ void printMade(const Installation& made) {
   fmt::print("Made an installation in {}\n", made.folder());
   fmt::print("  {:<14}  settings: {} {}, locale {}\n", Installation::kSettingsFile,
              settings.company, settings.product, settings.locale);
+  // A file, or a schema of the server.
+  const auto place = [&](const std::string& file, const std::string& schema) {
+    return file.empty() ? schema : inside(file);
+  };
   for (const DatabaseSettings& database : settings.databases) {
     fmt::print("  {:<14}  database {}, {}: {} tables\n",
-               inside(made.databaseFile(database.selector)), database.selector, database.label,
+               place(made.databaseFile(database.selector), made.database(database.selector).schema),
+               database.selector, database.label,
                made.catalogue(database.selector)->tables().size());
   }
-  fmt::print("  {:<14}  registry\n", inside(made.registryFile()));
+  fmt::print("  {:<14}  registry\n", place(made.registryFile(), settings.registrySchema));
   fmt::print("  folders         {} {} {} {} {}\n", inside(made.reportFolder()),
              inside(made.exportFolder()), inside(made.documentFolder()), inside(made.textFolder()),
              inside(made.emailTextFolder()));
@@ -36,6 +41,7 @@ void printMade(const Installation& made) {
 struct NewOptions {
   std::string folder;
   std::string locale = Settings().locale;
+  std::string server;
 };
 
 }  // namespace
@@ -48,7 +54,13 @@ void addNew(CLI::App& app, Common&) {
       ->type_name("FOLDER");
   command->add_option("--locale", options->locale, "How numbers and dates are written")
       ->type_name("es-ES|neutral");
-  command->footer("  tavelor new shop\n  tavelor new shop --locale neutral");
+  command
+      ->add_option("--server", options->server,
+                   "Keep databases and registry on a PostgreSQL server")
+      ->type_name("ADDRESS");
+  command->footer(
+      "  tavelor new shop\n  tavelor new shop --locale neutral\n"
+      "  tavelor new shop --server postgresql://till@db1:5432,db2/shop");
   command->callback([options] {
     if (!Locale::byName(options->locale)) {
       throw UsageError(
@@ -56,6 +68,9 @@ void addNew(CLI::App& app, Common&) {
     }
     Settings settings;
     settings.locale = options->locale;
+    if (!options->server.empty()) {
+      settings = onServer(std::move(settings), engine::serverAddress(options->server));
+    }
     printMade(*Installation::create(options->folder, settings));
   });
 }

@@ -8,8 +8,8 @@
 
 #include "tavelor/articles/articulos.hpp"
 #include "tavelor/flows/customers.hpp"
-#include "tavelor/flows/rows.hpp"
 #include "tavelor/frame/reading.hpp"
+#include "tavelor/frame/rows.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/statement.hpp"
@@ -51,7 +51,7 @@ PartnerImport::Words PartnerImport::catalogue(Statement::Constant table) {
   Statement statement("SELECT codigo, Descripcion FROM ");
   statement << table;
   Words codes, descriptions;
-  for (flows::Rows rows(selector::kMain, statement, connection()); rows.hasRow(); rows.next()) {
+  for (Rows rows(selector::kMain, statement, connection()); rows.hasRow(); rows.next()) {
     const std::string code = rows.text("codigo");
     codes.emplace(text::foldCase(code), code);
     descriptions.emplace(text::foldCase(rows.text("Descripcion")), code);
@@ -63,7 +63,7 @@ PartnerImport::Words PartnerImport::catalogue(Statement::Constant table) {
 void PartnerImport::readNumbers() {
   Statement statement("SELECT Codigo, NIF FROM ");
   statement << table().name << " WHERE NIF <> ''";
-  for (flows::Rows rows(selector::kMain, statement, connection()); rows.hasRow(); rows.next()) {
+  for (Rows rows(selector::kMain, statement, connection()); rows.hasRow(); rows.next()) {
     ownerOf_.emplace(flows::fiscalEntry(rows.text("NIF")).text, rows.text("Codigo"));
   }
 }

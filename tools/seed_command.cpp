@@ -35,6 +35,8 @@ void name(const flows::Issuer& told) {
   if (!told.fiscalNumber.empty()) issuer.fiscalNumber = told.fiscalNumber;
   if (!told.address.empty()) issuer.address = told.address;
   if (!told.place.empty()) issuer.place = told.place;
+  if (!told.postcode.empty()) issuer.postcode = told.postcode;
+  if (!told.province.empty()) issuer.province = told.province;
   flows::setIssuer(issuer);
   fmt::print("receipts begin with {}{}\n", printable(issuer.name),
              issuer.fiscalNumber.empty() ? "" : ", NIF " + printable(issuer.fiscalNumber));
@@ -50,7 +52,8 @@ void seed(const flows::Issuer& issuer, const Common& common) {
                                 : rowsText(seeded.kept) + " there, left alone");
   }
   const bool isNamed = !issuer.name.empty() || !issuer.fiscalNumber.empty() ||
-                       !issuer.address.empty() || !issuer.place.empty();
+                       !issuer.address.empty() || !issuer.place.empty() ||
+                       !issuer.postcode.empty() || !issuer.province.empty();
   if (isNamed) name(issuer);
   if (added == 0 && !isNamed) fmt::print("Nothing to add.\n");
 }
@@ -66,6 +69,8 @@ void addSeed(CLI::App& app, Common& common) {
   command->add_option("--nif", issuer->fiscalNumber, "Its fiscal number")->type_name("NUMBER");
   command->add_option("--address", issuer->address, "Street and number")->type_name("TEXT");
   command->add_option("--place", issuer->place, "Town")->type_name("TEXT");
+  command->add_option("--postcode", issuer->postcode, "Its postcode")->type_name("DIGITS");
+  command->add_option("--province", issuer->province, "Its province")->type_name("TEXT");
   addInstallationOptions(*command, common);
   command->footer(kFooter);
   command->callback([issuer, &common] { seed(*issuer, common); });

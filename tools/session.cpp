@@ -87,9 +87,12 @@ Session::Session(const Common& common) : apartment_(openInstallation(common)) {
 void Session::showTrace() {
   apartment_.trace().turn(true);
   apartment_.trace().listen([this](const TraceEntry& entry) {
-    const std::string end = entry.error == 0
-                                ? fmt::format("{} row{}", entry.rows, entry.rows == 1 ? "" : "s")
-                                : fmt::format("error {}", entry.error);
+    std::string end = entry.error != 0 ? fmt::format("error {}", entry.error)
+                      : entry.rows < 0
+                          ? "sent"
+                          : fmt::format("{} row{}", entry.rows, entry.rows == 1 ? "" : "s");
+    if (entry.waits > 0)
+      end += fmt::format(", {} wait{}", entry.waits, entry.waits == 1 ? "" : "s");
     complain(fmt::format("[{}] {} µs, {}: {}\n", installation().database(entry.selector).label,
                          entry.microseconds, end, printable(entry.text)));
   });

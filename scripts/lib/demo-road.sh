@@ -30,6 +30,10 @@ tell "An installation is one folder, with what a shop needs on its first day."
 tavelor new "$TAVELOR_HOME"
 tavelor seed "$TAVELOR_HOME" --name "Colmado Rius" --nif 12345678Z
 
+tell "Sales leave the records that the law wants. Who sells and who made the program are examples here."
+tavelor fiscal setup "$TAVELOR_HOME" --nif 12345678Z --name "EJEMPLO, Colmado Rius" --producer-nif B12345674 \
+  --producer "EJEMPLO, Productora SL" --installation 1 --mode verifactu --host test --start 2026-11-01
+
 tell "Articles and suppliers from files, and goods from them: stock, lots, costs, and what is owed."
 cat >"$folder/articles.csv" <<'END'
 Codigo,Descripcion,Familia,Tarifa_A,Impuesto,Actualizar_Stock,Lotes
@@ -65,6 +69,8 @@ tavelor day "$TAVELOR_HOME" | sed -n '1,2p;$p'
 
 tell "A ticket as its receipt, from history, and the four places that hold the stock of an article."
 tavelor ticket 17
+tavelor ticket 17 --page "$folder/ticket-17.html" --paper 80
+tavelor ticket 17 --escpos "$folder/ticket-17.bin" --paper 80
 tavelor stock PAN001
 
 tell "Customers from a file: numbers are cleaned and classed, what is not right is told."
@@ -103,3 +109,6 @@ tavelor call ClsBancos GetWeb "' OR '1'='1" || true
 
 tell "What ran, as the classes joined it."
 tavelor browse ClsCierres --columns Código,Caja,Total,Saldo --trace
+
+tell "Each ticket has its record, and each record the one before it: nothing was changed, and nothing is missing."
+tavelor fiscal check

@@ -243,12 +243,12 @@ consultas::LastYear consultas::lastYear() {
   return {dateLiteral(lastYearBegins(now)), dateLiteral(lastYearEnds(now))};
 }
 
-constinit const ClassInfo ClsClientes::kInfo = {.word = "Clientes",
-                                                .table = "Clientes",
-                                                .modes = kModes,
-                                                .madeModes = kMadeModes,
-                                                .find = FindForm::kPrefix,
-                                                .clearsDataMembers = true};
+constinit const ClassInfo ClsClientes::kClassInfo = {.word = "Clientes",
+                                                     .table = "Clientes",
+                                                     .modes = kModes,
+                                                     .madeModes = kMadeModes,
+                                                     .find = FindForm::kPrefix,
+                                                     .clearsDataMembers = true};
 
 // ---------------------------------------------------------------------------------------------
 // Modes

@@ -334,7 +334,7 @@ class TAVELOR_API ClsClientes final : public BusinessPartner {
                                    ObjCn cnnActive = {}) const;
 
  private:
-  static const ClassInfo kInfo;
+  static const ClassInfo kClassInfo;
 
   Statement modeStatement(std::string& word, const Variant& id) const override;
   void setDefaults(bool bDefVal) override;

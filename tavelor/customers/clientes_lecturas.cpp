@@ -107,7 +107,7 @@ constexpr bool kQuiet = true;
 // Statement, answer for nobody, answer for a customer
 
 ClsClientes::ClsClientes()
-    : BusinessPartner(kInfo),
+    : BusinessPartner(kClassInfo),
       ObtenerBloqueo(*this, {"SELECT Bloqueo", kOf, false, isSet}),
       ExisteCli(*this, {"SELECT Codigo", " FROM Clientes Where codigo ='{id}'", false, isThere}),
       ExisteNif(*this, {"SELECT NIF", " FROM Clientes Where NIF ='{id}'", false, isThere}),

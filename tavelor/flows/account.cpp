@@ -7,8 +7,8 @@
 #include <set>
 
 #include "tavelor/customers/clientes_apuntes_conta.hpp"
-#include "tavelor/flows/rows.hpp"
 #include "tavelor/frame/class_info.hpp"
+#include "tavelor/frame/rows.hpp"
 #include "tavelor/platform/format.hpp"
 #include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/statement.hpp"

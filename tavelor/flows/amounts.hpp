@@ -29,6 +29,12 @@ inline TaxSplit splitOf(double sum, double rate, bool isIncluded = true) {
   return {isIncluded ? roundHalfAway(sum - tax, 2) : sum, tax};
 }
 
+/// The equivalence surcharge (percent) on a base that is in whole cents. It comes on top of what is
+/// paid, as the classes add it, and is a part of no price.
+inline double surchargeOn(double base, double rate) {
+  return rate == 0 ? 0 : roundHalfAway(base * rate / 100, 2);
+}
+
 /// The sum of the lines' amounts, each in whole cents.
 template <typename Lines>
 double totalOf(const Lines& lines) {

@@ -102,7 +102,7 @@ double nextAbove(double number, int selector, Statement::Constant column, Statem
 std::vector<Finding> Audit::tickets(double first, double last) {
   Tickets tickets;
   {
-    BothDatabases lock(main_, documents_);
+    const QuietDatabases lock(main_, documents_);
     readTickets("Tickets", first, last, documents_, tickets);
     readTickets("HTickets", first, last, documents_, tickets);
     readMovements(first, last, main_, tickets);
@@ -129,7 +129,7 @@ std::vector<Finding> Audit::tickets(double first, double last) {
 std::vector<Finding> Audit::closings(double first, double last) {
   std::map<double, ClosingTraces> closings;
   {
-    BothDatabases lock(main_, documents_);
+    const QuietDatabases lock(main_, documents_);
     Statement heads("SELECT Codigo, Caja, Fecha FROM Cierres WHERE ");
     heads << between("Codigo", first, last);
     for (Rows rows(selector::kMain, heads, main_); rows.hasRow(); rows.next()) {

@@ -10,8 +10,8 @@
 #include <unordered_map>
 
 #include "tavelor/flows/issuer.hpp"
-#include "tavelor/flows/rows.hpp"
 #include "tavelor/frame/class_info.hpp"
+#include "tavelor/frame/rows.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/quotes.hpp"
@@ -183,6 +183,9 @@ class Gatherer {
     for (Rows rows(selector::kMain, statement); rows.hasRow(); rows.next()) {
       figures_.taxes.push_back({rows.number("Iva"), rows.number("Bases"), rows.number("Cuotas")});
     }
+    Statement surcharge("SELECT Sum(Importe_Recargo) AS Recargos FROM HTickets");
+    surcharge << inTheDays("HTickets");
+    figures_.surcharge = Rows(selector::kDocuments, surcharge).number("Recargos");
   }
 
   /// Where a till stood before the first day: nothing for one without a closing. Its numbers are

@@ -80,6 +80,7 @@ struct PageFigures {
   std::vector<ArticleFigures> returned;  ///< largest money first; positive
   std::int32_t returns = 0;              ///< tickets with a returned article
   std::vector<TaxFigures> taxes;         ///< by rate
+  double surcharge = 0;                  ///< equivalence surcharge of `all`
   std::vector<ClosingFigures> closings;  ///< by till and number
 
   double tax() const;           ///< of all rates

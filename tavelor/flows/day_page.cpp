@@ -11,6 +11,7 @@
 
 #include <fmt/format.h>
 
+#include "tavelor/flows/again.hpp"
 #include "tavelor/flows/charts.hpp"
 #include "tavelor/flows/day_figures.hpp"
 #include "tavelor/flows/page_text.hpp"
@@ -352,10 +353,16 @@ class DayPage {
       taxRow(text_.rate(each.rate), each.base, each.tax);
       bases += each.base;
     }
+    if (figures_.surcharge != 0) {
+      put("<tr id=\"surcharge\"><td>Recargo de equivalencia</td><td></td><td class=\"n\">{0}</td>"
+          "<td class=\"n\">{0}</td></tr>\n",
+          text_.money(figures_.surcharge));
+    }
     put("</tbody>\n<tfoot>\n");
-    taxRow("Suma", bases, figures_.tax());
+    const double quotas = figures_.tax() + figures_.surcharge;
+    taxRow("Suma", bases, quotas);
     put("</tfoot></table></div>\n");
-    sayWhatRoundingLeaves(bases + figures_.tax() - figures_.closedAmount());
+    sayWhatRoundingLeaves(bases + quotas - figures_.closedAmount());
     returns();
     put("</section>\n");
   }
@@ -500,7 +507,7 @@ std::string closingsMark(std::vector<double> closings) {
 }
 
 std::string writeDayPage(Date first, Date last) {
-  const PageFigures figures = gatherFigures(first, last);
+  const PageFigures figures = throughOutages([&] { return gatherFigures(first, last); });
   std::string path = DataSession().ExportPath(fileName(figures.first, figures.last));
   replaceFile(path, dayPage(figures));
   return path;

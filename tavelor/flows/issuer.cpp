@@ -4,9 +4,9 @@
 
 #include <filesystem>
 
-#include "tavelor/flows/rows.hpp"
 #include "tavelor/frame/class_info.hpp"
 #include "tavelor/frame/reading.hpp"
+#include "tavelor/frame/rows.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/reference/tipos_documento.hpp"
@@ -17,15 +17,18 @@ namespace tavelor::flows {
 
 Issuer issuer() {
   Issuer found;
-  const Rows row(selector::kMain,
-                 Statement("SELECT Nombre, Razon_Social, NIF, Direccion, Poblacion FROM "
-                           "Tipos_Documento WHERE Predeterminada = True ORDER BY Codigo"));
+  const Rows row(
+      selector::kMain,
+      Statement("SELECT Nombre, Razon_Social, NIF, Direccion, Poblacion, Codigo_Postal, "
+                "Provincia FROM Tipos_Documento WHERE Predeterminada = True ORDER BY Codigo"));
   if (row.hasRow()) {
     found = {.name = row.text("Nombre"),
              .company = row.text("Razon_Social"),
              .fiscalNumber = row.text("NIF"),
              .address = row.text("Direccion"),
-             .place = row.text("Poblacion")};
+             .place = row.text("Poblacion"),
+             .postcode = row.text("Codigo_Postal"),
+             .province = row.text("Provincia")};
   }
   if (found.name.empty()) found.name = found.company;
   if (found.name.empty()) {
@@ -49,6 +52,8 @@ void setIssuer(const Issuer& issuer) {
   rows->Field("NIF").Value(issuer.fiscalNumber);
   rows->Field("Dirección").Value(issuer.address);
   rows->Field("Población").Value(issuer.place);
+  if (!issuer.postcode.empty()) rows->Field("Codigo_Postal").Value(issuer.postcode);
+  if (!issuer.province.empty()) rows->Field("Provincia").Value(issuer.province);
   types.Update();
 }
 

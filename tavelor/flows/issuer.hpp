@@ -13,6 +13,8 @@ struct Issuer {
   std::string fiscalNumber = {};  ///< up to 20
   std::string address = {};       ///< street and number, up to 100
   std::string place = {};         ///< up to 50
+  std::string postcode = {};      ///< up to 10; "" leaves it as it is, as for the next
+  std::string province = {};      ///< up to 50
 };
 
 /// Of the default document type. Without a name the shop goes by its legal one, without either by

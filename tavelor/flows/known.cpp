@@ -7,8 +7,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "tavelor/flows/rows.hpp"
 #include "tavelor/frame/class_info.hpp"
+#include "tavelor/frame/rows.hpp"
 #include "tavelor/platform/statement.hpp"
 
 namespace tavelor::flows {

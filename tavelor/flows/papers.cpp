@@ -53,15 +53,8 @@ void removeHalves(Papers& papers) {
   }
 }
 
-}  // namespace
-
-std::string writeMissingPage(Date day) {
-  return isPageWhole(day) || !hasHistory(day) ? std::string() : writeDayPage(day, day);
-}
-
-Papers writeMissingPapers(PapersOf which) {
-  Papers papers;
-  removeHalves(papers);
+/// And finds the days that had closings.
+void writeMissingSlips(PapersOf which, Papers& papers, std::set<double>& days) {
   double first = 0;
   if (which == PapersOf::kLatest) {
     const Rows last(selector::kMain, Statement("SELECT Max(Codigo) AS Ultimo FROM Cierres"));
@@ -69,12 +62,26 @@ Papers writeMissingPapers(PapersOf which) {
   }
   Statement statement("SELECT Codigo, Fecha FROM Cierres WHERE Codigo > ");
   statement << spliced(numberText(first)) << " ORDER BY Codigo";
-  std::set<double> days;
   for (Rows rows(selector::kMain, statement); rows.hasRow(); rows.next()) {
     const double closing = rows.number("Codigo");
     if (!rows.isNull("Fecha")) days.insert(rows.day("Fecha").days());
     if (!std::filesystem::exists(slipPath(closing))) papers.written.push_back(writeSlip(closing));
   }
+}
+
+}  // namespace
+
+std::string writeMissingPage(Date day) {
+  const bool isDone = throughOutages([&] { return isPageWhole(day) || !hasHistory(day); });
+  return isDone ? std::string() : writeDayPage(day, day);
+}
+
+Papers writeMissingPapers(PapersOf which) {
+  Papers papers;
+  removeHalves(papers);
+  // What an outage leaves written is passed over by the next look.
+  std::set<double> days;
+  throughOutages([&] { writeMissingSlips(which, papers, days); });
   for (const double day : days) {
     if (std::string page = writeMissingPage(Date(day)); !page.empty()) {
       papers.written.push_back(std::move(page));

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "tavelor/flows/rows.hpp"
 #include "tavelor/frame/class_info.hpp"
+#include "tavelor/frame/rows.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/recordset/connection.hpp"

@@ -7,8 +7,8 @@
 #include <fmt/format.h>
 
 #include "tavelor/flows/customers.hpp"
-#include "tavelor/flows/rows.hpp"
 #include "tavelor/frame/class_info.hpp"
+#include "tavelor/frame/rows.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/statement.hpp"
@@ -39,13 +39,34 @@ class AnotherDay {
 
 }  // namespace
 
+double surchargeRateOf(const std::string& article, double tax, const ConnectionPtr& main) {
+  Statement ofArticle(
+      "SELECT T.Impuesto, T.Recargo FROM Articulos AS A INNER JOIN Tipos_Impuesto AS T ON "
+      "A.Impuesto = T.Codigo WHERE A.Codigo = ");
+  ofArticle << sqlText(article);
+  const Rows own(selector::kMain, ofArticle, main);
+  if (own.hasRow() && own.number("Impuesto") == tax) return own.number("Recargo");
+  Statement ofRate("SELECT Recargo FROM Tipos_Impuesto WHERE Impuesto = ");
+  ofRate << spliced(sqlNumber(tax)) << " ORDER BY Codigo";
+  const Rows any(selector::kMain, ofRate, main);
+  return any.hasRow() ? any.number("Recargo") : 0;
+}
+
+double surchargeRateOf(const Rows& ticket, const Rows& line, const ConnectionPtr& main) {
+  const double tax = line.number("IVA");
+  if (ticket.number("Importe_Recargo") == 0 || tax == 0) return 0;
+  const double ofAll = ticket.number("Recargo");
+  return ofAll != 0 ? ofAll : surchargeRateOf(line.text("Codigo"), tax, main);
+}
+
 bool Prices::readConditions(const std::string& customer, Conditions& to) {
-  Statement statement("SELECT Tarifa, Descuento FROM Clientes WHERE Codigo = ");
+  Statement statement("SELECT Tarifa, Descuento, Recargo FROM Clientes WHERE Codigo = ");
   statement << sqlText(customer);
   const Rows row(selector::kMain, statement, main_);
   if (!row.hasRow()) return false;
   if (const std::string tariff = row.text("Tarifa"); !tariff.empty()) to.tariff = tariff;
   to.discount = std::max(0.0, row.number("Descuento"));
+  to.hasSurcharge = row.flag("Recargo");
   return true;
 }
 
@@ -110,6 +131,7 @@ std::string Prices::fill(SaleLine& line, const Conditions& conditions) {
     const std::string tax = article.text("Impuesto");
     line.tax = tax.empty() ? kGeneralTax : articles_.GetPorcentIva(doubledQuotes(tax), main_);
   }
+  line.surcharge = conditions.hasSurcharge ? surchargeRateOf(line.code, line.tax, main_) : 0;
   return {};
 }
 

@@ -11,6 +11,10 @@
 #include "tavelor/flows/sale.hpp"
 #include "tavelor/services/recordset/connection.hpp"
 
+namespace tavelor {
+class Rows;
+}
+
 namespace tavelor::flows {
 
 /// Prices of lines that bring none, in this order:
@@ -24,7 +28,8 @@ namespace tavelor::flows {
 ///
 /// A row of 1 or 2 that grants a percentage without a price is over the price of 3. Who gives no
 /// name, or one that the shop does not know, buys as the walk-in customer does, or by tariff A
-/// where there is none. Tariffs hold the tax.
+/// where there is none. Tariffs hold the tax; the surcharge of a customer who is under it, by the
+/// article's tax, comes on top.
 class Prices {
  public:
   /// Over a connection to the main database.
@@ -35,6 +40,7 @@ class Prices {
     std::string customer;          ///< "" for nobody
     std::string tariff = "A";      ///< its price, where no other one is granted
     double discount = 0;           ///< percent
+    bool hasSurcharge = false;     ///< the equivalence surcharge is his
     std::string family = {};       ///< "" for the article's
     std::optional<Date> day = {};  ///< on which offers must run; today, where none is given
   };
@@ -54,5 +60,14 @@ class Prices {
   clsArticulos articles_;
   ClsArticulosPreciosVentas ofCustomers_;
 };
+
+/// The equivalence surcharge on what is sold of an article at a tax (percent): that of the
+/// article's tax by the catalogue, where it is that tax; else of the first one of that rate; 0
+/// where there is none.
+double surchargeRateOf(const std::string& article, double tax, const ConnectionPtr& main);
+
+/// Of a line that was sold, from its ticket's row (Recargo, Importe_Recargo) and its own (Codigo,
+/// IVA). Lines keep no surcharge: where those of a ticket differ, they are the catalogue's.
+double surchargeRateOf(const Rows& ticket, const Rows& line, const ConnectionPtr& main);
 
 }  // namespace tavelor::flows

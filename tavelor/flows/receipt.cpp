@@ -3,15 +3,12 @@
 // these are for customers and owners: amounts with two decimals, and sums that add up.
 #include "tavelor/flows/receipt.hpp"
 
-#include <array>
-#include <map>
-
 #include <fmt/format.h>
 
-#include "tavelor/flows/amounts.hpp"
 #include "tavelor/flows/issuer.hpp"
-#include "tavelor/flows/rows.hpp"
+#include "tavelor/flows/receipt_lines.hpp"
 #include "tavelor/frame/class_info.hpp"
+#include "tavelor/frame/rows.hpp"
 #include "tavelor/platform/format.hpp"
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/number_text.hpp"
@@ -34,7 +31,6 @@ constexpr std::size_t kWidth = 30;
 constexpr std::size_t kQuantityWidth = 5;
 constexpr std::size_t kAmountWidth = 9;
 constexpr std::size_t kRateWidth = 4;
-constexpr std::size_t kDescriptionWidth = kWidth - kQuantityWidth - kAmountWidth - 2;
 
 const Locale& locale() {
   return Apartment::current().locale();
@@ -49,118 +45,120 @@ std::string plain(double number) {
   return Variant(roundHalfAway(number, 6)).toText(locale());
 }
 
-std::string dayText(Date day) {
+std::string shortDay(Date day) {
   return format(day, "Short Date", locale());
 }
 
 /// A label at the left end of a line, a value at its right end.
-std::string spread(const std::string& label, const std::string& content) {
+std::string spread(const std::string& label, const std::string& content,
+                   std::size_t width = kWidth) {
   const std::size_t used = text::length(label) + text::length(content);
-  return label + std::string(used < kWidth ? kWidth - used : 1, ' ') + content;
+  return label + std::string(used < width ? width - used : 1, ' ') + content;
 }
 
-std::string rule(const std::string& title = {}) {
-  if (title.empty()) return std::string(kWidth, '-');
+std::string rule(const std::string& title) {
   return "-- " + title + " " + std::string(kWidth - 4 - text::length(title), '-');
 }
 
-std::string taxLine(double rate, const TaxSplit& split) {
-  return text::alignRight(plain(rate), kRateWidth) + "% IVA de " +
-         text::alignRight(money(split.base), kAmountWidth) +
-         text::alignRight(money(split.tax), kAmountWidth);
+/// `tax` as in "IVA de ".
+std::string taxLine(double rate, std::string_view tax, double base, double amount) {
+  return fmt::format("{}% {}{}{}", text::alignRight(plain(rate), kRateWidth), tax,
+                     text::alignRight(money(base), kAmountWidth),
+                     text::alignRight(money(amount), kAmountWidth));
 }
 
-void addIssuer(Lines& lines) {
-  const Issuer shop = issuer();
-  lines.push_back(shop.name);
+Lines issuerLines(const Issuer& shop) {
+  Lines lines = {shop.name};
   if (!shop.company.empty() && shop.company != shop.name) lines.push_back(shop.company);
   if (!shop.fiscalNumber.empty()) lines.push_back("NIF " + shop.fiscalNumber);
   if (!shop.address.empty()) lines.push_back(shop.address);
   if (!shop.place.empty()) lines.push_back(shop.place);
+  return lines;
 }
 
-/// Reads a ticket and what belongs to it from the live tables or from history.
-class Receipt {
+/// Puts a receipt's lines together for a width in characters.
+class ReceiptLines {
  public:
-  Receipt(double number, Statement::Constant history)
-      : number_(sqlNumber(number, 0)),
-        history_(history),
-        connection_(DataSession().OpenConnection(selector::kDocuments)) {}
+  ReceiptLines(const ReceiptContent& content, std::size_t width)
+      : content_(content), width_(width) {}
 
-  Lines text() {
-    Lines receipt;
-    const Rows ticket = read(
-        "SELECT Serie, Fecha, Caja, Referencia, Concepto, Total, Entrega, Cambio, "
-        "Impuesto_Incluido",
-        "Tickets", "Numero");
-    if (!ticket.hasRow()) return receipt;
-    addIssuer(receipt);
-    receipt.push_back(
-        spread("Ticket " + ticket.text("Serie") + "/" + number_, dayText(ticket.day("Fecha"))));
-    receipt.push_back(spread("Caja " + ticket.text("Caja"), ticket.text("Concepto")));
-    if (!ticket.text("Referencia").empty()) receipt.push_back("Ref. " + ticket.text("Referencia"));
-    addHeader(receipt);
-    receipt.push_back(rule());
-    const std::map<double, double> sums = addLines(receipt);
-    receipt.push_back(rule());
-    receipt.push_back(spread("TOTAL", money(ticket.number("Total"))));
-    receipt.push_back(spread("Entregado", money(ticket.number("Entrega"))));
-    receipt.push_back(spread("Cambio", money(ticket.number("Cambio"))));
-    for (const auto& [rate, sum] : sums) {
-      receipt.push_back(taxLine(rate, splitOf(sum, rate, ticket.flag("Impuesto_Incluido"))));
+  std::vector<ReceiptLine> make() {
+    addHead();
+    add(std::string(width_, '-'));
+    for (const ContentLine& line : content_.lines) addSold(line);
+    add(std::string(width_, '-'));
+    add(spread("TOTAL", money(content_.total), width_), Look::kTotal);
+    if (content_.money) {
+      add(spread("Entregado", money(content_.money->first), width_));
+      add(spread("Cambio", money(content_.money->second), width_));
     }
-    addComments(receipt);
-    return receipt;
+    for (const ContentTax& tax : content_.taxes) addTax(tax);
+    for (const std::string& comment : content_.comments) add(comment);
+    return std::move(lines_);
   }
 
  private:
-  Rows read(Statement::Constant select, Statement::Constant table, Statement::Constant key,
-            Statement::Constant tail = {}) {
-    Statement statement(select);
-    statement << " FROM " << history_ << table << " WHERE " << key << " = " << spliced(number_)
-              << tail;
-    return {selector::kDocuments, statement, connection_};
+  void add(std::string text, Look look = Look::kPlain) {
+    lines_.push_back({std::move(text), look});
   }
 
-  void addHeader(Lines& receipt) {
-    constexpr std::array<std::string_view, 6> kColumns{"Nombre",    "Razon_Social", "NIF",
-                                                       "Direccion", "Poblacion",    "Provincia"};
-    const Rows header = read("SELECT Nombre, Razon_Social, NIF, Direccion, Poblacion, Provincia",
-                             "Tickets_Cabecera", "Codigo");
-    if (!header.hasRow()) return;
-    for (const std::string_view column : kColumns) {
-      if (std::string line = header.text(column); !line.empty()) receipt.push_back(std::move(line));
+  void addHead() {
+    Look look = Look::kName;
+    for (std::string& line : issuerLines(content_.shop)) {
+      add(std::move(line), look);
+      look = Look::kCentred;
+    }
+    const std::optional<ContentInvoice>& invoice = content_.invoice;
+    if (invoice) add(invoice->title, Look::kStrong);
+    for (const auto& [label, value] : content_.heads) {
+      add(value.empty() ? label : spread(label, value, width_));
+    }
+    if (invoice) {
+      for (const std::string& note : invoice->notes) add(note);
+    }
+    const bool isNamed = invoice && !invoice->recipient.empty();
+    for (const std::string& line : isNamed ? invoice->recipient : content_.customer) add(line);
+  }
+
+  /// A line, and its discount and what it is without tax below.
+  void addSold(const ContentLine& line) {
+    const std::size_t descriptionWidth = width_ - kQuantityWidth - kAmountWidth - 2;
+    add(text::alignRight(plain(line.quantity), kQuantityWidth) + ' ' +
+        text::padRight(line.description, descriptionWidth) + ' ' +
+        text::alignRight(money(line.amount), kAmountWidth));
+    if (line.discount != 0) {
+      add(fmt::format("{:{}} {} - {}%", "", kQuantityWidth, money(line.price),
+                      plain(line.discount)));
+    }
+    if (content_.invoice && content_.invoice->wantsUnitPrices) {
+      add(fmt::format("{:{}} {} sin IVA, {}%", "", kQuantityWidth,
+                      format(priceWithoutTax(line, content_.isTaxIncluded), "0.00##", locale()),
+                      plain(line.rate)));
     }
   }
 
-  /// A line each, and its discount below. Gives the sums by rate.
-  std::map<double, double> addLines(Lines& receipt) {
-    std::map<double, double> sums;
-    Rows rows = read("SELECT Cantidad, Descripcion, Precio, DTO, IVA, Importe", "Tickets_Lineas",
-                     "Numero", " ORDER BY ID");
-    for (; rows.hasRow(); rows.next()) {
-      const double amount = rows.number("Importe");
-      sums[rows.number("IVA")] += amount;
-      receipt.push_back(text::alignRight(plain(rows.number("Cantidad")), kQuantityWidth) + ' ' +
-                        text::padRight(rows.text("Descripcion"), kDescriptionWidth) + ' ' +
-                        text::alignRight(money(amount), kAmountWidth));
-      if (const double discount = rows.number("DTO"); discount != 0) {
-        receipt.push_back(fmt::format("{:{}} {} - {}%", "", kQuantityWidth,
-                                      money(rows.number("Precio")), plain(discount)));
-      }
-    }
-    return sums;
+  void addTax(const ContentTax& tax) {
+    add(text::alignRight(taxLine(tax.rate, "IVA de ", tax.split.base, tax.split.tax), width_));
+    if (tax.surcharge == 0) return;
+    add(text::alignRight(taxLine(tax.surchargeRate, "R.E. de", tax.split.base, tax.surcharge),
+                         width_));
   }
 
-  void addComments(Lines& receipt) {
-    Rows comments = read("SELECT Comentarios", "Tickets_Comentarios", "Codigo");
-    for (; comments.hasRow(); comments.next()) receipt.push_back(comments.text("Comentarios"));
-  }
-
-  std::string number_;
-  Statement::Constant history_;
-  ConnectionPtr connection_;
+  const ReceiptContent& content_;
+  std::size_t width_;
+  std::vector<ReceiptLine> lines_;
 };
+
+Lines textOf(const std::optional<ReceiptContent>& content) {
+  Lines text;
+  if (!content) return text;
+  if (content->invoice) {
+    text = {std::string(kAboveCode), content->invoice->address};
+    if (content->invoice->isSending) text.emplace_back(kBelowCode);
+  }
+  for (ReceiptLine& line : linesOf(*content, kWidth)) text.push_back(std::move(line.text));
+  return text;
+}
 
 /// The details of a closing in one of its tables.
 Rows detailsOf(Statement::Constant select, Statement::Constant table, double closing,
@@ -180,6 +178,13 @@ std::string nameOf(const std::string& code, Statement::Constant catalogue) {
   return name.empty() ? code : name;
 }
 
+/// Of all tickets that a closing took, as far as history has them.
+double surchargeOf(double closing) {
+  Statement statement("SELECT Sum(Importe_Recargo) AS Suma FROM HTickets WHERE Cierre = ");
+  statement << spliced(sqlNumber(closing, 0));
+  return Rows(selector::kDocuments, statement).number("Suma");
+}
+
 void addShares(Lines& slip, const std::string& title, Statement::Constant column,
                Statement::Constant table, Statement::Constant catalogue, double closing) {
   constexpr std::size_t kNameWidth = 19;
@@ -195,9 +200,22 @@ void addShares(Lines& slip, const std::string& title, Statement::Constant column
 
 }  // namespace
 
+double priceWithoutTax(const ContentLine& line, bool isTaxIncluded) {
+  constexpr int kDecimals = 4;
+  return isTaxIncluded ? roundHalfAway(line.price * 100 / (100 + line.rate), kDecimals)
+                       : line.price;
+}
+
+std::vector<ReceiptLine> linesOf(const ReceiptContent& content, std::size_t width) {
+  return ReceiptLines(content, width).make();
+}
+
 std::vector<std::string> ticketText(double number) {
-  Lines receipt = Receipt(number, "").text();
-  return receipt.empty() ? Receipt(number, "H").text() : receipt;
+  return textOf(readTicket(number));
+}
+
+std::vector<std::string> invoiceText(const std::string& number) {
+  return textOf(readInvoice(number));
 }
 
 std::vector<std::string> slipText(double closing) {
@@ -208,9 +226,9 @@ std::vector<std::string> slipText(double closing) {
   statement << spliced(sqlNumber(closing, 0));
   const Rows row(selector::kMain, statement);
   if (!row.hasRow()) return slip;
-  addIssuer(slip);
+  slip = issuerLines(issuer());
   slip.push_back(fmt::format("Cierre de Caja {:.0f}", closing));
-  slip.push_back(spread("Fecha", dayText(row.day("Fecha"))));
+  slip.push_back(spread("Fecha", shortDay(row.day("Fecha"))));
   slip.push_back(spread("Caja", row.text("Caja")));
   slip.push_back(spread("Tickets", money(row.number("Efectivo"))));
   slip.push_back(spread("Alb./Fact.", money(row.number("Credito"))));
@@ -222,7 +240,11 @@ std::vector<std::string> slipText(double closing) {
   slip.push_back(rule("Impuestos"));
   Rows taxes = detailsOf("SELECT Iva, Base, Importe", "Cierres_Lineas_Impuestos", closing, "Iva");
   for (; taxes.hasRow(); taxes.next()) {
-    slip.push_back(taxLine(taxes.number("Iva"), {taxes.number("Base"), taxes.number("Importe")}));
+    slip.push_back(
+        taxLine(taxes.number("Iva"), "IVA de ", taxes.number("Base"), taxes.number("Importe")));
+  }
+  if (const double surcharge = surchargeOf(closing); surcharge != 0) {
+    slip.push_back(spread("Recargo de equivalencia", money(surcharge)));
   }
   return slip;
 }

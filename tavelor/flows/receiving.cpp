@@ -72,6 +72,7 @@ class Receiving::Inner {
  public:
   explicit Inner(ConnectionPtr main);
   Receipt take(const Delivery& delivery, bool keeps);
+  Receipt takeOnce(const Delivery& delivery, bool keeps);
 
  private:
   struct Article;
@@ -92,7 +93,7 @@ class Receiving::Inner {
   std::string checkWarehouse(const DeliveryLine& line);
   std::string checkLot(const DeliveryLine& line, const Posting& posting, Article& article);
   void moveStock(const DeliveryLine& line, const Article& article);
-  void writeMovement(const DeliveryLine& line, const Article& article, Posting& posting);
+  void writeMovements(const Posting& posting);
   void writePrices(const DeliveryLine& line, const Article& article, const Posting& posting);
   void charge(const Delivery& delivery, const Posting& posting);
   std::vector<Order> ordersOf(const Article& article, const std::string& warehouse, double arrived);
@@ -157,9 +158,8 @@ struct Receiving::Inner::Known {
 /// A delivery on its way into the tables.
 struct Receiving::Inner::Posting {
   const Delivery& delivery;
-  double number = 0;      // of the delivery
-  double movement = 0;    // key of the next one
-  std::size_t place = 0;  // of the line at hand, from 1
+  double number = 0;             // of the delivery
+  std::vector<Article> moved{};  // by line, while none has a fault
 };
 
 Receiving::Inner::Inner(ConnectionPtr main)
@@ -168,6 +168,12 @@ Receiving::Inner::Inner(ConnectionPtr main)
       rounded_(quantityMask_, Apartment::current().locale()) {}
 
 Receipt Receiving::Inner::take(const Delivery& delivery, bool keeps) {
+  return untilThrough(
+      *main_, [&](Before /*before*/) { return takeOnce(delivery, keeps); }, [] {});
+}
+
+/// A delivery that is there already is known, by whichever run it was taken.
+Receipt Receiving::Inner::takeOnce(const Delivery& delivery, bool keeps) {
   Receipt receipt;
   const auto refuse = [&](std::uint64_t origin, std::string reason) {
     if (!reason.empty()) receipt.faults.push_back({origin, std::move(reason)});
@@ -175,6 +181,8 @@ Receipt Receiving::Inner::take(const Delivery& delivery, bool keeps) {
   knownWarehouses_.clear();
   const std::uint64_t first = delivery.lines.empty() ? 0 : delivery.lines.front().origin;
   DatabaseTransaction transaction(main_);
+  // No other program takes the same delivery meanwhile.
+  main_->HoldNumbersOf("Proveedores_Apuntes_Contables");
   Posting posting{.delivery = delivery};
   refuse(first, checkHead(delivery));
   if (receipt.faults.empty()) {
@@ -192,11 +200,11 @@ Receipt Receiving::Inner::take(const Delivery& delivery, bool keeps) {
       return receipt;
     }
     posting.number = freeNumber();
-    posting.movement = asNumber(movements_.NuevoCodigo("A", main_));
   }
   // Lines behind one with a fault are posted too, as what they may depend on; all of it is undone.
   for (const DeliveryLine& line : delivery.lines) refuse(line.origin, take(line, posting));
   if (!receipt.faults.empty()) return receipt;
+  writeMovements(posting);
   charge(delivery, posting);
   if (keeps) transaction.commit();
   receipt.outcome = Receipt::Outcome::kReceived;
@@ -309,7 +317,6 @@ void Receiving::Inner::charge(const Delivery& delivery, const Posting& posting) 
 
 /// Posts a line, or says what is wrong with it.
 std::string Receiving::Inner::take(const DeliveryLine& line, Posting& posting) {
-  ++posting.place;
   if (std::string fault = checkValues(line); !fault.empty()) return fault;
   Article article = articleOf(line);
   if (std::string fault = checkArticle(line, article); !fault.empty()) return fault;
@@ -317,8 +324,8 @@ std::string Receiving::Inner::take(const DeliveryLine& line, Posting& posting) {
   if (std::string fault = checkLot(line, posting, article); !fault.empty()) return fault;
   if (posting.number == 0) return {};  // the delivery as such is refused
   moveStock(line, article);
-  writeMovement(line, article, posting);
   writePrices(line, article, posting);
+  posting.moved.push_back(std::move(article));
   return {};
 }
 
@@ -481,24 +488,30 @@ std::vector<Receiving::Inner::Order> Receiving::Inner::ordersOf(const Article& a
   return orders;
 }
 
-void Receiving::Inner::writeMovement(const DeliveryLine& line, const Article& article,
-                                     Posting& posting) {
-  movements_.Insertar({.vId = posting.movement++,
-                       .dtFecha = posting.delivery.day,
-                       .hHora = Date(),
-                       .sAlmacen = doubledQuotes(warehouseOf(line)),
-                       .sCodigo = article.code,
-                       .sLote = doubledQuotes(lotOf(line)),
-                       .dCantidad = article.units,
-                       .dPrecio = unitPrice(line, article.measure),
-                       .sReferencia = doubledQuotes(posting.delivery.note),
-                       .iMovimiento = 0,
-                       .sSeccion = {},
-                       .sEmpleado = {},
-                       .iEstado = kDeliveryKind,
-                       .dDoc_E = posting.number,
-                       .sCod_ID = std::to_string(posting.place),
-                       .objCn = main_});
+/// Of all lines in their order, behind the stock as a sale does it: from the reading of the number
+/// to the commit nobody else writes movements, and whoever waits for an article must not hold it.
+void Receiving::Inner::writeMovements(const Posting& posting) {
+  double movement = asNumber(movements_.NuevoCodigo("A", main_));
+  for (std::size_t i = 0; i < posting.moved.size(); ++i) {
+    const DeliveryLine& line = posting.delivery.lines[i];
+    const Article& article = posting.moved[i];
+    movements_.Insertar({.vId = movement++,
+                         .dtFecha = posting.delivery.day,
+                         .hHora = Date(),
+                         .sAlmacen = doubledQuotes(warehouseOf(line)),
+                         .sCodigo = article.code,
+                         .sLote = doubledQuotes(lotOf(line)),
+                         .dCantidad = article.units,
+                         .dPrecio = unitPrice(line, article.measure),
+                         .sReferencia = doubledQuotes(posting.delivery.note),
+                         .iMovimiento = 0,
+                         .sSeccion = {},
+                         .sEmpleado = {},
+                         .iEstado = kDeliveryKind,
+                         .dDoc_E = posting.number,
+                         .sCod_ID = std::to_string(i + 1),
+                         .objCn = main_});
+  }
 }
 
 /// The last cost, the supplier's price, and the average of what is there and what comes in, each

@@ -14,9 +14,9 @@
 #include "tavelor/flows/audit.hpp"
 #include "tavelor/flows/both_databases.hpp"
 #include "tavelor/flows/decisions.hpp"
-#include "tavelor/flows/rows.hpp"
 #include "tavelor/flows/shop.hpp"
 #include "tavelor/flows/shop_inner.hpp"
+#include "tavelor/frame/rows.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/data_session.hpp"
@@ -51,8 +51,9 @@ void Reconciliation::expect(const Sale& sale) {
   Tally figures{.tickets = 1, .lines = static_cast<std::int64_t>(sale.lines.size())};
   for (const SaleLine& line : sale.lines) {
     figures.units += line.quantity;
-    figures.cents += flows::cents(line.amount());
+    figures.lineCents += flows::cents(line.amount());
   }
+  figures.cents = figures.lineCents + flows::cents(sale.surcharge());
   const PaymentMethod* const method = methods_.find(sale.payment);
   if (method != nullptr && method->isOnCredit) figures.owed = figures.cents;
   meant_[{sale.day.days(), sale.till}] += figures;
@@ -65,7 +66,7 @@ class Reconciliation::Day {
       : day_(sqlNumber(day, 0)),
         main_(DataSession().OpenConnection(selector::kMain)),
         documents_(DataSession().OpenConnection(selector::kDocuments)) {
-    const BothDatabases lock(main_, documents_);  // no sale or closing is seen half
+    const QuietDatabases lock(main_, documents_);  // no sale or closing is seen half
     readTickets("Tickets", false);
     readTickets("HTickets", true);
     readClosings();
@@ -196,6 +197,10 @@ class Reconciliation::Day {
 };
 
 void Reconciliation::compare() {
+  throughOutages([this] { compareOnce(); });
+}
+
+void Reconciliation::compareOnce() {
   totals_ = {};
   differences_.clear();
   for (auto begin = meant_.begin(); begin != meant_.end();) {
@@ -227,13 +232,15 @@ void Reconciliation::judge(const TillDay& key, const PlaceTallies& found) {
     const bool tellsTickets = place == kTickets || place == kHistory;
     if (tellsTickets) {
       differ(place, "tickets", std::to_string(has.tickets), std::to_string(meant.tickets));
-      differ(place, "euros in the lines", money(has.lineCents), money(meant.cents));
+      differ(place, "euros in the lines", money(has.lineCents), money(meant.lineCents));
     }
     if (place != kClosings) {
       differ(place, "lines", std::to_string(has.lines), std::to_string(meant.lines));
       differ(place, "units", sqlNumber(has.units), sqlNumber(meant.units));
     }
-    differ(place, "euros", money(has.cents), money(meant.cents));
+    // Movements tell prices, and no surcharge.
+    const std::int64_t wanted = place == kMovements ? meant.lineCents : meant.cents;
+    differ(place, "euros", money(has.cents), money(wanted));
   }
 }
 

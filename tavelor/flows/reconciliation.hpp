@@ -22,8 +22,8 @@ struct Tally {
   std::int64_t tickets = 0;
   std::int64_t lines = 0;
   double units = 0;            ///< returns count negative
-  std::int64_t cents = 0;      ///< money, tax included
-  std::int64_t lineCents = 0;  ///< the same by the lines, where the tickets tell theirs
+  std::int64_t cents = 0;      ///< money, tax included, and surcharge where the place has it
+  std::int64_t lineCents = 0;  ///< the same by the lines, which hold no surcharge
   std::int64_t owed = 0;       ///< cents that went on account, returns negative
 
   /// Adds each figure.
@@ -76,6 +76,8 @@ class Reconciliation {
   using TillDay = std::pair<double, std::string>;  // the day first: days are read one by one
   using PlaceTallies = std::array<Tally, kPlaces>;
   class Day;
+
+  void compareOnce();
 
   void judge(const TillDay& key, const PlaceTallies& found);
   void tellDisagreements(Date day, const std::vector<Finding>& findings);

@@ -2,7 +2,11 @@
 // What a sale comes to, and what may not stand in it.
 #include "tavelor/flows/sale.hpp"
 
+#include <algorithm>
 #include <cmath>
+#include <map>
+#include <set>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -78,6 +82,9 @@ std::string faultOf(const SaleLine& line) {
   if (line.price < 0) return "the price is negative";
   if (line.tax < 0 && !mayBeOfArticle) return "the tax is negative";
   if (line.tax > 100) return "the tax is more than 100 %";
+  if (!std::isfinite(line.surcharge) || line.surcharge < 0 || line.surcharge > 100) {
+    return "the surcharge is no rate from 0 to 100 %";
+  }
   if (line.discount < 0) return "the discount is negative";
   if (line.discount > 100) return "the discount is more than 100 %";
   if (std::abs(line.quantity * line.price) > kMostMoney) return "the amount is too large";
@@ -85,7 +92,30 @@ std::string faultOf(const SaleLine& line) {
 }
 
 double Sale::total() const {
-  return totalOf(lines);
+  return roundHalfAway(totalOf(lines) + surcharge(), 2);
+}
+
+double Sale::surcharge() const {
+  const bool hasSome = std::any_of(lines.begin(), lines.end(),
+                                   [](const SaleLine& line) { return line.surcharge != 0; });
+  return hasSome ? taxesOf(*this).surcharge : 0;
+}
+
+SaleTaxes taxesOf(const Sale& sale) {
+  std::map<std::pair<double, double>, double> sums;
+  for (const SaleLine& line : sale.lines) sums[{line.tax, line.surcharge}] += line.amount();
+  SaleTaxes all;
+  std::set<double> surcharges;
+  for (const auto& [rates, sum] : sums) {
+    const TaxSplit each = splitOf(sum, rates.first);
+    all.base += each.base;
+    all.tax += each.tax;
+    all.surcharge += surchargeOn(each.base, rates.second);
+    if (rates.first != 0) surcharges.insert(rates.second);
+  }
+  for (double* const sum : {&all.base, &all.tax, &all.surcharge}) *sum = roundHalfAway(*sum, 2);
+  if (surcharges.size() == 1) all.surchargeRate = *surcharges.begin();
+  return all;
 }
 
 RefusedSale::RefusedSale(const std::string& reference, std::vector<SaleFault> faults)

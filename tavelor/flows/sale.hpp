@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "tavelor/fiscal/terms.hpp"
 #include "tavelor/platform/date.hpp"
 #include "tavelor/platform/error.hpp"
 
@@ -39,6 +40,8 @@ struct SaleLine {
   double quantity = 0;           ///< pieces, kilos; not 0
   double price = 0;              ///< of one unit, euros, tax included; not 0 unless isFree
   double tax = kGeneralTax;      ///< percent; a rate that the shop has
+  double surcharge = 0;          ///< percent of the base, which the price does not hold; of a
+                                 ///< customer under equivalence surcharge, see Shop::price
   double discount = 0;           ///< percent off the price, 0 to 100
   bool wantsPrice = false;       ///< it brings none: the shop's own is to be taken, see Shop::price
   bool isFree = false;           ///< given away on purpose: its price may be 0
@@ -48,7 +51,7 @@ struct SaleLine {
 
   /// Price less discount, to the four decimals that movements keep.
   double netPrice() const;
-  /// Quantity by net price, in whole cents; half a cent goes away from zero.
+  /// Quantity by net price, in whole cents; half a cent goes away from zero. Without surcharge.
   double amount() const;
 };
 
@@ -72,11 +75,31 @@ struct Sale {
   /// Somebody answers for it: sold on credit whatever the customer owes, blocked and out of use
   /// too.
   bool isCreditGranted = false;
+  /// How the law's record of it is to be, in a shop that keeps records.
+  fiscal::Terms invoice = {};
+  /// Number of the ticket that it brings back, and whether that one is cancelled by it, as
+  /// Shop::takeBack() and Shop::cancel() have it; 0 for none.
+  double returned = 0;
+  bool isCancellation = false;  ///< see returned
   std::vector<SaleLine> lines;
 
-  /// Euros, tax included.
+  /// Euros, tax and surcharge included.
   double total() const;
+  /// What of it is surcharge: of each pair of rates the base, as the receipt tells it, by the
+  /// surcharge's rate, to the nearest cent.
+  double surcharge() const;
 };
+
+/// What a sale's total is made of, in euros: the parts add up to it.
+struct SaleTaxes {
+  double base = 0;
+  double tax = 0;
+  double surcharge = 0;
+  double surchargeRate = 0;  ///< percent; 0 where its lines do not all have the same
+};
+
+/// Of each pair of rates the sum of the lines is split as on the receipt.
+SaleTaxes taxesOf(const Sale& sale);
 
 /// What is wrong with a sale, or with one of its lines.
 struct SaleFault {

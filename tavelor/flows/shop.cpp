@@ -4,11 +4,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <map>
 
 #include <fmt/format.h>
 
-#include "tavelor/flows/amounts.hpp"
 #include "tavelor/flows/customers.hpp"
 #include "tavelor/flows/shop_inner.hpp"
 #include "tavelor/numbering/numeradores.hpp"
@@ -36,17 +34,9 @@ std::string taxCode(double rate, ConnectionPtr& connection) {
   return rows.hasRow() ? rows.text("Codigo") : std::string();
 }
 
-/// Rate by rate, as the receipt tells it: base and tax add up to the total.
-TaxSplit taxOf(const Sale& sale) {
-  std::map<double, double> sums;
-  for (const SaleLine& line : sale.lines) sums[line.tax] += line.amount();
-  TaxSplit all;
-  for (const auto& [rate, sum] : sums) {
-    const TaxSplit each = splitOf(sum, rate);
-    all.base += each.base;
-    all.tax += each.tax;
-  }
-  return {roundHalfAway(all.base, 2), roundHalfAway(all.tax, 2)};
+/// As members take it.
+std::string lotText(const SaleLine& line) {
+  return line.lot.empty() ? std::string(kNoLot) : doubledQuotes(line.lot);
 }
 
 }  // namespace
@@ -58,25 +48,36 @@ Shop::Shop() : inner_(std::make_unique<Inner>()) {}
 Shop::~Shop() = default;
 
 void Shop::openTills(const std::vector<std::string>& tills) {
-  inner_->openTills(tills);
+  inner_->untilThrough([&](Before /*before*/) { inner_->openTills(tills); });
 }
 std::vector<Unpriced> Shop::price(Sale& sale) {
-  return inner_->price(sale);
+  return throughOutages([&] {
+    Sale priced = sale;
+    std::vector<Unpriced> unpriced = inner_->price(priced);
+    sale = std::move(priced);
+    return unpriced;
+  });
 }
 SaleLine Shop::price(const PriceQuestion& question) {
-  return inner_->price(question);
+  return throughOutages([&] { return inner_->price(question); });
 }
 std::optional<double> Shop::sell(const Sale& sale) {
   return inner_->sell(sale);
 }
 double Shop::takeBack(const Return& what) {
-  return inner_->takeBack(what);
+  return inner_->takeBack(what, false);
+}
+double Shop::cancel(const Return& what) {
+  return inner_->takeBack(what, true);
+}
+std::string Shop::invoiceTickets(const InvoiceWish& wish) {
+  return inner_->invoiceTickets(wish);
 }
 std::optional<Closing> Shop::close(const std::string& till, Date day) {
   return inner_->close(till, day);
 }
 Recovered Shop::recover() {
-  return inner_->recover();
+  return inner_->untilThrough([&](Before /*before*/) { return inner_->recover(); });
 }
 Recovered Shop::recoverAll(Decision decision) {
   return inner_->recoverAll(decision);
@@ -86,7 +87,10 @@ Recovered Shop::recoverAll(Decision decision) {
 // A sale
 
 Shop::Inner::Inner()
-    : main_(DataSession().OpenConnection(selector::kMain)), prices_(main_), known_(main_) {
+    : main_(DataSession().OpenConnection(selector::kMain)),
+      tillsOverlap_(!DataSession().IsDbFile(selector::kMain)),
+      prices_(main_),
+      known_(main_) {
   double a = 0, b = 0, c = 0;
   try {
     tickets_.GetNumerador(a, b, c, main_);
@@ -101,6 +105,7 @@ Shop::Inner::Inner()
   // family follow on it.
   tickets_.IniciaRs("seleccion", "0");
   documents_ = tickets_.GetConnection();
+  invoices_ = fiscal::Book::open(documents_);
 }
 
 void Shop::Inner::openTills(const std::vector<std::string>& tills) {
@@ -118,28 +123,57 @@ void Shop::Inner::openTills(const std::vector<std::string>& tills) {
     catalogue.Update();
   };
   // Several programs may begin at once: what one reads here, no other adds meanwhile.
-  DatabaseTransaction transaction(catalogue.GetConnection());
+  const ConnectionPtr connection = catalogue.GetConnection();
+  DatabaseTransaction transaction(connection);
+  connection->HoldNumbersOf("Cajas");
   rows->Requery();
   std::for_each(tills.begin(), tills.end(), add);
   transaction.commit();
 }
 
 std::optional<double> Shop::Inner::sell(const Sale& given) {
+  return untilThrough([&](Before before) { return sellOnce(given, before); });
+}
+
+/// The number comes late: from its reading to the commit no other till gets one. Stock comes before
+/// it, articles, warehouses and lots each in the order of the articles' codes, so that two tills
+/// never wait for each other in a circle.
+///
+/// A server is waited for as often whatever the lines: what a step reads is asked for with all that
+/// the others read, in four groups, as each of them wants something that the one before it has
+/// read, written or locked.
+std::optional<double> Shop::Inner::sellOnce(const Sale& given, Before before) {
   refuseFaults(given);
-  openTickets();
   try {
+    startCounters();
     BothDatabases transaction(main_, documents_);
-    Recovered recovered;
-    const Counters counters = startedCounters(transaction, recovered);
-    refuseLosses(recovered);
-    if (isThere(given)) return std::nullopt;
-    const Counters next = settle(counters, recovered);
-    refuseLosses(recovered);
+    ReadAhead ahead(main_);
     const bool onCredit = isOnCredit(given);
+    askForSale(given, onCredit, ahead);
+    openTickets();
+    // Of a run whose commit had no answer it is this very sale.
+    const auto ticketOfBefore = [&] {
+      return before == Before::kUnknown ? ticketOf(given.reference) : std::nullopt;
+    };
+    if (isThere(given)) return ticketOfBefore();
     if (onCredit) requireCredit(given);
     const Sale sale = withLots(given);
+    const Invoice invoice = draftInvoice(sale);
+    makeCustomer(sale);
+    takeStock(sale, ahead);
+    askForNumbers(sale, ahead);
+    const Counters counters = startedCounters();
+    // Tills that do not wait for each other may have sold it meanwhile, as may that commit.
+    if (tillsOverlap_ && isThere(given)) return ticketOfBefore();
+    Recovered recovered;
+    const Counters settled = settle(counters, recovered);
+    refuseLosses(recovered);
+    askForTicket(sale, settled, onCredit, invoice, ahead);
+    const Counters next = firstFree(settled);
     writeTicket(sale, next.a, onCredit);
-    book(sale, next.a, onCredit);
+    writeInvoice(invoice, next.a);
+    writeMovements(sale, next.a);
+    if (onCredit) charge(sale, next.a);
     useNumber(next);
     transaction.commit(BothDatabases::First::kDocuments);
     return next.a;
@@ -149,8 +183,76 @@ std::optional<double> Shop::Inner::sell(const Sale& given) {
   }
 }
 
+/// What is read before the stock is taken.
+void Shop::Inner::askForSale(const Sale& sale, bool onCredit, ReadAhead& ahead) {
+  ahead.ask([&] { clsNumeradores::currentPeriod(); });
+  ahead.ask([&] { openTickets(); });
+  ahead.ask([&] { ticketOf(sale.reference); });
+  if (onCredit) {
+    ahead.ask([&] { creditOf(sale.customer); });
+    ahead.ask([&] { ledger_.Saldo_actual(doubledQuotes(sale.customer), main_); });
+  }
+  ahead.ask([&] {
+    if (!isKnownCustomer(sale.customer)) customers_.ExisteCli(doubledQuotes(sale.customer), main_);
+  });
+  for (const SaleLine& line : sale.lines) {
+    ahead.ask([&] {
+      std::string fault;
+      lotOf(line, fault);
+    });
+    askForStock(line.code, ahead);
+  }
+}
+
+void Shop::Inner::askForStock(const std::string& article, ReadAhead& ahead) {
+  ahead.ask([&] {
+    const std::string code = doubledQuotes(article);
+    articles_.EsdeAlmacen(code, main_);
+    articles_.RestaStock_V(code, main_);
+  });
+}
+
+/// The counters, and behind their lock what somebody may have written until then.
+void Shop::Inner::askForNumbers(const Sale& sale, ReadAhead& ahead) {
+  ahead.ask([&] { storedCounters(); });
+  ahead.ask([&] { clsNumeradores().Alb_Num_Simple(main_); });
+  if (tillsOverlap_) ahead.ask([&] { ticketOf(sale.reference); });
+  ahead.ask([&] { tickets_.NuevoCodigo(kSeries, documents_); });
+}
+
+/// What is read in writing the ticket and what belongs to it.
+void Shop::Inner::askForTicket(const Sale& sale, const Counters& next, bool onCredit,
+                               const Invoice& invoice, ReadAhead& ahead) {
+  ahead.ask([&] { tickets_.CodigoLibre(next.a, documents_); });
+  ahead.ask([&] {
+    lines_.IniciaRs(documents_, "ninguno", "0");
+    lines_.NuevoCodigo(documents_);
+  });
+  if (!sale.customer.empty()) {
+    ahead.ask([&] { headers_.NuevoCodigo(documents_); });
+  }
+  if (!sale.comment.empty()) {
+    ahead.ask([&] {
+      comments_.IniciaRs(documents_, "ninguno", "0");
+      comments_.NuevoCodigo(documents_);
+    });
+  }
+  if (invoice.registration) {
+    ahead.ask([&] {
+      invoices_->end();
+      invoices_->lastNumber(invoice.registration->kind);
+    });
+  }
+  ahead.ask([&] { writeMovements(sale, next.a); });
+  if (onCredit) {
+    ahead.ask([&] { charge(sale, next.a); });
+  }
+  ahead.ask([&] { useNumber(next); });
+}
+
 void Shop::Inner::forget() {
   known_.forget();
+  startedPeriod_.clear();
   knownArticles_.clear();
   knownCustomers_.clear();
 }
@@ -181,7 +283,7 @@ std::optional<double> Shop::Inner::ticketOf(const std::string& reference) {
 void Shop::Inner::writeTicket(const Sale& sale, double ticket, bool onCredit) {
   lines_.IniciaRs(documents_, "ninguno", "0");
   for (const SaleLine& line : sale.lines) addLine(line, ticket);
-  const TaxSplit split = taxOf(sale);
+  const SaleTaxes split = flows::taxesOf(sale);
 
   tickets_.AddNew(true);
   const RecordsetPtr row = tickets_.DataMember("Primary");
@@ -204,6 +306,10 @@ void Shop::Inner::writeTicket(const Sale& sale, double ticket, bool onCredit) {
   set("Pago", sale.payment);
   set("Base", split.base);
   set("Importe_Impuestos", split.tax);
+  if (split.surcharge != 0) {
+    set("Recargo", split.surchargeRate);
+    set("Importe_Recargo", split.surcharge);
+  }
   set("Total", total);
   set("Concepto", sale.time);
   set("Entrega", delivered);
@@ -257,31 +363,68 @@ void Shop::Inner::writeHeader(const Sale& sale, double ticket) {
 /// What a sale comes to in the main database: whole with the ticket, or made again from it.
 void Shop::Inner::book(const Sale& sale, double ticket, bool onCredit) {
   makeCustomer(sale);
-  moveStock(sale, ticket);
+  ReadAhead ahead(main_);
+  takeStock(sale, ahead);
+  writeMovements(sale, ticket);
   if (onCredit) charge(sale, ticket);
 }
 
-/// Takes what was sold off the article, its warehouse and its lot, and writes the movement; returns
-/// go the other way. Articles without stock keep none, but their movements are written too.
-void Shop::Inner::moveStock(const Sale& sale, double ticket) {
+/// Takes what was sold off the article, its warehouse and its lot; returns go the other way.
+/// Articles without stock keep none.
+void Shop::Inner::takeStock(const Sale& sale, ReadAhead& ahead) {
+  struct Taken {
+    const SaleLine* line;
+    std::string code;
+    std::string lot;
+    double units;
+    bool isReturn;
+  };
+  std::vector<Taken> all;
+  all.reserve(sale.lines.size());
+  for (const SaleLine& line : sale.lines) {
+    all.push_back({&line, doubledQuotes(line.code), lotText(line), std::abs(line.quantity),
+                   line.quantity < 0});
+  }
+  std::stable_sort(all.begin(), all.end(),
+                   [](const Taken& a, const Taken& b) { return a.line->code < b.line->code; });
+  for (const Taken& each : all) {
+    if (isThere(each.line->code)) continue;
+    makeArticle(*each.line);
+    askForStock(each.line->code, ahead);
+  }
+  for (const Taken& each : all) {
+    articles_.DescargarStock_V(each.code, 0.0, each.units, each.isReturn, false, main_);
+  }
+  // Behind the locks of the articles: who sells the first of one at the same time has put it into
+  // its warehouse by then.
+  for (const Taken& each : all) {
+    ahead.ask([&] { warehouses_.EstaEnElAlmacen(each.code, kWarehouse, main_); });
+    if (each.lot == kNoLot) continue;
+    ahead.ask([&] {
+      lots_.ExisteLote(each.code, each.lot, main_);
+      lots_.DescargaStockLote(each.code, each.lot, main_);
+    });
+  }
+  for (const Taken& each : all) {
+    warehouses_.DescargarStock_V(each.code, kWarehouse, 0.0, each.units, each.isReturn, false,
+                                 main_);
+    moveLot(each.code, each.lot, each.units, each.isReturn);
+  }
+}
+
+/// One for each line, of articles without stock too.
+void Shop::Inner::writeMovements(const Sale& sale, double ticket) {
   double movement = asNumber(movements_.NuevoCodigo("A", main_));
   std::size_t place = 0;
   for (const SaleLine& line : sale.lines) {
-    makeArticle(line);
-    const std::string code = doubledQuotes(line.code);
-    const std::string lot = line.lot.empty() ? std::string(kNoLot) : doubledQuotes(line.lot);
     const bool isReturn = line.quantity < 0;
-    const double units = std::abs(line.quantity);
-    articles_.DescargarStock_V(code, 0.0, units, isReturn, false, main_);
-    warehouses_.DescargarStock_V(code, kWarehouse, 0.0, units, isReturn, false, main_);
-    moveLot(code, lot, units, isReturn);
     movements_.Insertar({.vId = movement++,
                          .dtFecha = sale.day,
                          .hHora = timeOf(sale.time),
                          .sAlmacen = std::string(kWarehouse),
-                         .sCodigo = code,
-                         .sLote = lot,
-                         .dCantidad = units,
+                         .sCodigo = doubledQuotes(line.code),
+                         .sLote = lotText(line),
+                         .dCantidad = std::abs(line.quantity),
                          .dPrecio = line.netPrice(),
                          .sReferencia = doubledQuotes(sale.reference),
                          .iMovimiento = isReturn ? std::int16_t{0} : std::int16_t{1},
@@ -295,7 +438,6 @@ void Shop::Inner::moveStock(const Sale& sale, double ticket) {
 }
 
 void Shop::Inner::makeArticle(const SaleLine& line) {
-  if (isThere(line.code)) return;
   const std::string code = doubledQuotes(line.code);
   makeFamily(line.family);
   articles_.Insertar({.vId = code,
@@ -316,8 +458,13 @@ void Shop::Inner::makeArticle(const SaleLine& line) {
   knownArticles_.emplace(line.code, false);
 }
 
+/// Nobody is one.
+bool Shop::Inner::isKnownCustomer(const std::string& customer) const {
+  return customer.empty() || knownCustomers_.contains(customer);
+}
+
 void Shop::Inner::makeCustomer(const Sale& sale) {
-  if (sale.customer.empty() || knownCustomers_.contains(sale.customer)) return;
+  if (isKnownCustomer(sale.customer)) return;
   const std::string code = doubledQuotes(sale.customer);
   if (!customers_.ExisteCli(code, main_)) {
     const std::string name = doubledQuotes(sale.name.empty() ? sale.customer : sale.name);

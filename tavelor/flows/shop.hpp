@@ -57,6 +57,16 @@ struct Return {
   std::string payment = {};              ///< code; "" for the way in which the ticket was paid
   std::string comment = "Devolución";    ///< of the new ticket
   std::vector<ReturnedLine> lines = {};  ///< none: all that has not come back yet
+  /// Why an invoice comes back, of R1 to R4, in a shop that keeps records. A ticket's is R5.
+  fiscal::InvoiceKind cause = fiscal::InvoiceKind::kRectifying1;
+};
+
+/// An invoice that somebody wants in the place of tickets.
+struct InvoiceWish {
+  std::vector<double> tickets;   ///< numbers
+  Date day;                      ///< of issue
+  std::string customer = {};     ///< code of the one who is named on it
+  fiscal::Party recipient = {};  ///< or who it is
 };
 
 /// What a person wants done with what is lost.
@@ -137,7 +147,8 @@ class Shop {
   /// their columns; a day before 1980 or in the future; a till, a payment method or a tax that the
   /// shop does not have; a reference that another sale has; credit for nobody, for the walk-in
   /// customer, for one who is blocked or not in use, and beyond the limit of what he may owe, the
-  /// last three unless the sale says that it is granted.
+  /// last three unless the sale says that it is granted. In a shop that keeps records, a sale that
+  /// can have no legal one too: its record is stored with the ticket, or neither is.
   std::optional<double> sell(const Sale& sale);
 
   /// Sells back what a ticket has sold, live or in history: at its prices, to its customer, into
@@ -145,6 +156,17 @@ class Shop {
   /// old one and how many came back before it. Raises RefusedSale where the ticket is not there, or
   /// more comes back than is left of one of its lines, and whatever sell() raises.
   double takeBack(const Return& what);
+
+  /// Takes back all of a ticket that should not have been sold, and cancels its invoice in place of
+  /// rectifying it. Gives the number of the new ticket. Raises as takeBack(), and RefusedSale where
+  /// the ticket has no record, is cancelled, was replaced, or has come back, be it in part.
+  double cancel(const Return& what);
+
+  /// Issues an invoice (F3) in the place of tickets, with who buys named on it; the tickets stay as
+  /// they are. Gives its number. Raises RefusedSale, with all that is wrong, for tickets that have
+  /// no record, are cancelled, replaced, invoices already, or have come back, and for a recipient
+  /// without a name or a right number.
+  std::string invoiceTickets(const InvoiceWish& wish);
 
   /// Closes a till's tickets of a day and moves them to history; nothing where there are none. The
   /// balance grows by what was paid in cash. The slip is written when all is stored.

@@ -29,10 +29,10 @@ class Faults {
  public:
   explicit Faults(const Sale& sale) : sale_(sale) {}
 
-  void add(std::string reason) {
+  void add(const std::string& reason) {
     if (reason.empty()) return;
     const std::uint64_t origin = sale_.lines.empty() ? 0 : sale_.lines.front().origin;
-    faults_.push_back({.origin = origin, .reason = std::move(reason)});
+    faults_.push_back({.origin = origin, .reason = reason});
   }
   void add(const SaleLine& line, std::string reason) {
     if (reason.empty()) return;
@@ -65,7 +65,7 @@ bool isSame(double a, double b) {
 
 bool isSame(const SaleLine& a, const SaleLine& b) {
   return a.code == b.code && isSame(a.quantity, b.quantity) && isSame(a.price, b.price) &&
-         isSame(a.discount, b.discount) && isSame(a.tax, b.tax);
+         isSame(a.discount, b.discount) && isSame(a.tax, b.tax) && isSame(a.surcharge, b.surcharge);
 }
 
 }  // namespace
@@ -108,6 +108,12 @@ void Shop::Inner::refuseFaults(const Sale& sale) {
     }
     faults.add(line, std::move(fault));
   }
+  const auto isBare = [](const SaleLine& line) { return line.tax != 0 && line.surcharge == 0; };
+  if (sale.surcharge() != 0) {
+    for (const SaleLine& line : sale.lines) {
+      if (isBare(line)) faults.add(line, "it has no surcharge, and others have one");
+    }
+  }
   faults.refuse();
 }
 
@@ -143,6 +149,12 @@ std::string Shop::Inner::difference(const Sale& sale, double ticket) {
   return left.empty() ? std::string() : differs("with other lines");
 }
 
+Rows Shop::Inner::creditOf(const std::string& customer) const {
+  Statement statement("SELECT Activo, Bloqueo, Riesgo FROM Clientes WHERE Codigo = ");
+  statement << sqlText(customer);
+  return {selector::kMain, statement, main_};
+}
+
 /// A limit that is Null was never set, and is none; 0 lets nobody owe anything.
 void Shop::Inner::requireCredit(const Sale& sale) {
   Faults faults(sale);
@@ -153,9 +165,7 @@ void Shop::Inner::requireCredit(const Sale& sale) {
   const double total = sale.total();
   if (sale.isCreditGranted || total <= 0) return;
   const std::string code = doubledQuotes(sale.customer);
-  Statement statement("SELECT Activo, Bloqueo, Riesgo FROM Clientes WHERE Codigo = ");
-  statement << sqlText(sale.customer);
-  const Rows row(selector::kMain, statement, main_);
+  const Rows row = creditOf(sale.customer);
   if (!row.hasRow()) return;  // made with this sale
   constexpr double kSetAside = 2;
   const double active = row.number("Activo");

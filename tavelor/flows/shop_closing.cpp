@@ -9,29 +9,45 @@
 namespace tavelor::flows {
 
 std::optional<Closing> Shop::Inner::close(const std::string& till, Date day) {
+  Closing last;  // of the run whose commit may have had no answer
+  return untilThrough([&](Before before) { return closeOnce(till, day, before, last); });
+}
+
+/// Whether that closing is there, of that till and day. No closing has the number 0.
+bool Shop::Inner::isClosed(const Closing& closing, const std::string& till, Date day) {
+  Statement statement("SELECT Caja, Fecha FROM Cierres WHERE Codigo = ");
+  statement << spliced(numberText(closing.number));
+  const Rows row(selector::kMain, statement, main_);
+  return row.hasRow() && row.text("Caja") == till && Date(row.number("Fecha")) == day;
+}
+
+std::optional<Closing> Shop::Inner::closeOnce(const std::string& till, Date day, Before before,
+                                              Closing& closing) {
   forget();  // the one moment of a day at which another look costs nothing
   openTickets();
-  Closing closing;
-  {
-    BothDatabases transaction(main_, documents_);
-    Recovered recovered;
-    const Counters counters = startedCounters(transaction, recovered);
-    refuseLosses(recovered);
+  BothDatabases transaction(main_, documents_);
+  Recovered recovered;
+  const Counters counters = startedCounters(transaction, recovered);
+  refuseLosses(recovered);
+  // Behind the counters: a commit without an answer is through by now, or never will be.
+  const bool wasClosed = before == Before::kUnknown && isClosed(closing, till, day);
+  if (!wasClosed) {
     settle(counters, recovered);
     refuseLosses(recovered);
     settleClosings(Extent::kTail, recovered);
     refuseLosses(recovered);
     const std::vector<Variant> sold = openTicketsOf(till, day);
+    closing = {};
     if (!sold.empty()) {
       closing.number = asNumber(closings_.NuevoCodigo(main_));
       closing.tickets = sold.size();
-      for (const Variant& ticket : sold) mark(ticket, closing.number);
+      markAll(sold, closing.number);
       closing.total = writeClosing(closing.number, till, day);
       moveToHistory(closing.number);
     }
-    transaction.commit(BothDatabases::First::kMain);
-    if (sold.empty()) return std::nullopt;
   }
+  transaction.commit(BothDatabases::First::kMain);
+  if (closing.tickets == 0) return std::nullopt;
   // Inside a transaction of the caller's it may still be undone.
   if (main_->transactionLevel() == 0) writeSlip(closing.number);
   return closing;
@@ -45,6 +61,16 @@ std::vector<Variant> Shop::Inner::openTicketsOf(const std::string& till, Date da
       tickets_.ObtenerColCredito(day, day, code, kNobody, kSeries, false, documents_);
   numbers.insert(numbers.end(), credit.begin(), credit.end());
   return numbers;
+}
+
+/// What is read of a ticket, no other one's marks change.
+void Shop::Inner::markAll(const std::vector<Variant>& tickets, double closing) {
+  ReadAhead ahead(documents_);
+  for (const Variant& ticket : tickets) {
+    ahead.ask([&] { tickets_.GetIncTax(ticket, documents_); });
+    ahead.ask([&] { lines_.Mover_Impuestos_A_Historicos(ticket, closing, true, documents_); });
+  }
+  for (const Variant& ticket : tickets) mark(ticket, closing);
 }
 
 void Shop::Inner::mark(const Variant& ticket, double closing) {

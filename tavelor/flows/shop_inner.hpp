@@ -4,6 +4,8 @@
 
 #include <array>
 #include <map>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -17,14 +19,16 @@
 #include "tavelor/closing/cierres.hpp"
 #include "tavelor/customers/clientes.hpp"
 #include "tavelor/customers/clientes_apuntes_conta.hpp"
+#include "tavelor/fiscal/book.hpp"
+#include "tavelor/flows/again.hpp"
 #include "tavelor/flows/amounts.hpp"
 #include "tavelor/flows/audit.hpp"
 #include "tavelor/flows/both_databases.hpp"
 #include "tavelor/flows/known.hpp"
 #include "tavelor/flows/prices.hpp"
-#include "tavelor/flows/rows.hpp"
 #include "tavelor/flows/shop.hpp"
 #include "tavelor/frame/reading.hpp"
+#include "tavelor/frame/rows.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/number_text.hpp"
@@ -37,6 +41,7 @@
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/recordset/connection.hpp"
+#include "tavelor/services/recordset/read_ahead.hpp"
 
 namespace tavelor::flows {
 
@@ -90,7 +95,8 @@ class Shop::Inner {
   std::vector<Unpriced> price(Sale& sale);
   SaleLine price(const PriceQuestion& question);
   std::optional<double> sell(const Sale& given);
-  double takeBack(const Return& what);
+  double takeBack(const Return& what, bool isCancellation);
+  std::string invoiceTickets(const InvoiceWish& wish);
   std::optional<Closing> close(const std::string& till, Date day);
   Recovered recover();
   Recovered recoverAll(Decision decision);
@@ -99,6 +105,11 @@ class Shop::Inner {
   const ConnectionPtr& documents() const { return documents_; }
   /// What was read of the shop, or made in it, may not be so any more.
   void forget();
+  /// As the free one.
+  template <typename Flow>
+  auto untilThrough(Flow&& flow) {
+    return flows::untilThrough(*main_, flow, [this] { forget(); });
+  }
 
  private:
   /// The next number of each series.
@@ -107,14 +118,28 @@ class Shop::Inner {
     double b = 0;
     double c = 0;
   };
+  /// What is recorded of a sale: the registration, or the number of the invoice that it cancels;
+  /// neither in a shop that keeps no records.
+  struct Invoice {
+    std::optional<fiscal::Registration> registration{};
+    std::string cancelled{};
+  };
   /// How far to look for closings: behind the last one that both databases have, or at all.
   enum class Extent : std::uint8_t { kTail, kWhole };
+
+  std::optional<double> sellOnce(const Sale& given, Before before);
+  double takeBackOnce(const Return& what, bool isCancellation, Before before,
+                      std::string& reference);
+  std::string invoiceTicketsOnce(const InvoiceWish& wish, Before before, std::string& number);
+  std::optional<Closing> closeOnce(const std::string& till, Date day, Before before,
+                                   Closing& closing);
 
   void openTickets();
 
   void refuseFaults(const Sale& sale);
   bool isThere(const Sale& sale);
   std::string difference(const Sale& sale, double ticket);
+  Rows creditOf(const std::string& customer) const;
   void requireCredit(const Sale& sale);
   Sale withLots(const Sale& sale);
   std::string lotOf(const SaleLine& line, std::string& fault);
@@ -123,18 +148,31 @@ class Shop::Inner {
   void moveLot(const std::string& code, const std::string& lot, double units, bool isReturn);
   std::optional<double> ticketOf(const std::string& reference);
   bool isOnCredit(const Sale& sale);
+  Invoice draftInvoice(const Sale& sale);
+  std::string cancelledBy(const Sale& sale, std::vector<std::string>& faults);
+  fiscal::Party partyOf(const std::string& customer, const std::string& name);
+  void writeInvoice(const Invoice& invoice, double ticket);
   void writeTicket(const Sale& sale, double ticket, bool onCredit);
   void addLine(const SaleLine& line, double ticket);
   void writeHeader(const Sale& sale, double ticket);
   void book(const Sale& sale, double ticket, bool onCredit);
-  void moveStock(const Sale& sale, double ticket);
+  void takeStock(const Sale& sale, ReadAhead& ahead);
+  void askForSale(const Sale& sale, bool onCredit, ReadAhead& ahead);
+  void askForStock(const std::string& article, ReadAhead& ahead);
+  void askForNumbers(const Sale& sale, ReadAhead& ahead);
+  void askForTicket(const Sale& sale, const Counters& next, bool onCredit, const Invoice& invoice,
+                    ReadAhead& ahead);
+  void writeMovements(const Sale& sale, double ticket);
+  bool isKnownCustomer(const std::string& customer) const;
   void makeCustomer(const Sale& sale);
   void charge(const Sale& sale, double ticket);
   void makeArticle(const SaleLine& line);
   void makeFamily(const std::string& family);
   void useNumber(const Counters& next);
 
+  bool isClosed(const Closing& closing, const std::string& till, Date day);
   std::vector<Variant> openTicketsOf(const std::string& till, Date day);
+  void markAll(const std::vector<Variant>& tickets, double closing);
   void mark(const Variant& ticket, double closing);
   double writeClosing(double closing, const std::string& till, Date day);
   void writeDetails(double closing, const CollectionTickets& payments);
@@ -142,8 +180,12 @@ class Shop::Inner {
   void moveToHistory(double closing);
 
   Recovered mend(Extent extent);
+  static bool isStarted(const Counters& counters);
+  void startCounters();
+  Counters startedCounters();
   Counters startedCounters(BothDatabases& transaction, Recovered& recovered);
   Counters settle(Counters next, Recovered& recovered);
+  Counters firstFree(Counters next);
   Counters storedCounters();
   void settleClosings(Extent extent, Recovered& recovered);
   void finishSales(double first, Recovered& recovered);
@@ -163,6 +205,9 @@ class Shop::Inner {
 
   ConnectionPtr main_;
   ConnectionPtr documents_;
+  /// Where the engine does not let one transaction write at a time.
+  bool tillsOverlap_;
+  std::unique_ptr<fiscal::Book> invoices_;  // none: the shop keeps no records
 
   ClsTickets tickets_;
   ClsTicketsLineas lines_;
@@ -179,6 +224,7 @@ class Shop::Inner {
 
   // What is there, as far as committed.
   Known known_;
+  std::string startedPeriod_;  // the one whose counters have a number each
   std::unordered_map<std::string, bool> knownArticles_;  // by code: whether kept by lots
   std::unordered_set<std::string> knownCustomers_;
 };

@@ -37,6 +37,7 @@ std::vector<Unpriced> Shop::Inner::price(Sale& sale) {
       line.isFree = was->isFree;
       line.discount = was->discount;
       line.tax = was->tax;
+      line.surcharge = was->surcharge;
       line.description = was->description;
       line.family = was->family;
       line.wantsPrice = false;

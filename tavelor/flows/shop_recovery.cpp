@@ -8,6 +8,7 @@
 #include "tavelor/flows/account.hpp"
 #include "tavelor/flows/decisions.hpp"
 #include "tavelor/flows/shop_inner.hpp"
+#include "tavelor/numbering/numeradores.hpp"
 #include "tavelor/platform/quotes.hpp"
 
 namespace tavelor::flows {
@@ -77,8 +78,9 @@ Recovered Shop::Inner::mend(Extent extent) {
 // ---------------------------------------------------------------------------------------------
 // Sales
 
-/// The next numbers, of which that of the series in use is free. Tickets that are ahead of the
-/// counter may not have moved their stock; movements that are ahead of the tickets have lost them.
+/// The next numbers, of which that of the series in use is above its tickets. Tickets that are
+/// ahead of the counter may not have moved their stock; movements that are ahead of the tickets
+/// have lost them.
 Shop::Inner::Counters Shop::Inner::settle(Counters next, Recovered& recovered) {
   const double written = asNumber(tickets_.NuevoCodigo(kSeries, documents_));
   if (next.a == written) {
@@ -91,14 +93,43 @@ Shop::Inner::Counters Shop::Inner::settle(Counters next, Recovered& recovered) {
     if (recovered.undecided.empty()) recovered.unused = {written, next.a - 1};
   }
   next.a = std::max(next.a, written);
+  return next;
+}
+
+/// Tickets of all series share their numbers.
+Shop::Inner::Counters Shop::Inner::firstFree(Counters next) {
   while (!tickets_.CodigoLibre(next.a, documents_)) ++next.a;
   return next;
+}
+
+bool Shop::Inner::isStarted(const Counters& counters) {
+  return counters.a != kUnused && counters.b != kUnused && counters.c != kUnused;
 }
 
 Shop::Inner::Counters Shop::Inner::storedCounters() {
   Counters next{kUnused, kUnused, kUnused};
   tickets_.GetNumerador(next.a, next.b, next.c, main_);
   return next;
+}
+
+/// Of a period whose counters were started.
+Shop::Inner::Counters Shop::Inner::startedCounters() {
+  const Counters next = storedCounters();
+  if (isStarted(next)) return next;
+  raise(errors::kTryAgain, "Shop", "Somebody has taken the counters of the period back");
+}
+
+/// Once for each period, in a transaction of its own: what a sale has written before it reads its
+/// number must not be committed with them.
+void Shop::Inner::startCounters() {
+  const std::string period = clsNumeradores::currentPeriod();
+  if (startedPeriod_ == period) return;
+  BothDatabases transaction(main_, documents_);
+  Recovered recovered;
+  startedCounters(transaction, recovered);
+  refuseLosses(recovered);
+  transaction.commit(BothDatabases::First::kMain);
+  startedPeriod_ = period;
 }
 
 /// The next numbers by the counters alone. A period that has none gets them from the tickets, and
@@ -108,7 +139,7 @@ Shop::Inner::Counters Shop::Inner::storedCounters() {
 Shop::Inner::Counters Shop::Inner::startedCounters(BothDatabases& transaction,
                                                    Recovered& recovered) {
   const Counters next = storedCounters();
-  if (next.a != kUnused && next.b != kUnused && next.c != kUnused) return next;
+  if (isStarted(next)) return next;
   const double last = asNumber(tickets_.NuevoCodigo(kSeries, documents_)) - 1;
   recovered.undecided = Decisions::open(Audit(main_, documents_).tickets(last, Audit::kNoEnd));
   if (!recovered.undecided.empty()) return next;
@@ -150,7 +181,8 @@ bool Shop::Inner::hasMovedStock(double ticket) {
 std::optional<Sale> Shop::Inner::findSale(double ticket) {
   for (const Statement::Constant table : kTicketTables) {
     Statement head(
-        "SELECT Referencia, Fecha, Concepto, Codigo, Razon_Social, Forma_Pago, Caja FROM ");
+        "SELECT Referencia, Fecha, Concepto, Codigo, Razon_Social, Forma_Pago, Caja, Recargo, "
+        "Importe_Recargo FROM ");
     head << table << " WHERE Numero = " << spliced(numberText(ticket));
     const Rows row(selector::kDocuments, head, documents_);
     if (!row.hasRow()) continue;
@@ -175,6 +207,7 @@ std::optional<Sale> Shop::Inner::findSale(double ticket) {
                             .quantity = rows.number("Cantidad"),
                             .price = rows.number("Precio"),
                             .tax = rows.number("IVA"),
+                            .surcharge = surchargeRateOf(row, rows, main_),
                             .discount = rows.number("DTO"),
                             .isFree = rows.number("Precio") == 0,
                             .lot = rows.text("Lote")});

@@ -20,7 +20,8 @@ std::string referenceOf(double ticket, int before) {
 
 bool isOf(const SaleLine& returned, const SaleLine& line) {
   return returned.code == line.code && returned.price == line.price &&
-         returned.discount == line.discount && returned.tax == line.tax && returned.lot == line.lot;
+         returned.discount == line.discount && returned.tax == line.tax &&
+         returned.surcharge == line.surcharge && returned.lot == line.lot;
 }
 
 /// What is left of each line after a return. A return tells no lines: equal ones are taken off in
@@ -63,7 +64,14 @@ std::string ofEqual(const std::vector<double>& units, const std::vector<SaleLine
 
 }  // namespace
 
-double Shop::Inner::takeBack(const Return& what) {
+double Shop::Inner::takeBack(const Return& what, bool isCancellation) {
+  std::string last;  // of the run whose commit may have had no answer
+  return untilThrough(
+      [&](Before before) { return takeBackOnce(what, isCancellation, before, last); });
+}
+
+double Shop::Inner::takeBackOnce(const Return& what, bool isCancellation, Before before,
+                                 std::string& reference) {
   // What is left is looked at under the locks of the sale, so that two tills do not take the same
   // back.
   BothDatabases transaction(main_, documents_);
@@ -71,13 +79,22 @@ double Shop::Inner::takeBack(const Return& what) {
   const auto refuse = [&](std::vector<SaleFault> faults) {
     throw RefusedSale("Dev. " + name, std::move(faults));
   };
+  if (before == Before::kUnknown && !reference.empty()) {
+    const std::optional<double> there = ticketOf(reference);
+    const Sale other = there ? storedSale(*there) : Sale();
+    // Another till may have taken some of it back meanwhile, by the same count.
+    if (there && other.till == what.till && other.day == what.day && other.time == what.time) {
+      return *there;
+    }
+  }
   const std::optional<Sale> sold = findSale(what.ticket);
   if (!sold) refuse({{.reason = fmt::format("there is no ticket {}", name)}});
 
   std::vector<double> left;
   for (const SaleLine& line : sold->lines) left.push_back(std::max(line.quantity, 0.0));
-  int before = 0;
-  for (; const std::optional<double> other = ticketOf(referenceOf(what.ticket, before)); ++before) {
+  int returns = 0;
+  for (; const std::optional<double> other = ticketOf(referenceOf(what.ticket, returns));
+       ++returns) {
     takeOff(left, sold->lines, storedSale(*other));
   }
 
@@ -95,12 +112,15 @@ double Shop::Inner::takeBack(const Return& what) {
   }
   evenOut(wanted, left, sold->lines);
   Sale back = *sold;
-  back.reference = referenceOf(what.ticket, before);
+  back.reference = reference = referenceOf(what.ticket, returns);
   back.till = what.till;
   back.day = what.day;
   back.time = what.time;
   back.comment = what.comment;
   back.delivered = 0;
+  back.invoice.cause = what.cause;
+  back.returned = what.ticket;
+  back.isCancellation = isCancellation;
   if (!what.payment.empty()) back.payment = what.payment;
   back.lines.clear();
   for (std::size_t at = 0; at < wanted.size(); ++at) {
@@ -114,12 +134,21 @@ double Shop::Inner::takeBack(const Return& what) {
     SaleLine& line = back.lines.emplace_back(sold->lines[at]);
     line.quantity = -roundHalfAway(wanted[at], 6);
   }
+  if (isCancellation && (returns > 0 || !what.lines.empty())) {
+    faults.push_back(
+        {.reason = "only a whole ticket is cancelled, of which nothing has come back"});
+  }
   if (faults.empty() && back.lines.empty()) faults.push_back({.reason = "nothing is left of it"});
   if (!faults.empty()) refuse(std::move(faults));
 
   const std::optional<double> number = sell(back);
+  if (!number) {
+    // Between the look above and the lock of the number; whether it was this very return, the next
+    // look finds out.
+    raise(errors::kTryAgain, "Shop", fmt::format("Somebody has just brought back ticket {}", name));
+  }
   transaction.commit(BothDatabases::First::kDocuments);
-  return number.value();
+  return *number;
 }
 
 }  // namespace tavelor::flows

@@ -329,6 +329,13 @@ std::vector<Member> connectionMembers() {
           },
           "sStatement"),
       member(
+          "Send", +[](C& c, std::string_view statement) { c.Send(written(statement)); },
+          "sStatement"),
+      member(
+          "HoldNumbersOf", +[](C& c, std::string_view table) { c.HoldNumbersOf(table); }, "sTable"),
+      property(
+          "waits", +[](C& c) { return static_cast<double>(c.waits()); }),
+      member(
           "firstValue",
           +[](C& c, std::string_view statement, std::string_view column) {
             return c.firstValue(written(statement), column).value_or(Variant());

@@ -109,6 +109,7 @@ void clsNumeradores::CrearPeriodoActual() {
   const ConnectionPtr connection = GetConnection();
   connection->BeginTrans();
   try {
+    connection->HoldNumbersOf(info().table);
     if (wasMissing && ExistenPeriodoActual(connection)) {
       Requery();
     } else {

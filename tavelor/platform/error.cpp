@@ -72,6 +72,10 @@ constexpr std::array kKnown{
     Known{errors::kTransactionLost, ErrorKind::kEngine,
           "The transaction was lost: the database has undone all of it after an error. Roll "
           "it back before anything else."},
+    Known{errors::kTryAgain, ErrorKind::kBusy,
+          "The transaction gave way to another one; run it again from its beginning."},
+    Known{errors::kTimeout, ErrorKind::kBusy, "The statement took longer than it may."},
+    Known{errors::kConnectionLost, ErrorKind::kEngine, "The line to the server is lost."},
     Known{errors::kRowNotLocated, ErrorKind::kConflict,
           "Row cannot be located for updating. Some values may have been changed since it "
           "was last read."},

@@ -67,6 +67,13 @@ inline constexpr std::int32_t kCriteriaTypeMismatch = -2147217913;
 inline constexpr std::int32_t kBusy = -2147217843;
 /// The engine has ended the open transaction by itself; only its rollback is taken now.
 inline constexpr std::int32_t kTransactionLost = -2147168231;
+/// The engine has undone the transaction because it and another one waited for each other: run it
+/// again from its beginning.
+inline constexpr std::int32_t kTryAgain = -2147217837;
+/// A statement took longer than it may, or was cancelled.
+inline constexpr std::int32_t kTimeout = -2147217871;
+/// The line to the server is gone.
+inline constexpr std::int32_t kConnectionLost = -2147217831;
 }  // namespace errors
 
 /// What a program does about an error: tell its user, ask again, try again, give up. Each number is
@@ -77,12 +84,12 @@ enum class ErrorKind : std::uint8_t {
   kNotFound,    ///< no such row, column, table, file, class or member
   kConflict,    ///< somebody else has changed or deleted the row
   kIntegrity,   ///< a key that is there already, or a Null that a table refuses
-  kBusy,        ///< locked by somebody else for the whole wait: try again
+  kBusy,        ///< locked by somebody else, or given way to them: try again
   kClosed,      ///< what is not open, not there yet, or gone
   kNotAllowed,  ///< not now, or not with this object
   kCancelled,   ///< a listener or the program has said no
   kSyntax,      ///< a statement that does not read, or names what is no column
-  kEngine,      ///< the file, the disk or the engine: no call is to blame
+  kEngine,      ///< the file, the disk, the engine or the line to it: no call is to blame
   kOther,       ///< a number of an application's own
 };
 /// The kind of a number.

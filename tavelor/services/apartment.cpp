@@ -144,10 +144,7 @@ const Locale& Apartment::locale() const {
 RegistryTree& Apartment::registry() {
   State& s = *state_;
   if (!s.registry) {
-    const Settings& settings = s.installation->settings();
-    s.registry = std::make_unique<RegistryTree>(
-        s.installation->registryFile(),
-        RegistryTree::Options{false, settings.synchronous, settings.busyTimeoutMs});
+    s.registry = std::make_unique<RegistryTree>(*s.installation, &s.connections->shared());
   }
   return *s.registry;
 }

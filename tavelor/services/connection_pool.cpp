@@ -8,7 +8,6 @@
 #include "tavelor/services/clock.hpp"
 #include "tavelor/services/dialect/plan_cache.hpp"
 #include "tavelor/services/engine/engine.hpp"
-#include "tavelor/services/engines.hpp"
 #include "tavelor/services/installation.hpp"
 
 namespace tavelor {
@@ -58,6 +57,10 @@ ConnectionPool::ConnectionPool(std::shared_ptr<const Installation> installation,
 
 ConnectionPool::~ConnectionPool() = default;
 
+std::shared_ptr<engine::Shared>& ConnectionPool::shared() {
+  return shared_;
+}
+
 std::shared_ptr<SessionLease> ConnectionPool::take(int selector, Reads reads) {
   std::unique_ptr<Session> session;
   if (auto& idle = idle_[selector]; !idle.empty()) {
@@ -71,11 +74,8 @@ std::shared_ptr<SessionLease> ConnectionPool::take(int selector, Reads reads) {
 
 std::unique_ptr<ConnectionPool::Session> ConnectionPool::open(int selector) {
   const engine::Engine& engine = installation_->databaseEngine(selector);
-  engine::OpenOptions options;
-  options.path = installation_->databaseFile(selector);
-  options.synchronous = installation_->settings().synchronous;
-  options.busyTimeoutMs = installation_->settings().busyTimeoutMs;
-  options.locale = installation_->locale();
+  engine::OpenOptions options = installation_->openOptions(selector);
+  options.shared = &shared_;
   options.now = [clock = clock_] { return clock->now(); };
 
   auto session = std::make_unique<Session>();
@@ -85,7 +85,7 @@ std::unique_ptr<ConnectionPool::Session> ConnectionPool::open(int selector) {
       [installation = installation_, selector, &over = *session->session] {
         return installation->catalogue(selector, over);
       },
-      installation_->locale(), writerOf(engine));
+      installation_->locale(), installation_->writer(selector));
   return session;
 }
 

@@ -14,6 +14,10 @@ namespace tavelor {
 class Clock;
 class Installation;
 
+namespace engine {
+class Shared;
+}
+
 /// Lends sessions, each with its plans, and takes them back when the last holder lets go. Used by
 /// one thread.
 class ConnectionPool : public std::enable_shared_from_this<ConnectionPool> {
@@ -34,6 +38,8 @@ class ConnectionPool : public std::enable_shared_from_this<ConnectionPool> {
   /// An idle session of that database, or a new one. Raises 9 for an unknown selector and what the
   /// engine raises on opening.
   std::shared_ptr<SessionLease> take(int selector, Reads reads = Reads::kOwnSession);
+  /// What all of its sessions share, for others of the apartment.
+  std::shared_ptr<engine::Shared>& shared();
 
  private:
   class Lease;
@@ -50,6 +56,7 @@ class ConnectionPool : public std::enable_shared_from_this<ConnectionPool> {
   std::shared_ptr<const Clock> clock_;
   std::unordered_map<int, std::vector<std::unique_ptr<Session>>> idle_;
   std::vector<Lease*> lent_;
+  std::shared_ptr<engine::Shared> shared_;
 };
 
 }  // namespace tavelor

@@ -43,10 +43,17 @@ void DataSession::ReportConnection(int selector, InOut<std::string> sDbtype,
                                    InOut<std::string> sUser, InOut<std::string> sPasw) const {
   const Installation& installation = apartment_.installation();
   *sDbtype = installation.database(selector).engine;
-  *sDataSource = installation.databaseFile(selector);
-  sCatalog->clear();
-  sUser->clear();
   sPasw->clear();
+  if (installation.databaseEngine(selector).isFile()) {
+    *sDataSource = installation.databaseFile(selector);
+    sCatalog->clear();
+    sUser->clear();
+  } else {
+    const engine::ServerAddress& server = installation.settings().server;
+    *sDataSource = server.hosts;
+    *sCatalog = server.database;
+    *sUser = server.user;
+  }
 }
 
 bool DataSession::IsDbFile(int selector) const {
@@ -78,7 +85,7 @@ ConnectionPtr DataSession::OpenConnection(int selector, InOut<std::int32_t> /*op
 
 void DataSession::Execute(int selector, const Statement& statement, ConnectionPtr& objCn) {
   if (!objCn) objCn = OpenConnection(selector);
-  objCn->Execute(statement);
+  objCn->Send(statement);
 }
 
 RecordsetPtr DataSession::OpenRecordsetFromFile(std::string_view path) {

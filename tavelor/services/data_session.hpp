@@ -37,7 +37,7 @@ class TAVELOR_API DataSession {
   /// "main", "documents", "historic", "import", "further".
   std::string DatabaseLabel(int selector) const;
   /// For a report engine: kind of database, the file or host, the catalogue, user and password
-  /// (the last three are empty for a file).
+  /// (the last three are empty for a file; the password always is).
   void ReportConnection(int selector, InOut<std::string> sDbtype, InOut<std::string> sDataSource,
                         InOut<std::string> sCatalog, InOut<std::string> sUser,
                         InOut<std::string> sPasw) const;
@@ -61,6 +61,7 @@ class TAVELOR_API DataSession {
   ConnectionPtr OpenConnection(int selector, InOut<std::int32_t> options = {}, int reserved = 0);
 
   /// Runs a statement that gives no rows on `objCn`, filled from OpenConnection() when it is empty.
+  /// Nobody asks how many it wrote: see Connection::Send().
   void Execute(int selector, const Statement& statement, ConnectionPtr& objCn);
 
   /// The record set saved in that file. Raises 53 when there is no such file, 75 when it cannot be

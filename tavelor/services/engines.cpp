@@ -6,7 +6,9 @@
 
 #include "tavelor/platform/error.hpp"
 #include "tavelor/services/dialect/dialect.hpp"
+#include "tavelor/services/dialect/writer.hpp"
 #include "tavelor/services/engine/engine.hpp"
+#include "tavelor/services/postgres/postgres_engine.hpp"
 #include "tavelor/services/sqlite/sqlite_engine.hpp"
 
 namespace tavelor {
@@ -15,11 +17,12 @@ namespace {
 
 struct Entry {
   const engine::Engine& (*engine)();
-  const dialect::Writer& (*writer)();
+  dialect::WriterMaker writer;
 };
 
 constexpr std::array kEngines{
     Entry{engine::sqliteEngine, dialect::sqliteWriter},
+    Entry{engine::postgresEngine, dialect::postgresWriter},
 };
 
 }  // namespace
@@ -31,9 +34,10 @@ const engine::Engine* findEngine(std::string_view name) {
   return nullptr;
 }
 
-const dialect::Writer& writerOf(const engine::Engine& engine) {
+std::unique_ptr<const dialect::Writer> makeWriter(const engine::Engine& engine,
+                                                  const std::string& schema) {
   for (const Entry& entry : kEngines) {
-    if (&entry.engine() == &engine) return entry.writer();
+    if (&entry.engine() == &engine) return entry.writer(schema);
   }
   raise(errors::kUnspecified, "Installation", "An engine without a writer.");
 }

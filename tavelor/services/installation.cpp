@@ -7,15 +7,18 @@
 #include <filesystem>
 #include <mutex>
 #include <system_error>
+#include <utility>
 
 #include <fmt/format.h>
 
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/locale.hpp"
+#include "tavelor/services/dialect/writer.hpp"
 #include "tavelor/services/engine/catalogue.hpp"
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/engines.hpp"
 #include "tavelor/services/folders.hpp"
+#include "tavelor/services/own_files.hpp"
 #include "tavelor/services/registry_tree.hpp"
 #include "tavelor/services/schema.hpp"
 #include "tavelor/services/settings_file.hpp"
@@ -59,26 +62,57 @@ std::string VersionRecord::sessionRoot() const {
   return fmt::format("SOFTWARE\\{}\\Global\\Configuracion\\Sesion\\", company);
 }
 
+Settings onServer(Settings settings, engine::ServerAddress server) {
+  constexpr std::string_view kEngine = "postgresql";
+  settings.server = std::move(server);
+  for (DatabaseSettings& database : settings.databases) {
+    database.engine = kEngine;
+    database.file.clear();
+  }
+  settings.registryEngine = kEngine;
+  return settings;
+}
+
 struct Installation::Database {
   DatabaseSettings settings;
-  fs::path file;
+  fs::path file;  // empty where it is none
   const engine::Engine* engine = nullptr;
+  std::unique_ptr<const dialect::Writer> writer;
   std::string connectionString;
+
+  std::string place(const engine::ServerAddress& server) const {
+    return engine->isFile()
+               ? file.string()
+               : fmt::format("{}.{} of {}", server.database, settings.schema, server.hosts);
+  }
 
   mutable std::mutex mutex;  // of what follows; the rest never changes
   mutable std::shared_ptr<const engine::Catalogue> catalogue;
   mutable std::int64_t schemaVersion = 0;  // of the catalogue
 };
 
-std::unique_ptr<engine::Session> Installation::openSession(const Database& database,
-                                                           bool create) const {
+engine::OpenOptions Installation::commonOptions() const {
   engine::OpenOptions options;
-  options.path = database.file.string();
-  options.create = create;
+  options.server = settings_.server;
   options.synchronous = settings_.synchronous;
   options.busyTimeoutMs = settings_.busyTimeoutMs;
   options.locale = locale_;
-  return database.engine->open(options);
+  return options;
+}
+
+engine::OpenOptions Installation::openOptions(int selector) const {
+  const Database& database = entry(selector);
+  engine::OpenOptions options = commonOptions();
+  options.path = database.file.string();
+  options.schema = database.settings.schema;
+  return options;
+}
+
+engine::OpenOptions Installation::registryOptions() const {
+  engine::OpenOptions options = commonOptions();
+  options.path = registryFile();
+  options.schema = settings_.registrySchema;
+  return options;
 }
 
 Installation::Installation(const std::string& folder, Settings settings)
@@ -88,10 +122,18 @@ Installation::Installation(const std::string& folder, Settings settings)
   for (const DatabaseSettings& each : settings_.databases) {
     auto database = std::make_unique<Database>();
     database->settings = each;
-    database->file = (fs::path(folder) / each.file).lexically_normal();
+    if (each.schema.empty()) database->settings.schema = each.label;
     database->engine = findEngine(each.engine);
-    database->connectionString =
-        fmt::format("Provider={};Data Source={}", each.engine, database->file.string());
+    database->writer = makeWriter(*database->engine, database->settings.schema);
+    if (database->engine->isFile()) {
+      database->file = (fs::path(folder) / each.file).lexically_normal();
+      database->connectionString =
+          fmt::format("Provider={};Data Source={}", each.engine, database->file.string());
+    } else {
+      database->connectionString =
+          fmt::format("Provider={};Data Source={};Initial Catalog={};Schema={}", each.engine,
+                      settings_.server.hosts, settings_.server.database, database->settings.schema);
+    }
     databases_.push_back(std::move(database));
   }
 }
@@ -128,15 +170,18 @@ std::shared_ptr<Installation> Installation::open(const std::string& folder) {
 }
 
 void Installation::prepareDatabases(bool create) const {
+  std::shared_ptr<engine::Shared> shared;
   for (const auto& database : databases_) {
-    const auto session = openSession(*database, create);
+    engine::OpenOptions options = openOptions(database->settings.selector);
+    options.shared = &shared;
+    options.create = create;
+    const auto session = database->engine->open(options);
     schema::bringUpToDate(*session,
                           {schema::ddlOf(database->settings.selector), schema::currentVersion(),
-                           create, database->file.string()},
-                          writerOf(*database->engine));
+                           create, database->place(settings_.server)},
+                          *database->writer);
   }
-  const RegistryTree registry(registryFile(),
-                              {create, settings_.synchronous, settings_.busyTimeoutMs});
+  const RegistryTree registry(*this, &shared, create);
 }
 
 void Installation::saveSettings(const std::string& folder, const Settings& settings) {
@@ -167,9 +212,18 @@ const std::string& Installation::connectionString(int selector) const {
   return entry(selector).connectionString;
 }
 
-std::string Installation::registryFile() const {
-  return within(settings_.registryFile);
+const dialect::Writer& Installation::writer(int selector) const {
+  return *entry(selector).writer;
 }
+
+std::string Installation::registryFile() const {
+  return registryEngine().isFile() ? within(settings_.registryFile) : std::string();
+}
+
+const engine::Engine& Installation::registryEngine() const {
+  return *findEngine(settings_.registryEngine);
+}
+
 std::string Installation::reportFolder() const {
   return within(std::string(kReportFolder));
 }
@@ -189,6 +243,7 @@ std::string Installation::emailTextFolder() const {
 bool Installation::isOwnFile(const std::string& file) const {
   std::vector<fs::path> stored = {registryFile()};
   for (const auto& database : databases_) stored.push_back(database->file);
+  std::erase_if(stored, [](const fs::path& each) { return each.empty(); });
   const auto isAny = [&](std::string_view companion) {
     return std::any_of(stored.begin(), stored.end(), [&](const fs::path& each) {
       return isSameFile(file, each.string().append(companion));
@@ -197,6 +252,7 @@ bool Installation::isOwnFile(const std::string& file) const {
   constexpr std::array<std::string_view, 5> kCompanions = {"", "-wal", "-shm", "-journal",
                                                            "-queue"};
   return isSameFile(file, fs::path(folder()) / kSettingsFile) ||
+         isSameFile(file, fs::path(folder()) / kFiscalSettingsFile) ||
          std::any_of(kCompanions.begin(), kCompanions.end(), isAny);
 }
 
@@ -206,7 +262,7 @@ std::string Installation::within(const std::string& path) const {
 }
 
 std::shared_ptr<const engine::Catalogue> Installation::catalogue(int selector) const {
-  return catalogue(selector, *openSession(entry(selector), false));
+  return catalogue(selector, *entry(selector).engine->open(openOptions(selector)));
 }
 
 std::shared_ptr<const engine::Catalogue> Installation::catalogue(int selector,
@@ -216,7 +272,7 @@ std::shared_ptr<const engine::Catalogue> Installation::catalogue(int selector,
   const std::int64_t version = over.schemaVersion();
   const std::lock_guard lock(database.mutex);
   if (!database.catalogue || database.schemaVersion != version) {
-    database.catalogue = std::make_shared<const engine::Catalogue>(over.describe());
+    database.catalogue = std::make_shared<const engine::Catalogue>(schema::describe(over));
     database.schemaVersion = version;
   }
   return database.catalogue;
@@ -224,8 +280,8 @@ std::shared_ptr<const engine::Catalogue> Installation::catalogue(int selector,
 
 void Installation::addToSchema(int selector, std::string_view ddl) {
   const Database& database = entry(selector);
-  const auto session = openSession(database, false);
-  schema::apply(*session, ddl, writerOf(*database.engine));
+  const auto session = database.engine->open(openOptions(selector));
+  schema::apply(*session, ddl, *database.writer);
 }
 
 }  // namespace tavelor

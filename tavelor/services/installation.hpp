@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tavelor/platform/export.hpp"
+#include "tavelor/services/engine/server_address.hpp"
 
 namespace tavelor {
 
@@ -17,7 +18,11 @@ namespace engine {
 class Catalogue;
 class Engine;
 class Session;
+struct OpenOptions;
 }  // namespace engine
+namespace dialect {
+class Writer;
+}
 
 /// Who the component is and where it lives. The registry root is made of it.
 struct TAVELOR_API VersionRecord {
@@ -39,6 +44,7 @@ struct TAVELOR_API DatabaseSettings {
   std::string engine = "sqlite";
   std::string file;             ///< relative to the installation folder, or absolute
   bool servesAsServer = false;  ///< the classes then take it for a server's database
+  std::string schema = {};      ///< of a server's database; "" for the label
 };
 
 /// What the settings file holds. The defaults are those of a new installation.
@@ -55,7 +61,10 @@ struct TAVELOR_API Settings {
                                              {4, "historic", "sqlite", "historic.db", false},
                                              {5, "import", "sqlite", "import.db", false},
                                              {0, "further", "sqlite", "further.db", false}};
+  engine::ServerAddress server;  ///< of those databases that are no files
+  std::string registryEngine = "sqlite";
   std::string registryFile = "registry.db";
+  std::string registrySchema = "registry";  ///< on a server, where all its tills share it
   bool synchronous = true;   ///< false: a power cut may lose the last transactions, never a file
   int busyTimeoutMs = 5000;  ///< how long a write waits for another writer
 
@@ -71,6 +80,9 @@ struct TAVELOR_API Settings {
   bool trace = false;     ///< statements are kept from the start of an apartment on
   std::string traceFile;  ///< and appended to this file; "" for none
 };
+
+/// The same with all databases and the registry as schemas of that server's database.
+TAVELOR_API Settings onServer(Settings settings, engine::ServerAddress server);
 
 /// One folder with a settings file (tavelor.xml), its databases and its registry. Never changes
 /// once open, so the apartments of several threads may share it. Paths are given and taken as text.
@@ -107,14 +119,23 @@ class TAVELOR_API Installation {
 
   /// Raises 9 for a selector that the settings do not name.
   const DatabaseSettings& database(int selector) const;
-  /// Full path of a file-based database.
+  /// Full path of a file-based database; "" for another.
   std::string databaseFile(int selector) const;
   /// What runs the statements of a database. Raises 9 as database() does.
   const engine::Engine& databaseEngine(int selector) const;
-  /// "Provider=sqlite;Data Source=/shops/centre/main.db".
+  /// "Provider=sqlite;Data Source=/shops/centre/main.db", or "Provider=postgresql;Data Source=db1;
+  /// Initial Catalog=shop;Schema=main". Never a user's password.
   const std::string& connectionString(int selector) const;
-  /// Full path of the registry.
+  /// What writes its text.
+  const dialect::Writer& writer(int selector) const;
+  /// How a session of that database is opened.
+  engine::OpenOptions openOptions(int selector) const;
+  /// Full path of the registry; "" where it is no file.
   std::string registryFile() const;
+  /// What runs the statements of the registry.
+  const engine::Engine& registryEngine() const;
+  /// How a session of the registry is opened.
+  engine::OpenOptions registryOptions() const;
 
   /// Full path of the folder of reports and pages.
   std::string reportFolder() const;
@@ -151,7 +172,7 @@ class TAVELOR_API Installation {
   struct Database;
   Installation(const std::string& folder, Settings settings);
   const Database& entry(int selector) const;
-  std::unique_ptr<engine::Session> openSession(const Database& database, bool create) const;
+  engine::OpenOptions commonOptions() const;
   void prepareDatabases(bool create) const;
   std::string within(const std::string& path) const;
 

@@ -9,10 +9,13 @@
 
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/text.hpp"
+#include "tavelor/services/dialect/dialect.hpp"
+#include "tavelor/services/dialect/writer.hpp"
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/engine/row_store.hpp"
 #include "tavelor/services/engine/value.hpp"
-#include "tavelor/services/sqlite/sqlite_engine.hpp"
+#include "tavelor/services/engines.hpp"
+#include "tavelor/services/installation.hpp"
 
 namespace tavelor {
 
@@ -27,12 +30,12 @@ constexpr std::string_view kSource = "Registry";
 constexpr std::size_t kLongestName = 4096;
 
 constexpr std::string_view kTables =
-    "CREATE TABLE IF NOT EXISTS registry_keys (path TEXT PRIMARY KEY, parent TEXT NOT NULL, name "
-    "TEXT "
-    "NOT NULL) WITHOUT ROWID;"
-    "CREATE INDEX IF NOT EXISTS registry_parents ON registry_keys (parent, path);"
-    "CREATE TABLE IF NOT EXISTS registry_values (path TEXT, folded TEXT, name TEXT NOT NULL, value "
-    "TEXT NOT NULL, PRIMARY KEY (path, folded)) WITHOUT ROWID;";
+    "CREATE TABLE registry_keys (path MEMO NOT NULL, parent MEMO NOT NULL, name MEMO NOT NULL,"
+    " CONSTRAINT PK_registry_keys PRIMARY KEY (path));"
+    "CREATE INDEX registry_parents ON registry_keys (parent, path);"
+    "CREATE TABLE registry_values (path MEMO NOT NULL, folded MEMO NOT NULL, name MEMO NOT NULL,"
+    " value MEMO NOT NULL, CONSTRAINT PK_registry_values PRIMARY KEY (path, folded));";
+constexpr std::string_view kLastTable = "registry_values";
 
 constexpr std::string_view kGet = "SELECT value FROM registry_values WHERE path=? AND folded=?";
 constexpr std::string_view kSet =
@@ -88,6 +91,43 @@ struct RegistryTree::State {
   std::unique_ptr<engine::Session> session;
   std::unique_ptr<Prepared> get, set, addKey, remove, keys, values, removeKeys, removeValues;
 
+  void open(const engine::Engine& engine, const engine::OpenOptions& options,
+            const dialect::Writer& writer) {
+    session = engine.open(options);
+    if (!session->hasTable(kLastTable)) {
+      if (!options.create) {
+        raise(errors::kUnspecified, kSource,
+              fmt::format("{} is no registry: it has no table {}.",
+                          engine.isFile() ? "The file " + options.path : "Schema " + options.schema,
+                          kLastTable));
+      }
+      makeTables(writer);
+    }
+    const auto prepare = [&](std::string_view text) {
+      return session->prepare(writer.composed(text));
+    };
+    get = prepare(kGet);
+    set = prepare(kSet);
+    addKey = prepare(kAddKey);
+    remove = prepare(kRemove);
+    keys = prepare(kKeys);
+    values = prepare(kValues);
+    removeKeys = prepare(kRemoveKeys);
+    removeValues = prepare(kRemoveValues);
+  }
+
+  void makeTables(const dialect::Writer& writer) const {
+    engine::Transaction transaction(*session);
+    session->holdNumbersOf(kLastTable);
+    // Another process may have been faster.
+    if (!session->hasTable(kLastTable)) {
+      for (const std::string& text : dialect::translateSchema(kTables, writer)) {
+        session->execute(text);
+      }
+    }
+    transaction.commit();
+  }
+
   std::optional<std::string> find(std::string_view path, std::string_view folded) const {
     get->bind(1, textValue(path));
     get->bind(2, textValue(folded));
@@ -124,27 +164,18 @@ RegistryTree::RegistryTree(const std::string& file, Options options)
   open.create = options.create;
   open.synchronous = options.synchronous;
   open.busyTimeoutMs = options.busyTimeoutMs;
-  state_->session = engine::sqliteEngine().open(open);
-  engine::Session& session = *state_->session;
-  if (options.create) {
-    engine::Transaction transaction(session);
-    session.execute(kTables);
-    transaction.commit();
-  }
-  try {
-    state_->get = session.prepare(kGet);
-    state_->set = session.prepare(kSet);
-    state_->addKey = session.prepare(kAddKey);
-    state_->remove = session.prepare(kRemove);
-    state_->keys = session.prepare(kKeys);
-    state_->values = session.prepare(kValues);
-    state_->removeKeys = session.prepare(kRemoveKeys);
-    state_->removeValues = session.prepare(kRemoveValues);
-  } catch (const Error& error) {
-    if (error.number() != errors::kSyntax) throw;
-    raise(errors::kUnspecified, kSource,
-          fmt::format("The file {} is no registry: {}.", open.path, error.description()));
-  }
+  const engine::Engine& engine = *findEngine("sqlite");
+  state_->open(engine, open, *makeWriter(engine, {}));
+}
+
+RegistryTree::RegistryTree(const Installation& installation,
+                           std::shared_ptr<engine::Shared>* shared, bool create)
+    : state_(std::make_unique<State>()) {
+  engine::OpenOptions open = installation.registryOptions();
+  open.shared = shared;
+  open.create = create;
+  const engine::Engine& engine = installation.registryEngine();
+  state_->open(engine, open, *makeWriter(engine, open.schema));
 }
 
 RegistryTree::~RegistryTree() = default;

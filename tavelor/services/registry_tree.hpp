@@ -12,6 +12,11 @@
 
 namespace tavelor {
 
+class Installation;
+namespace engine {
+class Shared;
+}
+
 /// The registry of an installation: keys such as "SOFTWARE\Merivan\Tavelor\1.0\Seguridad\", and
 /// under each key values by name. One object is one connection, used by one thread; all objects
 /// over one file see at once what any of them, in any process, has written.
@@ -23,8 +28,8 @@ namespace tavelor {
 /// A write is there or not there after a crash of the program, never in part. With the setting
 /// "synchronous" off a power cut may lose the last writes.
 ///
-/// Errors: those of the engine for a file that is missing, damaged, locked for too long or on a
-/// full disk; 5 for an empty path.
+/// Errors: those of the engine for a file or server that is missing, damaged, locked for too long
+/// or on a full disk; 5 for an empty path.
 class TAVELOR_API RegistryTree {
  public:
   /// How the file is opened.
@@ -37,6 +42,10 @@ class TAVELOR_API RegistryTree {
   explicit RegistryTree(const std::string& file, Options options);
   /// The same by the usual options.
   explicit RegistryTree(const std::string& file) : RegistryTree(file, Options{}) {}
+  /// That of an installation, wherever it keeps it, beside the sessions that share `shared`. Made
+  /// when it is not there and `create` is set.
+  explicit RegistryTree(const Installation& installation,
+                        std::shared_ptr<engine::Shared>* shared = nullptr, bool create = false);
   ~RegistryTree();
   RegistryTree(const RegistryTree&) = delete;
   RegistryTree& operator=(const RegistryTree&) = delete;

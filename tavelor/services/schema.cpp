@@ -8,8 +8,10 @@
 #include <fmt/format.h>
 
 #include "tavelor/platform/error.hpp"
+#include "tavelor/platform/text.hpp"
 #include "tavelor/services/dialect/ddl.hpp"
 #include "tavelor/services/dialect/dialect.hpp"
+#include "tavelor/services/dialect/writer.hpp"
 #include "tavelor/services/engine/catalogue.hpp"
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/engine/row_store.hpp"
@@ -24,10 +26,11 @@ constexpr std::string_view kVersionTable = "Tavelor_Schema";
 constexpr std::string_view kVersionDdl =
     "CREATE TABLE Tavelor_Schema (Id LONG NOT NULL, Version LONG NOT NULL,"
     " CONSTRAINT PK_Tavelor_Schema PRIMARY KEY (Id));";
-constexpr std::string_view kReadVersion = "SELECT Version FROM Tavelor_Schema WHERE Id=1";
+constexpr std::string_view kReadVersion =
+    "SELECT \"Version\" FROM \"Tavelor_Schema\" WHERE \"Id\"=1";
 constexpr std::string_view kWriteVersion =
-    "INSERT INTO Tavelor_Schema (Id, Version) VALUES (1, ?) "
-    "ON CONFLICT (Id) DO UPDATE SET Version=excluded.Version";
+    "INSERT INTO \"Tavelor_Schema\" (\"Id\", \"Version\") VALUES (1, ?) "
+    "ON CONFLICT (\"Id\") DO UPDATE SET \"Version\"=excluded.\"Version\"";
 
 [[noreturn]] void refuseDrop() {
   raise(errors::kNotSupported, kSource, "A schema may only add: nothing is dropped.");
@@ -93,8 +96,8 @@ void addMissing(engine::Session& session, std::string_view ddl, const dialect::W
   }
 }
 
-void writeVersion(engine::Session& session, int version) {
-  const auto statement = session.prepare(kWriteVersion);
+void writeVersion(engine::Session& session, int version, const dialect::Writer& writer) {
+  const auto statement = session.prepare(writer.composed(kWriteVersion));
   statement->bind(1, engine::Value::ofInteger(version));
   statement->run();
 }
@@ -116,42 +119,49 @@ std::string ddlOf(int selector) {
   return ddl;
 }
 
-int versionOf(engine::Session& session) {
-  std::unique_ptr<engine::Prepared> read;
-  try {
-    read = session.prepare(kReadVersion);
-  } catch (const Error& error) {
-    if (error.number() != errors::kSyntax) throw;
-    return 0;  // the table is not there
-  }
+int versionOf(engine::Session& session, const dialect::Writer& writer) {
+  if (!session.hasTable(kVersionTable)) return 0;
+  const auto read = session.prepare(writer.composed(kReadVersion));
   engine::RowStore rows({engine::ColumnType::kInt32});
   read->fetch(rows);
   return rows.rows() == 0 || rows.isNull(0, 0) ? 0 : static_cast<int>(rows.integer(0, 0));
 }
 
+engine::Catalogue describe(engine::Session& session) {
+  engine::Catalogue found = session.describe();
+  std::vector<engine::Table> tables = found.tables();
+  for (engine::Table& table : tables) {
+    table.counter = std::any_of(counters().begin(), counters().end(), [&](std::string_view name) {
+      return text::equalsIgnoreCase(name, table.name);
+    });
+  }
+  return engine::Catalogue(std::move(tables));
+}
+
 void bringUpToDate(engine::Session& session, const Target& target, const dialect::Writer& writer) {
-  if (versionOf(session) == target.version) return;
+  if (versionOf(session, writer) == target.version) return;
 
   engine::Transaction transaction(session);
+  session.holdNumbersOf(kVersionTable);
   // Another process may have been faster.
-  const int version = versionOf(session);
+  const int version = versionOf(session, writer);
   if (version == target.version) return;
   if (version > target.version) {
     raise(errors::kUnspecified, kSource,
           fmt::format("The database {} was made by a newer program: its schema is version {}, and "
                       "this one knows version {}.",
-                      target.file, version, target.version));
+                      target.place, version, target.version));
   }
   if (version == 0) {
     if (!target.mayBeEmpty || !session.describe().tables().empty()) {
       raise(errors::kUnspecified, kSource,
-            fmt::format("The database {} is none of this system: it has no table {}.", target.file,
+            fmt::format("The database {} is none of this system: it has no table {}.", target.place,
                         kVersionTable));
     }
     apply(session, kVersionDdl, writer);
   }
   addMissing(session, target.ddl, writer);
-  writeVersion(session, target.version);
+  writeVersion(session, target.version, writer);
   transaction.commit();
 }
 

@@ -7,8 +7,9 @@
 #include <string_view>
 
 namespace tavelor::engine {
+class Catalogue;
 class Session;
-}
+}  // namespace tavelor::engine
 namespace tavelor::dialect {
 class Writer;
 }
@@ -29,6 +30,8 @@ struct Assignment {
 // Made from the files in schema/.
 std::span<const Family> families();
 std::span<const Assignment> assignments();
+/// The tables whose rows are counters.
+std::span<const std::string_view> counters();
 /// Raised with each change of the tables.
 int currentVersion();
 
@@ -36,7 +39,9 @@ int currentVersion();
 std::string ddlOf(int selector);
 
 /// The version that a database was brought to, or 0 when it never was.
-int versionOf(engine::Session& session);
+int versionOf(engine::Session& session, const dialect::Writer& writer);
+/// The tables of a database, with what the schema says of them.
+engine::Catalogue describe(engine::Session& session);
 
 /// What a database declares and what to do about it.
 struct Target {
@@ -44,7 +49,7 @@ struct Target {
   int version = 0;
   /// An empty database may be filled; else only one that has a version already is touched.
   bool mayBeEmpty = false;
-  std::string file;  ///< for messages
+  std::string place;  ///< for messages
 };
 
 /// Adds the tables, columns and indexes that are missing, in one transaction, and notes the

@@ -3,6 +3,7 @@
 #include "tavelor/services/settings_file.hpp"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdio>
 #include <fstream>
@@ -13,11 +14,13 @@
 #include <utility>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/format.hpp"
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/text.hpp"
+#include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/engines.hpp"
 #include "tavelor/services/installation.hpp"
 
@@ -31,6 +34,8 @@ constexpr std::string_view kSource = "Installation";
 constexpr int kFormat = 1;
 constexpr int kMostDecimals = 6;
 constexpr int kLongestWaitMs = 3'600'000;
+constexpr int kLongestConnectS = 300;
+constexpr std::size_t kLongestSchema = 63;
 constexpr std::size_t kLargestFile = 1 << 20;
 
 std::string readWhole(const fs::path& file) {
@@ -153,8 +158,8 @@ class Reader {
   }
 
   void element(pugi::xml_node node) {
-    static const Names kKnown = {"company",  "product", "locale", "formats", "databases",
-                                 "registry", "folders", "modes",  "trace"};
+    static const Names kKnown = {"company", "product",  "locale",  "formats", "databases",
+                                 "server",  "registry", "folders", "modes",   "trace"};
     const std::string_view name = node.name();
     Settings& s = settings_;
     if (node.type() != pugi::node_element) complain(node, "a text stands outside the elements");
@@ -174,9 +179,13 @@ class Reader {
       s.currencyDecimals = whole(node, "currency-decimals", s.currencyDecimals, 0, kMostDecimals);
     } else if (name == "databases") {
       databases(node);
+    } else if (name == "server") {
+      server(node);
     } else if (name == "registry") {
-      allowOnlyAttributes(node, {"file"});
+      allowOnlyAttributes(node, {"engine", "file", "schema"});
+      s.registryEngine = attribute(node, "engine", s.registryEngine);
       s.registryFile = attribute(node, "file", s.registryFile);
+      s.registrySchema = attribute(node, "schema", s.registrySchema);
     } else if (name == "folders") {
       allowOnlyAttributes(node, {"export", "document", "text", "email-text"});
       s.exportFolder = attribute(node, "export", s.exportFolder);
@@ -195,6 +204,26 @@ class Reader {
     }
   }
 
+  void server(pugi::xml_node node) {
+    if (node.attribute("password")) {
+      complain(node,
+               "a password has no place here: it comes from the environment (PGPASSWORD) or from a "
+               "password file (password-file)");
+    }
+    allowOnlyAttributes(node, {"hosts", "database", "user", "password-file", "tls",
+                               "root-certificate", "certificate", "key", "connect-timeout-s"});
+    engine::ServerAddress& s = settings_.server;
+    s.hosts = attribute(node, "hosts", s.hosts);
+    s.database = attribute(node, "database", s.database);
+    s.user = attribute(node, "user", s.user);
+    s.passwordFile = attribute(node, "password-file", s.passwordFile);
+    s.tls = attribute(node, "tls", s.tls);
+    s.rootCertificate = attribute(node, "root-certificate", s.rootCertificate);
+    s.certificate = attribute(node, "certificate", s.certificate);
+    s.key = attribute(node, "key", s.key);
+    s.connectTimeoutS = whole(node, "connect-timeout-s", s.connectTimeoutS, 1, kLongestConnectS);
+  }
+
   void databases(pugi::xml_node node) {
     allowAttributes(node, {"synchronous", "busy-timeout-ms"});
     settings_.synchronous = flag(node, "synchronous", settings_.synchronous);
@@ -205,13 +234,14 @@ class Reader {
       if (std::string_view(child.name()) != "database") {
         unknown(child, "element", child.name(), {"database"});
       }
-      allowOnlyAttributes(child, {"selector", "label", "engine", "file", "serves-as"});
+      allowOnlyAttributes(child, {"selector", "label", "engine", "file", "schema", "serves-as"});
       DatabaseSettings database;
       database.selector = whole(child, "selector", -1, 0, 99);
       if (database.selector < 0) complain(child, "a database needs a selector");
       database.label = attribute(child, "label", "");
       database.engine = attribute(child, "engine", database.engine);
       database.file = attribute(child, "file", "");
+      database.schema = attribute(child, "schema", "");
       const std::string servesAs = attribute(child, "serves-as", "file");
       if (servesAs != "file" && servesAs != "server") {
         complain(child,
@@ -261,6 +291,51 @@ void checkKeyName(std::string_view what, std::string_view value, const std::stri
   }
 }
 
+bool isFile(const std::string& engine) {
+  const engine::Engine* const found = findEngine(engine);
+  return found == nullptr || found->isFile();
+}
+
+/// Where a database lies on a server.
+void checkSchema(const std::string& what, const std::string& schema, const std::string& where) {
+  checkText(what + " schema", schema, where);
+  if (schema.size() > kLongestSchema || schema == "tavelor" || schema.starts_with("pg_")) {
+    raise(
+        errors::kInvalidCall, kSource,
+        fmt::format("{}: {} schema can't be named \"{}\": it has at most {} bytes, and \"tavelor\" "
+                    "and what begins with \"pg_\" are taken.",
+                    where, what, schema, kLongestSchema));
+  }
+}
+
+void checkServer(const Settings& s, const std::string& where) {
+  const auto complain = [&](const std::string& why) {
+    raise(errors::kInvalidCall, kSource, fmt::format("{}: {}.", where, why));
+  };
+  std::vector<std::string> schemas;
+  const auto take = [&](const std::string& what, const std::string& schema) {
+    checkSchema(what, schema, where);
+    if (std::find(schemas.begin(), schemas.end(), schema) != schemas.end()) {
+      complain(fmt::format("{} schema \"{}\" is that of another database", what, schema));
+    }
+    schemas.push_back(schema);
+  };
+  for (const DatabaseSettings& database : s.databases) {
+    if (isFile(database.engine)) continue;
+    take(fmt::format("database {}: the", database.selector),
+         database.schema.empty() ? database.label : database.schema);
+  }
+  if (!isFile(s.registryEngine)) take("the registry's", s.registrySchema);
+  if (schemas.empty()) return;
+  checkText("the server's hosts", s.server.hosts, where);
+  checkText("the server's database", s.server.database, where);
+  static constexpr std::array<std::string_view, 5> kTls = {"disable", "prefer", "require",
+                                                           "verify-ca", "verify-full"};
+  if (std::find(kTls.begin(), kTls.end(), s.server.tls) == kTls.end()) {
+    complain(fmt::format("tls must be one of {}, not \"{}\"", fmt::join(kTls, ", "), s.server.tls));
+  }
+}
+
 /// Two uses of one file would spoil what either writes there.
 void checkFiles(const Settings& s, const fs::path& folder, const std::string& where) {
   std::vector<std::pair<std::string, fs::path>> taken;
@@ -276,10 +351,31 @@ void checkFiles(const Settings& s, const fs::path& folder, const std::string& wh
   };
   take("the settings", Installation::kSettingsFile);
   for (const DatabaseSettings& database : s.databases) {
-    take(fmt::format("database {}", database.selector), database.file);
+    if (isFile(database.engine)) {
+      take(fmt::format("database {}", database.selector), database.file);
+    }
   }
-  take("the registry", s.registryFile);
+  if (isFile(s.registryEngine)) take("the registry", s.registryFile);
   if (!s.traceFile.empty()) take("the trace", s.traceFile);
+}
+
+/// Only what is not usual.
+void writeServer(pugi::xml_node node, const engine::ServerAddress& s) {
+  const engine::ServerAddress usual;
+  const auto write = [&](const char* name, const std::string& value, const std::string& without) {
+    if (value != without) node.append_attribute(name) = value.c_str();
+  };
+  write("hosts", s.hosts, usual.hosts);
+  write("database", s.database, usual.database);
+  write("user", s.user, usual.user);
+  write("password-file", s.passwordFile, usual.passwordFile);
+  write("tls", s.tls, usual.tls);
+  write("root-certificate", s.rootCertificate, usual.rootCertificate);
+  write("certificate", s.certificate, usual.certificate);
+  write("key", s.key, usual.key);
+  if (s.connectTimeoutS != usual.connectTimeoutS) {
+    node.append_attribute("connect-timeout-s") = s.connectTimeoutS;
+  }
 }
 
 std::string xmlOf(const Settings& s) {
@@ -306,10 +402,21 @@ std::string xmlOf(const Settings& s) {
     node.append_attribute("selector") = database.selector;
     node.append_attribute("label") = database.label.c_str();
     node.append_attribute("engine") = database.engine.c_str();
-    node.append_attribute("file") = database.file.c_str();
+    if (isFile(database.engine)) {
+      node.append_attribute("file") = database.file.c_str();
+    } else if (!database.schema.empty()) {
+      node.append_attribute("schema") = database.schema.c_str();
+    }
     if (database.servesAsServer) node.append_attribute("serves-as") = "server";
   }
-  root.append_child("registry").append_attribute("file") = s.registryFile.c_str();
+  if (!s.server.hosts.empty()) writeServer(root.append_child("server"), s.server);
+  pugi::xml_node registry = root.append_child("registry");
+  if (isFile(s.registryEngine)) {
+    registry.append_attribute("file") = s.registryFile.c_str();
+  } else {
+    registry.append_attribute("engine") = s.registryEngine.c_str();
+    registry.append_attribute("schema") = s.registrySchema.c_str();
+  }
 
   pugi::xml_node folders = root.append_child("folders");
   folders.append_attribute("export") = s.exportFolder.c_str();
@@ -359,7 +466,7 @@ void checkSettings(const Settings& s, const fs::path& folder, const std::string&
     const DatabaseSettings& database = s.databases[i];
     const std::string what = fmt::format("database {}: the", database.selector);
     checkText(what + " label", database.label, where);
-    checkText(what + " file", database.file, where);
+    if (isFile(database.engine)) checkText(what + " file", database.file, where);
     if (findEngine(database.engine) == nullptr) {
       complain(fmt::format("database {}: there is no engine \"{}\"", database.selector,
                            database.engine));
@@ -370,7 +477,11 @@ void checkSettings(const Settings& s, const fs::path& folder, const std::string&
       }
     }
   }
-  checkText("the registry file", s.registryFile, where);
+  if (findEngine(s.registryEngine) == nullptr) {
+    complain(fmt::format("the registry: there is no engine \"{}\"", s.registryEngine));
+  }
+  if (isFile(s.registryEngine)) checkText("the registry file", s.registryFile, where);
+  checkServer(s, where);
   checkText("the export folder", s.exportFolder, where);
   checkText("the document folder", s.documentFolder, where);
   checkText("the text folder", s.textFolder, where);

@@ -15,8 +15,8 @@ void StatementTrace::writeTo(const std::string& file) {
 void StatementTrace::statement(const TraceSink::Entry& traced) {
   if (!on_) return;
   if (entries_.size() == kKept) entries_.pop_front();
-  entries_.push_back(
-      {traced.selector, std::string(traced.text), traced.microseconds, traced.rows, traced.error});
+  entries_.push_back({traced.selector, std::string(traced.text), traced.microseconds, traced.rows,
+                      traced.error, traced.waits});
   if (file_) writeLine(entries_.back());
   if (listener_) listener_(entries_.back());
 }
@@ -26,10 +26,16 @@ void StatementTrace::writeLine(const TraceEntry& entry) {
   // One statement is one line, whatever its values hold.
   std::replace_if(
       text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, ' ');
-  const std::string line = entry.error == 0 ? fmt::format("{} {} us {} rows {}\n", entry.selector,
-                                                          entry.microseconds, entry.rows, text)
-                                            : fmt::format("{} {} us error {} {}\n", entry.selector,
-                                                          entry.microseconds, entry.error, text);
+  std::string line = fmt::format("{} {} us ", entry.selector, entry.microseconds);
+  if (entry.waits > 0) line += fmt::format("{} waits ", entry.waits);
+  if (entry.error != 0) {
+    line += fmt::format("error {} ", entry.error);
+  } else if (entry.rows < 0) {
+    line += "sent ";
+  } else {
+    line += fmt::format("{} rows ", entry.rows);
+  }
+  line += text + '\n';
   std::fwrite(line.data(), 1, line.size(), file_.get());
   std::fflush(file_.get());
 }

@@ -20,8 +20,9 @@ struct TAVELOR_API TraceEntry {
   int selector = 0;
   std::string text;
   std::int64_t microseconds = 0;
-  std::int64_t rows = 0;   ///< fetched or written
+  std::int64_t rows = 0;   ///< fetched or written; -1 where nobody waited to know
   std::int32_t error = 0;  ///< number of the error that it raised, or 0
+  std::int64_t waits = 0;  ///< how often it waited for a server
 };
 
 /// The last statements of one apartment. Off unless the installation's settings turn it on.

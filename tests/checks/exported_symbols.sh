@@ -9,7 +9,7 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 nm -D --defined-only "$1" | cut -d' ' -f3 >"$scratch/symbols"
 # The classes that symbols belong to, as "Class" or "engine::Class".
-c++filt <"$scratch/symbols" | grep -oE '^[^(]*tavelor::(dialect|engine|engine::sqlite)?(::)?[A-Za-z]+::' |
+c++filt <"$scratch/symbols" | grep -oE '^[^(]*tavelor::(dialect|engine|engine::sqlite|engine::postgres)?(::)?[A-Za-z]+::' |
   sed -E 's/.*tavelor:://; s/::$//' | LC_ALL=C sort -u >"$scratch/shown"
 
 # classes_of HEADER...: what they define.
@@ -27,7 +27,7 @@ complain() {
   fi
 }
 complain "outside of the namespace" "$(grep -vE 'NK?7tavelor' "$scratch/symbols" || true)"
-complain "of engines and of the dialect" "$(grep -E '7tavelor(7dialect|6engine6sqlite)' "$scratch/symbols" || true)"
+complain "of engines and of the dialect" "$(grep -E '7tavelor(7dialect|6engine(6sqlite|8postgres))' "$scratch/symbols" || true)"
 complain "of inner rooms" "$(LC_ALL=C comm -12 "$scratch/shown" "$scratch/private")"
 complain "not shown" "$(grep -iE '^cls' "$scratch/public" | LC_ALL=C comm -13 "$scratch/shown" -)"
 echo "$(wc -l <"$scratch/symbols") symbols of $(wc -l <"$scratch/public") classes and their functions"

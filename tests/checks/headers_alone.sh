@@ -7,11 +7,14 @@
 source "$(dirname "$0")/../../scripts/lib/common.sh"
 source tests/checks/headers.sh
 
-budget=45000
+budget=46000
 all_budget=60000 # of the header that includes the others
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 export CXX=${CXX:-g++} scratch budget all_budget
+# Inner headers may be made of a library's own.
+read -r -a flags <<<"$(pkg-config --cflags libpq)"
+export flags_of_inner="${flags[*]}"
 accepted=build/headers_alone
 version=$("$CXX" --version)
 export accepted version
@@ -20,9 +23,11 @@ find "$accepted" -type f -mtime +14 -delete
 
 weigh() {
   local header=$1 kind=$2 text mark lines
+  local -a flags=()
+  [[ $kind == public ]] || read -r -a flags <<<"$flags_of_inner"
   text="$scratch/${header//\//-}.ii"
   # The compiler reads the preprocessed text, so that the header is read once.
-  if ! "$CXX" -std=c++20 -I . -E -P -x c++ -include "$header" /dev/null -o "$text"; then
+  if ! "$CXX" -std=c++20 -I . "${flags[@]}" -E -P -x c++ -include "$header" /dev/null -o "$text"; then
     echo "$header does not compile alone" >&2
     return 1
   fi

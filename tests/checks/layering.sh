@@ -45,10 +45,14 @@ own_files 'tavelor/*.hpp' 'tavelor/*.cpp' | xargs -r -d '\n' grep -Hn '^ *# *inc
       if (!own) { complain("is on no floor of CMakeLists.txt"); next }
       if (match($0, /<[^>]*>/)) {
         header = substr($0, RSTART + 1, RLENGTH - 2)
-        if (isPublic && header ~ /^(sqlite3|libpq|fmt|pugi|utf8proc|iostream|regex|iomanip)/)
+        if (isPublic && header ~ /^(sqlite3|libpq|qrencode|curl|fmt|pugi|utf8proc|iostream|regex|iomanip)/)
           complain("a public header includes <" header ">")
         if (header ~ /^sqlite3/ && file !~ /^tavelor\/services\/sqlite\//)
           complain("only tavelor/services/sqlite may include <" header ">")
+        if (header ~ /^libpq/ && file !~ /^tavelor\/services\/postgres\//)
+          complain("only tavelor/services/postgres may include <" header ">")
+        if (header ~ /^curl/ && file !~ /^tavelor\/sending\//)
+          complain("only tavelor/sending may include <" header ">")
         next
       }
       if (!match($0, /"[^"]*"/)) next

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "tests/classes/articulos.hpp"
+#include "tests/support/engines.hpp"
 #include "tests/support/form.hpp"
 
 namespace tavelor {
@@ -129,6 +130,7 @@ TEST_F(ClsArticulosIntercambioTest, ATableWithoutArticlesSavesNoFile) {
 }
 
 TEST_F(ClsArticulosIntercambioTest, TheInstallationsOwnFilesAreNotOverwritten) {
+  TAVELOR_ONLY_IN_FILES("a server has no files of the installation");
   add("A1");
   const std::string folder = shop.installation().folder();
   for (const char* file : {"/main.db", "/tavelor.xml"}) {
@@ -329,6 +331,7 @@ TEST_F(ClsArticulosServerTest, ReportEnginesReadAServerWithoutHelp) {
 }
 
 TEST_F(ClsArticulosIntercambioTest, WhileAnotherWritesReportTablesCannotBeBroughtUpToDate) {
+  TAVELOR_ONLY_IN_FILES("nothing has to be moved into a file");
   const ConnectionPtr writer = shop.apartment().openConnection(selector::kMain);
   writer->BeginTrans();
   writer->Execute(Statement("INSERT INTO Articulos (Codigo) VALUES ('A1')"));

@@ -6,6 +6,7 @@
 #include "tavelor/services/recordset/recordset.hpp"
 #include "tavelor/services/session_global.hpp"
 #include "tests/classes/stock.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor {
 namespace {
@@ -196,6 +197,7 @@ TEST_F(LotsTest, APurchaseIsRoundedByTheFormatOfQuantities) {
 }
 
 TEST_F(LotsTest, NoFlagOfTheArticleIsAsked) {
+  TAVELOR_ONLY_IN_FILES("a server always works with lots of use");
   article("S1", {.actualizar = false, .restar = false});
   lots.ActualizarStock_sund("S1", "L1", 0, 3);
   shop.run("UPDATE Articulos_Lotes SET Stock = True");
@@ -232,6 +234,7 @@ TEST_F(LotsTest, ASaleFromAnUnknownLotMakesItActiveWithNegativeStock) {
 }
 
 TEST_F(LotsTest, ASaleIsNotConvertedByTheMeasure) {
+  TAVELOR_ONLY_IN_FILES("a server always works with lots of use");
   lot("1", "A100", "L1", "30");
   lots.DescargarStock_V("A100", "L1", 9, 2, false);
   EXPECT_EQ(lotOf("L1"), "28/0");
@@ -240,6 +243,7 @@ TEST_F(LotsTest, ASaleIsNotConvertedByTheMeasure) {
 }
 
 TEST_F(LotsTest, WithoutLotsOfUseASaleChangesTheStockAndNoActiveLot) {
+  TAVELOR_ONLY_IN_FILES("a server always works with lots of use");
   activateByUse(false);
   lot("1", "A100", "L0", "5", "-1");
   lot("2", "A100", "L1", "5");
@@ -253,6 +257,7 @@ TEST_F(LotsTest, WithoutLotsOfUseASaleChangesTheStockAndNoActiveLot) {
 }
 
 TEST_F(LotsTest, WithLotsOfUseTheLotSoldBecomesTheOnlyActiveOne) {
+  TAVELOR_ONLY_IN_FILES("a server always works with lots of use");
   activateByUse(true);
   lot("1", "A100", "L0", "5", "-1");
   lot("2", "A100", "L1", "5");
@@ -278,6 +283,7 @@ TEST_F(LotsTest, WithLotsOfUseASaleFromALotThatKeepsNoStockLeavesNoActiveLot) {
 }
 
 TEST_F(LotsTest, WithoutLotsOfUseASaleFromALotThatKeepsNoStockDoesNothing) {
+  TAVELOR_ONLY_IN_FILES("a server always works with lots of use");
   activateByUse(false);
   lot("1", "A100", "L1", "5", "-1", "False");
   lots.DescargarStock_V("A100", "L1", 9, 2, false);
@@ -480,6 +486,7 @@ TEST_F(LotsTest, AddNewGivesTheNextKeyWhateverItsLength) {
 // ---- Bad input
 
 TEST_F(LotsTest, BadQuantitiesAndHostileTextChangeNothing) {
+  TAVELOR_ONLY_IN_FILES("a server always works with lots of use");
   lot("1", "A100", "L1", "5", "-1");
   EXPECT_EQ(errorOf([&] { lots.ActualizarStock("A100", "L1", 0, "x"); }), errors::kTypeMismatch);
   EXPECT_EQ(errorOf([&] { lots.ActualizarStock("A100", "L1", "x", 0); }), errors::kTypeMismatch)

@@ -6,6 +6,7 @@
 #include "tavelor/services/clock.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 #include "tests/classes/stock.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor {
 namespace {
@@ -322,6 +323,7 @@ class LedgerKindTest : public testing::TestWithParam<bool>, protected LedgerShop
 };
 
 TEST_P(LedgerKindTest, DeleteAllNoInternoLeavesTheRowsOfInternalArticles) {
+  if (!GetParam()) TAVELOR_ONLY_IN_FILES("the class tells files and servers apart");
   article("A100");
   article("I1", {.interno = true});
   add({.article = "A100"});

@@ -3,6 +3,7 @@
 #include "tavelor/reference/familias.hpp"
 
 #include "tests/classes/catalogue.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor {
 namespace {
@@ -141,6 +142,7 @@ TEST_F(clsFamiliasTest, GetDatosImportReadsOneOfThemAndLeavesWhatIsNotThere) {
 }
 
 TEST_F(clsFamiliasTest, TheReportConnectionIsThatOfTheHistoricDatabaseIfAsked) {
+  TAVELOR_ONLY_IN_FILES("it names the database file");
   std::string kind, main, historic, catalog, user, password, expected;
   catalogue.GetConnectionStrToRpt(kind, main, catalog, user, password);
   catalogue.GetConnectionStrToRpt(kind, historic, catalog, user, password, true);

@@ -3,6 +3,7 @@
 #include "tests/classes/numeradores.hpp"
 
 #include "tavelor/frame/component.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor {
 namespace {
@@ -407,6 +408,7 @@ TEST_F(ClsNumeradoresTest, AnEmptyConnectionComesBackFilledAndAGivenOneIsUsed) {
 }
 
 TEST_F(ClsNumeradoresTest, EveryMemberFillsAnEmptyConnection) {
+  TAVELOR_ONLY_IN_FILES("a server always works with lots of use, and is not asked");
   const auto filled = [](auto&& call) {
     ConnectionPtr connection;
     call(connection);
@@ -433,6 +435,7 @@ TEST_F(ClsNumeradoresTest, EveryMemberFillsAnEmptyConnection) {
 // ---- Lots
 
 TEST_F(ClsNumeradoresTest, ActivarLoteUsoIsTheFlagOfThePeriodWhateverItsArgument) {
+  TAVELOR_ONLY_IN_FILES("a server always works with lots of use");
   EXPECT_FALSE(counters.ActivarLoteUso("x"));
   set("Activar_Lote_Uso = True");
   EXPECT_TRUE(counters.ActivarLoteUso(Null()));

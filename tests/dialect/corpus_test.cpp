@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Every statement of the library, and what the embedded engine is sent for it.
+// Every statement of the library, and what each engine is sent for it.
 //
-// corpus/*.txt hold the statements, approved/*.txt what they become. After a wanted change run the
-// test with TAVELOR_APPROVE=1 and read the difference.
+// corpus/*.txt hold the statements, approved/*.txt what they become: the embedded engine's text,
+// behind "pg: " that of PostgreSQL for a schema "main", the values (once more behind $ where
+// PostgreSQL gets other ones) and the columns. After a wanted change run the test with
+// TAVELOR_APPROVE=1 and read the difference.
 #include <cstdlib>
 #include <fstream>
 #include <set>
@@ -16,6 +18,7 @@
 #include "tavelor/services/dialect/dialect.hpp"
 #include "tavelor/services/dialect/lexer.hpp"
 #include "tavelor/services/dialect/literal_value.hpp"
+#include "tavelor/services/dialect/writer.hpp"
 #include "tests/dialect/corpus_case.hpp"
 
 namespace tavelor::dialect {
@@ -41,6 +44,16 @@ std::string_view conversionName(Conversion conversion) {
       return "date by locale";
     case Conversion::kBoolean:
       return "boolean";
+    case Conversion::kAmount:
+      return "amount";
+    case Conversion::kDay:
+      return "day";
+    case Conversion::kNow:
+      return "now";
+    case Conversion::kToday:
+      return "today";
+    case Conversion::kTimeOfDay:
+      return "time of day";
   }
   return "";
 }
@@ -67,19 +80,35 @@ std::string valueText(const engine::Value& value) {
 }
 
 engine::Value valueOf(const Shape& shape, const Parameter& parameter) {
+  if (parameter.literal < 0) return readClock(Date(46347.5), parameter.conversion);
   const auto index = static_cast<std::size_t>(parameter.literal);
   const LiteralValue lifted = readLiteral(shape.literals[index], shape.kinds[index]);
   return LiteralReader(*Locale::spanish()).read(lifted, parameter);
 }
 
-void writeParameters(std::ostream& out, const Step& step, const Shape& shape) {
+std::string parametersText(const Step& step, const Shape& shape, char mark) {
+  std::ostringstream out;
   int number = 0;
   for (const Parameter& parameter : step.parameters) {
-    out << "  ?" << ++number << " " << conversionName(parameter.conversion) << " "
+    out << "  " << mark << ++number << " " << conversionName(parameter.conversion) << " "
         << valueText(valueOf(shape, parameter));
     if (!parameter.column.empty()) out << " -> " << parameter.column;
     if (parameter.maxLength > 0) out << " (" << parameter.maxLength << ")";
     out << "\n";
+  }
+  return out.str();
+}
+
+/// The text of both engines, and the values that they get.
+void writeSteps(std::ostream& out, const Plan& embedded, const Plan& server, const Shape& shape) {
+  EXPECT_EQ(embedded.steps.size(), server.steps.size());
+  for (std::size_t i = 0; i < embedded.steps.size(); ++i) {
+    out << embedded.steps[i].sql << "\npg: " << server.steps[i].sql << "\n"
+        << parametersText(embedded.steps[i], shape, '?');
+    if (parametersText(server.steps[i], shape, '?') !=
+        parametersText(embedded.steps[i], shape, '?')) {
+      out << parametersText(server.steps[i], shape, '$');
+    }
   }
 }
 
@@ -109,10 +138,9 @@ Outcome outcomeOf(const CorpusCase& sample) {
     const Plan plan = translate(statement, tests::schemaCatalogue(), sqliteWriter(), literals);
     const Shape shape = shapeOf(statement);
     EXPECT_EQ(literals, shape.literals) << sample.name;
-    for (const Step& step : plan.steps) {
-      out << step.sql << "\n";
-      writeParameters(out, step, shape);
-    }
+    static const auto postgres = postgresWriter("main");
+    const Plan server = translate(statement, tests::schemaCatalogue(), *postgres, literals);
+    writeSteps(out, plan, server, shape);
     writeColumns(out, plan);
     return {true, out.str()};
   } catch (const Error& error) {

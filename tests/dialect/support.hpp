@@ -11,6 +11,7 @@
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/services/dialect/ddl.hpp"
 #include "tavelor/services/dialect/dialect.hpp"
+#include "tavelor/services/dialect/writer.hpp"
 
 namespace tavelor::dialect::test {
 
@@ -45,6 +46,16 @@ inline std::string sqlOf(const Statement& statement) {
 }
 inline std::string sqlOf(std::string_view text) {
   return sqlOf(Statement::trusted(text));
+}
+
+/// The text that PostgreSQL gets, for a schema "s".
+inline Plan serverPlanOf(std::string_view text) {
+  static const auto writer = postgresWriter("s");
+  Literals literals;
+  return translate(Statement::trusted(text), shop(), *writer, literals);
+}
+inline std::string serverSqlOf(std::string_view text) {
+  return serverPlanOf(text).steps.at(0).sql;
 }
 
 /// The error of a statement, or one of number 0 if it has none.

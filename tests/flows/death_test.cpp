@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/flows/lives.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor::flows {
 namespace {
@@ -15,6 +16,7 @@ using ::testing::IsEmpty;
 using DeathTest = LivesTest;
 
 TEST_F(DeathTest, OfASaleIsMendedByTheSameSaleGivenAgain) {
+  TAVELOR_ONLY_IN_FILES("a program dies between the commits of two files, and a server has one");
   live([] { Shop().sell(saleOf("V1")); });
   loseIn("main.db", [](Shop& shop) { shop.sell(saleOf("V2")); });
   live([&] {
@@ -29,6 +31,7 @@ TEST_F(DeathTest, OfASaleIsMendedByTheSameSaleGivenAgain) {
 // Of a period without numbers nobody could tell that a ticket is ahead of the counter. A sale
 // stores the counters before it writes; so does one that is refused, which leaves nothing else.
 TEST_F(DeathTest, OfTheFirstSaleOfAPeriodIsMended) {
+  TAVELOR_ONLY_IN_FILES("a program dies between the commits of two files, and a server has one");
   live([] {
     Sale sale = saleOf("V0");
     sale.payment = "4";  // on credit, and for nobody
@@ -44,6 +47,7 @@ TEST_F(DeathTest, OfTheFirstSaleOfAPeriodIsMended) {
 }
 
 TEST_F(DeathTest, OfAClosingIsMendedByTheNextOfAnotherTill) {
+  TAVELOR_ONLY_IN_FILES("a program dies between the commits of two files, and a server has one");
   live([] {
     Shop shop;
     shop.sell(saleOf("V1", "01"));
@@ -59,6 +63,7 @@ TEST_F(DeathTest, OfAClosingIsMendedByTheNextOfAnotherTill) {
 }
 
 TEST_F(DeathTest, OfAClosingThatFinishedASaleLeavesTheSaleFinishedOnce) {
+  TAVELOR_ONLY_IN_FILES("a program dies between the commits of two files, and a server has one");
   live([] { Shop().recover(); });  // starts the counters
   loseIn("main.db", [](Shop& shop) { shop.sell(saleOf("V1")); });
   loseIn("documents.db", [](Shop& shop) { shop.close("01", kDay); });

@@ -43,6 +43,15 @@ inline Sale saleOf(std::string reference, std::string till = "01") {
   return sale;
 }
 
+/// All that is left of a ticket.
+inline Return returnOf(double ticket) {
+  Return what;
+  what.ticket = ticket;
+  what.till = "01";
+  what.day = kDay;
+  return what;
+}
+
 class LivesTest : public ::testing::Test {
  protected:
   LivesTest() {

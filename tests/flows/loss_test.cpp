@@ -10,6 +10,7 @@
 #include "tavelor/flows/decisions.hpp"
 #include "tavelor/services/trace.hpp"
 #include "tests/flows/lives.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor::flows {
 namespace {
@@ -77,6 +78,8 @@ class LossTest : public LivesTest {
 // The documents are older
 
 TEST_F(LossTest, NothingIsSoldOnTopOfLostTickets) {
+  TAVELOR_ONLY_IN_FILES(
+      "one file of two is put back in time, and a server has both in one database");
   loseTickets();
   live([&] {
     Shop shop;
@@ -91,6 +94,8 @@ TEST_F(LossTest, NothingIsSoldOnTopOfLostTickets) {
 }
 
 TEST_F(LossTest, NothingIsClosedOnTopOfLostTickets) {
+  TAVELOR_ONLY_IN_FILES(
+      "one file of two is put back in time, and a server has both in one database");
   loseTickets();
   live([&] {
     Shop shop;
@@ -100,6 +105,8 @@ TEST_F(LossTest, NothingIsClosedOnTopOfLostTickets) {
 }
 
 TEST_F(LossTest, LostTicketsAreToldWithNumbersAndDays) {
+  TAVELOR_ONLY_IN_FILES(
+      "one file of two is put back in time, and a server has both in one database");
   loseTickets();
   live([&] {
     const Recovered recovered = Shop().recoverAll();
@@ -110,6 +117,8 @@ TEST_F(LossTest, LostTicketsAreToldWithNumbersAndDays) {
 }
 
 TEST_F(LossTest, ReconciliationFindsLostTicketsBehindThoseOfTheDay) {
+  TAVELOR_ONLY_IN_FILES(
+      "one file of two is put back in time, and a server has both in one database");
   loseTickets();
   live([&] { EXPECT_THAT(differences({saleOf("V1")}), Contains(HasSubstr("tickets 2 to 3"))); });
 }
@@ -126,6 +135,8 @@ TEST_F(LossTest, ReconciliationFindsLostTicketsAmongThoseOfTheDay) {
 }
 
 TEST_F(LossTest, LostTicketsThatAreFollowedCanBeSoldAgain) {
+  TAVELOR_ONLY_IN_FILES(
+      "one file of two is put back in time, and a server has both in one database");
   loseTickets();
   live([&] {
     Shop shop;
@@ -146,6 +157,8 @@ TEST_F(LossTest, LostTicketsThatAreFollowedCanBeSoldAgain) {
 }
 
 TEST_F(LossTest, LostTicketsThatAreKeptAreNotAskedForAgain) {
+  TAVELOR_ONLY_IN_FILES(
+      "one file of two is put back in time, and a server has both in one database");
   loseTickets();
   live([&] {
     Shop shop;
@@ -158,6 +171,8 @@ TEST_F(LossTest, LostTicketsThatAreKeptAreNotAskedForAgain) {
 }
 
 TEST_F(LossTest, LostTicketsThatComeBackLeaveNothingToDecide) {
+  TAVELOR_ONLY_IN_FILES(
+      "one file of two is put back in time, and a server has both in one database");
   live([] { Shop().sell(saleOf("V1")); });
   keep("documents.db");
   live([&] {
@@ -180,6 +195,8 @@ TEST_F(LossTest, LostTicketsThatComeBackLeaveNothingToDecide) {
 }
 
 TEST_F(LossTest, AllClosingsWhoseMovesAreLostAreTakenBackByTheNextOne) {
+  TAVELOR_ONLY_IN_FILES(
+      "one file of two is put back in time, and a server has both in one database");
   live([&] {
     Shop shop;
     for (const Sale& sale : sales_) shop.sell(sale);
@@ -197,6 +214,8 @@ TEST_F(LossTest, AllClosingsWhoseMovesAreLostAreTakenBackByTheNextOne) {
 }
 
 TEST_F(LossTest, ClosingsWhoseTicketsAreLostGoWithThem) {
+  TAVELOR_ONLY_IN_FILES(
+      "one file of two is put back in time, and a server has both in one database");
   loseIn("documents.db", [&](Shop& shop) { sellAndClose(shop); });
   live([&] {
     Shop shop;
@@ -210,6 +229,8 @@ TEST_F(LossTest, ClosingsWhoseTicketsAreLostGoWithThem) {
 }
 
 TEST_F(LossTest, ALostClosingThatWasInvoicedIsNeverDeleted) {
+  TAVELOR_ONLY_IN_FILES(
+      "one file of two is put back in time, and a server has both in one database");
   loseIn("documents.db", [&](Shop& shop) { sellAndClose(shop); });
   live([&] {
     run("UPDATE Cierres SET Facturado = 1 WHERE Codigo = 1", 1);
@@ -238,6 +259,8 @@ TEST_F(LossTest, ACounterThatSomebodySetAheadIsToldAndStopsNobody) {
 // The main database is older
 
 TEST_F(LossTest, StockAndClosingsThatTheMainDatabaseLostComeFromTheTickets) {
+  TAVELOR_ONLY_IN_FILES(
+      "one file of two is put back in time, and a server has both in one database");
   live([] { Shop().recover(); });  // starts the counters
   loseIn("main.db", [&](Shop& shop) { sellAndClose(shop); });
   live([&] {
@@ -251,6 +274,8 @@ TEST_F(LossTest, StockAndClosingsThatTheMainDatabaseLostComeFromTheTickets) {
 }
 
 TEST_F(LossTest, AClosingIsWrittenAgainAsItWas) {
+  TAVELOR_ONLY_IN_FILES(
+      "one file of two is put back in time, and a server has both in one database");
   const std::string closings =
       "SELECT Caja & Fecha & Entrega & ' ' & Efectivo & ' ' & Base & ' ' & Importe_Impuestos & ' ' "
       "& Total & ' ' & Saldo_Inicio & ' ' & Saldo_Final AS c FROM Cierres WHERE Codigo = ";
@@ -290,6 +315,8 @@ TEST_F(LossTest, AClosingIsWrittenAgainAsItWas) {
 }
 
 TEST_F(LossTest, TheNextClosingWritesLostOnesFirst) {
+  TAVELOR_ONLY_IN_FILES(
+      "one file of two is put back in time, and a server has both in one database");
   live([] { Shop().recover(); });
   loseIn("main.db", [&](Shop& shop) { sellAndClose(shop); });
   live([&] {
@@ -303,6 +330,8 @@ TEST_F(LossTest, TheNextClosingWritesLostOnesFirst) {
 
 // Counters that the tickets have just given would hide that no stock was moved for any of them.
 TEST_F(LossTest, AMainDatabaseOfATimeBeforeTheCountersIsNotGoneOnWith) {
+  TAVELOR_ONLY_IN_FILES(
+      "one file of two is put back in time, and a server has both in one database");
   loseIn("main.db", [&](Shop& shop) { sellAndClose(shop); });
   live([&] {
     Shop shop;
@@ -318,6 +347,8 @@ TEST_F(LossTest, AMainDatabaseOfATimeBeforeTheCountersIsNotGoneOnWith) {
 }
 
 TEST_F(LossTest, AClosingOfSeveralTillsIsToldAndNotWrittenAgain) {
+  TAVELOR_ONLY_IN_FILES(
+      "one file of two is put back in time, and a server has both in one database");
   live([] { Shop().recover(); });
   loseIn("main.db", [&](Shop& shop) { sellAndClose(shop); });
   live([&] {

@@ -14,6 +14,7 @@
 #include "tavelor/flows/suppliers.hpp"
 #include "tavelor/services/recordset/connection.hpp"
 #include "tests/flows/lives.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor::flows {
 namespace {
@@ -144,6 +145,7 @@ TEST_F(TransactionTest, AReturnAClosingAndADeliveryJoin) {
 }
 
 TEST_F(TransactionTest, AMemberWithoutItsConnectionReadsWithItAndWritesAtOnceRefused) {
+  TAVELOR_ONLY_IN_FILES("connections of an apartment share one transaction there");
   Transaction transaction(shop_);
   shop_.sell(saleOf("V1"));
   EXPECT_TRUE(clsArticulos().ExisteArt("PAN"));

@@ -14,6 +14,7 @@
 #include "tavelor/frame/component.hpp"
 #include "tests/frame/approved.hpp"
 #include "tests/frame/sample.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor::test {
 namespace {
@@ -183,11 +184,15 @@ TEST_F(ByName, AConnectionRunsATransaction) {
   EXPECT_EQ(of("State"), Variant(1));
   EXPECT_EQ(of("BeginTrans"), Variant(1));
   EXPECT_EQ(of("Execute", {"DELETE FROM Muestras"}), Variant(3.0));
+  of("Send", {"DELETE FROM Muestras"});
+  of("HoldNumbersOf", {"Muestras"});
   EXPECT_EQ(of("anyRow", {"SELECT * FROM Muestras"}), Variant(false));
   of("RollbackTrans");
   EXPECT_EQ(of("firstValue", {"SELECT Count(*) AS n FROM Muestras", "n"}), Variant(3));
   EXPECT_EQ(of("transactionLevel"), Variant(0));
   EXPECT_EQ(of("selector"), Variant(1));
+  const bool waits = test::runsOnServer();
+  EXPECT_EQ(of("waits") == Variant(0.0), !waits);
 }
 
 TEST_F(ByName, EventsComeByTheirNamesAndCanBeRefused) {

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/services/faults.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor {
 namespace {
@@ -51,6 +52,7 @@ std::ptrdiff_t openDescriptors(const std::filesystem::path& file) {
 }
 
 TEST(ConnectionsOfAnApartment, DroppedOneIsUsedAgain) {
+  TAVELOR_ONLY_IN_FILES("sessions share one line there");
   Shop shop;
   const auto file = std::filesystem::canonical(shop.installation().databaseFile(1));
   EXPECT_EQ(openDescriptors(file), 0);
@@ -62,6 +64,7 @@ TEST(ConnectionsOfAnApartment, DroppedOneIsUsedAgain) {
 }
 
 TEST(ConnectionsOfAnApartment, RecordSetKeepsItsConnectionFromBeingUsedAgain) {
+  TAVELOR_ONLY_IN_FILES("sessions share one line there");
   Shop shop;
   RecordsetPtr rows;
   {
@@ -77,6 +80,7 @@ TEST(ConnectionsOfAnApartment, RecordSetKeepsItsConnectionFromBeingUsedAgain) {
 }
 
 TEST(ConnectionsOfAnApartment, WriteThatWouldWaitForItsOwnThreadFailsAtOnce) {
+  TAVELOR_ONLY_IN_FILES("two transactions write at a time there");
   Settings settings = fastSettings();
   settings.busyTimeoutMs = 3'600'000;  // whoever waits here hangs
   Shop shop(settings);
@@ -109,6 +113,7 @@ TEST(ReadWithoutAConnection, SeesTheOpenTransactionOfItsApartment) {
 }
 
 TEST(ReadWithoutAConnection, SeesNoTransactionOfAnotherDatabaseApartmentOrGivenConnection) {
+  TAVELOR_ONLY_IN_FILES("connections of an apartment share one transaction there");
   Shop shop;
   const ConnectionPtr writer = DataSession().OpenConnection(1);
   const ConnectionPtr given = DataSession().OpenConnection(1);
@@ -130,6 +135,7 @@ TEST(ReadWithoutAConnection, SeesNoTransactionOfAnotherDatabaseApartmentOrGivenC
 }
 
 TEST(ReadWithoutAConnection, KeepsAConnectionOfItsOwn) {
+  TAVELOR_ONLY_IN_FILES("connections of an apartment share one transaction there");
   Shop shop;
   ConnectionPtr writer = DataSession().OpenConnection(1);
   writer->BeginTrans();
@@ -153,6 +159,7 @@ TEST(ReadWithoutAConnection, KeepsAConnectionOfItsOwn) {
 }
 
 TEST(ReadWithoutAConnection, IsRefusedWhileThatTransactionIsLost) {
+  TAVELOR_ONLY_IN_FILES("the embedded engine is made to lose it");
   Shop shop;
   const ConnectionPtr writer = DataSession().OpenConnection(1);
   writer->BeginTrans();
@@ -166,6 +173,7 @@ TEST(ReadWithoutAConnection, IsRefusedWhileThatTransactionIsLost) {
 }
 
 TEST(ConnectionsOfAnApartment, TwoApartmentsOfOneThreadDoNotWaitForEachOther) {
+  TAVELOR_ONLY_IN_FILES("two transactions write at a time there");
   Settings settings = fastSettings();
   settings.busyTimeoutMs = 3'600'000;  // whoever waits here hangs
   Shop shop(settings);

@@ -11,6 +11,7 @@
 #include "tavelor/services/engine/row_store.hpp"
 #include "tavelor/services/sqlite/sqlite_engine.hpp"
 #include "tests/services/faults.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor {
 namespace {
@@ -32,6 +33,7 @@ class DataSessionOperations : public ::testing::Test {
 };
 
 TEST_F(DataSessionOperations, ConnectionStringNamesEngineAndFile) {
+  TAVELOR_ONLY_IN_FILES("it names the database file");
   EXPECT_EQ(session_.ConnectionString(1), "Provider=sqlite;Data Source=" + path("main.db"));
   EXPECT_EQ(session_.OpenConnection(3)->ConnectionString(), session_.ConnectionString(3));
 }
@@ -45,6 +47,7 @@ TEST_F(DataSessionOperations, DatabaseLabelIsTheNameOfTheDatabase) {
 }
 
 TEST_F(DataSessionOperations, ReportConnectionGivesFiveFields) {
+  TAVELOR_ONLY_IN_FILES("it names the database file");
   std::string kind, source, catalogue = "old", user = "old", password = "old";
   session_.ReportConnection(4, kind, source, catalogue, user, password);
   EXPECT_EQ(kind, "sqlite");
@@ -55,6 +58,7 @@ TEST_F(DataSessionOperations, ReportConnectionGivesFiveFields) {
 }
 
 TEST_F(DataSessionOperations, FileDatabaseIsAFileWithItsPath) {
+  TAVELOR_ONLY_IN_FILES("it names the database file");
   for (const int selector : {0, 1, 3, 4, 5}) {
     EXPECT_TRUE(session_.IsDbFile(selector));
     EXPECT_TRUE(fs::exists(session_.DbFilePath(selector)));
@@ -63,6 +67,7 @@ TEST_F(DataSessionOperations, FileDatabaseIsAFileWithItsPath) {
 }
 
 TEST(DataSessionServer, DatabaseThatServesAsServerHasNoFilePath) {
+  TAVELOR_ONLY_IN_FILES("the database is a server's already");
   Settings settings = fastSettings();
   settings.databases[0].servesAsServer = true;
   Shop shop(settings);
@@ -141,6 +146,7 @@ TEST_F(DataSessionOperations, NamesThatLeaveTheFolderAreRefused) {
 }
 
 TEST_F(DataSessionOperations, OpenConnectionIsOpenAndItsOwn) {
+  TAVELOR_ONLY_IN_FILES("connections of an apartment share one transaction there");
   std::int32_t options = 0;
   const ConnectionPtr first = session_.OpenConnection(1, options, 0);
   const ConnectionPtr second = session_.OpenConnection(1);
@@ -306,6 +312,7 @@ TEST_F(DataSessionOperations, LiteralsAreReadBackAsTheSameMoment) {
 }
 
 TEST_F(DataSessionOperations, ReportTablesInTheFileAloneAreUpToDateAfterTheirUpdate) {
+  TAVELOR_ONLY_IN_FILES("it names the database file");
   shop_.run("INSERT INTO Bancos (Codigo) VALUES ('1')");
   session_.UpdateReportTables(Variant());
   // A reader of the one file, without the log beside it.

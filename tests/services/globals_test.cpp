@@ -13,6 +13,7 @@
 #include "tavelor/services/registry_tree.hpp"
 #include "tavelor/services/session_global.hpp"
 #include "tests/services/faults.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor {
 namespace {
@@ -194,6 +195,7 @@ TEST(Paths, HtmlFileStaysInItsFolder) {
 }
 
 TEST(Paths, FileExistsIsTrueForFilesOnly) {
+  TAVELOR_ONLY_IN_FILES("it looks at the database file");
   Shop shop;
   const PathsService paths;
   EXPECT_TRUE(paths.FileExists(shop.installation().databaseFile(1)));

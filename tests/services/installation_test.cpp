@@ -11,6 +11,7 @@
 #include "tavelor/services/settings_file.hpp"
 #include "tavelor/services/sqlite/sqlite_engine.hpp"
 #include "tests/services/faults.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor {
 namespace {
@@ -24,6 +25,7 @@ using ::testing::HasSubstr;
 
 class InstallationFolder : public ::testing::Test {
  protected:
+  void SetUp() override { TAVELOR_ONLY_IN_FILES("settings and files are what it looks at"); }
   std::shared_ptr<Installation> create() { return Installation::create(place_, fastSettings()); }
   std::unique_ptr<engine::Session> session(const std::string& file, bool make = false) const {
     engine::OpenOptions options;

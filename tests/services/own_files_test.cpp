@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "tavelor/services/installation.hpp"
+#include "tests/support/engines.hpp"
 #include "tests/support/shop.hpp"
 
 namespace tavelor {
@@ -13,12 +14,13 @@ namespace {
 namespace fs = std::filesystem;
 
 TEST(OwnFiles, AreKnownByAnyNameAndLink) {
+  TAVELOR_ONLY_IN_FILES("a server has no files of the installation");
   const test::TemporaryFolder folder;
   const fs::path place = folder.path() / "shop";
   const auto made = Installation::create(place, test::fastSettings());
   for (const char* file :
-       {"main.db", "further.db", "registry.db", "tavelor.xml", "main.db-wal", "main.db-shm",
-        "registry.db-journal", "documents.db-queue", "rpt/../main.db"}) {
+       {"main.db", "further.db", "registry.db", "tavelor.xml", "fiscal.xml", "main.db-wal",
+        "main.db-shm", "registry.db-journal", "documents.db-queue", "rpt/../main.db"}) {
     EXPECT_TRUE(made->isOwnFile((place / file).string())) << file;
   }
   fs::create_symlink(place / "main.db", folder.path() / "link.db");

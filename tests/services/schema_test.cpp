@@ -14,6 +14,7 @@
 #include "tavelor/services/installation.hpp"
 #include "tavelor/services/sqlite/sqlite_engine.hpp"
 #include "tests/services/faults.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor {
 namespace {
@@ -59,7 +60,7 @@ class Schema : public ::testing::Test {
 
 TEST_F(Schema, EmptyDatabaseGetsAllTables) {
   bring(kNew, 2);
-  EXPECT_EQ(schema::versionOf(*session_), 2);
+  EXPECT_EQ(schema::versionOf(*session_, dialect::sqliteWriter()), 2);
   EXPECT_NE(session_->describe().find("Bancos"), nullptr);
   EXPECT_NE(session_->describe().find("Rutas"), nullptr);
 }
@@ -74,7 +75,7 @@ TEST_F(Schema, OlderOneGetsTablesColumnsAndIndexesAndKeepsItsRows) {
   session_->execute("INSERT INTO Bancos VALUES ('001', 'Uno')");
   bring(kNew, 2, false);
 
-  EXPECT_EQ(schema::versionOf(*session_), 2);
+  EXPECT_EQ(schema::versionOf(*session_, dialect::sqliteWriter()), 2);
   const engine::Catalogue catalogue = session_->describe();
   ASSERT_NE(catalogue.find("Rutas"), nullptr);
   const engine::Table& bancos = *catalogue.find("Bancos");
@@ -123,7 +124,7 @@ TEST_F(Schema, FailureLeavesTheOldSchema) {
   bring(kOld, 1);
   const std::string broken = std::string(kNew) + "CREATE INDEX IX_No ON Bancos (Nowhere);";
   EXPECT_NE(errorOf([&] { bring(broken, 2); }), 0);
-  EXPECT_EQ(schema::versionOf(*session_), 1);
+  EXPECT_EQ(schema::versionOf(*session_, dialect::sqliteWriter()), 1);
   EXPECT_EQ(session_->describe().find("Rutas"), nullptr);
   EXPECT_EQ(session_->describe().find("Bancos")->columns.size(), 2U);
   EXPECT_EQ(session_->depth(), 0);
@@ -134,7 +135,7 @@ TEST_F(Schema, NewerOneIsRefusedAndLeftAlone) {
   const Error error = raisedBy([&] { bring(kOld, 2); });
   EXPECT_EQ(error.number(), errors::kUnspecified);
   EXPECT_THAT(error.description(), HasSubstr("a.db"));
-  EXPECT_EQ(schema::versionOf(*session_), 3);
+  EXPECT_EQ(schema::versionOf(*session_, dialect::sqliteWriter()), 3);
 }
 
 TEST_F(Schema, CurrentOneIsOnlyRead) {
@@ -177,6 +178,7 @@ TEST(DeclaredSchema, EveryNewInstallationHasTheDeclaredTables) {
 }
 
 TEST(DeclaredSchema, AnOlderInstallationGetsTheIndexesThatItLacksWhenItIsOpened) {
+  TAVELOR_ONLY_IN_FILES("it opens the database file");
   const test::TemporaryFolder folder;
   const auto path = folder.path() / "shop";
   Installation::create(path, test::fastSettings());

@@ -2,16 +2,10 @@
 // A shop for a test: an installation in a temporary folder, and an apartment on this thread.
 #pragma once
 
-#include <cerrno>
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <string>
-#include <system_error>
 #include <vector>
-
-#include <unistd.h>
 
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/statement.hpp"
@@ -21,46 +15,14 @@
 #include "tavelor/services/installation.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 #include "tavelor/services/trace.hpp"
+#include "tests/support/engines.hpp"
+#include "tests/support/temporary_folder.hpp"
 
 namespace tavelor::test {
 
-/// A folder of its own that goes with the object.
-class TemporaryFolder {
- public:
-  /// A name that nobody has: one made of the process would meet what a killed test of the same
-  /// number has left.
-  TemporaryFolder() {
-    std::string name = (place() / "tavelor-test-XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) {
-      throw std::system_error(errno, std::generic_category(), name);
-    }
-    path_ = name;
-  }
-  ~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  const std::filesystem::path& path() const { return path_; }
-
- private:
-  /// In memory where that is to be had and nobody asked for another place: a shop is six databases,
-  /// and a disk takes its time to keep them.
-  static std::filesystem::path place() {
-    const std::filesystem::path memory = "/dev/shm";
-    constexpr std::uintmax_t kRoom = 1U << 30U;
-    std::error_code error;
-    const bool fits = std::getenv("TMPDIR") == nullptr && ::access(memory.c_str(), W_OK) == 0 &&
-                      std::filesystem::space(memory, error).available > kRoom && !error;
-    return fits ? memory : std::filesystem::temp_directory_path();
-  }
-
-  std::filesystem::path path_;
-};
-
 inline Settings fastSettings() {
   Settings settings;
+  putOnEngine(settings);
   settings.synchronous = false;  // no test of this kind cuts the power
   return settings;
 }

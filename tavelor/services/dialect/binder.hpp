@@ -14,11 +14,16 @@ namespace tavelor::dialect {
 /// Errors: as translate().
 class Binder {
  public:
-  Binder(std::string_view statement, const engine::Catalogue& catalogue, Arena& arena)
+  /// `row` is the engine's own name for the place of a row: see Words::row. The tree holds parts of
+  /// the binder, which must outlive it.
+  Binder(std::string_view statement, const engine::Catalogue& catalogue, Arena& arena,
+         std::string_view row)
       : statement_(statement),
         arena_(arena),
         names_(statement, catalogue),
-        convert_(statement, arena) {}
+        convert_(statement, arena) {
+    rowLocator_.name = row;
+  }
 
   void bind(TreeStatement& tree, Plan& plan);
 
@@ -68,6 +73,7 @@ class Binder {
   void hideKeys(Select& select, Source& rowSource);
   void selectRows(Select& select, Plan& plan);
   void describeResult(const Select& select, Plan& plan);
+  OutputColumn describeItem(const OutputItem& item) const;
 
   // The others.
   void insert(TreeStatement& tree);
@@ -86,6 +92,14 @@ class Binder {
   Arena& arena_;
   NameResolver names_;
   Converter convert_;
+  /// Stands for the place of a row in a table without a key. It bears the engine's own name for it,
+  /// so that what a record set composes from it runs as it stands.
+  engine::Column rowLocator_{.name = {},
+                             .type = ColumnType::kInt32,
+                             .size = 0,
+                             .nullable = false,
+                             .autoNumber = true,
+                             .defaultText = {}};
 };
 
 }  // namespace tavelor::dialect

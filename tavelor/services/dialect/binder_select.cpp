@@ -23,47 +23,27 @@ bool isKeyColumn(const engine::Table& table, const engine::Column* column) {
   return false;
 }
 
-/// Stands for the place of a row in a table without a key. It is the engine's own name for it, so
-/// that what a record set composes from it runs as it stands.
-const engine::Column& rowLocator() {
-  static const engine::Column locator{.name = "rowid",
-                                      .type = ColumnType::kInt32,
-                                      .size = 0,
-                                      .nullable = false,
-                                      .autoNumber = true,
-                                      .defaultText = {}};
-  return locator;
-}
-
 /// Characters that a value of `expr` may have: those of the column that it is, or is taken from.
 std::int32_t sizeOf(const Expr& expr) {
   if (expr.kind == ExprKind::kColumn) return expr.column->size;
-  const bool takesOneValue = expr.kind == ExprKind::kCall && expr.function != nullptr &&
-                             expr.function->aggregate &&
-                             expr.function->result == ResultType::kFirst;
-  return takesOneValue && expr.arguments != nullptr ? sizeOf(*expr.arguments) : 0;
+  const bool isOneOfMany = expr.kind == ExprKind::kCall && expr.function != nullptr &&
+                           takesOneValue(*expr.function) && expr.arguments != nullptr;
+  return isOneOfMany ? sizeOf(*expr.arguments) : 0;
 }
 
-OutputColumn describeItem(const OutputItem& item) {
-  OutputColumn column;
-  const Expr& expr = *item.expr;
-  column.name = item.name;
-  column.type = expr.type.column;
-  column.hidden = item.hidden;
-  column.definedSize = engine::fixedSize(column.type);
-  if (column.type == ColumnType::kText) {
-    const std::int32_t size = sizeOf(expr);
-    column.definedSize = size > 0 ? size : kTextSize;
-  }
-  if (expr.kind == ExprKind::kColumn) {
-    const engine::Table& table = *expr.source->base;
-    column.nullable = expr.column->nullable;
-    column.autoNumber = expr.column->autoNumber;
-    column.key = isKeyColumn(table, expr.column) || expr.column == &rowLocator();
-    column.baseTable = table.name;
-    column.baseColumn = expr.column->name;
-  }
-  return column;
+/// The table of a SELECT of nothing but rows of one table, or null.
+const engine::Table* onlyTable(const Select& select) {
+  const bool isOne =
+      select.sources != nullptr && select.sources->next == nullptr && select.unionNext == nullptr;
+  return isOne ? select.sources->base : nullptr;
+}
+
+/// SELECT Max(column) and no group.
+bool takesLargest(const Select& select) {
+  const Expr& expr = *select.items->expr;
+  return select.items->next == nullptr && select.groupBy == nullptr &&
+         expr.kind == ExprKind::kCall && expr.function->name == "max" &&
+         expr.arguments->kind == ExprKind::kColumn;
 }
 
 }  // namespace
@@ -302,7 +282,29 @@ void Binder::hideKeys(Select& select, Source& source) {
     link = &item->next;
   };
   for (const std::size_t position : source.base->key) hide(source.base->columns[position]);
-  if (source.base->key.empty()) hide(rowLocator());
+  if (source.base->key.empty()) hide(rowLocator_);
+}
+
+OutputColumn Binder::describeItem(const OutputItem& item) const {
+  OutputColumn column;
+  const Expr& expr = *item.expr;
+  column.name = item.name;
+  column.type = expr.type.column;
+  column.hidden = item.hidden;
+  column.definedSize = engine::fixedSize(column.type);
+  if (column.type == ColumnType::kText) {
+    const std::int32_t size = sizeOf(expr);
+    column.definedSize = size > 0 ? size : kTextSize;
+  }
+  if (expr.kind == ExprKind::kColumn) {
+    const engine::Table& table = *expr.source->base;
+    column.nullable = expr.column->nullable;
+    column.autoNumber = expr.column->autoNumber;
+    column.key = isKeyColumn(table, expr.column) || expr.column == &rowLocator_;
+    column.baseTable = table.name;
+    column.baseColumn = expr.column->name;
+  }
+  return column;
 }
 
 void Binder::describeResult(const Select& select, Plan& plan) {
@@ -322,6 +324,10 @@ void Binder::selectRows(Select& select, Plan& plan) {
   }
   describeResult(select, plan);
   markUpdatable(select, source, plan);
+  const engine::Table* const table = onlyTable(select);
+  if (table == nullptr) return;
+  plan.locks = table->counter && !select.grouped && !select.distinct;
+  if (takesLargest(select)) plan.numbersOf = table->name;
 }
 
 void Binder::bind(TreeStatement& tree, Plan& plan) {

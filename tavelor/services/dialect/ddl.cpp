@@ -228,46 +228,53 @@ class DefinitionParser {
   const Token* token_;
 };
 
-std::string createIndex(const Definition& definition, const Writer& writer) {
-  std::string sql = definition.unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ";
-  writer.name(sql, definition.index);
-  sql.append(" ON ");
-  writer.name(sql, definition.table.name);
-  std::string_view separator = " (";
-  for (const std::string& column : definition.indexColumns) {
-    sql.append(separator);
-    writer.name(sql, column);
-    separator = ", ";
-  }
-  return sql.append(")");
+bool isOfKey(const engine::Table& table, int column) {
+  return column >= 0 && std::find(table.key.begin(), table.key.end(),
+                                  static_cast<std::size_t>(column)) != table.key.end();
 }
 
-std::string translateDefinition(const Definition& definition, const Writer& writer) {
+std::string translateDefinition(const Definition& definition, const engine::Table* table,
+                                const Writer& writer) {
   std::string sql;
   switch (definition.kind) {
     case DefinitionKind::kCreateTable:
       return writer.createTable(definition.table);
     case DefinitionKind::kCreateIndex:
-      return createIndex(definition, writer);
+      return createIndex(definition, table, writer);
     case DefinitionKind::kAddColumn:
       sql = "ALTER TABLE ";
-      writer.name(sql, definition.table.name);
+      writer.table(sql, definition.table.name);
       sql.append(" ADD COLUMN ");
       writer.columnDeclaration(sql, definition.table, definition.table.columns.front());
       return sql;
     case DefinitionKind::kDropTable:
       sql = "DROP TABLE ";
-      writer.name(sql, definition.table.name);
+      writer.table(sql, definition.table.name);
       return sql;
     case DefinitionKind::kDropIndex:
       sql = "DROP INDEX ";
-      writer.name(sql, definition.index);
+      writer.index(sql, definition.index);
       return sql;
   }
   return sql;
 }
 
 }  // namespace
+
+std::string createIndex(const Definition& index, const engine::Table* table, const Writer& writer) {
+  std::string sql = index.unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ";
+  sql.append(writer.unlessThere());
+  writer.name(sql, index.index);
+  sql.append(" ON ");
+  writer.table(sql, index.table.name);
+  std::string_view separator = " (";
+  for (const std::string& column : index.indexColumns) {
+    sql.append(separator);
+    writer.indexedColumn(sql, column, table == nullptr || !isOfKey(*table, table->find(column)));
+    separator = ", ";
+  }
+  return sql.append(")");
+}
 
 std::vector<Definition> parseDefinitions(std::string_view ddl) {
   return DefinitionParser(ddl).all();
@@ -292,8 +299,14 @@ std::vector<engine::Table> parseSchema(std::string_view ddl) {
 
 std::vector<std::string> translateSchema(std::string_view ddl, const Writer& writer) {
   std::vector<std::string> texts;
-  for (const Definition& definition : parseDefinitions(ddl)) {
-    texts.push_back(translateDefinition(definition, writer));
+  const std::vector<Definition> definitions = parseDefinitions(ddl);
+  for (const Definition& definition : definitions) {
+    const auto made = std::find_if(definitions.begin(), definitions.end(), [&](const auto& other) {
+      return other.kind == DefinitionKind::kCreateTable &&
+             text::equalsIgnoreCase(other.table.name, definition.table.name);
+    });
+    texts.push_back(translateDefinition(
+        definition, made == definitions.end() ? nullptr : &made->table, writer));
   }
   return texts;
 }

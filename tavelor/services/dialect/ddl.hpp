@@ -11,6 +11,8 @@
 
 namespace tavelor::dialect {
 
+class Writer;
+
 enum class DefinitionKind : std::uint8_t {
   kCreateTable,
   kCreateIndex,
@@ -34,6 +36,9 @@ struct Definition {
 /// LONGBINARY. A COUNTER must be its table's primary key.
 /// Errors: kSyntax with line and column.
 std::vector<Definition> parseDefinitions(std::string_view ddl);
+
+/// The engine's text of an index. `table` is null where nothing is known of it but its name.
+std::string createIndex(const Definition& index, const engine::Table* table, const Writer& writer);
 
 /// The tables that the definitions create, columns added later included.
 std::vector<engine::Table> parseSchema(std::string_view ddl);

@@ -16,7 +16,8 @@ Plan translate(const Statement& statement, const engine::Catalogue& catalogue, c
   Arena arena;
   TreeStatement* tree = parse(tokens, arena);
   Plan plan;
-  Binder(tokens.text, catalogue, arena).bind(*tree, plan);
+  Binder binder(tokens.text, catalogue, arena, writer.words().row);
+  binder.bind(*tree, plan);
   plan.steps.push_back(StepText(writer, tokens.text, 0).write(*tree));
   literals = std::move(tokens.literals);
   return plan;

@@ -24,8 +24,16 @@ namespace tavelor::dialect {
 
 class Writer;
 
-/// The writer for the embedded engine. Lives for ever.
+/// Makes the writer for an engine, for the tables of one schema of its database. An engine whose
+/// databases have no schemas takes no notice of it.
+using WriterMaker = std::unique_ptr<const Writer> (*)(const std::string& schema);
+
+/// For the embedded engine.
+std::unique_ptr<const Writer> sqliteWriter(const std::string& schema);
+/// The same, living for ever.
 const Writer& sqliteWriter();
+/// For PostgreSQL from version 13 on, with this library's functions in the search path.
+std::unique_ptr<const Writer> postgresWriter(const std::string& schema);
 
 /// The literals of a statement that were lifted out of it, in the order of the text: quoted texts
 /// without their quotes and with doubled quotes made single, dates without #, numbers as written.

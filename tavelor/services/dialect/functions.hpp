@@ -15,6 +15,7 @@ enum class FunctionKind : std::uint8_t {
   kTyped,       ///< the same, with the type of the first argument behind the others
   kDatePart,    ///< the part named by `engineName` of a date
   kConversion,  ///< a cast to the result type
+  kClock,       ///< what the time is; bound by an engine that has a clock of its own
   kTotal,       ///< over rows, exact where the numbers have decimals
   kCount,
   kIIf,
@@ -44,6 +45,11 @@ struct Function {
   /// "" where the one for all numbers does.
   std::string_view ofMoney = {};
 };
+
+/// Whether it gives one of the values that it is called with, of many rows.
+inline bool takesOneValue(const Function& function) {
+  return function.aggregate && function.result == ResultType::kFirst;
+}
 
 /// Without regard to case; null when there is none. Of several functions of one name the first one
 /// that takes as many arguments, or the one that takes the most.

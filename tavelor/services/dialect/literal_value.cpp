@@ -123,7 +123,7 @@ Value moneyOf(const LiteralValue& number, std::string_view plain, const Paramete
   if (number.decimals >= 0 && number.decimals <= 4) {
     // Its digits are 15 at most.
     std::int64_t product = 0;
-    const std::int64_t toScale = kToScale[static_cast<unsigned char>(number.decimals)];
+    const std::int64_t toScale = kToScale[static_cast<std::size_t>(number.decimals)];
     if (!__builtin_mul_overflow(number.whole, toScale, &product)) scaled = product;
   } else {
     std::string written(plain.empty() ? number.text : plain);
@@ -156,6 +156,27 @@ bool isDay(double days) {
   }
 }
 
+/// A day number beside dates. Those lie in the years 100 to 9999, so one beyond them may as well be
+/// the day before or behind them all.
+Value dayBeside(double days) {
+  constexpr double kBeforeAll = -657'435;
+  constexpr double kBehindAll = 2'958'466;
+  return Value::ofDate(Date(std::clamp(days, kBeforeAll, kBehindAll)));
+}
+
+/// A number beside amounts: one itself where it has no more than four decimals.
+std::optional<Value> amountBeside(const LiteralValue& number) {
+  constexpr int kDecimals = 4;
+  if (number.kind == LiteralKind::kWhole || number.decimals < 0 || number.decimals > kDecimals) {
+    return std::nullopt;
+  }
+  std::int64_t scaled = number.whole;
+  for (int i = number.decimals; i < kDecimals; ++i) {
+    if (__builtin_mul_overflow(scaled, 10, &scaled)) return std::nullopt;
+  }
+  return Value::ofCurrency(Currency::fromScaled(scaled));
+}
+
 Value numberOf(const LiteralValue& number) {
   return number.kind == LiteralKind::kWhole ? Value::ofInteger(number.whole)
                                             : Value::ofReal(number.real);
@@ -179,7 +200,7 @@ Value assigned(const LiteralValue& number, std::string_view plain, const Paramet
       return Value::ofBoolean(number.asReal() != 0);
     case ColumnType::kDate:
       if (!isDay(number.asReal())) refuseRange(number, parameter);
-      return numberOf(number);
+      return Value::ofDate(Date(number.asReal()));
     default:
       return numberOf(number);
   }
@@ -201,6 +222,10 @@ Value fitted(const LiteralValue& number, std::string_view plain, const Parameter
     return moneyOf(number, plain, parameter);
   }
   if (!parameter.column.empty()) return assigned(number, plain, parameter);
+  if (parameter.conversion == Conversion::kDay) return dayBeside(number.asReal());
+  if (parameter.conversion == Conversion::kAmount) {
+    if (const std::optional<Value> amount = amountBeside(number)) return *amount;
+  }
   return numberOf(number);
 }
 
@@ -237,7 +262,7 @@ bool readPlain(std::string_view text, char decimal, LiteralValue& number) {
   }
   const int decimals = std::max(digits.decimals, 0);
   number.kind = LiteralKind::kDecimal;
-  number.decimals = static_cast<std::int8_t>(decimals);
+  number.decimals = static_cast<std::int16_t>(decimals);
   // Both are exact doubles, so their quotient is the nearest double.
   number.real =
       static_cast<double>(number.whole) / kPowersOfTen[static_cast<std::size_t>(decimals)];
@@ -316,6 +341,12 @@ Value LiteralReader::boolean(const LiteralValue& literal, const Parameter& param
   }
   const Value read = number(literal, parameter);
   return Value::ofBoolean(read.integer != 0 || read.real != 0);
+}
+
+Value readClock(Date now, Conversion conversion) {
+  const double day = std::floor(now.days());
+  if (conversion == Conversion::kToday) return Value::ofDate(Date(day));
+  return Value::ofDate(conversion == Conversion::kNow ? now : Date(now.days() - day));
 }
 
 }  // namespace tavelor::dialect

@@ -21,7 +21,7 @@ struct LiteralValue {
   std::string_view text;  ///< without delimiters
   LiteralKind kind = LiteralKind::kText;
   /// Of kDecimal: its digits behind the point when `whole` has all of its digits, else -1.
-  std::int8_t decimals = -1;
+  std::int16_t decimals = -1;
   std::int64_t whole = 0;  ///< of kWhole
   double real = 0;  ///< of kDecimal, infinite where no double holds it; of kDate the day number
 
@@ -45,6 +45,7 @@ class LiteralReader {
  public:
   explicit LiteralReader(const Locale& locale);
 
+  /// For a parameter of a literal.
   engine::Value read(const LiteralValue& literal, const Parameter& parameter) const {
     switch (parameter.conversion) {
       case Conversion::kText:
@@ -57,6 +58,8 @@ class LiteralReader {
       case Conversion::kNumber:
       case Conversion::kNumberByLocale:
       case Conversion::kCurrency:
+      case Conversion::kAmount:
+      case Conversion::kDay:
         return number(literal, parameter);
       case Conversion::kNegativeCurrency:
         return negativeMoney(literal, parameter);
@@ -65,6 +68,10 @@ class LiteralReader {
         return date(literal, parameter);
       case Conversion::kBoolean:
         return boolean(literal, parameter);
+      case Conversion::kNow:
+      case Conversion::kToday:
+      case Conversion::kTimeOfDay:
+        break;
     }
     return engine::Value::null();
   }
@@ -80,5 +87,8 @@ class LiteralReader {
   const Locale& locale_;
   char decimal_;  ///< the locale's decimal sign, or 0 if it is no single ASCII character
 };
+
+/// For a parameter of the clock.
+engine::Value readClock(Date now, Conversion conversion);
 
 }  // namespace tavelor::dialect

@@ -24,12 +24,20 @@ enum class Conversion : std::uint8_t {
   kDate,              ///< the text between # and #
   kNumberByLocale,    ///< a quoted text that met a numeric column: '1,5' is 1.5 in Spanish
   kDateByLocale,      ///< a quoted text that met a date column
-  kBoolean            ///< a number or quoted number for a flag: any non-zero is -1
+  kBoolean,           ///< a number or quoted number for a flag: any non-zero is -1
+  // For engines that tell types apart.
+  kAmount,  ///< a number beside an amount, as one if it has no more than four decimals
+  kDay,  ///< a day number beside a date, as one; far beyond all dates at the first or last of all
+  // Of no literal, but of the clock.
+  kNow,
+  kToday,
+  kTimeOfDay
 };
 
 /// A placeholder of a step: the first one is ?1. One placeholder may stand several times.
 struct Parameter {
-  std::int32_t literal = 0;  ///< index of the lifted literal (or of the caller's own parameter)
+  /// Index of the lifted literal (or of the caller's own parameter); -1 for one of the clock.
+  std::int32_t literal = 0;
   Conversion conversion = Conversion::kText;
   ColumnType columnType = ColumnType::kText;  ///< of the column that it goes into, for range checks
   std::int32_t maxLength = 0;                 ///< characters that the column holds; 0: no limit
@@ -69,6 +77,12 @@ struct Plan {
   /// The table that a record set over this SELECT adds rows to and deletes them from, or "" when
   /// there is none: DISTINCT, grouping, a union, or a join of which no table has each row once.
   std::string updateTable;
+  /// Rows of a table of counters and nothing else: in a transaction they are read to be written, so
+  /// that nobody else may read them so before it ends.
+  bool locks = false;
+  /// The table of whose numbers this takes the largest, or "". In a transaction the next one is
+  /// going to be taken, which two may not do at once.
+  std::string numbersOf;
 };
 
 }  // namespace tavelor::dialect

@@ -3,6 +3,7 @@
 #include "tavelor/services/dialect/plan_cache.hpp"
 
 #include <array>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -17,6 +18,7 @@
 #include "tavelor/services/dialect/literal_value.hpp"
 #include "tavelor/services/dialect/splice.hpp"
 #include "tavelor/services/dialect/two_generation_cache.hpp"
+#include "tavelor/services/dialect/writer.hpp"
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/engine/row_store.hpp"
 #include "tavelor/services/engine/value.hpp"
@@ -50,12 +52,18 @@ struct AlreadyHashed {
 struct Compiled {
   std::shared_ptr<const Plan> plan;
   std::vector<std::unique_ptr<engine::Prepared>> steps;
+  std::unique_ptr<engine::Prepared> locking;  ///< the only step of a plan that locks
 };
 
 struct Spliced {
   Splice splice;
   std::shared_ptr<Compiled> compiled;
 };
+
+void appendNulls(engine::RowStore& rows) {
+  const std::size_t row = rows.append();
+  for (std::size_t column = 0; column < rows.columns(); ++column) rows.setNull(row, column);
+}
 
 /// By literal: true if all that it does is to be assigned to columns. Whether such a number is
 /// written whole makes no difference to the plan.
@@ -64,6 +72,7 @@ std::vector<bool> eitherKindOf(const Shape& shape, const Plan& plan) {
   std::vector<bool> isOther(shape.literals.size(), false);
   for (const Step& step : plan.steps) {
     for (const Parameter& parameter : step.parameters) {
+      if (parameter.literal < 0) continue;
       (parameter.column.empty() ? isOther
                                 : isAssigned)[static_cast<std::size_t>(parameter.literal)] = true;
     }
@@ -171,6 +180,7 @@ struct PlanCache::State {
   bool isOutOfDate(Compiled& compiled) {
     bool met = false;
     for (const auto& step : compiled.steps) met = (step && step->metOtherSchema()) || met;
+    met = (compiled.locking && compiled.locking->metOtherSchema()) || met;
     return met && followTables();
   }
 
@@ -188,21 +198,81 @@ struct PlanCache::State {
     const Step& step = compiled.plan->steps[index];
     std::unique_ptr<engine::Prepared>& prepared = compiled.steps[index];
     if (!prepared) prepared = session.prepare(step.sql);
-    int place = 0;
-    for (const Parameter& parameter : step.parameters) {
-      const LiteralValue& literal = literals[static_cast<std::size_t>(parameter.literal)];
-      prepared->bind(++place, reader.read(literal, parameter));
-    }
+    bind(*prepared, step);
     return *prepared;
   }
 
-  std::int64_t runSteps(Compiled& compiled) {
-    if (compiled.steps.size() == 1) return ready(compiled, 0).run();
+  /// The only step of a SELECT. What a transaction is going to write by what it reads, nobody else
+  /// may read so meanwhile.
+  engine::Prepared& readyToRead(Compiled& compiled) {
+    const Plan& plan = *compiled.plan;
+    if (session.depth() == 0) return ready(compiled, 0);
+    if (!plan.numbersOf.empty()) session.holdNumbersOf(plan.numbersOf);
+    const std::string_view lock = writer.words().lock;
+    if (!plan.locks || lock.empty()) return ready(compiled, 0);
+    const Step& step = plan.steps.front();
+    if (!compiled.locking) compiled.locking = session.prepare(step.sql + std::string(lock));
+    bind(*compiled.locking, step);
+    return *compiled.locking;
+  }
+
+  /// All that asks for the clock in one step is told the same time.
+  void bind(engine::Prepared& prepared, const Step& step) const {
+    std::optional<Date> now;
+    int place = 0;
+    for (const Parameter& parameter : step.parameters) {
+      if (parameter.literal < 0) {
+        if (!now) now = session.now();
+        prepared.bind(++place, readClock(*now, parameter.conversion));
+        continue;
+      }
+      const LiteralValue& literal = literals[static_cast<std::size_t>(parameter.literal)];
+      prepared.bind(++place, reader.read(literal, parameter));
+    }
+  }
+
+  enum class Counted : std::uint8_t { kYes, kNo };
+
+  std::int64_t run(const Statement& statement, Counted counted) {
+    try {
+      Compiled& compiled = *find(statement);
+      const std::int64_t rows = runSteps(compiled, counted);
+      isOutOfDate(compiled);
+      return rows;
+    } catch (Error& error) {
+      followTablesAfter(error);
+      error.inStatement(statement.text());
+      throw;
+    }
+  }
+
+  std::int64_t runSteps(Compiled& compiled, Counted counted) {
+    if (compiled.steps.size() == 1) {
+      engine::Prepared& only = ready(compiled, 0);
+      return counted == Counted::kYes ? only.run() : only.send();
+    }
     engine::Transaction transaction(session);
     std::int64_t rows = 0;
     for (std::size_t i = 0; i < compiled.steps.size(); ++i) rows = ready(compiled, i).run();
     transaction.commit();
     return rows;
+  }
+
+  engine::Prepared& readyComposed(std::string_view withPlaceholders,
+                                  std::span<const engine::Value> values) {
+    std::unique_ptr<engine::Prepared>* prepared = composed.find(withPlaceholders);
+    if (prepared == nullptr) {
+      prepared = &composed.put(std::string(withPlaceholders),
+                               session.prepare(writer.composed(withPlaceholders)));
+    }
+    engine::Prepared& ready = **prepared;
+    if (static_cast<std::size_t>(ready.parameterCount()) != values.size()) {
+      raise(errors::kMissingParameter, "Statement",
+            fmt::format("{} values for {} placeholders", values.size(), ready.parameterCount()));
+    }
+    int place = 0;
+    for (const engine::Value& value : values) ready.bind(++place, value);
+    return ready;
   }
 
   engine::Session& session;
@@ -238,16 +308,11 @@ PlanCache::PlanCache(engine::Session& session, std::shared_ptr<const engine::Cat
 PlanCache::~PlanCache() = default;
 
 std::int64_t PlanCache::run(const Statement& statement) {
-  try {
-    Compiled& compiled = *state_->find(statement);
-    const std::int64_t rows = state_->runSteps(compiled);
-    state_->isOutOfDate(compiled);
-    return rows;
-  } catch (Error& error) {
-    state_->followTablesAfter(error);
-    error.inStatement(statement.text());
-    throw;
-  }
+  return state_->run(statement, State::Counted::kYes);
+}
+
+std::int64_t PlanCache::send(const Statement& statement) {
+  return state_->run(statement, State::Counted::kNo);
 }
 
 std::shared_ptr<const Plan> PlanCache::plan(const Statement& statement) {
@@ -260,7 +325,12 @@ bool PlanCache::fetch(const Statement& statement, engine::RowStore& rows, std::s
     if (compiled.plan->kind != StatementKind::kSelect) {
       raise(errors::kNotAllowedInContext, "Statement", "it gives no rows");
     }
-    state_->ready(compiled, 0).fetch(rows, most);
+    state_->readyToRead(compiled).fetch(rows, most);
+    // A largest number is there without a row too.
+    if (!compiled.plan->numbersOf.empty() &&
+        state_->session.ahead() == engine::Session::Ahead::kAsk) {
+      appendNulls(rows);
+    }
     return !state_->isOutOfDate(compiled);
   } catch (Error& error) {
     state_->followTablesAfter(error);
@@ -272,22 +342,21 @@ bool PlanCache::fetch(const Statement& statement, engine::RowStore& rows, std::s
 std::int64_t PlanCache::run(std::string_view withPlaceholders,
                             std::span<const engine::Value> values, engine::RowStore* returned) {
   try {
-    std::unique_ptr<engine::Prepared>* prepared = state_->composed.find(withPlaceholders);
-    if (prepared == nullptr) {
-      prepared = &state_->composed.put(std::string(withPlaceholders),
-                                       state_->session.prepare(withPlaceholders));
-    }
-    engine::Prepared& ready = **prepared;
-    if (static_cast<std::size_t>(ready.parameterCount()) != values.size()) {
-      raise(errors::kMissingParameter, "Statement",
-            fmt::format("{} values for {} placeholders", values.size(), ready.parameterCount()));
-    }
-    int place = 0;
-    for (const engine::Value& value : values) ready.bind(++place, value);
+    engine::Prepared& ready = state_->readyComposed(withPlaceholders, values);
     if (returned == nullptr) return ready.run();
     const std::size_t before = returned->rows();
     ready.fetch(*returned);
     return static_cast<std::int64_t>(returned->rows() - before);
+  } catch (Error& error) {
+    error.inStatement(withPlaceholders);
+    throw;
+  }
+}
+
+void PlanCache::send(std::string_view withPlaceholders, std::span<const engine::Value> values,
+                     std::int64_t& rows, engine::RowStore* returned) {
+  try {
+    state_->readyComposed(withPlaceholders, values).sendFor(rows, returned);
   } catch (Error& error) {
     error.inStatement(withPlaceholders);
     throw;

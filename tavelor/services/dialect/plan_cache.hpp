@@ -54,6 +54,8 @@ class PlanCache {
   /// Runs a statement that gives no rows; the number of rows written by its last step. Several
   /// steps run in one transaction: after an error nothing of the statement is left.
   std::int64_t run(const Statement& statement);
+  /// The same without waiting to know how many, where the engine can: see engine::Prepared::send().
+  std::int64_t send(const Statement& statement);
 
   /// The plan of a SELECT; record sets keep it for their fields.
   std::shared_ptr<const Plan> plan(const Statement& statement);
@@ -67,6 +69,9 @@ class PlanCache {
   /// RETURNING gives its rows to `returned` when that is not null.
   std::int64_t run(std::string_view withPlaceholders, std::span<const engine::Value> values,
                    engine::RowStore* returned = nullptr);
+  /// The same without waiting for `rows` and `returned`: see engine::Prepared::sendFor().
+  void send(std::string_view withPlaceholders, std::span<const engine::Value> values,
+            std::int64_t& rows, engine::RowStore* returned);
 
   /// How statements were served.
   struct Counters {

@@ -20,12 +20,16 @@ std::string_view sentence(Rule rule) {
       return "Xor, Eqv and Imp are not supported; write them with And, Or and Not.";
     case Rule::kTooDeep:
       return "The statement is too complex: its expressions nest too deeply.";
+    case Rule::kTooManyValues:
+      return "The statement has more values than the engine takes; write several statements.";
     case Rule::kUpdateOfTwoTables:
       return "An UPDATE sets columns of one table only; write one statement a table.";
     case Rule::kDeleteFromTwoTables:
       return "A DELETE takes rows from one table only; write one statement a table.";
     case Rule::kDistinctRowOfJoin:
       return "DISTINCTROW over several tables is not supported; write DISTINCT or GROUP BY.";
+    case Rule::kOrderOfDistinctGroups:
+      return "On this engine a SELECT DISTINCT over groups is sorted by what it shows only.";
     case Rule::kDerivedTable:
       return "A SELECT in the place of a table is not supported.";
     case Rule::kUnknownFunction:

@@ -14,9 +14,11 @@ enum class Rule : std::uint8_t {
   kPercentOfRows,
   kLogicalOperators,
   kTooDeep,
+  kTooManyValues,
   kUpdateOfTwoTables,
   kDeleteFromTwoTables,
   kDistinctRowOfJoin,
+  kOrderOfDistinctGroups,
   kDerivedTable,
   kUnknownFunction
 };

@@ -68,6 +68,16 @@ constexpr std::array<std::string_view, 108> kReservedWords{"add",          "all"
 
 class SqliteWriter final : public Writer {
  public:
+  const Words& words() const override {
+    // Conditions are 1, 0 or Null here, Null is the smallest of all, and texts know no letters.
+    static constexpr Words kWords{.row = "rowid",
+                                  .smaller = "min",
+                                  .larger = "max",
+                                  .truth = {"-(", ")"},
+                                  .mostArguments = 101};
+    return kWords;
+  }
+
   /// A bare ? takes the next number. The engine searches the numbered ones from the first on for
   /// each that it compiles, so of a long list the rest has no numbers.
   void placeholder(std::string& out, std::int32_t number, bool isNew) const override {
@@ -76,50 +86,17 @@ class SqliteWriter final : public Writer {
     if (number <= kNumbered || !isNew) out.append(std::to_string(number));
   }
 
-  bool isReserved(std::string_view name) const override {
-    constexpr std::size_t kLongest = 17;
-    if (name.size() > kLongest) return false;
-    std::array<char, kLongest> lower{};
-    std::transform(name.begin(), name.end(), lower.begin(), [](char c) {
-      return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-    });
-    const std::string_view word(lower.data(), name.size());
-    return word == "where" || word == "window" || word == "with" || word == "without" ||
-           std::binary_search(kReservedWords.begin(), kReservedWords.end(), word);
-  }
-
-  std::string_view smaller() const override { return "min"; }
-  std::string_view larger() const override { return "max"; }
-  // Conditions are 1, 0 or Null here.
-  std::string_view beforeTruth() const override { return "-("; }
-  std::string_view behindTruth() const override { return ")"; }
-
-  std::string_view storedOrder() const override { return "rowid"; }
-
-  void joinedUpdate(StepText& text, const TreeStatement& tree) const override {
-    text << "UPDATE ";
-    text.source(*tree.target);
-    if (hasOnlyInnerJoins(*tree.from)) {
-      updateFromTables(text, tree);
+  void name(std::string& out, std::string_view name) const override {
+    if (isPlain(name) && !isReserved(name)) {
+      out.append(name);
     } else {
-      updateFromRows(text, tree);
+      quote(out, name, '"');
     }
-  }
-
-  void joinedDelete(StepText& text, const TreeStatement& tree) const override {
-    text << "DELETE FROM ";
-    text.source(*tree.target);
-    text << " WHERE rowid IN (SELECT ";
-    text.name(tree.target->name());
-    text << ".rowid FROM ";
-    text.join(*tree.from);
-    where(text, tree);
-    text << ")";
   }
 
   std::string createTable(const engine::Table& table) const override {
     std::string sql = "CREATE TABLE ";
-    name(sql, table.name);
+    this->table(sql, table.name);
     bool keyDeclared = false;
     std::string_view separator = " (";
     for (const engine::Column& column : table.columns) {
@@ -138,6 +115,10 @@ class SqliteWriter final : public Writer {
       sql.append(")");
     }
     return sql.append(")");
+  }
+
+  void indexedColumn(std::string& out, std::string_view column, bool) const override {
+    name(out, column);
   }
 
   void columnDeclaration(std::string& out, const engine::Table& table,
@@ -188,81 +169,27 @@ class SqliteWriter final : public Writer {
     return "";
   }
 
-  static bool hasOnlyInnerJoins(const Join& join) {
-    switch (join.kind) {
-      case JoinKind::kTable:
-        return true;
-      case JoinKind::kCross:
-      case JoinKind::kInner:
-        return hasOnlyInnerJoins(*join.left) && hasOnlyInnerJoins(*join.right);
-      default:
-        return false;
-    }
+  static bool isPlain(std::string_view name) {
+    const auto isLetter = [](char c) {
+      return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
+             static_cast<unsigned char>(c) >= 0x80;
+    };
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    return !name.empty() && isLetter(name.front()) &&
+           std::all_of(name.begin(), name.end(), [&](char c) { return isLetter(c) || isDigit(c); });
   }
 
-  static void where(StepText& text, const TreeStatement& tree) {
-    if (tree.where == nullptr) return;
-    text << " WHERE ";
-    text.expression(*tree.where);
-  }
-
-  /// The conditions of all joins, each behind WHERE or AND.
-  static void conditions(StepText& text, const Join& join, std::string_view& lead) {
-    if (join.kind == JoinKind::kTable) return;
-    conditions(text, *join.left, lead);
-    conditions(text, *join.right, lead);
-    if (join.condition == nullptr) return;
-    text << lead;
-    text.conjunct(*join.condition);
-    lead = " AND ";
-  }
-
-  static void updateFromTables(StepText& text, const TreeStatement& tree) {
-    std::string_view lead = " SET ";
-    for (const Assignment* a = tree.assignments; a != nullptr; a = a->next) {
-      text << lead;
-      text.column(*a->target, false);
-      text << " = ";
-      text.expression(*a->value);
-      lead = ", ";
-    }
-    lead = " FROM ";
-    for (const Source* source = tree.sources; source != nullptr; source = source->next) {
-      if (source == tree.target) continue;
-      text << lead;
-      text.source(*source);
-      lead = ", ";
-    }
-    lead = " WHERE ";
-    conditions(text, *tree.from, lead);
-    if (tree.where == nullptr) return;
-    text << lead;
-    text.conjunct(*tree.where);
-  }
-
-  /// With an outer join the rows of the join are computed first, those without a partner too.
-  static void updateFromRows(StepText& text, const TreeStatement& tree) {
-    std::int64_t number = 0;
-    for (const Assignment* a = tree.assignments; a != nullptr; a = a->next) {
-      text << (a == tree.assignments ? " SET " : ", ");
-      text.column(*a->target, false);
-      text << " = tv_rows.tv_" << ++number;
-    }
-    text << " FROM (SELECT ";
-    text.name(tree.target->name());
-    text << ".rowid AS tv_row";
-    number = 0;
-    for (const Assignment* a = tree.assignments; a != nullptr; a = a->next) {
-      text << ", ";
-      text.expression(*a->value);
-      text << " AS tv_" << ++number;
-    }
-    text << " FROM ";
-    text.join(*tree.from);
-    where(text, tree);
-    text << ") AS tv_rows WHERE ";
-    text.name(tree.target->name());
-    text << ".rowid = tv_rows.tv_row";
+  /// A word that can't be a name without quotes.
+  static bool isReserved(std::string_view name) {
+    constexpr std::size_t kLongest = 17;
+    if (name.size() > kLongest) return false;
+    std::array<char, kLongest> lower{};
+    std::transform(name.begin(), name.end(), lower.begin(), [](char c) {
+      return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+    });
+    const std::string_view word(lower.data(), name.size());
+    return word == "where" || word == "window" || word == "with" || word == "without" ||
+           std::binary_search(kReservedWords.begin(), kReservedWords.end(), word);
   }
 };
 
@@ -271,6 +198,10 @@ class SqliteWriter final : public Writer {
 const Writer& sqliteWriter() {
   static const SqliteWriter writer;
   return writer;
+}
+
+std::unique_ptr<const Writer> sqliteWriter(const std::string& /*schema*/) {
+  return std::make_unique<SqliteWriter>();
 }
 
 }  // namespace tavelor::dialect

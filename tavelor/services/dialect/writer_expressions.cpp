@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Tree to text, as all engines have it: expressions.
 #include <algorithm>
+#include <array>
 #include <optional>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -11,24 +13,11 @@
 #include "tavelor/services/dialect/rules.hpp"
 #include "tavelor/services/dialect/types.hpp"
 #include "tavelor/services/dialect/writer.hpp"
+#include "tavelor/services/dialect/writer_parts.hpp"
 
 namespace tavelor::dialect {
 
 namespace {
-
-// How tightly operators bind in the engines' texts; what binds less than its place asks for goes
-// into parentheses.
-enum Level : int {
-  kOrLevel = 1,
-  kAndLevel,
-  kNotLevel,
-  kCompareLevel,
-  kAddLevel,
-  kMultiplyLevel,
-  kConcatLevel,
-  kSignLevel,
-  kAtomLevel
-};
 
 std::string_view comparisonSign(Operator op) {
   switch (op) {
@@ -47,19 +36,6 @@ std::string_view comparisonSign(Operator op) {
   }
 }
 
-/// What an engine's parser keeps on its stack before it reads an operand; the embedded one has room
-/// for a hundred symbols, some of which the statement around takes.
-enum Open : int {
-  kParenthesisOpen = 1,
-  kOperatorOpen = 2,
-  kFirstArgumentOpen = 3,
-  kArgumentOpen = 5,
-  kBetweenOpen = 4,
-  kCaseOpen = 5,
-  kSelectOpen = 8,
-  kMostOpen = 84
-};
-
 /// Calculated with as decimals, by functions: an engine's own signs would calculate with doubles,
 /// and make an infinite number of what is too large. Whole numbers and days need neither.
 bool isExact(const Expr& expr) {
@@ -76,13 +52,6 @@ bool isBitwise(const Expr& expr) {
   const bool joins =
       expr.kind == ExprKind::kBinary && (expr.op == Operator::kAnd || expr.op == Operator::kOr);
   return (joins || expr.kind == ExprKind::kNot) && !expr.type.predicate;
-}
-
-/// The engine's function for a call.
-std::string engineName(const Function& function, const Type& first) {
-  if (isMoney(first) && !function.ofMoney.empty()) return std::string(function.ofMoney);
-  const bool isExactTotal = function.kind == FunctionKind::kTotal && hasDecimals(first);
-  return (isExactTotal ? "tv_" : "") + std::string(function.engineName);
 }
 
 int levelOf(const Expr& expr) {
@@ -128,19 +97,6 @@ int levelOf(const Expr& expr) {
   }
 }
 
-std::int64_t typeNumber(const Type& type) {
-  return static_cast<std::int64_t>(type.column);
-}
-
-void quoteText(std::string& out, std::string_view text) {
-  out.push_back('\'');
-  for (const char c : text) {
-    if (c == '\'') out.push_back('\'');
-    out.push_back(c);
-  }
-  out.push_back('\'');
-}
-
 /// The texts joined by a chain of &, from the left.
 void collectJoined(const Expr& expr, std::vector<const Expr*>& parts) {
   if (expr.kind == ExprKind::kBinary && expr.op == Operator::kJoin) {
@@ -157,18 +113,37 @@ void StepText::conjunct(const Expr& condition) {
   expression(condition, kAndLevel);
 }
 
-void StepText::expression(const Expr& expr, int level) {
+void StepText::expression(const Expr& expr, int level, Form form) {
+  if (group_ != nullptr && standsInGroup(expr)) {
+    const Select* const group = std::exchange(group_, nullptr);
+    expression(expr, level, form);
+    group_ = group;
+    return;
+  }
+  const Conversion compared = comparedAs(expr);
+  if (form == Form::kCompared && compared != expr.conversion) return placeholder(expr, compared);
+  const Around around = aroundOf(expr, form);
+  if (around.isNothing()) return plain(expr, level);
+  *this << around.before;
+  plain(expr, around.before.empty() ? std::max<int>(level, kAtomLevel) : 0);
+  *this << around.behind;
+}
+
+void StepText::plain(const Expr& expr, int level) {
   const int own = levelOf(expr);
   if (own >= level) return bare(expr, own);
   *this << "(";
-  nested(expr, own, kParenthesisOpen);
+  open_ += kParenthesisOpen;
+  if (open_ > kMostOpen) refuse(Rule::kTooDeep, statement_, expr.offset);
+  bare(expr, own);
+  open_ -= kParenthesisOpen;
   *this << ")";
 }
 
-void StepText::nested(const Expr& expr, int level, int open) {
+void StepText::nested(const Expr& expr, int level, int open, Form form) {
   open_ += open;
   if (open_ > kMostOpen) refuse(Rule::kTooDeep, statement_, expr.offset);
-  expression(expr, level);
+  expression(expr, level, form);
   open_ -= open;
 }
 
@@ -183,27 +158,17 @@ void StepText::bare(const Expr& expr, int level) {
       *this << (expr.negated ? "0" : "-1");
       return;
     case ExprKind::kColumn:
+      if (isOfGroup(expr)) return ofGroup(expr);
       return column(expr, expr.qualified);
     case ExprKind::kStar:
       *this << "*";
       return;
-    case ExprKind::kNegate: {
-      if (isMoney(expr.type)) {
-        *this << "tv_money_neg(";
-        nested(*expr.left, 0, kFirstArgumentOpen);
-        *this << ")";
-        return;
-      }
-      // A constant may bring a sign of its own, and two of them begin a comment.
-      const bool isConstant =
-          expr.left->kind == ExprKind::kLiteral || expr.left->kind == ExprKind::kBoolean;
-      *this << "-";
-      return nested(*expr.left, isConstant ? kAtomLevel + 1 : kAtomLevel, kParenthesisOpen);
-    }
+    case ExprKind::kNegate:
+      return negation(expr);
     case ExprKind::kNot:
       if (isBitwise(expr)) {
         *this << "tv_not(";
-        nested(*expr.left, 0, kFirstArgumentOpen);
+        nested(*expr.left, 0, kFirstArgumentOpen, Form::kCalculated);
         *this << ")";
         return;
       }
@@ -239,16 +204,32 @@ void StepText::bare(const Expr& expr, int level) {
   }
 }
 
+void StepText::negation(const Expr& expr) {
+  if (isMoney(expr.type)) {
+    *this << "tv_money_neg(";
+    nested(*expr.left, 0, kFirstArgumentOpen, Form::kCalculated);
+    *this << ")";
+    return;
+  }
+  // A constant may bring a sign of its own, and two of them begin a comment.
+  const bool isConstant =
+      expr.left->kind == ExprKind::kLiteral || expr.left->kind == ExprKind::kBoolean;
+  *this << "-";
+  nested(*expr.left, isConstant ? kAtomLevel + 1 : kAtomLevel, kParenthesisOpen, Form::kCalculated);
+}
+
 void StepText::literal(const Expr& expr) {
   const Token& token = expr.literal;
-  if (token.literal >= 0) return placeholder(expr);
+  if (token.literal >= 0) return placeholder(expr, expr.conversion);
   const std::string_view written = statement_.substr(token.begin, token.end - token.begin);
   switch (token.literalKind) {
     case LiteralKind::kText:
-      return quoteText(step_.sql, unquoted(written));
+      return Writer::quote(step_.sql, unquoted(written), '\'');
     case LiteralKind::kDate: {
       const std::optional<Date> date = parseSqlDate(written.substr(1, written.size() - 2));
+      *this << words_.date.before;
       fmt::format_to(std::back_inserter(step_.sql), "{}", date->days());
+      *this << words_.date.behind;
       return;
     }
     default:
@@ -261,12 +242,15 @@ void StepText::literal(const Expr& expr) {
   }
 }
 
-void StepText::placeholder(const Expr& expr) {
+void StepText::placeholder(const Expr& expr, Conversion conversion) {
   const bool isNew = expr.step != number_;
   if (isNew) {
+    if (step_.parameters.size() == static_cast<std::size_t>(writer_.mostPlaceholders())) {
+      refuse(Rule::kTooManyValues, statement_, expr.offset);
+    }
     Parameter parameter;
     parameter.literal = expr.literal.literal;
-    parameter.conversion = expr.conversion;
+    parameter.conversion = conversion;
     parameter.columnType = expr.meets;
     parameter.compared = expr.compared;
     if (expr.assignedTo != nullptr) {
@@ -282,9 +266,9 @@ void StepText::placeholder(const Expr& expr) {
 
 void StepText::function(std::string_view name, const Expr& first, const Expr& second) {
   *this << name << "(";
-  nested(first, 0, kFirstArgumentOpen);
+  nested(first, 0, kFirstArgumentOpen, Form::kCalculated);
   *this << ", ";
-  nested(second, 0, kArgumentOpen);
+  nested(second, 0, kArgumentOpen, Form::kCalculated);
   *this << ")";
 }
 
@@ -322,19 +306,19 @@ void StepText::binary(const Expr& expr, int level) {
       break;
   }
   const bool groupsAlike = expr.op == Operator::kAnd || expr.op == Operator::kOr;
-  expression(*expr.left, level);
+  const Form form = groupsAlike ? Form::kStored : Form::kCalculated;
+  expression(*expr.left, level, form);
   *this << sign;
-  nested(*expr.right, groupsAlike ? level : level + 1, kOperatorOpen);
+  nested(*expr.right, groupsAlike ? level : level + 1, kOperatorOpen, form);
 }
 
 /// A chain of one operation is one call: nested, a long one would be too much for an engine.
 void StepText::exact(const Expr& expr) {
-  constexpr std::size_t kMostArguments = 100;
   const bool ofMoney = isMoney(expr.type);
   std::vector<const Expr*> operands{expr.right};
   const Expr* left = expr.left;
   while (isExact(*left) && left->op == expr.op && isMoney(left->type) == ofMoney &&
-         operands.size() < kMostArguments) {
+         operands.size() + 1 < words_.mostArguments) {
     operands.push_back(left->right);
     left = left->left;
   }
@@ -375,18 +359,38 @@ void StepText::joinedTexts(const Expr& expr) {
 }
 
 void StepText::compare(const Expr& expr, int level) {
-  expression(*expr.left, level + 1);
+  const std::array<const Expr*, 2> sides{expr.left, expr.right};
+  const Form form = formOf(sides);
+  const bool hasOrder = expr.op != Operator::kEqual && expr.op != Operator::kNotEqual;
+  if (hasOrder && needsOrder(sides)) {
+    sorted(*expr.left, level + 1);
+  } else {
+    expression(*expr.left, level + 1, form);
+  }
   *this << comparisonSign(expr.op);
-  nested(*expr.right, level + 1, kOperatorOpen);
+  nested(*expr.right, level + 1, kOperatorOpen, form);
 }
 
 void StepText::between(const Expr& expr, int level) {
-  expression(*expr.left, level + 1);
+  const std::array<const Expr*, 3> sides{expr.left, expr.right, expr.third};
+  const Form form = formOf(sides);
+  if (needsOrder(sides)) {
+    sorted(*expr.left, level + 1);
+  } else {
+    expression(*expr.left, level + 1, form);
+  }
   *this << (expr.negated ? " NOT BETWEEN " : " BETWEEN ");
   open_ += kBetweenOpen;
-  function(writer_.smaller(), *expr.right, *expr.third);
-  *this << " AND ";
-  function(writer_.larger(), *expr.right, *expr.third);
+  if (words_.smaller.empty()) {
+    *this << "SYMMETRIC ";
+    nested(*expr.right, level + 1, kFirstArgumentOpen, form);
+    *this << " AND ";
+    nested(*expr.third, level + 1, kFirstArgumentOpen, form);
+  } else {
+    function(words_.smaller, *expr.right, *expr.third);
+    *this << " AND ";
+    function(words_.larger, *expr.right, *expr.third);
+  }
   open_ -= kBetweenOpen;
 }
 
@@ -396,132 +400,37 @@ void StepText::like(const Expr& expr) {
 }
 
 void StepText::membership(const Expr& expr, int level) {
-  expression(*expr.left, level + 1);
+  const Form form = formOfMembers(expr);
+  expression(*expr.left, level + 1, form);
   *this << (expr.negated ? " NOT IN (" : " IN (");
   if (expr.kind == ExprKind::kIn) {
-    list(expr.arguments);
+    list(expr.arguments, form);
   } else {
-    inner(expr);
+    inner(expr, form);
   }
   *this << ")";
 }
 
 /// The SELECT of an expression.
-void StepText::inner(const Expr& expr) {
+void StepText::inner(const Expr& expr, Form form) {
   open_ += kSelectOpen;
   if (open_ > kMostOpen) refuse(Rule::kTooDeep, statement_, expr.offset);
-  select(*expr.select);
+  select(*expr.select, form);
   open_ -= kSelectOpen;
 }
 
-void StepText::list(const Expr* first) {
+void StepText::list(const Expr* first, Form form) {
   for (const Expr* expr = first; expr != nullptr; expr = expr->next) {
     if (expr != first) *this << ", ";
-    nested(*expr, 0, expr == first ? kFirstArgumentOpen : kArgumentOpen);
+    nested(*expr, 0, expr == first ? kFirstArgumentOpen : kArgumentOpen, form);
   }
 }
 
 void StepText::arguments(std::span<const Expr* const> arguments) {
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     if (i > 0) *this << ", ";
-    nested(*arguments[i], 0, i == 0 ? kFirstArgumentOpen : kArgumentOpen);
+    nested(*arguments[i], 0, i == 0 ? kFirstArgumentOpen : kArgumentOpen, Form::kCalculated);
   }
-}
-
-void StepText::call(const Expr& expr) {
-  const Function& function = *expr.function;
-  const Expr* first = expr.arguments;
-  switch (function.kind) {
-    case FunctionKind::kIsNull:
-      expression(*first, kCompareLevel + 1);
-      *this << " IS NULL";
-      return;
-    case FunctionKind::kNz:
-      return this->function("coalesce", *first, *first->next);
-    case FunctionKind::kIIf:
-      *this << "CASE WHEN ";
-      nested(*first, 0, kCaseOpen);
-      *this << " THEN ";
-      nested(*first->next, 0, kCaseOpen);
-      *this << " ELSE ";
-      nested(*first->next->next, 0, kCaseOpen);
-      *this << " END";
-      return;
-    case FunctionKind::kDatePart:
-      *this << "tv_part('" << function.engineName << "', ";
-      break;
-    default:
-      *this << engineName(function, first == nullptr ? Type{} : first->type) << "(";
-      break;
-  }
-  // Behind the name of a part.
-  if (function.kind == FunctionKind::kDatePart) open_ += kOperatorOpen;
-  list(first);
-  if (function.kind == FunctionKind::kDatePart) open_ -= kOperatorOpen;
-  if (function.kind == FunctionKind::kTyped) {
-    if (first->next == nullptr) *this << ", NULL";
-    *this << ", " << typeNumber(first->type);
-  } else if (function.engineName == "tv_round" && first->next == nullptr) {
-    *this << ", 0";
-  }
-  *this << ")";
-}
-
-void StepText::truth(const Expr& condition) {
-  *this << writer_.beforeTruth();
-  nested(condition, 0, kOperatorOpen);
-  *this << writer_.behindTruth();
-}
-
-void StepText::cast(const Expr& expr) {
-  std::string_view function;
-  std::int64_t second = -1;
-  switch (expr.cast) {
-    case Cast::kNone:
-      return expression(*expr.left);
-    case Cast::kNumberOfPredicate:
-      return truth(*expr.left);
-    case Cast::kPredicateOfNumber:
-      expression(*expr.left, kCompareLevel + 1);
-      *this << " <> 0";
-      return;
-    case Cast::kFlag:
-      *this << writer_.beforeTruth();
-      nested(*expr.left, kCompareLevel + 1, kOperatorOpen);
-      *this << " <> 0" << writer_.behindTruth();
-      return;
-    case Cast::kNumber:
-      function = "tv_number(";
-      break;
-    case Cast::kDate:
-      function = "tv_date(";
-      break;
-    case Cast::kDay:
-      function = "tv_day(";
-      break;
-    case Cast::kText:
-      function = "tv_text(";
-      second = typeNumber(expr.left->type);
-      break;
-    case Cast::kCurrency:
-      function = "tv_currency(";
-      break;
-    case Cast::kWhole:
-      function = "tv_whole(";
-      second = typeNumber(expr.type);
-      break;
-    case Cast::kSingle:
-      function = "tv_single(";
-      break;
-    case Cast::kFit:
-      function = "tv_fit(";
-      second = expr.size;
-      break;
-  }
-  *this << function;
-  nested(*expr.left, 0, kFirstArgumentOpen);
-  if (second >= 0) *this << ", " << second;
-  *this << ")";
 }
 
 }  // namespace tavelor::dialect

@@ -104,6 +104,7 @@ struct TAVELOR_API Table {
   std::string name;
   std::vector<Column> columns;
   std::vector<std::size_t> key;  ///< positions of the primary key's columns, in key order
+  bool counter = false;          ///< its rows are counters: what is read of them is counted up
   NameIndex columnIndex;         ///< made by the catalogue; find() works without it, by trying all
 
   /// Position of a column without regard to case, or -1.

@@ -12,6 +12,7 @@
 
 #include "tavelor/platform/callback.hpp"
 #include "tavelor/platform/date.hpp"
+#include "tavelor/services/engine/server_address.hpp"
 
 namespace tavelor {
 struct Locale;
@@ -35,6 +36,21 @@ class Prepared {
   /// Runs to the end and gives the number of rows written; rows that it would give are dropped.
   /// After an error the statement has changed nothing and may be run again.
   virtual std::int64_t run() = 0;
+  /// On its way: it will have run when the next call that waits comes back.
+  static constexpr std::int64_t kSent = -1;
+  /// Runs it for a caller who does not need to know how many rows it writes: gives their number, or
+  /// kSent. Inside a transaction an engine that is a line away need not wait for it: its error
+  /// comes, with its statement, from the next call that waits, from commit() at the latest. Until
+  /// the level of transaction in which it was sent is rolled back, everything raises
+  /// kTransactionLost then. Everything else as run().
+  virtual std::int64_t send() { return run(); }
+  /// The same for a caller who asks later: `rows` becomes their number, kSent until then, and what
+  /// the statement returns is appended to `returned` unless that is null. Both must live until
+  /// Session::wait() has come back.
+  virtual void sendFor(std::int64_t& rows, RowStore* returned) {
+    rows = kSent;
+    rows = returned == nullptr ? run() : fetchCounted(*returned);
+  }
   /// every row
   static constexpr std::size_t kAllRows = std::numeric_limits<std::size_t>::max();
   /// Appends every row, or the first `most` of a SELECT and looks at no further one. The number of
@@ -50,20 +66,26 @@ class Prepared {
 
  private:
   virtual void fetchRows(RowStore& rows, std::size_t most) = 0;
+  /// Every row; gives their number.
+  std::int64_t fetchCounted(RowStore& rows);
 };
 
 /// One connection to a database, used by one thread.
 ///
-/// Errors come as tavelor::Error: errors::kBusy when another writer did not finish within the wait,
-/// and at once when waiting would never end,
-/// kIntegrityViolation for a key or a null that the table refuses, kSyntax for a text that the
-/// engine refuses, kPathAccess for what may not be written, the number that a function of the
-/// dialect raised (13, 11, 6...), kUnspecified for the rest (disk full, file damaged), each with
-/// the engine's own code.
+/// Errors come as tavelor::Error, each with the engine's own code: errors::kBusy when another
+/// writer did not finish within the wait, and at once when waiting would never end; kTryAgain when
+/// the engine has chosen this transaction to give way; kTimeout for a statement that took longer
+/// than the engine allows; kIntegrityViolation for a key or a null that the table refuses; kSyntax
+/// for a text that the engine refuses; kPathAccess for what may not be written; the number that a
+/// function of the dialect raised (13, 11, 6...); kConnectionLost when the line to a server is gone
+/// (whatever was being committed may be there or not); kUnspecified for the rest (disk full, file
+/// damaged).
 ///
-/// Some of them, a full disk above all, make the engine undo the whole transaction by itself. The
-/// levels stay open then, so that nothing that was meant for the transaction is written singly:
-/// whatever is run, begun or committed raises kTransactionLost until each level is rolled back.
+/// Some of them, a full disk and a lost line above all, and a statement that was sent, make the
+/// engine undo the whole transaction by itself. The levels stay open then, so that nothing that was
+/// meant for the transaction is written singly: whatever is run, begun or committed raises
+/// kTransactionLost until each level is rolled back. A session whose line is lost takes a new one
+/// at its next use behind that.
 class Session {
  public:
   virtual ~Session() = default;
@@ -92,18 +114,60 @@ class Session {
 
   /// The tables as they are now.
   virtual Catalogue describe() = 0;
+  /// Whether there is a table of that name, by its letters in either case. No transaction suffers.
+  virtual bool hasTable(std::string_view name) = 0;
+  /// Waits for all that was sent, and raises the first error of it. Nothing to do in a process.
+  virtual void wait() {}
+
   /// Another number after each change of tables or columns, whoever made it.
   virtual std::int64_t schemaVersion() = 0;
+
+  /// Makes every other transaction that calls it for that table wait until this one ends: between
+  /// reading the largest number of a table and adding a row with the next one, nobody else may do
+  /// the same. Outside a transaction it does nothing. An engine that lets one transaction write at
+  /// a time need not do anything.
+  virtual void holdNumbersOf(std::string_view table) { static_cast<void>(table); }
+
+  /// By the clock that the session was opened with: statements mean this one by Now(), whatever the
+  /// computer that the engine runs on takes for the time.
+  virtual Date now() const = 0;
+  /// What becomes of SELECTs inside a transaction, in all sessions that share a line.
+  enum class Ahead : std::uint8_t {
+    kOff,    ///< each is run and waited for; what was found ahead is forgotten
+    kAsk,    ///< each goes on its way and seems to find no row, and what writes raises
+             ///< kNotAllowedInContext; the error of one that fails comes as that of a sent one
+    kAnswer  ///< one that was asked for with the same values gives what was found then: as often as
+             ///< it comes, but "no row" once, because whoever is told so adds it; other ones run
+  };
+  /// What was found ahead is forgotten with the transaction, and when one of its levels is rolled
+  /// back. An engine that nobody waits for never reads ahead.
+  virtual void readAhead(Ahead how) { static_cast<void>(how); }
+  virtual Ahead ahead() const { return Ahead::kOff; }
+  /// How often it has waited for the other end of a line since it was opened, with all sessions
+  /// that share the line; 0 for an engine in the process.
+  virtual std::int64_t waits() const { return 0; }
 
   /// Moves all that is committed into the database's own file, for whoever copies or reads that one
   /// alone. Raises kBusy while others read or write. Nothing to do for a server.
   virtual void settle() {}
 };
 
+/// What the sessions of one apartment share, if their engine has something to share: a line to a
+/// server. Used by one thread.
+class Shared {
+ public:
+  virtual ~Shared() = default;
+};
+
 /// How a session is opened.
 struct OpenOptions {
-  std::string path;     ///< of a file-based database; ":memory:" is one that dies with its session
-  bool create = false;  ///< make the file if it is not there; else that is an error
+  std::string path;      ///< of a file-based database; ":memory:" is one that dies with its session
+  ServerAddress server;  ///< of any other
+  std::string schema;    ///< its part of the server's database
+  /// Of the apartment: empty until the first session puts there what the others share. Null for a
+  /// session that shares nothing.
+  std::shared_ptr<Shared>* shared = nullptr;
+  bool create = false;  ///< make the file or schema if it is not there; else that is an error
   bool readOnly = false;
   bool synchronous = true;   ///< false: a power cut may lose the last transactions, never the file
   int busyTimeoutMs = 5000;  ///< how long to wait for one other writer to end
@@ -115,13 +179,14 @@ struct OpenOptions {
 class Engine {
  public:
   virtual ~Engine() = default;
-  /// "sqlite".
+  /// "sqlite", "postgresql".
   virtual std::string_view name() const = 0;
   /// True if a database of this engine is one file.
   virtual bool isFile() const = 0;
   /// Errors: kFileNotFound for a missing file or folder, kPathAccess for one that may not be read
-  /// or written, kUnspecified for a file that is no database, kBusy. Nothing is made or changed
-  /// then.
+  /// or written and for a user whom the server refuses, kUnspecified for a file that is no
+  /// database and for a server too old, kBusy, kConnectionLost where no host answers. Nothing is
+  /// made or changed then.
   virtual std::unique_ptr<Session> open(const OpenOptions& options) const = 0;
 };
 

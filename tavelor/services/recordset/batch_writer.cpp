@@ -17,6 +17,8 @@ using Operation = RecordsetStore::Operation;
 
 namespace {
 
+constexpr std::int64_t kNothingToWrite = -2;
+
 /// Columns that an INSERT gives back: all that the table has.
 std::vector<std::size_t> columnsOfTable(const dialect::Plan& plan) {
   std::vector<std::size_t> columns;
@@ -83,27 +85,43 @@ void BatchWriter::run(const std::vector<Row>& rows) {
 }
 
 void BatchWriter::writeAll(const std::vector<Row>& rows) {
-  for (const Row row : rows) {
-    RecordsetStore::Edit* edit = store_.edit(row);
-    if (edit == nullptr) continue;
-    edit->failure = 0;
-    try {
-      if (write(row, *edit)) {
-        written_.push_back(row);
-      } else {
-        edit->failure = record_status::kConcurrencyViolation;
-        conflicts_.push_back(row);
-      }
-    } catch (Error& error) {
-      error.noting(rowNote(store_, row));
-      edit->failure = failureOf(error);
-      conflicts_.assign(1, row);
-      throw;
+  counts_.assign(rows.size(), kNothingToWrite);
+  std::size_t at = 0;
+  try {
+    for (; at < rows.size(); ++at) {
+      RecordsetStore::Edit* edit = store_.edit(rows[at]);
+      if (edit == nullptr) continue;
+      edit->failure = 0;
+      // One statement is asked at once; of several, each is on its way while the next is composed.
+      count_ = rows.size() > 1 ? &counts_[at] : nullptr;
+      counts_[at] = write(rows[at], *edit);
+    }
+    connection_.lease().session().wait();
+  } catch (Error& error) {
+    // What was sent is done in its order: the first one without an answer is at fault, unless the
+    // error came before a statement was there to be sent.
+    if (at == rows.size() || counts_[at] == engine::Prepared::kSent) {
+      const auto stuck = std::find(counts_.begin(), counts_.end(), engine::Prepared::kSent);
+      if (stuck == counts_.end()) throw;
+      at = static_cast<std::size_t>(stuck - counts_.begin());
+    }
+    error.noting(rowNote(store_, rows[at]));
+    store_.edit(rows[at])->failure = failureOf(error);
+    conflicts_.assign(1, rows[at]);
+    throw;
+  }
+  for (at = 0; at < rows.size(); ++at) {
+    if (counts_[at] == kNothingToWrite) continue;
+    if (counts_[at] > 0) {
+      written_.push_back(rows[at]);
+    } else {
+      store_.edit(rows[at])->failure = record_status::kConcurrencyViolation;
+      conflicts_.push_back(rows[at]);
     }
   }
 }
 
-bool BatchWriter::write(Row row, const RecordsetStore::Edit& edit) {
+std::int64_t BatchWriter::write(Row row, const RecordsetStore::Edit& edit) {
   switch (edit.operation) {
     case Operation::kInsert:
       return insert(edit);
@@ -116,26 +134,32 @@ bool BatchWriter::write(Row row, const RecordsetStore::Edit& edit) {
 }
 
 /// In each table that a changed column belongs to, or in none.
-bool BatchWriter::update(Row row, const RecordsetStore::Edit& edit) {
+std::int64_t BatchWriter::update(Row row, const RecordsetStore::Edit& edit) {
   std::vector<std::string_view> tables;
   for (const WrittenCell& cell : edit.cells) {
     const std::string& table = writable(cell.column).baseTable;
     if (std::find(tables.begin(), tables.end(), table) == tables.end()) tables.push_back(table);
   }
-  bool found = false;
+  if (tables.size() == 1 && !isLookedUp(tables.front())) return update(tables.front(), row, edit);
+  // What comes behind builds on whether these were found.
+  count_ = nullptr;
   if (tables.size() == 1) {
-    found = update(tables.front(), row, edit);
-  } else {
-    engine::Transaction all(connection_.lease().session());
-    found = std::all_of(tables.begin(), tables.end(),
-                        [&](std::string_view table) { return update(table, row, edit); });
-    if (found) all.commit();
+    const std::int64_t found = update(tables.front(), row, edit);
+    if (found > 0) keepLookedUp(row, edit);
+    return found;
   }
-  if (found) keepLookedUp(row, edit);
-  return found;
+  engine::Transaction all(connection_.lease().session());
+  const bool found = std::all_of(tables.begin(), tables.end(), [&](std::string_view table) {
+    return update(table, row, edit) > 0;
+  });
+  if (!found) return 0;
+  all.commit();
+  keepLookedUp(row, edit);
+  return 1;
 }
 
-bool BatchWriter::update(std::string_view table, Row row, const RecordsetStore::Edit& edit) {
+std::int64_t BatchWriter::update(std::string_view table, Row row,
+                                 const RecordsetStore::Edit& edit) {
   begin("UPDATE ", table);
   const char* separator = " SET ";
   for (const WrittenCell& cell : edit.cells) {
@@ -151,10 +175,10 @@ bool BatchWriter::update(std::string_view table, Row row, const RecordsetStore::
     const dialect::OutputColumn& column = plan_.columns[cell.column];
     if (column.baseTable == table && !column.key) appendOriginal(row, cell.column);
   }
-  return execute(nullptr) > 0;
+  return execute(nullptr);
 }
 
-bool BatchWriter::insert(const RecordsetStore::Edit& edit) {
+std::int64_t BatchWriter::insert(const RecordsetStore::Edit& edit) {
   requireRowTable();
   if (edit.cells.empty()) {
     raise(errors::kUnspecified, kRecordsetSource,
@@ -182,16 +206,14 @@ bool BatchWriter::insert(const RecordsetStore::Edit& edit) {
     appendName(sql_, plan_.columns[column].baseColumn);
     separator = ",";
   }
-  const std::size_t before = returned_.rows();
-  execute(&returned_);
-  return returned_.rows() > before;
+  return execute(&returned_);
 }
 
-bool BatchWriter::remove(Row row) {
+std::int64_t BatchWriter::remove(Row row) {
   requireRowTable();
   begin("DELETE FROM ", plan_.updateTable);
   appendKey(sql_, values_, store_, plan_.updateTable, row);
-  return execute(nullptr) > 0;
+  return execute(nullptr);
 }
 
 void BatchWriter::begin(std::string_view verb, std::string_view table) {
@@ -276,9 +298,13 @@ void BatchWriter::requireRowTable() const {
 }
 
 std::int64_t BatchWriter::execute(engine::RowStore* returned) {
-  return connection_.traced(
-      [&] { return std::string_view(sql_); },
-      [&] { return connection_.lease().plans().run(sql_, values_, returned); });
+  return connection_.traced([&] { return std::string_view(sql_); },
+                            [&] {
+                              dialect::PlanCache& plans = connection_.lease().plans();
+                              if (count_ == nullptr) return plans.run(sql_, values_, returned);
+                              plans.send(sql_, values_, *count_, returned);
+                              return *count_;
+                            });
 }
 
 void BatchWriter::accept() {

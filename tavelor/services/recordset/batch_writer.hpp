@@ -35,11 +35,12 @@ class BatchWriter {
 
  private:
   void writeAll(const std::vector<Row>& rows);
-  bool write(Row row, const RecordsetStore::Edit& edit);
-  bool update(Row row, const RecordsetStore::Edit& edit);
-  bool update(std::string_view table, Row row, const RecordsetStore::Edit& edit);
-  bool insert(const RecordsetStore::Edit& edit);
-  bool remove(Row row);
+  // Each gives how many rows its statements found, or that nobody knows yet.
+  std::int64_t write(Row row, const RecordsetStore::Edit& edit);
+  std::int64_t update(Row row, const RecordsetStore::Edit& edit);
+  std::int64_t update(std::string_view table, Row row, const RecordsetStore::Edit& edit);
+  std::int64_t insert(const RecordsetStore::Edit& edit);
+  std::int64_t remove(Row row);
   void begin(std::string_view verb, std::string_view table);
   void appendOriginal(Row row, std::size_t column);
   bool isLookedUp(std::string_view table) const { return table != plan_.updateTable; }
@@ -57,6 +58,8 @@ class BatchWriter {
   std::vector<Row> written_;
   std::vector<Row> conflicts_;
   std::unordered_map<std::string, Variant> lookedUpWrites_;  // as the store's, of this batch
+  std::vector<std::int64_t> counts_;  // by row: found, sent, or nothing to write
+  std::int64_t* count_ = nullptr;     // of the statement that is composed; null: it is waited for
   std::string sql_;
   std::vector<engine::Value> values_;
 };

@@ -70,6 +70,19 @@ std::int64_t Connection::Execute(const Statement& statement) {
   return traced([&] { return statement.text(); }, [&] { return open.plans().run(statement); });
 }
 
+void Connection::Send(const Statement& statement) {
+  SessionLease& open = lease();
+  traced([&] { return statement.text(); }, [&] { return open.plans().send(statement); });
+}
+
+void Connection::HoldNumbersOf(std::string_view table) {
+  lease().session().holdNumbersOf(table);
+}
+
+std::int64_t Connection::waits() const {
+  return lease_ ? lease_->session().waits() : 0;
+}
+
 std::shared_ptr<RecordsetStore> Connection::fetch(const Statement& statement,
                                                   std::size_t most) const {
   if (State() == ObjectState::kClosed) raise(errors::kInvalidConnection, kRecordsetSource);

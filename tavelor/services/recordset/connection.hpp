@@ -51,8 +51,9 @@ class TAVELOR_API TraceSink {
     int selector = 0;
     std::string_view text;  ///< as the caller joined it, or as the batch composed it
     std::int64_t microseconds = 0;
-    std::int64_t rows = 0;   ///< read or written
+    std::int64_t rows = 0;   ///< read or written; -1 where nobody waited to know
     std::int32_t error = 0;  ///< number of the error that it raised, or 0
+    std::int64_t waits = 0;  ///< how often it waited for a server
   };
 
   virtual ~TraceSink() = default;
@@ -111,6 +112,10 @@ class TAVELOR_API Connection final : public Object,
   /// Runs a statement that gives no rows; the number of rows written. After an error nothing of the
   /// statement is left.
   std::int64_t Execute(const Statement& statement);
+  /// The same for a caller who does not ask how many rows were written. On a server, inside a
+  /// transaction, it is on its way when this returns; if it fails, the next call that waits for the
+  /// server raises its error, CommitTrans at the latest, and the transaction is lost.
+  void Send(const Statement& statement);
 
   /// The value of `column` in the first row of a SELECT; nothing when there is no row. Looks at no
   /// further row, so what is wrong with a later one stays unknown. Raises 3265 for a column that
@@ -119,8 +124,16 @@ class TAVELOR_API Connection final : public Object,
   /// True if a SELECT gives a row; looks at no further one.
   bool anyRow(const Statement& statement) const;
 
+  /// Makes every other transaction that calls it for that table wait until this one ends, where the
+  /// engine lets several write at a time. A statement that reads the largest number of a table does
+  /// so by itself; who writes what another one may be about to write too calls it first.
+  void HoldNumbersOf(std::string_view table);
+
   /// Number of its database in the installation.
   int selector() const { return selector_; }
+  /// How often the work of this apartment has waited for the server since it was connected; 0 for a
+  /// file. What a till a network away pays for.
+  std::int64_t waits() const;
   /// Open levels; 0 when closed.
   int transactionLevel() const;
   /// By which texts read.

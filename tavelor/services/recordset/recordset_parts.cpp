@@ -80,6 +80,10 @@ void RecordsetParts::leaveConnection() noexcept {
   connection.reset();
 }
 
+engine::Session& RecordsetParts::sessionOf(const Connection& connection) {
+  return connection.lease().session();
+}
+
 Connection& RecordsetParts::openConnection() const {
   if (!connection || connection->State() == ObjectState::kClosed) {
     raise(errors::kInvalidConnection, kRecordsetSource);

@@ -39,6 +39,8 @@ class RecordsetParts {
   using Row = RecordsetStore::Row;
 
   explicit RecordsetParts(Recordset& set) : listeners(set, store) {}
+  /// Of a connection, for what else is made of them. Raises 3704 for a closed one.
+  static engine::Session& sessionOf(const Connection& connection);
   RecordsetParts(const RecordsetParts&) = delete;
   RecordsetParts& operator=(const RecordsetParts&) = delete;
   ~RecordsetParts();

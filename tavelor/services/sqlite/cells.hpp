@@ -8,6 +8,7 @@
 #include <sqlite3.h>
 
 #include "tavelor/platform/variant.hpp"
+#include "tavelor/services/engine/cell_converter.hpp"
 #include "tavelor/services/engine/row_store.hpp"
 
 namespace tavelor::engine::sqlite {
@@ -22,7 +23,7 @@ inline std::string_view textOf(sqlite3_value* value) {
 /// anything else (an expression, a text in a numeric column) is converted.
 class CellReader {
  public:
-  explicit CellReader(const Locale& locale) : locale_(locale) {}
+  explicit CellReader(const Locale& locale) : converter_(locale) {}
 
   /// Leaves the cell as it was (null) for a null. Raises 13 and 6 as Prepared::fetch() tells.
   void read(sqlite3_value* value, ColumnType type, RowStore::Cells& cells,
@@ -60,7 +61,7 @@ class CellReader {
         break;
       case ColumnType::kCurrency:
         if (stored <= SQLITE_FLOAT) {
-          return cells.setInteger(column, scaled(sqlite3_value_double(value)));
+          return cells.setInteger(column, CellConverter::scaled(sqlite3_value_double(value)));
         }
         break;
       case ColumnType::kBinary:
@@ -72,12 +73,10 @@ class CellReader {
  private:
   static_assert(SQLITE_INTEGER == 1 && SQLITE_FLOAT == 2);
 
-  /// Ten-thousandths, halves to even.
-  static std::int64_t scaled(double amount);
   void convert(sqlite3_value* value, ColumnType type, RowStore::Cells& cells,
                std::size_t column) const;
 
-  const Locale& locale_;
+  CellConverter converter_;
 };
 
 /// A value as the Variant that a column of `type` gives; a text stays a text.

@@ -134,10 +134,17 @@ void Database::mustBeInPlace() {
 }
 
 void Database::takeTurn() {
-  mustBeInPlace();
-  if (!queue) return;
-  turn = queue->enter(std::chrono::milliseconds(busyTimeoutMs));
-  if (turn != WriteQueue::Answer::kFirst) throw errorOf(*this, SQLITE_BUSY, "");
+  if (queue) {
+    turn = queue->enter(std::chrono::milliseconds(busyTimeoutMs));
+    if (turn != WriteQueue::Answer::kFirst) throw errorOf(*this, SQLITE_BUSY, "");
+  }
+  // Behind the wait: whoever was waited for may have moved the file.
+  try {
+    mustBeInPlace();
+  } catch (...) {
+    endTurn();
+    throw;
+  }
 }
 
 StatementHandle compile(Database& database, std::string_view engineText) {

@@ -32,6 +32,8 @@ struct Database {
 
   /// Raises what the failed call left in the handle. `code` is what it answered.
   [[noreturn]] void fail(int code);
+  /// By the clock that it was opened with.
+  Date time() const { return now ? now() : Date::now(); }
   /// Before anything is written outside of a transaction: raises 75 when the file was removed,
   /// moved or replaced since it was opened. The engine would go on writing to what is left of it,
   /// and all of that would be lost.

@@ -70,8 +70,7 @@ void dateSerial(Call& call) {
 
 /// By the session's clock, to the second.
 double nowDays(const Call& call) {
-  const Database& database = call.database();
-  return (database.now ? database.now() : Date::now()).days();
+  return call.database().time().days();
 }
 
 void now(Call& call) {

@@ -124,6 +124,15 @@ std::int64_t FileSession::schemaVersion() {
   return version;
 }
 
+bool FileSession::hasTable(std::string_view name) {
+  const StatementHandle statement = compile(
+      *database_, "SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = ?1 COLLATE NOCASE");
+  sqlite3_bind_text64(statement.get(), 1, name.data(), name.size(), SQLITE_STATIC, SQLITE_UTF8);
+  const int code = sqlite3_step(statement.get());
+  if (code != SQLITE_ROW && code != SQLITE_DONE) database_->fail(code);
+  return code == SQLITE_ROW;
+}
+
 Catalogue FileSession::describe() {
   return describeTables(*database_);
 }

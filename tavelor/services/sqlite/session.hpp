@@ -3,11 +3,12 @@
 #pragma once
 
 #include "tavelor/services/engine/engine.hpp"
+#include "tavelor/services/engine/movable.hpp"
 #include "tavelor/services/sqlite/database.hpp"
 
 namespace tavelor::engine::sqlite {
 
-class FileSession final : public Session {
+class FileSession final : public Session, public Movable {
  public:
   /// `readOnly` sessions may begin a transaction too: it gives them one state of the data.
   FileSession(std::shared_ptr<Database> database, bool readOnly);
@@ -23,8 +24,18 @@ class FileSession final : public Session {
   int depth() const override { return database_->depth; }
   void mustNotBeLost() const override { database_->mustNotBeLost(); }
   Catalogue describe() override;
+  bool hasTable(std::string_view name) override;
   std::int64_t schemaVersion() override;
+  Date now() const override { return database_->time(); }
   void settle() override;
+
+  // Moving: moving.cpp. The right to write that the transaction has holds all still.
+  void holdStill(const Catalogue& /*tables*/) override {}
+  std::vector<Index> indexes() override;
+  std::int64_t lastNumber(const Table& table, const Column& counter) override;
+  void goOnBehind(const Table& table, const Column& counter, std::int64_t number) override;
+  /// Renames the file and what of it is still in its log, at once. Raises 75.
+  void putAway(std::string_view ending) override;
 
  private:
   /// Runs a statement of the transaction's own, compiled at its first use.

@@ -13,6 +13,7 @@
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/services/sqlite/database.hpp"
 #include "tavelor/services/sqlite/functions.hpp"
+#include "tavelor/services/sqlite/moving.hpp"
 #include "tavelor/services/sqlite/session.hpp"
 
 namespace tavelor::engine {
@@ -147,10 +148,14 @@ void configure(Database& database, const OpenOptions& options) {
   }
 }
 
-class FileEngine final : public Engine {
+class FileEngine final : public Engine, public Destination {
  public:
   std::string_view name() const override { return "sqlite"; }
   bool isFile() const override { return true; }
+  std::string whyNot(const Column& column, const RowStore::Row& row,
+                     std::size_t place) const override {
+    return sqlite::whyNot(column, row, place);
+  }
 
   std::unique_ptr<Session> open(const OpenOptions& options) const override {
     auto database = std::make_shared<Database>();

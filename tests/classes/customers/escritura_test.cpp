@@ -6,6 +6,7 @@
 #include "tavelor/frame/component.hpp"
 #include "tests/classes/customers/clientes.hpp"
 #include "tests/services/faults.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor {
 namespace {
@@ -207,6 +208,7 @@ TEST_F(ClsClientesEscrituraTest, PathsLeadIntoTheirFolders) {
 }
 
 TEST_F(ClsClientesEscrituraTest, ReportsMayReadTheHistoricDatabase) {
+  TAVELOR_ONLY_IN_FILES("it names the database file");
   std::string kind, source, catalogue, user, password;
   customers.GetConnectionStrToRpt(kind, source, catalogue, user, password);
   EXPECT_THAT(source, EndsWith("/main.db"));
@@ -288,6 +290,7 @@ TEST_F(ClsClientesEscrituraTest, FieldsWithoutATableAreTakenAsTheyAre) {
 }
 
 TEST_F(ClsClientesEscrituraTest, TheInstallationsOwnFilesAreNotOverwritten) {
+  TAVELOR_ONLY_IN_FILES("a server has no files of the installation");
   add("1");
   const std::string folder = shop.installation().folder();
   for (const char* file : {"main.db", "documents.db", "documents.db-wal", "registry.db",

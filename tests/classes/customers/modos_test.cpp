@@ -4,6 +4,7 @@
 #include "tavelor/services/installation.hpp"
 #include "tavelor/services/session_global.hpp"
 #include "tests/classes/customers/clientes.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor {
 namespace {
@@ -92,6 +93,7 @@ TEST_F(ClsClientesModosTest, AnUnknownWordOpensAllAndReadsTodosAfterwards) {
 }
 
 TEST_F(ClsClientesModosTest, TheMixedDescriptionOfAFileDatabaseHoldsTheTradeName) {
+  TAVELOR_ONLY_IN_FILES("the class tells files and servers apart");
   EXPECT_EQ(statementOf("seleccionmixta"), corpus("IniciaRs / seleccionmixta, file database"));
   EXPECT_EQ(statementOf("seleccionmixta_center", "Norte"),
             corpus("IniciaRs / seleccionmixta_center, file database"));

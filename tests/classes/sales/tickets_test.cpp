@@ -6,6 +6,7 @@
 
 #include "tavelor/frame/component.hpp"
 #include "tavelor/numbering/numeradores.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor {
 namespace {
@@ -76,6 +77,7 @@ TEST(ClsTickets, ADocumentTakesItsParametersInOrder) {
 }
 
 TEST_F(ClsTicketsTest, TheHistoricDatabaseIsReportedWhenAskedFor) {
+  TAVELOR_ONLY_IN_FILES("it names the database file");
   std::string kind, source, catalog, user, password;
   tickets.GetConnectionStrToRpt(kind, source, catalog, user, password);
   EXPECT_EQ(source, shop.installation().databaseFile(selector::kDocuments));

@@ -9,6 +9,7 @@
 
 #include "tavelor/services/clock.hpp"
 #include "tests/classes/catalogue.hpp"
+#include "tests/support/engines.hpp"
 #include "tests/support/form.hpp"
 #include "tests/support/typist.hpp"
 
@@ -384,6 +385,7 @@ class MissingFileTest : public ClsCitasTest {
 };
 
 TEST_F(MissingFileTest, WithoutTheFileInsertarEndsQuietlyAndWithoutARow) {
+  TAVELOR_ONLY_IN_FILES("it moves the database file away");
   add(1, "#03/01/2026#", "7");
   takeAway();
   insertBoth();
@@ -393,6 +395,7 @@ TEST_F(MissingFileTest, WithoutTheFileInsertarEndsQuietlyAndWithoutARow) {
 }
 
 TEST_F(MissingFileTest, AFolderInTheFilesPlaceIsNoFile) {
+  TAVELOR_ONLY_IN_FILES("it moves the database file away");
   takeAway();
   fs::create_directory(file());
   insertBoth();
@@ -402,6 +405,7 @@ TEST_F(MissingFileTest, AFolderInTheFilesPlaceIsNoFile) {
 }
 
 TEST_F(MissingFileTest, ALinkThatLeadsNowhereIsNoFile) {
+  TAVELOR_ONLY_IN_FILES("it moves the database file away");
   takeAway();
   fs::create_symlink("nowhere", file());
   insertBoth();

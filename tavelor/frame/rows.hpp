@@ -12,10 +12,8 @@
 #include "tavelor/services/recordset/recordset.hpp"
 
 namespace tavelor {
-struct Locale;
-}
 
-namespace tavelor::flows {
+struct Locale;
 
 /// Null is read as nothing: "", 0, false. Raises 3265 for a column that is not there.
 class Rows {
@@ -42,4 +40,4 @@ class Rows {
   RecordsetPtr rows_;
 };
 
-}  // namespace tavelor::flows
+}  // namespace tavelor

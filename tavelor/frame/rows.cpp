@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The rows of a statement, read one after the other.
-#include "tavelor/flows/rows.hpp"
+#include "tavelor/frame/rows.hpp"
 
 #include "tavelor/services/apartment.hpp"
 
-namespace tavelor::flows {
+namespace tavelor {
 
 Rows::Rows(int selector, const Statement& statement, ConnectionPtr connection)
     : locale_(Apartment::current().locale()) {
@@ -21,4 +21,4 @@ double Rows::number(std::string_view column) const {
   return found.isNull() ? 0 : found.toDouble(locale_);
 }
 
-}  // namespace tavelor::flows
+}  // namespace tavelor

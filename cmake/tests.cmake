@@ -1,0 +1,100 @@
+# SPDX-License-Identifier: MIT
+# The programs that test a floor each, and how ctest runs them.
+include(GoogleTest)
+include(${CMAKE_CURRENT_LIST_DIR}/test_server.cmake)
+
+# tavelor_test(FLOOR [ON floor] [LINK target...] [SERVER | SERVER_SHARDS n]): the tests in tests/FLOOR as
+# one program, linked with that floor (or the one that it stands ON) and those below it only, so that
+# the order of the floors is proved by the linker. With SERVER the tests need the server of the run. With
+# SERVER_SHARDS they run a second time with their shops on it, in n processes: there a test takes less
+# time than its process would.
+function(tavelor_test floor)
+  cmake_parse_arguments(PARSE_ARGV 1 test "SERVER" "ON;SERVER_SHARDS" "LINK")
+  if(NOT test_ON)
+    set(test_ON ${floor})
+  endif()
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${floor}/*.cpp)
+  if(NOT sources OR NOT TARGET tavelor_${test_ON})
+    return()
+  endif()
+  get_property(floors GLOBAL PROPERTY TAVELOR_FLOORS)
+  get_property(links GLOBAL PROPERTY TAVELOR_LINKS)
+  list(REMOVE_DUPLICATES links)
+  set(properties TIMEOUT 300)
+  if(test_SERVER)
+    list(APPEND properties FIXTURES_REQUIRED server ENVIRONMENT "TAVELOR_TEST_SERVER=${TAVELOR_TEST_SERVER}")
+  endif()
+  if(test_SERVER_SHARDS)
+    list(APPEND sources ${CMAKE_CURRENT_SOURCE_DIR}/support/engines.cpp)
+    list(APPEND test_LINK PkgConfig::libpq)
+  endif()
+  set(objects "")
+  foreach(below IN LISTS floors)
+    list(APPEND objects $<TARGET_OBJECTS:tavelor_${below}>)
+    if(below STREQUAL test_ON)
+      break()
+    endif()
+  endforeach()
+  add_executable(${floor}_tests ${sources} ${objects})
+  target_include_directories(${floor}_tests PRIVATE ${PROJECT_SOURCE_DIR})
+  target_compile_definitions(${floor}_tests PRIVATE TAVELOR_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  target_link_libraries(${floor}_tests PRIVATE
+    tavelor_options tavelor_test_options GTest::gtest GTest::gtest_main GTest::gmock ${links} Threads::Threads ${test_LINK})
+  if(NOT TARGET tavelor_test_pch)
+    # Most of the time of a build goes into compiling the tests, and what they call is optimised
+    # without them.
+    add_library(tavelor_test_options INTERFACE)
+    target_compile_options(tavelor_test_options INTERFACE -O0)
+    tavelor_precompiled(tavelor_test_pch <gmock/gmock.h> <gtest/gtest.h> <memory> <string> <vector>)
+    target_link_libraries(tavelor_test_pch PRIVATE tavelor_options tavelor_test_options GTest::gtest GTest::gmock)
+    set_target_properties(tavelor_test_pch PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+  endif()
+  set_target_properties(${floor}_tests PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+  target_precompile_headers(${floor}_tests REUSE_FROM tavelor_test_pch)
+  tavelor_unity(${floor}_tests)
+  # Tests that run several threads say so in their names; the thread sanitizer builds and runs
+  # these only.
+  set(with_threads FALSE)
+  foreach(source IN LISTS sources)
+    file(STRINGS ${source} named REGEX "TEST.*Thread" LIMIT_COUNT 1)
+    if(named)
+      set(with_threads TRUE)
+    endif()
+  endforeach()
+  if(with_threads)
+    if(NOT TARGET tests_with_threads)
+      add_custom_target(tests_with_threads)
+    endif()
+    add_dependencies(tests_with_threads ${floor}_tests)
+  endif()
+  if(TAVELOR_TEST_SHARDS)
+    tavelor_shards(${floor}_tests ${floor}.shard ${TAVELOR_TEST_SHARDS} --gtest_filter=-*Thread* --gtest_brief=1)
+    if(test_SERVER)
+      tavelor_needs_server(${shards})
+    endif()
+  else()
+    gtest_discover_tests(${floor}_tests TEST_PREFIX "${floor}." TEST_FILTER "-*Thread*"
+      TEST_LIST ${floor}_tests_plain DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
+  endif()
+  gtest_discover_tests(${floor}_tests TEST_PREFIX "${floor}." TEST_FILTER "*Thread*"
+    TEST_LIST ${floor}_tests_threads DISCOVERY_TIMEOUT 60 PROPERTIES ${properties} LABELS threads)
+  if(test_SERVER_SHARDS)
+    tavelor_shards(${floor}_tests server.${floor} ${test_SERVER_SHARDS} --gtest_print_time=0)
+    tavelor_needs_server(${shards} ENVIRONMENT TAVELOR_TEST_ENGINE=postgresql)
+    set_tests_properties(${shards} PROPERTIES LABELS server)
+  endif()
+endfunction()
+
+# tavelor_shards(PROGRAM PREFIX count ARGUMENT...): the tests of a program, shared out to so many of ctest
+# which run at the same time; leaves their names in `shards`. One that fails names its own tests that do.
+function(tavelor_shards program prefix count)
+  set(names "")
+  foreach(shard RANGE 1 ${count})
+    math(EXPR index "${shard} - 1")
+    add_test(NAME ${prefix}.${shard} COMMAND ${program} ${ARGN})
+    set_tests_properties(${prefix}.${shard} PROPERTIES TIMEOUT 900
+      ENVIRONMENT_MODIFICATION "GTEST_TOTAL_SHARDS=set:${count};GTEST_SHARD_INDEX=set:${index}")
+    list(APPEND names ${prefix}.${shard})
+  endforeach()
+  set(shards ${names} PARENT_SCOPE)
+endfunction()

@@ -1,0 +1,574 @@
+// SPDX-License-Identifier: MIT
+// Whether the chains are as they were written.
+#include "tavelor/fiscal/check.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <map>
+#include <set>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "tavelor/fiscal/chain_walk.hpp"
+#include "tavelor/fiscal/record_xml.hpp"
+#include "tavelor/fiscal/words.hpp"
+#include "tavelor/frame/class_info.hpp"
+#include "tavelor/frame/rows.hpp"
+#include "tavelor/platform/error.hpp"
+#include "tavelor/platform/text.hpp"
+#include "tavelor/services/apartment.hpp"
+#include "tavelor/services/clock.hpp"
+#include "tavelor/services/recordset/connection.hpp"
+
+namespace tavelor::fiscal {
+
+namespace {
+
+constexpr std::array<Statement::Constant, 2> kTicketTables = {"Tickets", "HTickets"};
+
+std::string nameOf(const InvoiceId& invoice) {
+  return fmt::format("the invoice {} of {}", invoice.number, dayText(invoice.day));
+}
+
+std::int64_t centsAt(const Rows& row, std::string_view column) {
+  return std::llround(row.number(column) * 100);
+}
+
+/// " WHERE column >= .. AND column < ..", for the days of a span.
+Statement within(Statement::Constant column, const DaySpan& span, Date start = Date()) {
+  Statement where(" WHERE ");
+  where << column << " >= " << sqlLiteral(std::max(start, span.from.value_or(start)));
+  if (span.to) where << " AND " << column << " < " << sqlLiteral(Date(span.to->days() + 1));
+  return where;
+}
+
+/// A chain by its own row.
+struct ChainRow {
+  std::int32_t code = 0;
+  std::string taxpayer;
+  std::int32_t records = 0;
+  std::string hash;
+  std::string seal;
+  std::int32_t events = 0;
+  std::string eventHash;
+  std::string eventSeal;
+};
+
+/// What of a record is looked at together with others.
+struct Recorded {
+  std::int32_t position = 0;
+  InvoiceId invoice;
+  Date day;
+  std::int64_t total = 0;
+  bool isCancellation = false;
+};
+
+class Check {
+ public:
+  Check(const Book& book, const DaySpan& span)
+      : documents_(book.documents()),
+        start_(book.settings().start),
+        span_(span),
+        now_(secondsOf(momentOf(Apartment::current().clock())).value_or(0)) {}
+
+  CheckReport run() {
+    for (const ChainRow& chain : chains()) {
+      lookAtRecords(chain);
+      if (isWhole()) lookAtEvents(chain);
+    }
+    if (isWhole()) lookAtSeries();
+    lookAtTickets();
+    report_.total = Amount::ofCents(total_);
+    return std::move(report_);
+  }
+
+ private:
+  /// Whether all there is is looked at.
+  bool isWhole() const { return !span_.from && !span_.to; }
+
+  std::vector<ChainRow> chains() {
+    std::vector<ChainRow> chains;
+    for (Rows rows = read(Statement("SELECT * FROM Fiscal_Cadenas ORDER BY Codigo")); rows.hasRow();
+         rows.next()) {
+      chains.push_back({rows.whole("Codigo"), rows.text("NIF"), rows.whole("Registros"),
+                        rows.text("Huella"), rows.text("Sello"), rows.whole("Eventos"),
+                        rows.text("Evento_Huella"), rows.text("Evento_Sello")});
+    }
+    return chains;
+  }
+
+  Rows read(const Statement& statement) const {
+    return {selector::kDocuments, statement, documents_};
+  }
+
+  void tell(Flaw flaw, std::int32_t chain) {
+    flaw.chain = chain;
+    report_.flaws.push_back(std::move(flaw));
+  }
+
+  // -------------------------------------------------------------------------------------------
+  // Records
+
+  void lookAtRecords(const ChainRow& chain) {
+    std::int32_t last = std::max(chain.records, greatest("Fiscal_Registros", chain.code));
+    ChainPlace begin;
+    if (!isWhole()) {
+      Statement range(
+          "SELECT Min(Posicion) AS Primera, Max(Posicion) AS Ultima FROM "
+          "Fiscal_Registros");
+      range << within("Fecha_Expedicion", span_) << " AND Cadena = " << sqlLiteral(chain.code);
+      const Rows row = read(range);
+      if (row.isNull("Primera")) return;
+      last = row.whole("Ultima");
+      const std::int64_t before = total_;
+      begin = placeBefore(chain, row.whole("Primera"));
+      total_ = before;
+    }
+    series_.clear();
+    ChainWalk walk(
+        [&](std::int32_t behind, std::int32_t upTo) { return records(chain, behind, upTo); },
+        [&](const std::string& hash) { return find("Fiscal_Registros", chain.code, hash); }, now_);
+    for (Flaw& flaw : walk.walk(begin, last)) tell(std::move(flaw), chain.code);
+    report_.records += walk.seen();
+    if (isWhole()) {
+      lookAtEnd(chain.code, walk.place(), chain.records, chain.hash, chain.seal, "record");
+    }
+  }
+
+  std::int32_t greatest(Statement::Constant table, std::int32_t chain) const {
+    Statement statement("SELECT Max(Posicion) AS Ultima FROM ");
+    statement << table << " WHERE Cadena = " << sqlLiteral(chain);
+    return read(statement).whole("Ultima");
+  }
+
+  std::int32_t find(Statement::Constant table, std::int32_t chain, const std::string& hash) const {
+    Statement statement("SELECT Posicion FROM ");
+    statement << table << " WHERE Cadena = " << sqlLiteral(chain)
+              << " AND Huella = " << sqlText(hash);
+    const Rows row = read(statement);
+    return row.hasRow() ? row.whole("Posicion") : 0;
+  }
+
+  /// What the first record of a span follows.
+  ChainPlace placeBefore(const ChainRow& chain, std::int32_t first) {
+    ChainPlace place;
+    place.position = first - 1;
+    for (ChainItem& item : records(chain, first - 2, first - 1)) {
+      place = {item.position, item.self, item.hash, item.seal, item.moment};
+    }
+    return place;
+  }
+
+  std::vector<ChainItem> records(const ChainRow& chain, std::int32_t behind, std::int32_t upTo) {
+    const auto relations = this->relations(chain.code, behind, upTo);
+    Statement statement("SELECT * FROM Fiscal_Registros WHERE Cadena = ");
+    statement << sqlLiteral(chain.code) << " AND Posicion > " << sqlLiteral(behind)
+              << " AND Posicion <= " << sqlLiteral(upTo) << " ORDER BY Posicion";
+    std::vector<ChainItem> items;
+    for (Rows rows = read(statement); rows.hasRow(); rows.next()) {
+      items.push_back(record(chain, rows, relations));
+    }
+    return items;
+  }
+
+  using Relations = std::multimap<std::int32_t, std::string>;
+
+  static std::string relation(std::string_view kind, std::string_view issuer,
+                              std::string_view number) {
+    return fmt::format("{} {} {}", kind, issuer, number);
+  }
+  Relations relations(std::int32_t chain, std::int32_t behind, std::int32_t upTo) const {
+    Relations all;
+    Statement statement(
+        "SELECT Posicion, Tipo, NIF, Serie_Numero FROM Fiscal_Relaciones WHERE Cadena = ");
+    statement << sqlLiteral(chain) << " AND Posicion > " << sqlLiteral(behind)
+              << " AND Posicion <= " << sqlLiteral(upTo);
+    for (Rows rows = read(statement); rows.hasRow(); rows.next()) {
+      all.emplace(rows.whole("Posicion"),
+                  relation(rows.text("Tipo"), rows.text("NIF"), rows.text("Serie_Numero")));
+    }
+    return all;
+  }
+
+  ChainItem record(const ChainRow& chain, const Rows& row, const Relations& relations) {
+    ChainItem item;
+    item.position = row.whole("Posicion");
+    item.text = row.text("Registro");
+    item.seal = row.text("Sello");
+    const std::string number = row.text("Serie_Numero");
+    try {
+      const Record record = readRecord(item.text);
+      const InvoiceId& invoice = fiscal::invoiceOf(record);
+      item.invoice = invoice;
+      const bool isCancellation = std::holds_alternative<Cancellation>(record);
+      item.name = fmt::format("record {}, {}{},", item.position,
+                              isCancellation ? "the cancellation of " : "", nameOf(invoice));
+      const Chaining& chaining = chainingOf(record);
+      if (chaining.previous) {
+        item.previous = nameOf(chaining.previous->invoice);
+        item.previousHash = chaining.previous->hash;
+      }
+      item.self = nameOf(invoice);
+      item.hash = hasher_(hashedText(record));
+      item.moment = secondsOf(chaining.moment).value_or(0);
+      item.fault = faultOf(chain, record, row, item.hash);
+      if (item.fault.empty()) item.fault = faultOfRelations(record, item.position, relations);
+      lookAtSums(record, item);
+      lookAtSeriesOf(row, item);
+      remember(chain, record, row);
+    } catch (const Error& error) {
+      item.isRead = false;
+      item.name = fmt::format("record {}, the invoice {},", item.position, number);
+      item.fault = error.description();
+      item.self = number;
+      item.hash = row.text("Huella");
+    }
+    return item;
+  }
+
+  /// What in a record is not what it was; "" for nothing.
+  static std::string faultOf(const ChainRow& chain, const Record& record, const Rows& row,
+                             const std::string& hash) {
+    const Chaining& chaining = chainingOf(record);
+    const InvoiceId& invoice = fiscal::invoiceOf(record);
+    if (chaining.hash != hash) return "its hash is not that of what stands in it";
+    const auto* const registration = std::get_if<Registration>(&record);
+    const auto differs = [&](std::string_view column) {
+      return fmt::format("its column {} is not what stands in it", column);
+    };
+    if (row.text("Huella") != hash) return differs("Huella");
+    if (row.text("Momento") != chaining.moment) return differs("Momento");
+    if (row.text("Serie_Numero") != invoice.number) return differs("Serie_Numero");
+    if (Date(row.number("Fecha_Expedicion")) != invoice.day) return differs("Fecha_Expedicion");
+    if (row.text("Tipo") !=
+        (registration != nullptr ? word(registration->kind) : kCancellationWord)) {
+      return differs("Tipo");
+    }
+    if (invoice.issuer != chain.taxpayer) return "its taxpayer is another one";
+    if (registration == nullptr) return {};
+    if (centsAt(row, "Cuota") != registration->quota.cents()) return differs("Cuota");
+    if (centsAt(row, "Total") != registration->total.cents()) return differs("Total");
+    if (registration->isCorrection) {
+      if (!row.isNull("Serie") || !row.isNull("Numero")) return differs("Numero");
+    } else if (fmt::format("{}/{}", row.text("Serie"), row.whole("Numero")) != invoice.number) {
+      return differs("Numero");
+    }
+    return {};
+  }
+
+  static std::string faultOfRelations(const Record& record, std::int32_t position,
+                                      const Relations& relations) {
+    std::multiset<std::string> stored;
+    const auto [begin, end] = relations.equal_range(position);
+    for (auto each = begin; each != end; ++each) stored.insert(each->second);
+    std::multiset<std::string> told;
+    const auto add = [&](std::string_view kind, const InvoiceId& invoice) {
+      told.insert(relation(kind, invoice.issuer, invoice.number));
+    };
+    if (const auto* const registration = std::get_if<Registration>(&record)) {
+      for (const InvoiceId& each : registration->rectified) add("R", each);
+      for (const InvoiceId& each : registration->replaced) add("S", each);
+    } else {
+      add("A", fiscal::invoiceOf(record));
+    }
+    return stored == told ? std::string() : "what it does to others is not what is stored of that";
+  }
+
+  static void lookAtSums(const Record& record, ChainItem& item) {
+    const auto* const registration = std::get_if<Registration>(&record);
+    if (registration == nullptr) return;
+    std::int64_t base = 0;
+    std::int64_t quota = 0;
+    const auto cents = [](const std::optional<Amount>& amount) {
+      return amount ? amount->cents() : 0;
+    };
+    for (const Detail& detail : registration->details) {
+      base += detail.base.cents();
+      quota += cents(detail.quota) + cents(detail.surchargeQuota);
+    }
+    if (quota == registration->quota.cents() && base + quota == registration->total.cents()) return;
+    Flaw flaw;
+    flaw.kind = Flaw::Kind::kSum;
+    flaw.position = item.position;
+    flaw.invoice = item.invoice;
+    flaw.sentence = fmt::format("{} does not add up: bases {}, quotas {}, total {}", item.name,
+                                Amount::ofCents(base).text(), Amount::ofCents(quota).text(),
+                                registration->total.text());
+    item.others.push_back(std::move(flaw));
+  }
+
+  void lookAtSeriesOf(const Rows& row, ChainItem& item) {
+    if (row.isNull("Serie")) return;
+    const std::string series = row.text("Serie");
+    const std::int32_t number = row.whole("Numero");
+    const auto [place, isNew] = series_.try_emplace(series, number);
+    if (!isNew && number != place->second + 1) {
+      Flaw flaw;
+      flaw.kind = Flaw::Kind::kSeries;
+      flaw.position = item.position;
+      flaw.invoice = item.invoice;
+      flaw.sentence =
+          fmt::format("{} comes behind {}/{} in its series", item.name, series, place->second);
+      item.others.push_back(std::move(flaw));
+    }
+    place->second = number;
+  }
+
+  void remember(const ChainRow& chain, const Record& record, const Rows& row) {
+    const auto* const registration = std::get_if<Registration>(&record);
+    const InvoiceId& invoice = fiscal::invoiceOf(record);
+    if (registration != nullptr) {
+      // A correction is of an invoice that is counted already, and cannot come to another total.
+      const std::int64_t total = registration->total.cents();
+      const bool isNew = totals_.emplace(invoice.number, total).second;
+      if (isNew && registration->kind != InvoiceKind::kReplacing) total_ += total;
+    } else if (const auto found = totals_.find(invoice.number);
+               found != totals_.end() && cancelled_.insert(invoice.number).second) {
+      total_ -= found->second;
+    }
+    if (row.isNull("Ticket")) return;
+    Recorded recorded{row.whole("Posicion"), invoice, invoice.day,
+                      registration != nullptr ? registration->total.cents() : 0,
+                      registration == nullptr};
+    const double ticket = row.number("Ticket");
+    if (!recorded_.emplace(ticket, recorded).second) {
+      Flaw flaw;
+      flaw.kind = Flaw::Kind::kTicket;
+      flaw.position = recorded.position;
+      flaw.invoice = invoice;
+      flaw.sentence = fmt::format("ticket {:.0f} has a second record, {}", ticket, nameOf(invoice));
+      tell(std::move(flaw), chain.code);
+    }
+  }
+
+  /// The chain's own row tells how many there must be: what was cut off at the end is seen here.
+  void lookAtEnd(std::int32_t chain, const ChainPlace& place, std::int32_t count,
+                 const std::string& hash, const std::string& seal, std::string_view what) {
+    Flaw flaw;
+    flaw.isOfEvent = what == "event";
+    if (place.position < count) {
+      flaw.kind = Flaw::Kind::kRemoved;
+      flaw.position = place.position + 1;
+      flaw.sentence =
+          fmt::format("the last {}s were removed: there are {} of {}", what, place.position, count);
+    } else if (place.position > count) {
+      flaw.kind = Flaw::Kind::kInserted;
+      flaw.position = count + 1;
+      flaw.sentence =
+          fmt::format("{} {} was inserted: the chain ends at {}", what, count + 1, count);
+    } else if (count > 0 && (place.hash != hash || place.seal != seal) && !isTold(chain, count)) {
+      flaw.position = count;
+      flaw.sentence =
+          fmt::format("{} {} was changed, or the chain's end was: they do not agree", what, count);
+    } else {
+      return;
+    }
+    tell(std::move(flaw), chain);
+  }
+
+  bool isTold(std::int32_t chain, std::int32_t position) const {
+    return std::any_of(report_.flaws.begin(), report_.flaws.end(), [&](const Flaw& flaw) {
+      return flaw.chain == chain && flaw.position == position;
+    });
+  }
+
+  // -------------------------------------------------------------------------------------------
+  // Events
+
+  void lookAtEvents(const ChainRow& chain) {
+    const std::int32_t last = std::max(chain.events, greatest("Fiscal_Eventos", chain.code));
+    ChainWalk walk(
+        [&](std::int32_t behind, std::int32_t upTo) { return events(chain, behind, upTo); },
+        [&](const std::string& hash) { return find("Fiscal_Eventos", chain.code, hash); }, now_);
+    for (Flaw& flaw : walk.walk({}, last)) {
+      flaw.isOfEvent = true;
+      tell(std::move(flaw), chain.code);
+    }
+    report_.events += walk.seen();
+    lookAtEnd(chain.code, walk.place(), chain.events, chain.eventHash, chain.eventSeal, "event");
+  }
+
+  std::vector<ChainItem> events(const ChainRow& chain, std::int32_t behind, std::int32_t upTo) {
+    Statement statement("SELECT * FROM Fiscal_Eventos WHERE Cadena = ");
+    statement << sqlLiteral(chain.code) << " AND Posicion > " << sqlLiteral(behind)
+              << " AND Posicion <= " << sqlLiteral(upTo) << " ORDER BY Posicion";
+    std::vector<ChainItem> items;
+    for (Rows rows = read(statement); rows.hasRow(); rows.next()) items.push_back(event(rows));
+    return items;
+  }
+
+  ChainItem event(const Rows& row) {
+    const auto named = [](EventKind kind, std::string_view moment) {
+      return fmt::format("the event {} of {}", word(kind), moment);
+    };
+    ChainItem item;
+    item.position = row.whole("Posicion");
+    item.text = row.text("Evento");
+    item.seal = row.text("Sello");
+    try {
+      const Event event = readEvent(item.text);
+      item.name = fmt::format("event {}, {},", item.position, named(event.kind, event.moment));
+      if (event.previous) {
+        item.previous = named(event.previous->kind, event.previous->moment);
+        item.previousHash = event.previous->hash;
+      }
+      item.self = named(event.kind, event.moment);
+      item.hash = hasher_(hashedText(event));
+      item.moment = secondsOf(event.moment).value_or(0);
+      if (event.hash != item.hash || row.text("Huella") != item.hash) {
+        item.fault = "its hash is not that of what stands in it";
+      } else if (row.text("Tipo") != word(event.kind) || row.text("Momento") != event.moment) {
+        item.fault = "its columns are not what stands in it";
+      }
+    } catch (const Error& error) {
+      item.isRead = false;
+      item.name = fmt::format("event {}", item.position);
+      item.fault = error.description();
+      item.self = item.name;
+      item.hash = row.text("Huella");
+    }
+    return item;
+  }
+
+  // -------------------------------------------------------------------------------------------
+  // Series and tickets
+
+  /// Of all chains of a taxpayer together, each number of a series is there once, from 1 to the
+  /// last that was given.
+  void lookAtSeries() {
+    const Statement statement("SELECT NIF, Serie, Ultimo FROM Fiscal_Series ORDER BY NIF, Serie");
+    for (Rows rows = read(statement); rows.hasRow(); rows.next()) {
+      Statement numbers(
+          "SELECT Count(*) AS Cuantos, Min(R.Numero) AS Primero, Max(R.Numero) AS Ultimo FROM "
+          "Fiscal_Registros AS R INNER JOIN Fiscal_Cadenas AS C ON R.Cadena = C.Codigo WHERE "
+          "C.NIF = ");
+      numbers << sqlText(rows.text("NIF")) << " AND R.Serie = " << sqlText(rows.text("Serie"));
+      const Rows found = read(numbers);
+      const std::int32_t last = rows.whole("Ultimo");
+      if (found.whole("Cuantos") == last && found.whole("Primero") == 1 &&
+          found.whole("Ultimo") == last) {
+        continue;
+      }
+      Flaw flaw;
+      flaw.kind = Flaw::Kind::kSeries;
+      flaw.sentence =
+          fmt::format("of the series {} {} numbers were given, and {} are there, from {} to {}",
+                      rows.text("Serie"), last, found.whole("Cuantos"), found.whole("Primero"),
+                      found.whole("Ultimo"));
+      tell(std::move(flaw), 0);
+    }
+  }
+
+  void lookAtTickets() {
+    const auto complain = [&](double ticket, const Recorded* record, const std::string& sentence) {
+      Flaw flaw;
+      flaw.kind = Flaw::Kind::kTicket;
+      if (record != nullptr) {
+        flaw.position = record->position;
+        flaw.invoice = record->invoice;
+      }
+      flaw.sentence = fmt::format("ticket {:.0f} {}", ticket, sentence);
+      tell(std::move(flaw), 0);
+    };
+    for (const Statement::Constant table : kTicketTables) {
+      Statement statement("SELECT Numero, Fecha, Total FROM ");
+      statement << table << within("Fecha", span_, start_) << " ORDER BY Numero";
+      for (Rows rows = read(statement); rows.hasRow(); rows.next()) {
+        ++report_.tickets;
+        const double ticket = rows.number("Numero");
+        const auto found = recorded_.find(ticket);
+        if (found == recorded_.end()) {
+          complain(ticket, nullptr, "has no record");
+          continue;
+        }
+        const Recorded& record = found->second;
+        const std::int64_t total = centsAt(rows, "Total");
+        if (record.isCancellation) {
+          const auto cancelled = totals_.find(record.invoice.number);
+          if (cancelled != totals_.end() && cancelled->second != -total) {
+            complain(ticket, &record,
+                     fmt::format("comes to {}, and cancels {}", Amount::ofCents(total).text(),
+                                 Amount::ofCents(cancelled->second).text()));
+          }
+        } else if (record.total != total) {
+          complain(
+              ticket, &record,
+              fmt::format("comes to {}, and its record, {}, to {}", Amount::ofCents(total).text(),
+                          nameOf(record.invoice), Amount::ofCents(record.total).text()));
+        } else if (record.day != rows.day("Fecha")) {
+          complain(ticket, &record,
+                   fmt::format("is of {}, and its record is {}", dayText(rows.day("Fecha")),
+                               nameOf(record.invoice)));
+        }
+        recorded_.erase(found);
+      }
+    }
+    if (!isWhole()) return;  // the ticket of a record may lie outside of the span
+    for (const auto& [ticket, record] : recorded_) {
+      complain(ticket, &record,
+               fmt::format("is not there, but its record is: {}", nameOf(record.invoice)));
+    }
+  }
+
+  ConnectionPtr documents_;
+  Date start_;
+  DaySpan span_;
+  std::int64_t now_;
+  CheckReport report_;
+  Hasher hasher_;
+  std::int64_t total_ = 0;
+  std::map<std::string, std::int32_t> series_;  // the last number of each
+  std::map<std::string, std::int64_t> totals_;  // by the invoice's number
+  std::set<std::string> cancelled_;             // the same
+  std::map<double, Recorded> recorded_;         // by ticket; those without one stay
+};
+
+/// The law's word for what is wrong.
+std::string_view anomalyOf(Flaw::Kind kind) {
+  switch (kind) {
+    case Flaw::Kind::kChanged:
+      return "01";
+    case Flaw::Kind::kRemoved:
+      return "04";
+    case Flaw::Kind::kInserted:
+    case Flaw::Kind::kReordered:
+      return "06";
+    case Flaw::Kind::kDate:
+      return "11";
+    case Flaw::Kind::kSum:
+      return "03";
+    case Flaw::Kind::kSignature:
+      return "02";
+    case Flaw::Kind::kSeries:
+    case Flaw::Kind::kTicket:
+      break;
+  }
+  return "90";
+}
+
+}  // namespace
+
+CheckReport check(const Book& book, const DaySpan& span) {
+  return Check(book, span).run();
+}
+
+void logCheck(Book& book, const CheckReport& report) {
+  constexpr std::size_t kLongestText = 100;
+  const auto tell = [&](bool isOfEvent, std::uint64_t count) {
+    book.log(isOfEvent ? EventKind::kEventCheck : EventKind::kCheck, Checked{count, count, count});
+    const auto flaw = std::find_if(report.flaws.begin(), report.flaws.end(),
+                                   [&](const Flaw& each) { return each.isOfEvent == isOfEvent; });
+    if (flaw == report.flaws.end()) return;
+    Anomaly anomaly;
+    anomaly.kind = anomalyOf(flaw->kind);
+    anomaly.text = text::left(flaw->sentence, kLongestText);
+    anomaly.invoice = flaw->invoice;
+    book.log(isOfEvent ? EventKind::kEventAnomaly : EventKind::kAnomaly, std::move(anomaly));
+  };
+  tell(false, report.records);
+  tell(true, report.events);
+}
+
+}  // namespace tavelor::fiscal
