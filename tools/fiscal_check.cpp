@@ -137,8 +137,8 @@ void check(const SpanOptions& options, const Common& common) {
   fmt::print("{}, {}, {}; total {}\n", counted(report.records, "record"),
              counted(report.events, "event"), counted(report.tickets, "ticket"),
              report.total.text());
-  for (const auto& [signer, count] : signatures.signers) {
-    fmt::print("{} signed by {}\n", count, printable(signer));
+  for (const auto& [subject, count] : signatures.signers) {
+    fmt::print("{} signed by {}\n", count, printable(subject));
   }
   tellUnsigned(signatures.unsignedRecords, signatures.unsignedEvents);
   if (report.isWhole()) {

@@ -324,7 +324,7 @@ class SignaturesLook {
         const SignatureReport found =
             lookAtSignature(fiscal::withSignature(rows.text(column), rows.text("Firma")));
         if (found.fault.empty()) {
-          ++report_.signers[found.subject];
+          count(found.subject);
           continue;
         }
         flaw.sentence =
@@ -333,6 +333,13 @@ class SignaturesLook {
         report_.flaws.push_back(std::move(flaw));
       }
     }
+  }
+
+  void count(const std::string& subject) {
+    std::vector<Signer>& signers = report_.signers;
+    auto signer = std::ranges::find(signers, subject, &Signer::subject);
+    if (signer == signers.end()) signer = signers.insert(signer, Signer{subject});
+    ++signer->signatures;
   }
 
   ConnectionPtr documents_;

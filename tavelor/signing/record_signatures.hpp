@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -63,13 +62,19 @@ class RecordSigner {
   std::size_t at_ = 0;
 };
 
+/// Who has made signatures that hold, and how many.
+struct Signer {
+  std::string subject;  ///< of his certificate
+  std::uint64_t signatures = 0;
+};
+
 /// What a look at all signatures has found.
 struct SignaturesReport {
-  std::uint64_t looked = 0;                        ///< signatures
-  std::uint64_t unsignedRecords = 0;               ///< that should be signed, and are not yet
-  std::uint64_t unsignedEvents = 0;                ///< the same
-  std::vector<fiscal::Flaw> flaws{};               ///< of each chain in its order, records first
-  std::map<std::string, std::uint64_t> signers{};  ///< who has made those that hold, and how many
+  std::uint64_t looked = 0;           ///< signatures
+  std::uint64_t unsignedRecords = 0;  ///< that should be signed, and are not yet
+  std::uint64_t unsignedEvents = 0;   ///< the same
+  std::vector<fiscal::Flaw> flaws{};  ///< of each chain in its order, records first
+  std::vector<Signer> signers{};      ///< in the order of their first signatures
 };
 
 /// Recomputes each signature over the record or event that it stands beside. A span looks at the

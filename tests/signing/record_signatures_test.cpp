@@ -18,10 +18,11 @@
 namespace tavelor::signing {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::ElementsAre;
+using ::testing::Field;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::Pair;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 
@@ -234,7 +235,9 @@ TEST_F(RecordSignaturesTest, TellWhoHasSignedAndHowManyAreMissing) {
   EXPECT_EQ(report.unsignedRecords, 1U);
   EXPECT_EQ(report.unsignedEvents, 0U);
   EXPECT_THAT(report.flaws, IsEmpty());
-  EXPECT_THAT(report.signers, ElementsAre(Pair(HasSubstr("CN=Colmado Rius"), 3U)));
+  EXPECT_THAT(report.signers,
+              ElementsAre(AllOf(Field(&Signer::subject, HasSubstr("CN=Colmado Rius")),
+                                Field(&Signer::signatures, 3U))));
 }
 
 TEST_F(RecordSignaturesTest, ThatDoNotHoldAreNamedTheFirstOneFirst) {
