@@ -40,6 +40,7 @@ constexpr std::array kWorks{
     Work{"growth", tavelor::bench::measureGrowth},
     Work{"years", tavelor::bench::measureYears},
     Work{"storage", tavelor::bench::measureStorage},
+    Work{"records", tavelor::bench::measureRecords},
     Work{"server", tavelor::bench::measureServer},
 #ifdef TAVELOR_BENCH_QT
     Work{"qt", tavelor::bench::measureQt},

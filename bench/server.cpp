@@ -1,20 +1,19 @@
 // SPDX-License-Identifier: MIT
 // The same works over a server: sales spliced through the library, rows, articles, tills at once.
-// TAVELOR_BENCH_SERVER says where it is, TAVELOR_BENCH_SLOW_SERVER the same one over a line that
-// takes its time; without them nothing is measured.
+// TAVELOR_BENCH_SERVER says where it is; without it nothing is measured.
 #include "bench/server.hpp"
 
 #include <algorithm>
 #include <atomic>
 #include <bit>
 #include <chrono>
-#include <cstdlib>
 #include <stdexcept>
 #include <thread>
 #include <utility>
 
 #include <fmt/format.h>
 
+#include "bench/records.hpp"
 #include "bench/spliced_sale.hpp"
 #include "bench/works.hpp"
 #include "tavelor/flows/seed.hpp"
@@ -23,6 +22,7 @@
 #include "tavelor/services/clock.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/trace.hpp"
+#include "tests/support/line_proxy.hpp"
 #include "tools/article_import.hpp"
 
 namespace tavelor::bench {
@@ -34,27 +34,6 @@ using Clock = std::chrono::steady_clock;
 double milliseconds(Clock::duration time) {
   return std::chrono::duration<double, std::milli>(time).count();
 }
-
-/// An installation in a database of its own.
-class ServerShop {
- public:
-  ServerShop()
-      : database_(benchServer()),
-        installation_(
-            Installation::create(folder_.path() / "shop", onServer({}, database_.address()))) {}
-
-  const BenchDatabase& database() const { return database_; }
-  const std::shared_ptr<Installation>& installation() const { return installation_; }
-  /// The same shop, found by another way to the server.
-  std::shared_ptr<Installation> over(const std::string& words) const {
-    return Installation::create(folder_.path() / "far", onServer({}, database_.addressOf(words)));
-  }
-
- private:
-  BenchDatabase database_;
-  test::TemporaryFolder folder_;
-  std::shared_ptr<Installation> installation_;
-};
 
 // ---------------------------------------------------------------------------------------------
 // A sale
@@ -467,24 +446,6 @@ void measureArticleImport(Report& report, const Scale& scale) {
 // ---------------------------------------------------------------------------------------------
 // The shop's own sale, over a line that takes its time
 
-flows::Sale shopSale(int turn, int lines, Date day) {
-  flows::Sale sale;
-  sale.reference = fmt::format("V{}-{}", lines, turn);
-  sale.till = "01";
-  sale.day = day;
-  sale.time = "10:32";
-  sale.payment = "1";
-  for (int i = 0; i < lines; ++i) {
-    sale.lines.push_back({.code = fmt::format("A{:02}", i),
-                          .description = "Barra",
-                          .family = "PAN",
-                          .quantity = 1,
-                          .price = 1.21,
-                          .tax = 21});
-  }
-  return sale;
-}
-
 /// What a sale has sent, each statement run alone and waited for, with the same values: the sale is
 /// undone before, so that the same numbers are free. Those that a record set composed count as the
 /// reading of one row.
@@ -503,15 +464,13 @@ void runOneByOne(const std::vector<TraceEntry>& entries, const ConnectionPtr& ma
   }
 }
 
+constexpr std::chrono::microseconds kSlowLine{1'000};  // there and back
+
 void measureSlowLine(Report& report, const Scale& scale) {
-  const char* const slow = std::getenv("TAVELOR_BENCH_SLOW_SERVER");
-  if (slow == nullptr) {
-    report.note(
-        "TAVELOR_BENCH_SLOW_SERVER names no line: the sale over a slow one is not measured.");
-    return;
-  }
   ServerShop shop;
-  const auto far = shop.over(slow);
+  test::LineProxy line(shop.database().address().hosts);
+  line.delayBy(kSlowLine / 2);
+  const auto far = shop.over(line.port());
   Apartment apartment(far);
   flows::seedCatalogues();
   flows::Shop till;
@@ -548,7 +507,7 @@ void measureSlowLine(Report& report, const Scale& scale) {
       main->RollbackTrans();
     }
     report.add(
-        {fmt::format("server: the shop's sale of {} lines, slow line, {} waits", lines, waits),
+        {fmt::format("server: the shop's sale of {} lines, line of 1 ms, {} waits", lines, waits),
          static_cast<std::size_t>(lines), medianOf(alone), medianOf(whole), "ms", 0.20});
   }
 }
@@ -565,6 +524,9 @@ void measureServer(Report& report, const Scale& scale) {
   measureRows(report, scale);
   measureArticleImport(report, scale);
   measureSlowLine(report, scale);
+  const ServerShop plain;
+  const ServerShop recording;
+  compareRecordedSale("server: ", plain.installation(), recording.installation(), report, scale);
 }
 
 }  // namespace tavelor::bench

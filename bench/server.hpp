@@ -12,6 +12,8 @@
 #include <libpq-fe.h>
 
 #include "tavelor/services/engine/server_address.hpp"
+#include "tavelor/services/installation.hpp"
+#include "tests/support/temporary_folder.hpp"
 
 namespace tavelor::bench {
 
@@ -57,13 +59,34 @@ class BenchDatabase {
 
   const std::string& name() const { return name_; }
   ServerLine line() const { return {words_, name_}; }
-  engine::ServerAddress address() const { return addressOf(words_); }
-  /// The same database by another way there.
-  engine::ServerAddress addressOf(const std::string& words) const;
+  engine::ServerAddress address() const;
 
  private:
   std::string words_;
   std::string name_;
+};
+
+/// An installation in a database of its own.
+class ServerShop {
+ public:
+  ServerShop()
+      : database_(benchServer()),
+        installation_(
+            Installation::create(folder_.path() / "shop", onServer({}, database_.address()))) {}
+
+  const BenchDatabase& database() const { return database_; }
+  const std::shared_ptr<Installation>& installation() const { return installation_; }
+  /// The same shop, found over that port of this computer.
+  std::shared_ptr<Installation> over(int port) const {
+    engine::ServerAddress address = database_.address();
+    address.hosts = "127.0.0.1:" + std::to_string(port);
+    return Installation::create(folder_.path() / "far", onServer({}, address));
+  }
+
+ private:
+  BenchDatabase database_;
+  test::TemporaryFolder folder_;
+  std::shared_ptr<Installation> installation_;
 };
 
 }  // namespace tavelor::bench

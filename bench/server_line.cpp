@@ -91,9 +91,9 @@ BenchDatabase::~BenchDatabase() {
   }
 }
 
-engine::ServerAddress BenchDatabase::addressOf(const std::string& words) const {
+engine::ServerAddress BenchDatabase::address() const {
   std::map<std::string, std::string> known;
-  PQconninfoOption* const options = PQconninfoParse(words.c_str(), nullptr);
+  PQconninfoOption* const options = PQconninfoParse(words_.c_str(), nullptr);
   for (const PQconninfoOption* each = options; each != nullptr && each->keyword != nullptr;
        ++each) {
     if (each->val != nullptr) known[each->keyword] = each->val;

@@ -38,6 +38,8 @@ void measureGrowth(Report& report, const Scale& scale);
 void measureYears(Report& report, const Scale& scale);
 /// What dates, money and flags cost by the way they are stored. The engine alone.
 void measureStorage(Report& report, const Scale& scale);
+/// The records that the law wants of invoices.
+void measureRecords(Report& report, const Scale& scale);
 /// Sales, rows, articles and tills at once over a server.
 void measureServer(Report& report, const Scale& scale);
 #ifdef TAVELOR_BENCH_QT

@@ -33,11 +33,7 @@ class OutagesTest : public ::testing::Test {
     if (!test::runsOnServer()) GTEST_SKIP() << "files have no line that could break";
     Settings settings = test::fastSettings();
     database_ = settings.server.database;
-    const std::string& hosts = settings.server.hosts;
-    const std::size_t colon = hosts.rfind(':');
-    line_.emplace(hosts.starts_with('/')
-                      ? hosts.substr(0, colon) + "/.s.PGSQL." + hosts.substr(colon + 1)
-                      : hosts);
+    line_.emplace(settings.server.hosts);
     settings.server.hosts = "127.0.0.1:" + std::to_string(line_->port());
     place_.emplace(settings);
     openShop();

@@ -414,11 +414,7 @@ class PostgresBrokenLine : public PostgresFaults {
     PostgresFaults::SetUp();
     if (IsSkipped()) return;
     OpenOptions options = schema->options();
-    const std::string hosts = options.server.hosts;
-    const std::size_t colon = hosts.rfind(':');
-    line.emplace(hosts.starts_with('/')
-                     ? hosts.substr(0, colon) + "/.s.PGSQL." + hosts.substr(colon + 1)
-                     : hosts);
+    line.emplace(options.server.hosts);
     options.server.hosts = "127.0.0.1:" + std::to_string(line->port());
     over = ServerSchema::open(options);
   }

@@ -57,6 +57,14 @@ void dontGather(int socket) {
   ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
 }
 
+/// The path of a socket that is told as a server's folder and port; anything else as it is.
+std::string socketOf(const std::string& server) {
+  const std::size_t colon = server.rfind(':');
+  return server.starts_with('/') && colon != std::string::npos
+             ? server.substr(0, colon) + "/.s.PGSQL." + server.substr(colon + 1)
+             : server;
+}
+
 /// -1 where nobody answers.
 int connectTo(const std::string& server) {
   int connected = -1;
@@ -231,8 +239,8 @@ class LineProxy::Connection {
   std::thread thread_;  // last: it uses all of the above
 };
 
-LineProxy::LineProxy(std::string server, int port)
-    : server_(std::move(server)), listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+LineProxy::LineProxy(const std::string& server, int port)
+    : server_(socketOf(server)), listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
   constexpr int kWaiting = 1024;
   const int yes = 1;
   ::setsockopt(listener_, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);

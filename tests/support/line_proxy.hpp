@@ -18,10 +18,10 @@ namespace tavelor::test {
 /// thread.
 class LineProxy {
  public:
-  /// `server` is "127.0.0.1:5432" or the path of a local socket, asked anew for each connection: it
-  /// may come later, or again. `port` 0 is one that is free. Raises std::system_error when nobody
-  /// can listen there.
-  explicit LineProxy(std::string server, int port = 0);
+  /// `server` is "127.0.0.1:5432", the folder of a local socket in that form, "/tmp:5432", or the
+  /// socket's path; it is asked anew for each connection, and may come later, or again. `port` 0 is
+  /// one that is free. Raises std::system_error when nobody can listen there.
+  explicit LineProxy(const std::string& server, int port = 0);
   LineProxy(const LineProxy&) = delete;
   LineProxy& operator=(const LineProxy&) = delete;
   /// Cuts what is left.
