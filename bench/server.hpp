@@ -62,6 +62,8 @@ class BenchDatabase {
   engine::ServerAddress address() const;
 
  private:
+  static std::string newName();
+
   std::string words_;
   std::string name_;
 };

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The server of a measurement.
+#include <atomic>
 #include <cstdlib>
 #include <map>
 #include <stdexcept>
@@ -78,9 +79,13 @@ void ServerLine::endPipeline() {
   if (PQexitPipelineMode(line_.get()) == 0) fail();
 }
 
-BenchDatabase::BenchDatabase(std::string words)
-    : words_(std::move(words)), name_("bench_" + std::to_string(::getpid())) {
+BenchDatabase::BenchDatabase(std::string words) : words_(std::move(words)), name_(newName()) {
   ServerLine(words_, "postgres").run("CREATE DATABASE " + name_ + " TEMPLATE template0");
+}
+
+std::string BenchDatabase::newName() {
+  static std::atomic<int> made = 0;
+  return "bench_" + std::to_string(::getpid()) + "_" + std::to_string(++made);
 }
 
 BenchDatabase::~BenchDatabase() {

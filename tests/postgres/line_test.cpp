@@ -79,6 +79,26 @@ TEST_F(PostgresLine, AStatementIsCompiledOnceHoweverManySessionsPrepareIt) {
   EXPECT_EQ(compiled(), 0);  // nobody has it any more
 }
 
+// A plan that was kept from when the table was small would look at all of its rows for each key.
+TEST_F(PostgresLine, AReadOfManyKeysIsPlannedForTheTableAsItIs) {
+  constexpr int kKeys = 200;
+  std::string text = "SELECT a FROM " + schema->table("T") + " WHERE b IN ($1";
+  for (int key = 2; key <= kKeys; ++key) text += ", $" + std::to_string(key);
+  const auto read = session->prepare(text + ")");
+  std::vector<std::string> keys;
+  for (int key = 1; key <= kKeys; ++key) keys.push_back(std::to_string(key));
+  for (int key = 1; key <= kKeys; ++key) {
+    read->bind(key, Value::ofText(keys[static_cast<std::size_t>(key - 1)]));
+  }
+  session->execute("INSERT INTO " + schema->table("T") + " VALUES (1, '1', 1), (9999, '9999', 1)");
+  for (int turn = 0; turn < 3; ++turn) {
+    RowStore rows({ColumnType::kInt32});
+    read->fetch(rows);
+    EXPECT_EQ(rows.rows(), 1U);
+  }
+  EXPECT_EQ(compiled(), 0);
+}
+
 TEST_F(PostgresLine, NullsDoNotMakeItCompileAgain) {
   const auto insert =
       session->prepare("INSERT INTO " + schema->table("T") + " VALUES ($1, $2, $3)");

@@ -131,7 +131,7 @@ void Line::putGuard(Control::Kind kind) {
 
 void Line::putStatement(Sent sent, const Arguments& arguments) {
   Named& statement = *sent.statement;
-  if (statement.compiledOn != wireNumber_) {
+  if (statement.compiledOn != wireNumber_ || statement.name.empty()) {
     wire_->putPrepare(statement.name, statement.text, statement.types);
     underWay_.push_back(
         {Sent::Kind::kCompiled, sent.isGuarded, false, sent.statement, sent.serial});
@@ -278,13 +278,22 @@ NamedPtr Line::named(const std::string& text, const std::vector<Oid>& types, boo
   NamedPtr& statement = statements_[key];
   if (!statement) {
     statement = std::make_shared<Named>();
-    statement->name = fmt::format("tv{}", ++lastName_);
     statement->text = text;
     statement->types = types;
     statement->leavesNothing = leavesNothing;
     statement->key = std::move(key);
+    nameAnew(*statement);
   }
   return statement;
+}
+
+// A SELECT for a thousand keys is best answered by the index of a large table and by all rows of a
+// small one. A plan that is kept stays what it was while the table was small: a file of articles
+// that reads what is there of each thousand would read the whole table each time.
+void Line::nameAnew(Named& statement) {
+  constexpr std::size_t kMostInKeptPlan = 32;
+  if (statement.leavesNothing && statement.types.size() > kMostInKeptPlan) return;
+  statement.name = fmt::format("tv{}", ++lastName_);
 }
 
 void Line::release(NamedPtr&& statement) noexcept {
@@ -292,11 +301,16 @@ void Line::release(NamedPtr&& statement) noexcept {
   const NamedPtr taken = std::move(statement);
   if (!taken || taken.use_count() > kOursAndTheirs) return;
   try {
-    if (taken->compiledOn == wireNumber_) unused_.push_back(taken->name);
+    forgetOnServer(*taken);
     statements_.erase(taken->key);
   } catch (const std::bad_alloc&) {
     // The server remembers one statement more than it need.
   }
+}
+
+void Line::forgetOnServer(const Named& statement) {
+  if (statement.compiledOn != wireNumber_ || statement.name.empty()) return;
+  unused_.push_back(statement.name);
 }
 
 bool Line::compilesAgain(Named& statement, std::int32_t nativeCode) {
@@ -311,16 +325,16 @@ bool Line::compilesAgain(Named& statement, std::int32_t nativeCode) {
 }
 
 void Line::compileAgain(Named& statement) {
-  if (statement.compiledOn == wireNumber_) unused_.push_back(statement.name);
+  forgetOnServer(statement);
   statement.compiledOn = 0;
-  statement.name = fmt::format("tv{}", ++lastName_);
+  nameAnew(statement);
   ++schemaChanges_;
 }
 
 void Line::compileAllAgain() {
   for (const auto& [key, statement] : statements_) {
     statement->compiledOn = 0;
-    statement->name = fmt::format("tv{}", ++lastName_);
+    nameAnew(*statement);
   }
   unused_.clear();
 }

@@ -33,7 +33,7 @@ struct Levels {
 
 /// A statement that the server compiles, for one list of types of its placeholders.
 struct Named {
-  std::string name;
+  std::string name{};  ///< "" for one that is compiled and planned anew for each run
   std::string text;
   std::vector<Oid> types;
   bool leavesNothing = false;    ///< nothing of it is to be undone, not even a lock
@@ -162,6 +162,9 @@ class Line {
     AnswerPtr answer = nullptr;
   };
 
+  /// Gives it a name that no statement of this line has had, if it is to have one.
+  void nameAnew(Named& statement);
+  void forgetOnServer(const Named& statement);
   /// Makes the server compile it anew at its next run.
   void compileAgain(Named& statement);
   /// The same of all: somebody has made the server forget them.
