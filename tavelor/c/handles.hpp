@@ -2,8 +2,6 @@
 // What stands behind the handles of the C interface.
 #pragma once
 
-#include <pthread.h>
-
 #include <atomic>
 #include <cstdint>
 #include <list>
@@ -12,6 +10,8 @@
 #include <optional>
 #include <string>
 #include <vector>
+
+#include <pthread.h>
 
 #include "tavelor/c/tavelor.h"
 #include "tavelor/platform/variant.hpp"

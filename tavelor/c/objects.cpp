@@ -26,8 +26,7 @@ tavelor_object::tavelor_object(std::shared_ptr<tavelor::c::Room> room, tavelor::
     : Held(tavelor::c::Kind::kObject, std::move(room)),
       object(std::move(held)),
       recordset(dynamic_cast<tavelor::Recordset*>(object.get())),
-      connection(recordset != nullptr ? nullptr
-                                      : dynamic_cast<tavelor::Connection*>(object.get())),
+      connection(recordset != nullptr ? nullptr : dynamic_cast<tavelor::Connection*>(object.get())),
       of(recordset != nullptr    ? classOfRecordsets()
          : connection != nullptr ? classOfConnections()
                                  : tavelor::c::classCalled(object->typeName())) {}

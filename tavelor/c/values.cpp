@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Values on their way in and out.
-#include <fmt/format.h>
-
 #include <charconv>
 #include <cstdlib>
 #include <limits>
 #include <new>
+
+#include <fmt/format.h>
 
 #include "tavelor/c/calls.hpp"
 #include "tavelor/platform/locale.hpp"
@@ -203,10 +203,9 @@ tavelor_status tavelor_money_from_text(const char* text, int64_t* money, tavelor
     if (negative || digits.starts_with('+')) digits.remove_prefix(1);
     const std::size_t point = std::min(digits.find('.'), digits.size());
     const std::string_view decimals = digits.substr(std::min(point + 1, digits.size()));
-    const bool isNumber =
-        digits.find_first_not_of("0123456789.") == std::string_view::npos &&
-        decimals.find('.') == std::string_view::npos && decimals.size() <= kDecimals &&
-        point + decimals.size() > 0;
+    const bool isNumber = digits.find_first_not_of("0123456789.") == std::string_view::npos &&
+                          decimals.find('.') == std::string_view::npos &&
+                          decimals.size() <= kDecimals && point + decimals.size() > 0;
     if (!isNumber) {
       tavelor::raise(
           tavelor::errors::kTypeMismatch, kSource,

@@ -239,7 +239,8 @@ class Layer {
     if (!engine::isWhole(type_) && type_ != ColumnType::kCurrency) {
       return layReal<double>(tile, at, valid, kNone, [](double value) { return value; });
     }
-    auto* const to = target_.values == nullptr ? nullptr : static_cast<double*>(target_.values) + at;
+    auto* const to =
+        target_.values == nullptr ? nullptr : static_cast<double*>(target_.values) + at;
     const bool isMoney = type_ == ColumnType::kCurrency;
     tile.eachWhole(
         target_.column,
@@ -285,8 +286,7 @@ std::vector<Layer> layersOf(std::span<ColumnTarget> targets, const RecordsetStor
   layers.reserve(targets.size());
   for (ColumnTarget& target : targets) {
     if (target.column >= store.width()) {
-      raise(errors::kItemNotFound, kSource,
-            "There is no field " + std::to_string(target.column));
+      raise(errors::kItemNotFound, kSource, "There is no field " + std::to_string(target.column));
     }
     const dialect::OutputColumn& field = store.columns()[target.column];
     if (!isLaidAs(field.type, target.as)) {
@@ -309,8 +309,7 @@ std::int64_t readBlock(Recordset& set, std::int64_t first, std::int64_t rows,
   // From here on an index of the view is a position.
   parts.cursor.removeHoles();
   const std::int64_t begin = std::clamp<std::int64_t>(first, 0, parts.view.extent());
-  const std::int64_t wanted =
-      std::clamp<std::int64_t>(rows, 0, parts.view.extent() - begin);
+  const std::int64_t wanted = std::clamp<std::int64_t>(rows, 0, parts.view.extent() - begin);
   Tile tile{parts.edit, {}, 0};
   std::int64_t read = 0;
   while (read < wanted) {
