@@ -53,7 +53,8 @@ const char* documentationOf(std::string_view className, std::string_view member)
   std::string_view bases = found == nullptr ? std::string_view() : found->bases;
   while (!bases.empty()) {
     const std::size_t end = std::min(bases.find(' '), bases.size());
-    if (const char* told = documentationOf(bases.substr(0, end), member); *told != '\0') return told;
+    if (const char* told = documentationOf(bases.substr(0, end), member); *told != '\0')
+      return told;
     bases.remove_prefix(std::min(end + 1, bases.size()));
   }
   return "";
