@@ -42,6 +42,9 @@ constexpr std::array kWorks{
     Work{"storage", tavelor::bench::measureStorage},
     Work{"records", tavelor::bench::measureRecords},
     Work{"server", tavelor::bench::measureServer},
+#ifdef TAVELOR_BENCH_C
+    Work{"c", tavelor::bench::measureC},
+#endif
 #ifdef TAVELOR_BENCH_QT
     Work{"qt", tavelor::bench::measureQt},
 #endif

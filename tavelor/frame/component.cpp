@@ -189,7 +189,10 @@ const Member& Component::member(std::string_view name) const {
 
 Variant Component::call(Object& object, std::string_view name,
                         std::vector<Variant>& arguments) const {
-  const Member& slot = member(name);
+  return call(object, member(name), arguments);
+}
+
+Variant Component::call(Object& object, const Member& slot, std::vector<Variant>& arguments) const {
   std::size_t required = slot.parameters.size();
   while (required > 0 && mayBeLeftOut(slot.parameters[required - 1])) --required;
   if (arguments.size() < required || arguments.size() > slot.parameters.size()) {

@@ -86,6 +86,8 @@ class TAVELOR_API Component {
   /// place, an Empty one. Raises 438 for an unknown member, 450 for a wrong number of arguments, 13
   /// for one of the wrong type.
   Variant call(Object& object, std::string_view name, std::vector<Variant>& arguments) const;
+  /// The same by a slot, one of members(): whoever calls it often looks it up once.
+  Variant call(Object& object, const Member& slot, std::vector<Variant>& arguments) const;
 
  private:
   std::string name_;

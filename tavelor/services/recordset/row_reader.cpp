@@ -16,4 +16,8 @@ bool RowReader::toCurrentRow() {
   return !set_.edit.isOf(row) && (set_.store->flags(row) & RecordsetStore::kEdited) == 0;
 }
 
+std::size_t RowReader::width() const {
+  return set_.opened().width();
+}
+
 }  // namespace tavelor

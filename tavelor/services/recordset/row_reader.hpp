@@ -24,6 +24,8 @@ class RowReader {
   /// does.
   bool toCurrentRow();
 
+  /// Columns that are not hidden, of an open set.
+  std::size_t width() const;
   /// Of a visible column, by its position.
   engine::ColumnType type(std::size_t column) const { return rows_->type(column); }
   bool isNull(std::size_t column) const { return row_.isNull(column); }
