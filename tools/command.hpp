@@ -53,6 +53,8 @@ void addStock(CLI::App& app, Common& common);
 void addFiscal(CLI::App& app, Common& common);
 void addSql(CLI::App& app, Common& common);
 void addImport(CLI::App& app, Common& common);
+/// Of the import.
+void addImportDatabase(CLI::App& import, Common& common);
 void addTrace(CLI::App& app, Common& common);
 
 }  // namespace tavelor::tools
