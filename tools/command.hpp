@@ -56,5 +56,7 @@ void addImport(CLI::App& app, Common& common);
 /// Of the import.
 void addImportDatabase(CLI::App& import, Common& common);
 void addTrace(CLI::App& app, Common& common);
+void addManual(CLI::App& app, Common& common);
+void addCompletion(CLI::App& app, Common& common);
 
 }  // namespace tavelor::tools
