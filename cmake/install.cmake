@@ -1,8 +1,9 @@
 # SPDX-License-Identifier: MIT
-# What `cmake --install` lays down: the library, what stands upon it, their public headers, what find_package(Tavelor)
-# reads, and the tavelor command.
-include(GNUInstallDirs)
+# What `cmake --install` lays down: the library, what stands upon it, their public headers, what
+# find_package(Tavelor) and pkg-config read, and the tavelor command with its manual. Each file belongs to
+# a component, and each component is a package (cmake/package.cmake).
 include(CMakePackageConfigHelpers)
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
 
 foreach(header IN LISTS TAVELOR_PUBLIC_HEADERS)
   get_filename_component(folder ${header} DIRECTORY)
@@ -11,7 +12,8 @@ endforeach()
 
 install(TARGETS tavelor tavelor_fiscal_library tavelor_flows_library EXPORT TavelorTargets)
 if(TAVELOR_SHARED)
-  install(TARGETS tavelor_shared EXPORT TavelorTargets)
+  install(TARGETS tavelor_shared EXPORT TavelorTargets
+    LIBRARY COMPONENT library NAMELINK_COMPONENT development)
 endif()
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Tavelor)
 install(EXPORT TavelorTargets NAMESPACE Tavelor:: DESTINATION ${package_folder})
@@ -36,7 +38,24 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/TavelorConfigVersion.cmak
   COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/TavelorConfig.cmake ${PROJECT_BINARY_DIR}/TavelorConfigVersion.cmake
   DESTINATION ${package_folder})
+include(cmake/pkgconfig.cmake)
+
+if(TAVELOR_SHARED)
+  tavelor_package(library NAME libtavelor${PROJECT_VERSION_MAJOR} SECTION libs SHARED "libtavelor ${PROJECT_VERSION_MAJOR}"
+    SUMMARY "business layer of a Spanish shop - shared library"
+    DESCRIPTION "Banks, taxes, articles, stock, customers, suppliers, tickets, closings and\nledgers, each a class that browses and edits its table and knows its rules.")
+  set(library =libtavelor${PROJECT_VERSION_MAJOR})
+endif()
+tavelor_package(development NAME libtavelor-dev SECTION libdevel
+  SUMMARY "business layer of a Spanish shop - development files"
+  DESCRIPTION "Headers, static libraries and what CMake and pkg-config read to build programs\non Tavelor, a C++20 library."
+  DEPENDS ${library} libfmt-dev libpugixml-dev libsqlite3-dev libutf8proc-dev libpq-dev libssl-dev libqrencode-dev
+  RECOMMENDS g++ pkg-config cmake libxmlsec1-dev libxml2-dev libcurl4-openssl-dev)
 
 if(TARGET tavelor_command)
-  install(TARGETS tavelor_command)
+  install(TARGETS tavelor_command COMPONENT command)
+  tavelor_package(command NAME tavelor SECTION database
+    SUMMARY "makes, looks into and mends the installations of a shop"
+    DESCRIPTION "A command that makes an installation, sells and closes a day, takes articles,\ncustomers, suppliers, deliveries and old databases from files, shows and edits\nthe rows of every class, keeps the records of invoices that the law wants and\nsends them to the tax office."
+    RECOMMENDS libxmlsec1-openssl ca-certificates)
 endif()

@@ -53,6 +53,10 @@ void addStock(CLI::App& app, Common& common);
 void addFiscal(CLI::App& app, Common& common);
 void addSql(CLI::App& app, Common& common);
 void addImport(CLI::App& app, Common& common);
+/// Of the import.
+void addImportDatabase(CLI::App& import, Common& common);
 void addTrace(CLI::App& app, Common& common);
+void addManual(CLI::App& app, Common& common);
+void addCompletion(CLI::App& app, Common& common);
 
 }  // namespace tavelor::tools

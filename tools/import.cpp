@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// tavelor import: takes articles, customers or suppliers from a file of comma-separated values.
+// tavelor import: takes articles, customers or suppliers from a file of comma-separated values, and
+// with import_database.cpp the tables of an old database.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
@@ -29,37 +30,58 @@ namespace tavelor::tools {
 namespace {
 
 constexpr const char* kFooter =
-    R"(FILE is comma-separated values in UTF-8, plain or compressed by xz; its first row
-names the columns. Columns that bear the name of a field need no --map. Fields of
-articles:
+    R"(  tavelor import articles articles.csv.xz --map product_id=Codigo product_type=Descripcion
+  tavelor import articles tarifa.csv --map Precio=Tarifa_A --decimal comma --report left-out.csv
+  tavelor import customers customers.csv.xz --map Cliente=Codigo CIF=NIF --dry-run
+  tavelor import suppliers suppliers.csv --set Forma_Pago=transferencia
+  tavelor import database old.mdb --dry-run)";
 
-  Codigo Descripcion Seccion Familia Tarifa_A Tarifa_B Tarifa_C Impuesto Descuento
+constexpr const char* kBefore =
+    R"(FILE is comma-separated values in UTF-8, plain or compressed by xz; its first row
+names the columns. Columns that bear the name of a field need no --map. Fields:
+
+)";
+
+constexpr const char* kArticleFields =
+    R"(  Codigo Descripcion Seccion Familia Tarifa_A Tarifa_B Tarifa_C Impuesto Descuento
   Descuento_D Existencia Lotes Actualizar_Stock Restar_Stock Activo Lista
 
-of customers:
+Impuesto, Existencia, Lotes, Actualizar_Stock and Restar_Stock (else as
+Actualizar_Stock) are taken by new articles only, and the reference of a rewritten
+one becomes its code.
 
-  Codigo Nombre Razon_Social NIF Direccion Codigo_Postal Poblacion Provincia
+)";
+
+constexpr const char* kCustomerFields =
+    R"(  Codigo Nombre Razon_Social NIF Direccion Codigo_Postal Poblacion Provincia
   Telefono Movil E_Mail E_Mail_doc Activo Descuento Tarifa Serie Concepto
   Tipo_Cliente Lista ExternalID Forma_Pago Riesgo Facturar Contacto Telefono_2
   Descuento_pp Recargo
 
-of suppliers:
+The NIF is cleaned. One that is not right by law is taken and told, and so is one
+that another customer has; it gives the class word, VERIFICAR where it is not
+right. Type and payment method are a code or a name of the shop's catalogues, a
+tariff one that the shop has.
 
-  Codigo Nombre Razon_Social NIF Forma_Pago Tarifa Serie Contacto Direccion
+)";
+
+constexpr const char* kSupplierFields =
+    R"(  Codigo Nombre Razon_Social NIF Forma_Pago Tarifa Serie Contacto Direccion
   Codigo_Postal Poblacion Provincia Telefono Telefono_2 Movil Fax E_Mail Http Activo
   Sub Recargo Descuento Descuento_pp Concepto Cta_Tesoreria Cta_Contable
   Cta_Contrapartida
 
-A row that is not there is added, in use unless Activo says no; one that is there
-is rewritten where the file says otherwise: an empty text empties its field, an empty
-number, flag or word says nothing. Fields that the file does not give stay as they are. Of articles Impuesto, Existencia, Lotes, Actualizar_Stock and
-Restar_Stock (else as Actualizar_Stock) are taken by new ones only, and the reference
-of a rewritten one becomes its code.
+The NIF is cleaned. One that is not right by law is taken and told, and so is one
+that another supplier has. The payment method is a code or a name of the shop's
+catalogue, a tariff one that the shop has.
 
-The NIF of a customer or a supplier is cleaned. One that is not right by law is taken
-and told, and so is one that another of them has; that of a customer gets its class
-word, VERIFICAR where it is not right. Type and payment method are a code or a name
-of the shop's catalogues, a tariff one that the shop has.
+)";
+
+constexpr const char* kBehind =
+    R"(A row that is not there is added, in use unless Activo says no; one that is there
+is rewritten where the file says otherwise: an empty text empties its field, an empty
+number, flag or word says nothing. Fields that the file does not give stay as they
+are.
 
 Numbers are read with the decimal sign of the installation's locale, or of
 --decimal. One whose other sign does not part thousands, as in 2.55 where the
@@ -69,45 +91,25 @@ The whole file is read once before anything is written. Then rows are written in
 transactions of a thousand. A row with a fault is left out and reported, with its
 line, and the exit code is 1. After an interruption give the same command again:
 what is stored already is not written twice. With --dry-run all is tried and
-nothing stays written.
+nothing stays written.)";
 
-  tavelor import articles articles.csv.xz --map product_id=Codigo product_type=Descripcion
-  tavelor import articles tarifa.csv --map Precio=Tarifa_A --decimal comma --report left-out.csv
-  tavelor import customers customers.csv.xz --map Cliente=Codigo CIF=NIF --dry-run
-  tavelor import suppliers suppliers.csv --set Forma_Pago=transferencia)";
-
-struct ImportOptions {
-  std::string kind;
-  FileOptions from;
-};
-
-/// What can be imported.
+/// What can be imported row by row.
 struct Kind {
   const ImportTable& table;
+  const char* fields;  ///< for the help
   std::unique_ptr<RowImport> (*make)(ImportSetup setup);
 };
 
 template <typename Import>
-Kind kindOf() {
-  return {Import::kTable, [](ImportSetup setup) -> std::unique_ptr<RowImport> {
+Kind kindOf(const char* fields) {
+  return {Import::kTable, fields, [](ImportSetup setup) -> std::unique_ptr<RowImport> {
             return std::make_unique<Import>(std::move(setup));
           }};
 }
 
 std::vector<Kind> kinds() {
-  return {kindOf<ArticleImport>(), kindOf<CustomerImport>(), kindOf<SupplierImport>()};
-}
-
-std::vector<std::string> kindNames() {
-  std::vector<std::string> names;
-  for (const Kind& kind : kinds()) names.emplace_back(kind.table.what);
-  return names;
-}
-
-Kind kindNamed(std::string_view what) {
-  const std::vector<Kind> all = kinds();
-  return *std::find_if(all.begin(), all.end(),
-                       [&](const Kind& kind) { return kind.table.what == what; });
+  return {kindOf<ArticleImport>(kArticleFields), kindOf<CustomerImport>(kCustomerFields),
+          kindOf<SupplierImport>(kSupplierFields)};
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -149,9 +151,7 @@ std::vector<FieldSource> sourcesOf(const FileOptions& from, const std::vector<st
   return sources;
 }
 
-void importRows(const ImportOptions& options, const Common& common) {
-  const FileOptions& from = options.from;
-  const Kind kind = kindNamed(options.kind);
+void importRows(const Kind& kind, const FileOptions& from, const Common& common) {
   CsvFile file(from.file, separatorOf(from));
   const std::vector<FieldSource> sources = sourcesOf(from, file.columns(), kind.table);
   Session session(common);
@@ -178,20 +178,37 @@ void importRows(const ImportOptions& options, const Common& common) {
   if (counts.refused > 0) throw FileError(fmt::format("{} rows were refused", counts.refused));
 }
 
+void requireKind(const CLI::App& command) {
+  if (!command.get_subcommands().empty()) return;
+  std::vector<std::string> names;
+  for (const CLI::App* each : command.get_subcommands(nullptr)) names.push_back(each->get_name());
+  const std::vector<std::string> given = command.remaining();
+  if (given.empty()) throw UsageError(fmt::format("say what to take: {}", joinedNames(names)));
+  const std::string near = text::nearest(given.front(), names);
+  throw UsageError(fmt::format("there are no {} to take{}; there are {}", printable(given.front()),
+                               near.empty() ? "" : fmt::format(" (did you mean {}?)", near),
+                               joinedNames(names)));
+}
+
 }  // namespace
 
 void addImport(CLI::App& app, Common& common) {
-  CLI::App* command =
-      app.add_subcommand("import", "Take articles, customers or suppliers from a file");
-  auto options = std::make_shared<ImportOptions>();
-  command->add_option("what", options->kind, "What the rows are")
-      ->required()
-      ->check(CLI::IsMember(kindNames()).description(""))
-      ->type_name(fmt::format("{}", fmt::join(kindNames(), "|")));
-  addFileOptions(*command, options->from);
-  addInstallationOptions(*command, common);
+  CLI::App* command = app.add_subcommand("import", "Take rows from a file, or an old database");
   command->footer(kFooter);
-  command->callback([options, &common] { importRows(*options, common); });
+  addInstallationOptions(*command, common);
+  for (const Kind& kind : kinds()) {
+    CLI::App* const each = command->add_subcommand(
+        std::string(kind.table.what),
+        fmt::format("Take {} from comma-separated values", kind.table.what));
+    auto options = std::make_shared<FileOptions>();
+    addFileOptions(*each, *options);
+    addInstallationOptions(*each, common);
+    each->footer(fmt::format("{}{}{}", kBefore, kind.fields, kBehind));
+    each->callback([kind, options, &common] { importRows(kind, *options, common); });
+  }
+  addImportDatabase(*command, common);
+  command->allow_extras();  // last: subcommands that are added later would take it over
+  command->callback([command] { requireKind(*command); });
 }
 
 }  // namespace tavelor::tools

@@ -76,6 +76,8 @@ void addCommands(CLI::App& app, Common& common) {
   addSql(app, common);
   addImport(app, common);
   addTrace(app, common);
+  addManual(app, common);
+  addCompletion(app, common);
   app.allow_extras();  // last: subcommands that are added later would take it over
   app.parse_complete_callback([&app, &common] { checkCommand(app, common); });
 }

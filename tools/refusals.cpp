@@ -2,8 +2,11 @@
 // Rows of a file that were not taken, or not without a remark.
 #include "tools/refusals.hpp"
 
+#include <utility>
+
 #include <fmt/format.h>
 
+#include "tavelor/platform/error.hpp"
 #include "tools/input_file.hpp"
 #include "tools/output.hpp"
 
@@ -22,10 +25,25 @@ std::string quoted(const std::string& text) {
 
 }  // namespace
 
-Refusals::Refusals(const std::string& file, const std::string& input, const Installation& shop)
-    : path_(file) {
+bool isOfTheRow(std::int32_t number) {
+  switch (number) {
+    case errors::kOverflow:
+    case errors::kTypeMismatch:
+    case errors::kSyntax:
+    case errors::kIntegrityViolation:
+    case errors::kMultipleStep:
+    case errors::kCriteriaTypeMismatch:
+      return true;
+    default:
+      return false;
+  }
+}
+
+Refusals::Refusals(const std::string& file, const std::string& input, const Installation& shop,
+                   std::string unit)
+    : path_(file), unit_(std::move(unit)) {
   if (file.empty()) return;
-  file_ = beginOutput("--report", file, "line,code,reason\n", input, shop);
+  file_ = beginOutput("--report", file, unit_ + ",code,reason\n", input, shop);
 }
 
 /// Whether it arrived is asked at the end: a full disk must not end what is reported on.
@@ -44,7 +62,7 @@ void Refusals::add(const std::vector<Refusal>& refusals) {
 
 void Refusals::print() const {
   for (const Refusal& refusal : shown_) {
-    complain(fmt::format("line {}, {}: {}\n", refusal.line,
+    complain(fmt::format("{} {}, {}: {}\n", unit_, refusal.line,
                          refusal.code.empty() ? "no code" : printable(refusal.code),
                          printable(refusal.reason)));
   }

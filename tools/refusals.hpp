@@ -18,11 +18,16 @@ struct Refusal {
   bool isRemark = false;
 };
 
+/// Whether an error tells of a row's own values; all others are the shop's trouble.
+bool isOfTheRow(std::int32_t number);
+
 /// Shows the first refusals and remarks and writes all of them to a file, when there is one.
 class Refusals {
  public:
-  /// `file` "" for none; `input` is the file that the rows come from. Errors: those of beginOutput.
-  Refusals(const std::string& file, const std::string& input, const Installation& shop);
+  /// `file` "" for none; `input` is the file that the rows come from; `unit` is what their numbers
+  /// count. Errors: those of beginOutput.
+  Refusals(const std::string& file, const std::string& input, const Installation& shop,
+           std::string unit = "line");
 
   void add(const std::vector<Refusal>& refusals);
   /// Without the remarks.
@@ -36,6 +41,7 @@ class Refusals {
   void write(const std::string& text);
 
   std::string path_;
+  std::string unit_;
   OutputFile file_;
   std::vector<Refusal> shown_;
   std::uint64_t count_ = 0;

@@ -20,21 +20,6 @@ namespace tavelor::tools {
 
 namespace {
 
-/// Errors that tell of a row's own values; all others are the shop's trouble.
-bool isOfTheRow(std::int32_t number) {
-  switch (number) {
-    case errors::kOverflow:
-    case errors::kTypeMismatch:
-    case errors::kSyntax:
-    case errors::kIntegrityViolation:
-    case errors::kMultipleStep:
-    case errors::kCriteriaTypeMismatch:
-      return true;
-    default:
-      return false;
-  }
-}
-
 bool isText(FieldKind kind) {
   return kind == FieldKind::kText || kind == FieldKind::kWord;
 }

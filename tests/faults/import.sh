@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# import.sh COUNT [customers|suppliers|deliveries]: kills an import COUNT times at random moments, each
+# import.sh COUNT [customers|suppliers|deliveries|database]: kills an import COUNT times at random moments, each
 # in a new shop, and gives the same command again; then imports on a disk that has too little room, and
 # again with enough. What is stored must be that of an import in peace, each row or delivery of it
-# whole. The rows are made up; where SALES names a file of sales, customers are those of that file.
+# whole, and of an old database all or none. The rows are made up; where SALES names a file of sales, customers are those of that file.
 # RANDOM_SEED repeats a run.
 source "$(dirname "$0")/common.sh"
 
-count=${1:?usage: import.sh COUNT [customers|suppliers|deliveries]}
+count=${1:?usage: import.sh COUNT [customers|suppliers|deliveries|database]}
 kind=${2:-customers}
 RANDOM=${RANDOM_SEED:-$$}
 printf 'seed %s\n' "${RANDOM_SEED:-$$}"
@@ -62,6 +62,16 @@ case $kind in
       for article in A07 A16; do "$program" -C "$1" stock "$article" --check; done
     }
     ;;
+  database)
+    tests/support/make_mdb.py "$list" --repeat 6000 'Articulos(Codigo text(20), Descripcion text(255), Tarifa_A money)' \
+      'A#|Artículo #|#.25' 'Articulos_Comentarios(Id long, Codigo text(20), Comentarios memo)' '#|A#|*40:ñandú ' \
+      'Articulos_Tarifas(Codigo text(20), Tarifa text(10), Precio money)' 'A#|D|1.5'
+    state() {
+      sql "$1" "SELECT Codigo, Descripcion, Tarifa_A FROM Articulos ORDER BY Codigo"
+      sql "$1" "SELECT Id, Codigo, Comentarios FROM Articulos_Comentarios ORDER BY Id"
+      sql "$1" "SELECT Codigo, Tarifa, Precio FROM Articulos_Tarifas ORDER BY Codigo"
+    }
+    ;;
   *) fail "no such kind: $kind" ;;
 esac
 command=(import "$kind" "$list")
@@ -72,6 +82,11 @@ if [[ $kind == deliveries ]]; then
   command=(receive "$list")
   all='^400 of 400 deliveries: 400 received'
   nothing_before=' 0 were there'
+fi
+if [[ $kind == database ]]; then
+  rows=18000
+  all='^Articulos_Tarifas  *6000  *6000 '
+  nothing_before='^Articulos  *6000  *6000 '
 fi
 import() { "$program" -C "$1" "${command[@]}"; }
 
@@ -91,6 +106,10 @@ for (( killed = 0; killed < count; ++killed )); do
   sleep "$(( pause / 1000000 )).$(printf '%06d' $(( pause % 1000000 )))"
   kill -9 $! 2>/dev/null || true
   wait $! 2>/dev/null || true
+  if [[ $kind == database ]]; then
+    stored=$(sql "$work/shop" "SELECT Count(*) AS n FROM Articulos" | tr -dc 0-9)
+    [[ $stored == 0 || $stored == 6000 ]] || fail "a killed import has left $stored articles"
+  fi
   import "$work/shop" >"$work/out" 2>&1 || { cat "$work/out"; fail "the import does not go on"; }
   if ! grep -q "$nothing_before" "$work/out"; then halves=$(( halves + 1 )); fi
   state "$work/shop" >"$work/found"

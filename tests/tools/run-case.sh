@@ -14,6 +14,7 @@ folder=$(realpath "$(mktemp -d)")
 trap 'rm -rf "$folder"' EXIT
 mkdir "$folder/bin" "$folder/work"
 ln -s "$program" "$folder/bin/tavelor"
+ln -s "$(dirname "$(realpath "$0")")/../support/make_mdb.py" "$folder/bin/make-mdb"
 export PATH="$folder/bin:$PATH"
 unset TAVELOR_HOME NO_COLOR
 
