@@ -13,7 +13,7 @@ set(TAVELOR_ALIKE
   kMedida kModes kNuevoCodigo kOf kRestaStock kStyle kTodos)
 # Only the floors of the library call these alike, but for three where each is one thing that a header tells.
 set(TAVELOR_ALIKE_IN_FLOORS kSource kTable)
-set(TAVELOR_FLOORS_WITH_ONE tavelor_dialect tavelor_postgres tavelor_sqlite)
+set(TAVELOR_FLOORS_WITH_ONE tavelor_c tavelor_dialect tavelor_postgres tavelor_sqlite)
 # Sources that like other names than constants, and are compiled alone.
 set(TAVELOR_ALONE
   tavelor/articles/articulos_componente.cpp tavelor/articles/articulos_precios_ventas.cpp

@@ -9,8 +9,6 @@
 
 namespace tavelor {
 
-using RowNumber = RecordsetStore::Row;
-
 namespace {
 
 /// The columns of fields given by name or position. A value that will not do is refused before

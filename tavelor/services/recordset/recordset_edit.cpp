@@ -13,8 +13,6 @@
 namespace tavelor {
 
 using Operation = RecordsetStore::Operation;
-using RowNumber = RecordsetStore::Row;
-
 // ---- The row in edit
 
 Variant RecordsetEdit::value(Row row, std::size_t column) const {

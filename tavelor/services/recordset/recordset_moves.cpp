@@ -11,8 +11,6 @@
 namespace tavelor {
 
 using Place = RecordsetCursor::Place;
-using RowNumber = RecordsetStore::Row;
-
 // ---- Where the cursor is
 
 bool Recordset::Bof() const {

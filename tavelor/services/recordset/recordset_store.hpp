@@ -156,6 +156,9 @@ class EditedRow {
   bool added_;
 };
 
+/// For files in which Row is a row of a record set.
+using RowNumber = RecordsetStore::Row;
+
 /// Calls `work` with a reader of the row's cells: the base rows, or an EditedRow.
 template <typename Work>
 decltype(auto) withCells(const RecordsetStore& store, RecordsetStore::Row row, Work&& work) {

@@ -20,8 +20,6 @@ namespace tavelor {
 namespace {
 
 using Operation = RecordsetStore::Operation;
-using RowNumber = RecordsetStore::Row;
-
 constexpr std::string_view kSource = "Recordset.LoadXml";
 constexpr std::size_t kMaxColumns = 4096;
 
