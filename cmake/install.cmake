@@ -3,7 +3,6 @@
 # find_package(Tavelor) and pkg-config read, and the tavelor command with its manual. Each file belongs to
 # a component, and each component is a package (cmake/package.cmake).
 include(CMakePackageConfigHelpers)
-set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
 
 foreach(header IN LISTS TAVELOR_PUBLIC_HEADERS)
   get_filename_component(folder ${header} DIRECTORY)

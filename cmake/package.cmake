@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 # tavelor_package(COMPONENT NAME package SUMMARY text DESCRIPTION text [SECTION section]
-#                 [DEPENDS package...] [RECOMMENDS package...] [SHARED library] [CONTROL file...])
+#                 [ARCHITECTURE all] [DEPENDS package...] [RECOMMENDS package...] [SHARED library]
+#                 [CONTROL file...])
 #
 # What install() lays down for COMPONENT is a Debian package of that name, which `cpack` makes. The
 # packages of the libraries that its programs and shared libraries need are found by themselves
@@ -8,6 +9,10 @@
 # library that others link, "libtavelor 1". CONTROL are scripts of the package itself, such as postinst.
 # A component whose public files are for developers joins `development`, in place of a package of its own.
 # tavelor_packages() comes behind the last one.
+
+# Public files that name no component of their own are for developers.
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
+
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME tavelor)
 set(CPACK_PACKAGE_VENDOR Tavelor)
@@ -39,7 +44,7 @@ file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/packages/changelog @ONLY CONTENT
 execute_process(COMMAND ${TAVELOR_GZIP} -9nkf ${PROJECT_BINARY_DIR}/packages/changelog COMMAND_ERROR_IS_FATAL ANY)
 
 function(tavelor_package component)
-  cmake_parse_arguments(PARSE_ARGV 1 package "" "NAME;SUMMARY;DESCRIPTION;SECTION;SHARED" "DEPENDS;RECOMMENDS;CONTROL")
+  cmake_parse_arguments(PARSE_ARGV 1 package "" "NAME;SUMMARY;DESCRIPTION;SECTION;ARCHITECTURE;SHARED" "DEPENDS;RECOMMENDS;CONTROL")
   list(TRANSFORM package_DEPENDS REPLACE "^=(.*)$" "\\1 (= ${PROJECT_VERSION})")
   list(JOIN package_DEPENDS ", " depends)
   list(JOIN package_RECOMMENDS ", " recommends)
@@ -53,6 +58,7 @@ function(tavelor_package component)
   set_property(GLOBAL APPEND PROPERTY TAVELOR_PACKAGES ${component})
   set_property(GLOBAL PROPERTY TAVELOR_PACKAGE_${component}_NAME "${package_NAME}")
   set_property(GLOBAL PROPERTY TAVELOR_PACKAGE_${component}_SECTION "${package_SECTION}")
+  set_property(GLOBAL PROPERTY TAVELOR_PACKAGE_${component}_ARCHITECTURE "${package_ARCHITECTURE}")
   set_property(GLOBAL PROPERTY TAVELOR_PACKAGE_${component}_DEPENDS "${depends}")
   set_property(GLOBAL PROPERTY TAVELOR_PACKAGE_${component}_RECOMMENDS "${recommends}")
   set_property(GLOBAL PROPERTY TAVELOR_PACKAGE_${component}_CONTROL_EXTRA "${package_CONTROL}")
@@ -66,7 +72,7 @@ macro(tavelor_packages)
   get_property(CPACK_COMPONENTS_ALL GLOBAL PROPERTY TAVELOR_PACKAGES)
   foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     string(TOUPPER ${component} upper)
-    foreach(field IN ITEMS NAME SECTION DEPENDS RECOMMENDS CONTROL_EXTRA)
+    foreach(field IN ITEMS NAME SECTION ARCHITECTURE DEPENDS RECOMMENDS CONTROL_EXTRA)
       get_property(CPACK_DEBIAN_${upper}_PACKAGE_${field} GLOBAL PROPERTY TAVELOR_PACKAGE_${component}_${field})
     endforeach()
     get_property(CPACK_DEBIAN_${upper}_DESCRIPTION GLOBAL PROPERTY TAVELOR_PACKAGE_${component}_DESCRIPTION)

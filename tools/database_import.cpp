@@ -132,6 +132,11 @@ std::vector<const engine::Column*> columnsOf(const TablePlan& plan) {
   return columns;
 }
 
+bool hasCounter(const TablePlan& plan) {
+  return std::any_of(plan.columns.begin(), plan.columns.end(),
+                     [](const ColumnPlan& column) { return column.to->autoNumber; });
+}
+
 std::vector<Variant> valuesOf(const Row& row, std::size_t columns) {
   std::vector<Variant> values;
   for (std::size_t i = 0; i < columns; ++i) {
@@ -439,25 +444,24 @@ void DatabaseImport::refuse(Work& work, std::uint64_t number, std::string name,
 // ---------------------------------------------------------------------------------------------
 // Writing
 
-/// All of them, or if the table refuses one of them, each by itself.
+/// All of them, or if the table refuses one of them, each by itself: a record set writes several
+/// rows whole or not at all, and a statement its one. A table without a key refuses no row.
 void DatabaseImport::write(Work& work) {
   const std::vector<Record> fresh = std::exchange(work.fresh, {});
   if (fresh.empty()) return;
-  const auto insertWhole = [&](std::span<const Record> records) {
-    flows::DatabaseTransaction together(connectionOf(work.plan.selector));
+  const auto insertAll = [&](std::span<const Record> records) {
     insert(work.plan, records);
-    together.commit();
     work.counts.added += records.size();
     for (const Record& record : records) accept(work.plan, record);
   };
   try {
-    return insertWhole(fresh);
+    if (!hasCounter(work.plan)) return insertAll(fresh);
   } catch (const Error& error) {
-    if (!isOfTheRow(error.number())) throw;
+    if (!isOfTheRow(error.number()) || work.plan.to->key.empty()) throw;
   }
   for (const Record& record : fresh) {
     try {
-      insertWhole(std::span(&record, 1));
+      insertAll(std::span(&record, 1));
     } catch (const Error& error) {
       if (!isOfTheRow(error.number())) throw;
       refuse(work, record.number, nameOf(work.plan, record.values), error.description());
@@ -466,7 +470,9 @@ void DatabaseImport::write(Work& work) {
 }
 
 void DatabaseImport::insert(const TablePlan& plan, std::span<const Record> records) {
-  if (plan.to->key.empty()) {  // which no record set writes to
+  // A record set writes to no table without a key, and leads no counter behind the numbers it
+  // gives.
+  if (plan.to->key.empty() || hasCounter(plan)) {
     for (const Record& record : records) insertByStatement(plan, record);
     return;
   }
@@ -500,7 +506,12 @@ void DatabaseImport::insertByStatement(const TablePlan& plan, const Record& reco
     statement << sqlLiteral(record.values[i]);
   }
   statement << ")";
-  DataSession().Execute(plan.selector, statement, connectionOf(plan.selector));
+  const ConnectionPtr& connection = connectionOf(plan.selector);
+  if (hasCounter(plan)) {
+    connection->Execute(statement);  // what it refuses is to be known at once
+  } else {
+    connection->Send(statement);
+  }
 }
 
 RecordsetPtr DatabaseImport::storedRow(const TablePlan& plan, const Record& record) {
@@ -539,10 +550,8 @@ void DatabaseImport::rewriteOrTell(Work& work, const Record& record) {
     return accept(plan, record);
   }
   try {
-    flows::DatabaseTransaction ofTheRow(connectionOf(plan.selector));
     rows->Update(places, values);
     rows->UpdateBatch();
-    ofTheRow.commit();
     ++work.counts.changed;
     accept(plan, record);
   } catch (const Error& error) {

@@ -354,9 +354,23 @@ void sendRelations(MdbCatalogEntry& entry, Outlet& outlet) {
   }
 }
 
+/// The library passes over what it cannot read of the list of tables.
+void requireWholeList(MdbHandle& file) {
+  constexpr unsigned long kPage = 2;
+  MdbCatalogEntry list = {};
+  list.mdb = &file;
+  list.object_type = MDB_TABLE;
+  list.table_pg = kPage;
+  const Definition table(list);
+  std::uint64_t rows = 0;
+  const std::uint64_t unreadable = eachRow(table, [&](const std::vector<MdbField>&) { ++rows; });
+  if (unreadable > 0 || rows < table->num_rows) throw ReadFault("its list of tables is damaged");
+}
+
 std::vector<MdbCatalogEntry*> sendStructure(MdbHandle& file, Outlet& outlet) {
   const GPtrArray* const catalogue = mdb_read_catalog(&file, MDB_ANY);
   if (catalogue == nullptr) throw ReadFault("its list of tables cannot be read");
+  requireWholeList(file);
   std::vector<MdbCatalogEntry*> tables;
   for (guint i = 0; i < catalogue->len; ++i) {
     auto& entry = *static_cast<MdbCatalogEntry*>(g_ptr_array_index(catalogue, i));

@@ -63,7 +63,7 @@ case $kind in
     }
     ;;
   database)
-    tests/support/make_mdb.py "$list" --repeat 6000 'Articulos(Codigo text(20), Descripcion text(255), Tarifa_A money)' \
+    "$(dirname "$0")/../support/make_mdb.py" "$list" --repeat 6000 'Articulos(Codigo text(20), Descripcion text(255), Tarifa_A money)' \
       'A#|Artículo #|#.25' 'Articulos_Comentarios(Id long, Codigo text(20), Comentarios memo)' '#|A#|*40:ñandú ' \
       'Articulos_Tarifas(Codigo text(20), Tarifa text(10), Precio money)' 'A#|D|1.5'
     state() {

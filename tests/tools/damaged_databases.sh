@@ -81,3 +81,14 @@ for table in Bancos Articulos Articulos_Tarifas Articulos_Comentarios; do
 done
 sort kinds.txt | uniq -c | sort -rn
 printf '%s files, %s told\n' "$count" "$told"
+
+# A fault that ends the process which reads is an error of the command, and leaves nothing.
+"$make_mdb" long.mdb --repeat 60000 'Articulos(Codigo text(20), Descripcion text(255))' 'A#|Artículo #'
+"$program" -C shop import database long.mdb >out.txt 2>err.txt &
+command=$!
+until reader=$(tr -d ' ' <"/proc/$command/task/$command/children") && [[ -n $reader ]]; do sleep 0.002; done
+kill -SEGV "$reader"
+code=0
+wait "$command" || code=$?
+[[ $code -eq 1 ]] && grep -q '^tavelor: long.mdb: .*ended by a fault' err.txt || { cat err.txt; exit 1; }
+[[ $("$program" -C shop sql main "SELECT Count(*) AS n FROM Articulos" --csv | tr -dc 0-9) == 0 ]]
