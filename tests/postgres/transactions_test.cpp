@@ -33,6 +33,10 @@ class PostgresTransactions : public ServerTest {
     return textOf(*reader, "SELECT coalesce(string_agg(a::text, ',' ORDER BY a), '') FROM " +
                                schema->table("T"));
   }
+  /// How many there are inside the transaction; waits for all that was sent.
+  std::int64_t keysSeen() {
+    return wholeOf(*other, "SELECT count(*)::integer FROM " + schema->table("T"));
+  }
   template <typename Action>
   std::int64_t waitsOf(Action action) {
     const std::int64_t before = session->waits();
@@ -178,6 +182,35 @@ TEST_F(PostgresTransactions, ASentWriteThatFailsIsToldByTheNextWaitAndLosesAll) 
   EXPECT_EQ(session->rollback(), 0);
   insert(*session, 6)->run();
   EXPECT_EQ(keys(), "6");
+}
+
+TEST_F(PostgresTransactions, ASentWriteThatFailsLeavesTheLevelThatBeganInTheSamePlace) {
+  session->begin();
+  other->begin();
+  insert(*other, 1)->send();
+  insert(*other, 1)->send();
+  EXPECT_EQ(errorNumber([&] { keysSeen(); }), errors::kIntegrityViolation);
+  EXPECT_EQ(other->rollback(), 0);
+  insert(*session, 2)->run();
+  EXPECT_EQ(keys(), "") << "it is in no transaction";
+  EXPECT_EQ(session->rollback(), 0);
+  EXPECT_EQ(keys(), "");
+}
+
+TEST_F(PostgresTransactions, ASentWriteThatFailsLeavesTheLevelThatSharesItsSavepoint) {
+  session->begin();
+  insert(*session, 9)->run();
+  session->begin();
+  other->begin();
+  insert(*other, 1)->send();
+  insert(*other, 1)->send();
+  EXPECT_EQ(errorNumber([&] { keysSeen(); }), errors::kIntegrityViolation);
+  EXPECT_EQ(other->rollback(), 0);
+  insert(*session, 2)->run();
+  EXPECT_EQ(session->rollback(), 1);
+  insert(*session, 3)->run();
+  EXPECT_EQ(session->commit(), 0);
+  EXPECT_EQ(keys(), "3,9");
 }
 
 TEST_F(PostgresTransactions, ASentWriteThatFailsAtTheCommitLeavesNothingAndNoLevel) {

@@ -248,10 +248,14 @@ void Line::spoil(int serial, std::string_view by) {
   const std::size_t place =
       above == levels_.begin() ? 0 : static_cast<std::size_t>(above - levels_.begin()) - 1;
   const int from = levels_.empty() ? 0 : levels_[place].serial;
+  // One that began in the same place goes on from there.
+  const bool isShared = place > 0 && levels_[place - 1].serial == from;
   if (from == 0) {
     dropTransaction();
+    if (isShared) later_.push_back({Control::Kind::kBegin});
   } else {
-    later_ = {{Control::Kind::kRollbackTo, from}, {Control::Kind::kRelease, from}};
+    later_ = {{Control::Kind::kRollbackTo, from}};
+    if (!isShared) later_.push_back({Control::Kind::kRelease, from});
     held_.clear();
     if (isChangingSchema_) ++schemaChanges_;
   }
