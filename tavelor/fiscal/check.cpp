@@ -385,7 +385,7 @@ class Check {
                       registration != nullptr ? registration->total.cents() : 0,
                       registration == nullptr};
     const double ticket = row.number("Ticket");
-    if (std::isnan(ticket)) return;  // of a column that somebody has changed; then a ticket has none
+    if (std::isnan(ticket)) return;  // written by somebody else; the ticket has none then
     if (!recorded_.emplace(ticket, recorded).second) {
       Flaw flaw;
       flaw.kind = Flaw::Kind::kTicket;
