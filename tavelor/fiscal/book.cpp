@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include "tavelor/fiscal/record_xml.hpp"
+#include "tavelor/fiscal/rules.hpp"
 #include "tavelor/frame/class_info.hpp"
 #include "tavelor/frame/rows.hpp"
 #include "tavelor/platform/currency.hpp"
@@ -352,22 +353,23 @@ bool Book::isRelated(const InvoiceId& invoice, std::string_view relation) const 
 // ---------------------------------------------------------------------------------------------
 // Events
 
-void Book::log(EventKind kind, decltype(Event::data) data, std::string text) {
+void Book::log(EventKind kind, decltype(Event::data) data, std::string_view text) {
   if (settings_.mode == Mode::kSending) return;
   const ChainEnd before = this->end();
   ChainEnd end = begun(before);
-  addEvent(end, kind, std::move(data), std::move(text));
+  addEvent(end, kind, std::move(data), text);
   store(before, end);
 }
 
-void Book::addEvent(ChainEnd& end, EventKind kind, decltype(Event::data) data, std::string text) {
+void Book::addEvent(ChainEnd& end, EventKind kind, decltype(Event::data) data,
+                    std::string_view text) {
   Event event;
   event.system = settings_.system;
   event.taxpayer = settings_.taxpayer;
   event.moment = moment(end.lastEvent ? end.lastEvent->moment : std::string());
   event.kind = kind;
   event.data = std::move(data);
-  event.text = std::move(text);
+  event.text = recordText(text, kLongestEventText);
   event.previous = end.lastEvent;
   event.hash = hasher_(hashedText(event));
   const std::string xml = xmlOf(event);

@@ -82,7 +82,7 @@ class Book {
   Cancellation cancelAgain(const std::string& number, bool hasNoRecord);
 
   /// Adds an event to the log. A system that sends keeps none: then it does nothing.
-  void log(EventKind kind, decltype(Event::data) data = {}, std::string text = {});
+  void log(EventKind kind, decltype(Event::data) data = {}, std::string_view text = {});
 
   /// The invoice that stands for a ticket now: the one in its place, where it was replaced. As it
   /// was corrected last.
@@ -107,7 +107,7 @@ class Book {
               std::int32_t number = 0, std::optional<double> ticket = {});
   void addRecord(ChainEnd& end, const Record& record, const std::string& series,
                  std::int32_t number, std::optional<double> ticket);
-  void addEvent(ChainEnd& end, EventKind kind, decltype(Event::data) data, std::string text);
+  void addEvent(ChainEnd& end, EventKind kind, decltype(Event::data) data, std::string_view text);
   void summarise(ChainEnd& end);
   void store(const ChainEnd& before, const ChainEnd& after);
   Statement ofSeries(const std::string& series) const;

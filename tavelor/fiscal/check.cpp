@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <map>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -13,6 +15,7 @@
 
 #include "tavelor/fiscal/chain_walk.hpp"
 #include "tavelor/fiscal/record_xml.hpp"
+#include "tavelor/fiscal/rules.hpp"
 #include "tavelor/fiscal/words.hpp"
 #include "tavelor/frame/class_info.hpp"
 #include "tavelor/frame/rows.hpp"
@@ -25,6 +28,10 @@
 namespace tavelor::fiscal {
 
 namespace {
+
+/// A column of a file holds what somebody has put into it. What is no whole number, or a greater
+/// one, stands nowhere.
+constexpr std::int32_t kLastPlace = std::numeric_limits<std::int32_t>::max();
 
 constexpr std::array<Statement::Constant, 2> kTicketTables = {"Tickets", "HTickets"};
 
@@ -139,14 +146,15 @@ class Check {
 
   std::int32_t greatest(Statement::Constant table, std::int32_t chain) const {
     Statement statement("SELECT Max(Posicion) AS Ultima FROM ");
-    statement << table << " WHERE Cadena = " << sqlLiteral(chain);
+    statement << table << " WHERE Cadena = " << sqlLiteral(chain)
+              << " AND Posicion <= " << sqlLiteral(kLastPlace);
     return read(statement).whole("Ultima");
   }
 
   std::int32_t find(Statement::Constant table, std::int32_t chain, const std::string& hash) const {
     Statement statement("SELECT Posicion FROM ");
     statement << table << " WHERE Cadena = " << sqlLiteral(chain)
-              << " AND Huella = " << sqlText(hash);
+              << " AND Huella = " << sqlText(hash) << " AND Posicion <= " << sqlLiteral(kLastPlace);
     const Rows row = read(statement);
     return row.hasRow() ? row.whole("Posicion") : 0;
   }
@@ -163,14 +171,58 @@ class Check {
 
   std::vector<ChainItem> records(const ChainRow& chain, std::int32_t behind, std::int32_t upTo) {
     const auto relations = this->relations(chain.code, behind, upTo);
-    Statement statement("SELECT * FROM Fiscal_Registros WHERE Cadena = ");
-    statement << sqlLiteral(chain.code) << " AND Posicion > " << sqlLiteral(behind)
-              << " AND Posicion <= " << sqlLiteral(upTo) << " ORDER BY Posicion";
     std::vector<ChainItem> items;
-    for (Rows rows = read(statement); rows.hasRow(); rows.next()) {
-      items.push_back(record(chain, rows, relations));
-    }
+    forEach(
+        "Fiscal_Registros", chain.code, behind, upTo,
+        [&](const Rows& row) { items.push_back(record(chain, row, relations)); },
+        [&](std::int32_t position, const Error& error) {
+          items.push_back(unreadable("Fiscal_Registros", chain.code, position, error));
+        });
     return items;
+  }
+
+  /// The rows of some places. A value that is not of its column's type keeps the engine from
+  /// reading all of them; then the halves are read, down to the row that has it.
+  template <typename Look, typename Miss>
+  void forEach(Statement::Constant table, std::int32_t chain, std::int32_t behind,
+               std::int32_t upTo, const Look& look, const Miss& miss) const {
+    Statement statement("SELECT * FROM ");
+    statement << table << " WHERE Cadena = " << sqlLiteral(chain) << " AND Posicion > "
+              << sqlLiteral(behind) << " AND Posicion <= " << sqlLiteral(upTo)
+              << " ORDER BY Posicion";
+    std::optional<Rows> rows;
+    try {
+      rows.emplace(read(statement));
+    } catch (const Error& error) {
+      if (error.number() != errors::kTypeMismatch && error.number() != errors::kOverflow) throw;
+      if (upTo - behind == 1) return miss(upTo, error);
+    }
+    if (!rows) {
+      const std::int32_t middle = behind + (upTo - behind) / 2;
+      forEach(table, chain, behind, middle, look, miss);
+      forEach(table, chain, middle, upTo, look, miss);
+      return;
+    }
+    for (; rows->hasRow(); rows->next()) look(*rows);
+  }
+
+  /// What is told of a row that cannot be read whole.
+  ChainItem unreadable(Statement::Constant table, std::int32_t chain, std::int32_t position,
+                       const Error& error) const {
+    Statement statement("SELECT Huella, Sello FROM ");
+    statement << table << " WHERE Cadena = " << sqlLiteral(chain)
+              << " AND Posicion = " << sqlLiteral(position);
+    const Rows row = read(statement);
+    ChainItem item;
+    item.position = position;
+    item.isRead = false;
+    item.name =
+        fmt::format("{} {}", table.text() == "Fiscal_Eventos" ? "event" : "record", position);
+    item.fault = error.description();
+    item.self = item.name;
+    item.hash = row.text("Huella");
+    item.seal = row.text("Sello");
+    return item;
   }
 
   using Relations = std::multimap<std::int32_t, std::string>;
@@ -333,6 +385,7 @@ class Check {
                       registration != nullptr ? registration->total.cents() : 0,
                       registration == nullptr};
     const double ticket = row.number("Ticket");
+    if (std::isnan(ticket)) return;  // written by somebody else; the ticket has none then
     if (!recorded_.emplace(ticket, recorded).second) {
       Flaw flaw;
       flaw.kind = Flaw::Kind::kTicket;
@@ -391,11 +444,13 @@ class Check {
   }
 
   std::vector<ChainItem> events(const ChainRow& chain, std::int32_t behind, std::int32_t upTo) {
-    Statement statement("SELECT * FROM Fiscal_Eventos WHERE Cadena = ");
-    statement << sqlLiteral(chain.code) << " AND Posicion > " << sqlLiteral(behind)
-              << " AND Posicion <= " << sqlLiteral(upTo) << " ORDER BY Posicion";
     std::vector<ChainItem> items;
-    for (Rows rows = read(statement); rows.hasRow(); rows.next()) items.push_back(event(rows));
+    forEach(
+        "Fiscal_Eventos", chain.code, behind, upTo,
+        [&](const Rows& row) { items.push_back(event(row)); },
+        [&](std::int32_t position, const Error& error) {
+          items.push_back(unreadable("Fiscal_Eventos", chain.code, position, error));
+        });
     return items;
   }
 
@@ -444,7 +499,8 @@ class Check {
           "SELECT Count(*) AS Cuantos, Min(R.Numero) AS Primero, Max(R.Numero) AS Ultimo FROM "
           "Fiscal_Registros AS R INNER JOIN Fiscal_Cadenas AS C ON R.Cadena = C.Codigo WHERE "
           "C.NIF = ");
-      numbers << sqlText(rows.text("NIF")) << " AND R.Serie = " << sqlText(rows.text("Serie"));
+      numbers << sqlText(rows.text("NIF")) << " AND R.Serie = " << sqlText(rows.text("Serie"))
+              << " AND R.Numero <= " << sqlLiteral(kLastPlace);
       const Rows found = read(numbers);
       const std::int32_t last = rows.whole("Ultimo");
       if (found.whole("Cuantos") == last && found.whole("Primero") == 1 &&
@@ -555,7 +611,6 @@ CheckReport check(const Book& book, const DaySpan& span) {
 }
 
 void logCheck(Book& book, const CheckReport& report) {
-  constexpr std::size_t kLongestText = 100;
   const auto tell = [&](bool isOfEvent, std::uint64_t count) {
     book.log(isOfEvent ? EventKind::kEventCheck : EventKind::kCheck, Checked{count, count, count});
     const auto flaw = std::find_if(report.flaws.begin(), report.flaws.end(),
@@ -563,8 +618,12 @@ void logCheck(Book& book, const CheckReport& report) {
     if (flaw == report.flaws.end()) return;
     Anomaly anomaly;
     anomaly.kind = anomalyOf(flaw->kind);
-    anomaly.text = text::left(flaw->sentence, kLongestText);
-    anomaly.invoice = flaw->invoice;
+    anomaly.text = recordText(flaw->sentence, kLongestEventText);
+    // Whoever changed the record may have put anything there; the sentence tells where it is.
+    if (flaw->invoice && faultOfNumber(flaw->invoice->number).empty() &&
+        flaw->invoice->issuer == book.settings().taxpayer.number) {
+      anomaly.invoice = flaw->invoice;
+    }
     book.log(isOfEvent ? EventKind::kEventAnomaly : EventKind::kAnomaly, std::move(anomaly));
   };
   tell(false, report.records);

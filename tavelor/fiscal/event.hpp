@@ -89,6 +89,8 @@ struct Summary {
   friend bool operator==(const Summary&, const Summary&) = default;
 };
 
+inline constexpr std::size_t kLongestEventText = 100;  // characters
+
 /// One entry of the log (RegistroEvento).
 struct Event {
   System system;

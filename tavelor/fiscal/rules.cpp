@@ -10,6 +10,7 @@
 
 #include "tavelor/platform/fiscal_number.hpp"
 #include "tavelor/platform/text.hpp"
+#include "tavelor/platform/utf8.hpp"
 
 namespace tavelor::fiscal {
 
@@ -46,8 +47,25 @@ std::int64_t centsOf(const std::optional<Amount>& amount) {
   return amount ? amount->cents() : 0;
 }
 
-bool isControl(char c) {
-  return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
+/// Control characters, and the two characters of UTF-8 that no XML may hold.
+bool isControl(char32_t code) {
+  return code < 0x20 || code == 0x7f || code == 0xFFFE || code == 0xFFFF;
+}
+
+/// As given, with a blank for each control character.
+std::string withoutControls(std::string_view given) {
+  std::string clean;
+  clean.reserve(given.size());
+  for (std::size_t i = 0; i < given.size();) {
+    const utf8::Character character = utf8::decode(given, i);
+    if (isControl(character.code)) {
+      clean += ' ';
+    } else {
+      clean += given.substr(i, character.size);
+    }
+    i += character.size;
+  }
+  return clean;
 }
 
 /// Collects sentences.
@@ -69,7 +87,7 @@ class Faults {
 std::string faultOfText(std::string_view what, std::string_view text, std::size_t most) {
   if (text.empty()) return fmt::format("{} is missing", what);
   if (!text::isValidUtf8(text)) return fmt::format("{} is no UTF-8 text", what);
-  if (std::any_of(text.begin(), text.end(), isControl)) {
+  if (withoutControls(text) != text) {
     return fmt::format("{} holds control characters", what);
   }
   if (text::length(text) > most) {
@@ -244,8 +262,7 @@ std::vector<std::string> faultsOf(const Registration& record, Date today) {
 }
 
 std::string recordText(std::string_view given, std::size_t most) {
-  std::string clean(given);
-  std::replace_if(clean.begin(), clean.end(), isControl, ' ');
+  const std::string clean = withoutControls(given);
   return std::string(text::trim(text::left(text::trim(clean), most)));
 }
 

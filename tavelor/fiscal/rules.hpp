@@ -37,8 +37,8 @@ std::string faultOfNumber(std::string_view number);
 /// each. `today` is the last day on which it can have been issued.
 std::vector<std::string> faultsOf(const Registration& record, Date today);
 
-/// A text as a record takes it: without control characters and blanks around it, and no longer
-/// than `most` characters.
+/// A text as records and events take it: without control characters and blanks around it, and no
+/// longer than `most` characters.
 std::string recordText(std::string_view given, std::size_t most);
 
 }  // namespace tavelor::fiscal

@@ -241,6 +241,9 @@ std::string faultOfSeries(std::string_view series) {
     return fmt::format("the series \"{}\" is no name of up to {} plain characters without a slash",
                        series, kLongestSeries);
   }
+  if (series == kSeriesBefore) {
+    return fmt::format("the series {} is that of tickets from before the records", series);
+  }
   return {};
 }
 

@@ -24,7 +24,11 @@ enum class Mode : std::uint8_t {
   kNotSending,  ///< "no-verifactu": signed records and a log of events instead
 };
 
-/// The series of the shop's invoices: a letter or a word each, all different.
+/// Of the tickets' own numbers, which tickets from before the records go by: A/12.
+inline constexpr std::string_view kSeriesBefore = "A";
+
+/// The series of the shop's invoices: a letter or a word each, all different, and none that of
+/// earlier tickets.
 struct Series {
   std::string tickets = "T";
   std::string invoices = "F";    ///< full ones, and those in the place of tickets

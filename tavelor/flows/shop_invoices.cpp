@@ -11,6 +11,8 @@ namespace tavelor::flows {
 
 namespace {
 
+static_assert(kSeries == fiscal::kSeriesBefore);
+
 [[noreturn]] void refuse(const std::string& reference, const std::vector<std::string>& sentences) {
   std::vector<SaleFault> faults;
   for (const std::string& sentence : sentences) faults.push_back({.reason = sentence});

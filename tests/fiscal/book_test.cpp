@@ -191,6 +191,18 @@ TEST_F(LogTest, BeginsWithTheFirstRecordAndIsChainedByItself) {
   EXPECT_EQ(event(2).text, "Copia del lunes");
 }
 
+TEST_F(LogTest, WritesTextsThatXmlMayHold) {
+  documents_->BeginTrans();
+  book_->log(EventKind::kOther, {},
+             " a\x01"
+             "b\tc\xef\xbf\xbf"
+             "d <&> \n");
+  book_->log(EventKind::kOther, {}, std::string(101, 'x'));
+  documents_->CommitTrans();
+  EXPECT_EQ(event(2).text, "a b c d <&>");
+  EXPECT_EQ(event(3).text, std::string(100, 'x'));
+}
+
 TEST_F(LogTest, EndsWhereTheSystemBeginsToSend) {
   sell(1.21);
   use(Mode::kSending);

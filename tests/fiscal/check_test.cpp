@@ -2,17 +2,24 @@
 // A chain that somebody has laid hands on, in each way.
 #include "tavelor/fiscal/check.hpp"
 
+#include <string>
+
 #include <gmock/gmock.h>
+#include <sqlite3.h>
 
 #include "tavelor/fiscal/hash.hpp"
 #include "tavelor/fiscal/record_xml.hpp"
+#include "tavelor/services/apartment.hpp"
+#include "tavelor/services/installation.hpp"
 #include "tests/fiscal/shops.hpp"
+#include "tests/support/engines.hpp"
 
 namespace tavelor::fiscal {
 namespace {
 
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::SizeIs;
 using Kind = Flaw::Kind;
 
@@ -327,6 +334,39 @@ TEST_F(CheckTest, TakesACancellationOffTheTotal) {
   expectFirst(Kind::kTicket, 6, "ticket 6 comes to -1.00, and cancels 2.42");
 }
 
+/// What an editor of database files writes, past all that this system asks of a value.
+void editFile(const Installation& installation, const std::string& statement) {
+  const std::string file = installation.folder() + "/documents.db";
+  sqlite3* database = nullptr;
+  ASSERT_EQ(sqlite3_open(file.c_str(), &database), SQLITE_OK);
+  EXPECT_EQ(sqlite3_exec(database, statement.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+      << sqlite3_errmsg(database);
+  sqlite3_close(database);
+}
+
+TEST_F(CheckTest, NamesARecordWithAValueThatIsNotOfItsColumnsType) {
+  TAVELOR_ONLY_IN_FILES("its columns take nothing else");
+  for (const char* const wrong :
+       {"Numero = 'x'", "Numero = 99999999999", "Ticket = 'x'", "Fecha_Expedicion = 'x'"}) {
+    editFile(shop_.apartment().installation(),
+             std::string("UPDATE Fiscal_Registros SET ") + wrong + " WHERE Posicion = 3");
+    expectFirst(Kind::kChanged, 3, "record 3 was changed: Column ");
+    editFile(shop_.apartment().installation(),
+             "UPDATE Fiscal_Registros SET Numero = 3, Ticket = 3, Fecha_Expedicion = (SELECT "
+             "Fecha_Expedicion FROM Fiscal_Registros WHERE Posicion = 2) WHERE Posicion = 3");
+  }
+  EXPECT_TRUE(check().isWhole());
+}
+
+TEST_F(CheckTest, NamesTheGapOfARecordWhosePlaceIsNone) {
+  TAVELOR_ONLY_IN_FILES("its columns take nothing else");
+  for (const char* const place : {"'x'", "99999999999"}) {
+    editFile(shop_.apartment().installation(),
+             std::string("UPDATE Fiscal_Registros SET Posicion = ") + place + " WHERE Numero = 3");
+    expectFirst(Kind::kRemoved, 3, "what stood at 3 is missing");
+  }
+}
+
 // ---------------------------------------------------------------------------------------------
 // Spans
 
@@ -417,6 +457,17 @@ TEST_F(LogCheckTest, IsToldOfChecksAndOfWhatTheyFind) {
               HasSubstr("<NumSerieFactura>T/1</NumSerieFactura>"));
   EXPECT_EQ(documents("SELECT Tipo FROM Fiscal_Eventos WHERE Posicion = 7"), "05");
   EXPECT_EQ(book_->end().events, 7);
+}
+
+TEST_F(LogCheckTest, TellsOfARecordWhoseNumberIsNoneByTheSentenceAlone) {
+  exchange(1, "<NumSerieFactura>T/1<", "<NumSerieFactura>T&lt;\xef\xbf\xbf<");
+  documents_->BeginTrans();
+  logCheck(*book_, check(*book_));
+  documents_->CommitTrans();
+  const std::string anomaly = documents("SELECT Evento FROM Fiscal_Eventos WHERE Posicion = 6");
+  EXPECT_THAT(anomaly, HasSubstr("record 1, "));
+  EXPECT_THAT(anomaly, Not(HasSubstr("<NumSerieFactura>")));
+  EXPECT_THAT(anomaly, Not(HasSubstr("\xef\xbf\xbf")));
 }
 
 }  // namespace

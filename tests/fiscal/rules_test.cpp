@@ -218,6 +218,22 @@ TEST(RecordRules, WantTextsThatARecordTakes) {
   EXPECT_EQ(recordText("  Ñandú\tSA\n", 120), "Ñandú SA");
   EXPECT_EQ(recordText("Ñandú SA", 6), "Ñandú");
   EXPECT_EQ(recordText(" \x01 ", 6), "");
+  EXPECT_EQ(recordText("A\x7f"
+                       "B \xc3\x91 \xf0\x9f\x98\x80",
+                       120),
+            "A B \xc3\x91 \xf0\x9f\x98\x80");
+}
+
+TEST(RecordRules, TakeNoCharacterThatNoXmlMayHold) {
+  for (const char* const none : {"\xef\xbf\xbe", "\xef\xbf\xbf"}) {
+    EXPECT_EQ(recordText(std::string("Bar") + none + "Rius", 120), "Bar Rius");
+    Registration record = ticket();
+    record.description = std::string("Venta") + none;
+    EXPECT_THAT(faultsOf(record), ElementsAre("the description holds control characters"));
+  }
+  Registration record = ticket();
+  record.description = "Venta \xef\xbf\xbd";
+  EXPECT_THAT(faultsOf(record), IsEmpty());
 }
 
 TEST(RecordRules, CountRates) {

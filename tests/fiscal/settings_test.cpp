@@ -125,5 +125,12 @@ TEST_F(SettingsTest, ThatCannotBeReadAreNamed) {
   EXPECT_EQ(test::errorOf([&] { readSettings(shop_.installation()); }), errors::kPathAccess);
 }
 
+TEST(RecordSettings, TakeNoSeriesThatEarlierTicketsHave) {
+  Settings wrong = test::recordSettings();
+  wrong.series.tickets = "A";
+  EXPECT_THAT(faultsOf(wrong),
+              ElementsAre("the series A is that of tickets from before the records"));
+}
+
 }  // namespace
 }  // namespace tavelor::fiscal
