@@ -88,8 +88,11 @@ PyObject* openApartment(PyTypeObject* type, PyObject* arguments, PyObject* /*nam
   tavelor_apartment* handle = nullptr;
   const bool opened = doneAnywhere(
       [&](tavelor_error** error) { return tavelor_apartment_open(installation, &handle, error); });
-  Ref made(opened ? type->tp_alloc(type, 0) : nullptr);
+  Ref folder(opened ? PyUnicode_DecodeFSDefault(tavelor_installation_folder(installation))
+                    : nullptr);
+  Ref made(folder ? type->tp_alloc(type, 0) : nullptr);
   if (made) {
+    apartmentOf(made.get())->folder = folder.release();
     apartmentOf(made.get())->handle = handle;
     apartmentOf(made.get())->process = processGeneration;
   } else {
@@ -139,6 +142,7 @@ int clear(PyObject* self) {
   Py_CLEAR(apartmentOf(self)->prompts);
   Py_CLEAR(apartmentOf(self)->raised);
   Py_CLEAR(apartmentOf(self)->typed);
+  Py_CLEAR(apartmentOf(self)->folder);
   return 0;
 }
 
@@ -223,6 +227,10 @@ PyObject* isClosed(PyObject* self, void* /*none*/) {
   return PyBool_FromLong(apartmentOf(self)->handle == nullptr ? 1 : 0);
 }
 
+PyObject* folderOf(PyObject* self, void* /*none*/) {
+  return Py_NewRef(apartmentOf(self)->folder);
+}
+
 PyMethodDef apartmentMethods[] = {{"close", close, METH_NOARGS, nullptr},
                                   {"now", now, METH_NOARGS, nullptr},
                                   {"fix_clock", fixClock, METH_O, nullptr},
@@ -242,6 +250,7 @@ PyMethodDef apartmentMethods[] = {{"close", close, METH_NOARGS, nullptr},
                                   {"reconcile", reconcile, METH_O, nullptr},
                                   {nullptr, nullptr, 0, nullptr}};
 PyGetSetDef apartmentProperties[] = {{"closed", isClosed, nullptr, nullptr, nullptr},
+                                     {"folder", folderOf, nullptr, nullptr, nullptr},
                                      {nullptr, nullptr, nullptr, nullptr, nullptr}};
 PyType_Slot apartmentSlots[] = {{Py_tp_new, slot(openApartment)},
                                 {Py_tp_dealloc, slot(dealloc)},

@@ -13,6 +13,7 @@ struct Apartment {
   PyObject head;
   tavelor_apartment* handle;  ///< none once it is closed
   tavelor_shop* shop;         ///< its flows, opened when first wanted
+  PyObject* folder;           ///< of the installation
   PyObject* prompts;          ///< who answers prompts, or none
   PyObject* typed;            ///< the last answer to an input, or none
   PyObject* raised;           ///< exception of a handler, which the call at hand ends with

@@ -52,6 +52,12 @@ def classes():
     return _native.class_names()
 
 
+def doubled_quotes(text):
+    """The text for a member that writes the quotes around it itself, as those that find or make by a text do:
+    CrearBanco("", doubled_quotes("Caixa d'Urgell")). Values of question marks need none."""
+    return text.replace("'", "''")
+
+
 def __getattr__(name):
     """A class by its name (tavelor.ClsBancos), or what a member gives (tavelor.clsArticulos_GetDatos)."""
     if name.startswith("__"):

@@ -7,7 +7,7 @@ import decimal
 
 from tavelor import _native
 from tavelor.constants import BOOLEAN, BYTE, BYTES, DATE, DOUBLE, INT16, INT32, MEMO, MONEY, READ_ONLY, SINGLE, TEXT
-from tavelor.errors import ArgumentError
+from tavelor.errors import _made
 
 Column = collections.namedtuple("Column", "name base_table type width precision attributes", module="tavelor")
 Column.__doc__ = """A column of a record set: its type is one of tavelor.INT32, TEXT...; bits of attributes are
@@ -201,7 +201,9 @@ class Recordset(_native.Recordset):
         missing = [name for name in names if str(name).casefold() not in places]
         if missing:
             known = ", ".join(column[0] for column in columns)
-            raise ArgumentError(f"numpy: there is no column {missing[0]!r}; there are {known}")
+            raise _made(
+                3265, 2, "Recordset", f"There is no column {missing[0]!r}", f"there are {known}", "", "", (), -1, 0, 0, 0
+            )
         return [places[name.casefold()] for name in names]
 
     def pandas(self, *names, money="float"):

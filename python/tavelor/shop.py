@@ -140,6 +140,11 @@ class Shop:
         """Whether it is."""
         return self._apartment.closed
 
+    @property
+    def folder(self):
+        """Full path of the installation."""
+        return self._apartment.folder
+
     # ---- Statements
 
     def connection(self, database="main"):
