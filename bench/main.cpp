@@ -41,6 +41,9 @@ constexpr std::array kWorks{
     Work{"years", tavelor::bench::measureYears},
     Work{"storage", tavelor::bench::measureStorage},
     Work{"server", tavelor::bench::measureServer},
+#ifdef TAVELOR_BENCH_C
+    Work{"c", tavelor::bench::measureC},
+#endif
 #ifdef TAVELOR_BENCH_QT
     Work{"qt", tavelor::bench::measureQt},
 #endif

@@ -40,6 +40,10 @@ void measureYears(Report& report, const Scale& scale);
 void measureStorage(Report& report, const Scale& scale);
 /// Sales, rows, articles and tills at once over a server.
 void measureServer(Report& report, const Scale& scale);
+#ifdef TAVELOR_BENCH_C
+/// Calls and rows through the C interface.
+void measureC(Report& report, const Scale& scale);
+#endif
 #ifdef TAVELOR_BENCH_QT
 /// The same works over a widget toolkit's table model.
 void measureQt(Report& report, const Scale& scale);

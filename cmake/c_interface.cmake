@@ -16,7 +16,7 @@ set(tables ${PROJECT_BINARY_DIR}/c/documentation_tables.cpp)
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/c)
 set(reader ${PROJECT_SOURCE_DIR}/tavelor/c/documentation.awk)
 add_custom_command(OUTPUT ${tables}
-  COMMAND awk -v to=${tables}.new -f ${reader} ${documented}
+  COMMAND ${CMAKE_COMMAND} -E env LC_ALL=C awk -v to=${tables}.new -f ${reader} ${documented}
   COMMAND ${CMAKE_COMMAND} -E copy_if_different ${tables}.new ${tables}
   DEPENDS ${documented} ${reader}
   COMMENT "Reading the comments of the public headers for the C interface"

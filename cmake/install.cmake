@@ -23,6 +23,15 @@ foreach(part IN ITEMS signing sending)
   install(TARGETS tavelor_${part}_library EXPORT Tavelor_${part}_targets)
   install(EXPORT Tavelor_${part}_targets NAMESPACE Tavelor:: DESTINATION ${package_folder})
 endforeach()
+# The C interface needs nothing to be built with: find_package(Tavelor COMPONENTS c), or pkg-config.
+if(TARGET tavelor_c_library)
+  install(FILES tavelor/c/tavelor.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(TARGETS tavelor_c_library EXPORT Tavelor_c_targets)
+  install(EXPORT Tavelor_c_targets NAMESPACE Tavelor:: DESTINATION ${package_folder})
+  file(RELATIVE_PATH TAVELOR_PC_TO_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+  configure_file(cmake/tavelor-c.pc.in ${PROJECT_BINARY_DIR}/tavelor-c.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/tavelor-c.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endif()
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/TavelorConfigVersion.cmake
   COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/TavelorConfig.cmake ${PROJECT_BINARY_DIR}/TavelorConfigVersion.cmake

@@ -97,8 +97,7 @@ std::string criteriaOf(const char* criteria, const tavelor_value* values, std::s
                        const Room& room) {
   std::string joined;
   splice(
-      text(criteria, "criteria"), values, count, room,
-      [&](std::string_view own) { joined += own; },
+      text(criteria, "criteria"), values, count, room, [&](std::string_view own) { joined += own; },
       [&](const Variant& value) { joined += sqlLiteral(value).text(); });
   return joined;
 }

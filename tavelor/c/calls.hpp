@@ -100,9 +100,11 @@ void requireOneOf(std::int32_t given, std::string_view name, Choices... choices)
 /// What a value holds. Raises 5 for a type that there is not, 13 for a text that is no UTF-8, 424
 /// and 5 for an object that is no handle, or of another apartment than `room`.
 Variant variantOf(const tavelor_value& value, const Room& room);
+/// The same, made where it is to stay.
+void append(std::vector<Variant>& variants, const tavelor_value& value, const Room& room);
 /// Puts a variant into a value, whose old contents are the caller's matter. An object gets a handle
 /// of `room`.
-void put(tavelor_value& value, Variant variant, const std::shared_ptr<Room>& room);
+void put(tavelor_value& value, const Variant& variant, const std::shared_ptr<Room>& room);
 /// A text that the value owns.
 void putText(tavelor_value& value, std::string_view text);
 

@@ -39,9 +39,9 @@ class Cell {
   /// Raises 3421 unless the column is of a type that fits, 94 for Null where nobody is told.
   bool isNull(bool fits, std::string_view wanted, std::int32_t* is_null) const {
     if (!fits) {
-      tavelor::raise(tavelor::errors::kWrongType, kSource,
-                     named() + " holds " + std::string(kindOf(type())) + ", not " +
-                         std::string(wanted));
+      tavelor::raise(
+          tavelor::errors::kWrongType, kSource,
+          named() + " holds " + std::string(kindOf(type())) + ", not " + std::string(wanted));
     }
     const bool null =
         changed_ ? changed_->isNull() || changed_->isEmpty() : reader_.isNull(column_);
@@ -209,14 +209,14 @@ tavelor_status tavelor_recordset_read(tavelor_object* recordset, int64_t first, 
     targets.reserve(count);
     for (size_t i = 0; i < count; ++i) {
       const tavelor_column_buffer& buffer = sized(&buffers[i], "buffers");
-      targets.push_back({.column = buffer.column < 0 ? SIZE_MAX
-                                                     : static_cast<std::size_t>(buffer.column),
-                         .as = static_cast<tavelor::CellLayout>(buffer.as),
-                         .values = buffer.values,
-                         .validity = buffer.validity,
-                         .offsets = buffer.offsets,
-                         .bytes = buffer.bytes,
-                         .capacity = buffer.capacity});
+      targets.push_back(
+          {.column = buffer.column < 0 ? SIZE_MAX : static_cast<std::size_t>(buffer.column),
+           .as = static_cast<tavelor::CellLayout>(buffer.as),
+           .values = buffer.values,
+           .validity = buffer.validity,
+           .offsets = buffer.offsets,
+           .bytes = buffer.bytes,
+           .capacity = buffer.capacity});
     }
     const std::int64_t got = tavelor::readBlock(set, first, rows, targets);
     for (size_t i = 0; i < count; ++i) {

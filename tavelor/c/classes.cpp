@@ -171,11 +171,8 @@ tavelor_status tavelor_member_parameter(const tavelor_member* member, size_t ind
     } else {
       put(byDefault, of.byDefault, nullptr);
     }
-    out = {sizeof out,
-           of.name.c_str(),
-           of.type.c_str(),
-           static_cast<std::int32_t>(of.direction),
-           of.optional ? 1 : 0,
-           byDefault};
+    out = {sizeof out,          of.name.c_str(),
+           of.type.c_str(),     static_cast<std::int32_t>(of.direction),
+           of.optional ? 1 : 0, byDefault};
   });
 }

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Connections and their transactions.
-#include "tavelor/services/recordset/connection.hpp"
-
 #include "tavelor/c/calls.hpp"
 #include "tavelor/c/statements.hpp"
+#include "tavelor/services/recordset/connection.hpp"
 
 using namespace tavelor::c;
 

@@ -2,13 +2,21 @@
 # Writes the comments of the public headers as the tables of documentation.hpp: of each class its own
 # and that of each of its members, overloads joined. A heading "// ---- X. More" above members is
 # told with each of them where it says more than a title.
-#   awk -v to=documentation_tables.cpp -f documentation.awk HEADER...
+#   LC_ALL=C awk -v to=documentation_tables.cpp -f documentation.awk HEADER...
 BEGIN { classes = members = 0 }
 FNR == 1 { class = ""; comment = ""; declaration = ""; heading = "" }
 
 function quoted(text) {
   gsub(/["\\]/, "\\\\&", text); gsub(/\n/, "\\n", text)
   return "\"" text "\""
+}
+# The class behind ": public", and behind it the one that it is a template of, if that is one.
+function basesIn(line,    base, frame) {
+  if (!match(line, /: public [A-Za-z0-9_]+/)) return ""
+  base = substr(line, RSTART + 9, RLENGTH - 9)
+  frame = substr(line, RSTART + RLENGTH)
+  if (match(frame, /^<[A-Za-z0-9_]+>/)) base = base " " substr(frame, 2, RLENGTH - 2)
+  return base
 }
 # A paragraph's lines are one; an empty line begins another.
 function add(text,    line) {
@@ -32,11 +40,13 @@ function keep(name,    told) {
 /^(class|struct) / && !/;$/ {
   line = $0; sub(/^(class|struct) (TAVELOR_API )?/, "", line)
   name = line; sub(/[^A-Za-z0-9_].*/, "", name)
-  base = ""; if (match(line, /: public [A-Za-z0-9_]+/)) base = substr(line, RSTART + 9, RLENGTH - 9)
   class = name; heading = ""
-  names[classes] = name; bases[classes] = base; told[classes++] = comment
+  names[classes] = name; bases[classes] = basesIn(line); told[classes++] = comment
   comment = ""; next
 }
+/^template / && class == "" { next }
+# Bases that a class's own line has no room for.
+/^    : public / && bases[classes - 1] == "" { bases[classes - 1] = basesIn($0); next }
 /^}/ { class = ""; comment = ""; next }
 class == "" { comment = ""; next }
 # A declaration of the class itself begins two blanks in; what is deeper goes on or is inside of one.
@@ -51,7 +61,7 @@ class == "" { comment = ""; next }
   sub(/^[^(]*operator.*/, "", name)
   if (match(name, /\(/)) name = substr(name, 1, RSTART - 1)
   sub(/[;{=].*/, "", name); sub(/[ \t]+$/, "", name)
-  sub(/.*[^A-Za-z0-9_]/, "", name)
+  sub(/.*[^A-Za-z0-9_\200-\377]/, "", name)
   keep(name)
   declaration = ""
 }

@@ -2,6 +2,7 @@
 // Finds the comments of the public headers.
 #include "tavelor/c/documentation.hpp"
 
+#include <algorithm>
 #include <map>
 #include <span>
 #include <utility>
@@ -45,10 +46,16 @@ const char* documentationOf(std::string_view className) {
 }
 
 const char* documentationOf(std::string_view className, std::string_view member) {
-  for (std::string_view of = className; !of.empty();) {
-    if (const char* const told = ofMember(of, member)) return told;
-    const DocumentedClass* const found = classCalled(of);
-    of = found == nullptr ? std::string_view() : found->base;
+  // The only member that C++ calls otherwise.
+  if (className == "Recordset" && member == "Connect") member = "ActiveConnection";
+  if (const char* const told = ofMember(className, member)) return told;
+  const DocumentedClass* const found = classCalled(className);
+  std::string_view bases = found == nullptr ? std::string_view() : found->bases;
+  while (!bases.empty()) {
+    const std::size_t end = std::min(bases.find(' '), bases.size());
+    if (const char* told = documentationOf(bases.substr(0, end), member); *told != '\0')
+      return told;
+    bases.remove_prefix(std::min(end + 1, bases.size()));
   }
   return "";
 }

@@ -9,7 +9,7 @@ namespace tavelor::c {
 /// A class of the headers.
 struct DocumentedClass {
   std::string_view name;
-  std::string_view base;      ///< that it is derived from; "" for none
+  std::string_view bases;     ///< that it is derived from, a blank between them; "" for none
   const char* documentation;  ///< a paragraph a line
 };
 /// A member of one.

@@ -12,10 +12,20 @@ namespace tavelor::c {
 // ---------------------------------------------------------------------------------------------
 // A room
 
-Room::Room(std::shared_ptr<Installation> installation)
-    : thread_(pthread_self()), apartment_(std::make_unique<Apartment>(std::move(installation))) {}
+std::atomic<std::size_t> Room::open_ = 0;
 
-Room::~Room() = default;
+Room::Room(std::shared_ptr<Installation> installation)
+    : thread_(pthread_self()), apartment_(std::make_unique<Apartment>(std::move(installation))) {
+  open_.fetch_add(1, std::memory_order_relaxed);
+}
+
+Room::~Room() {
+  if (apartment_ != nullptr) open_.fetch_sub(1, std::memory_order_relaxed);
+}
+
+bool Room::isCovered() const {
+  return open_.load(std::memory_order_relaxed) > 1 && Apartment::find() != apartment_.get();
+}
 
 void Room::raiseUnusable() const {
   if (apartment_ == nullptr) raise(errors::kObjectNotSet, kSource, "The apartment has ended");
@@ -66,7 +76,7 @@ bool Room::end() noexcept {
   }
   {
     std::optional<Apartment::Scope> scope;
-    if (!isOfOther() && Apartment::find() != apartment_.get()) scope.emplace(*apartment_);
+    if (!isOfOther() && isCovered()) scope.emplace(*apartment_);
     for (Held* held : left) delete held;
     // What was made last may lean on what was made before.
     while (newest_ != nullptr) {
@@ -77,6 +87,7 @@ bool Room::end() noexcept {
     }
   }
   apartment_.reset();
+  open_.fetch_sub(1, std::memory_order_relaxed);
   return true;
 }
 
@@ -113,7 +124,7 @@ Held::~Held() {
 Inside::Inside(Room& room) : room_(room) {
   room.requireUsable();
   if (room.depth_ == 0 && room.hasLeft_.load(std::memory_order_acquire)) room.deleteLeft();
-  if (Apartment::find() != room.apartment_.get()) scope_.emplace(*room.apartment_);
+  if (room.isCovered()) scope_.emplace(*room.apartment_);
   ++room.depth_;
 }
 

@@ -2,8 +2,6 @@
 // What stands behind the handles of the C interface.
 #pragma once
 
-#include <pthread.h>
-
 #include <atomic>
 #include <cstdint>
 #include <list>
@@ -12,6 +10,8 @@
 #include <optional>
 #include <string>
 #include <vector>
+
+#include <pthread.h>
 
 #include "tavelor/c/tavelor.h"
 #include "tavelor/platform/variant.hpp"
@@ -89,7 +89,12 @@ class Room : public std::enable_shared_from_this<Room> {
   friend class Inside;
 
   [[noreturn]] void raiseUnusable() const;
+  /// Whether another apartment of the thread is bound over it. Where there is one in all, none is:
+  /// nobody else makes them in this library, and to look costs as much as a call.
+  bool isCovered() const;
   void deleteLeft() noexcept;
+
+  static std::atomic<std::size_t> open_;  // rooms that have not ended
 
   const pthread_t thread_;
   std::unique_ptr<Apartment> apartment_;  // null once it has ended

@@ -59,8 +59,10 @@ class Prompts final : public tavelor::PromptHandler {
 
  private:
   tavelor_prompt ask(std::int32_t kind, const tavelor::Prompt& of, std::int32_t severity = 0) {
-    tavelor_prompt prompt{sizeof prompt,    kind, severity, of.text.c_str(), of.title.c_str(),
-                          /*answer=*/0, /*input=*/nullptr};
+    tavelor_prompt prompt{sizeof prompt,    kind,
+                          severity,         of.text.c_str(),
+                          of.title.c_str(),
+                          /*answer=*/0,     /*input=*/nullptr};
     const tavelor_status raised = handler_(user_, &prompt);
     if (raised != 0) {
       tavelor::raise(raised, "Prompt", "The program's handler of prompts has failed");
@@ -105,9 +107,9 @@ tavelor_status tavelor_installation_open(const char* path, tavelor_installation*
     if (where.filename() == tavelor::Installation::kSettingsFile) where = where.parent_path();
     // What a file's name alone lies in is the current folder.
     if (where.empty() && *path != '\0') where = ".";
-    *installation = std::make_unique<tavelor_installation>(
-                        tavelor::Installation::open(where.string()))
-                        .release();
+    *installation =
+        std::make_unique<tavelor_installation>(tavelor::Installation::open(where.string()))
+            .release();
   });
 }
 

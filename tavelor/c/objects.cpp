@@ -26,8 +26,7 @@ tavelor_object::tavelor_object(std::shared_ptr<tavelor::c::Room> room, tavelor::
     : Held(tavelor::c::Kind::kObject, std::move(room)),
       object(std::move(held)),
       recordset(dynamic_cast<tavelor::Recordset*>(object.get())),
-      connection(recordset != nullptr ? nullptr
-                                      : dynamic_cast<tavelor::Connection*>(object.get())),
+      connection(recordset != nullptr ? nullptr : dynamic_cast<tavelor::Connection*>(object.get())),
       of(recordset != nullptr    ? classOfRecordsets()
          : connection != nullptr ? classOfConnections()
                                  : tavelor::c::classCalled(object->typeName())) {}
@@ -54,9 +53,22 @@ void writeBack(const tavelor::Member& slot, std::span<tavelor::Variant> values,
       continue;
     }
     tavelor_value written;
-    put(written, std::move(values[i]), room);
+    put(written, values[i], room);
     tavelor_value_clear(&argument);
     argument = written;
+  }
+}
+
+/// Runs the member. What it wrote before it failed is given back too.
+tavelor::Variant run(tavelor_object& object, const tavelor::Component& component,
+                     const tavelor::Member& slot, std::vector<tavelor::Variant>& values,
+                     tavelor_value* arguments, std::size_t count) {
+  try {
+    return component.call(*object.object, slot, values);
+  } catch (...) {
+    writeBack(slot, values, arguments, std::min(count, slot.parameters.size()),
+              object.sharedRoom());
+    throw;
   }
 }
 
@@ -70,18 +82,10 @@ void call(tavelor_object& object, const tavelor::Component& component, const tav
     std::vector<tavelor::Variant>& values;
     ~Emptied() { values.clear(); }
   } const emptied{values};
-  for (std::size_t i = 0; i < count; ++i) values.push_back(variantOf(arguments[i], *room));
-  tavelor::Variant given;
-  try {
-    given = component.call(*object.object, slot, values);
-  } catch (...) {
-    writeBack(slot, values, arguments, std::min(count, slot.parameters.size()), room);
-    throw;
-  }
-  tavelor_value answer;
-  if (result != nullptr) put(answer, std::move(given), room);
+  for (std::size_t i = 0; i < count; ++i) append(values, arguments[i], *room);
+  const tavelor::Variant given = run(object, component, slot, values, arguments, count);
   writeBack(slot, values, arguments, count, room);
-  if (result != nullptr) *result = answer;
+  if (result != nullptr) put(*result, given, room);
 }
 
 const tavelor_class& classOf(const tavelor_object& object) {

@@ -33,8 +33,7 @@ tavelor_status tavelor_recordset_open(tavelor_object* connection, const char* st
     const tavelor_object& over = asConnection(connection);
     const Inside inside(over.room());
     output(recordset, "recordset");
-    requireOneOf(lock, "lock", TAVELOR_LOCK_READ_ONLY, TAVELOR_LOCK_OPTIMISTIC,
-                 TAVELOR_LOCK_BATCH);
+    requireOneOf(lock, "lock", TAVELOR_LOCK_READ_ONLY, TAVELOR_LOCK_OPTIMISTIC, TAVELOR_LOCK_BATCH);
     auto set = std::make_shared<Recordset>();
     set->LockType(static_cast<tavelor::LockType>(lock));
     set->Open(statementOf(statement, values, count, over.room()),
@@ -74,9 +73,9 @@ tavelor_status tavelor_recordset_clone(tavelor_object* recordset, int32_t read_o
                                        tavelor_object** clone, tavelor_error** error) {
   return onRecordset(recordset, error, [&](Recordset& set, tavelor_object& object) {
     output(clone, "clone");
-    *clone = newObject(object.sharedRoom(),
-                       set.Clone(read_only != 0 ? tavelor::LockType::kReadOnly
-                                                : tavelor::LockType::kUnspecified));
+    *clone = newObject(
+        object.sharedRoom(),
+        set.Clone(read_only != 0 ? tavelor::LockType::kReadOnly : tavelor::LockType::kUnspecified));
   });
 }
 
@@ -107,7 +106,7 @@ tavelor_status tavelor_recordset_column(tavelor_object* recordset, int32_t index
     Recordset& set = *asRecordset(recordset).recordset;
     tavelor_column& out = sized(column, "column");
     const tavelor::Field field = set.Field(index);
-    out = {sizeof out,        field.Name().c_str(), field.BaseTable().c_str(), field.Type(),
+    out = {sizeof out,          field.Name().c_str(), field.BaseTable().c_str(), field.Type(),
            field.DefinedSize(), field.Precision(),    field.Attributes()};
   });
 }
@@ -164,9 +163,8 @@ tavelor_status tavelor_recordset_where(tavelor_object* recordset, int32_t* bof, 
 
 tavelor_status tavelor_recordset_set_position(tavelor_object* recordset, int32_t position,
                                               tavelor_error** error) {
-  return onRecordset(recordset, error, [&](Recordset& set, tavelor_object&) {
-    set.AbsolutePosition(position);
-  });
+  return onRecordset(recordset, error,
+                     [&](Recordset& set, tavelor_object&) { set.AbsolutePosition(position); });
 }
 
 tavelor_status tavelor_recordset_bookmark(tavelor_object* recordset, double* bookmark,
@@ -213,9 +211,8 @@ tavelor_status tavelor_recordset_filter_bookmarks(tavelor_object* recordset,
 
 tavelor_status tavelor_recordset_sort(tavelor_object* recordset, const char* order,
                                       tavelor_error** error) {
-  return onRecordset(recordset, error, [&](Recordset& set, tavelor_object&) {
-    set.Sort(text(order, "order"));
-  });
+  return onRecordset(recordset, error,
+                     [&](Recordset& set, tavelor_object&) { set.Sort(text(order, "order")); });
 }
 
 tavelor_status tavelor_recordset_view(tavelor_object* recordset, const char** filter,
@@ -232,9 +229,9 @@ tavelor_status tavelor_recordset_find(tavelor_object* recordset, const char* cri
                                       const tavelor_value* values, size_t count, int32_t skip,
                                       int32_t backward, int32_t* found, tavelor_error** error) {
   return onRecordset(recordset, error, [&](Recordset& set, tavelor_object& object) {
-    set.Find(criteriaOf(criteria, values, count, object.room()), skip,
-             backward != 0 ? tavelor::SearchDirection::kBackward
-                           : tavelor::SearchDirection::kForward);
+    set.Find(
+        criteriaOf(criteria, values, count, object.room()), skip,
+        backward != 0 ? tavelor::SearchDirection::kBackward : tavelor::SearchDirection::kForward);
     tellWhetherOnRow(found, set);
   });
 }

@@ -259,18 +259,17 @@ tavelor_status tavelor_shop_recover(tavelor_shop* shop, int32_t decision,
                                         ? flows::Decision::kFollowTickets
                                     : decision == TAVELOR_KEEP ? flows::Decision::kKeep
                                                                : flows::Decision::kNone;
-    const flows::Recovered found = decision == TAVELOR_DECIDE_NOTHING
-                                       ? of.shop->recover()
-                                       : of.shop->recoverAll(decided);
+    const flows::Recovered found =
+        decision == TAVELOR_DECIDE_NOTHING ? of.shop->recover() : of.shop->recoverAll(decided);
     if (recovered == nullptr) return;
-    *recovered = {sizeof *recovered,        found.sales.size(),     found.closings.size(),
-                  found.rewritten.size(),   found.takenBack.size(), found.kept.size(),
+    *recovered = {sizeof *recovered,      found.sales.size(),     found.closings.size(),
+                  found.rewritten.size(), found.takenBack.size(), found.kept.size(),
                   found.undecided.size()};
   });
 }
 
-tavelor_status tavelor_ticket_text(tavelor_apartment* apartment, double ticket,
-                                   tavelor_value* text, tavelor_error** error) {
+tavelor_status tavelor_ticket_text(tavelor_apartment* apartment, double ticket, tavelor_value* text,
+                                   tavelor_error** error) {
   return inApartment(apartment, error, [&](const std::shared_ptr<Room>&) {
     output(text, "text");
     putPaper(text, flows::ticketText(ticket));
@@ -299,16 +298,15 @@ tavelor_status tavelor_transaction_begin(tavelor_shop* shop, tavelor_transaction
 tavelor_status tavelor_transaction_connections(tavelor_transaction* transaction,
                                                tavelor_object** main, tavelor_object** documents,
                                                tavelor_error** error) {
-  return onHeld(transaction, Kind::kTransaction, "transaction", error,
-                [&](tavelor_transaction& of) {
-                  const auto given = [&](const tavelor::ConnectionPtr& connection) {
-                    return newObject(of.sharedRoom(), connection);
-                  };
-                  tavelor_object* const first =
-                      main == nullptr ? nullptr : given(of.transaction->main());
-                  if (documents != nullptr) *documents = given(of.transaction->documents());
-                  if (main != nullptr) *main = first;
-                });
+  return onHeld(
+      transaction, Kind::kTransaction, "transaction", error, [&](tavelor_transaction& of) {
+        const auto given = [&](const tavelor::ConnectionPtr& connection) {
+          return newObject(of.sharedRoom(), connection);
+        };
+        tavelor_object* const first = main == nullptr ? nullptr : given(of.transaction->main());
+        if (documents != nullptr) *documents = given(of.transaction->documents());
+        if (main != nullptr) *main = first;
+      });
 }
 
 tavelor_status tavelor_transaction_commit(tavelor_transaction* transaction, tavelor_error** error) {

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Values on their way in and out.
-#include <fmt/format.h>
-
 #include <charconv>
 #include <cstdlib>
 #include <limits>
 #include <new>
+
+#include <fmt/format.h>
 
 #include "tavelor/c/calls.hpp"
 #include "tavelor/platform/locale.hpp"
@@ -23,7 +23,7 @@ char* copied(const void* data, std::size_t size) {
   return copy;
 }
 
-Variant objectIn(tavelor_object* given, const Room& room) {
+const ObjectPtr& objectIn(tavelor_object* given, const Room& room) {
   const tavelor_object& object = asObject(given);
   if (&object.room() != &room) {
     raise(errors::kInvalidCall, kSource,
@@ -31,6 +31,48 @@ Variant objectIn(tavelor_object* given, const Room& room) {
                       object.object ? object.object->typeName() : std::string("object")));
   }
   return object.object;
+}
+
+/// Hands what a value holds to `take`, as what it is.
+template <typename Take>
+auto read(const tavelor_value& value, const Room& room, Take&& take) {
+  switch (value.type) {
+    case TAVELOR_EMPTY:
+      return take(Empty{});
+    case TAVELOR_NULL:
+      return take(Null{});
+    case TAVELOR_BOOLEAN:
+      return take(value.as.boolean != 0);
+    case TAVELOR_INT16:
+      return take(value.as.int16);
+    case TAVELOR_INT32:
+      return take(value.as.int32);
+    case TAVELOR_INT64:
+      return take(std::int64_t{value.as.int64});
+    case TAVELOR_SINGLE:
+      return take(value.as.single);
+    case TAVELOR_DOUBLE:
+      return take(value.as.number);
+    case TAVELOR_MONEY:
+      return take(Currency::fromScaled(value.as.money));
+    case TAVELOR_DATE:
+      return take(Date(value.as.date));
+    case TAVELOR_TEXT: {
+      requireList(value.as.text.data, value.as.text.size, "a value's text");
+      const std::string_view text(value.as.text.data, value.as.text.size);
+      requireUtf8(text, "a value's text");
+      return take(text);
+    }
+    case TAVELOR_BYTES: {
+      requireList(value.as.bytes.data, value.as.bytes.size, "a value's bytes");
+      const auto* data = static_cast<const std::byte*>(value.as.bytes.data);
+      return take(Bytes(data, data + value.as.bytes.size));
+    }
+    case TAVELOR_OBJECT:
+      return take(objectIn(value.as.object, room));
+    default:
+      raise(errors::kInvalidCall, kSource, fmt::format("A value has the type {}", value.type));
+  }
 }
 
 Variant converted(const Variant& from, std::int32_t type, const Locale& locale) {
@@ -59,43 +101,12 @@ Variant converted(const Variant& from, std::int32_t type, const Locale& locale) 
 }  // namespace
 
 Variant variantOf(const tavelor_value& value, const Room& room) {
-  switch (value.type) {
-    case TAVELOR_EMPTY:
-      return Empty{};
-    case TAVELOR_NULL:
-      return Null{};
-    case TAVELOR_BOOLEAN:
-      return value.as.boolean != 0;
-    case TAVELOR_INT16:
-      return value.as.int16;
-    case TAVELOR_INT32:
-      return value.as.int32;
-    case TAVELOR_INT64:
-      return std::int64_t{value.as.int64};
-    case TAVELOR_SINGLE:
-      return value.as.single;
-    case TAVELOR_DOUBLE:
-      return value.as.number;
-    case TAVELOR_MONEY:
-      return Currency::fromScaled(value.as.money);
-    case TAVELOR_DATE:
-      return Date(value.as.date);
-    case TAVELOR_TEXT: {
-      requireList(value.as.text.data, value.as.text.size, "a value's text");
-      const std::string_view text(value.as.text.data, value.as.text.size);
-      requireUtf8(text, "a value's text");
-      return text;
-    }
-    case TAVELOR_BYTES: {
-      requireList(value.as.bytes.data, value.as.bytes.size, "a value's bytes");
-      const auto* data = static_cast<const std::byte*>(value.as.bytes.data);
-      return Bytes(data, data + value.as.bytes.size);
-    }
-    case TAVELOR_OBJECT:
-      return objectIn(value.as.object, room);
-    default:
-      raise(errors::kInvalidCall, kSource, fmt::format("A value has the type {}", value.type));
-  }
+  return read(value, room, [](auto&& held) { return Variant(std::forward<decltype(held)>(held)); });
+}
+
+void append(std::vector<Variant>& variants, const tavelor_value& value, const Room& room) {
+  read(value, room,
+       [&](auto&& held) { variants.emplace_back(std::forward<decltype(held)>(held)); });
 }
 
 void putText(tavelor_value& value, std::string_view text) {
@@ -104,7 +115,7 @@ void putText(tavelor_value& value, std::string_view text) {
   value.owned = 1;
 }
 
-void put(tavelor_value& value, Variant variant, const std::shared_ptr<Room>& room) {
+void put(tavelor_value& value, const Variant& variant, const std::shared_ptr<Room>& room) {
   switch (variant.type()) {
     case VariantType::kEmpty:
       value = tavelor_of_empty();
@@ -203,10 +214,9 @@ tavelor_status tavelor_money_from_text(const char* text, int64_t* money, tavelor
     if (negative || digits.starts_with('+')) digits.remove_prefix(1);
     const std::size_t point = std::min(digits.find('.'), digits.size());
     const std::string_view decimals = digits.substr(std::min(point + 1, digits.size()));
-    const bool isNumber =
-        digits.find_first_not_of("0123456789.") == std::string_view::npos &&
-        decimals.find('.') == std::string_view::npos && decimals.size() <= kDecimals &&
-        point + decimals.size() > 0;
+    const bool isNumber = digits.find_first_not_of("0123456789.") == std::string_view::npos &&
+                          decimals.find('.') == std::string_view::npos &&
+                          decimals.size() <= kDecimals && point + decimals.size() > 0;
     if (!isNumber) {
       tavelor::raise(
           tavelor::errors::kTypeMismatch, kSource,

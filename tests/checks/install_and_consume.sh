@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 # install_and_consume.sh BUILD_DIR COMPILER BUILD_TYPE: installs to a scratch folder, then builds
 # and runs tests/consumer on both libraries, with all installed headers included and nothing of this
-# tree; and the till of the examples, on the flows.
+# tree; the till of the examples, on the flows; and the day in C, which sees nothing but the C interface.
 source "$(dirname "$0")/../../scripts/lib/common.sh"
 
 scratch=$(mktemp -d)
@@ -23,4 +23,21 @@ for program in "$scratch"/build/with_*; do
 done
 [[ $built -gt 0 ]]
 (cd "$scratch" && build/till | diff "$OLDPWD/examples/080-a-till.txt" -)
+# A project in C, and a line of the compiler.
+libraries=$(find "$scratch/usr" -name 'libtavelor_c.so' -printf '%h')
+if [[ -n $libraries ]]; then
+  cp -r tests/consumer/c "$scratch/in_c"
+  cp examples/090-a-day-in-c.c "$scratch/in_c/day.c"
+  cmake -S "$scratch/in_c" -B "$scratch/build_c" -G Ninja -DCMAKE_PREFIX_PATH="$scratch/usr" --log-level=WARNING
+  cmake --build "$scratch/build_c"
+  PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --print-errors --exists tavelor-c
+  read -r -a flags < <(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs tavelor-c)
+  # The sanitizers of a build are not in its installed files.
+  "${CC:-cc}" -std=c11 -Wall -Wextra -Wpedantic -Werror "$scratch/in_c/day.c" "${flags[@]}" -o "$scratch/build_c/by_hand"
+  for program in day by_hand; do
+    mkdir "$scratch/day_of_$program"
+    (cd "$scratch/day_of_$program" && LD_LIBRARY_PATH=$libraries "$scratch/build_c/$program") |
+      diff examples/090-a-day-in-c.txt -
+  done
+fi
 if [[ -x $scratch/usr/bin/tavelor ]]; then "$scratch/usr/bin/tavelor" --version; fi

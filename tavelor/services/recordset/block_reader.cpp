@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstring>
+#include <functional>
 #include <limits>
 
 #include "tavelor/platform/error.hpp"
@@ -142,27 +144,19 @@ class Layer {
     if (target.offsets != nullptr) target.offsets[0] = 0;
   }
 
-  bool isText() const { return target_.as == CellLayout::kText; }
-  /// How many rows of a tile have room.
-  std::size_t fitting(const Tile& tile) const {
-    if (target_.bytes == nullptr) return tile.count;
-    std::size_t fit = 0;
-    std::size_t size = target_.used;
-    bool full = false;
-    tile.eachText(
-        target_.column,
-        [&](std::size_t i, std::string_view text) {
-          size += text.size();
-          full = full || size > target_.capacity;
-          if (!full) fit = i + 1;
-        },
-        [&](std::size_t i) {
-          if (!full) fit = i + 1;
-        });
-    return fit;
+  /// What a tile may be taken back to.
+  struct Mark {
+    std::size_t used;
+    std::size_t nullCount;
+  };
+  Mark mark() const { return {target_.used, target_.nullCount}; }
+  void takeBack(const Mark& mark) {
+    target_.used = mark.used;
+    target_.nullCount = mark.nullCount;
   }
-  /// Tells what the first row of a tile wants, where it alone does not fit.
+  /// Tells what the first row of a tile wants, which does not fit.
   void tellWanted(Tile tile) const {
+    if (target_.as != CellLayout::kText) return;
     tile.count = 1;
     target_.used = 0;
     tile.eachText(
@@ -170,15 +164,23 @@ class Layer {
         [](std::size_t) {});
   }
 
-  void lay(const Tile& tile, std::size_t at) {
+  /// Gives how many of the tile's rows had room.
+  std::size_t lay(const Tile& tile, std::size_t at) {
+    Bits bits{};
+    const auto valid = [&](std::size_t i) { bits[i / 64] |= std::uint64_t{1} << (i % 64); };
+    const std::size_t fit = layCells(tile, at, valid);
     if (target_.validity != nullptr) {
-      std::memset(target_.validity + at / 8, 0, (tile.count + 7) / 8);
+      std::memcpy(target_.validity + at / 8, bits.data(), (tile.count + 7) / 8);
     }
-    const auto valid = [this, at](std::size_t i) {
-      if (target_.validity == nullptr) return;
-      std::uint8_t& byte = target_.validity[(at + i) / 8];
-      byte = static_cast<std::uint8_t>(byte | 1U << ((at + i) % 8));
-    };
+    return fit;
+  }
+
+ private:
+  using Bits = std::array<std::uint64_t, kTile / 64>;
+  static_assert(std::endian::native == std::endian::little);
+
+  template <typename Valid>
+  std::size_t layCells(const Tile& tile, std::size_t at, const Valid& valid) {
     switch (target_.as) {
       case CellLayout::kInt16:
         return layWhole<std::int16_t>(tile, at, valid);
@@ -201,11 +203,11 @@ class Layer {
       case CellLayout::kText:
         return layText(tile, at, valid);
     }
+    return tile.count;
   }
 
- private:
   template <typename T, typename Valid>
-  void layWhole(const Tile& tile, std::size_t at, const Valid& valid) {
+  std::size_t layWhole(const Tile& tile, std::size_t at, const Valid& valid) {
     T* const to = target_.values == nullptr ? nullptr : static_cast<T*>(target_.values) + at;
     const bool isFlag = type_ == ColumnType::kBoolean;
     tile.eachWhole(
@@ -218,9 +220,11 @@ class Layer {
           ++target_.nullCount;
           if (to != nullptr) to[i] = 0;
         });
+    return tile.count;
   }
   template <typename T, typename Valid, typename Convert>
-  void layReal(const Tile& tile, std::size_t at, const Valid& valid, T none, Convert&& convert) {
+  std::size_t layReal(const Tile& tile, std::size_t at, const Valid& valid, T none,
+                      Convert&& convert) {
     T* const to = target_.values == nullptr ? nullptr : static_cast<T*>(target_.values) + at;
     tile.eachReal(
         target_.column,
@@ -232,14 +236,16 @@ class Layer {
           ++target_.nullCount;
           if (to != nullptr) to[i] = none;
         });
+    return tile.count;
   }
   template <typename Valid>
-  void layDouble(const Tile& tile, std::size_t at, const Valid& valid) {
+  std::size_t layDouble(const Tile& tile, std::size_t at, const Valid& valid) {
     constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
     if (!engine::isWhole(type_) && type_ != ColumnType::kCurrency) {
       return layReal<double>(tile, at, valid, kNone, [](double value) { return value; });
     }
-    auto* const to = target_.values == nullptr ? nullptr : static_cast<double*>(target_.values) + at;
+    auto* const to =
+        target_.values == nullptr ? nullptr : static_cast<double*>(target_.values) + at;
     const bool isMoney = type_ == ColumnType::kCurrency;
     tile.eachWhole(
         target_.column,
@@ -252,28 +258,38 @@ class Layer {
           ++target_.nullCount;
           if (to != nullptr) to[i] = kNone;
         });
+    return tile.count;
   }
   template <typename Valid>
-  void layText(const Tile& tile, std::size_t at, const Valid& valid) {
-    const auto end = [&](std::size_t i) {
-      if (target_.offsets != nullptr) {
-        target_.offsets[at + i + 1] = static_cast<std::int64_t>(target_.used);
-      }
-    };
+  std::size_t layText(const Tile& tile, std::size_t at, const Valid& valid) {
+    // Kept here: what is written to the bytes might be these, as far as a compiler knows.
+    char* const bytes = target_.bytes;
+    std::int64_t* const ends = target_.offsets == nullptr ? nullptr : target_.offsets + at + 1;
+    const std::size_t capacity = bytes == nullptr ? SIZE_MAX : target_.capacity;
+    std::size_t used = target_.used;
+    std::size_t nulls = 0;
+    std::size_t fit = tile.count;
     tile.eachText(
         target_.column,
         [&](std::size_t i, std::string_view text) {
           valid(i);
-          if (target_.bytes != nullptr && !text.empty()) {
-            std::memcpy(target_.bytes + target_.used, text.data(), text.size());
+          if (text.size() > capacity - used) {
+            fit = std::min(fit, i);
+          } else if (fit == tile.count) {
+            if (bytes != nullptr && !text.empty()) {
+              std::memcpy(bytes + used, text.data(), text.size());
+            }
+            used += text.size();
           }
-          target_.used += text.size();
-          end(i);
+          if (ends != nullptr) ends[i] = static_cast<std::int64_t>(used);
         },
         [&](std::size_t i) {
-          ++target_.nullCount;
-          end(i);
+          ++nulls;
+          if (ends != nullptr) ends[i] = static_cast<std::int64_t>(used);
         });
+    target_.used = used;
+    target_.nullCount += nulls;
+    return fit;
   }
 
   ColumnTarget& target_;
@@ -285,8 +301,7 @@ std::vector<Layer> layersOf(std::span<ColumnTarget> targets, const RecordsetStor
   layers.reserve(targets.size());
   for (ColumnTarget& target : targets) {
     if (target.column >= store.width()) {
-      raise(errors::kItemNotFound, kSource,
-            "There is no field " + std::to_string(target.column));
+      raise(errors::kItemNotFound, kSource, "There is no field " + std::to_string(target.column));
     }
     const dialect::OutputColumn& field = store.columns()[target.column];
     if (!isLaidAs(field.type, target.as)) {
@@ -309,8 +324,8 @@ std::int64_t readBlock(Recordset& set, std::int64_t first, std::int64_t rows,
   // From here on an index of the view is a position.
   parts.cursor.removeHoles();
   const std::int64_t begin = std::clamp<std::int64_t>(first, 0, parts.view.extent());
-  const std::int64_t wanted =
-      std::clamp<std::int64_t>(rows, 0, parts.view.extent() - begin);
+  const std::int64_t wanted = std::clamp<std::int64_t>(rows, 0, parts.view.extent() - begin);
+  std::vector<Layer::Mark> marks(layers.size());
   Tile tile{parts.edit, {}, 0};
   std::int64_t read = 0;
   while (read < wanted) {
@@ -321,16 +336,19 @@ std::int64_t readBlock(Recordset& set, std::int64_t first, std::int64_t rows,
       tile.rows[i] = {store.rows().row(row), row,
                       parts.edit.isOf(row) || (store.flags(row) & RecordsetStore::kEdited) != 0};
     }
-    for (const Layer& layer : layers) {
-      if (layer.isText()) tile.count = std::min(tile.count, layer.fitting(tile));
+    std::transform(layers.begin(), layers.end(), marks.begin(), std::mem_fn(&Layer::mark));
+    for (std::size_t i = 0; i < layers.size(); ++i) {
+      const std::size_t fit = layers[i].lay(tile, static_cast<std::size_t>(read));
+      if (fit == tile.count) continue;
+      // The rows that have room in all columns so far, from the first one on again.
+      tile.count = fit;
+      for (std::size_t j = 0; j <= i; ++j) layers[j].takeBack(marks[j]);
+      i = static_cast<std::size_t>(-1);
     }
-    for (Layer& layer : layers) layer.lay(tile, static_cast<std::size_t>(read));
     read += static_cast<std::int64_t>(tile.count);
     if (tile.count == found) continue;
     if (read == 0) {
-      for (const Layer& layer : layers) {
-        if (layer.isText()) layer.tellWanted(tile);
-      }
+      for (const Layer& layer : layers) layer.tellWanted(tile);
     }
     break;
   }

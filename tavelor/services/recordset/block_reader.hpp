@@ -37,11 +37,13 @@ struct ColumnTarget {
 };
 
 /// Reads up to `rows` rows of the view, from the position `first` on, counted from 0, and gives how
-/// many: less at the end, and where the texts of a row do not fit any more. Where not even the first
-/// row's do, `used` tells what they want. Shows what is in edit and pending; the cursor stays.
+/// many: less at the end, and where the texts of a row do not fit any more. Where not even the
+/// first row's do, `used` tells what they want. Shows what is in edit and pending; the cursor
+/// stays.
 ///
 /// Errors: 3704 for a closed set, 3265 for a column that there is not, 3421 for one that is not of
-/// the layout, 6 for a date outside the years 100 to 9999. What is in the targets means nothing then.
+/// the layout, 6 for a date outside the years 100 to 9999. What is in the targets means nothing
+/// then.
 std::int64_t readBlock(Recordset& set, std::int64_t first, std::int64_t rows,
                        std::span<ColumnTarget> targets);
 
