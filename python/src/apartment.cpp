@@ -93,6 +93,7 @@ PyObject* openApartment(PyTypeObject* type, PyObject* arguments, PyObject* /*nam
   Ref made(folder ? type->tp_alloc(type, 0) : nullptr);
   if (made) {
     apartmentOf(made.get())->folder = folder.release();
+    apartmentOf(made.get())->installation = std::exchange(installation, nullptr);
     apartmentOf(made.get())->handle = handle;
     apartmentOf(made.get())->process = processGeneration;
   } else {
@@ -108,9 +109,11 @@ void closeHandles(Apartment* apartment) {
   if (apartment->process == processGeneration) {
     tavelor_shop_release(apartment->shop);
     tavelor_apartment_close(apartment->handle);
+    tavelor_installation_release(apartment->installation);
   }
   apartment->shop = nullptr;
   apartment->handle = nullptr;
+  apartment->installation = nullptr;
 }
 
 PyObject* close(PyObject* self, PyObject* /*none*/) {
@@ -206,6 +209,20 @@ tavelor_status answer(void* user, tavelor_prompt* prompt) {
   return status;
 }
 
+PyObject* addToSchema(PyObject* self, PyObject* arguments) {
+  int selector = 0;
+  PyObject* object = nullptr;
+  if (!PyArg_ParseTuple(arguments, "iO", &selector, &object)) return nullptr;
+  const char* const ddl = toText(object, "add_to_schema");
+  Apartment* const apartment = apartmentOf(self);
+  if (ddl == nullptr || !done(apartment, [&](tavelor_error** error) {
+        return tavelor_installation_add_to_schema(apartment->installation, selector, ddl, error);
+      })) {
+    return nullptr;
+  }
+  return none();
+}
+
 PyObject* setPrompts(PyObject* self, PyObject* handler) {
   Apartment* const apartment = apartmentOf(self);
   const bool wanted = handler != Py_None;
@@ -234,6 +251,7 @@ PyObject* folderOf(PyObject* self, void* /*none*/) {
 PyMethodDef apartmentMethods[] = {{"close", close, METH_NOARGS, nullptr},
                                   {"now", now, METH_NOARGS, nullptr},
                                   {"fix_clock", fixClock, METH_O, nullptr},
+                                  {"add_to_schema", addToSchema, METH_VARARGS, nullptr},
                                   {"set_prompts", setPrompts, METH_O, nullptr},
                                   {"connection", openConnection, METH_VARARGS, nullptr},
                                   {"new_rows", newRows, METH_VARARGS, nullptr},

@@ -12,13 +12,14 @@ namespace tavelor::python {
 struct Apartment {
   PyObject head;
   tavelor_apartment* handle;  ///< none once it is closed
-  tavelor_shop* shop;         ///< its flows, opened when first wanted
-  PyObject* folder;           ///< of the installation
-  PyObject* prompts;          ///< who answers prompts, or none
-  PyObject* typed;            ///< the last answer to an input, or none
-  PyObject* raised;           ///< exception of a handler, which the call at hand ends with
-  int calls;                  ///< under way, handlers' own among them
-  unsigned process;           ///< the generation of the process that it was opened in
+  tavelor_installation* installation;
+  tavelor_shop* shop;  ///< its flows, opened when first wanted
+  PyObject* folder;    ///< of the installation
+  PyObject* prompts;   ///< who answers prompts, or none
+  PyObject* typed;     ///< the last answer to an input, or none
+  PyObject* raised;    ///< exception of a handler, which the call at hand ends with
+  int calls;           ///< under way, handlers' own among them
+  unsigned process;    ///< the generation of the process that it was opened in
 };
 
 extern PyTypeObject* apartmentType;

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int64_t kIteratedRows = 256;
 // As many as the processor's cache holds of a wide table; a multiple of 8, for the bits.
-constexpr int64_t kColumnRows = 2048;
+constexpr int64_t kColumnRows = 1024;
 constexpr size_t kFirstText = 16;  // bytes of a cell that a block begins with
 
 Object* asObject(PyObject* self) {
@@ -91,11 +91,6 @@ Block::Block(std::vector<BlockColumn> columns, int64_t rows)
       buffer.values = cells_[i].data();
     }
   }
-}
-
-void Block::direct(size_t column, void* values, uint8_t* validity) {
-  if (values != nullptr) buffers_[column].values = values;
-  if (validity != nullptr) buffers_[column].validity = validity;
 }
 
 int64_t Block::read(Object* recordset, int64_t first) {
@@ -335,102 +330,137 @@ class Memory {
     return isHeld_;
   }
   char* data() const { return static_cast<char*>(view_.buf); }
+  size_t size() const { return static_cast<size_t>(view_.len); }
 
  private:
   Py_buffer view_ = {};
   bool isHeld_ = false;
 };
 
-/// Writes a column of texts or bytes into an array of objects.
-bool writeObjects(const Block& block, size_t column, int64_t rows, PyObject** to, Texts& texts) {
-  const bool isBytes = block.columns()[column].type == TAVELOR_COLUMN_BYTES;
-  const bool mayBeNull = block.nulls(column) > 0;
-  for (int64_t row = 0; row < rows; ++row) {
-    PyObject* made = nullptr;
-    if (mayBeNull && block.isNull(column, row)) {
-      made = none();
-    } else {
-      Py_ssize_t size = 0;
-      const char* const text = block.text(column, row, size);
-      made = isBytes ? PyBytes_FromStringAndSize(text, size) : texts.make(text, size);
-      if (made == nullptr) return false;
-    }
-    PyObject* const old = to[row];
-    to[row] = made;
-    Py_XDECREF(old);
-  }
-  return true;
-}
-
-/// Where one column of read_columns() goes.
+/// Where one column of read_columns() goes: numbers into memory of the caller's, texts into a
+/// bytearray that grows.
 struct Destination {
   Memory values;
   Memory validity;
   bool hasValidity = false;
-  Texts texts;
+  Memory offsets;
+  PyObject* bytes = nullptr;  ///< borrowed from the wish; of texts only
+  size_t used = 0;
   size_t nulls = 0;
 };
 
-bool readDestinations(PyObject* wishes, int64_t rows, std::vector<BlockColumn>& columns,
+bool readDestinations(PyObject* wishes, int64_t rows, std::vector<tavelor_column_buffer>& buffers,
                       std::vector<std::unique_ptr<Destination>>& to) {
+  const auto height = static_cast<size_t>(rows);
   for (Py_ssize_t i = 0; i < PyList_GET_SIZE(wishes); ++i) {
-    BlockColumn column;
+    tavelor_column_buffer buffer = {};
+    buffer.size = sizeof buffer;
     PyObject* values = nullptr;
     PyObject* validity = nullptr;
+    PyObject* offsets = nullptr;
     PyObject* const wish = PyList_GET_ITEM(wishes, i);
-    if (!PyTuple_Check(wish) || !PyArg_ParseTuple(wish, "iiiOO", &column.column, &column.type,
-                                                  &column.as, &values, &validity)) {
-      if (PyErr_Occurred() == nullptr)
+    if (!PyTuple_Check(wish) || !PyArg_ParseTuple(wish, "iiOOO", &buffer.column, &buffer.as,
+                                                  &values, &validity, &offsets)) {
+      if (PyErr_Occurred() == nullptr) {
         PyErr_SetString(PyExc_TypeError, "read_columns: wants tuples");
+      }
       return false;
     }
     auto destination = std::make_unique<Destination>();
-    const size_t cell = column.as == TAVELOR_AS_TEXT ? sizeof(PyObject*) : cellSize(column.as);
-    if (!destination->values.take(values, static_cast<size_t>(rows) * cell)) return false;
-    destination->hasValidity = validity != Py_None;
-    if (destination->hasValidity &&
-        !destination->validity.take(validity, (static_cast<size_t>(rows) + 7) / 8)) {
+    if (buffer.as == TAVELOR_AS_TEXT) {
+      if (!PyByteArray_Check(values)) {
+        PyErr_SetString(PyExc_TypeError, "read_columns: texts go into a bytearray");
+        return false;
+      }
+      destination->bytes = values;
+      if (!destination->offsets.take(offsets, (height + 1) * sizeof(int64_t))) return false;
+    } else if (!destination->values.take(values, height * cellSize(buffer.as))) {
       return false;
     }
-    columns.push_back(column);
+    destination->hasValidity = validity != Py_None;
+    if (destination->hasValidity && !destination->validity.take(validity, (height + 7) / 8)) {
+      return false;
+    }
+    buffers.push_back(buffer);
     to.push_back(std::move(destination));
   }
   return true;
 }
 
-/// Reads `rows` rows into their destinations. False with an exception.
-bool fill(Object* recordset, int64_t rows, std::vector<BlockColumn> columns,
-          std::vector<std::unique_ptr<Destination>>& to) {
-  Block block(std::move(columns), std::min(kColumnRows, rows));
-  for (int64_t first = 0; first < rows;) {
-    // The last block must not write beyond the caller's memory.
-    const bool isLast = rows - first < block.rows();
-    std::unique_ptr<Block> last;
-    if (isLast) last = std::make_unique<Block>(block.columns(), rows - first);
-    Block& at = isLast ? *last : block;
-    const auto begin = static_cast<size_t>(first);
-    for (size_t i = 0; i < to.size(); ++i) {
-      const size_t cell = cellSize(at.columns()[i].as);
-      at.direct(i, cell > 0 ? to[i]->values.data() + begin * cell : nullptr,
-                to[i]->hasValidity ? reinterpret_cast<uint8_t*>(to[i]->validity.data()) + begin / 8
-                                   : nullptr);
+/// Points the buffers to where a block of rows goes.
+void aim(std::vector<tavelor_column_buffer>& buffers,
+         const std::vector<std::unique_ptr<Destination>>& to, size_t first) {
+  for (size_t i = 0; i < to.size(); ++i) {
+    const Destination& at = *to[i];
+    if (at.hasValidity) {
+      buffers[i].validity = reinterpret_cast<uint8_t*>(at.validity.data()) + first / 8;
     }
-    const int64_t read = at.read(recordset, first);
-    if (read < 0) return false;
-    if (read < at.rows()) {
-      PyErr_SetString(PyExc_RuntimeError, "read_columns: the set has lost rows meanwhile");
+    if (at.bytes == nullptr) {
+      buffers[i].values = at.values.data() + first * cellSize(buffers[i].as);
+      continue;
+    }
+    buffers[i].offsets = reinterpret_cast<int64_t*>(at.offsets.data()) + first;
+    buffers[i].bytes = PyByteArray_AS_STRING(at.bytes) + at.used;
+    buffers[i].capacity = static_cast<size_t>(PyByteArray_GET_SIZE(at.bytes)) - at.used;
+  }
+}
+
+/// Makes room for texts: a half more than what the rows so far let expect. False with an exception.
+bool makeRoom(const std::vector<tavelor_column_buffer>& buffers,
+              std::vector<std::unique_ptr<Destination>>& to, int64_t first, int64_t rows) {
+  for (size_t i = 0; i < to.size(); ++i) {
+    Destination& at = *to[i];
+    if (at.bytes == nullptr) continue;
+    const auto size = static_cast<size_t>(PyByteArray_GET_SIZE(at.bytes));
+    const auto expected =
+        first > 0 ? static_cast<size_t>(static_cast<double>(at.used) * 1.5 *
+                                        static_cast<double>(rows) / static_cast<double>(first))
+                  : size * 2;
+    const size_t wanted =
+        std::max({expected, at.used + buffers[i].used * 2, size * 5 / 4, kFirstText});
+    if (PyByteArray_Resize(at.bytes, static_cast<Py_ssize_t>(wanted)) < 0) return false;
+  }
+  return true;
+}
+
+/// Reads `rows` rows into their destinations, a block at a time, so that Ctrl-C is heard. False
+/// with an exception.
+bool fill(Object* recordset, int64_t rows, std::vector<tavelor_column_buffer>& buffers,
+          std::vector<std::unique_ptr<Destination>>& to) {
+  for (int64_t first = 0; first < rows;) {
+    const int64_t wanted = std::min(kColumnRows, rows - first);
+    aim(buffers, to, static_cast<size_t>(first));
+    int64_t read = 0;
+    if (!done(recordset->apartment, [&](tavelor_error** error) {
+          return tavelor_recordset_read(recordset->handle, first, wanted, buffers.data(),
+                                        buffers.size(), &read, error);
+        })) {
       return false;
     }
-    for (size_t i = 0; i < to.size(); ++i) {
-      to[i]->nulls += at.nulls(i);
-      if (at.columns()[i].as == TAVELOR_AS_TEXT &&
-          !writeObjects(at, i, read, reinterpret_cast<PyObject**>(to[i]->values.data()) + begin,
-                        to[i]->texts)) {
+    if (read < wanted) {
+      if (countRows(reinterpret_cast<PyObject*>(recordset)) < rows) {
+        if (PyErr_Occurred() == nullptr) {
+          PyErr_SetString(PyExc_RuntimeError, "read_columns: the set has lost rows meanwhile");
+        }
         return false;
       }
+      if (!makeRoom(buffers, to, first, rows)) return false;
+      continue;
+    }
+    for (size_t i = 0; i < to.size(); ++i) {
+      to[i]->nulls += buffers[i].null_count;
+      if (to[i]->bytes == nullptr) continue;
+      const auto before = static_cast<int64_t>(to[i]->used);
+      for (int64_t row = 0; row <= read; ++row) buffers[i].offsets[row] += before;
+      to[i]->used += buffers[i].used;
     }
     first += read;
     if (PyErr_CheckSignals() < 0) return false;
+  }
+  for (const std::unique_ptr<Destination>& at : to) {
+    if (at->bytes == nullptr) continue;
+    if (rows == 0) *reinterpret_cast<int64_t*>(at->offsets.data()) = 0;
+    if (PyByteArray_Resize(at->bytes, static_cast<Py_ssize_t>(at->used)) < 0) return false;
   }
   return true;
 }
@@ -480,11 +510,10 @@ PyObject* readColumns(PyObject* self, PyObject* arguments) {
   PyObject* wishes = nullptr;
   Py_ssize_t rows = 0;
   if (!PyArg_ParseTuple(arguments, "nO!", &rows, &PyList_Type, &wishes)) return nullptr;
-  std::vector<BlockColumn> columns;
+  std::vector<tavelor_column_buffer> buffers;
   std::vector<std::unique_ptr<Destination>> to;
   try {
-    if (!readDestinations(wishes, rows, columns, to) ||
-        !fill(asObject(self), rows, std::move(columns), to)) {
+    if (!readDestinations(wishes, rows, buffers, to) || !fill(asObject(self), rows, buffers, to)) {
       return nullptr;
     }
   } catch (const std::bad_alloc&) {
@@ -497,6 +526,53 @@ PyObject* readColumns(PyObject* self, PyObject* arguments) {
     PyList_SET_ITEM(nulls.get(), static_cast<Py_ssize_t>(i), count);
   }
   return nulls.release();
+}
+
+PyObject* makeTexts(PyObject* /*module*/, PyObject* arguments) {
+  PyObject* bytes = nullptr;
+  PyObject* offsetsObject = nullptr;
+  PyObject* validityObject = nullptr;
+  PyObject* array = nullptr;
+  int isBytes = 0;
+  if (!PyArg_ParseTuple(arguments, "YOOOp", &bytes, &offsetsObject, &validityObject, &array,
+                        &isBytes)) {
+    return nullptr;
+  }
+  Memory offsets;
+  Memory validity;
+  Memory objects;
+  if (!offsets.take(offsetsObject, sizeof(int64_t)) || !objects.take(array, 0)) return nullptr;
+  const size_t rows = offsets.size() / sizeof(int64_t) - 1;
+  const bool mayBeNull = validityObject != Py_None;
+  if (objects.size() != rows * sizeof(PyObject*)) {
+    PyErr_SetString(PyExc_ValueError, "make_texts: the array is not as long as the column");
+    return nullptr;
+  }
+  if (mayBeNull && !validity.take(validityObject, (rows + 7) / 8)) return nullptr;
+  const auto* const from = reinterpret_cast<const int64_t*>(offsets.data());
+  const auto* const bits = reinterpret_cast<const uint8_t*>(validity.data());
+  auto* const to = reinterpret_cast<PyObject**>(objects.data());
+  const char* const data = PyByteArray_AS_STRING(bytes);
+  if (from[0] < 0 || from[rows] > PyByteArray_GET_SIZE(bytes)) {
+    PyErr_SetString(PyExc_ValueError, "make_texts: the offsets are beyond the bytes");
+    return nullptr;
+  }
+  const auto texts = std::make_unique<Texts>();
+  for (size_t row = 0; row < rows; ++row) {
+    PyObject* made = nullptr;
+    const Py_ssize_t size = from[row + 1] - from[row];
+    if (mayBeNull && (bits[row / 8] >> (row % 8) & 1) == 0) {
+      made = none();
+    } else {
+      made = isBytes != 0 ? PyBytes_FromStringAndSize(data + from[row], size)
+                          : texts->make(data + from[row], size);
+    }
+    if (made == nullptr) return nullptr;
+    PyObject* const old = to[row];
+    to[row] = made;
+    Py_XDECREF(old);
+  }
+  return none();
 }
 
 }  // namespace tavelor::python

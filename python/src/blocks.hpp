@@ -47,10 +47,6 @@ class Block {
     size = static_cast<Py_ssize_t>(offsets[row + 1] - offsets[row]);
     return texts_[column].data() + offsets[row];
   }
-  size_t nulls(size_t column) const { return buffers_[column].null_count; }
-
-  /// Where a column's cells, and whether they are there, go in place of the block's own memory.
-  void direct(size_t column, void* values, uint8_t* validity);
 
  private:
   std::vector<BlockColumn> columns_;

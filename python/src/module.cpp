@@ -66,10 +66,13 @@ PyObject* version(PyObject* /*module*/, PyObject* /*none*/) {
   return PyUnicode_FromString(tavelor_version());
 }
 
-PyMethodDef functions[] = {
-    {"setup", setup, METH_VARARGS, nullptr},      {"type", findType, METH_O, nullptr},
-    {"describe", describeClass, METH_O, nullptr}, {"class_names", classNames, METH_NOARGS, nullptr},
-    {"version", version, METH_NOARGS, nullptr},   {nullptr, nullptr, 0, nullptr}};
+PyMethodDef functions[] = {{"setup", setup, METH_VARARGS, nullptr},
+                           {"type", findType, METH_O, nullptr},
+                           {"describe", describeClass, METH_O, nullptr},
+                           {"class_names", classNames, METH_NOARGS, nullptr},
+                           {"make_texts", makeTexts, METH_VARARGS, nullptr},
+                           {"version", version, METH_NOARGS, nullptr},
+                           {nullptr, nullptr, 0, nullptr}};
 PyModuleDef definition = {PyModuleDef_HEAD_INIT,
                           "tavelor._native",
                           nullptr,

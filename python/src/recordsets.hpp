@@ -32,9 +32,12 @@ bool addBlocks(PyObject* module);
 PyObject* iterateRows(PyObject* self);
 /// row_at(position from 0): one row of the view.
 PyObject* rowAt(PyObject* self, PyObject* position);
-/// read_columns([(column, layout, values, validity)]): all rows of the view, into buffers of the
-/// caller's.
+/// read_columns(rows, [(column, layout, values, validity or None, offsets or None)]): the rows of
+/// the view, into memory of the caller's; texts into a bytearray. Gives the counts of Nulls.
 PyObject* readColumns(PyObject* self, PyObject* arguments);
+/// make_texts(bytes, offsets, validity or None, array, is_bytes): a column's texts as objects, into
+/// an array of them.
+PyObject* makeTexts(PyObject* module, PyObject* arguments);
 /// The stream of the view for Arrow's readers.
 PyObject* arrowStream(PyObject* self, PyObject* arguments);
 

@@ -25,7 +25,7 @@ from tavelor.errors import (
     StatementError,
 )
 from tavelor.errors import _made
-from tavelor.rows import Column, Connection, Event, Recordset
+from tavelor.rows import Column, Columns, Connection, Event, Recordset
 from tavelor.shop import (
     Closing,
     Difference,

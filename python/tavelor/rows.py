@@ -2,6 +2,7 @@
 """Record sets: the rows of a statement, fetched whole, with a cursor on them; and connections."""
 
 import collections
+import collections.abc
 import contextlib
 import decimal
 
@@ -26,15 +27,67 @@ _LAYOUTS = {
     DOUBLE: (_AS_DOUBLE, "float64", False),
     DATE: (_AS_UNIX_US, "datetime64[us]", False),
     BOOLEAN: (_AS_BOOL8, "bool", True),
-    TEXT: (_AS_TEXT, "object", False),
-    MEMO: (_AS_TEXT, "object", False),
-    BYTES: (_AS_TEXT, "object", False),
 }
+_TEXTS = (_AS_TEXT, None, True)
 _MONEY_LAYOUTS = {
     "float": (_AS_DOUBLE, "float64", False),
     "int": (_AS_INT64, "int64", True),
     "decimal": (_AS_INT64, "int64", True),
 }
+
+
+class _Texts:
+    """The texts of a column, one behind the other, and where each begins."""
+
+    def __init__(self, content, offsets, validity, is_bytes):
+        self.content, self.offsets, self.validity, self.is_bytes = content, offsets, validity, is_bytes
+
+    def array(self):
+        import numpy
+
+        made = numpy.empty(len(self.offsets) - 1, "object")
+        _native.make_texts(self.content, self.offsets, self.validity, made, self.is_bytes)
+        return made
+
+
+class Columns(collections.abc.Mapping):
+    """Columns by name, each a numpy array. Those of texts become arrays of str when they are first asked for;
+    texts(name) gives them as they are kept, which copies none."""
+
+    def __init__(self, columns):
+        self._columns = columns
+        self._made = {}
+
+    def __getitem__(self, name):
+        column = self._columns[name]
+        if not isinstance(column, _Texts):
+            return column
+        made = self._made.get(name)
+        if made is None:
+            made = self._made[name] = column.array()
+        return made
+
+    def __iter__(self):
+        return iter(self._columns)
+
+    def __len__(self):
+        return len(self._columns)
+
+    def texts(self, name):
+        """(bytes, offsets, is there) of a column of texts: text i is bytes[offsets[i]:offsets[i + 1]], in UTF-8; the
+        last one is None where there is no Null."""
+        import numpy
+
+        kept = self._columns[name]
+        if not isinstance(kept, _Texts):
+            raise TypeError(f"{name} is no column of texts")
+        there = None
+        if kept.validity is not None:
+            there = numpy.unpackbits(kept.validity, count=len(kept.offsets) - 1, bitorder="little").view("bool")
+        return numpy.frombuffer(kept.content, "uint8"), kept.offsets, there
+
+    def __repr__(self):
+        return f"Columns({', '.join(self._columns)})"
 
 
 class Recordset(_native.Recordset):
@@ -158,7 +211,7 @@ class Recordset(_native.Recordset):
     # ---- Many rows at once
 
     def numpy(self, *names, money="float"):
-        """The view's columns as numpy arrays, by name; all without any named.
+        """The view's columns as numpy arrays, by name; all without any named: Columns.
 
         Numbers and flags are as wide as they are stored; in columns with Nulls whole numbers and flags are masked
         arrays, other numbers are NaN and dates NaT there, texts None. Money is euros ("float"), ten-thousandths
@@ -171,26 +224,31 @@ class Recordset(_native.Recordset):
         rows = len(self)
         columns = self._columns()
         places = self._places(columns, names)
-        wishes = []
+        wishes, found = [], []
         for place in places:
             of = columns[place][2]
-            layout, dtype, masks = _MONEY_LAYOUTS[money] if of == MONEY else _LAYOUTS.get(of, _LAYOUTS[TEXT])
-            values = numpy.empty(rows, dtype)
-            # The buffers of dates and flags cannot be exported as such.
+            layout, dtype, masks = _MONEY_LAYOUTS[money] if of == MONEY else _LAYOUTS.get(of, _TEXTS)
+            is_text = layout == _AS_TEXT
+            validity = numpy.empty((rows + 7) // 8, "uint8") if masks else None
+            offsets = numpy.empty(rows + 1, "int64") if is_text else None
+            values = bytearray(16) if is_text else numpy.empty(rows, dtype)
+            # The memory of dates and flags cannot be lent as such.
             raw = values.view("int64") if layout == _AS_UNIX_US else values
             raw = raw.view("uint8") if layout == _AS_BOOL8 else raw
-            validity = numpy.empty((rows + 7) // 8, "uint8") if masks else None
-            wishes.append((place, of, layout, raw, validity, values))
-        nulls = self._read_columns(rows, [wish[:5] for wish in wishes])
-        found = {}
-        for (place, of, _, _, validity, values), count in zip(wishes, nulls):
-            if validity is not None and count:
+            wishes.append((place, layout, raw, validity, offsets))
+            found.append((of, values, validity, offsets))
+        nulls = self._read_columns(rows, wishes)
+        arrays = {}
+        for place, (of, values, validity, offsets), count in zip(places, found, nulls):
+            if offsets is not None:
+                values = _Texts(values, offsets, validity if count else None, of == BYTES)
+            elif validity is not None and count:
                 holds = numpy.unpackbits(validity, count=rows, bitorder="little").view("bool")
                 values = numpy.ma.MaskedArray(values, mask=~holds)
             if of == MONEY and money == "decimal":
                 values = _decimals(numpy, values)
-            found[_free(columns[place][0], found)] = values
-        return found
+            arrays[_free(columns[place][0], arrays)] = values
+        return Columns(arrays)
 
     def _places(self, columns, names):
         if not names:

@@ -67,6 +67,13 @@ class Sale:
     credit_granted: bool = False  # sold on credit whatever the customer owes
 
 
+def _selector(database):
+    selector = _DATABASES.get(database, database)
+    if not isinstance(selector, int):
+        raise ValueError(f"database: is one of {', '.join(_DATABASES)}, not {database!r}")
+    return selector
+
+
 class ShopTransaction:
     """Sales and what else is written beside them, as one."""
 
@@ -149,10 +156,7 @@ class Shop:
 
     def connection(self, database="main"):
         """A new connection to a database: "main", "documents", "historic", "import" or "further"."""
-        selector = _DATABASES.get(database, database)
-        if not isinstance(selector, int):
-            raise ValueError(f"database: is one of {', '.join(_DATABASES)}, not {database!r}")
-        return self._apartment.connection(selector)
+        return self._apartment.connection(_selector(database))
 
     def _own_connection(self, database):
         made = self._connections.get(database)
@@ -167,6 +171,11 @@ class Shop:
     def execute(self, statement, *values, database="main"):
         """Runs a statement that gives no rows, and gives how many it wrote."""
         return self._own_connection(database).execute(statement, *values)
+
+    def add_to_schema(self, ddl, database="main"):
+        """Adds tables, columns and indexes of the program's own, in one transaction: CREATE TABLE, CREATE INDEX and
+        ALTER TABLE .. ADD COLUMN of the dialect."""
+        self._apartment.add_to_schema(_selector(database), ddl)
 
     def rows(self, *columns):
         """A record set without a database: columns are (name, type, width in characters)."""

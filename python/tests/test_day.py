@@ -111,3 +111,12 @@ def test_a_folder_is_opened_or_made_but_not_both(folder, tmp_path):
         assert shop.folder == str(tmp_path / "año")
         with pytest.raises(tavelor.Error):
             shop.ClsBancos.IniciaRs("nothing of the kind")
+
+
+def test_a_program_adds_tables_of_its_own(shop):
+    shop.add_to_schema("CREATE TABLE Propia (Codigo TEXT(10) NOT NULL, Precio CURRENCY, CONSTRAINT PK_P PRIMARY KEY (Codigo))")
+    shop.execute("INSERT INTO Propia (Codigo, Precio) VALUES (?, ?)", "Ñ", decimal.Decimal("1.25"))
+    assert shop.query("SELECT * FROM Propia").row == ("Ñ", decimal.Decimal("1.25"))
+    with pytest.raises(tavelor.Error):
+        shop.add_to_schema("DROP TABLE Bancos")
+    assert len(shop.query("SELECT * FROM Bancos")) == 2

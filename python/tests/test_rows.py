@@ -127,6 +127,20 @@ def test_texts_that_are_the_same_are_one(shop):
     assert array[0] is array[3] and array.tolist() == [f"family {i % 3}" for i in range(300)]
 
 
+def test_texts_are_there_without_an_object_each(shop):
+    columns = typed_rows(shop, 20).numpy()
+    content, offsets, there = columns.texts("text")
+    wanted = [row[8] for row in typed_values(20)]
+    found = [bytes(content[offsets[i] : offsets[i + 1]]).decode() if there[i] else None for i in range(20)]
+    assert found == wanted == columns["text"].tolist()
+    assert columns["text"] is columns["text"]
+    assert shop.query("SELECT Codigo FROM Bancos").numpy().texts("Codigo")[2] is None
+    with pytest.raises(TypeError, match="no column of texts"):
+        columns.texts("whole")
+    with pytest.raises(KeyError):
+        columns["nada"]
+
+
 def test_a_wide_text_grows_its_room(shop):
     rows = shop.rows(("memo", tavelor.MEMO), ("whole", tavelor.INT32))
     sizes = [0, 5, 1_000_000, 3, 70_000, 2_000_000, 1]
