@@ -211,24 +211,24 @@ void measureRows(const SeenFromC& c, BenchShop& shop, Report& report, const Scal
                     },
                     {},
                     [&] { set.reset(); }};
+  tavelor_object* rowsOfC = nullptr;
   const auto open = [&] {
     tavelor_error* error = nullptr;
-    tavelor_object* seen = nullptr;
-    check(tavelor_recordset_open(c.connection(), kAll, nullptr, 0, TAVELOR_LOCK_READ_ONLY, &seen,
+    check(tavelor_recordset_open(c.connection(), kAll, nullptr, 0, TAVELOR_LOCK_READ_ONLY, &rowsOfC,
                                  &error),
           error);
-    return seen;
   };
-  tavelor_object* const first = open();
-  Columns columns(first, rows);
-  report.add(compare({"C: open 45 columns and lay them down (C++: open)", rows, 1.3, opened, {[&] {
-                        tavelor_object* const seen = open();
-                        const double read = columns.read(seen, rows);
-                        tavelor_object_release(seen);
-                        return read;
-                      }}},
-                     scale));
-  tavelor_object_release(first);
+  open();
+  Columns columns(rowsOfC, rows);
+  tavelor_object_release(rowsOfC);
+  const Side laidDown{[&] {
+                        open();
+                        return columns.read(rowsOfC, rows);
+                      },
+                      {},
+                      [&] { tavelor_object_release(rowsOfC); }};
+  report.add(compare(
+      {"C: open 45 columns and lay them down (C++: open)", rows, 1.3, opened, laidDown}, scale));
 }
 
 }  // namespace

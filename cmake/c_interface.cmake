@@ -1,11 +1,6 @@
 # SPDX-License-Identifier: MIT
 # The C interface: Tavelor::c, a shared library that holds all it needs of the floors below and shows
 # only what tavelor/c/tavelor.h tells.
-if(NOT TAVELOR_SHARED)
-  return()
-endif()
-
-tavelor_floor(c tavelor/c LINK fmt::fmt)
 target_compile_definitions(tavelor_c PRIVATE TAVELOR_VERSION="${PROJECT_VERSION}")
 
 # What tavelor_member_documentation() gives.
@@ -24,6 +19,9 @@ add_custom_command(OUTPUT ${tables}
 target_sources(tavelor_c PRIVATE ${tables})
 set_source_files_properties(${tables} PROPERTIES SKIP_PRECOMPILE_HEADERS ON SKIP_UNITY_BUILD_INCLUSION ON)
 
+if(NOT TAVELOR_SHARED)
+  return()
+endif()
 set(exports ${PROJECT_SOURCE_DIR}/cmake/c_exports.map)
 add_library(tavelor_c_library SHARED $<TARGET_OBJECTS:tavelor_c>)
 add_library(Tavelor::c ALIAS tavelor_c_library)

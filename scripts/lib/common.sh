@@ -28,8 +28,8 @@ own_files() {
   done
 }
 
-# The C++ files that we write.
-own_sources() { own_files '*.cpp' '*.hpp'; }
+# The C++ and C files that we write.
+own_sources() { own_files '*.cpp' '*.hpp' '*.c' '*.h'; }
 
 # build_preset PRESET [TARGET...]: configures when needed, then builds.
 build_preset() {

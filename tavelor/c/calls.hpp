@@ -146,7 +146,7 @@ void splice(std::string_view text, const tavelor_value* values, std::size_t coun
 }
 
 /// A filter or a search with its values.
-std::string criteriaOf(const char* text, const tavelor_value* values, std::size_t count,
+std::string criteriaOf(const char* criteria, const tavelor_value* values, std::size_t count,
                        const Room& room);
 
 }  // namespace tavelor::c

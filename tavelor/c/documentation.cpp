@@ -13,7 +13,7 @@ namespace tavelor::c {
 
 namespace {
 
-const DocumentedClass* classCalled(std::string_view name) {
+const DocumentedClass* documentedClass(std::string_view name) {
   static const auto all = [] {
     std::map<std::string_view, const DocumentedClass*> made;
     for (const DocumentedClass& each : std::span(kDocumentedClasses, kDocumentedClassCount)) {
@@ -41,7 +41,7 @@ const char* ofMember(std::string_view className, std::string_view member) {
 }  // namespace
 
 const char* documentationOf(std::string_view className) {
-  const DocumentedClass* const found = classCalled(className);
+  const DocumentedClass* const found = documentedClass(className);
   return found == nullptr ? "" : found->documentation;
 }
 
@@ -49,7 +49,7 @@ const char* documentationOf(std::string_view className, std::string_view member)
   // The only member that C++ calls otherwise.
   if (className == "Recordset" && member == "Connect") member = "ActiveConnection";
   if (const char* const told = ofMember(className, member)) return told;
-  const DocumentedClass* const found = classCalled(className);
+  const DocumentedClass* const found = documentedClass(className);
   std::string_view bases = found == nullptr ? std::string_view() : found->bases;
   while (!bases.empty()) {
     const std::size_t end = std::min(bases.find(' '), bases.size());

@@ -123,8 +123,8 @@ Held::~Held() {
 
 Inside::Inside(Room& room) : room_(room) {
   room.requireUsable();
-  if (room.depth_ == 0 && room.hasLeft_.load(std::memory_order_acquire)) room.deleteLeft();
   if (room.isCovered()) scope_.emplace(*room.apartment_);
+  if (room.depth_ == 0 && room.hasLeft_.load(std::memory_order_acquire)) room.deleteLeft();
   ++room.depth_;
 }
 

@@ -880,7 +880,7 @@ TAVELOR_C_API tavelor_status tavelor_set_issuer(tavelor_apartment* apartment,
 /// Opens the flows of an apartment's shop. TAVELOR_E_NO_CURRENT_RECORD before tavelor_seed().
 TAVELOR_C_API tavelor_status tavelor_shop_open(tavelor_apartment* apartment, tavelor_shop** shop,
                                                tavelor_error** error);
-/// Gives it back; a transaction of it is undone first. Any thread.
+/// Gives it back; a transaction of it keeps it until that is given back too. Any thread.
 TAVELOR_C_API void tavelor_shop_release(tavelor_shop* shop);
 /// Makes sure that the catalogue of tills has them all.
 TAVELOR_C_API tavelor_status tavelor_shop_open_tills(tavelor_shop* shop, const char* const* tills,

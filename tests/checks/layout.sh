@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # A source starts with its licence line and one line that tells what it is; a header has
-# #pragma once; no file that we write is longer than 600 lines, unless long_files.txt says why.
+# #pragma once, one in C a guard; no file that we write is longer than 600 lines, unless long_files.txt says why.
 source "$(dirname "$0")/../../scripts/lib/common.sh"
 
 limit=600
@@ -21,10 +21,14 @@ while IFS= read -r file; do
   complain "$file: no #pragma once"
 done < <(own_files '*.hpp' | xargs -r -d '\n' grep -L '^#pragma once$')
 
+while IFS= read -r file; do
+  complain "$file: no guard"
+done < <(own_files '*.h' | xargs -r -d '\n' grep -L '^#ifndef TAVELOR_')
+
 while read -r lines file; do
   [[ $lines -gt $limit ]] || continue
   grep -q "^$file  *[^ ]" $reasons || complain "$file: $lines lines; split it, or give the reason in $reasons"
-done < <(own_files '*.cpp' '*.hpp' '*.sh' '*.cmake' 'scripts/*' | xargs -r -d '\n' wc -l | grep -v ' total$')
+done < <(own_files '*.cpp' '*.hpp' '*.c' '*.h' '*.sh' '*.cmake' 'scripts/*' | xargs -r -d '\n' wc -l | grep -v ' total$')
 while read -r file _; do
   [[ -f $file && $(wc -l <"$file") -gt $limit ]] || complain "$reasons: $file needs no reason any more"
 done < <(grep -v '^#' $reasons)

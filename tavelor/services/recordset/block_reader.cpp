@@ -22,9 +22,9 @@ using engine::ColumnType;
 using RowNumber = RecordsetStore::Row;
 
 constexpr std::string_view kSource = "Recordset";
-/// Rows that are read together, column by column: their cells stay in the processor's cache. A
-/// multiple of the bits of a byte.
-constexpr std::size_t kTile = 128;
+/// Rows that are read together, column by column: their cells stay in the processor's nearest
+/// cache. At most as many as a word has bits, and whole bytes of them.
+constexpr std::size_t kTile = 64;
 
 bool isLaidAs(ColumnType type, CellLayout layout) {
   switch (layout) {
@@ -166,17 +166,16 @@ class Layer {
 
   /// Gives how many of the tile's rows had room.
   std::size_t lay(const Tile& tile, std::size_t at) {
-    Bits bits{};
-    const auto valid = [&](std::size_t i) { bits[i / 64] |= std::uint64_t{1} << (i % 64); };
+    std::uint64_t bits = 0;
+    const auto valid = [&](std::size_t i) { bits |= std::uint64_t{1} << i; };
     const std::size_t fit = layCells(tile, at, valid);
     if (target_.validity != nullptr) {
-      std::memcpy(target_.validity + at / 8, bits.data(), (tile.count + 7) / 8);
+      std::memcpy(target_.validity + at / 8, &bits, (tile.count + 7) / 8);
     }
     return fit;
   }
 
  private:
-  using Bits = std::array<std::uint64_t, kTile / 64>;
   static_assert(std::endian::native == std::endian::little);
 
   template <typename Valid>
