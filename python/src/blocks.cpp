@@ -17,7 +17,7 @@ namespace {
 
 constexpr int64_t kIteratedRows = 256;
 // As many as the processor's cache holds of a wide table; a multiple of 8, for the bits.
-constexpr int64_t kColumnRows = 1024;
+constexpr int64_t kColumnRows = 2048;
 constexpr size_t kFirstText = 16;  // bytes of a cell that a block begins with
 
 Object* asObject(PyObject* self) {

@@ -10,6 +10,6 @@ extern PyMethodDef connectionMethods[];
 extern PyGetSetDef connectionProperties[];
 
 /// connection(selector): an open one of its own, of an apartment.
-PyObject* openConnection(PyObject* apartment, PyObject* arguments);
+PyObject* openConnection(PyObject* self, PyObject* arguments);
 
 }  // namespace tavelor::python

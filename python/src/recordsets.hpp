@@ -14,7 +14,7 @@ extern PyGetSetDef recordsetProperties[];
 /// How many rows the view has.
 Py_ssize_t countRows(PyObject* self);
 /// new_rows(columns): a record set of an apartment without a database.
-PyObject* newRows(PyObject* apartment, PyObject* arguments);
+PyObject* newRows(PyObject* self, PyObject* arguments);
 /// What makes the class of a set's rows: Python's own function.
 void setRowFactory(PyObject* factory);
 /// The class of a set's rows, borrowed. nullptr with an exception.
