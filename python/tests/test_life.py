@@ -179,7 +179,7 @@ def test_what_is_dropped_on_another_thread_goes(shop):
 
 def test_a_statement_lets_other_threads_run(shop):
     with shop.connection().transaction() as connection:
-        for i in range(38):
+        for i in range(28):
             connection.execute("INSERT INTO Bancos (Codigo, Banco) VALUES (?, ?)", f"{i:04}x", str(i))
     counted = 0
     stop = threading.Event()
