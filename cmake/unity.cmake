@@ -11,13 +11,13 @@
 set(TAVELOR_ALIKE
   kBreve kEsdeAlmacen kFamilyWidth kFields kFooter kFunctions kHalfACent kHoursOfADay kInfinity kInfo kLista
   kMedida kModes kNuevoCodigo kOf kRestaStock kStyle kTodos)
-# Only the floors of the library call these alike, but for three where each is one thing that a header tells.
+# Only the floors of the library call these alike, but for four where each is one thing that a header tells.
 set(TAVELOR_ALIKE_IN_FLOORS kSource kTable)
 set(TAVELOR_FLOORS_WITH_ONE tavelor_c tavelor_dialect tavelor_postgres tavelor_sqlite)
 # Sources that like other names than constants, and are compiled alone.
 set(TAVELOR_ALONE
   tavelor/articles/articulos_componente.cpp tavelor/articles/articulos_precios_ventas.cpp
-  tavelor/articles/articulos_stock.cpp tavelor/customers/clientes_componente.cpp
+  tavelor/articles/articulos_stock.cpp tavelor/c/documentation.cpp tavelor/customers/clientes_componente.cpp
   tavelor/customers/clientes_fiscal.cpp tavelor/customers/clientes_lecturas.cpp
   tavelor/customers/clientes_mantenimiento.cpp tavelor/fiscal/book.cpp tavelor/fiscal/export.cpp
   tavelor/flows/receipt.cpp tavelor/flows/shop_checks.cpp tavelor/frame/record_class.cpp tavelor/frame/recordset_components.cpp
