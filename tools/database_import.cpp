@@ -18,6 +18,7 @@
 #include "tools/input_file.hpp"
 #include "tools/interrupt.hpp"
 #include "tools/output.hpp"
+#include "tools/row_errors.hpp"
 
 namespace tavelor::tools {
 

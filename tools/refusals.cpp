@@ -6,7 +6,6 @@
 
 #include <fmt/format.h>
 
-#include "tavelor/platform/error.hpp"
 #include "tools/input_file.hpp"
 #include "tools/output.hpp"
 
@@ -24,20 +23,6 @@ std::string quoted(const std::string& text) {
 }
 
 }  // namespace
-
-bool isOfTheRow(std::int32_t number) {
-  switch (number) {
-    case errors::kOverflow:
-    case errors::kTypeMismatch:
-    case errors::kSyntax:
-    case errors::kIntegrityViolation:
-    case errors::kMultipleStep:
-    case errors::kCriteriaTypeMismatch:
-      return true;
-    default:
-      return false;
-  }
-}
 
 Refusals::Refusals(const std::string& file, const std::string& input, const Installation& shop,
                    std::string unit)

@@ -18,9 +18,6 @@ struct Refusal {
   bool isRemark = false;
 };
 
-/// Whether an error tells of a row's own values; all others are the shop's trouble.
-bool isOfTheRow(std::int32_t number);
-
 /// Shows the first refusals and remarks and writes all of them to a file, when there is one.
 class Refusals {
  public:

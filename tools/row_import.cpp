@@ -15,6 +15,7 @@
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/data_session.hpp"
+#include "tools/row_errors.hpp"
 
 namespace tavelor::tools {
 
