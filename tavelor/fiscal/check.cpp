@@ -15,12 +15,10 @@
 
 #include "tavelor/fiscal/chain_walk.hpp"
 #include "tavelor/fiscal/record_xml.hpp"
-#include "tavelor/fiscal/rules.hpp"
 #include "tavelor/fiscal/words.hpp"
 #include "tavelor/frame/class_info.hpp"
 #include "tavelor/frame/rows.hpp"
 #include "tavelor/platform/error.hpp"
-#include "tavelor/platform/text.hpp"
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/clock.hpp"
 #include "tavelor/services/recordset/connection.hpp"
@@ -581,53 +579,10 @@ class Check {
   std::map<double, Recorded> recorded_;         // by ticket; those without one stay
 };
 
-/// The law's word for what is wrong.
-std::string_view anomalyOf(Flaw::Kind kind) {
-  switch (kind) {
-    case Flaw::Kind::kChanged:
-      return "01";
-    case Flaw::Kind::kRemoved:
-      return "04";
-    case Flaw::Kind::kInserted:
-    case Flaw::Kind::kReordered:
-      return "06";
-    case Flaw::Kind::kDate:
-      return "11";
-    case Flaw::Kind::kSum:
-      return "03";
-    case Flaw::Kind::kSignature:
-      return "02";
-    case Flaw::Kind::kSeries:
-    case Flaw::Kind::kTicket:
-      break;
-  }
-  return "90";
-}
-
 }  // namespace
 
 CheckReport check(const Book& book, const DaySpan& span) {
   return Check(book, span).run();
-}
-
-void logCheck(Book& book, const CheckReport& report) {
-  const auto tell = [&](bool isOfEvent, std::uint64_t count) {
-    book.log(isOfEvent ? EventKind::kEventCheck : EventKind::kCheck, Checked{count, count, count});
-    const auto flaw = std::find_if(report.flaws.begin(), report.flaws.end(),
-                                   [&](const Flaw& each) { return each.isOfEvent == isOfEvent; });
-    if (flaw == report.flaws.end()) return;
-    Anomaly anomaly;
-    anomaly.kind = anomalyOf(flaw->kind);
-    anomaly.text = recordText(flaw->sentence, kLongestEventText);
-    // Whoever changed the record may have put anything there; the sentence tells where it is.
-    if (flaw->invoice && faultOfNumber(flaw->invoice->number).empty() &&
-        flaw->invoice->issuer == book.settings().taxpayer.number) {
-      anomaly.invoice = flaw->invoice;
-    }
-    book.log(isOfEvent ? EventKind::kEventAnomaly : EventKind::kAnomaly, std::move(anomaly));
-  };
-  tell(false, report.records);
-  tell(true, report.events);
 }
 
 }  // namespace tavelor::fiscal
