@@ -27,7 +27,8 @@ endforeach()
 # The C interface needs nothing to be built with: find_package(Tavelor COMPONENTS c), or pkg-config.
 if(TARGET tavelor_c_library)
   install(FILES tavelor/c/tavelor.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-  install(TARGETS tavelor_c_library EXPORT Tavelor_c_targets)
+  install(TARGETS tavelor_c_library EXPORT Tavelor_c_targets
+    LIBRARY COMPONENT c NAMELINK_COMPONENT development)
   install(EXPORT Tavelor_c_targets NAMESPACE Tavelor:: DESTINATION ${package_folder})
   file(RELATIVE_PATH TAVELOR_PC_TO_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
   configure_file(cmake/tavelor-c.pc.in ${PROJECT_BINARY_DIR}/tavelor-c.pc @ONLY)
@@ -44,6 +45,12 @@ if(TAVELOR_SHARED)
     SUMMARY "business layer of a Spanish shop - shared library"
     DESCRIPTION "Banks, taxes, articles, stock, customers, suppliers, tickets, closings and\nledgers, each a class that browses and edits its table and knows its rules.")
   set(library =libtavelor${PROJECT_VERSION_MAJOR})
+endif()
+if(TARGET tavelor_c_library)
+  tavelor_package(c NAME libtavelor-c0 SECTION libs SHARED "libtavelor_c 0"
+    SUMMARY "business layer of a Spanish shop - library for C"
+    DESCRIPTION "Installations, classes, record sets and a shop's sales and closings behind one\nheader, for programs in C and in all languages that call C.")
+  list(APPEND library =libtavelor-c0)
 endif()
 tavelor_package(development NAME libtavelor-dev SECTION libdevel
   SUMMARY "business layer of a Spanish shop - development files"

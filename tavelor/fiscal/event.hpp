@@ -89,7 +89,8 @@ struct Summary {
   friend bool operator==(const Summary&, const Summary&) = default;
 };
 
-inline constexpr std::size_t kLongestEventText = 100;  // characters
+/// Characters of a text in the log.
+inline constexpr std::size_t kLongestEventText = 100;
 
 /// One entry of the log (RegistroEvento).
 struct Event {

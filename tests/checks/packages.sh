@@ -13,7 +13,7 @@ trap 'rm -rf "$scratch"' EXIT
 (cd "$build" && cpack -B "$scratch/packages" >"$scratch/cpack.log" 2>&1) || { cat "$scratch/cpack.log"; exit 1; }
 shopt -s nullglob
 packages=("$scratch"/packages/*.deb)
-for name in tavelor libtavelor1 libtavelor-dev; do
+for name in tavelor libtavelor1 libtavelor-c0 libtavelor-dev; do
   [[ -n $(compgen -G "$scratch/packages/${name}_*.deb") ]] || { echo "no package $name"; exit 1; }
 done
 if command -v lintian >/dev/null; then lintian --allow-root --fail-on error "${packages[@]}"; fi
@@ -39,7 +39,7 @@ libraries=$(dirname "$(find "$usr/lib" -name libtavelor.so)")
 export PKG_CONFIG_PATH=$libraries/pkgconfig
 mkdir "$scratch/programs"
 (cd "$usr/include" && find tavelor -name '*.hpp' | LC_ALL=C sort | sed 's/.*/#include "&"/') >"$scratch/programs/all_headers.hpp"
-cp tests/consumer/main.cpp tests/consumer/signs.cpp examples/080-a-till.cpp "$scratch/programs"
+cp tests/consumer/main.cpp tests/consumer/signs.cpp examples/080-a-till.cpp examples/090-a-day-in-c.c "$scratch/programs"
 cd "$scratch/programs"
 compile() { "$compiler" -std=c++20 "$@"; }
 # shellcheck disable=SC2046
@@ -48,6 +48,7 @@ compile() { "$compiler" -std=c++20 "$@"; }
   compile main.o -o shared $(pkg-config --libs tavelor)
   compile main.o -o static $(pkg-config --libs tavelor-static)
   compile 080-a-till.cpp -o till $(pkg-config --cflags --libs tavelor-flows)
+  cc -std=c11 090-a-day-in-c.c -o day $(pkg-config --cflags --libs tavelor-c)
   compile signs.cpp -o signs $(pkg-config --cflags --libs tavelor-signing)
 }
 pkg-config --exists tavelor-sending tavelor-fiscal
@@ -55,6 +56,7 @@ for needed in fmt pugixml sqlite3 utf8proc pq; do
   [[ " $(pkg-config --static --libs tavelor) " == *"-l$needed "* ]]
 done
 LD_LIBRARY_PATH=$libraries ./shared "$scratch/of-shared"
+(mkdir day-in-c && cd day-in-c && LD_LIBRARY_PATH=$libraries ../day) | diff "$OLDPWD/examples/090-a-day-in-c.txt" -
 ldd static | grep -q libtavelor && { echo "the static program needs the shared library"; exit 1; }
 ldd shared | grep -q libtavelor.so.1
 ./static "$scratch/of-static"
