@@ -41,14 +41,14 @@ class SeenFromC {
   }
 
   tavelor_object* connection() const { return connection_; }
-  /// Goes with the apartment.
-  tavelor_object* make(const char* name) const {
+  using Made = std::unique_ptr<tavelor_object, decltype(&tavelor_object_release)>;
+  Made make(const char* name) const {
     tavelor_error* error = nullptr;
     const tavelor_class* of = nullptr;
     check(tavelor_class_find(name, &of, &error), error);
     tavelor_object* object = nullptr;
     check(tavelor_object_new(apartment_, of, &object, &error), error);
-    return object;
+    return {object, &tavelor_object_release};
   }
   static const tavelor_member* slot(tavelor_object* object, const char* name) {
     tavelor_error* error = nullptr;
@@ -78,7 +78,8 @@ void measureProperty(const SeenFromC& c, Report& report, const Scale& scale) {
     }
     return sum;
   }};
-  tavelor_object* const seen = c.make("ClsBancos");
+  const SeenFromC::Made made = c.make("ClsBancos");
+  tavelor_object* const seen = made.get();
   const tavelor_member* const slot = SeenFromC::slot(seen, "sClassName");
   const auto through = [&](auto call) {
     return Side{[&, call] {
@@ -119,7 +120,8 @@ void measureRow(const SeenFromC& c, Report& report, const Scale& scale) {
     }
     return sum;
   }};
-  tavelor_object* const seen = c.make("ClsBancos");
+  const SeenFromC::Made made = c.make("ClsBancos");
+  tavelor_object* const seen = made.get();
   const tavelor_member* const slot = SeenFromC::slot(seen, "GetIbanBic");
   const Side bySlot{[&] {
     double sum = 0;

@@ -31,3 +31,10 @@ target_include_directories(tavelor_c_library INTERFACE
   $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/tavelor/c> $<INSTALL_INTERFACE:include>)
 target_link_libraries(tavelor_c_library PRIVATE tavelor_flows_library fmt::fmt)
 target_link_options(tavelor_c_library PRIVATE -Wl,--version-script=${exports} -Wl,--as-needed)
+
+# A program in C that holds the sanitizers of the library must hold what they need for C++ too.
+function(tavelor_links_sanitizers target)
+  if(TAVELOR_SANITIZE)
+    set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
+  endif()
+endfunction()
