@@ -329,18 +329,38 @@ std::optional<StoredRegistration> Book::find(const std::string& number) const {
 }
 
 std::optional<StoredRegistration> Book::invoiceOf(double ticket) const {
-  Statement statement("SELECT Serie_Numero FROM Fiscal_Registros WHERE Ticket = ");
-  statement << sqlLiteral(ticket) << " AND Serie Is Not Null";
-  const Rows row(selector::kDocuments, statement, documents_);
-  if (!row.hasRow()) return std::nullopt;
-  const std::string number = row.text("Serie_Numero");
+  std::optional<StoredRegistration> issued = issuedWith(ticket);
+  if (!issued) return issued;
+  const InvoiceId& invoice = issued->record.invoice;
   Statement replaced(
       "SELECT R.Serie_Numero FROM Fiscal_Registros AS R INNER JOIN Fiscal_Relaciones AS S ON "
       "R.Cadena = S.Cadena AND R.Posicion = S.Posicion WHERE S.Serie_Numero = ");
-  replaced << sqlText(number) << " AND S.NIF = " << sqlText(settings_.taxpayer.number)
+  replaced << sqlText(invoice.number) << " AND S.NIF = " << sqlText(invoice.issuer)
            << " AND S.Tipo = 'S'";
   const Rows replacing(selector::kDocuments, replaced, documents_);
-  return find(replacing.hasRow() ? replacing.text("Serie_Numero") : number);
+  return replacing.hasRow() ? find(replacing.text("Serie_Numero")) : issued;
+}
+
+std::optional<StoredRegistration> Book::issuedWith(double ticket) const {
+  // An earlier taxpayer of the shop may have given the same number to another ticket.
+  Statement statement(
+      "SELECT R.Serie_Numero FROM Fiscal_Registros AS R INNER JOIN Fiscal_Cadenas AS C ON "
+      "R.Cadena = C.Codigo WHERE R.Ticket = ");
+  statement << sqlLiteral(ticket)
+            << " AND R.Serie Is Not Null AND C.NIF = " << sqlText(settings_.taxpayer.number);
+  const Rows row(selector::kDocuments, statement, documents_);
+  return row.hasRow() ? find(row.text("Serie_Numero")) : std::nullopt;
+}
+
+std::optional<double> Book::ticketOf(const InvoiceId& invoice) const {
+  // A correction is a record without a ticket of its own.
+  Statement statement(
+      "SELECT R.Ticket FROM Fiscal_Registros AS R INNER JOIN Fiscal_Cadenas AS C ON R.Cadena = "
+      "C.Codigo WHERE R.Serie_Numero = ");
+  statement << sqlText(invoice.number) << " AND C.NIF = " << sqlText(invoice.issuer)
+            << " AND R.Serie Is Not Null AND R.Ticket Is Not Null";
+  const Rows row(selector::kDocuments, statement, documents_);
+  return row.hasRow() ? std::optional(row.number("Ticket")) : std::nullopt;
 }
 
 bool Book::isRelated(const InvoiceId& invoice, std::string_view relation) const {

@@ -87,6 +87,11 @@ class Book {
   /// The invoice that stands for a ticket now: the one in its place, where it was replaced. As it
   /// was corrected last.
   std::optional<StoredRegistration> invoiceOf(double ticket) const;
+  /// The invoice that was issued with a ticket, as it was corrected last.
+  std::optional<StoredRegistration> issuedWith(double ticket) const;
+  /// The ticket that an invoice was issued with, corrected or not; none where it stands in the
+  /// place of tickets.
+  std::optional<double> ticketOf(const InvoiceId& invoice) const;
   /// By the number that it bears, as it was corrected last.
   std::optional<StoredRegistration> find(const std::string& number) const;
   /// Whether a later record cancels it, replaces it, or rectifies it: "A", "S", "R".

@@ -59,7 +59,15 @@ struct ChainRow {
   std::int32_t events = 0;
   std::string eventHash;
   std::string eventSeal;
+  bool isAlone = true;  ///< of its taxpayer, whose series run through all chains
 };
+
+/// An invoice by issuer and number: two taxpayers may have the same number.
+using InvoiceKey = std::pair<std::string, std::string>;
+
+InvoiceKey keyOf(const InvoiceId& invoice) {
+  return {invoice.issuer, invoice.number};
+}
 
 /// What of a record is looked at together with others.
 struct Recorded {
@@ -100,6 +108,9 @@ class Check {
       chains.push_back({rows.whole("Codigo"), rows.text("NIF"), rows.whole("Registros"),
                         rows.text("Huella"), rows.text("Sello"), rows.whole("Eventos"),
                         rows.text("Evento_Huella"), rows.text("Evento_Sello")});
+    }
+    for (ChainRow& chain : chains) {
+      chain.isAlone = std::ranges::count(chains, chain.taxpayer, &ChainRow::taxpayer) == 1;
     }
     return chains;
   }
@@ -266,7 +277,7 @@ class Check {
       item.fault = faultOf(chain, record, row, item.hash);
       if (item.fault.empty()) item.fault = faultOfRelations(record, item.position, relations);
       lookAtSums(record, item);
-      lookAtSeriesOf(row, item);
+      lookAtSeriesOf(chain, row, item);
       remember(chain, record, row);
     } catch (const Error& error) {
       item.isRead = false;
@@ -349,12 +360,16 @@ class Check {
     item.others.push_back(std::move(flaw));
   }
 
-  void lookAtSeriesOf(const Rows& row, ChainItem& item) {
+  /// Where a taxpayer has several chains, what is not in this one may be in another; whether all
+  /// numbers are there is then seen in all of them together.
+  void lookAtSeriesOf(const ChainRow& chain, const Rows& row, ChainItem& item) {
     if (row.isNull("Serie")) return;
     const std::string series = row.text("Serie");
     const std::int32_t number = row.whole("Numero");
     const auto [place, isNew] = series_.try_emplace(series, number);
-    if (!isNew && number != place->second + 1) {
+    const bool isInOrder =
+        isNew || (chain.isAlone ? number == place->second + 1 : number > place->second);
+    if (!isInOrder) {
       Flaw flaw;
       flaw.kind = Flaw::Kind::kSeries;
       flaw.position = item.position;
@@ -372,11 +387,14 @@ class Check {
     if (registration != nullptr) {
       // A correction is of an invoice that is counted already, and cannot come to another total.
       const std::int64_t total = registration->total.cents();
-      const bool isNew = totals_.emplace(invoice.number, total).second;
-      if (isNew && registration->kind != InvoiceKind::kReplacing) total_ += total;
-    } else if (const auto found = totals_.find(invoice.number);
-               found != totals_.end() && cancelled_.insert(invoice.number).second) {
-      total_ -= found->second;
+      const bool isNew = totals_.emplace(keyOf(invoice), total).second;
+      const bool isCounted =
+          registration->kind != InvoiceKind::kReplacing && !cancelled_.contains(keyOf(invoice));
+      if (isNew && isCounted) total_ += total;
+    } else if (cancelled_.insert(keyOf(invoice)).second) {
+      // Where its invoice is in a later chain it is not counted there.
+      const auto found = totals_.find(keyOf(invoice));
+      if (found != totals_.end()) total_ -= found->second;
     }
     if (row.isNull("Ticket")) return;
     Recorded recorded{row.whole("Posicion"), invoice, invoice.day,
@@ -540,7 +558,7 @@ class Check {
         const Recorded& record = found->second;
         const std::int64_t total = centsAt(rows, "Total");
         if (record.isCancellation) {
-          const auto cancelled = totals_.find(record.invoice.number);
+          const auto cancelled = totals_.find(keyOf(record.invoice));
           if (cancelled != totals_.end() && cancelled->second != -total) {
             complain(ticket, &record,
                      fmt::format("comes to {}, and cancels {}", Amount::ofCents(total).text(),
@@ -574,9 +592,9 @@ class Check {
   Hasher hasher_;
   std::int64_t total_ = 0;
   std::map<std::string, std::int32_t> series_;  // the last number of each
-  std::map<std::string, std::int64_t> totals_;  // by the invoice's number
-  std::set<std::string> cancelled_;             // the same
-  std::map<double, Recorded> recorded_;         // by ticket; those without one stay
+  std::map<InvoiceKey, std::int64_t> totals_;
+  std::set<InvoiceKey> cancelled_;
+  std::map<double, Recorded> recorded_;  // by ticket; those without one stay
 };
 
 }  // namespace

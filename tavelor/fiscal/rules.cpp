@@ -85,7 +85,9 @@ class Faults {
 };
 
 std::string faultOfText(std::string_view what, std::string_view text, std::size_t most) {
-  if (text.empty()) return fmt::format("{} is missing", what);
+  if (text.find_first_not_of(' ') == std::string_view::npos) {
+    return fmt::format("{} is missing", what);
+  }
   if (!text::isValidUtf8(text)) return fmt::format("{} is no UTF-8 text", what);
   if (withoutControls(text) != text) {
     return fmt::format("{} holds control characters", what);

@@ -160,21 +160,29 @@ class Year {
   /// Of the records from a day on, those that name who buys.
   void addRecords(const fiscal::Book& book, Date start) {
     Statement statement(
-        "SELECT R.Registro, R.Ticket FROM Fiscal_Registros AS R INNER JOIN Fiscal_Cadenas AS C ON "
+        "SELECT R.Registro FROM Fiscal_Registros AS R INNER JOIN Fiscal_Cadenas AS C ON "
         "R.Cadena = C.Codigo WHERE C.NIF = ");
     statement << sqlText(book.settings().taxpayer.number)
               << " AND R.Tipo IN ('F1', 'F3', 'R1', 'R2', 'R3', 'R4') AND R.Fecha_Expedicion >= "
-              << sqlLiteral(start) << " AND R.Fecha_Expedicion < " << sqlLiteral(to_);
+              << sqlLiteral(start) << " AND R.Fecha_Expedicion < " << sqlLiteral(to_)
+              << " ORDER BY R.Cadena, R.Posicion";
+    // A correction is a later record of the same invoice, and counts in its place.
+    std::map<std::string, fiscal::Registration> invoices;
     for (Rows rows(selector::kDocuments, statement, documents_); rows.hasRow(); rows.next()) {
-      const auto record = std::get<fiscal::Registration>(fiscal::readRecord(rows.text("Registro")));
+      auto record = std::get<fiscal::Registration>(fiscal::readRecord(rows.text("Registro")));
+      invoices.insert_or_assign(record.invoice.number, std::move(record));
+    }
+    for (const auto& [number, record] : invoices) {
       if (record.recipients.empty() || book.isRelated(record.invoice, "A")) continue;
       const fiscal::Party& party = record.recipients.front();
       fiscal::Declared& declared = declaredOf(false, party, customerOf(party));
       add(declared, record.invoice.day, declaredIn(record), false);
       if (record.replaced.empty()) {
-        addCash(declared, rows.number("Ticket"));
+        addCash(declared, book.ticketOf(record.invoice));
       } else {
-        for (const fiscal::InvoiceId& each : record.replaced) addCash(declared, ticketOf(each));
+        for (const fiscal::InvoiceId& each : record.replaced) {
+          addCash(declared, book.ticketOf(each));
+        }
       }
     }
   }
@@ -188,17 +196,11 @@ class Year {
     }
     return cents;
   }
-  double ticketOf(const fiscal::InvoiceId& invoice) const {
-    Statement statement("SELECT Ticket FROM Fiscal_Registros WHERE Serie_Numero = ");
-    statement << sqlText(invoice.number) << " AND Fecha_Expedicion = " << sqlLiteral(invoice.day)
-              << " AND Ticket Is Not Null AND Tipo <> 'AN'";
-    const Rows row(selector::kDocuments, statement, documents_);
-    return row.hasRow() ? row.number("Ticket") : 0;
-  }
-  void addCash(fiscal::Declared& declared, double ticket) const {
+  void addCash(fiscal::Declared& declared, std::optional<double> ticket) const {
+    if (!ticket) return;
     for (const Statement::Constant history : kTicketHistories) {
       Statement statement("SELECT Total, Forma_Pago FROM ");
-      statement << history << "Tickets WHERE Numero = " << sqlLiteral(ticket);
+      statement << history << "Tickets WHERE Numero = " << sqlLiteral(*ticket);
       const Rows row(selector::kDocuments, statement, documents_);
       if (!row.hasRow()) continue;
       if (isCash(row.text("Forma_Pago"))) declared.cash += centsOf(row.number("Total"));

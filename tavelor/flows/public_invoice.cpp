@@ -80,17 +80,13 @@ class PublicInvoiceFinder {
   /// Of the invoice, or of those that it stands in the place of.
   std::vector<double> ticketsOf(const fiscal::Book& book,
                                 const fiscal::StoredRegistration& stored) {
-    if (stored.record.replaced.empty()) return {ticketOf(stored)};
+    std::vector<fiscal::InvoiceId> invoices = stored.record.replaced;
+    if (invoices.empty()) invoices = {stored.record.invoice};
     std::vector<double> tickets;
-    for (const fiscal::InvoiceId& each : stored.record.replaced) {
-      if (const auto replaced = book.find(each.number)) tickets.push_back(ticketOf(*replaced));
+    for (const fiscal::InvoiceId& invoice : invoices) {
+      if (const auto ticket = book.ticketOf(invoice)) tickets.push_back(*ticket);
     }
     return tickets;
-  }
-  double ticketOf(const fiscal::StoredRegistration& stored) {
-    Statement statement("SELECT Ticket FROM Fiscal_Registros WHERE Cadena = ");
-    statement << sqlLiteral(stored.chain) << " AND Posicion = " << sqlLiteral(stored.position);
-    return documents(statement).number("Ticket");
   }
 
   void addLines(double ticket, std::vector<fiscal::FacturaeLine>& to) {

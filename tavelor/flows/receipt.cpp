@@ -60,11 +60,15 @@ std::string rule(const std::string& title) {
   return "-- " + title + " " + std::string(kWidth - 4 - text::length(title), '-');
 }
 
+/// Behind a blank, also where it is wider than its column.
+std::string amountColumn(double amount) {
+  return text::alignRight(" " + money(amount), kAmountWidth);
+}
+
 /// `tax` as in "IVA de ".
 std::string taxLine(double rate, std::string_view tax, double base, double amount) {
   return fmt::format("{}% {}{}{}", text::alignRight(plain(rate), kRateWidth), tax,
-                     text::alignRight(money(base), kAmountWidth),
-                     text::alignRight(money(amount), kAmountWidth));
+                     amountColumn(base), amountColumn(amount));
 }
 
 Lines issuerLines(const Issuer& shop) {

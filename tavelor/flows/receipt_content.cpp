@@ -274,13 +274,6 @@ void putNumber(ReceiptContent& content, const fiscal::InvoiceId& invoice) {
                        {"Número " + invoice.number, dayInShort(invoice.day)});
 }
 
-std::optional<fiscal::StoredRegistration> ownRecordOf(double ticket, const fiscal::Book& book) {
-  Statement statement("SELECT Serie_Numero FROM Fiscal_Registros WHERE Ticket = ");
-  statement << sqlLiteral(ticket) << " AND Serie Is Not Null";
-  const Rows row(selector::kDocuments, statement, book.documents());
-  return row.hasRow() ? book.find(row.text("Serie_Numero")) : std::nullopt;
-}
-
 /// The invoice that a ticket cancels; "" for any other ticket.
 std::string cancelledBy(double ticket, const fiscal::Book& book) {
   Statement statement("SELECT Serie_Numero FROM Fiscal_Registros WHERE Ticket = ");
@@ -289,22 +282,13 @@ std::string cancelledBy(double ticket, const fiscal::Book& book) {
   return row.hasRow() ? row.text("Serie_Numero") : std::string();
 }
 
-std::optional<double> ticketWith(const fiscal::StoredRegistration& stored,
-                                 const ConnectionPtr& documents) {
-  Statement statement("SELECT Ticket FROM Fiscal_Registros WHERE Cadena = ");
-  statement << sqlLiteral(stored.chain) << " AND Posicion = " << sqlLiteral(stored.position);
-  const Rows row(selector::kDocuments, statement, documents);
-  return row.isNull("Ticket") ? std::nullopt : std::optional(row.number("Ticket"));
-}
-
 /// An invoice in the place of tickets has the lines of all of them.
 std::optional<ReceiptContent> joinedOf(const fiscal::Registration& record,
                                        const fiscal::Book& book) {
   ReceiptContent content;
   content.heads.emplace_back("Número " + record.invoice.number, dayInShort(record.invoice.day));
   for (const fiscal::InvoiceId& each : record.replaced) {
-    const auto stored = book.find(each.number);
-    const auto number = stored ? ticketWith(*stored, book.documents()) : std::nullopt;
+    const std::optional<double> number = book.ticketOf(each);
     const auto ticket = number ? ticketOf(*number, book.documents()) : std::nullopt;
     if (!ticket) return std::nullopt;
     content.heads.push_back(ticket->heads.front());
@@ -323,7 +307,7 @@ std::optional<ReceiptContent> readTicket(double number) {
   content->shop = issuer();
   const std::unique_ptr<fiscal::Book> book = fiscal::Book::open(documents);
   if (!book) return content;
-  if (const auto stored = ownRecordOf(number, *book)) {
+  if (const auto stored = book->issuedWith(number)) {
     addInvoice(*content, stored->record, *book);
     putNumber(*content, stored->record.invoice);
   } else if (const std::string cancelled = cancelledBy(number, *book); !cancelled.empty()) {
@@ -337,7 +321,7 @@ std::optional<ReceiptContent> readInvoice(const std::string& number) {
   const std::unique_ptr<fiscal::Book> book = fiscal::Book::open(documents);
   const auto stored = book ? book->find(number) : std::nullopt;
   if (!stored) return std::nullopt;
-  if (const std::optional<double> ticket = ticketWith(*stored, documents)) {
+  if (const std::optional<double> ticket = book->ticketOf(stored->record.invoice)) {
     return readTicket(*ticket);
   }
   std::optional<ReceiptContent> content = joinedOf(stored->record, *book);

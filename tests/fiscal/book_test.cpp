@@ -111,6 +111,16 @@ TEST_F(BookTest, CancelsAnInvoiceOnce) {
   EXPECT_EQ(sell(1.21).chaining.previous, (Link{sold.invoice, cancelled.chaining.hash}));
 }
 
+TEST_F(BookTest, TakesNoOtherTaxpayersInvoiceForThatOfATicket) {
+  const Registration sold = sell(1.21, 7.0);
+  Settings other = settings();
+  other.taxpayer.number = "B12345674";
+  book_ = std::make_unique<Book>(other, documents_);
+  EXPECT_EQ(sell(2.42, 8.0).invoice.number, sold.invoice.number);
+  EXPECT_EQ(book_->invoiceOf(7), std::nullopt);
+  EXPECT_EQ(book_->invoiceOf(8)->record.total.text(), "2.42");
+}
+
 TEST_F(BookTest, FindsTheInvoiceThatStandsForATicket) {
   const Registration sold = sell(1.21, 7.0);
   EXPECT_EQ(book_->invoiceOf(7)->record, sold);
@@ -135,6 +145,7 @@ TEST_F(BookTest, CorrectsARecordByAnotherOneOfTheSameInvoice) {
   EXPECT_EQ(corrected.invoice, sold.invoice);
   EXPECT_EQ(corrected.chaining.previous->hash, sold.chaining.hash);
   EXPECT_EQ(book_->invoiceOf(7)->record, corrected);
+  EXPECT_EQ(book_->ticketOf(corrected.invoice), 7);
   EXPECT_EQ(documents("SELECT Ticket FROM Fiscal_Registros WHERE Posicion = 2"), "Null");
   EXPECT_EQ(sell(1.21).invoice.number, "T/2") << "it takes no number of the series";
   EXPECT_EQ(documents("SELECT Registro FROM Fiscal_Registros WHERE Posicion = 1"), xmlOf(sold));

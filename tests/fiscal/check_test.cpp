@@ -2,6 +2,7 @@
 // A chain that somebody has laid hands on, in each way.
 #include "tavelor/fiscal/check.hpp"
 
+#include <memory>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -320,6 +321,62 @@ TEST_F(CheckTest, NamesWhatARecordDoesToOthersWhereThatWasChanged) {
   EXPECT_TRUE(check().isWhole());
   change("DELETE FROM Fiscal_Relaciones");
   expectFirst(Kind::kChanged, 6, "what it does to others is not what is stored of that");
+}
+
+/// A till of the same shop by other settings.
+Settings settingsOf(const std::string& taxpayer, const std::string& installation) {
+  Settings other = settings();
+  if (!taxpayer.empty()) other.taxpayer.number = taxpayer;
+  if (!installation.empty()) other.system.installation = installation;
+  return other;
+}
+
+TEST_F(CheckTest, FindsNothingWhereTwoInstallationsTakeTurnsInASeries) {
+  book_ = std::make_unique<Book>(settingsOf("", "another"), documents_);
+  sellTicket(6);
+  book_ = std::make_unique<Book>(settings(), documents_);
+  sellTicket(7);
+  const CheckReport report = check();
+  EXPECT_THAT(report.flaws, IsEmpty());
+  EXPECT_EQ(report.records, 7U);
+  EXPECT_EQ(report.total.text(), "33.88");
+}
+
+TEST_F(CheckTest, TakesACancellationByAnotherInstallationOffTheTotal) {
+  book_ = std::make_unique<Book>(settingsOf("", "another"), documents_);
+  sellTicket(6);
+  book_ = std::make_unique<Book>(settings(), documents_);
+  change("INSERT INTO Tickets (Numero, Serie, Fecha, Total) VALUES (7, 'A', #02/01/2027#, -7.26)");
+  documents_->BeginTrans();
+  book_->cancel("T/6", 7);
+  documents_->CommitTrans();
+  const CheckReport report = check();
+  EXPECT_THAT(report.flaws, IsEmpty());
+  EXPECT_EQ(report.total.text(), "18.15");
+}
+
+TEST_F(CheckTest, NamesARecordThatIsRemovedWhereTwoInstallationsTakeTurns) {
+  book_ = std::make_unique<Book>(settingsOf("", "another"), documents_);
+  sellTicket(6);
+  book_ = std::make_unique<Book>(settings(), documents_);
+  sellTicket(7);
+  remove(3);
+  expectFirst(Kind::kRemoved, 3, "is missing");
+}
+
+TEST_F(CheckTest, CountsInvoicesOfOneNumberByTheirTaxpayers) {
+  book_ = std::make_unique<Book>(settingsOf("B12345674", ""), documents_);
+  const Registration theirs = sellTicket(6);
+  EXPECT_EQ(theirs.invoice.number, "T/1");
+  EXPECT_EQ(check().total.text(), "25.41");
+  change("INSERT INTO Tickets (Numero, Serie, Fecha, Total) VALUES (7, 'A', #02/01/2027#, -7.26)");
+  wait(1);
+  documents_->BeginTrans();
+  book_->cancel("T/1", 7);
+  documents_->CommitTrans();
+  const CheckReport report = check();
+  EXPECT_THAT(report.flaws, IsEmpty());
+  EXPECT_EQ(report.total.text(), "18.15");
 }
 
 TEST_F(CheckTest, TakesACancellationOffTheTotal) {

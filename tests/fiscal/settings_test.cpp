@@ -125,6 +125,12 @@ TEST_F(SettingsTest, ThatCannotBeReadAreNamed) {
   EXPECT_EQ(test::errorOf([&] { readSettings(shop_.installation()); }), errors::kPathAccess);
 }
 
+TEST(RecordSettings, TakeNoNameOfBlanks) {
+  Settings wrong = test::recordSettings();
+  wrong.taxpayer.name = "  ";
+  EXPECT_THAT(faultsOf(wrong), ElementsAre("the taxpayer: the name is missing"));
+}
+
 TEST(RecordSettings, TakeNoSeriesThatEarlierTicketsHave) {
   Settings wrong = test::recordSettings();
   wrong.series.tickets = "A";

@@ -5,8 +5,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tavelor/fiscal/book.hpp"
 #include "tavelor/fiscal/settings.hpp"
 #include "tavelor/flows/issuer.hpp"
+#include "tavelor/frame/class_info.hpp"
+#include "tavelor/services/data_session.hpp"
+#include "tavelor/services/recordset/connection.hpp"
 #include "tests/fiscal/form347_reader.hpp"
 #include "tests/flows/lives.hpp"
 #include "tests/support/records.hpp"
@@ -117,6 +121,25 @@ TEST_F(Form347Test, TakesInvoicesInThePlaceOfTicketsWithTheirCash) {
   ASSERT_EQ(year.form.declared.size(), 1U);
   EXPECT_EQ(year.form.declared[0].total(), 835'000);
   EXPECT_EQ(year.form.declared[0].cash, 540'000);
+}
+
+TEST_F(Form347Test, TakesAnInvoiceThatWasCorrectedOnceAndOfWhoBoughtByThen) {
+  keepRecords();
+  sell("C2", kDay, 4000);
+  const ConnectionPtr documents = DataSession().OpenConnection(selector::kDocuments);
+  const auto book = fiscal::Book::open(documents);
+  for (const char* const number : {"B12345674", "A58818501", "B12345674"}) {
+    fiscal::Registration right = book->find("F/1")->record;
+    right.recipients = {{"Ñandú Sur SL", number}};
+    documents->BeginTrans();
+    book->correct(right);
+    documents->CommitTrans();
+  }
+  const YearOfTrade year = yearOfTrade(2026);
+  ASSERT_EQ(year.form.declared.size(), 1U);
+  EXPECT_EQ(year.form.declared[0].party.number, "B12345674");
+  EXPECT_EQ(year.form.declared[0].total(), 400'000);
+  EXPECT_EQ(year.form.declared[0].cash, 400'000);
 }
 
 TEST_F(Form347Test, LeavesOutWhatGoesAbroadUntaxed) {

@@ -5,8 +5,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tavelor/fiscal/book.hpp"
 #include "tavelor/fiscal/settings.hpp"
 #include "tavelor/flows/issuer.hpp"
+#include "tavelor/frame/class_info.hpp"
+#include "tavelor/services/data_session.hpp"
+#include "tavelor/services/recordset/connection.hpp"
 #include "tests/flows/lives.hpp"
 #include "tests/support/records.hpp"
 
@@ -17,6 +21,7 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
 fiscal::Settings publicSettings() {
   fiscal::Settings settings = test::recordSettings();
@@ -81,6 +86,20 @@ TEST_F(PublicInvoiceTest, HasLinesPartiesAndCentresAndItsTotal) {
   EXPECT_EQ(found.buyer.centres[0].name, "Intervenció");
   EXPECT_EQ(found.buyer.centres[2].code, "L01082983");
   EXPECT_EQ(found.buyer.centres[2].address.town, "Vic") << "the customer's";
+  EXPECT_THAT(fiscal::xmlOf(found), HasSubstr("<InvoiceTotal>16.53</InvoiceTotal>"));
+}
+
+TEST_F(PublicInvoiceTest, ThatWasCorrectedHasTheLinesOfItsTicketStill) {
+  sellInvoice();
+  const ConnectionPtr documents = DataSession().OpenConnection(selector::kDocuments);
+  const auto book = fiscal::Book::open(documents);
+  fiscal::Registration right = book->find("F/1")->record;
+  right.description = "Pan y vino";
+  documents->BeginTrans();
+  book->correct(right);
+  documents->CommitTrans();
+  const fiscal::Facturae found = publicInvoice("F/1");
+  EXPECT_THAT(found.lines, SizeIs(2));
   EXPECT_THAT(fiscal::xmlOf(found), HasSubstr("<InvoiceTotal>16.53</InvoiceTotal>"));
 }
 

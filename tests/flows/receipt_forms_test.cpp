@@ -8,11 +8,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tavelor/fiscal/book.hpp"
 #include "tavelor/fiscal/qr_symbol.hpp"
 #include "tavelor/fiscal/settings.hpp"
 #include "tavelor/flows/issuer.hpp"
 #include "tavelor/flows/receipt.hpp"
 #include "tavelor/flows/ticket_printer.hpp"
+#include "tavelor/frame/class_info.hpp"
+#include "tavelor/services/data_session.hpp"
+#include "tavelor/services/recordset/connection.hpp"
 #include "tests/flows/lives.hpp"
 #include "tests/support/records.hpp"
 
@@ -174,6 +178,17 @@ class ReceiptFormsTest : public ::testing::Test {
     fiscal::writeSettings(place_.installation(), settings_);
     shop_.emplace();
   }
+  /// As `tavelor fiscal correct` does.
+  static void correct(const std::string& number, const fiscal::Party& recipient) {
+    const ConnectionPtr documents = DataSession().OpenConnection(selector::kDocuments);
+    const auto book = fiscal::Book::open(documents);
+    fiscal::Registration right = book->find(number)->record;
+    if (!recipient.name.empty()) right.recipients = {recipient};
+    right.description = "Pan";
+    documents->BeginTrans();
+    book->correct(right);
+    documents->CommitTrans();
+  }
   static Sale ticketOf(std::string reference, double price = 1.21, double quantity = 3) {
     Sale sale = saleOf(std::move(reference));
     sale.lines = {{.code = "PAN", .description = "Barra", .quantity = quantity, .price = price}};
@@ -292,6 +307,36 @@ TEST_F(ReceiptFormsTest, AnInvoiceInThePlaceOfTicketsHasTheirLinesAndTheySaySo) 
   EXPECT_THAT(text, Not(Contains(HasSubstr("Entregado")))) << "the tickets told it";
   EXPECT_THAT(ticketText(1), Contains("Sustituida por la factura F/1"));
   EXPECT_THAT(ticketText(1).at(1), HasSubstr("numserie=T%2F1&"));
+}
+
+TEST_F(ReceiptFormsTest, AnInvoiceThatWasCorrectedHasTheLinesOfItsTicketStill) {
+  Sale sale = ticketOf("V1");
+  sale.customer = "C1";
+  sale.invoice.form = fiscal::Form::kInvoice;
+  shop_->sell(sale);
+  correct("F/1", {"Ñandú Sur SL", "B12345674"});
+  const std::vector<std::string> text = invoiceText("F/1");
+  EXPECT_THAT(text, Contains("Ñandú Sur SL"));
+  EXPECT_THAT(text, Contains("    3 Barra               3,63"));
+  EXPECT_EQ(text, ticketText(1));
+}
+
+TEST_F(ReceiptFormsTest, AnInvoiceInThePlaceOfACorrectedTicketHasItsLines) {
+  shop_->sell(ticketOf("V1"));
+  correct("T/1", {});
+  InvoiceWish wish;
+  wish.tickets = {1};
+  wish.day = kDay;
+  wish.customer = "C1";
+  EXPECT_EQ(shop_->invoiceTickets(wish), "F/1");
+  EXPECT_THAT(invoiceText("F/1"), Contains("    3 Barra               3,63"));
+}
+
+TEST_F(ReceiptFormsTest, TwoTaxesThatAreWiderThanTheirColumnsDoNotRunTogether) {
+  Sale sale = ticketOf("V1", 121'000'000, 1);
+  sale.customer = "C1";
+  shop_->sell(sale);
+  EXPECT_THAT(ticketText(1), Contains("  21% IVA de  100000000,00 21000000,00"));
 }
 
 TEST_F(ReceiptFormsTest, ACancelledTicketSaysSoAndTheOneThatCancelsHasNoCode) {
