@@ -15,6 +15,7 @@
 
 #include "tavelor/fiscal/chain_walk.hpp"
 #include "tavelor/fiscal/record_xml.hpp"
+#include "tavelor/fiscal/rules.hpp"
 #include "tavelor/fiscal/words.hpp"
 #include "tavelor/frame/class_info.hpp"
 #include "tavelor/frame/rows.hpp"
@@ -340,23 +341,13 @@ class Check {
   static void lookAtSums(const Record& record, ChainItem& item) {
     const auto* const registration = std::get_if<Registration>(&record);
     if (registration == nullptr) return;
-    std::int64_t base = 0;
-    std::int64_t quota = 0;
-    const auto cents = [](const std::optional<Amount>& amount) {
-      return amount ? amount->cents() : 0;
-    };
-    for (const Detail& detail : registration->details) {
-      base += detail.base.cents();
-      quota += cents(detail.quota) + cents(detail.surchargeQuota);
-    }
-    if (quota == registration->quota.cents() && base + quota == registration->total.cents()) return;
+    const std::string fault = faultOfSums(*registration);
+    if (fault.empty()) return;
     Flaw flaw;
     flaw.kind = Flaw::Kind::kSum;
     flaw.position = item.position;
     flaw.invoice = item.invoice;
-    flaw.sentence = fmt::format("{} does not add up: bases {}, quotas {}, total {}", item.name,
-                                Amount::ofCents(base).text(), Amount::ofCents(quota).text(),
-                                registration->total.text());
+    flaw.sentence = fmt::format("{} {}", item.name, fault);
     item.others.push_back(std::move(flaw));
   }
 

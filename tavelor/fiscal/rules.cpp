@@ -263,6 +263,18 @@ std::vector<std::string> faultsOf(const Registration& record, Date today) {
   return faults.take();
 }
 
+std::string faultOfSums(const Registration& record) {
+  std::int64_t base = 0;
+  std::int64_t quota = 0;
+  for (const Detail& detail : record.details) {
+    base += detail.base.cents();
+    quota += centsOf(detail.quota) + centsOf(detail.surchargeQuota);
+  }
+  if (quota == record.quota.cents() && base + quota == record.total.cents()) return {};
+  return fmt::format("does not add up: bases {}, quotas {}, total {}", Amount::ofCents(base).text(),
+                     Amount::ofCents(quota).text(), record.total.text());
+}
+
 std::string recordText(std::string_view given, std::size_t most) {
   const std::string clean = withoutControls(given);
   return std::string(text::trim(text::left(text::trim(clean), most)));

@@ -33,6 +33,10 @@ std::string faultOf(const Party& party);
 /// What is wrong with the number of an invoice; "" for nothing.
 std::string faultOfNumber(std::string_view number);
 
+/// "does not add up: bases 10.00, quotas 2.10, total 12.00" where the details come to another quota
+/// or total than the registration's, by a cent or more; "" for nothing.
+std::string faultOfSums(const Registration& record);
+
 /// What the tax office would refuse in a registration, or accept with errors: all of it, a sentence
 /// each. `today` is the last day on which it can have been issued.
 std::vector<std::string> faultsOf(const Registration& record, Date today);
