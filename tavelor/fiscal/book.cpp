@@ -331,14 +331,18 @@ std::optional<StoredRegistration> Book::find(const std::string& number) const {
 std::optional<StoredRegistration> Book::invoiceOf(double ticket) const {
   std::optional<StoredRegistration> issued = issuedWith(ticket);
   if (!issued) return issued;
-  const InvoiceId& invoice = issued->record.invoice;
-  Statement replaced(
+  const std::string replacement = numberInPlaceOf(issued->record.invoice);
+  return replacement.empty() ? issued : find(replacement);
+}
+
+std::string Book::numberInPlaceOf(const InvoiceId& invoice) const {
+  Statement statement(
       "SELECT R.Serie_Numero FROM Fiscal_Registros AS R INNER JOIN Fiscal_Relaciones AS S ON "
       "R.Cadena = S.Cadena AND R.Posicion = S.Posicion WHERE S.Serie_Numero = ");
-  replaced << sqlText(invoice.number) << " AND S.NIF = " << sqlText(invoice.issuer)
-           << " AND S.Tipo = 'S'";
-  const Rows replacing(selector::kDocuments, replaced, documents_);
-  return replacing.hasRow() ? find(replacing.text("Serie_Numero")) : issued;
+  statement << sqlText(invoice.number) << " AND S.NIF = " << sqlText(invoice.issuer)
+            << " AND S.Tipo = 'S'";
+  const Rows row(selector::kDocuments, statement, documents_);
+  return row.hasRow() ? row.text("Serie_Numero") : std::string();
 }
 
 std::optional<StoredRegistration> Book::issuedWith(double ticket) const {

@@ -92,6 +92,8 @@ class Book {
   /// The ticket that an invoice was issued with, corrected or not; none where it stands in the
   /// place of tickets.
   std::optional<double> ticketOf(const InvoiceId& invoice) const;
+  /// The number of the invoice in the place of another one; "" for none.
+  std::string numberInPlaceOf(const InvoiceId& invoice) const;
   /// By the number that it bears, as it was corrected last.
   std::optional<StoredRegistration> find(const std::string& number) const;
   /// Whether a later record cancels it, replaces it, or rectifies it: "A", "S", "R".

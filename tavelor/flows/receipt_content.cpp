@@ -128,17 +128,6 @@ std::vector<std::string> partyLines(const fiscal::Party& party) {
   return lines;
 }
 
-/// The number of the invoice in the place of another one; "" for none.
-std::string replacementOf(const fiscal::InvoiceId& invoice, const ConnectionPtr& documents) {
-  Statement statement(
-      "SELECT R.Serie_Numero FROM Fiscal_Registros AS R INNER JOIN Fiscal_Relaciones AS S ON "
-      "R.Cadena = S.Cadena AND R.Posicion = S.Posicion WHERE S.Serie_Numero = ");
-  statement << sqlText(invoice.number) << " AND S.NIF = " << sqlText(invoice.issuer)
-            << " AND S.Tipo = 'S'";
-  const Rows row(selector::kDocuments, statement, documents);
-  return row.hasRow() ? row.text("Serie_Numero") : std::string();
-}
-
 ContentInvoice invoiceOf(const fiscal::Registration& record, const fiscal::Book& book) {
   ContentInvoice invoice;
   invoice.id = record.invoice;
@@ -156,7 +145,7 @@ ContentInvoice invoiceOf(const fiscal::Registration& record, const fiscal::Book&
   if (record.operationDay) note("Fecha de la operación " + dayInShort(*record.operationDay));
   for (const fiscal::Detail& detail : record.details) note(whyUntaxed(detail.operation));
   if (book.isRelated(record.invoice, "A")) note("ANULADA");
-  if (const std::string other = replacementOf(record.invoice, book.documents()); !other.empty()) {
+  if (const std::string other = book.numberInPlaceOf(record.invoice); !other.empty()) {
     note("Sustituida por la factura " + other);
   }
   const fiscal::Settings& settings = book.settings();
