@@ -2,22 +2,18 @@
 // Reads, checks and writes fiscal.xml.
 #include "tavelor/fiscal/settings.hpp"
 
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <pugixml.hpp>
 #include <sstream>
-#include <system_error>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
 #include "tavelor/fiscal/rules.hpp"
 #include "tavelor/platform/error.hpp"
-#include "tavelor/platform/text.hpp"
 #include "tavelor/services/installation.hpp"
 #include "tavelor/services/settings_file.hpp"
+#include "tavelor/services/settings_xml.hpp"
 
 namespace tavelor::fiscal {
 
@@ -36,68 +32,27 @@ constexpr std::size_t kLongestInstallation = 100;
 constexpr std::size_t kLongestSeries = 20;
 
 /// Takes the settings out of the parsed file; every complaint names file, line and column.
-class Reader {
+class Reader : private SettingsXml {
  public:
-  Reader(const fs::path& file, std::string text) : file_(file), text_(std::move(text)) {}
+  Reader(const fs::path& file, std::string text) : SettingsXml(file, std::move(text), kSource) {}
 
   Settings read() {
-    const pugi::xml_parse_result parsed =
-        document_.load_buffer(text_.data(), text_.size(), pugi::parse_default, pugi::encoding_utf8);
-    if (!parsed) complain(parsed.offset, parsed.description());
-    const pugi::xml_node root = document_.document_element();
-    if (std::string_view(root.name()) != "fiscal") {
-      complain(root, "the outermost element must be <fiscal>");
+    const pugi::xml_node fiscal = root("fiscal");
+    allowAttributes(fiscal, {"format"});
+    if (fiscal.attribute("format").value() != kFormat) {
+      complain(fiscal, fmt::format("the format of the file must be {}", kFormat));
     }
-    allowAttributes(root, {"format"});
-    if (root.attribute("format").value() != kFormat) {
-      complain(root, fmt::format("the format of the file must be {}", kFormat));
-    }
-    for (const pugi::xml_node node : root.children()) element(node);
+    for (const pugi::xml_node node : fiscal.children()) element(node);
     for (const char* const name : {"taxpayer", "system", "start"}) {
-      if (!root.child(name)) complain(root, fmt::format("there is no <{}>", name));
+      if (!fiscal.child(name)) complain(fiscal, fmt::format("there is no <{}>", name));
     }
     if (const auto faults = faultsOf(settings_); !faults.empty()) {
-      complain(root, fmt::format("{}", fmt::join(faults, "; ")));
+      complain(fiscal, fmt::format("{}", fmt::join(faults, "; ")));
     }
     return std::move(settings_);
   }
 
  private:
-  using Names = std::vector<std::string_view>;
-
-  [[noreturn]] void complain(std::ptrdiff_t offset, std::string_view what) const {
-    const TextPlace place = placeOf(text_, offset);
-    raise(
-        errors::kInvalidCall, kSource,
-        fmt::format("{}, line {}, column {}: {}.", file_.string(), place.line, place.column, what));
-  }
-  [[noreturn]] void complain(pugi::xml_node node, std::string_view what) const {
-    complain(node.offset_debug(), what);
-  }
-  [[noreturn]] void unknown(pugi::xml_node node, std::string_view kind, std::string_view name,
-                            const Names& known) const {
-    const std::string near = text::nearest(name, known);
-    complain(node, near.empty()
-                       ? fmt::format("unknown {} \"{}\"", kind, name)
-                       : fmt::format("unknown {} \"{}\"; did you mean \"{}\"?", kind, name, near));
-  }
-
-  /// An element says everything by its attributes.
-  void allowAttributes(pugi::xml_node node, const Names& known) const {
-    for (const pugi::xml_attribute attribute : node.attributes()) {
-      const std::string_view name = attribute.name();
-      if (std::find(known.begin(), known.end(), name) == known.end()) {
-        unknown(node, "attribute", name, known);
-      }
-      if (node.attribute(attribute.name()) != attribute) {
-        complain(node, fmt::format("the attribute \"{}\" is given twice", name));
-      }
-    }
-    if (node.parent().parent() && node.first_child()) {
-      complain(node.first_child(), fmt::format("<{}> takes attributes only", node.name()));
-    }
-  }
-
   void take(pugi::xml_node node, const char* name, std::string& to) const {
     if (const pugi::xml_attribute found = node.attribute(name)) to = found.value();
   }
@@ -136,17 +91,14 @@ class Reader {
                                  "start",    "series", "operations"};
     const std::string_view name = node.name();
     Settings& s = settings_;
-    if (node.type() != pugi::node_element) complain(node, "a text stands outside the elements");
-    if (node.parent().child(node.name()) != node) {
-      complain(node, fmt::format("<{}> is given twice", name));
-    }
+    mustBeOnlyOne(node);
     if (name == "taxpayer") {
-      allowAttributes(node, {"nif", "name"});
+      allowOnlyAttributes(node, {"nif", "name"});
       take(node, "nif", s.taxpayer.number);
       take(node, "name", s.taxpayer.name);
     } else if (name == "system") {
-      allowAttributes(node, {"producer-nif", "producer", "name", "id", "version", "installation",
-                             "only-sends", "may-serve-many", "serves-many"});
+      allowOnlyAttributes(node, {"producer-nif", "producer", "name", "id", "version",
+                                 "installation", "only-sends", "may-serve-many", "serves-many"});
       take(node, "producer-nif", s.system.producer.number);
       take(node, "producer", s.system.producer.name);
       take(node, "name", s.system.name);
@@ -157,25 +109,25 @@ class Reader {
       take(node, "may-serve-many", s.system.mayServeMany);
       take(node, "serves-many", s.system.servesMany);
     } else if (name == "mode") {
-      allowAttributes(node, {"word", "host", "endpoint"});
+      allowOnlyAttributes(node, {"word", "host", "endpoint"});
       choose<Mode>(node, "word", {{kSending, Mode::kSending}, {kNotSending, Mode::kNotSending}},
                    s.mode);
       choose(node, "host", {{"production", false}, {"test", true}}, s.isTest);
       take(node, "endpoint", s.endpoint);
     } else if (name == "certificate") {
-      allowAttributes(node, {"file", "password-variable"});
+      allowOnlyAttributes(node, {"file", "password-variable"});
       take(node, "file", s.certificate);
       take(node, "password-variable", s.passwordName);
     } else if (name == "start") {
-      allowAttributes(node, {"day"});
+      allowOnlyAttributes(node, {"day"});
       takeRead(node, "day", "a day as 01-01-2027", readDay, s.start);
     } else if (name == "series") {
-      allowAttributes(node, {"tickets", "invoices", "rectifying"});
+      allowOnlyAttributes(node, {"tickets", "invoices", "rectifying"});
       take(node, "tickets", s.series.tickets);
       take(node, "invoices", s.series.invoices);
       take(node, "rectifying", s.series.rectifying);
     } else if (name == "operations") {
-      allowAttributes(node, {"description", "zero-rate"});
+      allowOnlyAttributes(node, {"description", "zero-rate"});
       take(node, "description", s.description);
       takeRead(node, "zero-rate", "one of S1, S2, N1, N2 and E1 to E6", operationOf, s.zeroRate);
     } else {
@@ -183,9 +135,6 @@ class Reader {
     }
   }
 
-  const fs::path& file_;
-  std::string text_;
-  pugi::xml_document document_;
   Settings settings_;
 };
 
@@ -255,19 +204,9 @@ std::string settingsFile(const Installation& installation) {
 
 std::optional<Settings> readSettings(const Installation& installation) {
   const fs::path file = settingsFile(installation);
-  std::error_code error;
-  const fs::file_status status = fs::status(file, error);
-  if (status.type() == fs::file_type::not_found) return std::nullopt;
-  std::ifstream in(file, std::ios::binary);
-  std::string text;
-  if (status.type() == fs::file_type::regular && in) {
-    text.assign(std::istreambuf_iterator<char>(in), {});
-  }
-  if (status.type() != fs::file_type::regular || !in) {
-    raise(errors::kPathAccess, kSource,
-          fmt::format("The settings file {} cannot be read.", file.string()));
-  }
-  Settings settings = Reader(file, std::move(text)).read();
+  std::optional<std::string> text = readSettingsText(file, kSource);
+  if (!text) return std::nullopt;
+  Settings settings = Reader(file, std::move(*text)).read();
   if (settings.system.version.empty()) settings.system.version = TAVELOR_VERSION;
   return settings;
 }

@@ -6,11 +6,9 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
+#include <optional>
 #include <pugixml.hpp>
 #include <sstream>
-#include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
@@ -23,6 +21,7 @@
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/engines.hpp"
 #include "tavelor/services/installation.hpp"
+#include "tavelor/services/settings_xml.hpp"
 
 namespace tavelor {
 
@@ -39,89 +38,35 @@ constexpr std::size_t kLongestSchema = 63;
 constexpr std::size_t kLargestFile = 1 << 20;
 
 std::string readWhole(const fs::path& file) {
-  std::error_code error;
-  const fs::file_status status = fs::status(file, error);
-  if (status.type() == fs::file_type::not_found) {
+  std::optional<std::string> text = readSettingsText(file, kSource);
+  if (!text) {
     raise(errors::kFileNotFound, kSource,
           fmt::format("{} is no installation: it has no {}.", file.parent_path().string(),
                       file.filename().string()));
   }
-  std::ifstream in(file, std::ios::binary);
-  std::string text;
-  if (status.type() == fs::file_type::regular && in) {
-    text.assign(std::istreambuf_iterator<char>(in), {});
-  }
-  if (status.type() != fs::file_type::regular || !in) {
-    raise(errors::kPathAccess, kSource,
-          fmt::format("The settings file {} cannot be read.", file.string()));
-  }
-  if (text.size() > kLargestFile) {
+  if (text->size() > kLargestFile) {
     raise(errors::kInvalidCall, kSource,
           fmt::format("{} is too large for a settings file.", file.string()));
   }
-  return text;
+  return std::move(*text);
 }
 
 /// Takes the settings out of the parsed file; every complaint names file, line and column.
-class Reader {
+class Reader : private SettingsXml {
  public:
-  Reader(const fs::path& file, std::string text) : file_(file), text_(std::move(text)) {}
+  Reader(const fs::path& file, std::string text) : SettingsXml(file, std::move(text), kSource) {}
 
   Settings read() {
-    const pugi::xml_parse_result parsed =
-        document_.load_buffer(text_.data(), text_.size(), pugi::parse_default, pugi::encoding_utf8);
-    if (!parsed) complain(parsed.offset, parsed.description());
-    const pugi::xml_node root = document_.document_element();
-    if (std::string_view(root.name()) != "installation") {
-      complain(root, "the outermost element must be <installation>");
+    const pugi::xml_node installation = root("installation");
+    allowAttributes(installation, {"format"});
+    if (whole(installation, "format", 0, 0, 1'000'000) != kFormat) {
+      complain(installation, fmt::format("the format of the file must be {}", kFormat));
     }
-    allowAttributes(root, {"format"});
-    if (whole(root, "format", 0, 0, 1'000'000) != kFormat) {
-      complain(root, fmt::format("the format of the file must be {}", kFormat));
-    }
-    for (const pugi::xml_node node : root.children()) element(node);
+    for (const pugi::xml_node node : installation.children()) element(node);
     return std::move(settings_);
   }
 
  private:
-  using Names = std::vector<std::string_view>;
-
-  [[noreturn]] void complain(std::ptrdiff_t offset, std::string_view what) const {
-    const TextPlace place = placeOf(text_, offset);
-    raise(
-        errors::kInvalidCall, kSource,
-        fmt::format("{}, line {}, column {}: {}.", file_.string(), place.line, place.column, what));
-  }
-  [[noreturn]] void complain(pugi::xml_node node, std::string_view what) const {
-    complain(node.offset_debug(), what);
-  }
-  [[noreturn]] void unknown(pugi::xml_node node, std::string_view kind, std::string_view name,
-                            const Names& known) const {
-    const std::string near = text::nearest(name, known);
-    complain(node, near.empty()
-                       ? fmt::format("unknown {} \"{}\"", kind, name)
-                       : fmt::format("unknown {} \"{}\"; did you mean \"{}\"?", kind, name, near));
-  }
-
-  void allowAttributes(pugi::xml_node node, const Names& known) const {
-    for (const pugi::xml_attribute attribute : node.attributes()) {
-      const std::string_view name = attribute.name();
-      if (std::find(known.begin(), known.end(), name) == known.end()) {
-        unknown(node, "attribute", name, known);
-      }
-      if (node.attribute(attribute.name()) != attribute) {
-        complain(node, fmt::format("the attribute \"{}\" is given twice", name));
-      }
-    }
-  }
-  /// The same for an element that says everything by its attributes.
-  void allowOnlyAttributes(pugi::xml_node node, const Names& known) const {
-    allowAttributes(node, known);
-    if (node.first_child()) {
-      complain(node.first_child(), fmt::format("<{}> takes attributes only", node.name()));
-    }
-  }
-
   std::string attribute(pugi::xml_node node, const char* name, std::string_view fallback) const {
     const pugi::xml_attribute found = node.attribute(name);
     return found ? found.value() : std::string(fallback);
@@ -162,10 +107,7 @@ class Reader {
                                  "server",  "registry", "folders", "modes",   "trace"};
     const std::string_view name = node.name();
     Settings& s = settings_;
-    if (node.type() != pugi::node_element) complain(node, "a text stands outside the elements");
-    if (node.parent().child(node.name()) != node) {
-      complain(node, fmt::format("<{}> is given twice", name));
-    }
+    mustBeOnlyOne(node);
     if (name == "company") {
       s.company = content(node);
     } else if (name == "product") {
@@ -252,9 +194,6 @@ class Reader {
     }
   }
 
-  const fs::path& file_;
-  std::string text_;
-  pugi::xml_document document_;
   Settings settings_;
 };
 
