@@ -24,25 +24,12 @@
 #include "tavelor/services/recordset/connection.hpp"
 #include "tavelor/services/recordset/row.hpp"
 #include "tests/support/records.hpp"
+#include "tests/support/sales.hpp"
 
 namespace tavelor::bench {
 
 flows::Sale shopSale(int turn, int lines, Date day) {
-  flows::Sale sale;
-  sale.reference = fmt::format("V{}-{}", lines, turn);
-  sale.till = "01";
-  sale.day = day;
-  sale.time = "10:32";
-  sale.payment = "1";
-  for (int i = 0; i < lines; ++i) {
-    sale.lines.push_back({.code = fmt::format("A{:02}", i),
-                          .description = "Barra",
-                          .family = "PAN",
-                          .quantity = 1,
-                          .price = 1.21,
-                          .tax = 21});
-  }
-  return sale;
+  return test::saleOfArticles(fmt::format("V{}-{}", lines, turn), lines, day);
 }
 
 namespace {

@@ -21,6 +21,7 @@
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/clock.hpp"
 #include "tavelor/services/installation.hpp"
+#include "tests/support/sales.hpp"
 #include "tests/support/temporary_folder.hpp"
 
 namespace tavelor::bench {
@@ -48,20 +49,11 @@ std::string tillCode(int till) {
 }
 
 flows::Sale saleOf(int till, int turn, Date day) {
-  flows::Sale sale;
-  sale.reference = fmt::format("{}-{}", till, turn);
+  flows::Sale sale = test::saleOfArticles(fmt::format("{}-{}", till, turn), kLines, day);
   sale.till = tillCode(till);
-  sale.day = day;
-  sale.time = "10:32";
-  sale.payment = "1";
-  for (int i = 0; i < kLines; ++i) {
-    sale.lines.push_back(
-        {.code = fmt::format("A{:04}", (till * 31 + turn * 7 + i * 331) % kArticles),
-         .description = "Barra",
-         .family = "PAN",
-         .quantity = 1,
-         .price = 1.21,
-         .tax = 21});
+  int place = 0;
+  for (flows::SaleLine& line : sale.lines) {
+    line.code = fmt::format("A{:04}", (till * 31 + turn * 7 + place++ * 331) % kArticles);
   }
   return sale;
 }

@@ -63,7 +63,7 @@ class EmbeddedPlace final : public Place {
   char placeholder() const override { return '?'; }
 
  private:
-  TempFolder folder_;
+  TemporaryFolder folder_;
 };
 
 class ServerPlace final : public Place {

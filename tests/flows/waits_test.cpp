@@ -12,6 +12,7 @@
 #include "tavelor/frame/class_info.hpp"
 #include "tavelor/services/clock.hpp"
 #include "tavelor/services/recordset/read_ahead.hpp"
+#include "tests/support/sales.hpp"
 #include "tests/support/shop.hpp"
 
 namespace tavelor::flows {
@@ -21,21 +22,7 @@ const Date kDay = Date::of(2026, 11, 20);
 
 /// Sells different articles, as many as it has lines.
 Sale saleOf(const std::string& reference, int lines) {
-  Sale sale;
-  sale.reference = reference;
-  sale.till = "01";
-  sale.day = kDay;
-  sale.time = "10:32";
-  sale.payment = "1";
-  for (int i = 0; i < lines; ++i) {
-    sale.lines.push_back({.code = fmt::format("A{:02}", i),
-                          .description = "Barra",
-                          .family = "PAN",
-                          .quantity = 2,
-                          .price = 1.21,
-                          .tax = 21});
-  }
-  return sale;
+  return test::saleOfArticles(reference, lines, kDay, 2);
 }
 
 class WaitsTest : public testing::Test {

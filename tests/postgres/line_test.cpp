@@ -7,20 +7,13 @@
 namespace tavelor::engine::test {
 namespace {
 
-class PostgresLine : public ServerTest {
+class PostgresLine : public SessionTest {
  protected:
   void SetUp() override {
-    ServerTest::SetUp();
+    SessionTest::SetUp();
     if (IsSkipped()) return;
-    schema.emplace();
-    session = schema->open(&shared);
     session->execute("CREATE TABLE " + schema->table("T") +
                      " (a integer, b text, c numeric(19,4))");
-  }
-  void TearDown() override {
-    session.reset();
-    shared.reset();
-    schema.reset();
   }
   std::int64_t compiled() const {
     return wholeOf(*session,
@@ -28,16 +21,6 @@ class PostgresLine : public ServerTest {
                    "' || '" +
                        schema->name() + "' || '%' AND statement NOT LIKE '%pg_prepared%'");
   }
-  template <typename Action>
-  std::int64_t waitsOf(Action action) {
-    const std::int64_t before = session->waits();
-    action();
-    return session->waits() - before;
-  }
-
-  std::optional<ServerSchema> schema;
-  std::shared_ptr<Shared> shared;
-  std::unique_ptr<Session> session;
 };
 
 TEST_F(PostgresLine, SessionsOfOneApartmentShareItAndOthersDoNot) {

@@ -7,13 +7,11 @@ namespace {
 
 using Ahead = Session::Ahead;
 
-class PostgresReadAhead : public ServerTest {
+class PostgresReadAhead : public SessionTest {
  protected:
   void SetUp() override {
-    ServerTest::SetUp();
+    SessionTest::SetUp();
     if (IsSkipped()) return;
-    schema.emplace();
-    session = schema->open(&shared);
     session->execute("CREATE TABLE " + schema->table("T") + " (a integer PRIMARY KEY, b integer)");
     session->execute("INSERT INTO " + schema->table("T") + " VALUES (1, 10), (2, 20)");
     read = session->prepare("SELECT b FROM " + schema->table("T") + " WHERE a = $1");
@@ -21,9 +19,7 @@ class PostgresReadAhead : public ServerTest {
   }
   void TearDown() override {
     read.reset();
-    session.reset();
-    shared.reset();
-    schema.reset();
+    SessionTest::TearDown();
   }
 
   /// b where a is that; nothing where there is no row.
@@ -39,16 +35,7 @@ class PostgresReadAhead : public ServerTest {
     session->readAhead(Ahead::kAnswer);
   }
   std::int64_t write(const std::string& text) { return session->prepare(text)->send(); }
-  template <typename Action>
-  std::int64_t waitsOf(Action&& action) {
-    const std::int64_t before = session->waits();
-    action();
-    return session->waits() - before;
-  }
 
-  std::optional<ServerSchema> schema;
-  std::shared_ptr<Shared> shared;
-  std::unique_ptr<Session> session;
   std::unique_ptr<Prepared> read;
 };
 

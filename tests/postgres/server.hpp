@@ -4,6 +4,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <cstdlib>
 #include <map>
 #include <memory>
@@ -102,6 +103,33 @@ class ServerTest : public testing::Test {
   void SetUp() override {
     if (!testServer()) GTEST_SKIP() << kNoServer;
   }
+};
+
+/// A session in a schema of its own.
+class SessionTest : public ServerTest {
+ protected:
+  void SetUp() override {
+    ServerTest::SetUp();
+    if (IsSkipped()) return;
+    schema.emplace();
+    session = schema->open(&shared);
+  }
+  void TearDown() override {
+    session.reset();
+    shared.reset();
+    schema.reset();
+  }
+  /// How often the line is waited for.
+  template <typename Action>
+  std::int64_t waitsOf(Action&& action) {
+    const std::int64_t before = session->waits();
+    action();
+    return session->waits() - before;
+  }
+
+  std::optional<ServerSchema> schema;
+  std::shared_ptr<Shared> shared;
+  std::unique_ptr<Session> session;
 };
 
 }  // namespace tavelor::engine::test

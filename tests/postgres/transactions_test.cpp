@@ -7,20 +7,17 @@
 namespace tavelor::engine::test {
 namespace {
 
-class PostgresTransactions : public ServerTest {
+class PostgresTransactions : public SessionTest {
  protected:
   void SetUp() override {
-    ServerTest::SetUp();
+    SessionTest::SetUp();
     if (IsSkipped()) return;
-    schema.emplace();
-    session = schema->open(&shared);
     other = schema->open(&shared);
     session->execute("CREATE TABLE " + schema->table("T") + " (a integer PRIMARY KEY)");
   }
   void TearDown() override {
     other.reset();
-    session.reset();
-    schema.reset();
+    SessionTest::TearDown();
   }
   std::unique_ptr<Prepared> insert(Session& into, int key) {
     auto statement = into.prepare("INSERT INTO " + schema->table("T") + " VALUES ($1)");
@@ -37,16 +34,7 @@ class PostgresTransactions : public ServerTest {
   std::int64_t keysSeen() {
     return wholeOf(*other, "SELECT count(*)::integer FROM " + schema->table("T"));
   }
-  template <typename Action>
-  std::int64_t waitsOf(Action action) {
-    const std::int64_t before = session->waits();
-    action();
-    return session->waits() - before;
-  }
 
-  std::optional<ServerSchema> schema;
-  std::shared_ptr<Shared> shared;
-  std::unique_ptr<Session> session;
   std::unique_ptr<Session> other;
 };
 

@@ -249,20 +249,20 @@ TEST_F(Batch, GroupWritesTheRowsOfTheGroup) {
   const auto set = openBanks();
   edit(*set, "001", "x");
   edit(*set, "002", "y");
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(Affect::kGroup); }), 3219);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(Affect::kGroup); }), 3219);
   set->Filter({2.0});
   set->UpdateBatch(Affect::kGroup);
   EXPECT_EQ(description("001"), "Uno");
   EXPECT_EQ(description("002"), "y");
   set->Filter(FilterGroup::kConflicting);
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(Affect::kGroup); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(Affect::kGroup); }), 3021);
 }
 
 TEST_F(Batch, CurrentWithoutARowRaisesNoCurrentRecord) {
   const auto set = openBanks();
   set->MoveLast();
   set->MoveNext();
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(Affect::kCurrent); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(Affect::kCurrent); }), 3021);
 }
 
 TEST_F(Batch, WithNothingPendingDoesNothing) {
@@ -279,7 +279,7 @@ TEST_F(Batch, AChangeOfTheSameColumnByAnotherIsAConflictAndOtherRowsAreWritten) 
   edit(*set, "001", "x");
   edit(*set, "002", "y");
   run("UPDATE Bancos SET Descripcion = 'ajeno' WHERE Codigo = '001'");
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
   EXPECT_EQ(description("001"), "ajeno");
   EXPECT_EQ(description("002"), "y");
   set->Filter(FilterGroup::kConflicting);
@@ -307,7 +307,7 @@ TEST_F(Batch, ARowThatAnotherDeletedIsAConflict) {
   set->MoveNext();
   set->Delete();
   run("DELETE FROM Bancos");
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
   set->Filter(FilterGroup::kConflicting);
   EXPECT_EQ(set->RecordCount(), 2);
 }
@@ -316,7 +316,7 @@ TEST_F(Batch, CancelBatchGivesUpAConflictAndRequeryShowsTheOthersValue) {
   const auto set = openBanks();
   edit(*set, "001", "x");
   run("UPDATE Bancos SET Descripcion = 'ajeno' WHERE Codigo = '001'");
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
   set->CancelBatch();
   set->Requery();
   EXPECT_EQ(textAt(*set, "Descripcion"), "ajeno");
@@ -329,7 +329,7 @@ TEST_F(Batch, ADuplicateKeyWritesNothingAndAllRowsStayPending) {
   edit(*set, "001", "x");
   set->AddNew({"Codigo", "Descripcion"}, {"004", "Cuatro"});
   set->AddNew({"Codigo", "Descripcion"}, {"002", "doble"});
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kIntegrityViolation);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kIntegrityViolation);
   EXPECT_EQ(description("001"), "Uno");
   EXPECT_EQ(scalar("SELECT COUNT(*) FROM Bancos"), "3");
   EXPECT_EQ(connection->transactionLevel(), 0);
@@ -352,7 +352,7 @@ TEST_F(Batch, ADuplicateKeyWritesNothingAndAllRowsStayPending) {
 TEST_F(Batch, ANullThatTheTableRefusesIsAnIntegrityViolation) {
   const auto set = open("SELECT Id, Ticket, Texto FROM Lineas");
   set->AddNew({"Texto"}, {"sin ticket"});
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kIntegrityViolation);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kIntegrityViolation);
   EXPECT_EQ(set->RecordCount(), 1);
 }
 
@@ -361,7 +361,7 @@ TEST_F(Batch, SeveralRowsAreOneTransaction) {
   edit(*set, "001", "x");
   set->MoveNext();
   set->Field("Codigo").Value("003");  // the key of another row
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kIntegrityViolation);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kIntegrityViolation);
   EXPECT_EQ(description("001"), "Uno");
 }
 
@@ -384,7 +384,7 @@ TEST_F(Batch, AFailedBatchLeavesTheCallersTransactionAsItWas) {
   run("UPDATE Bancos SET Descripcion = 'antes' WHERE Codigo = '003'");
   edit(*set, "001", "x");
   set->AddNew({"Codigo"}, {"002"});
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kIntegrityViolation);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kIntegrityViolation);
   connection->CommitTrans();
   EXPECT_EQ(description("003"), "antes");
   EXPECT_EQ(description("001"), "Uno");
@@ -393,7 +393,7 @@ TEST_F(Batch, AFailedBatchLeavesTheCallersTransactionAsItWas) {
 TEST_F(Batch, AComputedFieldCannotBeWritten) {
   const auto set = open("SELECT Codigo, Saldo * 2 AS Doble FROM Bancos");
   set->Field("Doble").Value(1);
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kMultipleStep);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kMultipleStep);
   EXPECT_EQ(set->Status(), record_status::kModified | record_status::kInvalid);
 }
 
@@ -459,7 +459,7 @@ TEST_F(Batch, ADisconnectedSetKeepsItsChangesAndWritesThemOverAnotherConnection)
   edit(*set, "001", "x");
   set->ActiveConnection(nullptr);
   EXPECT_EQ(set->ActiveConnection(), nullptr);
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), 3709);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), 3709);
   EXPECT_EQ(set->RecordCount(), 3);
   set->ActiveConnection(connect(lease));
   set->UpdateBatch();
@@ -491,8 +491,8 @@ TEST_F(Batch, AnOptimisticSetWritesEachUpdateAndDeleteAtOnce) {
   EXPECT_EQ(scalar("SELECT COUNT(*) FROM Bancos"), "4");
   set.Delete();
   EXPECT_EQ(scalar("SELECT COUNT(*) FROM Bancos"), "3");
-  EXPECT_EQ(raisedBy([&] { set.CancelBatch(Affect::kAll); }), 3219);
-  EXPECT_EQ(raisedBy([&] { set.LockType(LockType::kBatchOptimistic); }), 3705);
+  EXPECT_EQ(errorOf([&] { set.CancelBatch(Affect::kAll); }), 3219);
+  EXPECT_EQ(errorOf([&] { set.LockType(LockType::kBatchOptimistic); }), 3705);
 }
 
 TEST_F(Batch, AnImmediateUpdateThatFailsStaysInEditUntilItIsMendedOrCancelled) {
@@ -502,11 +502,11 @@ TEST_F(Batch, AnImmediateUpdateThatFailsStaysInEditUntilItIsMendedOrCancelled) {
   set.Sort("Codigo");
   for (const char* attempt : {"first", "again"}) {
     set.Field("Codigo").Value("002");
-    EXPECT_EQ(raisedBy([&] { set.Update(); }), errors::kIntegrityViolation) << attempt;
+    EXPECT_EQ(errorOf([&] { set.Update(); }), errors::kIntegrityViolation) << attempt;
     EXPECT_EQ(set.EditMode(), EditMode::kInProgress) << attempt;
     EXPECT_EQ(textAt(set, "Codigo"), "002") << attempt;
   }
-  EXPECT_EQ(raisedBy([&] { set.MoveNext(); }), errors::kIntegrityViolation);
+  EXPECT_EQ(errorOf([&] { set.MoveNext(); }), errors::kIntegrityViolation);
   EXPECT_EQ(set.AbsolutePosition(), 1);
   set.Field("Codigo").Value("009");
   set.Update();
@@ -514,7 +514,7 @@ TEST_F(Batch, AnImmediateUpdateThatFailsStaysInEditUntilItIsMendedOrCancelled) {
   EXPECT_EQ(description("009"), "Uno");
 
   set.Field("Codigo").Value("003");
-  EXPECT_EQ(raisedBy([&] { set.Update(); }), errors::kIntegrityViolation);
+  EXPECT_EQ(errorOf([&] { set.Update(); }), errors::kIntegrityViolation);
   set.CancelUpdate();
   EXPECT_EQ(textAt(set, "Codigo"), "009");
   EXPECT_FALSE(set.hasUnwrittenChanges());
@@ -526,7 +526,7 @@ TEST_F(Batch, AnImmediateNewRowThatFailsStaysInAddMode) {
   set.Open(Statement("SELECT * FROM Bancos ORDER BY Codigo"), connection);
   set.AddNew();
   set.Field("Codigo").Value("002");
-  EXPECT_EQ(raisedBy([&] { set.Update(); }), errors::kIntegrityViolation);
+  EXPECT_EQ(errorOf([&] { set.Update(); }), errors::kIntegrityViolation);
   EXPECT_EQ(set.EditMode(), EditMode::kAdd);
   EXPECT_EQ(set.Clone()->RecordCount(), 3) << "seen by this set only";
   set.Field("Codigo").Value("004");
@@ -540,7 +540,7 @@ TEST_F(Batch, AnImmediateNewRowWithValuesThatIsRefusedIsNotThere) {
   Recordset set;
   set.LockType(LockType::kOptimistic);
   set.Open(Statement("SELECT * FROM Bancos ORDER BY Codigo"), connection);
-  EXPECT_EQ(raisedBy([&] { set.AddNew({"Codigo"}, {"002"}); }), errors::kIntegrityViolation);
+  EXPECT_EQ(errorOf([&] { set.AddNew({"Codigo"}, {"002"}); }), errors::kIntegrityViolation);
   EXPECT_EQ(set.RecordCount(), 3);
   EXPECT_EQ(set.EditMode(), EditMode::kNone);
   EXPECT_EQ(textAt(set, "Codigo"), "001");

@@ -37,7 +37,7 @@ class Criteria : public testing::Test {
     return column(set, "Id");
   }
   std::int32_t number(std::string_view criteria) {
-    return raisedBy([&] { set.Filter(criteria); });
+    return errorOf([&] { set.Filter(criteria); });
   }
 
   Recordset set;
@@ -198,7 +198,7 @@ TEST_F(Criteria, WordsOfStatementsThatCriteriaHaveNotAreRefusedByName) {
         "Id Between 1 And 2", "[Id] Between 1 And 2", "Texto Is Null", "Texto Is Not Null",
         "Texto Not Like 'a*'", "Forma Pago In ('x')", "Nada In (1)"}) {
     EXPECT_EQ(number(text), 3001) << text;
-    EXPECT_EQ(raisedBy([&] { set.Find(text); }), 3001) << text;
+    EXPECT_EQ(errorOf([&] { set.Find(text); }), 3001) << text;
   }
   EXPECT_THAT(sentenceOf([&] { set.Filter("Id = 2 AND Id in (1)"); }),
               HasSubstr("criteria have no IN"));

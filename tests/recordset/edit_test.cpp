@@ -85,15 +85,15 @@ TEST(EditFabricated, AddNewWhileAddingPostsTheRowBefore) {
 
 TEST(EditFabricated, ArraysOfDifferentLengthAreRefused) {
   const auto set = three();
-  EXPECT_EQ(raisedBy([&] { set->AddNew({"Nombre"}, {"x", 1}); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set->Update({"Nombre", "Numero"}, {"x"}); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->AddNew({"Nombre"}, {"x", 1}); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Update({"Nombre", "Numero"}, {"x"}); }), 3001);
   EXPECT_EQ(set->RecordCount(), 3);
 }
 
 TEST(EditFabricated, AddNewWithABadValueAddsNoRow) {
   const auto set = three();
-  EXPECT_EQ(raisedBy([&] { set->AddNew({"Nombre", "Numero"}, {"x", "uno"}); }), 3421);
-  EXPECT_EQ(raisedBy([&] { set->AddNew({"Nadie"}, {"x"}); }), 3265);
+  EXPECT_EQ(errorOf([&] { set->AddNew({"Nombre", "Numero"}, {"x", "uno"}); }), 3421);
+  EXPECT_EQ(errorOf([&] { set->AddNew({"Nadie"}, {"x"}); }), 3265);
   EXPECT_EQ(set->RecordCount(), 3);
   EXPECT_EQ(textAt(*set, "Nombre"), "a");
 }
@@ -199,9 +199,9 @@ TEST_F(Edit, ADeletedRowStaysCurrentAndItsFieldsCannotBeRead) {
   EXPECT_FALSE(set->Eof());
   EXPECT_EQ(set->EditMode(), EditMode::kDelete);
   EXPECT_EQ(set->Status(), record_status::kDeleted);
-  EXPECT_EQ(raisedBy([&] { set->Field("Codigo").Value(); }), errors::kDeletedRow);
-  EXPECT_EQ(raisedBy([&] { set->Field("Codigo").Value("x"); }), errors::kDeletedRow);
-  EXPECT_EQ(raisedBy([&] { set->Delete(); }), errors::kDeletedRow);
+  EXPECT_EQ(errorOf([&] { set->Field("Codigo").Value(); }), errors::kDeletedRow);
+  EXPECT_EQ(errorOf([&] { set->Field("Codigo").Value("x"); }), errors::kDeletedRow);
+  EXPECT_EQ(errorOf([&] { set->Delete(); }), errors::kDeletedRow);
   EXPECT_EQ(set->Field("Codigo").OriginalValue(), Variant("001"));
 }
 
@@ -278,9 +278,9 @@ TEST_F(Edit, CancelUpdateBringsADeletedRowBackAfterPositionsWereCounted) {
 
 TEST_F(Edit, DeleteTakesTheCurrentRowOrAGroupOnly) {
   const auto set = openBanks();
-  EXPECT_EQ(raisedBy([&] { set->Delete(Affect::kAll); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set->Delete(Affect::kAllChapters); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set->Delete(Affect::kGroup); }), 3219);
+  EXPECT_EQ(errorOf([&] { set->Delete(Affect::kAll); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Delete(Affect::kAllChapters); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Delete(Affect::kGroup); }), 3219);
   EXPECT_EQ(set->RecordCount(), 3);
 }
 
@@ -304,10 +304,10 @@ TEST_F(Edit, DeletingEveryRowInALoopLeavesNone) {
 TEST_F(Edit, AReadOnlyCloneRefusesChanges) {
   const auto set = openBanks();
   const auto clone = set->Clone(LockType::kReadOnly);
-  EXPECT_EQ(raisedBy([&] { clone->AddNew(); }), 3251);
-  EXPECT_EQ(raisedBy([&] { clone->Delete(); }), 3251);
-  EXPECT_EQ(raisedBy([&] { clone->Field(0).Value("x"); }), 3251);
-  EXPECT_EQ(raisedBy([&] { clone->UpdateBatch(); }), 3251);
+  EXPECT_EQ(errorOf([&] { clone->AddNew(); }), 3251);
+  EXPECT_EQ(errorOf([&] { clone->Delete(); }), 3251);
+  EXPECT_EQ(errorOf([&] { clone->Field(0).Value("x"); }), 3251);
+  EXPECT_EQ(errorOf([&] { clone->UpdateBatch(); }), 3251);
 }
 
 }  // namespace

@@ -202,18 +202,18 @@ TEST_F(Events, CloseIsTold) {
 
 TEST_F(Events, AVetoStopsTheMoveAndTheCompleteSaysSo) {
   listener.veto = "WillMove";
-  EXPECT_EQ(raisedBy([&] { set->MoveNext(); }), errors::kOperationCanceled);
+  EXPECT_EQ(errorOf([&] { set->MoveNext(); }), errors::kOperationCanceled);
   EXPECT_EQ(textAt(*set, "Nombre"), "a");
   EXPECT_THAT(listener.log, ElementsAre("WillMove 13", "MoveComplete 13 failed -2147217842"));
 }
 
 TEST_F(Events, AVetoStopsEditsAdditionsAndDeletions) {
   listener.veto = "WillChangeRecord";
-  EXPECT_EQ(raisedBy([&] { set->Field("Nombre").Value("x"); }), errors::kOperationCanceled);
-  EXPECT_EQ(raisedBy([&] { set->AddNew(); }), errors::kOperationCanceled);
-  EXPECT_EQ(raisedBy([&] { set->Delete(); }), errors::kOperationCanceled);
+  EXPECT_EQ(errorOf([&] { set->Field("Nombre").Value("x"); }), errors::kOperationCanceled);
+  EXPECT_EQ(errorOf([&] { set->AddNew(); }), errors::kOperationCanceled);
+  EXPECT_EQ(errorOf([&] { set->Delete(); }), errors::kOperationCanceled);
   listener.veto = "WillChangeField";
-  EXPECT_EQ(raisedBy([&] { set->Field("Nombre").Value("x"); }), errors::kOperationCanceled);
+  EXPECT_EQ(errorOf([&] { set->Field("Nombre").Value("x"); }), errors::kOperationCanceled);
   EXPECT_EQ(set->RecordCount(), 2);
   EXPECT_EQ(textAt(*set, "Nombre"), "a");
   EXPECT_EQ(set->EditMode(), EditMode::kNone);
@@ -222,7 +222,7 @@ TEST_F(Events, AVetoStopsEditsAdditionsAndDeletions) {
 TEST_F(Events, AVetoOfTheUpdateKeepsTheRowInEdit) {
   set->Field("Nombre").Value("x");
   listener.veto = "WillChangeRecord";
-  EXPECT_EQ(raisedBy([&] { set->MoveNext(); }), errors::kOperationCanceled);
+  EXPECT_EQ(errorOf([&] { set->MoveNext(); }), errors::kOperationCanceled);
   EXPECT_EQ(set->EditMode(), EditMode::kInProgress);
   listener.veto.clear();
   set->CancelUpdate();
@@ -230,7 +230,7 @@ TEST_F(Events, AVetoOfTheUpdateKeepsTheRowInEdit) {
 }
 
 TEST_F(Events, AFailureIsToldInTheComplete) {
-  EXPECT_EQ(raisedBy([&] { set->Filter("Nadie = 1"); }), 3265);
+  EXPECT_EQ(errorOf([&] { set->Filter("Nadie = 1"); }), 3265);
   EXPECT_THAT(listener.log, ElementsAre("WillMove 10", "MoveComplete 10 failed 3265"));
 }
 
@@ -244,7 +244,7 @@ TEST_F(Events, AnUnwantedEventIsNotToldAgain) {
 TEST_F(Events, TheFilterMayNotBeSetWhileAChangeIsBeingAsked) {
   std::int32_t number = 0;
   listener.also = [&](const std::string& event, Recordset& s) {
-    if (event == "WillChangeRecord") number = raisedBy([&] { s.Filter("Numero = 1"); });
+    if (event == "WillChangeRecord") number = errorOf([&] { s.Filter("Numero = 1"); });
   };
   set->Delete();
   EXPECT_EQ(number, 3219);
@@ -308,7 +308,7 @@ TEST_F(Events, AListenerMayCloseTheSetInsideAnyEvent) {
         if (++events == at && s.State() == ObjectState::kOpen) s.Close();
       };
       victim->addListener(&closer);
-      raisedBy([&] { works[work](*victim); });
+      errorOf([&] { works[work](*victim); });
       victim->removeListener(&closer);
       if (victim->State() == ObjectState::kOpen) {
         EXPECT_GE(victim->RecordCount(), 1);
@@ -323,12 +323,12 @@ TEST_F(Events, AListenerMayMoveTheSetInsideAnyEvent) {
     Listener mover;
     int events = 0;
     mover.also = [&](const std::string&, Recordset& s) {
-      if (++events == at) raisedBy([&] { s.MoveLast(); });
+      if (++events == at) errorOf([&] { s.MoveLast(); });
     };
     victim->addListener(&mover);
-    raisedBy([&] { victim->Field("Nombre").Value("x"); });
-    raisedBy([&] { victim->MoveNext(); });
-    raisedBy([&] { victim->Delete(); });
+    errorOf([&] { victim->Field("Nombre").Value("x"); });
+    errorOf([&] { victim->MoveNext(); });
+    errorOf([&] { victim->Delete(); });
     victim->removeListener(&mover);
     EXPECT_GE(victim->RecordCount(), 2);
   }
@@ -338,7 +338,7 @@ TEST_F(Events, ARowTakenAwayByAListenerFailsTheChange) {
   listener.also = [](const std::string& event, Recordset& s) {
     if (event == "WillChangeRecord") s.MoveNext();
   };
-  EXPECT_EQ(raisedBy([&] { set->Delete(); }), 3219);
+  EXPECT_EQ(errorOf([&] { set->Delete(); }), 3219);
   EXPECT_EQ(set->RecordCount(), 2);
 }
 

@@ -20,11 +20,11 @@ TEST_F(FieldRules, AreFoundByPositionFromZeroAndByNameWithoutRegardToCase) {
 
 TEST_F(FieldRules, AnUnknownNameOrPositionIsNotInTheCollection) {
   const auto set = openBanks();
-  EXPECT_EQ(raisedBy([&] { set->Fields().Item(10); }), 3265);
-  EXPECT_EQ(raisedBy([&] { set->Fields().Item(-1); }), 3265);
-  EXPECT_EQ(raisedBy([&] { set->Fields().Item(Variant(1000)); }), 3265);
-  EXPECT_EQ(raisedBy([&] { set->Fields().Item(Variant(connection)); }), 3265);
-  EXPECT_EQ(raisedBy([&] { set->Fields().Item(Variant(Null{})); }), 3265);
+  EXPECT_EQ(errorOf([&] { set->Fields().Item(10); }), 3265);
+  EXPECT_EQ(errorOf([&] { set->Fields().Item(-1); }), 3265);
+  EXPECT_EQ(errorOf([&] { set->Fields().Item(Variant(1000)); }), 3265);
+  EXPECT_EQ(errorOf([&] { set->Fields().Item(Variant(connection)); }), 3265);
+  EXPECT_EQ(errorOf([&] { set->Fields().Item(Variant(Null{})); }), 3265);
   EXPECT_THAT(sentenceOf([&] { set->Field("Descripcio"); }), HasSubstr("'Descripcion'"));
 }
 
@@ -33,14 +33,14 @@ TEST_F(FieldRules, AnAliasIsTheNameAccentsIncluded) {
   EXPECT_EQ(set->Field(0).Name(), "Código");
   EXPECT_EQ(textAt(*set, "código"), "001");
   EXPECT_EQ(textAt(*set, "CÓDIGO"), "001");
-  EXPECT_EQ(raisedBy([&] { set->Field("Codigo"); }), 3265);
+  EXPECT_EQ(errorOf([&] { set->Field("Codigo"); }), 3265);
 }
 
 TEST_F(FieldRules, HiddenKeyColumnsAreNoFields) {
   const auto set = open("SELECT Descripcion FROM Bancos");
   EXPECT_EQ(set->Fields().Count(), 1);
-  EXPECT_EQ(raisedBy([&] { set->Field(1); }), 3265);
-  EXPECT_EQ(raisedBy([&] { set->Field("Codigo"); }), 3265);
+  EXPECT_EQ(errorOf([&] { set->Field(1); }), 3265);
+  EXPECT_EQ(errorOf([&] { set->Field("Codigo"); }), 3265);
 }
 
 TEST_F(FieldRules, CountIsZeroAfterClose) {
@@ -99,12 +99,12 @@ TEST_F(FieldRules, RoundWholeNumbersHalvesToEven) {
 
 TEST_F(FieldRules, RefuseAValueOfAnotherTypeAndKeepTheOld) {
   const auto set = openBanks();
-  EXPECT_EQ(raisedBy([&] { set->Field("Saldo").Value("mucho"); }), 3421);
-  EXPECT_EQ(raisedBy([&] { set->Field("Alta").Value("ayer"); }), 3421);
-  EXPECT_EQ(raisedBy([&] { set->Field("Plazos").Value(""); }), 3421);
-  EXPECT_EQ(raisedBy([&] { set->Field("Codigo").Value(Variant(connection)); }), 3421);
-  EXPECT_EQ(raisedBy([&] { set->Field("Codigo").Value("\xff"); }), 3421);
-  EXPECT_EQ(raisedBy([&] { set->Field("Logotipo").Value(5); }), 3421);
+  EXPECT_EQ(errorOf([&] { set->Field("Saldo").Value("mucho"); }), 3421);
+  EXPECT_EQ(errorOf([&] { set->Field("Alta").Value("ayer"); }), 3421);
+  EXPECT_EQ(errorOf([&] { set->Field("Plazos").Value(""); }), 3421);
+  EXPECT_EQ(errorOf([&] { set->Field("Codigo").Value(Variant(connection)); }), 3421);
+  EXPECT_EQ(errorOf([&] { set->Field("Codigo").Value("\xff"); }), 3421);
+  EXPECT_EQ(errorOf([&] { set->Field("Logotipo").Value(5); }), 3421);
   EXPECT_EQ(textAt(*set, "Saldo"), "10,5");
   EXPECT_EQ(set->EditMode(), EditMode::kNone);
 }
@@ -112,7 +112,7 @@ TEST_F(FieldRules, RefuseAValueOfAnotherTypeAndKeepTheOld) {
 TEST_F(FieldRules, RefuseATextThatIsTooLongInCharacters) {
   const auto set = openBanks();
   set->Field("Codigo").Value("ññññññññññ");
-  EXPECT_EQ(raisedBy([&] { set->Field("Codigo").Value("12345678901"); }), errors::kMultipleStep);
+  EXPECT_EQ(errorOf([&] { set->Field("Codigo").Value("12345678901"); }), errors::kMultipleStep);
   EXPECT_THAT(sentenceOf([&] { set->Field("Codigo").Value("12345678901"); }),
               HasSubstr("'Codigo' takes 10 characters; the text has 11"));
   EXPECT_EQ(textAt(*set, "Codigo"), "ññññññññññ");
@@ -122,7 +122,7 @@ TEST_F(FieldRules, RefuseTheEmptyTextWhereTheyHoldNone) {
   const auto set = openBanks();
   for (const char* name : {"Saldo", "Alta", "Activo", "Plazos", "Peso", "Ratio"}) {
     const Variant before = set->Field(name).Value();
-    EXPECT_EQ(raisedBy([&] { set->Field(name).Value(""); }), errors::kWrongType) << name;
+    EXPECT_EQ(errorOf([&] { set->Field(name).Value(""); }), errors::kWrongType) << name;
     EXPECT_EQ(set->Field(name).Value(), before);
   }
 }
@@ -132,19 +132,19 @@ TEST_F(FieldRules, RefuseACharacterOfCodeZero) {
   const auto set = openBanks();
   const std::string text("U\0no", 4);
   for (const char* name : {"Descripcion", "Nota"}) {
-    EXPECT_EQ(raisedBy([&] { set->Field(name).Value(text); }), errors::kWrongType) << name;
+    EXPECT_EQ(errorOf([&] { set->Field(name).Value(text); }), errors::kWrongType) << name;
   }
-  EXPECT_EQ(raisedBy([&] { set->Field("Nota").AppendChunk(text); }), errors::kWrongType);
-  EXPECT_EQ(raisedBy([&] { set->AddNew({"Codigo"}, {text}); }), errors::kWrongType);
+  EXPECT_EQ(errorOf([&] { set->Field("Nota").AppendChunk(text); }), errors::kWrongType);
+  EXPECT_EQ(errorOf([&] { set->AddNew({"Codigo"}, {text}); }), errors::kWrongType);
   set->Field("Logotipo").Value(Bytes(2));
   EXPECT_EQ(textAt(*set, "Descripcion"), "Uno");
 }
 
 TEST_F(FieldRules, RefuseANumberOutOfRange) {
   const auto set = openBanks();
-  EXPECT_EQ(raisedBy([&] { set->Field("Plazos").Value(40'000); }), errors::kMultipleStep);
-  EXPECT_EQ(raisedBy([&] { set->Field("Saldo").Value(1e18); }), errors::kMultipleStep);
-  EXPECT_EQ(raisedBy([&] { set->Field("Peso").Value(1e300); }), errors::kMultipleStep);
+  EXPECT_EQ(errorOf([&] { set->Field("Plazos").Value(40'000); }), errors::kMultipleStep);
+  EXPECT_EQ(errorOf([&] { set->Field("Saldo").Value(1e18); }), errors::kMultipleStep);
+  EXPECT_EQ(errorOf([&] { set->Field("Peso").Value(1e300); }), errors::kMultipleStep);
 }
 
 TEST_F(FieldRules, EmptyIsNullInARowThatTheDatabaseHas) {
@@ -235,14 +235,14 @@ TEST_F(FieldRules, APieceIsRefusedWhenAListenerTookTheValueAway) {
   set->addListener(&taker);
   set->Field("Nota").AppendChunk("uno");
   taker.on = true;
-  EXPECT_EQ(raisedBy([&] { set->Field("Nota").AppendChunk("dos"); }), errors::kNotAllowedInContext);
+  EXPECT_EQ(errorOf([&] { set->Field("Nota").AppendChunk("dos"); }), errors::kNotAllowedInContext);
   set->removeListener(&taker);
 }
 
 TEST_F(FieldRules, PiecesAreForMemoAndBinaryOnly) {
   const auto set = openBanks();
-  EXPECT_EQ(raisedBy([&] { set->Field("Codigo").AppendChunk("x"); }), 3219);
-  EXPECT_EQ(raisedBy([&] { set->Field("Codigo").GetChunk(1); }), 3219);
+  EXPECT_EQ(errorOf([&] { set->Field("Codigo").AppendChunk("x"); }), 3219);
+  EXPECT_EQ(errorOf([&] { set->Field("Codigo").GetChunk(1); }), 3219);
 }
 
 TEST_F(FieldRules, GetChunkReadsOnAndGivesNullAtTheEnd) {
@@ -281,13 +281,13 @@ TEST_F(FieldRules, GetChunkNeverBeginsWithinACharacter) {
 TEST(FieldsAppend, RefusesWhatCannotBe) {
   Recordset set;
   set.Fields().Append("a", DataType::kInt32);
-  EXPECT_EQ(raisedBy([&] { set.Fields().Append("A", DataType::kInt32); }), 3367);
-  EXPECT_EQ(raisedBy([&] { set.Fields().Append("", DataType::kInt32); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set.Fields().Append("b", DataType::kInt64); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set.Fields().Append("b", static_cast<DataType>(9999)); }), 3001);
+  EXPECT_EQ(errorOf([&] { set.Fields().Append("A", DataType::kInt32); }), 3367);
+  EXPECT_EQ(errorOf([&] { set.Fields().Append("", DataType::kInt32); }), 3001);
+  EXPECT_EQ(errorOf([&] { set.Fields().Append("b", DataType::kInt64); }), 3001);
+  EXPECT_EQ(errorOf([&] { set.Fields().Append("b", static_cast<DataType>(9999)); }), 3001);
   EXPECT_EQ(set.Fields().Count(), 1);
   set.Open();
-  EXPECT_EQ(raisedBy([&] { set.Fields().Append("b", DataType::kInt32); }), 3705);
+  EXPECT_EQ(errorOf([&] { set.Fields().Append("b", DataType::kInt32); }), 3705);
 }
 
 TEST(FieldsAppend, TypeAnswersTheNumberThatWasAsked) {

@@ -103,7 +103,7 @@ TEST_F(Joined, AColumnOfATableWhoseKeyIsNotInTheRowCannotBeWritten) {
   EXPECT_NE(set->Field("Estado").Attributes() & field_attribute::kUpdatable, 0);
   set->Field("Artículo").Value("Otro");
   const auto write = [&] { set->UpdateBatch(); };
-  EXPECT_EQ(raisedBy(write), errors::kMultipleStep);
+  EXPECT_EQ(errorOf(write), errors::kMultipleStep);
   EXPECT_THAT(
       sentenceOf(write),
       HasSubstr("Field 'Artículo' is one of Articulos, whose key is not among the columns"));
@@ -129,7 +129,7 @@ TEST_F(Joined, AConflictInOneOfTwoTablesLeavesTheOtherUnwritten) {
   const auto set = openLogged(kBothKeys);
   set->Update({"Nombre", "Cantidad"}, {"Mío", 11});
   run("UPDATE Movimientos SET Cantidad = 99 WHERE Id = 1");
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
   EXPECT_EQ(scalar("SELECT Nombre FROM Articulos WHERE Codigo = 'A1'"), "Pan");
   EXPECT_EQ(set->Status(), record_status::kModified | record_status::kConcurrencyViolation);
   EXPECT_EQ(connection->BeginTrans(), 1) << "no level of its own is left open";
@@ -143,7 +143,7 @@ TEST_F(Joined, ANewRowTakesNoValueOfATableThatIsLookedUp) {
   EXPECT_THAT(sentenceOf(write), HasSubstr("'Nombre' is one of Articulos, and a new row is added "
                                            "to Movimientos only"));
   set->CancelUpdate();
-  EXPECT_EQ(raisedBy(write), 0);
+  EXPECT_EQ(errorOf(write), 0);
   EXPECT_EQ(scalar("SELECT Count(*) FROM Movimientos"), "3");
 }
 
@@ -182,12 +182,12 @@ TEST_F(Joined, WhereNoTableHasEachRowOnceRowsAreEditedButNeitherAddedNorDeleted)
   set->UpdateBatch();
   EXPECT_EQ(scalar("SELECT Cantidad FROM Movimientos WHERE Id = 1"), "8");
   set->Field("Precio").Value(8);
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kMultipleStep) << "half of its key";
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kMultipleStep) << "half of its key";
   set->CancelBatch();
   set->Delete();
   EXPECT_THAT(sentenceOf([&] { set->UpdateBatch(); }), HasSubstr("none can be added or deleted"));
   set->CancelBatch();
-  EXPECT_EQ(raisedBy([&] {
+  EXPECT_EQ(errorOf([&] {
               set->AddNew({"Id"}, {9});
               set->UpdateBatch();
             }),
@@ -218,7 +218,7 @@ TEST_F(Joined, TheOtherAppearanceIsRefusedForItsOwnReason) {
       "INNER JOIN Movimientos AS Otro ON M.Id = Otro.Id");
   set->Field("Suya").Value(1);
   const auto write = [&] { set->UpdateBatch(); };
-  EXPECT_EQ(raisedBy(write), errors::kMultipleStep);
+  EXPECT_EQ(errorOf(write), errors::kMultipleStep);
   EXPECT_THAT(sentenceOf(write),
               HasSubstr("Field 'Suya' is one of Movimientos, which the statement names more than "
                         "once and which is written through another of its places"));
@@ -265,7 +265,7 @@ TEST_F(Joined, WhatSomebodyElseWroteThereMeanwhileIsStillAConflict) {
   run("UPDATE Articulos SET Nombre = 'Suyo' WHERE Codigo = 'A1'");
   set->MoveNext();
   set->Field("Nombre").Value("Dos");
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
   EXPECT_EQ(scalar("SELECT Nombre FROM Articulos WHERE Codigo = 'A1'"), "Suyo");
   set->CancelBatch();
   set->Requery();
@@ -279,7 +279,7 @@ TEST_F(Joined, ABatchThatFailedExpectsNothingOfWhatItHadWritten) {
   set->Field("Nombre").Value("Uno");
   set->MoveLast();
   set->Field("Id").Value(2);  // there is one
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kIntegrityViolation);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kIntegrityViolation);
   EXPECT_EQ(scalar("SELECT Nombre FROM Articulos WHERE Codigo = 'A1'"), "Pan");
   set->CancelUpdate();
   set->UpdateBatch();
@@ -293,7 +293,7 @@ TEST_F(Joined, ARowThatConflictsLeavesNothingForTheNextOneToExpect) {
   set->MoveNext();
   set->Field("Nombre").Value("Dos");
   run("UPDATE Movimientos SET Cantidad = 99 WHERE Id = 1");
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
   EXPECT_EQ(scalar("SELECT Nombre FROM Articulos WHERE Codigo = 'A1'"), "Dos");
 }
 
@@ -316,7 +316,7 @@ TEST_F(Joined, GroupsAndDistinctRowsCannotBeWritten) {
     const auto set = open(text);
     EXPECT_EQ(set->Field("Id").Attributes() & field_attribute::kUpdatable, 0);
     set->Field("Cantidad").Value(1);
-    EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kUnspecified) << text;
+    EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kUnspecified) << text;
   }
 }
 

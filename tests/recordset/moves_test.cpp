@@ -19,12 +19,12 @@ TEST(Moves, AnEmptySetStandsNowhereAndRefusesEveryMove) {
   EXPECT_TRUE(set->Eof());
   EXPECT_EQ(set->RecordCount(), 0);
   EXPECT_EQ(set->AbsolutePosition(), position::kUnknown);
-  EXPECT_EQ(raisedBy([&] { set->MoveFirst(); }), 3021);
-  EXPECT_EQ(raisedBy([&] { set->MoveLast(); }), 3021);
-  EXPECT_EQ(raisedBy([&] { set->MoveNext(); }), 3021);
-  EXPECT_EQ(raisedBy([&] { set->MovePrevious(); }), 3021);
-  EXPECT_EQ(raisedBy([&] { set->Move(0); }), 3021);
-  EXPECT_EQ(raisedBy([&] { set->Move(1); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->MoveFirst(); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->MoveLast(); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->MoveNext(); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->MovePrevious(); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->Move(0); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->Move(1); }), 3021);
 }
 
 TEST(Moves, MoveNextPastTheEndStopsOnEofThenFails) {
@@ -34,9 +34,9 @@ TEST(Moves, MoveNextPastTheEndStopsOnEofThenFails) {
   EXPECT_TRUE(set->Eof());
   EXPECT_FALSE(set->Bof());
   EXPECT_EQ(set->AbsolutePosition(), position::kEof);
-  EXPECT_EQ(raisedBy([&] { set->MoveNext(); }), 3021);
-  EXPECT_EQ(raisedBy([&] { set->Move(1); }), 3021);
-  EXPECT_EQ(raisedBy([&] { set->Move(0); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->MoveNext(); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->Move(1); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->Move(0); }), 3021);
   set->MovePrevious();
   EXPECT_EQ(textAt(*set, "Nombre"), "c");
 }
@@ -46,9 +46,9 @@ TEST(Moves, MovePreviousBeforeTheBeginningStopsOnBofThenFails) {
   set->MovePrevious();
   EXPECT_TRUE(set->Bof());
   EXPECT_EQ(set->AbsolutePosition(), position::kBof);
-  EXPECT_EQ(raisedBy([&] { set->MovePrevious(); }), 3021);
-  EXPECT_EQ(raisedBy([&] { set->Move(-1); }), 3021);
-  EXPECT_EQ(raisedBy([&] { set->Move(0); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->MovePrevious(); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->Move(-1); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->Move(0); }), 3021);
   set->MoveNext();
   EXPECT_EQ(textAt(*set, "Nombre"), "a");
 }
@@ -85,25 +85,25 @@ TEST(Moves, MoveStartsAtABookmarkOrAtOneOfTheNumbers) {
   EXPECT_EQ(textAt(*set, "Nombre"), "c");
   set->Move(-1, bookmark::kCurrent);
   EXPECT_EQ(textAt(*set, "Nombre"), "b");
-  EXPECT_EQ(raisedBy([&] { set->Move(1, 99.0); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Move(1, 99.0); }), 3001);
 }
 
 TEST(Moves, AFieldAtBofOrEofRaisesNoCurrentRecord) {
   const auto set = three();
   set->MoveLast();
   set->MoveNext();
-  EXPECT_EQ(raisedBy([&] { set->Field("Nombre").Value(); }), 3021);
-  EXPECT_EQ(raisedBy([&] { set->Field("Nombre").Value("x"); }), 3021);
-  EXPECT_EQ(raisedBy([&] { set->Bookmark(); }), 3021);
-  EXPECT_EQ(raisedBy([&] { set->EditMode(); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->Field("Nombre").Value(); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->Field("Nombre").Value("x"); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->Bookmark(); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->EditMode(); }), 3021);
 }
 
 TEST(Moves, AbsolutePositionGoesToARowFromOne) {
   const auto set = three();
   set->AbsolutePosition(3);
   EXPECT_EQ(textAt(*set, "Nombre"), "c");
-  EXPECT_EQ(raisedBy([&] { set->AbsolutePosition(0); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set->AbsolutePosition(4); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->AbsolutePosition(0); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->AbsolutePosition(4); }), 3001);
   EXPECT_EQ(textAt(*set, "Nombre"), "c");
 }
 
@@ -122,14 +122,14 @@ TEST(Moves, ABookmarkThatIsNoRowOfTheViewIsRefused) {
   const auto set = three();
   set->MoveLast();
   const Variant last = set->Bookmark();
-  EXPECT_EQ(raisedBy([&] { set->Bookmark(0.0); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set->Bookmark(4.0); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set->Bookmark(1.5); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set->Bookmark("1"); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set->Bookmark(Null{}); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Bookmark(0.0); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Bookmark(4.0); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Bookmark(1.5); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Bookmark("1"); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Bookmark(Null{}); }), 3001);
   EXPECT_EQ(textAt(*set, "Nombre"), "c");
   set->Filter("Numero < 3");
-  EXPECT_EQ(raisedBy([&] { set->Bookmark(last); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Bookmark(last); }), 3001);
 }
 
 TEST(Moves, BookmarksCompareByTheOrderOfTheRowsAsFetched) {
@@ -141,7 +141,7 @@ TEST(Moves, BookmarksCompareByTheOrderOfTheRowsAsFetched) {
   EXPECT_EQ(set->CompareBookmarks(a, b), CompareResult::kLessThan);
   EXPECT_EQ(set->CompareBookmarks(b, a), CompareResult::kGreaterThan);
   EXPECT_EQ(set->CompareBookmarks(b, b), CompareResult::kEqual);
-  EXPECT_EQ(raisedBy([&] { set->CompareBookmarks(a, 17.0); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->CompareBookmarks(a, 17.0); }), 3001);
 }
 
 TEST(Moves, LeavingARowInEditPostsIt) {
@@ -177,24 +177,24 @@ TEST(Moves, BookmarkPositionFindFilterAndSortPostTheRowToo) {
 TEST(Moves, EverythingOnAClosedSetRaisesObjectClosed) {
   Recordset set;
   EXPECT_EQ(set.State(), ObjectState::kClosed);
-  EXPECT_EQ(raisedBy([&] { set.MoveFirst(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.Bof(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.Eof(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.RecordCount(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.AbsolutePosition(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.Bookmark(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.EditMode(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.AddNew(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.Update(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.UpdateBatch(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.CancelBatch(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.Filter("a = 1"); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.Sort("a"); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.Find("a = 1"); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.Clone(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.Requery(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.Close(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { set.Fields().Item(0); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.MoveFirst(); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.Bof(); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.Eof(); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.RecordCount(); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.AbsolutePosition(); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.Bookmark(); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.EditMode(); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.AddNew(); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.Update(); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.UpdateBatch(); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.CancelBatch(); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.Filter("a = 1"); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.Sort("a"); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.Find("a = 1"); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.Clone(); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.Requery(); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.Close(); }), 3704);
+  EXPECT_EQ(errorOf([&] { set.Fields().Item(0); }), 3704);
 }
 
 }  // namespace

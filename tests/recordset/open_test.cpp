@@ -22,23 +22,23 @@ TEST_F(Open, FetchesEverythingAndCountsAtOnce) {
 
 TEST_F(Open, OfAnOpenSetIsRefused) {
   const auto set = openBanks();
-  EXPECT_EQ(raisedBy([&] { set->Open(Statement("SELECT 1"), connection); }), 3705);
-  EXPECT_EQ(raisedBy([&] { set->Open(); }), 3705);
+  EXPECT_EQ(errorOf([&] { set->Open(Statement("SELECT 1"), connection); }), 3705);
+  EXPECT_EQ(errorOf([&] { set->Open(); }), 3705);
   EXPECT_EQ(set->RecordCount(), 3);
 }
 
 TEST_F(Open, WithoutAConnectionOrFieldsIsRefused) {
   Recordset set;
-  EXPECT_EQ(raisedBy([&] { set.Open(); }), 3709);
-  EXPECT_EQ(raisedBy([&] { set.Open(Statement("SELECT * FROM Bancos"), nullptr); }), 3709);
+  EXPECT_EQ(errorOf([&] { set.Open(); }), 3709);
+  EXPECT_EQ(errorOf([&] { set.Open(Statement("SELECT * FROM Bancos"), nullptr); }), 3709);
   const auto closed = std::make_shared<Connection>();
-  EXPECT_EQ(raisedBy([&] { set.Open(Statement("SELECT * FROM Bancos"), closed); }), 3709);
+  EXPECT_EQ(errorOf([&] { set.Open(Statement("SELECT * FROM Bancos"), closed); }), 3709);
   EXPECT_EQ(set.State(), ObjectState::kClosed);
 }
 
 TEST_F(Open, AfterARefusedStatementTheSetIsClosedAndMayBeOpenedAgain) {
   Recordset set;
-  EXPECT_EQ(raisedBy([&] { set.Open(Statement("SELECT * FROM Nadie"), connection); }),
+  EXPECT_EQ(errorOf([&] { set.Open(Statement("SELECT * FROM Nadie"), connection); }),
             errors::kTableNotFound);
   EXPECT_EQ(set.State(), ObjectState::kClosed);
   set.Open(Statement("SELECT * FROM Bancos"), connection);
@@ -82,17 +82,17 @@ TEST_F(Open, RequeryKeepsFilterAndOrderAndLosesPendingChanges) {
 TEST_F(Open, RequeryWhileEditingIsRefused) {
   const auto set = openBanks();
   set->Field("Descripcion").Value("x");
-  EXPECT_EQ(raisedBy([&] { set->Requery(); }), 3219);
+  EXPECT_EQ(errorOf([&] { set->Requery(); }), 3219);
   set->CancelUpdate();
   set->AddNew();
-  EXPECT_EQ(raisedBy([&] { set->Requery(); }), 3219);
+  EXPECT_EQ(errorOf([&] { set->Requery(); }), 3219);
 }
 
 TEST_F(Open, RequeryOfASetWithoutAStatementIsRefused) {
-  EXPECT_EQ(raisedBy([] { fabricate({{"a", 1}})->Requery(); }), 3219);
+  EXPECT_EQ(errorOf([] { fabricate({{"a", 1}})->Requery(); }), 3219);
   const auto set = openBanks();
   set->ActiveConnection(nullptr);
-  EXPECT_EQ(raisedBy([&] { set->Requery(); }), 3709);
+  EXPECT_EQ(errorOf([&] { set->Requery(); }), 3709);
   EXPECT_EQ(set->RecordCount(), 3);
 }
 
@@ -100,7 +100,7 @@ TEST_F(Open, AFailedRequeryLeavesTheOldRows) {
   const auto set = openBanks();
   set->Filter("Codigo > '001'");
   lease->session().execute("DROP TABLE Bancos");
-  EXPECT_NE(raisedBy([&] { set->Requery(); }), 0);
+  EXPECT_NE(errorOf([&] { set->Requery(); }), 0);
   EXPECT_THAT(column(*set, "Codigo"), ElementsAre("002", "003"));
 }
 
@@ -139,11 +139,11 @@ TEST_F(Open, AnEditOfARowThatACloneDeletedCannotBePosted) {
   clone->Field("Descripcion").Value("x");
   set->Delete();
   set->UpdateBatch();
-  EXPECT_EQ(raisedBy([&] { clone->Update(); }), errors::kDeletedRow);
+  EXPECT_EQ(errorOf([&] { clone->Update(); }), errors::kDeletedRow);
   clone->CancelUpdate();
   clone->MoveNext();
   EXPECT_EQ(textAt(*clone, "Codigo"), "002");
-  EXPECT_EQ(raisedBy([&] { clone->UpdateBatch(); }), 0);
+  EXPECT_EQ(errorOf([&] { clone->UpdateBatch(); }), 0);
 }
 
 TEST_F(Open, ACloneDoesNotSeeARowThatIsBeingAdded) {
@@ -193,7 +193,7 @@ TEST_F(Open, AfterRequeryOfOneTheyAreSeparate) {
 
 TEST_F(Open, AnotherLockTypeOfACloneIsRefused) {
   const auto set = openBanks();
-  EXPECT_EQ(raisedBy([&] { set->Clone(LockType::kPessimistic); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Clone(LockType::kPessimistic); }), 3001);
 }
 
 // ---- Connection
@@ -206,8 +206,8 @@ TEST_F(Open, TransactionsNestAndTellTheirLevel) {
   run("DELETE FROM Bancos WHERE Codigo = '003'");
   connection->CommitTrans();
   EXPECT_EQ(scalar("SELECT COUNT(*) FROM Bancos"), "2");
-  EXPECT_EQ(raisedBy([&] { connection->CommitTrans(); }), 3219);
-  EXPECT_EQ(raisedBy([&] { connection->RollbackTrans(); }), 3219);
+  EXPECT_EQ(errorOf([&] { connection->CommitTrans(); }), 3219);
+  EXPECT_EQ(errorOf([&] { connection->RollbackTrans(); }), 3219);
 }
 
 TEST_F(Open, ExecuteTellsTheRowsWritten) {
@@ -217,14 +217,14 @@ TEST_F(Open, ExecuteTellsTheRowsWritten) {
 TEST_F(Open, TheFirstValueIsReadWithoutALookAtLaterRows) {
   run("UPDATE Bancos SET Plazos = 0 WHERE Codigo = '002'");
   const Statement quotients("SELECT 6 / Plazos AS Cociente, Nota FROM Bancos ORDER BY Codigo");
-  EXPECT_EQ(raisedBy([&] { open(quotients.text()); }), errors::kDivisionByZero);
+  EXPECT_EQ(errorOf([&] { open(quotients.text()); }), errors::kDivisionByZero);
   journal->lines.clear();
   EXPECT_EQ(connection->firstValue(quotients, "cociente"), Variant(2.0));
   EXPECT_TRUE(connection->firstValue(quotients, "Nota")->isNull());
   EXPECT_TRUE(connection->anyRow(quotients));
   EXPECT_THAT(journal->texts(), ElementsAre(quotients.text(), quotients.text(), quotients.text()));
   EXPECT_EQ(journal->lines[0].rows, 1);
-  EXPECT_EQ(raisedBy([&] { connection->firstValue(quotients, "Nadie"); }), errors::kItemNotFound);
+  EXPECT_EQ(errorOf([&] { connection->firstValue(quotients, "Nadie"); }), errors::kItemNotFound);
 }
 
 TEST_F(Open, WithoutARowThereIsNoFirstValue) {
@@ -238,21 +238,21 @@ TEST_F(Open, AClosedConnectionRefusesEverything) {
   EXPECT_EQ(none.State(), ObjectState::kClosed);
   EXPECT_EQ(none.ConnectionString(), "");
   Connection closed;
-  EXPECT_EQ(raisedBy([&] { closed.BeginTrans(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { closed.CommitTrans(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { closed.RollbackTrans(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { closed.Close(); }), 3704);
-  EXPECT_EQ(raisedBy([&] { closed.Execute(Statement("DELETE FROM Bancos")); }), 3704);
+  EXPECT_EQ(errorOf([&] { closed.BeginTrans(); }), 3704);
+  EXPECT_EQ(errorOf([&] { closed.CommitTrans(); }), 3704);
+  EXPECT_EQ(errorOf([&] { closed.RollbackTrans(); }), 3704);
+  EXPECT_EQ(errorOf([&] { closed.Close(); }), 3704);
+  EXPECT_EQ(errorOf([&] { closed.Execute(Statement("DELETE FROM Bancos")); }), 3704);
   const Statement banks("SELECT Codigo FROM Bancos");
-  EXPECT_EQ(raisedBy([&] { closed.firstValue(banks, "Codigo"); }), 3709);
-  EXPECT_EQ(raisedBy([&] { closed.anyRow(banks); }), 3709);
+  EXPECT_EQ(errorOf([&] { closed.firstValue(banks, "Codigo"); }), 3709);
+  EXPECT_EQ(errorOf([&] { closed.anyRow(banks); }), 3709);
 }
 
 TEST_F(Open, ClosingAConnectionClosesItsSetsButNotInsideATransaction) {
   const auto first = openBanks();
   const auto second = openBanks();
   connection->BeginTrans();
-  EXPECT_EQ(raisedBy([&] { connection->Close(); }), 3246);
+  EXPECT_EQ(errorOf([&] { connection->Close(); }), 3246);
   EXPECT_EQ(first->State(), ObjectState::kOpen);
   connection->RollbackTrans();
   connection->Close();
@@ -288,7 +288,7 @@ TEST_F(Open, TheTraceIsToldOfEveryStatementAndOfItsFailure) {
   journal->lines.clear();
   const auto set = openBanks();
   run("UPDATE Bancos SET Saldo = 1");
-  raisedBy([&] { open("SELECT * FROM Nadie"); });
+  errorOf([&] { open("SELECT * FROM Nadie"); });
   set->Requery();
   ASSERT_EQ(journal->lines.size(), 4U);
   EXPECT_EQ(journal->lines[0].text, "SELECT * FROM Bancos ORDER BY Codigo");

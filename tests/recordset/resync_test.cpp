@@ -15,7 +15,7 @@ class Resync : public ShopTest {
     auto set = openBanks();
     set->Field("Descripcion").Value("mío");
     run("UPDATE Bancos SET Descripcion = 'suyo', Plazos = 9 WHERE Codigo = '001'");
-    EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
+    EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
     journal->lines.clear();
     return set;
   }
@@ -55,7 +55,7 @@ TEST_F(Resync, WhatIsWrittenAfterItWasSeenIsAConflictAgain) {
   const auto set = inConflict();
   set->Resync(Affect::kCurrent, ResyncValues::kUnderlying);
   run("UPDATE Bancos SET Descripcion = 'de otro más' WHERE Codigo = '001'");
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
   EXPECT_EQ(stored("001"), "de otro más");
 }
 
@@ -136,7 +136,7 @@ TEST_F(Resync, ARowThatIsNotThereAnyMoreIsAConflictAndTheOthersAreRead) {
   set->Update();
   run("DELETE FROM Bancos WHERE Codigo = '001'");
   run("UPDATE Bancos SET Descripcion = 'suyo' WHERE Codigo = '002'");
-  EXPECT_EQ(raisedBy([&] { set->Resync(); }), errors::kRowNotLocated);
+  EXPECT_EQ(errorOf([&] { set->Resync(); }), errors::kRowNotLocated);
   EXPECT_THAT(sentenceOf([&] { set->Resync(); }), HasSubstr("1 of 3"));
   EXPECT_NE(set->Status() & record_status::kConcurrencyViolation, 0);
   EXPECT_THAT(column(*set, "Descripcion"), ElementsAre("mío", "suyo", "Tres"));
@@ -147,7 +147,7 @@ TEST_F(Resync, ARowThatIsNotThereAnyMoreIsAConflictAndTheOthersAreRead) {
 TEST_F(Resync, ConflictsStayListedBesideThoseThatItMeets) {
   const auto set = inConflict();
   run("DELETE FROM Bancos WHERE Codigo = '003'");
-  EXPECT_EQ(raisedBy([&] { set->Resync(Affect::kAll, ResyncValues::kUnderlying); }),
+  EXPECT_EQ(errorOf([&] { set->Resync(Affect::kAll, ResyncValues::kUnderlying); }),
             errors::kRowNotLocated);
   set->Filter(FilterGroup::kConflicting);
   EXPECT_THAT(column(*set, "Codigo"), ElementsAre("001", "003"));
@@ -169,7 +169,7 @@ TEST_F(Resync, IsAnnouncedAndCanBeRefused) {
   const auto set = inConflict();
   set->addListener(&guard);
   guard.refuses = true;
-  EXPECT_EQ(raisedBy([&] { set->Resync(); }), errors::kOperationCanceled);
+  EXPECT_EQ(errorOf([&] { set->Resync(); }), errors::kOperationCanceled);
   EXPECT_EQ(textAt(*set, "Descripcion"), "mío");
   guard.refuses = false;
   set->Resync();
@@ -188,18 +188,18 @@ TEST_F(Resync, AClonesUnderlyingValuesAreTheSame) {
 
 TEST_F(Resync, RefusalsChangeNothing) {
   const auto set = inConflict();
-  EXPECT_EQ(raisedBy([&] { set->Resync(Affect::kGroup); }), errors::kNotAllowedInContext);
-  EXPECT_EQ(raisedBy([&] { set->Resync(static_cast<Affect>(9)); }), errors::kInvalidArgument);
-  EXPECT_EQ(raisedBy([&] { set->Resync(Affect::kAll, static_cast<ResyncValues>(3)); }),
+  EXPECT_EQ(errorOf([&] { set->Resync(Affect::kGroup); }), errors::kNotAllowedInContext);
+  EXPECT_EQ(errorOf([&] { set->Resync(static_cast<Affect>(9)); }), errors::kInvalidArgument);
+  EXPECT_EQ(errorOf([&] { set->Resync(Affect::kAll, static_cast<ResyncValues>(3)); }),
             errors::kInvalidArgument);
-  EXPECT_EQ(raisedBy([&] { set->Clone(LockType::kReadOnly)->Resync(); }), errors::kNotSupported);
+  EXPECT_EQ(errorOf([&] { set->Clone(LockType::kReadOnly)->Resync(); }), errors::kNotSupported);
   const auto sums = open("SELECT Count(*) AS n FROM Bancos");
-  EXPECT_EQ(raisedBy([&] { sums->Resync(); }), errors::kNotSupported);
+  EXPECT_EQ(errorOf([&] { sums->Resync(); }), errors::kNotSupported);
   set->ActiveConnection(nullptr);
-  EXPECT_EQ(raisedBy([&] { set->Resync(); }), errors::kInvalidConnection);
+  EXPECT_EQ(errorOf([&] { set->Resync(); }), errors::kInvalidConnection);
   EXPECT_EQ(textAt(*set, "Descripcion"), "mío");
   set->Close();
-  EXPECT_EQ(raisedBy([&] { set->Resync(); }), errors::kObjectClosed);
+  EXPECT_EQ(errorOf([&] { set->Resync(); }), errors::kObjectClosed);
 }
 
 // ---- Over a join
@@ -231,7 +231,7 @@ TEST_F(JoinedResync, AConflictInALookedUpTableIsToldAndWrittenOver) {
   const auto set = lines();
   set->Field("Descripcion").Value("mío");
   run("UPDATE Bancos SET Descripcion = 'suyo' WHERE Codigo = '001'");
-  EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
+  EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kRowNotLocated);
   set->Resync(Affect::kCurrent, ResyncValues::kUnderlying);
   EXPECT_EQ(set->Field("Descripcion").UnderlyingValue(), Variant("suyo"));
   set->UpdateBatch();

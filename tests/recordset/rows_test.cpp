@@ -95,7 +95,7 @@ TEST_F(Rows, NullIsAskedForOrGivenAValue) {
   EXPECT_EQ(last.date("Alta", Date(1)), Date(1));
   EXPECT_EQ(last.flag("Activo", true), last.isNull("Activo") || last.flag("Activo"));
   EXPECT_EQ(last.text("Codigo", "otro"), "003") << "what is not Null comes as it is";
-  EXPECT_EQ(raisedBy([&] { last.money("Saldo"); }), errors::kInvalidUseOfNull);
+  EXPECT_EQ(errorOf([&] { last.money("Saldo"); }), errors::kInvalidUseOfNull);
   EXPECT_THAT(sentenceOf([&] { last.money("Saldo"); }), HasSubstr("Field 'Saldo' is money"));
 }
 
@@ -109,26 +109,26 @@ TEST_F(Rows, AFieldOfANewRowThatNobodyHasWrittenIsNull) {
 TEST_F(Rows, AGetterOfAnotherTypeNamesTheColumnAndItsType) {
   const auto rows = openBanks();
   const Row row = rows->CurrentRow();
-  EXPECT_EQ(raisedBy([&] { row.date("Saldo"); }), errors::kWrongType);
+  EXPECT_EQ(errorOf([&] { row.date("Saldo"); }), errors::kWrongType);
   EXPECT_THAT(sentenceOf([&] { row.date("Saldo"); }),
               HasSubstr("Field 'Saldo' is money, not a date"));
   EXPECT_THAT(sentenceOf([&] { row.integer("Ratio"); }),
               HasSubstr("Field 'Ratio' is a number, not a whole number"));
-  EXPECT_EQ(raisedBy([&] { row.text("Plazos"); }), errors::kWrongType);
-  EXPECT_EQ(raisedBy([&] { row.flag("Plazos"); }), errors::kWrongType);
+  EXPECT_EQ(errorOf([&] { row.text("Plazos"); }), errors::kWrongType);
+  EXPECT_EQ(errorOf([&] { row.flag("Plazos"); }), errors::kWrongType);
   rows->MoveLast();
-  EXPECT_EQ(raisedBy([&] { rows->CurrentRow().date("Saldo", Date{}); }), errors::kWrongType)
+  EXPECT_EQ(errorOf([&] { rows->CurrentRow().date("Saldo", Date{}); }), errors::kWrongType)
       << "also where the value is Null";
 }
 
 TEST_F(Rows, AnUnknownColumnNamesTheNearest) {
   const auto rows = openBanks();
   const Row row = rows->CurrentRow();
-  EXPECT_EQ(raisedBy([&] { row.text("Descripcio"); }), errors::kItemNotFound);
+  EXPECT_EQ(errorOf([&] { row.text("Descripcio"); }), errors::kItemNotFound);
   EXPECT_THAT(sentenceOf([&] { row.text("Descripcio"); }),
               HasSubstr("did you mean 'Descripcion'?"));
-  EXPECT_EQ(raisedBy([&] { row.text(99); }), errors::kItemNotFound);
-  EXPECT_EQ(raisedBy([&] { row.text(-1); }), errors::kItemNotFound);
+  EXPECT_EQ(errorOf([&] { row.text(99); }), errors::kItemNotFound);
+  EXPECT_EQ(errorOf([&] { row.text(-1); }), errors::kItemNotFound);
 }
 
 TEST_F(Rows, ABookmarkLeadsToTheRow) {
@@ -172,15 +172,15 @@ TEST_F(Rows, OfAClosedOrRefetchedSetSaySo) {
   const auto rows = openBanks();
   const Row row = rows->CurrentRow();
   rows->Requery();
-  EXPECT_EQ(raisedBy([&] { row.text("Codigo"); }), errors::kObjectInvalid);
+  EXPECT_EQ(errorOf([&] { row.text("Codigo"); }), errors::kObjectInvalid);
   rows->Close();
-  EXPECT_EQ(raisedBy([&] { row.text("Codigo"); }), errors::kObjectClosed);
-  EXPECT_EQ(raisedBy([&] { codes(rows); }), errors::kObjectClosed);
+  EXPECT_EQ(errorOf([&] { row.text("Codigo"); }), errors::kObjectClosed);
+  EXPECT_EQ(errorOf([&] { codes(rows); }), errors::kObjectClosed);
 }
 
 TEST_F(Rows, WhoseSetIsFetchedAnewOnTheWayEnd) {
   const auto rows = openBanks();
-  EXPECT_EQ(raisedBy([&] {
+  EXPECT_EQ(errorOf([&] {
               for (const Row row : rows) {
                 row.text("Codigo");
                 rows->Requery();
@@ -193,12 +193,12 @@ TEST_F(Rows, ThatAreDeletedCannotBeRead) {
   const auto rows = openBanks();
   const Row row = rows->CurrentRow();
   rows->Delete();
-  EXPECT_EQ(raisedBy([&] { row.text("Codigo"); }), errors::kDeletedRow);
+  EXPECT_EQ(errorOf([&] { row.text("Codigo"); }), errors::kDeletedRow);
 }
 
 TEST_F(Rows, WithoutACurrentOneThereIsNone) {
   const auto rows = open("SELECT * FROM Bancos WHERE Codigo = 'x'");
-  EXPECT_EQ(raisedBy([&] { rows->CurrentRow(); }), errors::kNoCurrentRecord);
+  EXPECT_EQ(errorOf([&] { rows->CurrentRow(); }), errors::kNoCurrentRecord);
 }
 
 // ---- Many at once
@@ -220,8 +220,8 @@ TEST_F(Rows, ThatWereNotAskedForAreNext) {
   EXPECT_EQ(values.size(), 10U);
   EXPECT_EQ(textAt(*rows, "Codigo"), "002");
   EXPECT_THAT(rows->GetRows(1, bookmark::kFirst, {"Codigo"})[0], ElementsAre(Variant("001")));
-  EXPECT_EQ(raisedBy([&] { rows->GetRows(-2); }), errors::kInvalidArgument);
-  EXPECT_EQ(raisedBy([&] { rows->GetRows(1, {}, {"Nada"}); }), errors::kItemNotFound);
+  EXPECT_EQ(errorOf([&] { rows->GetRows(-2); }), errors::kInvalidArgument);
+  EXPECT_EQ(errorOf([&] { rows->GetRows(1, {}, {"Nada"}); }), errors::kItemNotFound);
   EXPECT_EQ(textAt(*rows, "Codigo"), "002") << "a refused call moves nothing";
 }
 
@@ -242,9 +242,9 @@ TEST_F(Rows, ArePagedByThePageSize) {
   rows->MoveNext();
   EXPECT_EQ(rows->AbsolutePage(), position::kEof);
   for (const std::int32_t page : {0, 3, -1}) {
-    EXPECT_EQ(raisedBy([&] { rows->AbsolutePage(page); }), errors::kInvalidArgument) << page;
+    EXPECT_EQ(errorOf([&] { rows->AbsolutePage(page); }), errors::kInvalidArgument) << page;
   }
-  EXPECT_EQ(raisedBy([&] { rows->PageSize(0); }), errors::kInvalidArgument);
+  EXPECT_EQ(errorOf([&] { rows->PageSize(0); }), errors::kInvalidArgument);
   rows->Filter("Codigo = 'x'");
   EXPECT_EQ(rows->PageCount(), 0);
 }

@@ -24,6 +24,7 @@
 #include "tavelor/services/recordset/connection.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 #include "tavelor/services/sqlite/sqlite_engine.hpp"
+#include "tests/support/errors.hpp"
 
 namespace tavelor::test {
 
@@ -156,28 +157,6 @@ class ShopTest : public testing::Test {
   std::shared_ptr<Journal> journal = std::make_shared<Journal>();
   ConnectionPtr connection;
 };
-
-/// The number that `action` raises, or 0 when it raises none.
-template <typename Action>
-std::int32_t raisedBy(Action&& action) {
-  try {
-    action();
-  } catch (const Error& error) {
-    return error.number();
-  }
-  return 0;
-}
-
-/// The description that `action` raises, or "".
-template <typename Action>
-std::string sentenceOf(Action&& action) {
-  try {
-    action();
-  } catch (const Error& error) {
-    return error.description();
-  }
-  return "";
-}
 
 /// A set without a database: a name and a number, a row for each pair.
 inline RecordsetPtr fabricate(const std::vector<std::pair<const char*, int>>& rows) {

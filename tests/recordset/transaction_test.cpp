@@ -6,8 +6,8 @@
 namespace tavelor {
 namespace {
 
+using test::errorOf;
 using test::FileLimit;
-using test::raisedBy;
 using test::sentenceOf;
 using testing::HasSubstr;
 
@@ -26,7 +26,7 @@ class LostTransaction : public test::ShopTest {
   /// Inserts rows until one fails; its error, or 0.
   std::int32_t fill() {
     const std::string text(3000, 'x');
-    return raisedBy([&] {
+    return errorOf([&] {
       for (int i = 0; i < 1000; ++i) {
         run("INSERT INTO Bancos (Codigo, Nota) VALUES ('" + std::to_string(1000 + i) + "', '" +
             text + "')");
@@ -40,11 +40,11 @@ class LostTransaction : public test::ShopTest {
     ASSERT_EQ(fill(), errors::kUnspecified);
   }
   void expectOnlyTheRollbackIsTaken() {
-    EXPECT_EQ(raisedBy([&] { run("DELETE FROM Bancos"); }), errors::kTransactionLost);
-    EXPECT_EQ(raisedBy([&] { open("SELECT * FROM Bancos"); }), errors::kTransactionLost);
-    EXPECT_EQ(raisedBy([&] { connection->BeginTrans(); }), errors::kTransactionLost);
-    EXPECT_EQ(raisedBy([&] { connection->CommitTrans(); }), errors::kTransactionLost);
-    EXPECT_EQ(raisedBy([&] { connection->Close(); }), errors::kTransactionLost);
+    EXPECT_EQ(errorOf([&] { run("DELETE FROM Bancos"); }), errors::kTransactionLost);
+    EXPECT_EQ(errorOf([&] { open("SELECT * FROM Bancos"); }), errors::kTransactionLost);
+    EXPECT_EQ(errorOf([&] { connection->BeginTrans(); }), errors::kTransactionLost);
+    EXPECT_EQ(errorOf([&] { connection->CommitTrans(); }), errors::kTransactionLost);
+    EXPECT_EQ(errorOf([&] { connection->Close(); }), errors::kTransactionLost);
     EXPECT_EQ(connection->State(), ObjectState::kOpen);
   }
 
@@ -62,7 +62,7 @@ TEST_F(LostTransaction, FullDiskInsideLeavesOnlyTheRollbackAndNothingStored) {
   connection->RollbackTrans();
   EXPECT_EQ(connection->transactionLevel(), 0);
   EXPECT_EQ(scalar("SELECT Count(*) AS n FROM Bancos"), "1");
-  EXPECT_EQ(raisedBy([&] { connection->RollbackTrans(); }), errors::kNotAllowedInContext);
+  EXPECT_EQ(errorOf([&] { connection->RollbackTrans(); }), errors::kNotAllowedInContext);
 }
 
 TEST_F(LostTransaction, InputOutputErrorInsideLeavesOnlyTheRollbackAndNothingStored) {
@@ -89,7 +89,7 @@ TEST_F(LostTransaction, UpdateBatchOfOneRowAndOfSeveralWritesNothingAndKeepsThem
     connection->BeginTrans();
     lose();
     for (std::size_t i = 0; i < rows; ++i) set->AddNew({"Codigo"}, {"9" + std::to_string(i)});
-    EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kTransactionLost);
+    EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kTransactionLost);
     connection->RollbackTrans();
     EXPECT_EQ(scalar("SELECT Count(*) AS n FROM Bancos"), "1");
     set->UpdateBatch();
@@ -107,7 +107,7 @@ TEST_F(LostTransaction, UpdateBatchThatLosesItLeavesTheCallersLevelsToRollBack) 
   lease->session().execute("PRAGMA cache_size = 10");
   {
     const FileLimit limit(logSize() + 100'000);
-    EXPECT_EQ(raisedBy([&] { set->UpdateBatch(); }), errors::kUnspecified);
+    EXPECT_EQ(errorOf([&] { set->UpdateBatch(); }), errors::kUnspecified);
   }
   EXPECT_EQ(connection->transactionLevel(), 1);
   expectOnlyTheRollbackIsTaken();
@@ -167,7 +167,7 @@ class FailedCommit : public LostTransaction {
     connection->BeginTrans();
     run("INSERT INTO Bancos (Codigo) VALUES ('002')");
     const FileLimit limit(logSize() + 100);
-    ASSERT_EQ(raisedBy([&] { connection->CommitTrans(); }), errors::kUnspecified);
+    ASSERT_EQ(errorOf([&] { connection->CommitTrans(); }), errors::kUnspecified);
   }
 };
 
@@ -183,11 +183,11 @@ TEST_F(FailedCommit, MayBeRolledBackOnceByWhoeverCatchesTheError) {
   failToCommit();
   connection->RollbackTrans();
   EXPECT_EQ(connection->transactionLevel(), 0);
-  EXPECT_EQ(raisedBy([&] { connection->RollbackTrans(); }), errors::kNotAllowedInContext);
+  EXPECT_EQ(errorOf([&] { connection->RollbackTrans(); }), errors::kNotAllowedInContext);
   failToCommit();
   connection->BeginTrans();
   connection->RollbackTrans();
-  EXPECT_EQ(raisedBy([&] { connection->RollbackTrans(); }), errors::kNotAllowedInContext);
+  EXPECT_EQ(errorOf([&] { connection->RollbackTrans(); }), errors::kNotAllowedInContext);
 }
 
 TEST_F(FailedCommit, ConnectionCloses) {
@@ -199,12 +199,12 @@ TEST_F(FailedCommit, ConnectionCloses) {
 TEST_F(FailedCommit, OfOneStatementWithoutATransactionStoresNothing) {
   {
     const FileLimit limit(logSize() + 100);
-    EXPECT_EQ(raisedBy([&] { run("INSERT INTO Bancos (Codigo) VALUES ('002')"); }),
+    EXPECT_EQ(errorOf([&] { run("INSERT INTO Bancos (Codigo) VALUES ('002')"); }),
               errors::kUnspecified);
   }
   EXPECT_EQ(connection->transactionLevel(), 0);
   EXPECT_EQ(scalar("SELECT Count(*) AS n FROM Bancos"), "1");
-  EXPECT_EQ(raisedBy([&] { connection->RollbackTrans(); }), errors::kNotAllowedInContext);
+  EXPECT_EQ(errorOf([&] { connection->RollbackTrans(); }), errors::kNotAllowedInContext);
 }
 
 }  // namespace

@@ -39,15 +39,15 @@ TEST(Filter, AnEmptyViewStandsNowhere) {
   set->Filter("Numero = 99");
   EXPECT_TRUE(set->Bof());
   EXPECT_TRUE(set->Eof());
-  EXPECT_EQ(raisedBy([&] { set->MoveFirst(); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->MoveFirst(); }), 3021);
 }
 
 TEST(Filter, AFaultLeavesTheOldFilterAndTheRow) {
   const auto set = four();
   set->Filter("Numero > 1");
   set->MoveLast();
-  EXPECT_EQ(raisedBy([&] { set->Filter("Numero >"); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set->Filter("Nadie = 1"); }), 3265);
+  EXPECT_EQ(errorOf([&] { set->Filter("Numero >"); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Filter("Nadie = 1"); }), 3265);
   EXPECT_EQ(set->Filter(), "Numero > 1");
   EXPECT_EQ(textAt(*set, "Nombre"), "c");
 }
@@ -59,8 +59,8 @@ TEST(Filter, AnUnknownFieldNamesTheNearest) {
 
 TEST(Filter, AnUnknownGroupIsRefused) {
   const auto set = four();
-  EXPECT_EQ(raisedBy([&] { set->Filter(static_cast<FilterGroup>(4)); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set->Filter(static_cast<FilterGroup>(17)); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Filter(static_cast<FilterGroup>(4)); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Filter(static_cast<FilterGroup>(17)); }), 3001);
 }
 
 TEST(Filter, GroupZeroIsNoFilter) {
@@ -83,7 +83,7 @@ TEST(Filter, BookmarksShowTheirRowsInTheOrderOfTheSet) {
   const auto set = four();
   set->Filter({4.0, 1.0, 4.0});
   EXPECT_THAT(column(*set, "Nombre"), ElementsAre("b", "c"));
-  EXPECT_EQ(raisedBy([&] { set->Filter({9.0}); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Filter({9.0}); }), 3001);
 }
 
 TEST(Filter, GoesByPendingValues) {
@@ -230,10 +230,10 @@ TEST(Sort, NamesMayStandInBracketsAndMayHaveBlanks) {
 TEST(Sort, AFaultLeavesTheOldOrder) {
   const auto set = four();
   set->Sort("Nombre");
-  EXPECT_EQ(raisedBy([&] { set->Sort("Nadie"); }), 3265);
-  EXPECT_EQ(raisedBy([&] { set->Sort("Nadie DESC"); }), 3265);
-  EXPECT_EQ(raisedBy([&] { set->Sort("Nombre ARRIBA"); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set->Sort("Nombre,"); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Sort("Nadie"); }), 3265);
+  EXPECT_EQ(errorOf([&] { set->Sort("Nadie DESC"); }), 3265);
+  EXPECT_EQ(errorOf([&] { set->Sort("Nombre ARRIBA"); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Sort("Nombre,"); }), 3001);
   EXPECT_EQ(set->Sort(), "Nombre");
   EXPECT_THAT(column(*set, "Nombre"), ElementsAre("a", "b", "c", "d"));
 }
@@ -320,17 +320,17 @@ TEST(Find, WithoutACurrentRowRaisesNoCurrentRecord) {
   const auto set = four();
   set->MoveLast();
   set->MoveNext();
-  EXPECT_EQ(raisedBy([&] { set->Find("Numero = 1"); }), 3021);
-  EXPECT_EQ(raisedBy([&] { fabricate({})->Find("Numero = 1"); }), 3021);
+  EXPECT_EQ(errorOf([&] { set->Find("Numero = 1"); }), 3021);
+  EXPECT_EQ(errorOf([&] { fabricate({})->Find("Numero = 1"); }), 3021);
 }
 
 TEST(Find, TakesASingleComparisonOnly) {
   const auto set = four();
-  EXPECT_EQ(raisedBy([&] { set->Find("Numero = 1 AND Nombre = 'a'"); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set->Find("Numero = 1 OR Numero = 2"); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set->Find("(Numero = 1)"); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set->Find(""); }), 3001);
-  EXPECT_EQ(raisedBy([&] { set->Find("Nadie = 1"); }), 3265);
+  EXPECT_EQ(errorOf([&] { set->Find("Numero = 1 AND Nombre = 'a'"); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Find("Numero = 1 OR Numero = 2"); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Find("(Numero = 1)"); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Find(""); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Find("Nadie = 1"); }), 3265);
   EXPECT_EQ(textAt(*set, "Nombre"), "b");
 }
 
@@ -342,7 +342,7 @@ TEST(Find, APrefixIsSoughtWithLike) {
 
 TEST(Find, AQuoteInTheTextBreaksTheCriteria) {
   const auto set = four();
-  EXPECT_EQ(raisedBy([&] { set->Find("Nombre = 'O'Hara'"); }), 3001);
+  EXPECT_EQ(errorOf([&] { set->Find("Nombre = 'O'Hara'"); }), 3001);
 }
 
 TEST(Find, LooksInTheViewOnly) {

@@ -132,7 +132,7 @@ TEST_F(Xml, ARowThatWentThroughXmlIsStillTheOneThatTheDatabaseHolds) {
   const auto loaded = Recordset::LoadXml(set->SaveXml(), Locale::spanish());
   loaded->Field("Alta").Value(Date(0.25));
   loaded->ActiveConnection(connection);
-  EXPECT_EQ(raisedBy([&] { loaded->UpdateBatch(); }), 0);
+  EXPECT_EQ(errorOf([&] { loaded->UpdateBatch(); }), 0);
 }
 
 TEST_F(Xml, NullIsAbsentAndTheEmptyTextIsNot) {
@@ -164,7 +164,7 @@ TEST_F(Xml, PendingChangesAreSavedAndCanBeWrittenLater) {
   loaded->MoveLast();
   EXPECT_TRUE(loaded->Field("Descripcion").Value().isNull());
   EXPECT_TRUE(loaded->Field("Saldo").Value().isEmpty());
-  EXPECT_EQ(raisedBy([&] { loaded->UpdateBatch(); }), 3709);
+  EXPECT_EQ(errorOf([&] { loaded->UpdateBatch(); }), 3709);
   loaded->ActiveConnection(connection);
   loaded->UpdateBatch();
   EXPECT_THAT(column(*openBanks(), "Codigo"), ElementsAre("001", "003", "009"));
@@ -241,7 +241,7 @@ TEST_F(Xml, ControlCharactersComeBack) {
 TEST_F(Xml, TextThatIsNoUtf8IsRefused) {
   lease->session().execute("UPDATE Bancos SET Nota = CAST(x'ff' AS TEXT)");
   const auto set = openBanks();
-  EXPECT_EQ(raisedBy([&] { set->SaveXml(); }), 3421);
+  EXPECT_EQ(errorOf([&] { set->SaveXml(); }), 3421);
 }
 
 // ---- Files
@@ -261,7 +261,7 @@ TEST_F(Xml, AFailedSaveLeavesTheOldFileAndNoOther) {
   set->Save(folder.file("bancos.xml"));
   lease->session().execute("UPDATE Bancos SET Nota = CAST(x'ff' AS TEXT)");
   set->Requery();
-  EXPECT_EQ(raisedBy([&] { set->Save(folder.file("bancos.xml")); }), 3421);
+  EXPECT_EQ(errorOf([&] { set->Save(folder.file("bancos.xml")); }), 3421);
   EXPECT_EQ(Recordset::OpenFile(folder.file("bancos.xml"))->RecordCount(), 3);
   EXPECT_EQ(folder.files(), 1U);
 }
@@ -270,15 +270,15 @@ TEST_F(Xml, AFolderThatIsNotThereIsNamed) {
   const Folder folder;
   const auto set = openBanks();
   const std::string path = folder.file("nada/bancos.xml");
-  EXPECT_EQ(raisedBy([&] { set->Save(path); }), errors::kPathAccess);
+  EXPECT_EQ(errorOf([&] { set->Save(path); }), errors::kPathAccess);
   EXPECT_THAT(sentenceOf([&] { set->Save(path); }), HasSubstr(path));
-  EXPECT_EQ(raisedBy([&] { Recordset::OpenFile(path); }), errors::kFileNotFound);
+  EXPECT_EQ(errorOf([&] { Recordset::OpenFile(path); }), errors::kFileNotFound);
 }
 
 TEST_F(Xml, AFolderInThePlaceOfTheFileIsNamed) {
   const Folder folder;
   const std::string path = folder.file("");
-  EXPECT_EQ(raisedBy([&] { Recordset::OpenFile(path); }), errors::kPathAccess);
+  EXPECT_EQ(errorOf([&] { Recordset::OpenFile(path); }), errors::kPathAccess);
   EXPECT_THAT(sentenceOf([&] { Recordset::OpenFile(path); }), HasSubstr(path));
 }
 
@@ -370,7 +370,7 @@ TEST(XmlHostile, EverythingThatIsNoRecordSetIsRefused) {
       document(number, "<rs:nada/>"),
       document(field("s", "dt:type='string'"), "<z:row s='\xff'/>")};
   for (const std::string& text : texts) {
-    EXPECT_EQ(raisedBy([&] { Recordset::LoadXml(text); }), 3001) << text;
+    EXPECT_EQ(errorOf([&] { Recordset::LoadXml(text); }), 3001) << text;
     EXPECT_THAT(sentenceOf([&] { Recordset::LoadXml(text); }), HasSubstr(" at line ")) << text;
   }
 }
@@ -386,10 +386,10 @@ TEST(XmlHostile, EntitiesAreNotExpanded) {
 TEST(XmlHostile, DeepNestingIsNoDanger) {
   std::string deep;
   for (int i = 0; i < 200'000; ++i) deep += "<a>";
-  EXPECT_EQ(raisedBy([&] { Recordset::LoadXml(deep); }), 3001);
+  EXPECT_EQ(errorOf([&] { Recordset::LoadXml(deep); }), 3001);
   std::string closed = deep;
   for (int i = 0; i < 200'000; ++i) closed += "</a>";
-  EXPECT_EQ(raisedBy([&] { Recordset::LoadXml(document(field("n", "dt:type='int'"), closed)); }),
+  EXPECT_EQ(errorOf([&] { Recordset::LoadXml(document(field("n", "dt:type='int'"), closed)); }),
             3001);
 }
 
@@ -399,7 +399,7 @@ TEST_F(Xml, EveryTruncationIsAnErrorOrALoad) {
   set->AddNew({"Codigo"}, {"009"});
   const std::string xml = set->SaveXml();
   for (std::size_t length = 0; length < xml.size(); length += 7) {
-    const std::int32_t number = raisedBy([&] { Recordset::LoadXml(xml.substr(0, length)); });
+    const std::int32_t number = errorOf([&] { Recordset::LoadXml(xml.substr(0, length)); });
     EXPECT_TRUE(number == 3001 || number == 0) << length;
   }
 }
@@ -445,7 +445,7 @@ TEST_F(Xml, EveryChangedByteIsAnErrorOrALoad) {
     for (const char c : {'<', '\'', '\xff', '9', '\0'}) {
       std::string changed = xml;
       changed[at] = c;
-      const std::int32_t number = raisedBy([&] { Recordset::LoadXml(changed); });
+      const std::int32_t number = errorOf([&] { Recordset::LoadXml(changed); });
       EXPECT_TRUE(number == 3001 || number == 0) << at << " " << number;
     }
   }

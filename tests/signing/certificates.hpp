@@ -8,32 +8,8 @@
 #include <fstream>
 #include <string>
 
-#include "tavelor/platform/error.hpp"
+#include "tests/support/errors.hpp"
 #include "tests/support/temporary_folder.hpp"
-
-namespace tavelor::test {
-
-/// The number and the description of the error that `action` raises; 0 and "" for none.
-template <typename Action>
-std::int32_t errorNumber(Action&& action) {
-  try {
-    action();
-  } catch (const Error& error) {
-    return error.number();
-  }
-  return 0;
-}
-template <typename Action>
-std::string errorText(Action&& action) {
-  try {
-    action();
-  } catch (const Error& error) {
-    return error.description();
-  }
-  return {};
-}
-
-}  // namespace tavelor::test
 
 namespace tavelor::signing {
 

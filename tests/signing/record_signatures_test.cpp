@@ -131,7 +131,7 @@ TEST_F(RecordSignaturesTest, OfAStepThatFailsAreNotStored) {
     if (entry.text.find("(1, 2, ") != std::string::npos) raise(errors::kTimeout, "Test", "Gone.");
   });
   RecordSigner fails = signer();
-  EXPECT_EQ(test::errorNumber([&] { fails.signNext(); }), errors::kTimeout);
+  EXPECT_EQ(test::errorOf([&] { fails.signNext(); }), errors::kTimeout);
   shop_.apartment().trace().listen({});
   EXPECT_EQ(count("Fiscal_Firmas"), "0");
   EXPECT_EQ(documents_->transactionLevel(), 0);
@@ -208,18 +208,18 @@ TEST_F(RecordSignaturesTest, AreOfWhatWasRecordedWithoutSendingOnly) {
 TEST_F(RecordSignaturesTest, AreNotMadeWithACertificateThatHasExpired) {
   sellMany(1);
   RecordSigner late(*book_, certificate("old.p12"));
-  EXPECT_THAT(test::errorText([&] { late.signNext(); }), HasSubstr("has expired on 01-01-2020"));
+  EXPECT_THAT(test::sentenceOf([&] { late.signNext(); }), HasSubstr("has expired on 01-01-2020"));
   EXPECT_EQ(count("Fiscal_Firmas"), "0");
 }
 
 TEST_F(RecordSignaturesTest, WantACertificateAndSayHowToNameIt) {
-  EXPECT_THAT(test::errorText([&] { certificateOf(book_->settings(), shop_.installation()); }),
+  EXPECT_THAT(test::sentenceOf([&] { certificateOf(book_->settings(), shop_.installation()); }),
               HasSubstr("there is no certificate to sign with: `tavelor fiscal setup --certificate "
                         "FILE --password-variable NAME` names it"));
   fiscal::Settings settings = book_->settings();
   settings.certificate = certificates_.path("shop.p12");
   settings.passwordName = "TAVELOR_TEST_WRONG_PASSWORD";
-  EXPECT_THAT(test::errorText([&] { certificateOf(settings, shop_.installation()); }),
+  EXPECT_THAT(test::sentenceOf([&] { certificateOf(settings, shop_.installation()); }),
               HasSubstr("has another password than the variable TAVELOR_TEST_WRONG_PASSWORD"));
 }
 

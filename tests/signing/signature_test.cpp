@@ -116,7 +116,7 @@ TEST_F(SignatureTest, StandsInAPlaceOfTheDocument) {
   EXPECT_EQ(certificates_.complaintsOf(xml), "");
   EXPECT_EQ(lookAtSignature(xml).fault, "");
   inside.place = "e";
-  EXPECT_EQ(test::errorNumber([&] { signedXml(kDocument, shop(), inside); }), errors::kInvalidCall);
+  EXPECT_EQ(test::errorOf([&] { signedXml(kDocument, shop(), inside); }), errors::kInvalidCall);
 }
 
 TEST_F(SignatureTest, OfAnEllipticCurveIsVerifiedToo) {
@@ -131,7 +131,7 @@ TEST_F(SignatureTest, OfAnEllipticCurveIsVerifiedToo) {
 TEST_F(SignatureTest, IsRefusedForWhatCannotBeSigned) {
   const std::string xml = signedXml(kDocument, shop(), form());
   const auto complaint = [&](const std::string& document, const SignatureForm& how) {
-    return test::errorText([&] { signedXml(document, shop(), how); });
+    return test::sentenceOf([&] { signedXml(document, shop(), how); });
   };
   EXPECT_THAT(complaint(xml, form()), HasSubstr("is signed already"));
   EXPECT_THAT(complaint("<a>", form()), HasSubstr("does not read as XML"));
@@ -165,7 +165,7 @@ TEST_F(SignatureTest, OfRecordsAndEventsIsWhatTheirSchemasWant) {
 using CertificateTest = SignatureTest;
 
 std::string complaint(const std::string& file, const std::string& variable) {
-  return test::errorText([&] { Certificate::read(Certificates::all().path(file), variable); });
+  return test::sentenceOf([&] { Certificate::read(Certificates::all().path(file), variable); });
 }
 
 TEST_F(CertificateTest, IsReadFromPkcs12AndFromPem) {
@@ -193,7 +193,7 @@ TEST_F(CertificateTest, WithAnotherPasswordIsRefusedAndNoPasswordIsTold) {
 
 TEST_F(CertificateTest, ThatIsNotThereOrIsNoneIsRefused) {
   const auto number = [&](const std::string& file) {
-    return test::errorNumber([&] { Certificate::read(certificates_.path(file), ""); });
+    return test::errorOf([&] { Certificate::read(certificates_.path(file), ""); });
   };
   EXPECT_EQ(number("none.p12"), errors::kFileNotFound);
   EXPECT_EQ(number("ca"), errors::kPathAccess) << "a folder";
@@ -205,7 +205,7 @@ TEST_F(CertificateTest, ThatIsNotThereOrIsNoneIsRefused) {
 TEST_F(CertificateTest, ThatHasExpiredOrIsNotValidYetSignsNothing) {
   const auto complaintOf = [&](const char* file) {
     const Certificate read = Certificate::read(certificates_.path(file), "TAVELOR_TEST_PASSWORD");
-    return test::errorText([&] { signedXml(kDocument, read, form()); });
+    return test::sentenceOf([&] { signedXml(kDocument, read, form()); });
   };
   EXPECT_THAT(complaintOf("old.p12"), HasSubstr("has expired on 01-01-2020"));
   EXPECT_THAT(complaintOf("new.p12"), HasSubstr("is not valid before 01-01-2100"));

@@ -7,6 +7,7 @@
 #include "tavelor/services/dialect/plan_cache.hpp"
 #include "tests/dialect/corpus_case.hpp"
 #include "tests/sqlite/support.hpp"
+#include "tests/support/schema.hpp"
 
 namespace tavelor::engine::test {
 namespace {
@@ -62,23 +63,7 @@ TEST(SchemaInTheEngine, ReadsBackWithTheSameTypesSizesAndKeys) {
        dialect::translateSchema(tests::schemaText(), dialect::sqliteWriter())) {
     session->execute(text);
   }
-  const Catalogue found = session->describe();
-  ASSERT_EQ(found.tables().size(), tests::schemaCatalogue().tables().size());
-  for (const Table& wanted : tests::schemaCatalogue().tables()) {
-    const Table* table = found.find(wanted.name);
-    ASSERT_NE(table, nullptr) << wanted.name;
-    EXPECT_EQ(table->key, wanted.key) << wanted.name;
-    ASSERT_EQ(table->columns.size(), wanted.columns.size()) << wanted.name;
-    for (std::size_t i = 0; i < wanted.columns.size(); ++i) {
-      const Column& column = table->columns[i];
-      const Column& expected = wanted.columns[i];
-      const std::string name = wanted.name + "." + expected.name;
-      EXPECT_EQ(column.name, expected.name) << name;
-      EXPECT_EQ(column.type, expected.type) << name;
-      EXPECT_EQ(column.size, expected.size) << name;
-      EXPECT_EQ(column.autoNumber, expected.autoNumber) << name;
-    }
-  }
+  expectTheSchema(session->describe());
 }
 
 }  // namespace

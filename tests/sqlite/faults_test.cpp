@@ -18,7 +18,7 @@ namespace {
 using testing::HasSubstr;
 
 TEST(SqliteFaults, TwoThreadsThatWriteAtOnceWaitForEachOtherAndBothSucceed) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const std::string path = folder.file("a.db");
   openNew(path)->execute("CREATE TABLE T (A INTEGER); INSERT INTO T VALUES (0)");
   const auto addMany = [&] {
@@ -45,7 +45,7 @@ std::optional<Error> onAnotherThread(const std::function<void()>& call) {
 }
 
 TEST(SqliteFaults, AWriterThatOutlastsTheWaitIsABusyErrorThatNamesTheFileAndTheWait) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const std::string path = folder.file("a.db");
   const auto first = openNew(path);
   first->execute("CREATE TABLE T (A INTEGER)");
@@ -66,7 +66,7 @@ TEST(SqliteFaults, AWriterThatOutlastsTheWaitIsABusyErrorThatNamesTheFileAndTheW
 }
 
 TEST(SqliteFaults, AWaitThatWouldBeForItselfFailsAtOnceAndSaysSo) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const std::string path = folder.file("a.db");
   const auto first = openNew(path);
   first->execute("CREATE TABLE T (A INTEGER)");
@@ -81,7 +81,7 @@ TEST(SqliteFaults, AWaitThatWouldBeForItselfFailsAtOnceAndSaysSo) {
 }
 
 TEST(SqliteFaults, SettlingBringsEverythingIntoTheFileItself) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const auto session = openNew(folder.file("a.db"));
   session->execute("CREATE TABLE T (A INTEGER); INSERT INTO T VALUES (7)");
   session->settle();
@@ -91,7 +91,7 @@ TEST(SqliteFaults, SettlingBringsEverythingIntoTheFileItself) {
 
 // The engine would write on to the file that nobody finds any more.
 TEST(SqliteFaults, AFileThatWasTakenAwayOrReplacedIsNotWrittenTo) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const std::string path = folder.file("a.db");
   const auto session = openNew(path);
   session->execute("CREATE TABLE T (A INTEGER)");
@@ -120,7 +120,7 @@ TEST(SqliteFaults, AFileThatWasTakenAwayOrReplacedIsNotWrittenTo) {
 }
 
 TEST(SqliteFaults, ReadersNeverWaitForAWriter) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const auto writer = openNew(folder.file("a.db"));
   writer->execute("CREATE TABLE T (A INTEGER); INSERT INTO T VALUES (1)");
   const auto reader = openExisting(folder.file("a.db"), 0);
@@ -132,7 +132,7 @@ TEST(SqliteFaults, ReadersNeverWaitForAWriter) {
 }
 
 TEST(SqliteFaults, ManySessionsMayOpenANewFileAtOnce) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   std::vector<std::thread> threads;
   std::atomic<int> opened = 0;
   for (int i = 0; i < 8; ++i) {
@@ -162,7 +162,7 @@ TEST(SqliteFaults, ManySessionsMayOpenANewFileAtOnce) {
 }
 
 TEST(SqliteFaults, AProcessKilledInMidTransactionLeavesAllOfItOrNone) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const std::string path = folder.file("a.db");
   openNew(path)->execute("CREATE TABLE T (A INTEGER, B INTEGER)");
   std::int64_t before = 0;
@@ -205,7 +205,7 @@ void fillUntilItFails(Session& session, std::optional<Error>& error) {
 }
 
 TEST(SqliteFaults, AFullDatabaseRaisesAndKeepsWhatWasCommitted) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const auto session = openNew(folder.file("a.db"));
   session->execute(
       "CREATE TABLE T (A INTEGER PRIMARY KEY, B TEXT); INSERT INTO T (B) VALUES ('y')");
@@ -235,7 +235,7 @@ class SmallDisk {
   std::string file(const std::string& name) const { return folder_.file(name); }
 
  private:
-  TempFolder folder_;
+  TemporaryFolder folder_;
   bool mounted_ = false;
 };
 

@@ -12,13 +12,13 @@ namespace fs = std::filesystem;
 using testing::HasSubstr;
 
 TEST(SqliteOpen, MakesTheFileWhenAskedTo) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   openNew(folder.file("tienda.db"))->execute("CREATE TABLE T (A INTEGER)");
   EXPECT_EQ(openExisting(folder.file("tienda.db"))->describe().tables().size(), 1U);
 }
 
 TEST(SqliteOpen, AMissingFileIsAnErrorThatNamesItAndMakesNone) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const auto error = errorOf([&] { openExisting(folder.file("tienda.db")); });
   ASSERT_TRUE(error);
   EXPECT_EQ(error->number(), errors::kFileNotFound);
@@ -27,7 +27,7 @@ TEST(SqliteOpen, AMissingFileIsAnErrorThatNamesItAndMakesNone) {
 }
 
 TEST(SqliteOpen, AMissingFolderIsAnErrorThatNamesItEvenWhenCreating) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const auto error = errorOf([&] { openNew(folder.file("nada/tienda.db")); });
   ASSERT_TRUE(error);
   EXPECT_EQ(error->number(), errors::kFileNotFound);
@@ -36,7 +36,7 @@ TEST(SqliteOpen, AMissingFolderIsAnErrorThatNamesItEvenWhenCreating) {
 }
 
 TEST(SqliteOpen, AFolderInPlaceOfAFileIsAnError) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   EXPECT_EQ(errorNumber([&] { openNew(folder.path().string()); }), errors::kPathAccess);
 }
 
@@ -46,13 +46,13 @@ TEST(SqliteOpen, AnEmptyPathOrOneWithANulIsAnError) {
 }
 
 TEST(SqliteOpen, AFileBelowAFileIsAnError) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   std::ofstream(folder.file("plano")) << "x";
   EXPECT_NE(errorNumber([&] { openNew(folder.file("plano/tienda.db")); }), 0);
 }
 
 TEST(SqliteOpen, AFileOfAnotherKindIsRefusedAndLeftAlone) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const std::string text(5000, 'x');
   std::ofstream(folder.file("carta.txt")) << text;
   const auto error = errorOf([&] { openNew(folder.file("carta.txt")); });
@@ -64,7 +64,7 @@ TEST(SqliteOpen, AFileOfAnotherKindIsRefusedAndLeftAlone) {
 }
 
 TEST(SqliteOpen, ADamagedFileRaisesAndNeverCrashes) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const std::string path = folder.file("tienda.db");
   {
     const auto session = openNew(path);
@@ -98,7 +98,7 @@ TEST(SqliteOpen, ADamagedFileRaisesAndNeverCrashes) {
 }
 
 TEST(SqliteOpen, ATruncatedFileRaises) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const std::string path = folder.file("tienda.db");
   openNew(path)->execute("CREATE TABLE T (A INTEGER); CREATE TABLE U (A INTEGER)");
   fs::resize_file(path, 5000);
@@ -107,7 +107,7 @@ TEST(SqliteOpen, ATruncatedFileRaises) {
 }
 
 TEST(SqliteOpen, CharactersWithAMeaningInAddressesAreOnlyCharacters) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   for (const std::string name :
        {"file:a?mode=memory", "b#c%41&d", "año nuevo.db", ":memory:x", "'"}) {
     openNew(folder.file(name))->execute("CREATE TABLE T (A INTEGER)");
@@ -117,7 +117,7 @@ TEST(SqliteOpen, CharactersWithAMeaningInAddressesAreOnlyCharacters) {
 }
 
 TEST(SqliteOpen, ARelativePathThatLooksLikeAnAddressIsAFile) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const fs::path before = fs::current_path();
   fs::current_path(folder.path());
   openNew("file:x.db?mode=memory")->execute("CREATE TABLE T (A INTEGER)");
@@ -126,7 +126,7 @@ TEST(SqliteOpen, ARelativePathThatLooksLikeAnAddressIsAFile) {
 }
 
 TEST(SqliteOpen, AReadOnlySessionReadsAndRefusesToWrite) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   openNew(folder.file("a.db"))->execute("CREATE TABLE T (A INTEGER); INSERT INTO T VALUES (7)");
   OpenOptions options;
   options.path = folder.file("a.db");
@@ -140,7 +140,7 @@ TEST(SqliteOpen, AReadOnlySessionReadsAndRefusesToWrite) {
 }
 
 TEST(SqliteOpen, AReadOnlySessionMakesNoFile) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   OpenOptions options = creating(folder.file("a.db"));
   options.readOnly = true;
   EXPECT_EQ(errorNumber([&] { sqliteEngine().open(options); }), errors::kFileNotFound);
@@ -155,7 +155,7 @@ TEST(SqliteOpen, ADatabaseInMemoryIsItsSessionsOwn) {
 }
 
 TEST(SqliteOpen, SettingsHoldWhateverTheFileSays) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   OpenOptions options = creating(folder.file("a.db"));
   options.synchronous = true;
   const auto session = sqliteEngine().open(options);
@@ -194,7 +194,7 @@ int exitCodeOf(const std::optional<Error>& error, std::string_view named) {
 }
 
 TEST(SqliteOpen, AnUnreadableFileIsAnErrorThatNamesIt) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const std::string path = folder.file("a.db");
   openNew(path)->execute("CREATE TABLE T (A INTEGER)");
   fs::permissions(path, fs::perms::none);
@@ -202,7 +202,7 @@ TEST(SqliteOpen, AnUnreadableFileIsAnErrorThatNamesIt) {
 }
 
 TEST(SqliteOpen, AFileThatMayNotBeWrittenIsAnError) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const std::string path = folder.file("a.db");
   openNew(path)->execute("CREATE TABLE T (A INTEGER)");
   fs::permissions(path, fs::perms::owner_read | fs::perms::others_read);
@@ -211,7 +211,7 @@ TEST(SqliteOpen, AFileThatMayNotBeWrittenIsAnError) {
 }
 
 TEST(SqliteOpen, AFolderThatMayNotBeWrittenIsAnError) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const std::string path = folder.file("a.db");
   openNew(path)->execute("CREATE TABLE T (A INTEGER)");
   fs::permissions(path, fs::perms::all);
@@ -226,7 +226,7 @@ TEST(SqliteOpen, AFolderThatMayNotBeWrittenIsAnError) {
 }
 
 TEST(SqliteOpen, AFolderThatMayNotBeEnteredIsAnError) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   const std::string path = folder.file("a.db");
   fs::permissions(folder.path(), fs::perms::none);
   EXPECT_EQ(asNobody([&] { return exitCodeOf(errorOf([&] { openNew(path); }), path); }), 0);

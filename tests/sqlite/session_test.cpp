@@ -140,7 +140,7 @@ TEST_F(SqliteSession, AGuardInsideALostTransactionLeavesTheOuterLevelLost) {
 }
 
 TEST_F(SqliteSession, ASessionThatDiesRollsBackEvenWhileAStatementLives) {
-  const TempFolder folder;
+  const TemporaryFolder folder;
   openNew(folder.file("a.db"))->execute("CREATE TABLE T (A INTEGER)");
   auto dying = openExisting(folder.file("a.db"));
   dying->begin();

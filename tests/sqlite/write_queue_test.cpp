@@ -110,7 +110,7 @@ class WriteQueueThreads : public testing::Test {
     return all;
   }
 
-  TempFolder folder;
+  TemporaryFolder folder;
   const std::string path = folder.file("a.db");
   std::unique_ptr<Session> holder;
   std::vector<std::thread> threads;

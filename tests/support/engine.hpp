@@ -2,45 +2,21 @@
 // What the tests of all engines share.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
-
-#include <unistd.h>
 
 #include "tavelor/platform/error.hpp"
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/engine/row_store.hpp"
+#include "tests/support/temporary_folder.hpp"
 
 namespace tavelor::engine::test {
 
-/// A folder that goes with the test.
-class TempFolder {
- public:
-  TempFolder() {
-    static std::atomic<int> count = 0;
-    path_ = std::filesystem::temp_directory_path() /
-            ("tavelor-" + std::to_string(::getpid()) + "-" + std::to_string(++count));
-    std::filesystem::create_directories(path_);
-  }
-  TempFolder(const TempFolder&) = delete;
-  TempFolder& operator=(const TempFolder&) = delete;
-  ~TempFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  const std::filesystem::path& path() const { return path_; }
-  std::string file(const std::string& name) const { return (path_ / name).string(); }
-
- private:
-  std::filesystem::path path_;
-};
+using tavelor::test::TemporaryFolder;
 
 /// The error that a call raises, if it does.
 template <typename Call>

@@ -16,6 +16,7 @@
 #include "tavelor/services/recordset/recordset.hpp"
 #include "tavelor/services/trace.hpp"
 #include "tests/support/engines.hpp"
+#include "tests/support/errors.hpp"
 #include "tests/support/temporary_folder.hpp"
 
 namespace tavelor::test {
@@ -86,16 +87,5 @@ class Shop {
   std::shared_ptr<Installation> installation_;
   Apartment apartment_;
 };
-
-/// The number of the tavelor::Error that `action` raises, or 0.
-template <typename Action>
-std::int32_t errorOf(Action&& action) {
-  try {
-    action();
-  } catch (const Error& error) {
-    return error.number();
-  }
-  return 0;
-}
 
 }  // namespace tavelor::test
