@@ -7,6 +7,7 @@
 # tavelor_library() joins all floors so far into the library that users link, twice of the same
 # objects: Tavelor::tavelor is static, Tavelor::tavelor_shared is not.
 # tavelor_library_of(FLOOR ON library) makes a library of a floor that comes after that, upon another.
+# tavelor_library_on_shared(FLOOR... INNER source...) joins such floors into a static library upon the shared one.
 
 # One precompiled header for all floors and one for all tests: compiled once, owned by no floor.
 function(tavelor_precompiled name)
@@ -85,4 +86,28 @@ function(tavelor_library_of floor)
   set_target_properties(tavelor_${floor}_library PROPERTIES LINKER_LANGUAGE CXX
     OUTPUT_NAME tavelor_${floor} EXPORT_NAME ${floor} VERSION ${PROJECT_VERSION})
   target_link_libraries(tavelor_${floor}_library PUBLIC ${stands_ON} PRIVATE ${links})
+endfunction()
+
+# The same floors for who links the shared library: Tavelor::LAST_shared. It brings what they use of inner rooms,
+# which the shared library does not show; such a source keeps no state, or there would be two of it.
+function(tavelor_library_on_shared)
+  cmake_parse_arguments(PARSE_ARGV 0 shared "" "" "INNER")
+  if(NOT TAVELOR_SHARED)
+    return()
+  endif()
+  set(objects "")
+  set(links "")
+  foreach(floor IN LISTS shared_UNPARSED_ARGUMENTS)
+    list(APPEND objects $<TARGET_OBJECTS:tavelor_${floor}>)
+    get_target_property(floor_links tavelor_${floor} LINK_LIBRARIES)
+    list(APPEND links ${floor_links})
+  endforeach()
+  list(FILTER links EXCLUDE REGEX "tavelor_options")
+  list(REMOVE_DUPLICATES links)
+  list(GET shared_UNPARSED_ARGUMENTS -1 last)
+  set(name ${last}_shared)
+  add_library(tavelor_${name} STATIC ${objects} ${shared_INNER})
+  add_library(Tavelor::${name} ALIAS tavelor_${name})
+  set_target_properties(tavelor_${name} PROPERTIES LINKER_LANGUAGE CXX EXPORT_NAME ${name} VERSION ${PROJECT_VERSION})
+  target_link_libraries(tavelor_${name} PUBLIC tavelor_shared PRIVATE $<BUILD_INTERFACE:tavelor_options> ${links})
 endfunction()

@@ -11,7 +11,7 @@ endforeach()
 
 install(TARGETS tavelor tavelor_fiscal_library tavelor_flows_library EXPORT TavelorTargets)
 if(TAVELOR_SHARED)
-  install(TARGETS tavelor_shared EXPORT TavelorTargets
+  install(TARGETS tavelor_shared tavelor_flows_shared EXPORT TavelorTargets
     LIBRARY COMPONENT library NAMELINK_COMPONENT development)
 endif()
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Tavelor)

@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: MIT
 # What pkg-config reads. tavelor.pc is the shared library; tavelor-static.pc is the other one, with what
 # it needs as shared libraries, which `--static` would ask to be static too. The libraries upon it are
-# static and use what the shared one does not show, so theirs take the static one.
+# static and use what the shared one does not show, so theirs take the static one; tavelor-flows-shared.pc brings
+# that itself.
 include(GNUInstallDirs)
 file(RELATIVE_PATH pc_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 string(REGEX REPLACE "/$" "" pc_to_prefix "${pc_to_prefix}")
@@ -51,6 +52,10 @@ tavelor_pkgconfig(tavelor-fiscal DESCRIPTION "Records of invoices, as the law wa
 tavelor_archives(archives ${flows})
 tavelor_pkgconfig(tavelor-flows DESCRIPTION "Sales, closings, deliveries: flows over several classes"
   REQUIRES "${pc_needs} libcrypto libqrencode" LIBS "${archives}")
+if(TAVELOR_SHARED)
+  tavelor_pkgconfig(tavelor-flows-shared DESCRIPTION "Flows over several classes, on the shared library"
+    REQUIRES "tavelor fmt pugixml libcrypto libqrencode" LIBS "\${libdir}/libtavelor_flows_shared.a")
+endif()
 tavelor_archives(archives tavelor_sending ${flows})
 tavelor_pkgconfig(tavelor-sending DESCRIPTION "Records of invoices on their way to the tax office"
   REQUIRES "${pc_needs} libcrypto libqrencode libcurl" LIBS "${archives}")

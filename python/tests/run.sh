@@ -37,15 +37,14 @@ cd "$scratch"
 where=$("$installed" -c 'import tavelor; print(tavelor.__file__)')
 [[ $where == "$scratch"/environment/* ]] || { echo "tavelor comes from $where"; exit 1; }
 
-compare() { # EXAMPLE ARGUMENT...: what it prints is what stands beside it
-  local example=$1
-  shift
-  "$installed" "$here/../examples/$example.py" "$@" >"$example.txt"
-  diff -u "$here/../examples/$example.txt" "$example.txt"
+compare() { # EXAMPLE EXPECTED ARGUMENT...
+  local example=$1 expected=$2
+  shift 2
+  "$installed" "$here/../examples/$example.py" "$@" | diff -u "$expected" -
 }
-compare small_day "$scratch/small"
+compare small_day "$here/../../examples/070-a-day.txt" "$scratch/small"  # as from everywhere else
 export MPLCONFIGDIR=$scratch
-compare five_questions "$scratch" "$scratch/five_questions.png"
+compare five_questions "$here/../examples/five_questions.txt" "$scratch" "$scratch/five_questions.png"
 [[ $(head -c 8 five_questions.png | od -An -c | tr -d ' \n') == '211PNG\r\n032\n' ]] || { echo "five_questions.png is no picture"; exit 1; }
 
 "$installed" -m pip --disable-pip-version-check uninstall --quiet --yes tavelor

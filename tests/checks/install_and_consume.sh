@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: MIT
 # install_and_consume.sh BUILD_DIR COMPILER BUILD_TYPE: installs to a scratch folder, then builds
 # and runs tests/consumer on both libraries, with all installed headers included and nothing of this
-# tree; the till of the examples, on the flows; and the day in C, which sees nothing but the C interface.
+# tree; the till of the examples, on the flows; the small day, by the flows on both libraries and in C, which
+# sees nothing but the C interface.
 source "$(dirname "$0")/../../scripts/lib/common.sh"
 
 scratch=$(mktemp -d)
@@ -10,6 +11,7 @@ trap 'rm -rf "$scratch"' EXIT
 cmake --install "$1" --prefix "$scratch/usr" >"$scratch/install.log"
 cp -r tests/consumer "$scratch/consumer"
 cp examples/080-a-till.cpp "$scratch/consumer/till.cpp"
+cp examples/070-a-day.cpp "$scratch/consumer/day.cpp"
 (cd "$scratch/usr/include" && find tavelor -name '*.hpp' | LC_ALL=C sort |
   sed 's/.*/#include "&"/') >"$scratch/consumer/all_headers.hpp"
 cmake -S "$scratch/consumer" -B "$scratch/build" -G Ninja -DCMAKE_PREFIX_PATH="$scratch/usr" \
@@ -23,6 +25,11 @@ for program in "$scratch"/build/with_*; do
 done
 [[ $built -gt 0 ]]
 (cd "$scratch" && build/till | diff "$OLDPWD/examples/080-a-till.txt" -)
+for program in "$scratch"/build/day_by_*; do
+  mkdir "$scratch/${program##*/}"
+  (cd "$scratch/${program##*/}" && LD_LIBRARY_PATH=$(find "$scratch/usr" -name 'libtavelor.so' -printf '%h') "$program") |
+    diff examples/070-a-day.txt -
+done
 # A project in C, and a line of the compiler.
 libraries=$(find "$scratch/usr" -name 'libtavelor_c.so' -printf '%h')
 if [[ -n $libraries ]]; then
@@ -37,7 +44,7 @@ if [[ -n $libraries ]]; then
   for program in day by_hand; do
     mkdir "$scratch/day_of_$program"
     (cd "$scratch/day_of_$program" && LD_LIBRARY_PATH=$libraries "$scratch/build_c/$program") |
-      diff examples/090-a-day-in-c.txt -
+      diff examples/070-a-day.txt -
   done
 fi
 if [[ -x $scratch/usr/bin/tavelor ]]; then "$scratch/usr/bin/tavelor" --version; fi
