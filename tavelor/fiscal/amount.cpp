@@ -38,6 +38,11 @@ int takeDigits(std::string_view& text, std::size_t count) {
   return number;
 }
 
+/// Writes the last so many digits of a number over those that a text has there.
+void putDigits(std::string& text, std::size_t at, std::size_t count, int number) {
+  for (; count > 0; number /= 10) text[at + --count] = static_cast<char>('0' + number % 10);
+}
+
 bool take(std::string_view& text, char mark) {
   if (!text.starts_with(mark)) return false;
   text.remove_prefix(1);
@@ -126,7 +131,11 @@ std::optional<Amount> Amount::read(std::string_view text) {
 
 std::string dayText(Date day) {
   const CivilTime civil = day.civil();
-  return fmt::format("{:02}-{:02}-{:04}", civil.day, civil.month, civil.year);
+  std::string text = "00-00-0000";
+  putDigits(text, 0, 2, civil.day);
+  putDigits(text, 3, 2, civil.month);
+  putDigits(text, 6, 4, civil.year);
+  return text;
 }
 
 std::optional<Date> readDay(std::string_view text) {

@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tavelor/fiscal/check.hpp"
@@ -16,17 +17,21 @@ namespace tavelor::fiscal {
 struct ChainItem {
   std::int32_t position = 0;
   std::optional<InvoiceId> invoice{};
-  std::string name;            ///< "record 5, the invoice T/5 of 01-02-2027,"
   std::string fault{};         ///< of its own: it is not what it was; "" for none
   bool isRead = true;          ///< else its place in the chain is not known
   std::string previous{};      ///< "" of the first, else what names the one before
   std::string previousHash{};  ///< "" of the first
-  std::string self{};          ///< what names it in the one behind it
+  std::string self{};          ///< what names it in the one behind it; "" where that is not known
   std::string hash{};          ///< recomputed
   std::string seal{};          ///< as stored
   std::string text{};          ///< what was sealed
   std::int64_t moment = 0;     ///< seconds
   std::vector<Flaw> others{};  ///< what else is wrong with it
+  std::string_view what = "record";  ///< or "event"
+  bool isCancellation = false;       ///< of what `self` names
+
+  /// "record 5, the invoice T/5 of 01-02-2027,"
+  std::string name() const;
 };
 
 /// Where a chain ends by its own row, or where a look along it does.
@@ -41,8 +46,9 @@ struct ChainPlace {
 /// Goes along a chain and tells where it was harmed.
 class ChainWalk {
  public:
-  /// The items behind one position and up to another, in order.
-  using Read = std::function<std::vector<ChainItem>(std::int32_t behind, std::int32_t upTo)>;
+  using Take = std::function<void(ChainItem item)>;
+  /// Gives the items behind one position and up to another, in order.
+  using Read = std::function<void(std::int32_t behind, std::int32_t upTo, const Take& take)>;
   /// The position of the item with a hash; 0 where there is none.
   using Find = std::function<std::int32_t(const std::string& hash)>;
 
@@ -59,6 +65,7 @@ class ChainWalk {
 
  private:
   void look(const ChainItem& item, const ChainItem* next);
+  void pass(ChainItem item);
   bool lookAtPlace(const ChainItem& item, const ChainItem* next);
   void lookAtTime(const ChainItem& item);
   void tell(Flaw::Kind kind, const ChainItem& item, std::string sentence);
@@ -67,8 +74,7 @@ class ChainWalk {
   Find find_;
   std::int64_t now_;
   ChainPlace place_;
-  std::string nameBefore_;  // of the item at place_
-  std::optional<InvoiceId> invoiceBefore_;
+  std::optional<ChainItem> before_;  // the item at place_, where that was seen
   std::uint64_t seen_ = 0;
   Hasher hasher_;
   std::vector<Flaw> flaws_;

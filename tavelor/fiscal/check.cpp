@@ -9,6 +9,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <unordered_map>
 #include <utility>
 
 #include <fmt/format.h>
@@ -35,10 +36,10 @@ constexpr std::int32_t kLastPlace = std::numeric_limits<std::int32_t>::max();
 constexpr std::array<Statement::Constant, 2> kTicketTables = {"Tickets", "HTickets"};
 
 std::string nameOf(const InvoiceId& invoice) {
-  return fmt::format("the invoice {} of {}", invoice.number, dayText(invoice.day));
+  return "the invoice " + invoice.number + " of " + dayText(invoice.day);
 }
 
-std::int64_t centsAt(const Rows& row, std::string_view column) {
+std::int64_t centsAt(const Rows& row, const ColumnKey& column) {
   return std::llround(row.number(column) * 100);
 }
 
@@ -49,6 +50,26 @@ Statement within(Statement::Constant column, const DaySpan& span, Date start = D
   if (span.to) where << " AND " << column << " < " << sqlLiteral(Date(span.to->days() + 1));
   return where;
 }
+
+/// Columns of a record, of which there are many to be looked at: found by their places.
+enum RecordColumn : std::int32_t {
+  kPosition,
+  kKind,
+  kSeries,
+  kNumber,
+  kNumberText,
+  kDay,
+  kQuota,
+  kTotal,
+  kMoment,
+  kHash,
+  kSeal,
+  kTicket,
+  kXml
+};
+constexpr Statement::Constant kRecordColumns =
+    "Posicion, Tipo, Serie, Numero, Serie_Numero, Fecha_Expedicion, Cuota, Total, Momento, Huella, "
+    "Sello, Ticket, Registro";
 
 /// A chain by its own row.
 struct ChainRow {
@@ -64,10 +85,8 @@ struct ChainRow {
 };
 
 /// An invoice by issuer and number: two taxpayers may have the same number.
-using InvoiceKey = std::pair<std::string, std::string>;
-
-InvoiceKey keyOf(const InvoiceId& invoice) {
-  return {invoice.issuer, invoice.number};
+std::string keyOf(const InvoiceId& invoice) {
+  return invoice.issuer + '\n' + invoice.number;
 }
 
 /// What of a record is looked at together with others.
@@ -145,7 +164,9 @@ class Check {
     }
     series_.clear();
     ChainWalk walk(
-        [&](std::int32_t behind, std::int32_t upTo) { return records(chain, behind, upTo); },
+        [&](std::int32_t behind, std::int32_t upTo, const ChainWalk::Take& take) {
+          records(chain, behind, upTo, take);
+        },
         [&](const std::string& hash) { return find("Fiscal_Registros", chain.code, hash); }, now_);
     for (Flaw& flaw : walk.walk(begin, last)) tell(std::move(flaw), chain.code);
     report_.records += walk.seen();
@@ -173,32 +194,31 @@ class Check {
   ChainPlace placeBefore(const ChainRow& chain, std::int32_t first) {
     ChainPlace place;
     place.position = first - 1;
-    for (ChainItem& item : records(chain, first - 2, first - 1)) {
+    records(chain, first - 2, first - 1, [&](const ChainItem& item) {
       place = {item.position, item.self, item.hash, item.seal, item.moment};
-    }
+    });
     return place;
   }
 
-  std::vector<ChainItem> records(const ChainRow& chain, std::int32_t behind, std::int32_t upTo) {
+  void records(const ChainRow& chain, std::int32_t behind, std::int32_t upTo,
+               const ChainWalk::Take& take) {
     const auto relations = this->relations(chain.code, behind, upTo);
-    std::vector<ChainItem> items;
     forEach(
-        "Fiscal_Registros", chain.code, behind, upTo,
-        [&](const Rows& row) { items.push_back(record(chain, row, relations)); },
+        kRecordColumns, "Fiscal_Registros", chain.code, behind, upTo,
+        [&](const Rows& row) { take(record(chain, row, relations)); },
         [&](std::int32_t position, const Error& error) {
-          items.push_back(unreadable("Fiscal_Registros", chain.code, position, error));
+          take(unreadable("Fiscal_Registros", chain.code, position, error));
         });
-    return items;
   }
 
   /// The rows of some places. A value that is not of its column's type keeps the engine from
   /// reading all of them; then the halves are read, down to the row that has it.
   template <typename Look, typename Miss>
-  void forEach(Statement::Constant table, std::int32_t chain, std::int32_t behind,
-               std::int32_t upTo, const Look& look, const Miss& miss) const {
-    Statement statement("SELECT * FROM ");
-    statement << table << " WHERE Cadena = " << sqlLiteral(chain) << " AND Posicion > "
-              << sqlLiteral(behind) << " AND Posicion <= " << sqlLiteral(upTo)
+  void forEach(Statement::Constant columns, Statement::Constant table, std::int32_t chain,
+               std::int32_t behind, std::int32_t upTo, const Look& look, const Miss& miss) const {
+    Statement statement("SELECT ");
+    statement << columns << " FROM " << table << " WHERE Cadena = " << sqlLiteral(chain)
+              << " AND Posicion > " << sqlLiteral(behind) << " AND Posicion <= " << sqlLiteral(upTo)
               << " ORDER BY Posicion";
     std::optional<Rows> rows;
     try {
@@ -209,8 +229,8 @@ class Check {
     }
     if (!rows) {
       const std::int32_t middle = behind + (upTo - behind) / 2;
-      forEach(table, chain, behind, middle, look, miss);
-      forEach(table, chain, middle, upTo, look, miss);
+      forEach(columns, table, chain, behind, middle, look, miss);
+      forEach(columns, table, chain, middle, upTo, look, miss);
       return;
     }
     for (; rows->hasRow(); rows->next()) look(*rows);
@@ -226,10 +246,8 @@ class Check {
     ChainItem item;
     item.position = position;
     item.isRead = false;
-    item.name =
-        fmt::format("{} {}", table.text() == "Fiscal_Eventos" ? "event" : "record", position);
+    if (table.text() == "Fiscal_Eventos") item.what = "event";
     item.fault = error.description();
-    item.self = item.name;
     item.hash = row.text("Huella");
     item.seal = row.text("Sello");
     return item;
@@ -256,17 +274,14 @@ class Check {
 
   ChainItem record(const ChainRow& chain, const Rows& row, const Relations& relations) {
     ChainItem item;
-    item.position = row.whole("Posicion");
-    item.text = row.text("Registro");
-    item.seal = row.text("Sello");
-    const std::string number = row.text("Serie_Numero");
+    item.position = row.whole(kPosition);
+    item.text = row.text(kXml);
+    item.seal = row.text(kSeal);
     try {
       const Record record = readRecord(item.text);
       const InvoiceId& invoice = fiscal::invoiceOf(record);
       item.invoice = invoice;
-      const bool isCancellation = std::holds_alternative<Cancellation>(record);
-      item.name = fmt::format("record {}, {}{},", item.position,
-                              isCancellation ? "the cancellation of " : "", nameOf(invoice));
+      item.isCancellation = std::holds_alternative<Cancellation>(record);
       const Chaining& chaining = chainingOf(record);
       if (chaining.previous) {
         item.previous = nameOf(chaining.previous->invoice);
@@ -282,10 +297,10 @@ class Check {
       remember(chain, record, row);
     } catch (const Error& error) {
       item.isRead = false;
-      item.name = fmt::format("record {}, the invoice {},", item.position, number);
+      item.isCancellation = false;
       item.fault = error.description();
-      item.self = number;
-      item.hash = row.text("Huella");
+      item.self = "the invoice " + row.text(kNumberText);
+      item.hash = row.text(kHash);
     }
     return item;
   }
@@ -300,21 +315,21 @@ class Check {
     const auto differs = [&](std::string_view column) {
       return fmt::format("its column {} is not what stands in it", column);
     };
-    if (row.text("Huella") != hash) return differs("Huella");
-    if (row.text("Momento") != chaining.moment) return differs("Momento");
-    if (row.text("Serie_Numero") != invoice.number) return differs("Serie_Numero");
-    if (Date(row.number("Fecha_Expedicion")) != invoice.day) return differs("Fecha_Expedicion");
-    if (row.text("Tipo") !=
+    if (row.text(kHash) != hash) return differs("Huella");
+    if (row.text(kMoment) != chaining.moment) return differs("Momento");
+    if (row.text(kNumberText) != invoice.number) return differs("Serie_Numero");
+    if (Date(row.number(kDay)) != invoice.day) return differs("Fecha_Expedicion");
+    if (row.text(kKind) !=
         (registration != nullptr ? word(registration->kind) : kCancellationWord)) {
       return differs("Tipo");
     }
     if (invoice.issuer != chain.taxpayer) return "its taxpayer is another one";
     if (registration == nullptr) return {};
-    if (centsAt(row, "Cuota") != registration->quota.cents()) return differs("Cuota");
-    if (centsAt(row, "Total") != registration->total.cents()) return differs("Total");
+    if (centsAt(row, kQuota) != registration->quota.cents()) return differs("Cuota");
+    if (centsAt(row, kTotal) != registration->total.cents()) return differs("Total");
     if (registration->isCorrection) {
-      if (!row.isNull("Serie") || !row.isNull("Numero")) return differs("Numero");
-    } else if (fmt::format("{}/{}", row.text("Serie"), row.whole("Numero")) != invoice.number) {
+      if (!row.isNull(kSeries) || !row.isNull(kNumber)) return differs("Numero");
+    } else if (row.text(kSeries) + '/' + std::to_string(row.whole(kNumber)) != invoice.number) {
       return differs("Numero");
     }
     return {};
@@ -347,16 +362,16 @@ class Check {
     flaw.kind = Flaw::Kind::kSum;
     flaw.position = item.position;
     flaw.invoice = item.invoice;
-    flaw.sentence = fmt::format("{} {}", item.name, fault);
+    flaw.sentence = fmt::format("{} {}", item.name(), fault);
     item.others.push_back(std::move(flaw));
   }
 
   /// Where a taxpayer has several chains, what is not in this one may be in another; whether all
   /// numbers are there is then seen in all of them together.
   void lookAtSeriesOf(const ChainRow& chain, const Rows& row, ChainItem& item) {
-    if (row.isNull("Serie")) return;
-    const std::string series = row.text("Serie");
-    const std::int32_t number = row.whole("Numero");
+    if (row.isNull(kSeries)) return;
+    const std::string series = row.text(kSeries);
+    const std::int32_t number = row.whole(kNumber);
     const auto [place, isNew] = series_.try_emplace(series, number);
     const bool isInOrder =
         isNew || (chain.isAlone ? number == place->second + 1 : number > place->second);
@@ -366,7 +381,7 @@ class Check {
       flaw.position = item.position;
       flaw.invoice = item.invoice;
       flaw.sentence =
-          fmt::format("{} comes behind {}/{} in its series", item.name, series, place->second);
+          fmt::format("{} comes behind {}/{} in its series", item.name(), series, place->second);
       item.others.push_back(std::move(flaw));
     }
     place->second = number;
@@ -387,11 +402,11 @@ class Check {
       const auto found = totals_.find(keyOf(invoice));
       if (found != totals_.end()) total_ -= found->second;
     }
-    if (row.isNull("Ticket")) return;
-    Recorded recorded{row.whole("Posicion"), invoice, invoice.day,
+    if (row.isNull(kTicket)) return;
+    Recorded recorded{row.whole(kPosition), invoice, invoice.day,
                       registration != nullptr ? registration->total.cents() : 0,
                       registration == nullptr};
-    const double ticket = row.number("Ticket");
+    const double ticket = row.number(kTicket);
     if (std::isnan(ticket)) return;  // written by somebody else; the ticket has none then
     if (!recorded_.emplace(ticket, recorded).second) {
       Flaw flaw;
@@ -440,7 +455,9 @@ class Check {
   void lookAtEvents(const ChainRow& chain) {
     const std::int32_t last = std::max(chain.events, greatest("Fiscal_Eventos", chain.code));
     ChainWalk walk(
-        [&](std::int32_t behind, std::int32_t upTo) { return events(chain, behind, upTo); },
+        [&](std::int32_t behind, std::int32_t upTo, const ChainWalk::Take& take) {
+          events(chain, behind, upTo, take);
+        },
         [&](const std::string& hash) { return find("Fiscal_Eventos", chain.code, hash); }, now_);
     for (Flaw& flaw : walk.walk({}, last)) {
       flaw.isOfEvent = true;
@@ -450,15 +467,13 @@ class Check {
     lookAtEnd(chain.code, walk.place(), chain.events, chain.eventHash, chain.eventSeal, "event");
   }
 
-  std::vector<ChainItem> events(const ChainRow& chain, std::int32_t behind, std::int32_t upTo) {
-    std::vector<ChainItem> items;
+  void events(const ChainRow& chain, std::int32_t behind, std::int32_t upTo,
+              const ChainWalk::Take& take) {
     forEach(
-        "Fiscal_Eventos", chain.code, behind, upTo,
-        [&](const Rows& row) { items.push_back(event(row)); },
+        "*", "Fiscal_Eventos", chain.code, behind, upTo, [&](const Rows& row) { take(event(row)); },
         [&](std::int32_t position, const Error& error) {
-          items.push_back(unreadable("Fiscal_Eventos", chain.code, position, error));
+          take(unreadable("Fiscal_Eventos", chain.code, position, error));
         });
-    return items;
   }
 
   ChainItem event(const Rows& row) {
@@ -466,12 +481,12 @@ class Check {
       return fmt::format("the event {} of {}", word(kind), moment);
     };
     ChainItem item;
+    item.what = "event";
     item.position = row.whole("Posicion");
     item.text = row.text("Evento");
     item.seal = row.text("Sello");
     try {
       const Event event = readEvent(item.text);
-      item.name = fmt::format("event {}, {},", item.position, named(event.kind, event.moment));
       if (event.previous) {
         item.previous = named(event.previous->kind, event.previous->moment);
         item.previousHash = event.previous->hash;
@@ -486,9 +501,8 @@ class Check {
       }
     } catch (const Error& error) {
       item.isRead = false;
-      item.name = fmt::format("event {}", item.position);
       item.fault = error.description();
-      item.self = item.name;
+      item.self.clear();
       item.hash = row.text("Huella");
     }
     return item;
@@ -582,10 +596,10 @@ class Check {
   CheckReport report_;
   Hasher hasher_;
   std::int64_t total_ = 0;
-  std::map<std::string, std::int32_t> series_;  // the last number of each
-  std::map<InvoiceKey, std::int64_t> totals_;
-  std::set<InvoiceKey> cancelled_;
-  std::map<double, Recorded> recorded_;  // by ticket; those without one stay
+  std::map<std::string, std::int32_t> series_;            // the last number of each
+  std::unordered_map<std::string, std::int64_t> totals_;  // by keyOf
+  std::set<std::string> cancelled_;                       // the same
+  std::map<double, Recorded> recorded_;                   // by ticket; those without one stay
 };
 
 }  // namespace

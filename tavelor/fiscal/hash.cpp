@@ -110,11 +110,10 @@ std::string Hasher::operator()(std::string_view text, std::string_view more) {
     refuse();
   }
   constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string hexadecimal;
-  hexadecimal.reserve(2 * std::size_t{size});
+  std::string hexadecimal(2 * std::size_t{size}, '0');
   for (unsigned int at = 0; at < size; ++at) {
-    hexadecimal += kDigits[digest.at(at) >> 4U];
-    hexadecimal += kDigits[digest.at(at) & 15U];
+    hexadecimal[2 * at] = kDigits[digest[at] >> 4U];
+    hexadecimal[2 * at + 1] = kDigits[digest[at] & 15U];
   }
   return hexadecimal;
 }

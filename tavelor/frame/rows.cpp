@@ -11,13 +11,13 @@ Rows::Rows(int selector, const Statement& statement, ConnectionPtr connection)
   DataSession().OpenRecordset(selector, statement, rows_, connection);
 }
 
-std::string Rows::text(std::string_view column) const {
-  const Variant found = rows_->Field(column).Value();
+std::string Rows::text(const ColumnKey& column) const {
+  const Variant found = rows_->CurrentRow().value(column);
   return found.isNull() ? std::string() : found.toText(locale_);
 }
 
-double Rows::number(std::string_view column) const {
-  const Variant found = rows_->Field(column).Value();
+double Rows::number(const ColumnKey& column) const {
+  const Variant found = rows_->CurrentRow().value(column);
   return found.isNull() ? 0 : found.toDouble(locale_);
 }
 

@@ -4,18 +4,19 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 #include "tavelor/platform/date.hpp"
 #include "tavelor/platform/variant.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
+#include "tavelor/services/recordset/row.hpp"
 
 namespace tavelor {
 
 struct Locale;
 
-/// Null is read as nothing: "", 0, false. Raises 3265 for a column that is not there.
+/// Null is read as nothing: "", 0, false. Columns are told by name, or by position where many rows
+/// are read. Raises 3265 for a column that is not there.
 class Rows {
  public:
   /// Over `connection`, or one of its own.
@@ -24,14 +25,14 @@ class Rows {
   bool hasRow() const { return !rows_->Eof(); }
   void next() { rows_->MoveNext(); }
 
-  bool isNull(std::string_view column) const { return rows_->Field(column).Value().isNull(); }
-  std::string text(std::string_view column) const;
-  double number(std::string_view column) const;
-  bool flag(std::string_view column) const { return number(column) != 0; }
-  std::int32_t whole(std::string_view column) const {
+  bool isNull(const ColumnKey& column) const { return rows_->CurrentRow().isNull(column); }
+  std::string text(const ColumnKey& column) const;
+  double number(const ColumnKey& column) const;
+  bool flag(const ColumnKey& column) const { return number(column) != 0; }
+  std::int32_t whole(const ColumnKey& column) const {
     return static_cast<std::int32_t>(number(column));
   }
-  Date day(std::string_view column) const { return Date(number(column)).dayOnly(); }
+  Date day(const ColumnKey& column) const { return Date(number(column)).dayOnly(); }
 
   Recordset& set() const { return *rows_; }
 
