@@ -132,12 +132,27 @@ server_kill() {
   # shellcheck disable=SC2046
   kill -9 "$first" $(ps -o pid= --ppid "$first") 2>/dev/null || true
   while server_process_lives "$first"; do sleep 0.01; done
-  # Else it counts as alive for as long as nobody buries it.
+  server_bury "$1"
+}
+
+# server_bury FOLDER: takes away the marks of one whose first process was killed, and waits for those that
+# it has left, which see it and go. To pg_ctl it lives for as long as its parent does not ask how it ended.
+server_bury() {
+  local first data tries
+  { read -r first <"$1/data/postmaster.pid"; } 2>/dev/null || return 0
+  if server_process_lives "$first"; then return 0; fi
+  data=$(realpath "$1/data")
+  for ((tries = 0; tries < 1000; tries++)); do
+    # Its processes work in its data.
+    [[ -n $(find /proc -maxdepth 2 -path '/proc/[0-9]*/cwd' -lname "$data" -print -quit 2>/dev/null) ]] || break
+    sleep 0.01
+  done
   rm -f "$1/data/postmaster.pid" "$1"/.s.PGSQL.*.lock
 }
 
 # server_up FOLDER: starts it and waits until it answers. Nothing to do when it does.
 server_up() {
+  server_bury "$1"
   if as_server pg_ctl --pgdata "$1/data" status >/dev/null 2>&1; then return; fi
   as_server pg_ctl --pgdata "$1/data" --log "$1/log" --wait --timeout 120 start </dev/null >/dev/null 2>&1 || {
     echo "The server in $1 does not start; its log ends with:" >&2

@@ -52,6 +52,11 @@ answer 'CREATE TABLE kept ()'
 server_down "$folder" immediate
 server_up "$folder"
 answer 'TABLE kept' >/dev/null || fail "a crash has lost a table"
+process=$(as_server head -n 1 "$folder/data/postmaster.pid")
+kill -9 "$process"
+while server_process_lives "$process"; do sleep 0.01; done
+server_up "$folder"
+answer 'TABLE kept' >/dev/null || fail "it is taken for running when its first process was killed"
 
 kill -9 "$first"
 sleep 2
