@@ -203,19 +203,17 @@ class Check {
   void records(const ChainRow& chain, std::int32_t behind, std::int32_t upTo,
                const ChainWalk::Take& take) {
     const auto relations = this->relations(chain.code, behind, upTo);
-    forEach(
-        kRecordColumns, "Fiscal_Registros", chain.code, behind, upTo,
-        [&](const Rows& row) { take(record(chain, row, relations)); },
-        [&](std::int32_t position, const Error& error) {
-          take(unreadable("Fiscal_Registros", chain.code, position, error));
-        });
+    forEach(kRecordColumns, "Fiscal_Registros", chain.code, behind, upTo, take,
+            [&](const Rows& row) { return record(chain, row, relations); });
   }
 
-  /// The rows of some places. A value that is not of its column's type keeps the engine from
-  /// reading all of them; then the halves are read, down to the row that has it.
-  template <typename Look, typename Miss>
+  /// Takes what `look` gives of the rows of some places. A value that is not of its column's type
+  /// keeps the engine from reading all of them; then the halves are read, down to the row that has
+  /// it.
+  template <typename Look>
   void forEach(Statement::Constant columns, Statement::Constant table, std::int32_t chain,
-               std::int32_t behind, std::int32_t upTo, const Look& look, const Miss& miss) const {
+               std::int32_t behind, std::int32_t upTo, const ChainWalk::Take& take,
+               const Look& look) const {
     Statement statement("SELECT ");
     statement << columns << " FROM " << table << " WHERE Cadena = " << sqlLiteral(chain)
               << " AND Posicion > " << sqlLiteral(behind) << " AND Posicion <= " << sqlLiteral(upTo)
@@ -225,15 +223,15 @@ class Check {
       rows.emplace(read(statement));
     } catch (const Error& error) {
       if (error.number() != errors::kTypeMismatch && error.number() != errors::kOverflow) throw;
-      if (upTo - behind == 1) return miss(upTo, error);
+      if (upTo - behind == 1) return take(unreadable(table, chain, upTo, error));
     }
     if (!rows) {
       const std::int32_t middle = behind + (upTo - behind) / 2;
-      forEach(columns, table, chain, behind, middle, look, miss);
-      forEach(columns, table, chain, middle, upTo, look, miss);
+      forEach(columns, table, chain, behind, middle, take, look);
+      forEach(columns, table, chain, middle, upTo, take, look);
       return;
     }
-    for (; rows->hasRow(); rows->next()) look(*rows);
+    for (; rows->hasRow(); rows->next()) take(look(*rows));
   }
 
   /// What is told of a row that cannot be read whole.
@@ -243,8 +241,7 @@ class Check {
     statement << table << " WHERE Cadena = " << sqlLiteral(chain)
               << " AND Posicion = " << sqlLiteral(position);
     const Rows row = read(statement);
-    ChainItem item;
-    item.position = position;
+    ChainItem item{.position = position};
     item.isRead = false;
     if (table.text() == "Fiscal_Eventos") item.what = "event";
     item.fault = error.description();
@@ -456,7 +453,8 @@ class Check {
     const std::int32_t last = std::max(chain.events, greatest("Fiscal_Eventos", chain.code));
     ChainWalk walk(
         [&](std::int32_t behind, std::int32_t upTo, const ChainWalk::Take& take) {
-          events(chain, behind, upTo, take);
+          forEach("*", "Fiscal_Eventos", chain.code, behind, upTo, take,
+                  [&](const Rows& row) { return event(row); });
         },
         [&](const std::string& hash) { return find("Fiscal_Eventos", chain.code, hash); }, now_);
     for (Flaw& flaw : walk.walk({}, last)) {
@@ -465,15 +463,6 @@ class Check {
     }
     report_.events += walk.seen();
     lookAtEnd(chain.code, walk.place(), chain.events, chain.eventHash, chain.eventSeal, "event");
-  }
-
-  void events(const ChainRow& chain, std::int32_t behind, std::int32_t upTo,
-              const ChainWalk::Take& take) {
-    forEach(
-        "*", "Fiscal_Eventos", chain.code, behind, upTo, [&](const Rows& row) { take(event(row)); },
-        [&](std::int32_t position, const Error& error) {
-          take(unreadable("Fiscal_Eventos", chain.code, position, error));
-        });
   }
 
   ChainItem event(const Rows& row) {
