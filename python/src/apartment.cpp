@@ -240,6 +240,36 @@ PyObject* setPrompts(PyObject* self, PyObject* handler) {
   return none();
 }
 
+/// [(severity, text, title)], and they are forgotten.
+PyObject* takeMessages(PyObject* self, PyObject* /*none*/) {
+  Apartment* const apartment = apartmentOf(self);
+  size_t count = 0;
+  if (!done(apartment, [&](tavelor_error** error) {
+        return tavelor_apartment_message_count(apartment->handle, &count, error);
+      })) {
+    return nullptr;
+  }
+  Ref all(PyList_New(0));
+  for (size_t i = 0; all && i < count; ++i) {
+    tavelor_prompt message = {};
+    message.size = sizeof message;
+    if (!done(apartment, [&](tavelor_error** error) {
+          return tavelor_apartment_message(apartment->handle, i, &message, error);
+        })) {
+      return nullptr;
+    }
+    const Ref entry(
+        Py_BuildValue("iss", static_cast<int>(message.severity), message.text, message.title));
+    if (!entry || PyList_Append(all.get(), entry.get()) < 0) return nullptr;
+  }
+  if (!all || !done(apartment, [&](tavelor_error** error) {
+        return tavelor_apartment_clear_messages(apartment->handle, error);
+      })) {
+    return nullptr;
+  }
+  return all.release();
+}
+
 PyObject* isClosed(PyObject* self, void* /*none*/) {
   return PyBool_FromLong(apartmentOf(self)->handle == nullptr ? 1 : 0);
 }
@@ -259,13 +289,18 @@ PyMethodDef apartmentMethods[] = {{"close", close, METH_NOARGS, nullptr},
                                   {"set_issuer", setIssuer, METH_VARARGS, nullptr},
                                   {"open_tills", openTills, METH_VARARGS, nullptr},
                                   {"sell", sell, METH_O, nullptr},
+                                  {"price", price, METH_VARARGS, nullptr},
                                   {"take_back", takeBack, METH_VARARGS, nullptr},
+                                  {"cancel", cancel, METH_VARARGS, nullptr},
+                                  {"invoice_tickets", invoiceTickets, METH_VARARGS, nullptr},
                                   {"close_till", closeTill, METH_VARARGS, nullptr},
                                   {"recover", recover, METH_VARARGS, nullptr},
                                   {"ticket_text", ticketText, METH_O, nullptr},
                                   {"slip_text", slipText, METH_O, nullptr},
                                   {"begin", beginTransaction, METH_NOARGS, nullptr},
                                   {"reconcile", reconcile, METH_O, nullptr},
+                                  {"check_records", checkRecords, METH_VARARGS, nullptr},
+                                  {"take_messages", takeMessages, METH_NOARGS, nullptr},
                                   {nullptr, nullptr, 0, nullptr}};
 PyGetSetDef apartmentProperties[] = {{"closed", isClosed, nullptr, nullptr, nullptr},
                                      {"folder", folderOf, nullptr, nullptr, nullptr},

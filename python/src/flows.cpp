@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A shop's day: sales, returns, closings, recovery, receipts, transactions, reconciliation.
+// A shop's day: sales, returns, closings, recovery, receipts, transactions, reconciliation, records
+// of invoices.
 #include "flows.hpp"
 
 #include <memory>
@@ -115,6 +116,12 @@ class Sale {
   std::vector<tavelor_sale_line> lines_;
 };
 
+/// A day of a Python object's, in room of the caller's, or none for None. False with an exception.
+bool optionalDay(PyObject* object, const char* name, double& room, const double*& day) {
+  day = object == Py_None ? nullptr : &room;
+  return object == Py_None || toDate(object, name, room);
+}
+
 /// A paper, as its text or None.
 template <auto kFunction>
 PyObject* paper(PyObject* self, PyObject* object) {
@@ -201,6 +208,7 @@ struct GiveBack {
   void operator()(tavelor_reconciliation* reconciliation) const {
     tavelor_reconciliation_release(reconciliation);
   }
+  void operator()(tavelor_fiscal_check* check) const { tavelor_fiscal_check_release(check); }
 };
 
 /// [(till, day, place, what)]
@@ -302,7 +310,35 @@ PyObject* sell(PyObject* self, PyObject* object) {
   return ticket != 0 ? PyLong_FromDouble(ticket) : none();
 }
 
-PyObject* takeBack(PyObject* self, PyObject* arguments) {
+PyObject* price(PyObject* self, PyObject* arguments) {
+  tavelor_price_question question = {};
+  question.size = sizeof question;
+  PyObject* quantity = nullptr;
+  PyObject* day = nullptr;
+  double date = 0;
+  if (!PyArg_ParseTuple(arguments, "ssOssO", &question.article, &question.customer, &quantity,
+                        &question.tariff, &question.family, &day) ||
+      !toNumber(quantity, "price: quantity", question.quantity) ||
+      !optionalDay(day, "price: day", date, question.day)) {
+    return nullptr;
+  }
+  Apartment* const apartment = apartmentOf(self);
+  tavelor_shop* const shop = flowsOf(apartment);
+  tavelor_price found = {};
+  found.size = sizeof found;
+  if (shop == nullptr || !done(apartment, [&](tavelor_error** error) {
+        return tavelor_shop_price(shop, &question, &found, error);
+      })) {
+    return nullptr;
+  }
+  return Py_BuildValue("dddd", found.price, found.discount, found.tax, found.surcharge);
+}
+
+namespace {
+
+/// Takes back or cancels, by the same arguments.
+template <auto kFunction>
+PyObject* returned(PyObject* self, PyObject* arguments) {
   tavelor_return what = {};
   what.size = sizeof what;
   PyObject* ticket = nullptr;
@@ -340,11 +376,51 @@ PyObject* takeBack(PyObject* self, PyObject* arguments) {
   tavelor_shop* const shop = flowsOf(apartment);
   double number = 0;
   if (shop == nullptr || !done(apartment, [&](tavelor_error** error) {
-        return tavelor_shop_take_back(shop, &what, &number, error);
+        return kFunction(shop, &what, &number, error);
       })) {
     return nullptr;
   }
   return PyLong_FromDouble(number);
+}
+
+}  // namespace
+
+PyObject* takeBack(PyObject* self, PyObject* arguments) {
+  return returned<tavelor_shop_take_back>(self, arguments);
+}
+
+PyObject* cancel(PyObject* self, PyObject* arguments) {
+  return returned<tavelor_shop_cancel>(self, arguments);
+}
+
+PyObject* invoiceTickets(PyObject* self, PyObject* arguments) {
+  tavelor_invoice_wish wish = {};
+  wish.size = sizeof wish;
+  PyObject* numbers = nullptr;
+  PyObject* day = nullptr;
+  if (!PyArg_ParseTuple(arguments, "O!Osss", &PyList_Type, &numbers, &day, &wish.customer,
+                        &wish.name, &wish.fiscal_number) ||
+      !toDate(day, "invoice_tickets: day", wish.day)) {
+    return nullptr;
+  }
+  std::vector<double> tickets(static_cast<size_t>(PyList_GET_SIZE(numbers)));
+  for (size_t i = 0; i < tickets.size(); ++i) {
+    PyObject* const ticket = PyList_GET_ITEM(numbers, static_cast<Py_ssize_t>(i));
+    if (!toNumber(ticket, "invoice_tickets: ticket", tickets[i])) return nullptr;
+  }
+  wish.tickets = tickets.data();
+  wish.ticket_count = tickets.size();
+  Apartment* const apartment = apartmentOf(self);
+  tavelor_shop* const shop = flowsOf(apartment);
+  tavelor_value number = tavelor_of_empty();
+  if (shop == nullptr || !done(apartment, [&](tavelor_error** error) {
+        return tavelor_shop_invoice_tickets(shop, &wish, &number, error);
+      })) {
+    return nullptr;
+  }
+  PyObject* const made = fromValue(apartment, number);
+  tavelor_value_clear(&number);
+  return made;
 }
 
 PyObject* closeTill(PyObject* self, PyObject* arguments) {
@@ -437,6 +513,49 @@ PyObject* reconcile(PyObject* self, PyObject* sales) {
   const Ref differences = differencesOf(apartment, opened, count);
   const Ref tallies = differences ? talliesOf(apartment, opened) : Ref();
   return tallies ? PyTuple_Pack(2, differences.get(), tallies.get()) : nullptr;
+}
+
+PyObject* checkRecords(PyObject* self, PyObject* arguments) {
+  PyObject* first = nullptr;
+  PyObject* last = nullptr;
+  double dates[2] = {};
+  const double* from = nullptr;
+  const double* to = nullptr;
+  if (!PyArg_ParseTuple(arguments, "OO", &first, &last) ||
+      !optionalDay(first, "check_records: first", dates[0], from) ||
+      !optionalDay(last, "check_records: last", dates[1], to)) {
+    return nullptr;
+  }
+  Apartment* const apartment = apartmentOf(self);
+  tavelor_fiscal_check* opened = nullptr;
+  tavelor_fiscal_report report = {};
+  report.size = sizeof report;
+  if (!done(apartment, [&](tavelor_error** error) {
+        return tavelor_fiscal_check_new(apartment->handle, from, to, &opened, &report, error);
+      })) {
+    return nullptr;
+  }
+  const std::unique_ptr<tavelor_fiscal_check, GiveBack> check(opened);
+  const Ref flaws(PyList_New(0));
+  for (size_t i = 0; flaws && i < report.flaws; ++i) {
+    tavelor_flaw flaw = {};
+    flaw.size = sizeof flaw;
+    if (!done(apartment, [&](tavelor_error** error) {
+          return tavelor_fiscal_check_flaw(opened, i, &flaw, error);
+        })) {
+      return nullptr;
+    }
+    const Ref isOfEvent(PyBool_FromLong(flaw.is_of_event));
+    const Ref entry(Py_BuildValue("iOiiss", static_cast<int>(flaw.flaw), isOfEvent.get(),
+                                  static_cast<int>(flaw.chain), static_cast<int>(flaw.position),
+                                  flaw.invoice, flaw.sentence));
+    if (!entry || PyList_Append(flaws.get(), entry.get()) < 0) return nullptr;
+  }
+  const Ref total(fromMoney(report.total_cents * (TAVELOR_MONEY_SCALE / 100)));
+  if (!flaws || !total) return nullptr;
+  return Py_BuildValue("KKKOO", static_cast<unsigned long long>(report.records),
+                       static_cast<unsigned long long>(report.events),
+                       static_cast<unsigned long long>(report.tickets), total.get(), flaws.get());
 }
 
 bool addFlows(PyObject* module) {

@@ -29,7 +29,11 @@ from tavelor.rows import Column, Columns, Connection, Event, Recordset
 from tavelor.shop import (
     Closing,
     Difference,
+    Flaw,
+    Message,
+    Price,
     Reconciliation,
+    RecordsCheck,
     Recovered,
     Sale,
     SaleLine,

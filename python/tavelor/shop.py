@@ -30,6 +30,15 @@ Tally.__doc__ = "What was counted at one place; money in euros, tax included."
 Reconciliation = collections.namedtuple("Reconciliation", "differences tallies", module="tavelor")
 Reconciliation.__doc__ = "Whether what was sold is what the shop has: without differences it is."
 
+Price = collections.namedtuple("Price", "price discount tax surcharge", module="tavelor")
+Price.__doc__ = "The shop's own price of one unit, euros with tax; discount, tax and surcharge in percent."
+Message = collections.namedtuple("Message", "severity text title", module="tavelor")
+Message.__doc__ = "What a class told and nobody took; severity is 0 plain, 1 information, 2 critical."
+Flaw = collections.namedtuple("Flaw", "kind is_of_event chain position invoice sentence", module="tavelor")
+Flaw.__doc__ = "What is wrong with a record of an invoice, or an event; its place in its chain, 0 for none."
+RecordsCheck = collections.namedtuple("RecordsCheck", "records events tickets total flaws", module="tavelor")
+RecordsCheck.__doc__ = "What a check of the records of invoices has gone through and found: without flaws they are whole."
+
 _PLACES = ("meant", "tickets", "history", "closings", "stock moves", "accounts")
 
 
@@ -65,6 +74,9 @@ class Sale:
     comment: str = ""
     delivered: Number = 0  # euros handed over
     credit_granted: bool = False  # sold on credit whatever the customer owes
+
+
+_FLAWS = ("changed", "removed", "inserted", "reordered", "date", "sum", "series", "ticket")
 
 
 def _selector(database):
@@ -196,6 +208,10 @@ class Shop:
         text that was typed; kind is 1 message, 2 question, 3 input, 4 beep. None for nobody."""
         self._apartment.set_prompts(handler)
 
+    def take_messages(self):
+        """The last messages, up to 256, that classes told and no handler took, oldest first; they are forgotten."""
+        return [Message(*message) for message in self._apartment.take_messages()]
+
     # ---- The day
 
     def seed(self):
@@ -215,9 +231,23 @@ class Shop:
         RefusedSale tells all that is wrong; nothing of the sale is left then."""
         return self._apartment.sell(Sale(**fields) if sale is None else sale)
 
+    def price(self, article, *, customer="", quantity=1, tariff="", family="", day=None):
+        """What the shop asks for an article: a Price. Offers must run on the day, today without one."""
+        return Price(*self._apartment.price(article, customer, quantity, tariff, family, day))
+
     def take_back(self, ticket, *, till, day, lines=(), time="", payment="", comment=None):
         """Sells back lines (line from 1, quantity) of a ticket, all without any, and gives the new ticket's number."""
         return self._apartment.take_back(ticket, till, day, time, payment, comment, list(lines))
+
+    def cancel(self, ticket, *, till, day, time="", payment="", comment=None):
+        """Takes back all of a ticket that should not have been sold, cancels its invoice in place of rectifying it, and
+        gives the new ticket's number."""
+        return self._apartment.cancel(ticket, till, day, time, payment, comment, [])
+
+    def invoice_tickets(self, tickets, *, day, customer="", name="", fiscal_number=""):
+        """Issues an invoice in the place of tickets, to a customer of the shop by code or to a name with its number, and
+        gives its number."""
+        return self._apartment.invoice_tickets(list(tickets), day, customer, name, fiscal_number)
 
     def close_till(self, till, day):
         """Closes a till's tickets of a day and moves them to history: a Closing."""
@@ -255,6 +285,12 @@ class Shop:
             [Difference(*difference) for difference in differences],
             {place: Tally(*tally) for place, tally in zip(_PLACES, tallies)},
         )
+
+    def check_records(self, first=None, last=None):
+        """Computes the records of invoices again and compares tickets with them: a RecordsCheck. Days are those of
+        issue. It looks at no signature. NotFoundError in a shop that keeps no records."""
+        *counts, flaws = self._apartment.check_records(first, last)
+        return RecordsCheck(*counts, [Flaw(_FLAWS[kind], *flaw) for kind, *flaw in flaws])
 
 
 def open(path):

@@ -120,3 +120,59 @@ def test_a_program_adds_tables_of_its_own(shop):
     with pytest.raises(tavelor.Error):
         shop.add_to_schema("DROP TABLE Bancos")
     assert len(shop.query("SELECT * FROM Bancos")) == 2
+
+
+def test_the_shop_tells_its_price(shop):
+    price = shop.price("A1", quantity=2)
+    assert price.price == pytest.approx(1.1) and price.tax == 4 and price.discount == price.surcharge == 0
+    assert shop.price("A1", day=DAY) == price
+    with pytest.raises(tavelor.ArgumentError):
+        shop.price("NADA")
+    with pytest.raises(TypeError):
+        shop.price("A1", day=3)
+
+
+FISCAL = """<?xml version="1.0"?>
+<fiscal format="1">
+  <taxpayer nif="12345678Z" name="Colmado Rius" />
+  <system producer-nif="A58818501" producer="Tavelor" name="Tavelor" id="TV" installation="1" />
+  <mode word="verifactu" host="test" />
+  <start day="20-11-2026" />
+  <series tickets="T" invoices="F" rectifying="R" />
+  <operations description="Venta al por menor" zero-rate="E1" />
+</fiscal>
+"""
+
+
+def test_an_invoice_replaces_a_ticket_and_another_is_cancelled(tmp_path):
+    folder = tmp_path / "records"
+    with tavelor.create(folder, unsynchronised=True) as shop:
+        with pytest.raises(tavelor.NotFoundError, match="no records"):
+            shop.check_records()
+        (folder / "fiscal.xml").write_text(FISCAL, encoding="utf-8")
+        shop.fix_clock(datetime.datetime(2026, 11, 20, 10, 30))
+        shop.seed()
+        shop.open_tills("01")
+        first = shop.sell(tavelor.Sale("V1", "01", DAY, [BREAD]))
+        second = shop.sell(tavelor.Sale("V2", "01", DAY, [BREAD]))
+        with pytest.raises(tavelor.RefusedSale):
+            shop.invoice_tickets([first], day=DAY, name="Ñandú SA", fiscal_number="A58818502")
+        assert shop.invoice_tickets([first], day=DAY, name="Ñandú SA", fiscal_number="A58818501") == "F/1"
+        assert shop.cancel(second, till="01", day=DAY) == 3
+        with pytest.raises(tavelor.RefusedSale):
+            shop.cancel(second, till="01", day=DAY)
+
+        found = shop.check_records()
+        assert (found.records, found.tickets, found.flaws) == (4, 3, [])
+        assert found.total == decimal.Decimal("2.20")
+        shop.execute("DELETE FROM Fiscal_Registros WHERE Posicion = 2", database="documents")
+        flaw = shop.check_records(DAY, DAY).flaws[0]
+        assert flaw.kind == "removed" and not flaw.is_of_event and "is missing" in flaw.sentence
+
+
+def test_messages_that_nobody_takes_are_kept(shop):
+    assert shop.take_messages() == []
+    shop.ClsClientes.LimpiarNIFCIF_v1()
+    (message,) = shop.take_messages()
+    assert message.severity == 1 and message.text.startswith("Proceso completado")
+    assert shop.take_messages() == []

@@ -39,7 +39,8 @@ enum class Kind : std::uint32_t {
   kListener = 0x7AE10006,
   kShop = 0x7AE10007,
   kTransaction = 0x7AE10008,
-  kReconciliation = 0x7AE10009
+  kReconciliation = 0x7AE10009,
+  kFiscalCheck = 0x7AE1000A
 };
 
 /// What all handles begin with.

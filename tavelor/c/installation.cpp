@@ -180,3 +180,40 @@ tavelor_status tavelor_apartment_set_prompts(tavelor_apartment* apartment,
         handler == nullptr ? nullptr : std::make_shared<Prompts>(handler, user));
   });
 }
+
+tavelor_status tavelor_apartment_message_count(tavelor_apartment* apartment, size_t* count,
+                                               tavelor_error** error) {
+  return answered(error, [&] {
+    Room& room = *asApartment(apartment).room;
+    const Inside inside(room);
+    output(count, "count") = room.apartment().promptGlobal().messages().size();
+  });
+}
+
+tavelor_status tavelor_apartment_message(tavelor_apartment* apartment, size_t index,
+                                         tavelor_prompt* message, tavelor_error** error) {
+  return answered(error, [&] {
+    Room& room = *asApartment(apartment).room;
+    const Inside inside(room);
+    tavelor_prompt& out = sized(message, "message");
+    const auto& kept = room.apartment().promptGlobal().messages();
+    if (index >= kept.size()) {
+      tavelor::raise(tavelor::errors::kSubscriptOutOfRange, kSource,
+                     "There are " + std::to_string(kept.size()) + " messages");
+    }
+    const tavelor::Prompt& each = kept[index];
+    out = {sizeof out,        TAVELOR_PROMPT_MESSAGE, static_cast<std::int32_t>(each.kind),
+           each.text.c_str(), each.title.c_str(),
+           /*answer=*/0,
+           /*input=*/nullptr};
+  });
+}
+
+tavelor_status tavelor_apartment_clear_messages(tavelor_apartment* apartment,
+                                                tavelor_error** error) {
+  return answered(error, [&] {
+    Room& room = *asApartment(apartment).room;
+    const Inside inside(room);
+    room.apartment().promptGlobal().clearMessages();
+  });
+}

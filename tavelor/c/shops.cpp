@@ -7,14 +7,18 @@
 #include <vector>
 
 #include "tavelor/c/calls.hpp"
+#include "tavelor/fiscal/check.hpp"
 #include "tavelor/flows/issuer.hpp"
 #include "tavelor/flows/receipt.hpp"
 #include "tavelor/flows/reconciliation.hpp"
 #include "tavelor/flows/seed.hpp"
 #include "tavelor/flows/shop.hpp"
 #include "tavelor/flows/transaction.hpp"
+#include "tavelor/frame/class_info.hpp"
+#include "tavelor/services/data_session.hpp"
 #include "tavelor/services/recordset/connection.hpp"
 
+namespace fiscal = tavelor::fiscal;
 namespace flows = tavelor::flows;
 using namespace tavelor::c;
 
@@ -53,6 +57,16 @@ struct tavelor_reconciliation final : Held {
 
  protected:
   void drop() noexcept override { reconciliation.reset(); }
+};
+
+struct tavelor_fiscal_check final : Held {
+  tavelor_fiscal_check(std::shared_ptr<Room> of, fiscal::CheckReport found)
+      : Held(Kind::kFiscalCheck, std::move(of)), report(std::move(found)) {}
+
+  const fiscal::CheckReport report;
+
+ protected:
+  void drop() noexcept override {}
 };
 
 namespace {
@@ -126,6 +140,26 @@ flows::Sale saleOf(const tavelor_sale* given) {
     sale.lines.push_back(lineOf(sized(&from.lines[i], "lines")));
   }
   return sale;
+}
+
+flows::Return returnOf(const tavelor_return* what) {
+  const tavelor_return& given = sized(what, "what");
+  flows::Return back;
+  back.ticket = given.ticket;
+  back.till = copied(given.till, "till");
+  back.day = tavelor::Date(given.day);
+  back.time = copied(given.time, "time");
+  back.payment = copied(given.payment, "payment");
+  if (given.comment != nullptr) back.comment = copied(given.comment, "comment");
+  requireList(given.lines, given.line_count, "lines");
+  for (size_t i = 0; i < given.line_count; ++i) {
+    back.lines.push_back({given.lines[i].line, given.lines[i].quantity});
+  }
+  return back;
+}
+
+std::optional<tavelor::Date> optionalDay(const double* given) {
+  return given == nullptr ? std::nullopt : std::optional(tavelor::Date(*given));
 }
 
 bool wantsPrices(const flows::Sale& sale) {
@@ -218,23 +252,53 @@ tavelor_status tavelor_shop_sell(tavelor_shop* shop, const tavelor_sale* sale, d
   });
 }
 
+tavelor_status tavelor_shop_price(tavelor_shop* shop, const tavelor_price_question* question,
+                                  tavelor_price* price, tavelor_error** error) {
+  return onShop(shop, error, [&](tavelor_shop& of) {
+    const tavelor_price_question& given = sized(question, "question");
+    tavelor_price& out = sized(price, "price");
+    flows::PriceQuestion asked;
+    asked.article = copied(given.article, "article");
+    asked.customer = copied(given.customer, "customer");
+    asked.quantity = given.quantity;
+    asked.tariff = copied(given.tariff, "tariff");
+    asked.family = copied(given.family, "family");
+    asked.day = optionalDay(given.day);
+    const flows::SaleLine line = of.shop->price(asked);
+    out = {sizeof out, line.price, line.discount, line.tax, line.surcharge};
+  });
+}
+
 tavelor_status tavelor_shop_take_back(tavelor_shop* shop, const tavelor_return* what,
                                       double* ticket, tavelor_error** error) {
   return onShop(shop, error, [&](tavelor_shop& of) {
-    const tavelor_return& given = sized(what, "what");
-    flows::Return back;
-    back.ticket = given.ticket;
-    back.till = copied(given.till, "till");
-    back.day = tavelor::Date(given.day);
-    back.time = copied(given.time, "time");
-    back.payment = copied(given.payment, "payment");
-    if (given.comment != nullptr) back.comment = copied(given.comment, "comment");
-    requireList(given.lines, given.line_count, "lines");
-    for (size_t i = 0; i < given.line_count; ++i) {
-      back.lines.push_back({given.lines[i].line, given.lines[i].quantity});
-    }
-    const double number = of.shop->takeBack(back);
+    const double number = of.shop->takeBack(returnOf(what));
     if (ticket != nullptr) *ticket = number;
+  });
+}
+
+tavelor_status tavelor_shop_cancel(tavelor_shop* shop, const tavelor_return* what, double* ticket,
+                                   tavelor_error** error) {
+  return onShop(shop, error, [&](tavelor_shop& of) {
+    const double number = of.shop->cancel(returnOf(what));
+    if (ticket != nullptr) *ticket = number;
+  });
+}
+
+tavelor_status tavelor_shop_invoice_tickets(tavelor_shop* shop, const tavelor_invoice_wish* wish,
+                                            tavelor_value* number, tavelor_error** error) {
+  return onShop(shop, error, [&](tavelor_shop& of) {
+    const tavelor_invoice_wish& given = sized(wish, "wish");
+    tavelor_value& to = output(number, "number");
+    requireList(given.tickets, given.ticket_count, "tickets");
+    flows::InvoiceWish wanted;
+    wanted.tickets.assign(given.tickets, given.tickets + given.ticket_count);
+    wanted.day = tavelor::Date(given.day);
+    wanted.customer = copied(given.customer, "customer");
+    const std::string name = copied(given.name, "name");
+    const std::string typed = copied(given.fiscal_number, "fiscal_number");
+    if (!name.empty() || !typed.empty()) wanted.recipient = fiscal::partyOf(name, typed);
+    putText(to, of.shop->invoiceTickets(wanted));
   });
 }
 
@@ -376,5 +440,55 @@ tavelor_status tavelor_reconciliation_tally(tavelor_reconciliation* reconciliati
     const flows::Tally& counted =
         of.reconciliation->total(static_cast<flows::Reconciliation::Place>(place));
     out = {sizeof out, counted.tickets, counted.lines, counted.units, counted.cents, counted.owed};
+  });
+}
+
+// ---------------------------------------------------------------------------------------------
+// Records of invoices
+
+tavelor_status tavelor_fiscal_check_new(tavelor_apartment* apartment, const double* from,
+                                        const double* to, tavelor_fiscal_check** check,
+                                        tavelor_fiscal_report* report, tavelor_error** error) {
+  return inApartment(apartment, error, [&](const std::shared_ptr<Room>& room) {
+    output(check, "check");
+    if (report != nullptr) sized(report, "report");
+    const auto book =
+        fiscal::Book::open(tavelor::DataSession().OpenConnection(tavelor::selector::kDocuments));
+    if (book == nullptr) {
+      tavelor::raise(tavelor::errors::kNoCurrentRecord, kSource,
+                     "This shop keeps no records of invoices");
+    }
+    auto made = std::make_unique<tavelor_fiscal_check>(
+        room, fiscal::check(*book, {optionalDay(from), optionalDay(to)}));
+    if (report != nullptr) {
+      const fiscal::CheckReport& found = made->report;
+      *report = {sizeof *report, found.records,       found.events,
+                 found.tickets,  found.total.cents(), found.flaws.size()};
+    }
+    *check = made.release();
+  });
+}
+
+void tavelor_fiscal_check_release(tavelor_fiscal_check* check) {
+  if (check != nullptr) check->room().giveBack(check);
+}
+
+tavelor_status tavelor_fiscal_check_flaw(tavelor_fiscal_check* check, size_t index,
+                                         tavelor_flaw* flaw, tavelor_error** error) {
+  return onHeld(check, Kind::kFiscalCheck, "check", error, [&](tavelor_fiscal_check& of) {
+    tavelor_flaw& out = sized(flaw, "flaw");
+    const std::vector<fiscal::Flaw>& all = of.report.flaws;
+    if (index >= all.size()) {
+      tavelor::raise(tavelor::errors::kSubscriptOutOfRange, kSource,
+                     "There are " + std::to_string(all.size()) + " flaws");
+    }
+    const fiscal::Flaw& each = all[index];
+    out = {sizeof out,
+           static_cast<int32_t>(each.kind),
+           each.isOfEvent ? 1 : 0,
+           each.chain,
+           each.position,
+           each.invoice ? each.invoice->number.c_str() : "",
+           each.sentence.c_str()};
   });
 }

@@ -72,6 +72,8 @@ typedef struct tavelor_shop tavelor_shop;
 typedef struct tavelor_transaction tavelor_transaction;
 /// Whether what was sold is what the shop has. tavelor_reconciliation_release().
 typedef struct tavelor_reconciliation tavelor_reconciliation;
+/// What a check of the records of invoices has found. tavelor_fiscal_check_release().
+typedef struct tavelor_fiscal_check tavelor_fiscal_check;
 /// What went wrong. tavelor_error_free().
 typedef struct tavelor_error tavelor_error;
 
@@ -347,10 +349,22 @@ typedef struct tavelor_prompt {
 /// Gives 0, or the number of an error that the call which asked is to fail with.
 typedef tavelor_status (*tavelor_prompt_handler)(void* user, tavelor_prompt* prompt);
 /// Who answers prompts; NULL for nobody: then a question is a No, an input an empty text, and
-/// messages go nowhere. `user` is handed to the handler, and stays the caller's.
+/// messages are kept. `user` is handed to the handler, and stays the caller's.
 TAVELOR_C_API tavelor_status tavelor_apartment_set_prompts(tavelor_apartment* apartment,
                                                            tavelor_prompt_handler handler,
                                                            void* user, tavelor_error** error);
+/// How many messages are kept that no handler took: the last 256 at most.
+TAVELOR_C_API tavelor_status tavelor_apartment_message_count(tavelor_apartment* apartment,
+                                                             size_t* count, tavelor_error** error);
+/// Fills `message` with one of them, from 0, the oldest first; its `size` is set by the caller.
+/// What it points to is good until the next call with the apartment.
+/// TAVELOR_E_SUBSCRIPT_OUT_OF_RANGE beyond the last.
+TAVELOR_C_API tavelor_status tavelor_apartment_message(tavelor_apartment* apartment, size_t index,
+                                                       tavelor_prompt* message,
+                                                       tavelor_error** error);
+/// Forgets them.
+TAVELOR_C_API tavelor_status tavelor_apartment_clear_messages(tavelor_apartment* apartment,
+                                                              tavelor_error** error);
 
 // ---------------------------------------------------------------------------------------------
 // Classes and their members: the component table. Any thread; nothing here is given back.
@@ -925,6 +939,29 @@ typedef struct tavelor_sale {
 TAVELOR_C_API tavelor_status tavelor_shop_sell(tavelor_shop* shop, const tavelor_sale* sale,
                                                double* ticket, tavelor_error** error);
 
+/// What the shop asks for an article. A text that is NULL is "".
+typedef struct tavelor_price_question {
+  size_t size;           ///< sizeof(tavelor_price_question)
+  const char* article;   ///< code
+  const char* customer;  ///< code; "" for nobody
+  double quantity;       ///< pieces, kilos
+  const char* tariff;    ///< code; "" for the customer's
+  const char* family;    ///< code; "" for the article's
+  const double* day;     ///< on which offers must run; NULL for today
+} tavelor_price_question;
+/// The shop's own price, as a line of a sale takes it.
+typedef struct tavelor_price {
+  size_t size;       ///< sizeof(tavelor_price), set by the caller
+  double price;      ///< of one unit, euros, tax included
+  double discount;   ///< percent off the price
+  double tax;        ///< percent
+  double surcharge;  ///< percent, of a customer under equivalence surcharge
+} tavelor_price;
+/// Answers it. TAVELOR_E_INVALID_CALL where the shop has no price.
+TAVELOR_C_API tavelor_status tavelor_shop_price(tavelor_shop* shop,
+                                                const tavelor_price_question* question,
+                                                tavelor_price* price, tavelor_error** error);
+
 /// What comes back of a ticket.
 typedef struct tavelor_returned_line {
   size_t line;      ///< of the ticket, from 1
@@ -946,6 +983,31 @@ typedef struct tavelor_return {
 /// TAVELOR_E_INVALID_CALL where it is refused.
 TAVELOR_C_API tavelor_status tavelor_shop_take_back(tavelor_shop* shop, const tavelor_return* what,
                                                     double* ticket, tavelor_error** error);
+
+/// Takes back all of a ticket that should not have been sold, and cancels its invoice in place of
+/// rectifying it; `what` tells no lines. TAVELOR_E_INVALID_CALL where it is refused: the ticket has
+/// no record, is cancelled, was replaced, or has come back, be it in part.
+TAVELOR_C_API tavelor_status tavelor_shop_cancel(tavelor_shop* shop, const tavelor_return* what,
+                                                 double* ticket, tavelor_error** error);
+
+/// An invoice that somebody wants in the place of tickets. A text that is NULL is "".
+typedef struct tavelor_invoice_wish {
+  size_t size;                ///< sizeof(tavelor_invoice_wish)
+  const double* tickets;      ///< their numbers
+  size_t ticket_count;        ///< at least 1
+  double day;                 ///< of issue, a day number
+  const char* customer;       ///< code of the one who is named on it
+  const char* name;           ///< or the legal name of who it is,
+  const char* fiscal_number;  ///< with its number; of other countries with their two letters
+} tavelor_invoice_wish;
+/// Issues it (F3); the tickets stay as they are. `number` takes its number as a text, and is
+/// written, not cleared before. TAVELOR_E_INVALID_CALL, with all that is wrong
+/// (tavelor_error_fault()), for tickets that have no record, are cancelled, replaced, invoices
+/// already, or have come back, and for a recipient without a name or a right number.
+TAVELOR_C_API tavelor_status tavelor_shop_invoice_tickets(tavelor_shop* shop,
+                                                          const tavelor_invoice_wish* wish,
+                                                          tavelor_value* number,
+                                                          tavelor_error** error);
 
 /// A closing that was made.
 typedef struct tavelor_closing {
@@ -1055,6 +1117,52 @@ typedef struct tavelor_tally {
 TAVELOR_C_API tavelor_status tavelor_reconciliation_tally(tavelor_reconciliation* reconciliation,
                                                           int32_t place, tavelor_tally* tally,
                                                           tavelor_error** error);
+
+/// What a check of the records of invoices has gone through, and found.
+typedef struct tavelor_fiscal_report {
+  size_t size;  ///< sizeof(tavelor_fiscal_report), set by the caller
+  uint64_t records;
+  uint64_t events;
+  uint64_t tickets;
+  int64_t total_cents;  ///< of all invoices, those in the place of tickets and cancelled ones less
+  size_t flaws;         ///< 0: the chains are whole
+} tavelor_fiscal_report;
+/// Computes every hash, seal, link and sum of the records again, and compares tickets with them;
+/// reads only, and looks at no signature. `from` and `to` are days of issue, both included, NULL
+/// for the first and the last. `report` may be NULL. TAVELOR_E_NO_CURRENT_RECORD where the shop
+/// keeps no records.
+TAVELOR_C_API tavelor_status tavelor_fiscal_check_new(tavelor_apartment* apartment,
+                                                      const double* from, const double* to,
+                                                      tavelor_fiscal_check** check,
+                                                      tavelor_fiscal_report* report,
+                                                      tavelor_error** error);
+/// Gives it back. Any thread.
+TAVELOR_C_API void tavelor_fiscal_check_release(tavelor_fiscal_check* check);
+/// What is wrong.
+enum {
+  TAVELOR_FLAW_CHANGED = 0,    ///< the record is not what it was
+  TAVELOR_FLAW_REMOVED = 1,    ///< a record is not there
+  TAVELOR_FLAW_INSERTED = 2,   ///< a record was not there
+  TAVELOR_FLAW_REORDERED = 3,  ///< a record stands before the one that it follows
+  TAVELOR_FLAW_DATE = 4,       ///< time runs backwards, or ahead of today
+  TAVELOR_FLAW_SUM = 5,        ///< amounts that do not add up
+  TAVELOR_FLAW_SERIES = 6,     ///< a number is missing, or there twice
+  TAVELOR_FLAW_TICKET = 7      ///< a ticket without its record, or a record without its ticket
+};
+/// One flaw. What it points to is good until the check is given back.
+typedef struct tavelor_flaw {
+  size_t size;          ///< sizeof(tavelor_flaw), set by the caller
+  int32_t flaw;         ///< TAVELOR_FLAW_...; others may come
+  int32_t is_of_event;  ///< 1: of an event, and not of a record
+  int32_t chain;
+  int32_t position;      ///< in its chain; 0 where it is none of a record
+  const char* invoice;   ///< its number; "" for none
+  const char* sentence;  ///< "record 5, the invoice T/5 of 01-02-2027, was changed: .."
+} tavelor_flaw;
+/// One of them, from 0: those of the chains first, in the order of their records.
+/// TAVELOR_E_SUBSCRIPT_OUT_OF_RANGE beyond the last.
+TAVELOR_C_API tavelor_status tavelor_fiscal_check_flaw(tavelor_fiscal_check* check, size_t index,
+                                                       tavelor_flaw* flaw, tavelor_error** error);
 
 // ---------------------------------------------------------------------------------------------
 // Values, made in one word. They own nothing.

@@ -169,6 +169,41 @@ static void prompts_reach_the_program(void) {
   close_shop(&shop);
 }
 
+static void messages_that_nobody_takes_are_kept(void) {
+  shop_of_test shop = open_shop();
+  const tavelor_class* of = NULL;
+  tavelor_object* customers = NULL;
+  OK(tavelor_class_find("ClsClientes", &of, &failure));
+  OK(tavelor_object_new(shop.apartment, of, &customers, &failure));
+  size_t count = 7;
+  OK(tavelor_apartment_message_count(shop.apartment, &count, &failure));
+  CHECK(count == 0);
+  OK(tavelor_call_by_name(customers, "LimpiarNIFCIF_v1", NULL, 0, NULL, &failure));
+  OK(tavelor_apartment_message_count(shop.apartment, &count, &failure));
+  CHECK(count == 1);
+  tavelor_prompt message = {.size = sizeof message};
+  OK(tavelor_apartment_message(shop.apartment, 0, &message, &failure));
+  CHECK(message.prompt == TAVELOR_PROMPT_MESSAGE && message.severity == 1);
+  TEXT(message.text, "Proceso completado: NIF y tipos fiscales corregidos.");
+  FAILS(TAVELOR_E_SUBSCRIPT_OUT_OF_RANGE,
+        tavelor_apartment_message(shop.apartment, 1, &message, &failure));
+  FAILS(TAVELOR_E_INVALID_CALL, tavelor_apartment_message(shop.apartment, 0, NULL, &failure));
+  FAILS(TAVELOR_E_INVALID_CALL, tavelor_apartment_message_count(shop.apartment, NULL, &failure));
+
+  // What somebody takes is not kept.
+  prompts_seen seen = {.answer = 1};
+  OK(tavelor_apartment_set_prompts(shop.apartment, answer_prompt, &seen, &failure));
+  OK(tavelor_call_by_name(customers, "LimpiarNIFCIF", NULL, 0, NULL, &failure));
+  CHECK(seen.messages == 1);
+  OK(tavelor_apartment_message_count(shop.apartment, &count, &failure));
+  CHECK(count == 1);
+  OK(tavelor_apartment_clear_messages(shop.apartment, &failure));
+  OK(tavelor_apartment_message_count(shop.apartment, &count, &failure));
+  CHECK(count == 0);
+  tavelor_object_release(customers);
+  close_shop(&shop);
+}
+
 static void what_outlives_its_apartment_refuses_to_work(void) {
   shop_of_test shop = open_shop();
   tavelor_object* main = connect_main(&shop);
@@ -276,6 +311,7 @@ const named_test installation_tests[] = {
     {"SettingsShapeANewInstallation", settings_shape_a_new_installation},
     {"AProgramAddsTablesOfItsOwn", a_program_adds_tables_of_its_own},
     {"TheClockIsFixedAndReleased", the_clock_is_fixed_and_released},
+    {"MessagesThatNobodyTakesAreKept", messages_that_nobody_takes_are_kept},
     {"PromptsReachTheProgram", prompts_reach_the_program},
     {"WhatOutlivesItsApartmentRefusesToWork", what_outlives_its_apartment_refuses_to_work},
     {"SeveralApartmentsWorkSideBySideOnAThread", several_apartments_work_side_by_side_on_a_thread},

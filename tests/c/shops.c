@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A shop's day: sales, returns, transactions, closings, reconciliation.
+#include <stdio.h>
+
 #include "tests/c/check.h"
 
 static tavelor_shop* open_flows(const shop_of_test* shop) {
@@ -281,7 +283,116 @@ static void a_transaction_joins_sales_and_what_is_beside_them(void) {
   tavelor_transaction_release(transaction);
 }
 
+static void a_price_is_asked_for(void) {
+  shop_of_test shop = open_shop();
+  tavelor_shop* const flows = open_flows(&shop);
+  const tavelor_sale sale = sale_of(&shop, "V1");
+  OK(tavelor_shop_sell(flows, &sale, NULL, &failure));
+  tavelor_price price = {.size = sizeof price};
+  tavelor_price_question question = {.size = sizeof question, .article = "PAN", .quantity = 2};
+  OK(tavelor_shop_price(flows, &question, &price, &failure));
+  CHECK(price.price > 1.0999 && price.price < 1.1001);
+  CHECK(price.tax == 4 && price.discount == 0 && price.surcharge == 0);
+  question.day = &shop.today;
+  OK(tavelor_shop_price(flows, &question, &price, &failure));
+  CHECK(price.price > 1.0999 && price.price < 1.1001);
+  question.article = "NADA";
+  FAILS(TAVELOR_E_INVALID_CALL, tavelor_shop_price(flows, &question, &price, &failure));
+  FAILS(TAVELOR_E_INVALID_CALL, tavelor_shop_price(flows, NULL, &price, &failure));
+  FAILS(TAVELOR_E_INVALID_CALL, tavelor_shop_price(flows, &question, NULL, &failure));
+  price.size = 3;
+  FAILS(TAVELOR_E_INVALID_CALL, tavelor_shop_price(flows, &question, &price, &failure));
+  tavelor_shop_release(flows);
+  close_shop(&shop);
+}
+
+/// As `tavelor fiscal setup` writes it.
+static void keep_records(void) {
+  FILE* const file = fopen("shop/fiscal.xml", "w");
+  CHECK(file != NULL);
+  if (file == NULL) return;
+  fputs(
+      "<?xml version=\"1.0\"?>\n"
+      "<fiscal format=\"1\">\n"
+      "  <taxpayer nif=\"12345678Z\" name=\"Colmado Rius\" />\n"
+      "  <system producer-nif=\"A58818501\" producer=\"Tavelor\" name=\"Tavelor\" id=\"TV\""
+      " installation=\"1\" />\n"
+      "  <mode word=\"verifactu\" host=\"test\" />\n"
+      "  <start day=\"01-11-2026\" />\n"
+      "  <series tickets=\"T\" invoices=\"F\" rectifying=\"R\" />\n"
+      "  <operations description=\"Venta al por menor\" zero-rate=\"E1\" />\n"
+      "</fiscal>\n",
+      file);
+  CHECK(fclose(file) == 0);
+}
+
+static void an_invoice_replaces_a_ticket_and_another_is_cancelled(void) {
+  shop_of_test shop = open_shop();
+  tavelor_fiscal_check* check = NULL;
+  FAILS(TAVELOR_E_NO_CURRENT_RECORD,
+        tavelor_fiscal_check_new(shop.apartment, NULL, NULL, &check, NULL, &failure));
+  keep_records();
+  tavelor_shop* const flows = open_flows(&shop);
+  double tickets[2] = {0, 0};
+  tavelor_sale sale = sale_of(&shop, "V1");
+  OK(tavelor_shop_sell(flows, &sale, &tickets[0], &failure));
+  sale.reference = "V2";
+  OK(tavelor_shop_sell(flows, &sale, &tickets[1], &failure));
+
+  tavelor_value number = tavelor_of_empty();
+  tavelor_invoice_wish wish = {.size = sizeof wish,
+                               .tickets = tickets,
+                               .ticket_count = 1,
+                               .day = shop.today,
+                               .name = "Ñandú SA",
+                               .fiscal_number = "A58818502"};
+  FAILS(TAVELOR_E_INVALID_CALL, tavelor_shop_invoice_tickets(flows, &wish, &number, &failure));
+  CHECK(number.type == TAVELOR_EMPTY);
+  wish.fiscal_number = "A58818501";
+  OK(tavelor_shop_invoice_tickets(flows, &wish, &number, &failure));
+  CHECK(number.type == TAVELOR_TEXT);
+  TEXT(number.as.text.data, "F/1");
+  tavelor_value_clear(&number);
+  FAILS(TAVELOR_E_INVALID_CALL, tavelor_shop_invoice_tickets(flows, &wish, &number, &failure));
+  wish.ticket_count = 0;
+  FAILS(TAVELOR_E_INVALID_CALL, tavelor_shop_invoice_tickets(flows, &wish, &number, &failure));
+
+  const tavelor_return what = {
+      .size = sizeof what, .ticket = tickets[1], .till = "01", .day = shop.today};
+  double cancelling = 0;
+  OK(tavelor_shop_cancel(flows, &what, &cancelling, &failure));
+  CHECK(cancelling == 3);
+  FAILS(TAVELOR_E_INVALID_CALL, tavelor_shop_cancel(flows, &what, NULL, &failure));
+
+  tavelor_fiscal_report report = {.size = sizeof report};
+  OK(tavelor_fiscal_check_new(shop.apartment, NULL, NULL, &check, &report, &failure));
+  CHECK(report.records == 4 && report.tickets == 3 && report.flaws == 0);
+  CHECK(report.total_cents == 330);
+  tavelor_flaw flaw = {.size = sizeof flaw};
+  FAILS(TAVELOR_E_SUBSCRIPT_OUT_OF_RANGE, tavelor_fiscal_check_flaw(check, 0, &flaw, &failure));
+  tavelor_fiscal_check_release(check);
+
+  // Somebody takes a record away.
+  tavelor_object* documents = NULL;
+  OK(tavelor_connection_open(shop.apartment, 3, &documents, &failure));
+  OK(tavelor_connection_execute(documents, "DELETE FROM Fiscal_Registros WHERE Posicion = 2", NULL,
+                                0, NULL, &failure));
+  tavelor_object_release(documents);
+  OK(tavelor_fiscal_check_new(shop.apartment, &shop.today, &shop.today, &check, &report, &failure));
+  CHECK(report.records == 3 && report.flaws > 0);
+  OK(tavelor_fiscal_check_flaw(check, 0, &flaw, &failure));
+  CHECK(flaw.flaw == TAVELOR_FLAW_REMOVED && flaw.is_of_event == 0 && flaw.chain > 0);
+  CHECK(strstr(flaw.sentence, "is missing") != NULL);
+  FAILS(TAVELOR_E_INVALID_CALL, tavelor_fiscal_check_flaw(check, 0, NULL, &failure));
+  tavelor_fiscal_check_release(check);
+  tavelor_shop_release(flows);
+  close_shop(&shop);
+}
+
 const named_test shop_tests[] = {
+    {"APriceIsAskedFor", a_price_is_asked_for},
+    {"AnInvoiceReplacesATicketAndAnotherIsCancelled",
+     an_invoice_replaces_a_ticket_and_another_is_cancelled},
     {"ADayIsSoldClosedAndReconciled", a_day_is_sold_closed_and_reconciled},
     {"ARefusedSaleTellsAllThatIsWrong", a_refused_sale_tells_all_that_is_wrong},
     {"AShopNeedsItsCounters", a_shop_needs_its_counters},
