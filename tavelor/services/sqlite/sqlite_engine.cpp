@@ -125,9 +125,11 @@ void configure(Database& database, const OpenOptions& options) {
   // A name in double quotes is a name, never a text; what the file brings along is not trusted.
   for (const int off :
        {SQLITE_DBCONFIG_DQS_DML, SQLITE_DBCONFIG_DQS_DDL, SQLITE_DBCONFIG_TRUSTED_SCHEMA,
-        SQLITE_DBCONFIG_ENABLE_FKEY, SQLITE_DBCONFIG_ENABLE_TRIGGER, SQLITE_DBCONFIG_ENABLE_VIEW}) {
+        SQLITE_DBCONFIG_ENABLE_FKEY, SQLITE_DBCONFIG_ENABLE_VIEW}) {
     sqlite3_db_config(handle, off, 0, nullptr);
   }
+  // They keep the text indexes. Of a file from elsewhere they can reach nothing beyond it.
+  sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 1, nullptr);
   sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   set(database, "PRAGMA temp_store = MEMORY");
   set(database, "PRAGMA cache_size = -16384");
