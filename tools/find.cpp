@@ -65,11 +65,10 @@ std::vector<std::vector<std::string>> articleRows(const std::string& words, std:
       {"Code", "Description", "Family", "Stock", "Tax", "Price"}};
   for (const flows::FoundArticle& article : flows::findArticles({.words = words, .most = most})) {
     const std::string note = article.isActive ? "" : " (out of use)";
-    rows.push_back({printable(article.code), printable(article.description) + note,
-                    printable(article.family),
-                    article.stock ? format(*article.stock, "General Number", locale) : "",
-                    format(article.tax, "General Number", locale),
-                    format(article.price, "Standard", locale)});
+    rows.push_back(
+        {printable(article.code), printable(article.description) + note, printable(article.family),
+         article.stock ? format(*article.stock, "General Number", locale) : "",
+         format(article.tax, "General Number", locale), format(article.price, "Standard", locale)});
   }
   return rows;
 }

@@ -45,9 +45,7 @@ class Definition {
         texts_, insert(), quotedName(name_ + "_words"));
   }
 
-  std::string qualified(std::string_view table) const {
-    return schema_ + "." + quotedName(table);
-  }
+  std::string qualified(std::string_view table) const { return schema_ + "." + quotedName(table); }
 
   /// The parts of one kind, each behind a separator: of the row `a`, and of those that name it.
   std::string partsText(bool isCode, std::string_view separator) const {
@@ -78,13 +76,14 @@ class Definition {
   }
 
   /// The row is held before it is read what it shall be: of two transactions that add a code to it
-  /// the second one sees what the first has added.
+  /// the second one sees what the first has added. Plans are made while the tables are empty, and
+  /// kept: without the setting they would read all of them for each row of an import.
   std::string refresh() const {
     Definition one = *this;
     one.condition_ = fmt::format(" WHERE a.{} = which", key_);
     return fmt::format(
         "CREATE OR REPLACE FUNCTION {0}(which text) RETURNS void LANGUAGE plpgsql "
-        "SET search_path = tavelor, pg_catalog AS $body$ BEGIN "
+        "SET search_path = tavelor, pg_catalog SET enable_seqscan = off AS $body$ BEGIN "
         "PERFORM 1 FROM {0} WHERE \"Clave\" = which FOR UPDATE; "
         "{1} ON CONFLICT (\"Clave\") DO UPDATE SET \"Titulo\" = excluded.\"Titulo\", "
         "\"Codigos\" = excluded.\"Codigos\", \"Uso\" = excluded.\"Uso\", "
@@ -97,8 +96,8 @@ class Definition {
     std::string changes;
     for (const std::string& column : columns) {
       list += (list.empty() ? "" : ", ") + column;
-      changes += fmt::format("{0}OLD.{1} IS DISTINCT FROM NEW.{1}", changes.empty() ? "" : " OR ",
-                             column);
+      changes +=
+          fmt::format("{0}OLD.{1} IS DISTINCT FROM NEW.{1}", changes.empty() ? "" : " OR ", column);
     }
     return fmt::format(
         "DROP TRIGGER IF EXISTS tv_search ON {0};\nDROP TRIGGER IF EXISTS tv_search_of ON {0};\n"
@@ -154,15 +153,15 @@ std::vector<TextFound> ServerSession::findText(std::string_view table, std::stri
   const Line::Aside aside(*state_->line);
   if (!findText_) {
     findText_ = prepare(
-        "SELECT key, title, codes, in_use FROM tavelor.tv_search($1::text::regclass, btrim($2), $3)");
+        "SELECT key, title, codes, in_use FROM tavelor.tv_search($1::text::regclass, "
+        "btrim($2), $3::integer)");
   }
   const std::string texts = quotedName(state_->schema) + "." +
                             quotedName(std::string(kSearchTables) + std::string(table));
   findText_->bind(1, Value::ofText(texts));
   findText_->bind(2, Value::ofText(question));
   findText_->bind(3, Value::ofInteger(kMostCandidates));
-  RowStore rows(
-      {ColumnType::kMemo, ColumnType::kMemo, ColumnType::kMemo, ColumnType::kBoolean});
+  RowStore rows({ColumnType::kMemo, ColumnType::kMemo, ColumnType::kMemo, ColumnType::kBoolean});
   findText_->fetch(rows);
   TextRanking ranking(question);
   for (std::size_t i = 0; i < rows.rows(); ++i) {

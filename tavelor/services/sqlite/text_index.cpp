@@ -55,9 +55,7 @@ class Definition {
         words_(quoted(std::string(kSearchTables) + index.table + "_words")),
         waiting_(quoted(std::string(kSearchTables) + index.table + "_new")) {}
 
-  std::string text() {
-    return tables() + fill() + ofTheTable() + ofOthers() + ofTheTexts();
-  }
+  std::string text() { return tables() + fill() + ofTheTable() + ofOthers() + ofTheTexts(); }
 
  private:
   std::string trigger(std::string_view when, std::string_view body) {
@@ -171,13 +169,15 @@ class Definition {
         words_, waiting_);
   }
   std::string ofTheTexts() {
-    return trigger("INSERT ON " + texts_, fmt::format("INSERT INTO {} VALUES (new.Id);", waiting_)) +
-           trigger(fmt::format("UPDATE OF Titulo, Codigos, Resto ON {} WHEN old.Titulo <> new.Titulo "
-                               "OR old.Codigos <> new.Codigos OR old.Resto <> new.Resto",
-                               texts_),
-                   fmt::format("{0} INSERT INTO {1} SELECT new.Id WHERE NOT EXISTS (SELECT 1 FROM "
-                               "{1} WHERE Id = new.Id);",
-                               unindex(), waiting_)) +
+    return trigger("INSERT ON " + texts_,
+                   fmt::format("INSERT INTO {} VALUES (new.Id);", waiting_)) +
+           trigger(
+               fmt::format("UPDATE OF Titulo, Codigos, Resto ON {} WHEN old.Titulo <> new.Titulo "
+                           "OR old.Codigos <> new.Codigos OR old.Resto <> new.Resto",
+                           texts_),
+               fmt::format("{0} INSERT INTO {1} SELECT new.Id WHERE NOT EXISTS (SELECT 1 FROM "
+                           "{1} WHERE Id = new.Id);",
+                           unindex(), waiting_)) +
            trigger("DELETE ON " + texts_,
                    fmt::format("{} DELETE FROM {} WHERE Id = old.Id;", unindex(), waiting_)) +
            trigger(fmt::format("INSERT ON {0} WHEN (SELECT count(*) FROM {0}) >= {1}", waiting_,
@@ -194,8 +194,18 @@ class Definition {
   int triggers_ = 0;
 };
 
-/// All words, by their beginnings; "" of none, which the engine takes for a question that nothing
-/// answers. The words hold no quotes, as these are none of a word.
+std::string titleMark() {
+  std::string mark;
+  utf8::append(mark, kTitleMark);
+  return mark;
+}
+
+/// What no row has: the engine takes an empty question for a mistake.
+std::string none() {
+  return "\"" + titleMark() + titleMark() + "\"";
+}
+
+/// All words, by their beginnings. They hold no quotes, as these are none of a word.
 std::string allOf(const std::vector<std::string>& words) {
   std::string out;
   for (const std::string& word : words) {
@@ -206,9 +216,7 @@ std::string allOf(const std::vector<std::string>& words) {
 
 /// The same, and one of them begins the title.
 std::string allWithTitle(const std::vector<std::string>& words) {
-  if (words.empty()) return {};
-  std::string mark;
-  utf8::append(mark, kTitleMark);
+  const std::string mark = titleMark();
   std::string titles;
   for (const std::string& word : words) {
     titles += fmt::format("{}\"{}{}\"*", titles.empty() ? "" : " OR ", mark, word);
@@ -232,10 +240,9 @@ std::string textIndexDdl(const TextIndex& index) {
 }
 
 std::string dropTriggers(Database& database, const TextIndex& index) {
-  const StatementHandle names =
-      compile(database,
-              "SELECT name FROM sqlite_master WHERE type = 'trigger' AND "
-              "substr(name, 1, length(?1)) = ?1");
+  const StatementHandle names = compile(database,
+                                        "SELECT name FROM sqlite_master WHERE type = 'trigger' AND "
+                                        "substr(name, 1, length(?1)) = ?1");
   const std::string beginning = std::string(kSearchTables) + index.table + "_";
   sqlite3_bind_text64(names.get(), 1, beginning.data(), beginning.size(), SQLITE_STATIC,
                       SQLITE_UTF8);
@@ -367,8 +374,8 @@ std::vector<TextFound> TextFinder::find(std::string_view table, std::string_view
   }
   RowStore beginning(types);
   if (words.empty() || indexed == kMostCandidates) {
-    const std::string titles = allWithTitle(words);
-    const std::string whole = allWhole(words);
+    const std::string titles = words.empty() ? none() : allWithTitle(words);
+    const std::string whole = words.empty() ? none() : allWhole(words);
     // Codes are of capitals, or as they were typed. Without a word only the code itself will do.
     const std::string typed(trimmed);
     const std::string upper = text::upper(trimmed);
@@ -376,8 +383,7 @@ std::vector<TextFound> TextFinder::find(std::string_view table, std::string_view
     const std::string typedEnd = typed + std::string(last);
     const std::string upperEnd = upper + std::string(last);
     int place = 0;
-    for (const std::string* const each :
-         {&titles, &whole, &typed, &typedEnd, &upper, &upperEnd}) {
+    for (const std::string* const each : {&titles, &whole, &typed, &typedEnd, &upper, &upperEnd}) {
       statements.best->bind(++place, Value::ofText(*each));
     }
     statements.best->fetch(beginning);
