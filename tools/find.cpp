@@ -30,7 +30,7 @@ it exactly comes first, then codes that begin so, then descriptions by their wor
   tavelor find --rebuild                   makes the indexes anew from the tables)";
 
 struct FindOptions {
-  std::vector<std::string> words;
+  std::string word;
   std::size_t most = 20;
   bool customers = false;
   bool rebuild = false;
@@ -86,11 +86,9 @@ std::vector<std::vector<std::string>> customerRows(const std::string& words, std
   return rows;
 }
 
-void find(const FindOptions& options, const Common& common) {
-  std::string words;
-  for (const auto* const texts : {&options.words, &common.literal}) {
-    for (const std::string& word : *texts) words += (words.empty() ? "" : " ") + word;
-  }
+void find(const FindOptions& options, const std::vector<std::string>& more, const Common& common) {
+  std::string words = options.word;
+  for (const std::string& word : more) words += (words.empty() ? "" : " ") + word;
   if (options.rebuild != words.empty()) {
     throw UsageError("find takes words, or --rebuild alone");
   }
@@ -113,8 +111,9 @@ void addFind(CLI::App& app, Common& common) {
   CLI::App* command =
       app.add_subcommand("find", "Find articles or customers by the beginnings of words");
   auto options = std::make_shared<FindOptions>();
-  command->add_option("words", options->words, "Beginnings of words, a code or a barcode")
-      ->type_name("WORD");
+  command->add_option("word", options->word, "Beginnings of words, a code or a barcode")
+      ->type_name("WORD [WORD...]");
+  command->allow_extras();
   command->add_option("--most", options->most, "Rows at most, 20 without it")
       ->type_name("N")
       ->check(notNegative);
@@ -124,7 +123,8 @@ void addFind(CLI::App& app, Common& common) {
   addInstallationOptions(*command, common);
   addColorOption(*command, common);
   command->footer(kFooter);
-  command->callback([options, &common] { find(*options, common); });
+  command->callback(
+      [options, command, &common] { find(*options, argumentTexts(*command, common), common); });
 }
 
 }  // namespace tavelor::tools
