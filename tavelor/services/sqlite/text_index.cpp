@@ -221,7 +221,7 @@ std::string allWithTitle(const std::vector<std::string>& words) {
   for (const std::string& word : words) {
     titles += fmt::format("{}\"{}{}\"*", titles.empty() ? "" : " OR ", mark, word);
   }
-  return allOf(words) + " AND (" + titles + ")";
+  return words.size() == 1 ? titles : allOf(words) + " AND (" + titles + ")";
 }
 
 /// All words, whole: a short code among very many that begin with it.

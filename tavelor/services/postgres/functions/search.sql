@@ -80,7 +80,8 @@ BEGIN
       RETURN;
     END IF;
     RETURN QUERY EXECUTE format('SELECT "Clave", "Titulo", "Codigos", "Uso" FROM %s '
-      'WHERE "Palabras" @@ %L::tsquery LIMIT %s', texts, every || ' & (' || begins || ')', most);
+      'WHERE "Palabras" @@ %L::tsquery LIMIT %s', texts, CASE WHEN cardinality(words) = 1 THEN begins
+        ELSE every || ' & (' || begins || ')' END, most);
     RETURN QUERY EXECUTE format('SELECT "Clave", "Titulo", "Codigos", "Uso" FROM %s '
       'WHERE "Palabras" @@ %L::tsquery LIMIT %s', texts, whole, most);
   ELSE
