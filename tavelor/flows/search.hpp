@@ -32,7 +32,8 @@ struct ArticleQuestion {
 
 /// Articles of the main database that have, for each word of the question, a word beginning with it
 /// in their description, code, reference, family, barcodes or suppliers' references. Case, accents
-/// and marks count nothing, and n is ñ (in files, marks of Latin letters alone). The best ones first:
+/// and marks count nothing, and n is ñ (in files, marks of Latin letters alone). The best ones
+/// first:
 ///
 /// 1. whose code, reference or barcode is the question;
 /// 2. whose code begins with it;
