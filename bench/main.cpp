@@ -36,6 +36,7 @@ constexpr std::array kWorks{
     Work{"ledger", tavelor::bench::measureLedger},
     Work{"agenda", tavelor::bench::measureAgenda},
     Work{"import", tavelor::bench::measureImport},
+    Work{"search", tavelor::bench::measureSearch},
     Work{"translation", tavelor::bench::measureTranslation},
     Work{"growth", tavelor::bench::measureGrowth},
     Work{"years", tavelor::bench::measureYears},

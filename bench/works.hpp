@@ -30,6 +30,8 @@ void measureLedger(Report& report, const Scale& scale);
 void measureAgenda(Report& report, const Scale& scale);
 /// Articles taken from rows of text, through their class.
 void measureImport(Report& report, const Scale& scale);
+/// A stroke of a key in a search of articles.
+void measureSearch(Report& report, const Scale& scale);
 /// Translation of every statement of the corpus beside the engine's own compiling.
 void measureTranslation(Report& report, const Scale& scale);
 /// Time a row from a thousand rows to a million.
