@@ -71,7 +71,7 @@ class Articles : public QGroupBox {
 
     model.setHeaderData(model.columnOf("Tarifa_A"), Qt::Horizontal, "PVP");
     model.setHeaderData(model.columnOf("Impuesto"), Qt::Horizontal, "IVA %");
-    model.setColumnFormat("Existencia", "#,##0.###");
+    model.setColumnAlignment("Impuesto", Qt::AlignRight | Qt::AlignVCenter);
     view_ = new QTableView;
     bindGrid(*view_, model);
     view_->setAlternatingRowColors(true);
@@ -113,7 +113,7 @@ class Articles : public QGroupBox {
       header.moveSection(header.visualIndex(model.columnOf(shown[place])), place);
     }
     view_->resizeColumnsToContents();
-    view_->setColumnWidth(model.columnOf("Descripción"), 230);
+    header.setSectionResizeMode(model.columnOf("Descripción"), QHeaderView::Stretch);
   }
 
   FilterMapper filter_;

@@ -66,7 +66,7 @@ TEST_F(Form, ShowsTheCurrentRowAndFollowsIt) {
   EXPECT_EQ(notes.toPlainText(), "Una nota");
   EXPECT_EQ(number.value(), 1);
   EXPECT_EQ(price.value(), 1.005) << "with as many decimals as it takes";
-  EXPECT_EQ(money.text(), "1234,5");
+  EXPECT_EQ(money.text(), "1234,50");
   EXPECT_TRUE(active.isChecked());
   EXPECT_EQ(day.date(), QDate(2026, 3, 5));
   EXPECT_EQ(day.text(), "05/03/2026");

@@ -54,6 +54,8 @@ TEST_F(Model, NumbersStandOnTheRightAndDatesInTheMiddle) {
   EXPECT_EQ(side(kName), int(Qt::AlignLeft | Qt::AlignVCenter));
   EXPECT_EQ(side(kDay), int(Qt::AlignCenter));
   EXPECT_EQ(model->headerData(kMoney, Qt::Horizontal, Qt::TextAlignmentRole).toInt(), side(kMoney));
+  model->setColumnAlignment("Nombre", Qt::AlignRight);
+  EXPECT_EQ(side(kName), int(Qt::AlignRight));
 }
 
 TEST_F(Model, ColumnsHaveTitlesAndMasksThatStayWhenRowsAreFetchedAnew) {

@@ -31,6 +31,7 @@ const QColor kConflictColour(255, 226, 214);
 struct Wish {
   QString title;
   std::string mask;
+  Qt::Alignment alignment;  ///< of its kind where none is said
   bool readOnly = false;
 };
 
@@ -86,7 +87,6 @@ Qt::Alignment alignmentOf(ColumnKind kind) {
     case ColumnKind::kNumber:
     case ColumnKind::kMoney:
       return Qt::AlignRight | Qt::AlignVCenter;
-    case ColumnKind::kFlag:
     case ColumnKind::kDate:
       return Qt::AlignCenter;
     default:
@@ -156,6 +156,10 @@ class RecordsetModel::Inner final : public SetWatcher {
   int positionOf(std::uint32_t number) const;
   std::int32_t statusAt(int position) const { return rowAt(position).status(); }
   Wish wishOf(const Column& column) const { return wishes.value(column.key); }
+  int alignmentOfColumn(const Column& column) const {
+    const Qt::Alignment wished = wishOf(column).alignment;
+    return static_cast<int>(wished == Qt::Alignment() ? alignmentOf(column.kind) : wished);
+  }
   bool isWritable(const Column& column) const {
     return column.writable && !wishOf(column).readOnly;
   }
@@ -484,6 +488,10 @@ void RecordsetModel::setColumnFormat(const QString& name, const QString& mask) {
   }
 }
 
+void RecordsetModel::setColumnAlignment(const QString& name, Qt::Alignment alignment) {
+  inner_->wishes[name.toCaseFolded()].alignment = alignment;
+}
+
 void RecordsetModel::setColumnReadOnly(const QString& name, bool readOnly) {
   inner_->wishes[name.toCaseFolded()].readOnly = readOnly;
 }
@@ -504,7 +512,7 @@ QVariant RecordsetModel::data(const QModelIndex& index, int role) const {
   try {
     switch (role) {
       case Qt::TextAlignmentRole:
-        return static_cast<int>(alignmentOf(column.kind));
+        return inner_->alignmentOfColumn(column);
       case Qt::DisplayRole:
         if (isFlag) return {};
         return inner_->textOf(inner_->valueAt(row, index.column()), column);
@@ -587,7 +595,7 @@ QVariant RecordsetModel::headerData(int section, Qt::Orientation orientation, in
   if (orientation == Qt::Horizontal) {
     if (section >= columnCount()) return {};
     const Column& column = inner_->columnAt(section);
-    if (role == Qt::TextAlignmentRole) return static_cast<int>(alignmentOf(column.kind));
+    if (role == Qt::TextAlignmentRole) return inner_->alignmentOfColumn(column);
     if (role != Qt::DisplayRole && role != Qt::EditRole) return {};
     const QString title = inner_->wishOf(column).title;
     return title.isEmpty() ? column.name : title;

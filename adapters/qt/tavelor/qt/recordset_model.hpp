@@ -86,6 +86,8 @@ class TAVELOR_QT_API RecordsetModel : public QAbstractTableModel {
   /// The mask of the library's format() by which views show a column, such as "#,##0.00"; "" for
   /// the usual: money with two to four decimals, all else plain.
   void setColumnFormat(const QString& name, const QString& mask);
+  /// Where a column's values stand: numbers on the right and dates in the middle without it.
+  void setColumnAlignment(const QString& name, Qt::Alignment alignment);
   /// Takes a column from editing, or gives it back where the set lets it be written.
   void setColumnReadOnly(const QString& name, bool readOnly = true);
 

@@ -15,7 +15,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tavelor/platform/error.hpp"
+#include "tavelor/platform/format.hpp"
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/qt/values.hpp"
 
@@ -32,6 +32,13 @@ Widget* as(QWidget* widget) {
 
 bool isNothing(const Variant& value) {
   return value.isNull() || value.isEmpty();
+}
+
+/// As it is typed: money with its cents, nothing grouped.
+QString textOf(const Variant& value, const Locale& locale) {
+  if (isNothing(value)) return {};
+  if (value.type() == VariantType::kCurrency) return toQString(format(value, "0.00##", locale));
+  return toQString(value.toText(locale));
 }
 
 bool isEmptied(const QAbstractSpinBox& box) {
@@ -185,7 +192,7 @@ Variant WidgetControl::fieldValue() const {
 
 void WidgetControl::show(const Variant& value) {
   const std::shared_ptr<const Locale> locale = currentLocale();
-  const QString text = isNothing(value) ? QString() : toQString(value.toText(*locale));
+  const QString text = textOf(value, *locale);
   if (auto* line = as<QLineEdit>(widget_)) {
     // A line that is too short for what is there would cut it.
     line->setMaxLength(std::max(line->maxLength(), static_cast<int>(text.size())));
