@@ -23,7 +23,7 @@ dpkg -L tavelor | grep -q '/man1/tavelor-import-database.1.gz$'
 install ./libtavelor1_*.deb
 ldconfig -p | grep -q 'libtavelor.so.1 '
 install g++ pkg-config ./libtavelor-dev_*.deb
-(cd /usr/include && find tavelor -name '*.hpp' | sort | sed 's/.*/#include "&"/') >all_headers.hpp
+(cd /usr/include && find tavelor -name '*.hpp' -not -path 'tavelor/qt/*' | sort | sed 's/.*/#include "&"/') >all_headers.hpp
 # shellcheck disable=SC2046
 {
   g++ -std=c++20 main.cpp -o shared $(pkg-config --cflags --libs tavelor)

@@ -3,7 +3,7 @@
 # packages.sh BUILD_DIR COMPILER: makes the Debian packages of what was built. lintian must find no error,
 # each file must lie in one package only, the command must run with its manual and completion, and
 # programs must build on the unpacked development files with pkg-config alone: on the shared library, on
-# the static one, on the flows and on the signatures. `scripts/package --bare` does it on a bare machine.
+# the static one, on the flows, on the signatures and on the Qt adapter. `scripts/package --bare` does it on a bare machine.
 source "$(dirname "$0")/../../scripts/lib/common.sh"
 
 build=$1 compiler=$2
@@ -38,8 +38,11 @@ done
 libraries=$(dirname "$(find "$usr/lib" -name libtavelor.so)")
 export PKG_CONFIG_PATH=$libraries/pkgconfig
 mkdir "$scratch/programs"
-(cd "$usr/include" && find tavelor -name '*.hpp' | LC_ALL=C sort | sed 's/.*/#include "&"/') >"$scratch/programs/all_headers.hpp"
-cp tests/consumer/main.cpp tests/consumer/signs.cpp examples/080-a-till.cpp examples/090-a-day-in-c.c "$scratch/programs"
+# Those of the Qt adapter want Qt.
+list_headers() { (cd "$usr/include" && find tavelor -name '*.hpp' "$@" | LC_ALL=C sort | sed 's/.*/#include "&"/'); }
+list_headers -not -path 'tavelor/qt/*' >"$scratch/programs/all_headers.hpp"
+list_headers -path 'tavelor/qt/*' >"$scratch/programs/all_qt_headers.hpp"
+cp tests/consumer/qt.cpp adapters/qt/examples/a_day.cpp tests/consumer/main.cpp tests/consumer/signs.cpp examples/080-a-till.cpp examples/090-a-day-in-c.c "$scratch/programs"
 cd "$scratch/programs"
 compile() { "$compiler" -std=c++20 "$@"; }
 # shellcheck disable=SC2046
@@ -52,6 +55,16 @@ compile() { "$compiler" -std=c++20 "$@"; }
   compile signs.cpp -o signs $(pkg-config --cflags --libs tavelor-signing)
 }
 pkg-config --exists tavelor-sending tavelor-fiscal
+# The Qt adapter, where it was built: on the shared library, and with the flows on the static one.
+if [[ -s all_qt_headers.hpp ]]; then
+  [[ $(field libtavelor-qt6-1 Depends) == *libqt6widgets6*libtavelor1* && $(field libtavelor-qt6-dev Depends) == *qt6-base-dev* ]]
+  read -r -a flags < <(pkg-config --cflags --libs tavelor-qt6)
+  compile -fPIC qt.cpp -o with_qt "${flags[@]}"
+  LD_LIBRARY_PATH=$libraries ./with_qt "$scratch/of-qt"
+  read -r -a flags < <(pkg-config --cflags --libs tavelor-qt6-flows)
+  compile -fPIC a_day.cpp -o qt_day "${flags[@]}"
+  (mkdir day-in-qt && cd day-in-qt && ../qt_day) | diff "$OLDPWD/adapters/qt/examples/a_day.txt" -
+fi
 for needed in fmt pugixml sqlite3 utf8proc pq; do
   [[ " $(pkg-config --static --libs tavelor) " == *"-l$needed "* ]]
 done

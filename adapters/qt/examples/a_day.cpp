@@ -55,13 +55,14 @@ int main(int count, char** arguments) {
     shop.openTills({"01"});
     shop.recover();
 
-    // [grid]
+    // [rows]
     tavelor::clsArticulos articles;
     articles.IniciaRs("todos");
     RecordClassModel grid(articles, "todos");
     QObject::connect(&grid, &RecordsetModel::failed, [](const tavelor::qt::Failure& failure) {
       std::cout << "refused: " << failure.text.toStdString() << '\n';
     });
+    // [rows]
     const auto put = [&](int row, const char* column, const QVariant& value) {
       return grid.setData(grid.index(row, grid.columnOf(column)), value);
     };
@@ -83,7 +84,6 @@ int main(int count, char** arguments) {
     show("Articles, to be written", grid, shown);
     grid.submitAll();
     show("Articles", grid, shown);
-    // [grid]
 
     std::vector<tavelor::flows::Sale> meant;
     tavelor::flows::Sale sale;
@@ -119,7 +119,6 @@ int main(int count, char** arguments) {
     back.lines.front().quantity = -1;
     meant.push_back(back);
 
-    // [tickets]
     tavelor::ClsTickets tickets;
     tickets.IniciaRs("caja", "01");
     RecordClassModel sold(tickets, "caja");
@@ -136,7 +135,6 @@ int main(int count, char** arguments) {
     sold.sort(sold.columnOf("Ticket"), Qt::DescendingOrder);
     sold.setColumnFormat("Importe", "#,##0.00");
     show("Tickets of the closing", sold, {"Ticket", "Fecha", "Referencia", "Importe"});
-    // [tickets]
 
     articles.Requery("todos");
     grid.setFilter("Existencia < -1");

@@ -54,7 +54,6 @@ QString euros(double amount) {
       tavelor::format(amount, "#,##0.00 €", *tavelor::qt::currentLocale()));
 }
 
-// [grid]
 /// The articles, with a line to search them by.
 class Articles : public QGroupBox {
  public:
@@ -119,9 +118,7 @@ class Articles : public QGroupBox {
   FilterMapper filter_;
   QTableView* view_;
 };
-// [grid]
 
-// [form]
 /// The article on which the grid stands.
 class Article : public QGroupBox {
  public:
@@ -155,9 +152,7 @@ class Article : public QGroupBox {
  private:
   FormMapper mapper_;
 };
-// [form]
 
-// [till]
 /// Lines typed as "2 PAN" or "PAN", and sold together.
 class Till : public QGroupBox {
  public:
@@ -261,7 +256,6 @@ void Till::sell() {
     say(tavelor::qt::toQString(error.description()));
   }
 }
-// [till]
 
 /// A shop to look at, where there is none.
 void fill(tavelor::clsArticulos& articles) {
