@@ -49,7 +49,7 @@ void measureServer(Report& report, const Scale& scale);
 void measureC(Report& report, const Scale& scale);
 #endif
 #ifdef TAVELOR_BENCH_QT
-/// The same works over a widget toolkit's table model.
+/// The models of the Qt adapter beside Qt's own.
 void measureQt(Report& report, const Scale& scale);
 #endif
 

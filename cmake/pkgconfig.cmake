@@ -9,7 +9,10 @@ string(REGEX REPLACE "/$" "" pc_to_prefix "${pc_to_prefix}")
 set(pc_needs "fmt pugixml sqlite3 libutf8proc libpq")
 
 function(tavelor_pkgconfig name)
-  cmake_parse_arguments(PARSE_ARGV 1 pc "" "DESCRIPTION;REQUIRES;REQUIRES_PRIVATE;LIBS;LIBS_PRIVATE" "")
+  cmake_parse_arguments(PARSE_ARGV 1 pc "" "COMPONENT;DESCRIPTION;REQUIRES;REQUIRES_PRIVATE;LIBS;LIBS_PRIVATE" "")
+  if(NOT pc_COMPONENT)
+    set(pc_COMPONENT development)
+  endif()
   set(pc_name ${name})
   foreach(line IN ITEMS description requires requires_private libs libs_private)
     string(TOUPPER ${line} upper)
@@ -22,7 +25,7 @@ function(tavelor_pkgconfig name)
   string(REGEX REPLACE "\n[A-Za-z.]+: *\n" "\n" text "${text}")
   string(REGEX REPLACE "\n[A-Za-z.]+: *\n" "\n" text "${text}")
   file(WRITE ${file} "${text}")
-  install(FILES ${file} DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+  install(FILES ${file} DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT ${pc_COMPONENT})
 endfunction()
 
 # The archives of a library and of all that it stands on, in the order in which they are linked.
@@ -62,3 +65,13 @@ tavelor_pkgconfig(tavelor-sending DESCRIPTION "Records of invoices on their way 
 tavelor_archives(archives tavelor_signing ${fiscal})
 tavelor_pkgconfig(tavelor-signing DESCRIPTION "Signatures of records and of electronic invoices"
   REQUIRES "${pc_needs} libcrypto libqrencode xmlsec1-openssl libxml-2.0" LIBS "${archives}")
+# Static, the adapter stands on the static library, so that it goes with the flows.
+if(TARGET tavelor_qt_library)
+  if(TARGET tavelor_qt_shared)
+    tavelor_pkgconfig(tavelor-qt6 COMPONENT qt_development DESCRIPTION "Models and forms for Qt 6"
+      REQUIRES "tavelor Qt6Widgets" LIBS "-L\${libdir} -ltavelor_qt6")
+  endif()
+  tavelor_archives(archives tavelor_qt6 ${flows})
+  tavelor_pkgconfig(tavelor-qt6-flows COMPONENT qt_development DESCRIPTION "Models and forms for Qt 6, and flows"
+    REQUIRES "Qt6Widgets ${pc_needs} libcrypto libqrencode" LIBS "${archives}")
+endif()

@@ -35,7 +35,7 @@ python3 -c 'import tavelor; help(tavelor.ClsBancos)' | grep -q CrearBanco
 [[ -n $(compgen -G '/usr/lib/python3/dist-packages/tavelor/__pycache__/shop.cpython-*.pyc') ]]
 
 install g++ pkg-config ./libtavelor-dev_*.deb
-(cd /usr/include && find tavelor -name '*.hpp' | sort | sed 's/.*/#include "&"/') >all_headers.hpp
+(cd /usr/include && find tavelor -name '*.hpp' -not -path 'tavelor/qt/*' | sort | sed 's/.*/#include "&"/') >all_headers.hpp
 # shellcheck disable=SC2046
 {
   g++ -std=c++20 main.cpp -o shared $(pkg-config --cflags --libs tavelor)

@@ -12,8 +12,10 @@ cmake --install "$1" --prefix "$scratch/usr" >"$scratch/install.log"
 cp -r tests/consumer "$scratch/consumer"
 cp examples/080-a-till.cpp "$scratch/consumer/till.cpp"
 cp examples/070-a-day.cpp "$scratch/consumer/day.cpp"
-(cd "$scratch/usr/include" && find tavelor -name '*.hpp' | LC_ALL=C sort |
-  sed 's/.*/#include "&"/') >"$scratch/consumer/all_headers.hpp"
+# Those of the Qt adapter want Qt.
+list_headers() { (cd "$scratch/usr/include" && find tavelor -name '*.hpp' "$@" | LC_ALL=C sort | sed 's/.*/#include "&"/'); }
+list_headers -not -path 'tavelor/qt/*' >"$scratch/consumer/all_headers.hpp"
+list_headers -path 'tavelor/qt/*' >"$scratch/consumer/all_qt_headers.hpp"
 cmake -S "$scratch/consumer" -B "$scratch/build" -G Ninja -DCMAKE_PREFIX_PATH="$scratch/usr" \
   -DCMAKE_CXX_COMPILER="$2" -DCMAKE_BUILD_TYPE="$3" --log-level=WARNING
 cmake --build "$scratch/build"

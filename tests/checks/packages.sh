@@ -3,8 +3,8 @@
 # packages.sh BUILD_DIR COMPILER: makes the Debian packages of what was built. lintian must find no error,
 # each file must lie in one package only, the command must run with its manual and completion, Python must know
 # its package, and programs must build on the unpacked development files with pkg-config alone: on the shared
-# library, on the static one, on the flows and on the signatures. By each of these ways a shop does the same small
-# day, and prints the same. `scripts/package --bare` does it on a bare machine.
+# library, on the static one, on the flows, on the signatures and on the Qt adapter. By each of these ways a
+# shop does the same small day, and prints the same. `scripts/package --bare` does it on a bare machine.
 source "$(dirname "$0")/../../scripts/lib/common.sh"
 
 build=$(realpath "$1") compiler=$2
@@ -42,9 +42,12 @@ done
 libraries=$(dirname "$(find "$usr/lib" -name libtavelor.so)")
 export PKG_CONFIG_PATH=$libraries/pkgconfig
 mkdir "$scratch/programs"
-(cd "$usr/include" && find tavelor -name '*.hpp' | LC_ALL=C sort | sed 's/.*/#include "&"/') >"$scratch/programs/all_headers.hpp"
-cp tests/consumer/main.cpp tests/consumer/signs.cpp examples/070-a-day.cpp examples/080-a-till.cpp \
-  examples/090-a-day-in-c.c "$scratch/programs"
+# Those of the Qt adapter want Qt.
+list_headers() { (cd "$usr/include" && find tavelor -name '*.hpp' "$@" | LC_ALL=C sort | sed 's/.*/#include "&"/'); }
+list_headers -not -path 'tavelor/qt/*' >"$scratch/programs/all_headers.hpp"
+list_headers -path 'tavelor/qt/*' >"$scratch/programs/all_qt_headers.hpp"
+cp tests/consumer/main.cpp tests/consumer/qt.cpp tests/consumer/signs.cpp examples/070-a-day.cpp \
+  examples/080-a-till.cpp examples/090-a-day-in-c.c adapters/qt/examples/a_day.cpp "$scratch/programs"
 cd "$scratch/programs"
 compile() { "$compiler" -std=c++20 "$@"; }
 # shellcheck disable=SC2046
@@ -60,6 +63,16 @@ compile() { "$compiler" -std=c++20 "$@"; }
   compile signs.cpp -o signs $(pkg-config --cflags --libs tavelor-signing)
 }
 pkg-config --exists tavelor-sending tavelor-fiscal
+# The Qt adapter, where it was built: on the shared library, and with the flows on the static one.
+if [[ -s all_qt_headers.hpp ]]; then
+  [[ $(field libtavelor-qt6-1 Depends) == *libqt6widgets6*libtavelor1* && $(field libtavelor-qt6-dev Depends) == *qt6-base-dev* ]]
+  read -r -a flags < <(pkg-config --cflags --libs tavelor-qt6)
+  compile -fPIC qt.cpp -o with_qt "${flags[@]}"
+  LD_LIBRARY_PATH=$libraries ./with_qt "$scratch/of-qt"
+  read -r -a flags < <(pkg-config --cflags --libs tavelor-qt6-flows)
+  compile -fPIC a_day.cpp -o qt_day "${flags[@]}"
+  (mkdir day-in-qt && cd day-in-qt && ../qt_day) | diff "$OLDPWD/adapters/qt/examples/a_day.txt" -
+fi
 for needed in fmt pugixml sqlite3 utf8proc pq; do
   [[ " $(pkg-config --static --libs tavelor) " == *"-l$needed "* ]]
 done

@@ -47,7 +47,8 @@ std::set<std::string> publicMembers(const std::string& header, const std::string
   // What makes an object, and what only C++ has a use for.
   for (const std::string& own :
        {name, std::string("typeName"), std::string("begin"), std::string("end"),
-        std::string("parts"), std::string("CurrentRow"), std::string("open")}) {
+        std::string("parts"), std::string("CurrentRow"), std::string("rowOf"),
+        std::string("shownRows"), std::string("shownRowsStamp"), std::string("open")}) {
     found.erase(own);
   }
   return found;

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Reading rows by columns and types, one after the other.
+#include <utility>
+
 #include "tests/recordset/support.hpp"
 
 namespace tavelor::test {
@@ -223,6 +225,82 @@ TEST_F(Rows, ThatWereNotAskedForAreNext) {
   EXPECT_EQ(errorOf([&] { rows->GetRows(-2); }), errors::kInvalidArgument);
   EXPECT_EQ(errorOf([&] { rows->GetRows(1, {}, {"Nada"}); }), errors::kItemNotFound);
   EXPECT_EQ(textAt(*rows, "Codigo"), "002") << "a refused call moves nothing";
+}
+
+// ---- By where they stand
+
+TEST_F(Rows, AreListedByTheirBookmarksAndReadByThem) {
+  const auto rows = openBanks();
+  EXPECT_THAT(rows->shownRows(), ElementsAre(1U, 2U, 3U));
+  rows->Sort("Codigo DESC");
+  EXPECT_THAT(rows->shownRows(), ElementsAre(3U, 2U, 1U));
+  rows->Filter("Saldo <> 0");
+  EXPECT_THAT(rows->shownRows(), ElementsAre(2U, 1U));
+  EXPECT_EQ(rows->rowOf(3).text("Codigo"), "003") << "a row that does not show";
+  EXPECT_EQ(textAt(*rows, "Codigo"), "002") << "the cursor stays";
+  EXPECT_EQ(errorOf([&] { rows->rowOf(4); }), errors::kInvalidArgument);
+  rows->Close();
+  EXPECT_EQ(errorOf([&] { rows->shownRows(); }), errors::kObjectClosed);
+}
+
+TEST_F(Rows, TheirStampIsAnotherWheneverTheirListIs) {
+  const auto rows = openBanks();
+  const auto clone = rows->Clone();
+  std::uint64_t before = rows->shownRowsStamp();
+  const auto hasChanged = [&] {
+    return std::exchange(before, rows->shownRowsStamp()) != rows->shownRowsStamp();
+  };
+  rows->MoveNext();
+  rows->Field("Saldo").Value(3);
+  EXPECT_FALSE(hasChanged()) << "moves and edits";
+  rows->Update();
+  rows->Sort("Codigo DESC");
+  EXPECT_TRUE(hasChanged());
+  rows->Filter("Saldo > 1");
+  EXPECT_TRUE(hasChanged());
+  rows->AddNew();
+  EXPECT_TRUE(hasChanged());
+  rows->CancelUpdate();
+  EXPECT_TRUE(hasChanged());
+  rows->Filter("");
+  EXPECT_TRUE(hasChanged());
+  rows->Delete();
+  EXPECT_TRUE(hasChanged());
+  clone->MoveLast();
+  clone->Delete();
+  EXPECT_TRUE(hasChanged()) << "a clone takes a row away";
+  rows->CancelBatch();
+  EXPECT_TRUE(hasChanged());
+  rows->Requery();
+  EXPECT_TRUE(hasChanged());
+  rows->MoveLast();
+  rows->Field("Codigo").Value("000");
+  rows->Update();
+  EXPECT_TRUE(hasChanged()) << "a row goes to its new place";
+  rows->Close();
+  rows->Open(Statement::trusted("SELECT * FROM Bancos ORDER BY Codigo"), clone->ActiveConnection());
+  EXPECT_TRUE(hasChanged());
+}
+
+TEST_F(Rows, TellWhatIsPendingWhereverTheCursorIs) {
+  const auto rows = openBanks();
+  const Row first = rows->CurrentRow();
+  EXPECT_EQ(first.status(), record_status::kUnmodified);
+  rows->Field("Descripcion").Value("Otro");
+  rows->MoveNext();
+  rows->Delete();
+  const Row deleted = rows->rowOf(2);
+  rows->MoveLast();
+  EXPECT_EQ(first.status(), record_status::kModified);
+  EXPECT_EQ(first.text("Descripcion"), "Otro");
+  EXPECT_NE(first.originalValue("Descripcion"), Variant("Otro"));
+  EXPECT_EQ(first.underlyingValue("Descripcion"), first.originalValue("Descripcion"));
+  EXPECT_EQ(deleted.status(), record_status::kDeleted);
+  EXPECT_EQ(deleted.originalValue("Codigo"), Variant("002")) << "of a deleted row too";
+  EXPECT_EQ(errorOf([&] { deleted.value("Codigo"); }), errors::kDeletedRow);
+  rows->Requery();
+  EXPECT_EQ(errorOf([&] { first.status(); }), errors::kObjectInvalid);
+  EXPECT_EQ(errorOf([&] { deleted.originalValue("Codigo"); }), errors::kObjectInvalid);
 }
 
 // ---- Pages

@@ -149,6 +149,15 @@ class TAVELOR_API Recordset final : public Object, public std::enable_shared_fro
   std::vector<std::vector<Variant>> GetRows(std::int32_t rows = -1, const Variant& start = {},
                                             const std::vector<Variant>& fields = {});
 
+  // ---- For grids, which read rows by where they stand. The cursor stays, nobody is told.
+
+  /// The row that a bookmark names, whether it shows or not. Raises 3001 for what is no bookmark.
+  Row rowOf(const Variant& bookmark) const;
+  /// The rows that the set shows, in its order, each by the number that is its bookmark.
+  std::vector<std::uint32_t> shownRows() const;
+  /// Another number whenever shownRows() may have become another list.
+  std::uint64_t shownRowsStamp() const;
+
   // ---- View
 
   /// The criteria text, or "".

@@ -204,7 +204,7 @@ tavelor::EditMode Recordset::EditMode() const {
 
 std::int32_t Recordset::Status() const {
   parts_->opened();
-  return parts_->edit.status();
+  return parts_->edit.status(parts_->cursor.row());
 }
 
 bool Recordset::hasUnwrittenChanges() const {

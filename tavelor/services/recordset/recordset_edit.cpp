@@ -242,8 +242,7 @@ EditMode RecordsetEdit::mode() const {
   return added ? EditMode::kAdd : EditMode::kNone;
 }
 
-std::int32_t RecordsetEdit::status() const {
-  const RowNumber row = cursor_.row();
+std::int32_t RecordsetEdit::status(RowNumber row) const {
   if (isOf(row)) return draft_->adding ? record_status::kNew : record_status::kModified;
   if ((store().flags(row) & RecordsetStore::kDead) != 0) return record_status::kDbDeleted;
   const RecordsetStore::Edit* edit = store().edit(row);

@@ -73,8 +73,8 @@ class RecordsetEdit {
 
   /// Of the current row.
   EditMode mode() const;
-  /// Bits of record_status, of the current row.
-  std::int32_t status() const;
+  /// Bits of record_status.
+  std::int32_t status(Row row) const;
   /// Why an undo of a row that is in edit or has a change comes about.
   EventReason undoReason(Row row) const;
 

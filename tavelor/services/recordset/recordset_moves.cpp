@@ -163,6 +163,30 @@ Row Recordset::CurrentRow() const {
   return {*parts_, parts_->currentRow(), parts_->openings()};
 }
 
+Row Recordset::rowOf(const Variant& bookmark) const {
+  parts_->opened();
+  return {*parts_, parts_->view.rowOfBookmark(bookmark), parts_->openings()};
+}
+
+std::vector<std::uint32_t> Recordset::shownRows() const {
+  parts_->opened();
+  RecordsetView& view = parts_->view;
+  view.follow();
+  std::vector<std::uint32_t> shown;
+  shown.reserve(static_cast<std::size_t>(view.visibleRows()));
+  const std::int64_t end = view.extent();
+  for (std::int64_t i = view.nextVisible(0, 1); i < end; i = view.nextVisible(i + 1, 1)) {
+    shown.push_back(view.rowAt(i) + 1);
+  }
+  return shown;
+}
+
+std::uint64_t Recordset::shownRowsStamp() const {
+  parts_->opened();
+  parts_->view.follow();
+  return parts_->view.changes();
+}
+
 std::vector<std::vector<Variant>> Recordset::GetRows(std::int32_t rows, const Variant& start,
                                                      const std::vector<Variant>& fields) {
   parts_->opened();

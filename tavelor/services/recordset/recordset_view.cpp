@@ -19,7 +19,9 @@ void RecordsetView::open(RecordsetStore& store, RowFilter filter, RowOrder order
 }
 
 void RecordsetView::close() noexcept {
+  const std::uint64_t changes = changes_;
   *this = {};
+  changes_ = changes + 1;
 }
 
 // ---- The rows
@@ -128,6 +130,7 @@ void RecordsetView::listRows() {
 }
 
 void RecordsetView::count() {
+  ++changes_;
   stored_ = store_->rows().rows();
   stamp_ = store_->stamp();
   visibleRows_ = extent();
@@ -171,12 +174,14 @@ void RecordsetView::showAddedRow(Row row) {
   if (listed_) rows_.push_back(row);
   indexes_.clear();
   ++visibleRows_;
+  ++changes_;
   changed();
 }
 
 void RecordsetView::hideAddedRow() {
   addedRow_ = kNoRow;
   --visibleRows_;
+  ++changes_;
   changed();
 }
 
@@ -188,6 +193,7 @@ std::int64_t RecordsetView::insert(Row row) {
   rows_.insert(place, row);
   indexes_.clear();
   ++visibleRows_;
+  ++changes_;
   return index;
 }
 
@@ -195,6 +201,7 @@ void RecordsetView::erase(std::int64_t index) {
   rows_.erase(rows_.begin() + index);
   indexes_.clear();
   --visibleRows_;
+  ++changes_;
 }
 
 std::size_t RecordsetView::memory() const {

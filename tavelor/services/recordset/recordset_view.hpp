@@ -80,6 +80,10 @@ class RecordsetView {
   /// The row that a bookmark names, in the view or not. Raises 3001 for what names none.
   Row rowOfBookmark(const Variant& bookmark) const;
 
+  /// Another number whenever the rows that show, or their order, may be others: in another opening
+  /// too.
+  std::uint64_t changes() const { return changes_; }
+
   bool hasHoles() const { return visibleRows_ != extent(); }
   /// Rows that are no holes before an index.
   std::int64_t visibleBefore(std::int64_t index) const;
@@ -129,7 +133,9 @@ class RecordsetView {
     const bool wasVisible = isVisible(row);
     work();
     const bool visible = isVisible(row);
-    if (visible != wasVisible && indexOf(row) >= 0) visibleRows_ += visible ? 1 : -1;
+    if (visible == wasVisible || indexOf(row) < 0) return;
+    visibleRows_ += visible ? 1 : -1;
+    ++changes_;
   }
 
   /// Puts a row where the order wants it; gives its index.
@@ -153,6 +159,7 @@ class RecordsetView {
   std::uint64_t stamp_ = 0;            // of the store, as far as the view has followed it
   std::size_t stored_ = 0;             // rows of the store that the view has taken in
   std::int64_t visibleRows_ = 0;
+  std::uint64_t changes_ = 0;
   Row addedRow_ = kNoRow;
   RowFilter filter_;
   RowOrder order_;

@@ -128,6 +128,10 @@ void Row::requireReadable() const {
 
 std::size_t Row::positionOf(const ColumnKey& column) const {
   requireReadable();
+  return columnOf(column);
+}
+
+std::size_t Row::columnOf(const ColumnKey& column) const {
   const RecordsetSchema& schema = set_->schema();
   if (column.isName()) return schema.require(column.name(), kSource);
   const std::int32_t position = column.position();
@@ -153,6 +157,19 @@ bool Row::isNull(const ColumnKey& column) const {
 Variant Row::bookmark() const {
   requireReadable();
   return static_cast<double>(row_) + 1.0;
+}
+
+std::int32_t Row::status() const {
+  openedStill(*set_, opening_);
+  return set_->edit.status(row_);
+}
+
+Variant Row::originalValue(const ColumnKey& column) const {
+  return openedStill(*set_, opening_).baseValue(row_, columnOf(column));
+}
+
+Variant Row::underlyingValue(const ColumnKey& column) const {
+  return openedStill(*set_, opening_).underlyingValue(row_, columnOf(column));
 }
 
 template <typename As>

@@ -84,6 +84,16 @@ class TAVELOR_API Row final {
   /// For Recordset::Bookmark, to go to the row.
   Variant bookmark() const;
 
+  // ---- What is done to it. These are told of a deleted row too.
+
+  /// Bits of record_status.
+  std::int32_t status() const;
+  /// As it was read from the database, before any edit; Null in a new row.
+  Variant originalValue(const ColumnKey& column) const;
+  /// What the database held when it was last looked at, as Field::UnderlyingValue; Null in a new
+  /// row.
+  Variant underlyingValue(const ColumnKey& column) const;
+
  private:
   friend class RowIterator;
   friend class Recordset;
@@ -91,6 +101,8 @@ class TAVELOR_API Row final {
       : set_(&set), row_(row), opening_(opening) {}
 
   void requireReadable() const;
+  /// Whether the row is deleted or not.
+  std::size_t columnOf(const ColumnKey& column) const;
   std::size_t positionOf(const ColumnKey& column) const;
   Variant valueAt(std::size_t position) const;
   template <typename As>
