@@ -12,7 +12,7 @@ PyObject* seed(PyObject* self, PyObject* none);
 PyObject* setIssuer(PyObject* self, PyObject* arguments);
 PyObject* openTills(PyObject* self, PyObject* tills);
 /// The number of the ticket, or None for a sale that was there.
-PyObject* sell(PyObject* self, PyObject* sale);
+PyObject* sell(PyObject* self, PyObject* object);
 /// price(article, customer, quantity, tariff, family, day or None): (price, discount, tax,
 /// surcharge)
 PyObject* price(PyObject* self, PyObject* arguments);
