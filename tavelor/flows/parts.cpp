@@ -81,6 +81,16 @@ std::vector<std::string> faultsOfParts(const Sale& sale, Known& known) {
   return faults;
 }
 
+double handedOver(const Sale& sale, Known& known) {
+  if (sale.parts.empty()) return sale.delivered;
+  double sum = sale.delivered;
+  for (const PaymentPart& part : sale.parts) {
+    const PaymentMethod* const method = known.payment(part.payment);
+    if (method != nullptr && !method->isCash) sum += part.amount;
+  }
+  return cents(sum);
+}
+
 bool areSame(const std::vector<PaymentPart>& some, const std::vector<PaymentPart>& others) {
   if (some.size() != others.size()) return false;
   return std::all_of(some.begin(), some.end(), [&](const PaymentPart& each) {

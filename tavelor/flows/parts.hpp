@@ -18,6 +18,8 @@ using PaymentSums = std::vector<std::pair<std::string, double>>;
 
 /// What is wrong with the parts of a sale; nothing for one that has none.
 std::vector<std::string> faultsOfParts(const Sale& sale, Known& known);
+/// What was handed over in all ways: Sale::delivered, and of parts those that are no cash.
+double handedOver(const Sale& sale, Known& known);
 /// In whatever order, to the cent.
 bool areSame(const std::vector<PaymentPart>& some, const std::vector<PaymentPart>& others);
 

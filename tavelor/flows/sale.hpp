@@ -79,7 +79,7 @@ struct Sale {
   /// twice, and `payment`, which the ticket bears, is that of one of them. None: all by `payment`.
   std::vector<PaymentPart> parts = {};
   double delivered = 0;   ///< euros handed over; less than the total counts as the total, and what
-                          ///< is sold on credit takes none
+                          ///< is sold on credit takes none. Of parts, what was given in cash
   std::string comment;
   /// Somebody answers for it: sold on credit whatever the customer owes, blocked and out of use
   /// too.

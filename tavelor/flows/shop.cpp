@@ -289,7 +289,7 @@ void Shop::Inner::writeTicket(const Sale& sale, double ticket, bool onCredit) {
   const double total = sale.total();
   // Who hands over no more than the price, or gets money back, gets no change; who pays later hands
   // over nothing.
-  const double paid = total < 0 ? total : std::max(sale.delivered, total);
+  const double paid = total < 0 ? total : std::max(handedOver(sale, known_), total);
   const double delivered = onCredit ? 0 : paid;
   set("Ticket", ticket);
   set("Serie", kSeries);

@@ -42,6 +42,8 @@ void readRow(TicketRow& ticket, const Rows& rows) {
   ticket.payment = rows.text("Forma_Pago");
   ticket.total = rows.number("Total");
   ticket.closing = rows.number("Cierre");
+  ticket.delivered = rows.number("Entrega");
+  ticket.change = rows.number("Cambio");
 }
 
 void readComments(Ticket& ticket, Statement::Constant table, const ConnectionPtr& documents) {
@@ -111,8 +113,6 @@ std::optional<Ticket> findTicket(double number) {
     if (!row.hasRow()) continue;
     Ticket ticket;
     readRow(ticket, row);
-    ticket.delivered = row.number("Entrega");
-    ticket.change = row.number("Cambio");
     ticket.returnOf = returnedBy(ticket.reference);
     readComments(ticket, table, documents);
     const Sale sale = findSale(number, main, documents).value_or(Sale());

@@ -24,6 +24,8 @@ struct TicketRow {
   std::string payment;  ///< code; see Sale::parts
   double total = 0;     ///< euros
   double closing = 0;   ///< that took it; 0 for none yet
+  double delivered = 0;  ///< euros handed over
+  double change = 0;     ///< euros
 };
 
 /// A line of a ticket.
@@ -36,8 +38,6 @@ struct TicketLine {
 struct Ticket : TicketRow {
   std::vector<TicketLine> lines;
   std::vector<PaymentPart> parts;  ///< none unless it was paid in several ways
-  double delivered = 0;            ///< handed over
-  double change = 0;
   std::vector<std::string> comments;
   std::vector<double> returns;       ///< numbers of the tickets by which it came back, in order
   std::optional<double> returnOf{};  ///< the ticket that it brings back

@@ -80,6 +80,14 @@ TEST_F(PartsTest, AreStoredBesideTheTicketAndSplitTheClosing) {
   EXPECT_THAT(texts(findTicket(1)->parts), ElementsAre("1:2000", "2:3000")) << "in history too";
 }
 
+TEST_F(PartsTest, ChangeIsGivenOfTheCashThatWasHandedOver) {
+  Sale sale = mixedSale("M1");
+  sale.delivered = 25;
+  shop_.sell(sale);
+  EXPECT_EQ(findTicket(1)->delivered, 55);
+  EXPECT_EQ(findTicket(1)->change, 5);
+}
+
 TEST_F(PartsTest, AClosingWithThemReconciles) {
   const std::vector<Sale> sales = {mixedSale("M1"), saleOf("V1"), mixedSale("M2")};
   for (const Sale& sale : sales) shop_.sell(sale);
