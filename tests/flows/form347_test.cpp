@@ -93,7 +93,7 @@ TEST_F(Form347Test, CountsTheCashOfWhatWasPaidInParts) {
   sell("C1", Date::of(2026, 5, 1), 100, "1");
   EXPECT_EQ(yearOfTrade(2026).form.declared.front().cash, 259'900);
   keepRecords();
-  sell("C1", Date::of(2026, 11, 5), 1000, "2", fiscal::Form::kInvoice, {{"1", 300}, {"2", 700}});
+  sell("C1", kDay, 1000, "2", fiscal::Form::kInvoice, {{"1", 300}, {"2", 700}});
   EXPECT_EQ(yearOfTrade(2026).form.declared.front().cash, 289'900);
 }
 
