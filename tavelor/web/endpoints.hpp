@@ -6,11 +6,13 @@ namespace tavelor::web {
 
 class Routes;
 
+void addSession(Routes& routes);
 void addHealth(Routes& routes);
 void addEvents(Routes& routes);
 
 /// All of them.
 inline void addEndpoints(Routes& routes) {
+  addSession(routes);
   addHealth(routes);
   addEvents(routes);
 }
