@@ -163,7 +163,10 @@ ContentInvoice invoiceOf(const fiscal::Registration& record, const fiscal::Book&
 class TicketReader {
  public:
   TicketReader(double number, Statement::Constant history, ConnectionPtr documents)
-      : ticket_(number), number_(sqlNumber(number, 0)), history_(history), documents_(std::move(documents)) {}
+      : ticket_(number),
+        number_(sqlNumber(number, 0)),
+        history_(history),
+        documents_(std::move(documents)) {}
 
   /// False where the ticket is not there.
   bool read(ReceiptContent& content) {

@@ -78,8 +78,8 @@ struct Sale {
   /// Where it is paid in several ways: they add up to the total, none is on credit, no method comes
   /// twice, and `payment`, which the ticket bears, is that of one of them. None: all by `payment`.
   std::vector<PaymentPart> parts = {};
-  double delivered = 0;   ///< euros handed over; less than the total counts as the total, and what
-                          ///< is sold on credit takes none. Of parts, what was given in cash
+  double delivered = 0;  ///< euros handed over; less than the total counts as the total, and what
+                         ///< is sold on credit takes none. Of parts, what was given in cash
   std::string comment;
   /// Somebody answers for it: sold on credit whatever the customer owes, blocked and out of use
   /// too.
@@ -123,8 +123,7 @@ struct SaleFault {
 class RefusedSale final : public Error {
  public:
   /// Of the sale with that reference.
-  RefusedSale(const std::string& reference, std::vector<SaleFault> faults,
-              bool isConflict = false);
+  RefusedSale(const std::string& reference, std::vector<SaleFault> faults, bool isConflict = false);
   /// In the order of the lines, the sale as such first.
   const std::vector<SaleFault>& faults() const { return faults_; }
   /// Whether nothing is wrong with it but that another one is there by its name.

@@ -21,9 +21,9 @@ struct TicketRow {
   std::string till;
   std::string customer;
   std::string name;
-  std::string payment;  ///< code; see Sale::parts
-  double total = 0;     ///< euros
-  double closing = 0;   ///< that took it; 0 for none yet
+  std::string payment;   ///< code; see Sale::parts
+  double total = 0;      ///< euros
+  double closing = 0;    ///< that took it; 0 for none yet
   double delivered = 0;  ///< euros handed over
   double change = 0;     ///< euros
 };

@@ -195,5 +195,20 @@ TEST_F(ClosingsTest, OfTwoReturnsAtOnceTheSameIsMadeOnce) {
   EXPECT_EQ(listTickets({}).total, 2U);
 }
 
+using ClosingLivesTest = LivesTest;
+
+TEST_F(ClosingLivesTest, ADeathInAClosingTakesItsCountBackToo) {
+  TAVELOR_ONLY_IN_FILES("a program dies between the commits of two files, and a server has one");
+  live([] { Shop().sell(saleOf("V1")); });
+  loseIn("documents.db", [](Shop& shop) { shop.close("01", kDay, {.counted = 1}); });
+  live([&] {
+    Shop shop;
+    EXPECT_EQ(shop.close("01", kDay, {.counted = 1.38})->number, 1);
+    EXPECT_DOUBLE_EQ(findClosing(1)->count->counted, 1.38);
+    EXPECT_DOUBLE_EQ(findClosing(1)->count->difference, 0);
+    EXPECT_THAT(differences({saleOf("V1")}), ::testing::IsEmpty());
+  });
+}
+
 }  // namespace
 }  // namespace tavelor::flows
