@@ -44,9 +44,10 @@ export function ClosingDialog({ close }: { close: () => void }) {
   const [fault, setFault] = useState("");
   const [done, setDone] = useState<Closing | null>(null);
   const isSending = useRef(false);
-  useEffect(() => {
+  const load = () => {
     get<Day>(`${at`/tills/${till.get()}/day`}${query({ day })}`).then(setFigures).catch(complain);
-  }, []);
+  };
+  useEffect(load, []);
 
   const hasPieces = Object.values(pieces).some((text) => text !== "");
   const ofPieces = kPieces.reduce((all, piece) => all + piece * BigInt(/^\d{1,6}$/.test(pieces[String(piece)] ?? "") ? pieces[String(piece)]! : "0"), 0n);
@@ -61,10 +62,11 @@ export function ClosingDialog({ close }: { close: () => void }) {
     if (counted === undefined || counted < 0n) return setFault(t("notANumber"));
     isSending.current = true;
     try {
-      setDone(await post<Closing>("/closings", { till: till.get(), day, counted: toNumber(toCents(counted)) }));
+      setDone(await post<Closing>("/closings", { till: till.get(), day, counted: toNumber(toCents(counted)), tickets: figures?.tickets }));
     } catch (error) {
       if (error instanceof RequestError && error.isAway) setFault(t("pending"));
       else if (error instanceof RequestError && error.status !== 401) setFault(error.message);
+      if (error instanceof RequestError && error.status === 409) load(); // tickets came after the count
       complain(error);
     } finally {
       isSending.current = false;

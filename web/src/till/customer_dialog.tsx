@@ -25,6 +25,7 @@ export function CustomerDialog({ close }: { close: () => void }) {
   const [chosen, setChosen] = useState(0);
   const [answered, setAnswered] = useState("");
   const [account, setAccount] = useState<Account | null>(null);
+  const [tariff, setTariff] = useState("");
   const customer = found[chosen];
 
   useEffect(() => {
@@ -52,8 +53,11 @@ export function CustomerDialog({ close }: { close: () => void }) {
     setAccount(null);
     if (!customer) return undefined;
     const abort = new AbortController();
-    get<{ account: Account }>(at`/customers/${customer.code}`, abort.signal)
-      .then((answer) => setAccount(answer.account))
+    get<{ customer: Customer; account: Account }>(at`/customers/${customer.code}`, abort.signal)
+      .then((answer) => {
+        setAccount(answer.account);
+        setTariff(answer.customer.tariff ?? "");
+      })
       .catch((error: unknown) => abort.signal.aborted || complain(error));
     return () => abort.abort();
   }, [customer?.code]);
@@ -71,7 +75,7 @@ export function CustomerDialog({ close }: { close: () => void }) {
     setChosen(next);
     document.getElementById(`customer-${next}`)?.scrollIntoView({ block: "nearest" });
   };
-  const tariff = (code?: string) => session.get().tariffs.find((each) => each.code === code)?.name ?? code ?? "";
+  const tariffName = session.get().tariffs.find((each) => each.code === tariff)?.name ?? tariff;
 
   return (
     <Dialog title={t("customerTitle")} close={close} closeText={t("cancel")}>
@@ -96,7 +100,7 @@ export function CustomerDialog({ close }: { close: () => void }) {
         {found.length === 0 && answered !== "" && answered === text.trim() && <p class="note">{t("nobodyFound", { text: answered })}</p>}
         {customer && (
           <section class="note" aria-live="polite" aria-label={t("account")}>
-            <p><b>{customer.name}</b> {customer.fiscalNumber} · {t("tariff", { tariff: tariff(customer.tariff) })}</p>
+            <p><b>{customer.name}</b> {customer.fiscalNumber}{account && tariffName !== "" ? ` · ${t("tariff", { tariff: tariffName })}` : ""}</p>
             {account && <p>{t("balance")} {money(fromNumber(account.balance))} · {t("limit")} {account.limit === null ? t("noLimit") : money(fromNumber(account.limit))}</p>}
             {account?.blocked && <p class="fault">{t("blocked")}</p>}
             {account && !account.active && <p class="fault">{t("inactive")}</p>}

@@ -5,7 +5,7 @@ import { at, get, post, RequestError } from "../shared/api.ts";
 import { Dialog } from "../shared/dialog.tsx";
 import { fromNumber, toNumber } from "../shared/money.ts";
 import { useStore } from "../shared/store.ts";
-import { draft } from "./draft.ts";
+import { draft, written } from "./draft.ts";
 import { type Customer, type Draft, kEmpty, type Line } from "./sale.ts";
 import { complain, say, startAnew, till } from "./state.ts";
 import { t } from "./texts.ts";
@@ -27,10 +27,13 @@ interface HeldEntry {
   time?: string;
 }
 
+// The one that was asked for last. Its answer may have been lost: whoever took it may ask again.
+const kTaking = "tavelor.taking";
+
 const kNumbers = ["quantity", "price", "discount", "tax", "surcharge"] as const;
 
-const asHeld = (line: Line): HeldLine => ({ ...line, ...Object.fromEntries(kNumbers.map((name) => [name, toNumber(line[name])])) }) as HeldLine;
-const asLine = (line: HeldLine): Line => ({ ...line, ...Object.fromEntries(kNumbers.map((name) => [name, fromNumber(line[name])])) }) as Line;
+const asHeld = (line: Line): HeldLine => ({ ...line, ...Object.fromEntries(kNumbers.map((name) => [name, toNumber(line[name])])) }) as unknown as HeldLine;
+const asLine = (line: HeldLine): Line => ({ ...line, ...Object.fromEntries(kNumbers.map((name) => [name, fromNumber(line[name])])) }) as unknown as Line;
 
 export function HoldDialog({ close }: { close: () => void }) {
   const { customer } = useStore(draft);
@@ -71,7 +74,11 @@ export function HoldDialog({ close }: { close: () => void }) {
 export function HeldDialog({ close }: { close: () => void }) {
   const [entries, setEntries] = useState<HeldEntry[] | null>(null);
   const isTaking = useRef(false);
-  const load = () => get<{ held: HeldEntry[] }>("/held").then(({ held }) => setEntries(held)).catch(complain);
+  const load = () => get<{ held: HeldEntry[] }>("/held").then(({ held }) => {
+    const taking = localStorage.getItem(kTaking);
+    const isLost = taking !== null && !held.some(({ id }) => String(id) === taking);
+    setEntries(isLost ? [{ id: taking, label: t("lostTake"), till: "" }, ...held] : held);
+  }).catch(complain);
   useEffect(() => void load(), []);
   const take = async (entry: HeldEntry) => {
     if (isTaking.current) return;
@@ -80,14 +87,18 @@ export function HeldDialog({ close }: { close: () => void }) {
       return;
     }
     isTaking.current = true;
+    localStorage.setItem(kTaking, String(entry.id));
     try {
       const sale = await post<HeldSale>(at`/held/${entry.id}/take`, {});
       const back: Draft = { ...kEmpty, key: sale.key, customer: sale.customerData ?? null, comment: sale.comment ?? "", lines: sale.lines.map(asLine) };
       startAnew(back);
+      await written();
+      localStorage.removeItem(kTaking);
       close();
     } catch (error) {
       isTaking.current = false;
       if (error instanceof RequestError && (error.status === 409 || error.status === 404)) {
+        localStorage.removeItem(kTaking);
         say(t("heldGone"), "bad");
         await load();
       } else {

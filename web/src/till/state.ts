@@ -84,7 +84,7 @@ export async function scan(text: string): Promise<{ article: Article; quantity?:
 }
 
 // Which prices are asked for: those of the shop change with the customer, and not with the quantity.
-const question = (of: Draft): string => JSON.stringify([till.get(), of.customer?.code ?? "", of.customer?.tariff ?? "",
+const question = (of: Draft): string => JSON.stringify([till.get(), of.customer?.code ?? "",
   of.lines.map((line) => ({ ...asQuestion(line), quantity: 1 }))]);
 let answered = "";
 let isAsking = false;

@@ -79,6 +79,7 @@ export const en: Record<keyof typeof es, string> = {
   nobodyFound: "Nobody with “{text}”",
   heldTitle: "Held sales",
   heldLabel: "A name to find it by",
+  lostTake: "The last one, whose answer was lost",
   noHeld: "Nothing is held",
   take: "Take back",
   heldDone: "Held: {label}",

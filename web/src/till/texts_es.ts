@@ -78,6 +78,7 @@ export const es = {
   nobodyFound: "Nadie con «{text}»",
   heldTitle: "Ventas aparcadas",
   heldLabel: "Nombre para encontrarla",
+  lostTake: "La última, cuya respuesta se perdió",
   noHeld: "No hay ventas aparcadas",
   take: "Recuperar",
   heldDone: "Aparcada: {label}",
