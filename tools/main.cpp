@@ -74,6 +74,9 @@ void addCommands(CLI::App& app, Common& common) {
   addFind(app, common);
   addStock(app, common);
   addFiscal(app, common);
+  addServe(app, common);
+  addPin(app, common);
+  addKey(app, common);
   addSql(app, common);
   addImport(app, common);
   addTrace(app, common);

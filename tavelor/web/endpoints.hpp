@@ -6,6 +6,8 @@ namespace tavelor::web {
 
 class Routes;
 
+void addPages(Routes& routes);
+void addSession(Routes& routes);
 void addHealth(Routes& routes);
 void addEvents(Routes& routes);
 void addTillSearch(Routes& routes);
@@ -17,6 +19,8 @@ void addTillClosings(Routes& routes);
 
 /// All of them.
 inline void addEndpoints(Routes& routes) {
+  addPages(routes);
+  addSession(routes);
   addHealth(routes);
   addEvents(routes);
   addTillSearch(routes);
