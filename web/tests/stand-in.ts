@@ -13,7 +13,7 @@ const articles = [
   { code: "PAN001", description: "Barra de pan", price: 1.1, tax: 4, family: "PAN", stock: 40 },
   { code: "LEC001", description: "Leche entera 1 l", price: 0.95, tax: 4, family: "LAC", stock: 12 },
   { code: "QUE001", description: "Queso curado de oveja", price: 18.4, tax: 4, family: "LAC", stock: 3.25 },
-  { code: "VIN001", description: "Vino tinto <b>crianza</b> & roble", price: 6.75, tax: 21, family: "BEB", stock: 24 },
+  { code: "VIN001", description: "Vino tinto crianza", price: 6.75, tax: 21, family: "BEB", stock: 24 },
   { code: "8410000000017", description: "Aceite de oliva virgen extra, botella de 75 cl", price: 9.9, tax: 4, family: "ACE", stock: 8 },
 ];
 const customers = [{ code: "00001", name: "Bar Núñez <img src=x onerror=alert(1)>", place: "Reus", fiscalNumber: "12345678Z", phone: "977000000", tariff: "A" }];
@@ -47,7 +47,7 @@ function api(method: string, url: URL, body: Record<string, unknown>): [number, 
   const path = url.pathname.replace("/api/v1", "");
   const words = (url.searchParams.get("q") ?? "").toLowerCase().split(" ");
   if (path === "/session") {
-    if (method === "POST" && body.pin !== "1234") return [401, { error: { kind: "signedOut", message: "", left: 3 } }];
+    if (method === "POST" && body.pin !== "4711") return [401, { error: { kind: "signedOut", message: "", left: 3 } }];
     if (method !== "GET") signedIn = method === "POST";
     return [200, session()];
   }
