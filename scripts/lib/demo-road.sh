@@ -112,3 +112,8 @@ tavelor browse ClsCierres --columns Código,Caja,Total,Saldo --trace
 
 tell "Each ticket has its record, and each record the one before it: nothing was changed, and nothing is missing."
 tavelor fiscal check
+
+tell "The till and the office in a browser: employee 1 signs in with 1234."
+tavelor edit ClsEmpleados --add "Nombre=Marta Gil" Activo=Verdadero >/dev/null
+printf '1234\n' | tavelor pin 1 --role owner
+say "Open the shop: $program serve $TAVELOR_HOME, then http://127.0.0.1:8080/till"

@@ -1,0 +1,3 @@
+// SPDX-License-Identifier: MIT
+// What the builder takes besides scripts.
+declare module "*.css";
