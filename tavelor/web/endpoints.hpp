@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+// Every endpoint there is, by the file that has it.
+#pragma once
+
+namespace tavelor::web {
+
+class Routes;
+
+void addHealth(Routes& routes);
+void addEvents(Routes& routes);
+
+/// All of them.
+inline void addEndpoints(Routes& routes) {
+  addHealth(routes);
+  addEvents(routes);
+}
+
+}  // namespace tavelor::web
