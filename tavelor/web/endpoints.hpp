@@ -8,11 +8,19 @@ class Routes;
 
 void addHealth(Routes& routes);
 void addEvents(Routes& routes);
+void addClasses(Routes& routes);
+void addArticles(Routes& routes);
+void addPartners(Routes& routes);
+void addOpenApi(Routes& routes);
 
 /// All of them.
 inline void addEndpoints(Routes& routes) {
   addHealth(routes);
   addEvents(routes);
+  addClasses(routes);
+  addArticles(routes);
+  addPartners(routes);
+  addOpenApi(routes);
 }
 
 }  // namespace tavelor::web
