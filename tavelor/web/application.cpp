@@ -69,7 +69,7 @@ Answer Application::handled(const Request& request, Worker& worker, const Authen
       failure.headers = {{"Allow", allowText(match)}};
       throw failure;
     }
-    const Caller caller = who(request);
+    const Caller caller = who(request, *match.route);
     told.who = caller.code;
     Context context(*this, worker, request, std::move(target), match, caller);
     return run(context, match, caller);
@@ -86,7 +86,9 @@ Answer Application::answer(const Request& request, Worker& worker) {
 }
 
 Answer Application::answer(const Request& request, Worker& worker, Told& told) {
-  const auto who = [](const Request& asked) { return callerOf(asked); };
+  const auto who = [](const Request& asked, const Route& route) {
+    return callerOf(asked, route.right != Right::kAnyone);
+  };
   Answer made = handled(request, worker, who, told);
   addHeaders(made, request);
   return made;
@@ -95,7 +97,7 @@ Answer Application::answer(const Request& request, Worker& worker, Told& told) {
 Answer Application::answerFor(const Request& request, Worker& worker, const Caller& caller) {
   Told told;
   Answer made = handled(
-      request, worker, [&](const Request&) { return caller; }, told);
+      request, worker, [&](const Request&, const Route&) { return caller; }, told);
   addHeaders(made, request);
   return made;
 }

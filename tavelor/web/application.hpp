@@ -11,6 +11,7 @@
 
 #include "tavelor/web/events.hpp"
 #include "tavelor/web/message.hpp"
+#include "tavelor/web/rate_limit.hpp"
 #include "tavelor/web/rights.hpp"
 #include "tavelor/web/routes.hpp"
 
@@ -54,18 +55,20 @@ class Application {
 
   const Routes& routes() const { return routes_; }
   Events& events() { return events_; }
+  RateLimit& signIns() { return signIns_; }
   const ApplicationOptions& options() const { return options_; }
-  Installation& installation() { return *installation_; }
+  const std::shared_ptr<Installation>& installation() { return installation_; }
   std::chrono::steady_clock::time_point since() const { return since_; }
 
  private:
-  using Authentication = std::function<Caller(const Request&)>;
+  using Authentication = std::function<Caller(const Request&, const Route&)>;
   Answer handled(const Request& request, Worker& worker, const Authentication& who, Told& told);
 
   std::shared_ptr<Installation> installation_;
   ApplicationOptions options_;
   Routes routes_;
   Events events_;
+  RateLimit signIns_{0.5, 30};  ///< a shop full of tills signs in at once, and then for long not
   std::chrono::steady_clock::time_point since_ = std::chrono::steady_clock::now();
 };
 

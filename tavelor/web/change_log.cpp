@@ -9,12 +9,12 @@
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/recordset/connection.hpp"
 #include "tavelor/web/context.hpp"
+#include "tavelor/web/transaction.hpp"
 
 namespace tavelor::web {
 
 namespace {
 
-constexpr int kMain = 1;
 constexpr std::size_t kWidth = 255;  // of each text of the table but the shorter ones
 
 }  // namespace

@@ -6,6 +6,7 @@ namespace tavelor::web {
 
 class Routes;
 
+void addSession(Routes& routes);
 void addHealth(Routes& routes);
 void addEvents(Routes& routes);
 void addClasses(Routes& routes);
@@ -15,6 +16,7 @@ void addOpenApi(Routes& routes);
 
 /// All of them.
 inline void addEndpoints(Routes& routes) {
+  addSession(routes);
   addHealth(routes);
   addEvents(routes);
   addClasses(routes);

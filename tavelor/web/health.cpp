@@ -10,12 +10,11 @@
 #include "tavelor/web/application.hpp"
 #include "tavelor/web/context.hpp"
 #include "tavelor/web/endpoints.hpp"
+#include "tavelor/web/transaction.hpp"
 
 namespace tavelor::web {
 
 namespace {
-
-constexpr int kMain = 1;
 
 Answer health(Context& context) {
   Application& application = context.application();
@@ -27,7 +26,7 @@ Answer health(Context& context) {
       std::chrono::steady_clock::now() - application.since());
   return answer({{"status", "ok"},
                  {"version", TAVELOR_VERSION},
-                 {"engine", application.installation().database(kMain).engine},
+                 {"engine", application.installation()->database(kMain).engine},
                  {"workers", application.options().workers},
                  {"uptime", uptime.count()}});
 }
