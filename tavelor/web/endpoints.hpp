@@ -6,6 +6,7 @@ namespace tavelor::web {
 
 class Routes;
 
+void addPages(Routes& routes);
 void addSession(Routes& routes);
 void addHealth(Routes& routes);
 void addEvents(Routes& routes);
@@ -16,6 +17,7 @@ void addOpenApi(Routes& routes);
 
 /// All of them.
 inline void addEndpoints(Routes& routes) {
+  addPages(routes);
   addSession(routes);
   addHealth(routes);
   addEvents(routes);

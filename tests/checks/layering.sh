@@ -53,8 +53,8 @@ own_files 'tavelor/*.hpp' 'tavelor/*.cpp' | xargs -r -d '\n' grep -Hn '^ *# *inc
           complain("only tavelor/services/postgres may include <" header ">")
         if (header ~ /^curl/ && file !~ /^tavelor\/sending\//)
           complain("only tavelor/sending may include <" header ">")
-        if (header ~ /^boost\// && file !~ /^tavelor\/web\/server.cpp$/)
-          complain("only tavelor/web/server.cpp may include <" header ">")
+        if (header ~ /^boost\// && file !~ /^tavelor\/web\/line.hpp$/)
+          complain("only tavelor/web/line.hpp may include <" header ">")
         if (header ~ /^nlohmann\// && file !~ /^tavelor\/web\//)
           complain("only tavelor/web may include <" header ">")
         next
