@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// /customers/{code} and /suppliers: partners with what belongs to them.
+// /customers/{code}/details and /suppliers: partners with what belongs to them.
 #include <fmt/format.h>
 
 #include "tavelor/customers/clientes.hpp"
@@ -30,12 +30,9 @@ constexpr std::string_view kAccountSchema = R"json({
     "opening": {"type": "number"}, "debit": {"type": "number"}, "credit": {"type": "number"},
     "balance": {"type": "number"}}})json";
 constexpr std::string_view kCustomerSchema = R"json({
-  "type": "object", "required": ["customer", "account"],
+  "type": "object", "required": ["customer", "addresses", "contacts"],
   "properties": {
     "customer": {"$ref": "#/components/schemas/Values"},
-    "account": {"type": "object", "properties": {
-      "balance": {"type": "number"}, "limit": {"type": ["number", "null"]},
-      "blocked": {"type": "boolean"}, "active": {"type": "boolean"}}},
     "addresses": {"type": "array", "items": {"$ref": "#/components/schemas/Values"}},
     "contacts": {"type": "array", "items": {"$ref": "#/components/schemas/Values"}},
     "centres": {"type": "array", "items": {"$ref": "#/components/schemas/Values"}},
@@ -72,21 +69,14 @@ bool isSet(const Json& row, std::string_view column) {
 
 /// 2 is there, and not to be had.
 bool isActive(const Json& row) {
-  return isSet(row, "Activo") && row["Activo"] != 2;
+  return isSet(row, "Activo") && row.at("Activo") != 2;
 }
 
 Answer customerPage(Context& context) {
   mustWithClass(context, ClsClientes::component(), "read");
   const std::string& code = context.path("code");
   Json customer = rowByCode("Clientes", code, "customer");
-  const Json account = accountOf(flows::LedgerOf::kCustomers, code);
-  const auto limit = customer.find("Riesgo");
-  Json page = {{"account",
-                {{"balance", account.is_null() ? Json(0) : account["balance"]},
-                 {"limit", limit == customer.end() ? Json(nullptr) : *limit},
-                 {"blocked", isSet(customer, "Bloqueo")},
-                 {"active", isActive(customer)}}},
-               {"addresses", rowsOfOwner("Clientes_Direcciones", code, "Codigo", "ID")},
+  Json page = {{"addresses", rowsOfOwner("Clientes_Direcciones", code, "Codigo", "ID")},
                {"contacts", rowsOfOwner("Clientes_Colaboradores", code, "Codigo", "Id")},
                {"centres", rowsOfOwner("Clientes_Centros", code, "Codigo", "ID")},
                {"prices", rowsOfOwner("Articulos_Precios_Ventas", code, "Cliente", "Id")},
@@ -166,13 +156,13 @@ Answer findSuppliers(Context& context) {
   Json found = Json::array();
   for (const Json& row : rowsOf(select)) {
     if (static_cast<std::int64_t>(found.size()) == most) break;
-    const Json& name = row["Razon_Social"];
+    const Json& name = row.at("Razon_Social");
     const bool isUnnamed = name.is_null() || name == "";
-    found.push_back({{"code", row["Codigo"]},
-                     {"name", isUnnamed ? row["Nombre"] : name},
-                     {"place", row["Poblacion"]},
-                     {"fiscalNumber", row["NIF"]},
-                     {"phone", row["Telefono"]}});
+    found.push_back({{"code", row.at("Codigo")},
+                     {"name", isUnnamed ? row.at("Nombre") : name},
+                     {"place", row.at("Poblacion")},
+                     {"fiscalNumber", row.at("NIF")},
+                     {"phone", row.at("Telefono")}});
   }
   return answer({{"suppliers", std::move(found)}});
 }
@@ -180,12 +170,9 @@ Answer findSuppliers(Context& context) {
 }  // namespace
 
 void addPartners(Routes& routes) {
-  routes.add(Method::kGet, "/api/v1/customers/{code}", Right::kSignedIn,
-             [](Context& context) {
-               if (!context.caller().may(Right::kOfficeRead)) context.must(Right::kTillSell);
-               return customerPage(context);
-             },
-             {.summary = "A customer with account, addresses, contacts, prices and comments",
+  routes.add(Method::kGet, "/api/v1/customers/{code}/details", Right::kOfficeRead, customerPage,
+             {.summary = "A customer's whole row, with addresses, contacts, centres, own prices and "
+                         "comments, by the names of the tables' columns",
               .answer = kCustomerSchema});
   routes.add(Method::kGet, "/api/v1/suppliers/search", Right::kOfficeRead, findSuppliers,
              {.summary = "Suppliers by words of their names, codes, fiscal numbers and places",
