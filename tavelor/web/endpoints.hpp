@@ -14,6 +14,12 @@ void addClasses(Routes& routes);
 void addArticles(Routes& routes);
 void addPartners(Routes& routes);
 void addOpenApi(Routes& routes);
+void addTillSearch(Routes& routes);
+void addTillCustomers(Routes& routes);
+void addTillSales(Routes& routes);
+void addTillHeld(Routes& routes);
+void addTillTickets(Routes& routes);
+void addTillClosings(Routes& routes);
 
 /// All of them.
 inline void addEndpoints(Routes& routes) {
@@ -25,6 +31,12 @@ inline void addEndpoints(Routes& routes) {
   addArticles(routes);
   addPartners(routes);
   addOpenApi(routes);
+  addTillSearch(routes);
+  addTillCustomers(routes);
+  addTillSales(routes);
+  addTillHeld(routes);
+  addTillTickets(routes);
+  addTillClosings(routes);
 }
 
 }  // namespace tavelor::web
