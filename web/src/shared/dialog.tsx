@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+// A window over the page, of the browser's own kind: it keeps the focus inside, and Escape closes it.
+import type { ComponentChildren } from "preact";
+import { useEffect, useId, useRef } from "preact/hooks";
+
+interface Properties {
+  title: string;
+  close?: () => void; // without it, it cannot be closed
+  closeText?: string;
+  className?: string;
+  footer?: ComponentChildren;
+  children: ComponentChildren;
+}
+
+export function Dialog({ title, close, closeText = "", className = "", footer, children }: Properties) {
+  const element = useRef<HTMLDialogElement>(null);
+  const heading = useId();
+  useEffect(() => {
+    const dialog = element.current;
+    const before = document.activeElement;
+    if (!dialog) return undefined;
+    dialog.showModal();
+    // The field that is meant; else the first one, which is the browser's choice.
+    dialog.querySelector<HTMLElement>("[data-first]")?.focus();
+    return () => {
+      dialog.close();
+      if (before instanceof HTMLElement && before.isConnected) before.focus();
+    };
+  }, []);
+  return (
+    <dialog ref={element} class={className} aria-labelledby={heading}
+      onCancel={(event) => {
+        event.preventDefault();
+        close?.();
+      }}>
+      <header>
+        <h1 id={heading}>{title}</h1>
+        {close && <button type="button" class="button" onClick={close}>{closeText} <kbd>Esc</kbd></button>}
+      </header>
+      <div class="stack body">{children}</div>
+      {footer && <footer>{footer}</footer>}
+    </dialog>
+  );
+}
