@@ -11,7 +11,7 @@ export interface Hour {
 
 // Of the drawing; the page stretches it.
 const kWidth = 720;
-const kHeight = 200;
+const kHeight = 180;
 const kFoot = 24;
 const kTop = 22;
 

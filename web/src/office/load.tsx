@@ -3,6 +3,7 @@
 import type { ComponentChildren } from "preact";
 import { useCallback, useEffect, useRef, useState } from "preact/hooks";
 import { get, RequestError } from "../shared/api.ts";
+import { noted } from "../shared/session.ts";
 import { t } from "./texts.ts";
 
 export interface Asked<Answer> {
@@ -23,6 +24,7 @@ export function useAsked<Answer>(path: string | undefined): Asked<Answer> {
       (value) => setState({ path, value }),
       (error: unknown) => {
         if (request.signal.aborted) return;
+        noted(error);
         setState((old) => (old.path === path && old.value !== undefined ? { ...old, error } : { path, error }));
       },
     );

@@ -3,7 +3,7 @@
 
 export type Value = string | number | boolean | null;
 export type Values = Record<string, Value>;
-export type ColumnType = "text" | "number" | "money" | "date" | "flag" | "memo" | "integer";
+export type ColumnType = "text" | "number" | "money" | "date" | "flag" | "memo" | "integer" | "binary";
 
 export interface Column {
   name: string;
@@ -12,33 +12,34 @@ export interface Column {
   size: number;
   nullable: boolean;
   key: boolean;
+  /** Only tells the row: it is read with it and not shown. */
+  hidden?: boolean;
+  writable?: boolean;
   decimals?: number;
 }
 
 export interface ClassLine {
   name: string;
   word: string;
-  table: string;
   title: string;
   modes: string[];
+  /** Those that look for a code. */
+  modesWithId?: string[];
+  hasRows?: boolean;
   canWrite: boolean;
-  count?: number;
+  /** Why its rows cannot be changed. */
+  whyNot?: string;
 }
 
-export interface ClassInfo {
-  name: string;
-  word: string;
-  title?: string;
-  modes: string[];
+/** With the columns and the view of one of its modes. */
+export interface ClassInfo extends ClassLine {
   columns: Column[];
-  canWrite?: boolean;
   view?: View;
 }
 
 export interface View {
   columns?: { name: string; visible: boolean; width: number }[];
   order?: { column: string; descending: boolean } | null;
-  filter?: string;
 }
 
 export interface RowsAnswer {
@@ -48,8 +49,11 @@ export interface RowsAnswer {
   offset: number;
 }
 
+/** What tells a record from all others: values by their columns, or in the order of the key. */
+export type Key = Values | Value[];
+
 export interface RecordAnswer {
-  key: Values;
+  key: Key;
   values: Values;
   columns?: Column[];
 }

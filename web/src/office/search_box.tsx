@@ -97,7 +97,7 @@ export function SearchBox({ classes }: { classes: ClassLine[] }) {
       if (!event.currentTarget.contains(event.relatedTarget as Node | null)) setOpen(false);
     }}>
       <input ref={box} class="input" type="search" autocomplete="off" value={text} placeholder={t("searchEverywhere")}
-             role="combobox" aria-label={t("searchEverywhere")} aria-expanded={isShown} aria-controls="search-hits"
+             role="combobox" list={undefined} aria-label={t("searchEverywhere")} aria-expanded={isShown} aria-controls="search-hits"
              aria-autocomplete="list" aria-activedescendant={isShown && hits.length > 0 ? `hit-${active}` : undefined}
              onInput={(event) => { setText(event.currentTarget.value); setOpen(true); }}
              onFocus={() => setOpen(true)} onKeyDown={pressed} />

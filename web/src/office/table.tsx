@@ -41,11 +41,11 @@ export function Table<Item>({ label, columns, items, empty, foot }: Props<Item>)
   );
 }
 
-/** A part of a page under a heading of its own. */
-export function Part({ title, children, side }: { title: string; children: ComponentChildren; side?: ComponentChildren }) {
+/** A part of a page under a heading of its own; that of the page itself where it is the first. */
+export function Part({ title, children, side, isFirst, isBroad }: { title: string; children: ComponentChildren; side?: ComponentChildren; isFirst?: boolean; isBroad?: boolean }) {
   return (
-    <section class="part" aria-label={title}>
-      <div class="row"><h2>{title}</h2><span class="gap" />{side}</div>
+    <section class={isBroad ? "part broad" : "part"}>
+      <div class="row">{isFirst ? <h1>{title}</h1> : <h2>{title}</h2>}<span class="gap" />{side}</div>
       {children}
     </section>
   );

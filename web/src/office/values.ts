@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
 // Values of columns as people read and type them.
-import { readDay, writtenDay } from "../shared/dates.ts";
+import { type DateOrder, readDay, writtenDay } from "../shared/dates.ts";
 import { fromNumber, read, toNumber, written, writtenMoney } from "../shared/money.ts";
 import type { Column, Value } from "./model.ts";
-import { session } from "./session.ts";
+import { session } from "../shared/session.ts";
 import { t } from "./texts.ts";
 
-export const money = (value: number): string => writtenMoney(fromNumber(value), session().locale);
-export const quantity = (value: number): string => written(fromNumber(value), session().locale);
-export const day = (value: string): string => writtenDay(value, session().locale.dateOrder);
+export const money = (value: number): string => writtenMoney(fromNumber(value), session.get().locale);
+export const quantity = (value: number): string => written(fromNumber(value), session.get().locale);
+export const day = (value: string): string => writtenDay(value, session.get().locale.dateOrder as DateOrder);
 /** What was typed as a day, or undefined. */
 export const typedDay = (text: string): string | undefined =>
-  readDay(text, session().today, session().locale.dateOrder);
+  readDay(text, session.get().today, session.get().locale.dateOrder as DateOrder);
 
 export const isNumeric = ({ type }: Column): boolean => type === "number" || type === "money" || type === "integer";
 
@@ -30,8 +30,8 @@ export function typed(value: Value, column: Column): string {
   if (column.type === "integer") return String(value);
   // What has more decimals, or more digits, than a typed number is shown as it is stored.
   const isExact = Math.abs(value) < 1e12 && toNumber(fromNumber(value)) === value;
-  if (!isExact) return String(value).replace(".", session().locale.decimal);
-  return written(fromNumber(value), session().locale, column.type === "money" ? 2 : 0);
+  if (!isExact) return String(value).replace(".", session.get().locale.decimal);
+  return written(fromNumber(value), session.get().locale, column.type === "money" ? 2 : 0);
 }
 
 export type Read = { value: Value } | { fault: string };
@@ -48,7 +48,7 @@ export function readValue(text: string, column: Column, before: Value): Read {
   if (text.trim() === "") return column.nullable ? { value: null } : { fault: t("mustNotBeEmpty") };
   if (column.type === "date") {
     const value = typedDay(text);
-    return value === undefined ? { fault: t("noDay", { example: day(session().today) }) } : { value };
+    return value === undefined ? { fault: t("noDay", { example: day(session.get().today) }) } : { value };
   }
   if (column.type === "integer") {
     const plain = text.trim();
@@ -56,7 +56,7 @@ export function readValue(text: string, column: Column, before: Value): Read {
     const value = Number(plain);
     return Math.abs(value) > 2_147_483_647 ? { fault: t("tooLarge") } : { value };
   }
-  const value = read(text, session().locale);
-  return value === undefined ? { fault: t("noNumber", { example: written(12_345_000n, session().locale, 2) }) }
+  const value = read(text, session.get().locale);
+  return value === undefined ? { fault: t("noNumber", { example: written(12_345_000n, session.get().locale, 2) }) }
     : { value: toNumber(value) };
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Somebody else has stored the record meanwhile: theirs and mine side by side, chosen field by field.
 import { useState } from "preact/hooks";
-import { Dialog } from "../dialog.tsx";
+import { Dialog } from "../../shared/dialog.tsx";
 import type { Column, Value, Values } from "../model.ts";
 import { t } from "../texts.ts";
 import { shown } from "../values.ts";
@@ -45,7 +45,7 @@ export function Conflict({ columns, before, mine, theirs, error, onClose, onStor
   );
 
   return (
-    <Dialog title={t("conflict")} onClose={onClose} isWide
+    <Dialog title={t("conflict")} close={onClose} closeText={t("close")} className="wide"
             footer={<>
               <button type="button" class="button" onClick={() => all("theirs")}>{t("allTheirs")}</button>
               <button type="button" class="button" onClick={() => all("mine")}>{t("allMine")}</button>

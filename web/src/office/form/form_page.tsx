@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The form of a record of any class: its fields are the columns that the server tells.
 import { useEffect, useMemo, useRef, useState } from "preact/hooks";
-import { ask, get, RequestError } from "../../shared/api.ts";
+import { ask, RequestError } from "../../shared/api.ts";
 import { listen } from "../../shared/events.ts";
-import { Dialog } from "../dialog.tsx";
+import { Dialog } from "../../shared/dialog.tsx";
 import { reasonOf, Show, Trouble, useAsked } from "../load.tsx";
-import type { ClassInfo, Column, RecordAnswer, Values } from "../model.ts";
+import type { ClassInfo, Column, Key, RecordAnswer, Values } from "../model.ts";
 import { classPath, recordPath } from "../paths.ts";
 import { askBeforeLeaving, go, href } from "../routes.ts";
-import { may } from "../session.ts";
 import { t } from "../texts.ts";
 import { formPage } from "../where.ts";
 import { readValue, typed } from "../values.ts";
@@ -30,10 +29,10 @@ export function FormPage({ name, keyText }: { name: string; keyText: string | un
   );
 }
 
-function keyOfText(text: string | undefined): Values | undefined {
+function keyOfText(text: string | undefined): Key | undefined {
   try {
     const key: unknown = JSON.parse(text ?? "");
-    return typeof key === "object" && key !== null ? (key as Values) : undefined;
+    return typeof key === "object" && key !== null ? (key as Key) : undefined;
   } catch {
     return undefined;
   }
@@ -52,7 +51,7 @@ interface Props {
 }
 
 function Form({ info, record, isNew, reread }: Props) {
-  const columns = record.columns ?? info.columns;
+  const columns = (record.columns ?? info.columns).filter(({ hidden, type }) => !hidden && type !== "binary");
   const [stored, setStored] = useState(record);
   const [flags, setFlags] = useState<Values>({});
   const [texts, setTexts] = useState<Texts>(() => textsOf(columns, record.values));
@@ -66,7 +65,7 @@ function Form({ info, record, isNew, reread }: Props) {
   const [wanted, setWanted] = useState("");
   const page = useRef<HTMLFormElement>(null);
   const { name } = info;
-  const canWrite = info.canWrite !== false && may("office.write");
+  const { canWrite } = info;
 
   function take(fresh: RecordAnswer): void {
     setStored(fresh);
@@ -184,13 +183,13 @@ function Form({ info, record, isNew, reread }: Props) {
   const few = wanted.trim().toLowerCase();
   const seen = columns.filter(({ label, name: column }) =>
     few === "" || label.toLowerCase().includes(few) || column.toLowerCase().includes(few));
-  const title = isNew ? t("newOf", { title: info.title ?? info.word })
+  const title = isNew ? t("newOf", { title: info.title })
     : Object.values(stored.key).map(String).join(" · ");
 
   return (
     <form class="form-page" ref={page} onKeyDown={pressed} noValidate onSubmit={(event) => { event.preventDefault(); if (canWrite) store(); }}>
       <div class="row form-head">
-        <p class="soft"><a href={href`/list/${name}`}>{info.title ?? info.word}</a></p>
+        <p class="soft"><a href={href`/list/${name}`}>{info.title}</a></p>
         <h1>{title}</h1>
         <span class="gap" />
         {columns.length > kManyFields && (
@@ -206,10 +205,10 @@ function Form({ info, record, isNew, reread }: Props) {
           <button type="button" class="button" onClick={reread}>{t("readAgain")}</button>
         </div>
       )}
-      {!canWrite && <p class="note">{t("onlyRead")}</p>}
+      {!canWrite && <p class="note">{t("onlyRead")} {info.whyNot}</p>}
       <div class="fields">
         {seen.map((column) => (
-          <Field key={column.name} column={column} text={texts[column.name] ?? ""} isReadOnly={!canWrite}
+          <Field key={column.name} column={column} text={texts[column.name] ?? ""} isReadOnly={!canWrite || (column.writable === false && !(isNew && column.key))}
                  flag={(flags[column.name] ?? stored.values[column.name] ?? null)} fault={faults[column.name]}
                  isChanged={column.name in pending.values || column.name in pending.wrong}
                  setText={(text) => { setTexts((old) => ({ ...old, [column.name]: text })); setNote(""); }}
@@ -228,7 +227,7 @@ function Form({ info, record, isNew, reread }: Props) {
         {canWrite && !isNew && <button type="button" class="button bad" disabled={isBusy} onClick={() => setAsking(true)}>{t("remove")}</button>}
       </div>
       {isAsking && (
-        <Dialog title={t("removeQuestion")} onClose={() => setAsking(false)}
+        <Dialog title={t("removeQuestion")} close={() => setAsking(false)} closeText={t("close")}
                 footer={<>
                   <button type="button" class="button" onClick={() => setAsking(false)}>{t("keep")}</button>
                   <button type="button" class="button bad" onClick={() => void remove()}>{t("remove")}</button>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Which columns a list shows, in which order and how wide.
-import { Dialog } from "../dialog.tsx";
+import { Dialog } from "../../shared/dialog.tsx";
 import { t } from "../texts.ts";
 import { kNarrowest } from "./grid.tsx";
 import type { ShownColumn } from "./view.ts";
@@ -23,7 +23,7 @@ export function ColumnChooser({ columns, setColumns, onUsual, onClose }: Props) 
   };
   const shownOnes = columns.filter(({ visible }) => visible).length;
   return (
-    <Dialog title={t("columns")} onClose={onClose}
+    <Dialog title={t("columns")} close={onClose} closeText={t("close")}
             footer={<>
               <button type="button" class="button" onClick={onUsual}>{t("usualColumns")}</button>
               <button type="button" class="button main" onClick={onClose}>{t("done")}</button>

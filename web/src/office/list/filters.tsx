@@ -39,7 +39,7 @@ interface Props {
   /** Which column is offered, and where the keyboard goes for it. */
   chosen: string;
   setChosen: (column: string) => void;
-  valueField: RefObject<HTMLInputElement>;
+  valueField: RefObject<HTMLInputElement | null>;
 }
 
 export function Filters({ columns, filters, setFilters, chosen, setChosen, valueField }: Props) {

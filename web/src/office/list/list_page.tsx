@@ -8,14 +8,13 @@ import { Show, Trouble, useAsked, useLater } from "../load.tsx";
 import type { ClassInfo, Column, RowsAnswer, View } from "../model.ts";
 import { classPath, keyOf } from "../paths.ts";
 import { go, href, tellAddress } from "../routes.ts";
-import { may } from "../session.ts";
 import { t } from "../texts.ts";
 import { recordPage } from "../where.ts";
 import { ColumnChooser } from "./columns.tsx";
 import { type Filter, filterOf, Filters, filterText } from "./filters.tsx";
 import { type Cell, Grid, type Order } from "./grid.tsx";
 import { RowStore } from "./row_store.ts";
-import { arranged, type ShownColumn, storeView, viewPath } from "./view.ts";
+import { arranged, type ShownColumn, storeView } from "./view.ts";
 
 const kWholeTable = "todos";
 
@@ -23,14 +22,9 @@ const kWholeTable = "todos";
 const placesLeft = new Map<string, Cell>();
 
 export function ListPage({ name, search }: { name: string; search: URLSearchParams }) {
-  const info = useAsked<ClassInfo>(classPath(name));
   const mode = search.get("mode") ?? kWholeTable;
-  const view = useAsked<View>(viewPath(name, mode));
-  return (
-    <Show asked={info}>
-      {(known) => <Show asked={view}>{(how) => <List key={`${name} ${mode}`} info={known} mode={mode} view={how} search={search} />}</Show>}
-    </Show>
-  );
+  const info = useAsked<ClassInfo>(`${classPath(name)}${query({ mode })}`);
+  return <Show asked={info}>{(known) => <List key={`${name} ${mode}`} info={known} mode={mode} search={search} />}</Show>;
 }
 
 function orderText(order: Order | undefined): string | undefined {
@@ -48,12 +42,11 @@ function orderOf(text: string | null, view: View): Order | undefined {
 interface Props {
   info: ClassInfo;
   mode: string;
-  view: View;
   search: URLSearchParams;
 }
 
-function List({ info, mode, view, search }: Props) {
-  const { name } = info;
+function List({ info, mode, search }: Props) {
+  const { name, title, view = {} } = info;
   const [id, setId] = useState(search.get("id") ?? "");
   const [order, setOrder] = useState(() => orderOf(search.get("order"), view));
   const [filters, setFilters] = useState(() => search.getAll("filter").flatMap((text) => filterOf(text) ?? []));
@@ -78,9 +71,9 @@ function List({ info, mode, view, search }: Props) {
   useEffect(() => { placesLeft.set(address, cell); }, [address, cell]);
 
   const store = useMemo(() => {
-    const asked = (offset: number, limit: number, signal: AbortSignal): Promise<RowsAnswer> => {
+    const asked = (offset: number, limit: number, signal: AbortSignal, isFresh: boolean): Promise<RowsAnswer> => {
       const narrowed = filters.map((filter) => `&${new URLSearchParams({ filter: filterText(filter) })}`).join("");
-      const rest = query({ mode, id: id || undefined, order: orderText(order), offset, limit });
+      const rest = query({ mode, id: id || undefined, order: orderText(order), offset, limit, fresh: isFresh ? "true" : undefined });
       return get<RowsAnswer>(`${classPath(name)}/rows${rest}${narrowed}`, signal);
     };
     return new RowStore(asked, () => drawAgain((old) => old + 1));
@@ -125,7 +118,7 @@ function List({ info, mode, view, search }: Props) {
   const narrow = (wanted: Filter[]): void => { setFilters(wanted); setCell({ row: 0, at: cell.at }); };
   const want = useCallback((first: number, last: number) => store.want(first, last), [store]);
   const visible = (columns ?? []).filter(({ visible: isShown }) => isShown);
-  const canAdd = info.canWrite !== false && may("office.write");
+  const canAdd = info.canWrite;
   const newAddress = href`/list/${name}/new`;
 
   function pressed(event: KeyboardEvent): void {
@@ -142,7 +135,7 @@ function List({ info, mode, view, search }: Props) {
   return (
     <section class="list-page" aria-labelledby="list-title">
       <div class="row list-head">
-        <h1 id="list-title">{info.title ?? info.word}</h1>
+        <h1 id="list-title">{title}</h1>
         <span class="soft" role="status">{store.total === undefined ? t("waiting") : t("rowsOf", { count: quantity(store.total) })}</span>
         <span class="gap" />
         <label class="row">
@@ -152,7 +145,7 @@ function List({ info, mode, view, search }: Props) {
             {[...new Set([kWholeTable, ...info.modes])].map((word) => <option key={word} value={word}>{word}</option>)}
           </select>
         </label>
-        {mode !== kWholeTable && (
+        {info.modesWithId?.includes(mode) && (
           <label class="row">
             <span class="label">{t("ofCode")}</span>
             <input class="input narrow" value={id} autocomplete="off" onChange={(event) => { setId(event.currentTarget.value); setCell({ row: 0, at: 0 }); }} />
@@ -161,11 +154,11 @@ function List({ info, mode, view, search }: Props) {
         <button type="button" class="button" onClick={() => setChoosing(true)}>{t("columns")}</button>
         {canAdd && <a class="button main" href={newAddress}>{t("newOne")} <kbd>Ins</kbd></a>}
       </div>
-      <Filters columns={rowColumns} filters={filters} setFilters={narrow} chosen={filterColumn}
+      <Filters columns={rowColumns.filter(({ hidden, type }) => !hidden && type !== "binary")} filters={filters} setFilters={narrow} chosen={filterColumn}
                setChosen={setFilterColumn} valueField={filterField} />
       {store.error !== undefined && <Trouble error={store.error} again={() => store.refresh()} />}
       {columns && (
-        <Grid label={info.title ?? info.word} columns={visible} total={store.total ?? 0} rowAt={(row) => store.row(row)}
+        <Grid label={title} columns={visible} total={store.total ?? 0} rowAt={(row) => store.row(row)}
               want={want} order={order} cell={cell} setCell={setCell} onOrder={orderBy} onOpen={open} onKey={pressed}
               onWidth={(column, width) => change(columns.map((one) => (one.column.name === column.name ? { ...one, width } : one)))} />
       )}

@@ -6,7 +6,8 @@ export const kPage = 100; // rows
 const kMostPages = 80; // kept; those farthest from the view go first
 const kMostAtOnce = 3; // requests under way
 
-type AskPage = (offset: number, limit: number, signal: AbortSignal) => Promise<RowsAnswer>;
+/** `isFresh` reads the rows anew in place of those that the server has kept for this list. */
+type AskPage = (offset: number, limit: number, signal: AbortSignal, isFresh: boolean) => Promise<RowsAnswer>;
 
 export class RowStore {
   /** Unknown until the first answer. */
@@ -20,6 +21,7 @@ export class RowStore {
   private stale = new Set<number>();
   private view: [number, number] = [0, 0]; // pages
   private isDropped = false;
+  private isOld = false;
 
   constructor(private readonly askPage: AskPage, private readonly changed: () => void) {
     this.fetch(0);
@@ -45,6 +47,7 @@ export class RowStore {
   refresh(): void {
     this.stale = new Set(this.pages.keys());
     this.error = undefined;
+    this.isOld = true;
     for (const request of this.underway.values()) request.abort();
     this.underway.clear();
     this.next();
@@ -72,7 +75,9 @@ export class RowStore {
   private fetch(page: number): void {
     const request = new AbortController();
     this.underway.set(page, request);
-    this.askPage(page * kPage, kPage, request.signal).then(
+    const isFresh = this.isOld;
+    this.isOld = false;
+    this.askPage(page * kPage, kPage, request.signal, isFresh).then(
       (answer) => {
         if (request.signal.aborted) return;
         this.underway.delete(page);

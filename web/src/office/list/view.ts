@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // How a list is shown: which columns, how wide, in which order. The server remembers it for the shop.
-import { ask, get } from "../../shared/api.ts";
+import { ask } from "../../shared/api.ts";
 import type { Column, View } from "../model.ts";
 import { classPath } from "../paths.ts";
 import { isNumeric } from "../values.ts";
@@ -10,7 +10,7 @@ import type { GridColumn } from "./grid.tsx";
 export function usualWidth(column: Column): number {
   const byLabel = column.label.length * 8 + 32;
   const byType = column.type === "flag" ? 64
-    : column.type === "date" || column.type === "money" || isNumeric(column) ? 112
+    : column.type === "date" ? 124 : isNumeric(column) ? 112
     : column.type === "memo" ? 240
     : Math.min(260, Math.max(72, column.size * 8));
   return Math.max(byLabel, byType);
@@ -28,16 +28,11 @@ export function arranged(columns: Column[], view: View): ShownColumn[] {
     const column = columns[at];
     return column ? [{ column, at, visible, width: width > 0 ? width : usualWidth(column) }] : [];
   });
-  const others = columns.flatMap((column, at) =>
+  const others = columns.flatMap((column, at) => column.hidden ||
     known.some((one) => one.at === at) ? [] : [{ column, at, visible: true, width: usualWidth(column) }]);
   return [...known, ...others];
 }
 
-export const viewPath = (name: string, mode: string): string =>
-  `${classPath(name)}/view?${new URLSearchParams({ mode })}`;
-
-export const readView = (name: string, mode: string): Promise<View> => get<View>(viewPath(name, mode));
-
 export const storeView = async (name: string, mode: string, view: View): Promise<void> => {
-  await ask("PUT", viewPath(name, mode), view);
+  await ask("PUT", `${classPath(name)}/view?${new URLSearchParams({ mode })}`, view);
 };

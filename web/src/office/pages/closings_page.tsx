@@ -6,8 +6,8 @@ import { daysAfter } from "../../shared/dates.ts";
 import { PeriodFields } from "../period.tsx";
 import { Show, useAsked } from "../load.tsx";
 import { href } from "../routes.ts";
-import { session } from "../session.ts";
-import { Facts, Figure, Part, Table } from "../table.tsx";
+import { session } from "../../shared/session.ts";
+import { Figure, Part, Table } from "../table.tsx";
 import { t } from "../texts.ts";
 import { day, money, quantity } from "../values.ts";
 
@@ -39,7 +39,7 @@ const kDaysShown = 31;
 const cents = (value: number): number => Math.round(value * 100);
 
 export function ClosingsPage({ search }: { search: URLSearchParams }) {
-  const { today, tills } = session();
+  const { today, tills } = session.get();
   const [till, setTill] = useState(search.get("till") ?? "");
   const [period, setPeriod] = useState({ from: daysAfter(today, -kDaysShown), to: today });
   const asked = useAsked<{ closings: ClosingLine[] }>(`/closings${query({ till: till || undefined, ...period })}`);
@@ -141,10 +141,8 @@ function Closing({ closing }: { closing: ClosingAnswer }) {
                    { title: t("tax"), isNumber: true, cell: ({ tax }) => money(tax) },
                  ]} />
         </Part>}
-        {closing.slip && <Part title={t("slip")}><pre class="slip" tabIndex={0} role="region" aria-label={t("slip")}>{closing.slip.join("\n")}</pre></Part>}
-        <Part title={t("tickets")}>
-          <Facts facts={[[t("tickets"), <a href={`#/tickets${query({ day: closing.day.slice(0, 10), till: closing.till })}`}>{t("ticketsOfDay")}</a>]]} />
-        </Part>
+        {closing.slip && <Part title={t("slip")} side={
+          <a href={`#/tickets${query({ day: closing.day.slice(0, 10), till: closing.till })}`}>{t("ticketsOfDay")}</a>}><pre class="slip" tabIndex={0} role="region" aria-label={t("slip")}>{closing.slip.join("\n")}</pre></Part>}
       </div>
     </>
   );

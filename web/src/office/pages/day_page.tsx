@@ -7,7 +7,7 @@ import { listen } from "../../shared/events.ts";
 import { HoursChart, type Hour } from "../chart.tsx";
 import { Show, useAsked, useLater } from "../load.tsx";
 import { go, href } from "../routes.ts";
-import { session } from "../session.ts";
+import { session } from "../../shared/session.ts";
 import { Figure, Part, Table } from "../table.tsx";
 import { t } from "../texts.ts";
 import { day as written, money, quantity, typedDay } from "../values.ts";
@@ -39,7 +39,7 @@ export const takenOf = ({ all, open }: DayAnswer): Takings =>
   ({ tickets: all.tickets + open.tickets, amount: all.amount + open.amount });
 
 export function DayPage({ search }: { search: URLSearchParams }) {
-  const { today } = session();
+  const { today } = session.get();
   const day = search.get("day") ?? today;
   const asked = useAsked<DayAnswer>(`/day${query({ day })}`);
   const again = useLater(asked.again, kPause);
@@ -92,7 +92,7 @@ function Figures({ figures, day }: { figures: DayAnswer; day: string }) {
         {figures.units !== undefined && <Figure name={t("units")} value={quantity(figures.units)} />}
       </div>
       <div class="parts">
-        <Part title={t("byHour")}><HoursChart hours={figures.hours} /></Part>
+        <Part title={t("byHour")} isBroad><HoursChart hours={figures.hours} /></Part>
         <Part title={t("byPayment")}>{shares(figures.payments, t("byPayment"))}</Part>
         {figures.tills && <Part title={t("byTill")}>{shares(figures.tills, t("byTill"))}</Part>}
         <Part title={t("topArticles")} side={<a href={`#/tickets?day=${day}`}>{t("ticketsOfDay")}</a>}>

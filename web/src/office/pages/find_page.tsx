@@ -7,7 +7,7 @@ import { href } from "../routes.ts";
 import { Part, Table, type TableColumn } from "../table.tsx";
 import { type OfficeText, t } from "../texts.ts";
 import { money, quantity } from "../values.ts";
-import { may } from "../session.ts";
+import { may } from "../../shared/session.ts";
 
 export interface FoundArticle { code: string; description: string; price: number; family?: string; stock?: number | null }
 export interface FoundPartner { code: string; name: string; place?: string; fiscalNumber?: string; phone?: string }
@@ -55,7 +55,7 @@ export function FindPage({ what }: { what: What }) {
   useEffect(() => box.current?.focus(), []);
 
   return (
-    <Part title={t(kind.title)} side={<>
+    <Part title={t(kind.title)} isFirst side={<>
       {may("office.write") && <a class="button" href={href`/list/${kind.list}/new`}>{t("newOne")}</a>}
       {may("office.read") && <a class="button" href={href`/list/${kind.list}`}>{t("wholeList")}</a>}
     </>}>

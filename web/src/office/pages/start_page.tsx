@@ -4,9 +4,9 @@ import { useAsked } from "../load.tsx";
 import type { ClassLine } from "../model.ts";
 import { grouped } from "../groups.ts";
 import { href } from "../routes.ts";
-import { session } from "../session.ts";
+import { session } from "../../shared/session.ts";
 import { type OfficeText, t } from "../texts.ts";
-import { money, quantity } from "../values.ts";
+import { money } from "../values.ts";
 import { type DayAnswer, takenOf } from "./day_page.tsx";
 
 interface Tile { title: OfficeText; about: OfficeText; address: string }
@@ -20,11 +20,11 @@ const kTiles: Tile[] = [
 ];
 
 export function StartPage({ classes }: { classes: ClassLine[] }) {
-  const day = useAsked<DayAnswer>(`/day?day=${session().today}`);
+  const day = useAsked<DayAnswer>(`/day?day=${session.get().today}`);
   const taken = day.value && takenOf(day.value);
   return (
     <>
-      <h1 class="welcome">{t("welcome", { name: session().employee?.name ?? "" })}</h1>
+      <h1 class="welcome">{t("welcome", { name: session.get().employee?.name ?? "" })}</h1>
       <nav class="tiles" aria-label={t("mostAsked")}>
         <a class="tile main" href="#/day">
           <span class="tile-title">{t("today")}</span>
@@ -60,7 +60,6 @@ export function Lists({ classes }: { classes: ClassLine[] }) {
               {items.map((item) => (
                 <li key={item.name}>
                   <a href={href`/list/${item.name}`}>{item.title}</a>
-                  {item.count !== undefined && <span class="soft"> {quantity(item.count)}</span>}
                 </li>
               ))}
             </ul>

@@ -5,7 +5,7 @@ import { at, query } from "../../shared/api.ts";
 import { Show, useAsked } from "../load.tsx";
 import { PeriodFields } from "../period.tsx";
 import { go, href } from "../routes.ts";
-import { session } from "../session.ts";
+import { session } from "../../shared/session.ts";
 import { Facts, Figure, Part, Table, type TableColumn } from "../table.tsx";
 import { t } from "../texts.ts";
 import { day, money, quantity } from "../values.ts";
@@ -58,7 +58,7 @@ export function TicketTable({ tickets, withoutName }: { tickets: TicketLine[]; w
 }
 
 export function TicketsPage({ search }: { search: URLSearchParams }) {
-  const { today, tills } = session();
+  const { today, tills } = session.get();
   const first = search.get("day") ?? today;
   const [period, setPeriod] = useState({ from: first, to: first });
   const [till, setTill] = useState(search.get("till") ?? "");
@@ -76,11 +76,11 @@ export function TicketsPage({ search }: { search: URLSearchParams }) {
         event.preventDefault();
         if (/^\d+$/.test(text.trim())) go(href`/ticket/${text.trim()}`);
       }}>
-        <label class="field"><span>{t("ticketOrText")}</span>
-          <input class="input" type="search" value={text} autocomplete="off"
+        <label class="row"><span class="label">{t("ticketOrText")}</span>
+          <input class="input narrow-wide" type="search" value={text} autocomplete="off"
                  onInput={(event) => { setText(event.currentTarget.value); setOffset(0); }} />
         </label>
-        <label class="field"><span>{t("till")}</span>
+        <label class="row"><span class="label">{t("till")}</span>
           <select class="input" value={till} onChange={(event) => { setTill(event.currentTarget.value); setOffset(0); }}>
             <option value="">{t("allTills")}</option>
             {tills.map(({ code, name }) => <option key={code} value={code}>{`${code} ${name}`}</option>)}
@@ -160,4 +160,4 @@ function Ticket({ ticket }: { ticket: TicketAnswer }) {
 }
 
 const paymentName = (code: string | undefined): string =>
-  session().payments?.find((one) => one.code === code)?.name ?? code ?? "";
+  session.get().payments?.find((one) => one.code === code)?.name ?? code ?? "";
