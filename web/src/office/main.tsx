@@ -49,7 +49,7 @@ function Page({ route, classes }: { route: Route; classes: ClassLine[] }) {
   if (kind === "tickets") return <TicketsPage key={route.query.toString()} search={route.query} />;
   if (kind === "closings") return <ClosingsPage search={route.query} />;
   if (kind === "customers" || kind === "suppliers" || kind === "articles") return <FindPage key={kind} what={kind} />;
-  if (kind === "lists") return <Lists classes={classes} />;
+  if (kind === "lists") return <Lists classes={classes} isPage />;
   if (name !== "") {
     if (kind === "ticket") return <TicketPage key={name} number={name} />;
     if (kind === "closing") return <ClosingPage key={name} number={name} />;

@@ -53,7 +53,8 @@ export interface RowsAnswer {
 export type Key = Values | Value[];
 
 export interface RecordAnswer {
-  key: Key;
+  /** None of a record that is not stored yet. */
+  key?: Key;
   values: Values;
   columns?: Column[];
 }

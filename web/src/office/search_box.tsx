@@ -43,6 +43,8 @@ export function SearchBox({ classes }: { classes: ClassLine[] }) {
   const [isOpen, setOpen] = useState(false);
   const box = useRef<HTMLInputElement>(null);
   const settled = useSettled(text.trim());
+  const isAwaited = useRef(false); // Enter was pressed before the answer was there
+  const shownFor = useRef(""); // what the hits were looked for
 
   useEffect(() => {
     if (settled === "") return setHits(undefined);
@@ -55,8 +57,11 @@ export function SearchBox({ classes }: { classes: ClassLine[] }) {
       .then((answers) => {
         if (request.signal.aborted) return;
         const found = answers.flatMap((answer) => (answer.status === "fulfilled" ? answer.value : []));
-        setHits([...found, ...number, ...lists]);
+        const all = [...found, ...number, ...lists];
+        shownFor.current = settled;
+        setHits(all);
         setActive(0);
+        if (isAwaited.current) choose(all[0]);
       });
     return () => request.abort();
   }, [settled, classes]);
@@ -74,6 +79,7 @@ export function SearchBox({ classes }: { classes: ClassLine[] }) {
   }, []);
 
   function choose(hit: Hit | undefined): void {
+    isAwaited.current = false;
     if (!hit) return;
     setOpen(false);
     setText("");
@@ -81,10 +87,15 @@ export function SearchBox({ classes }: { classes: ClassLine[] }) {
   }
 
   function pressed(event: KeyboardEvent): void {
+    if (event.key === "Enter" && text.trim() !== "" && (!hits || settled !== text.trim() || shownFor.current !== settled)) {
+      isAwaited.current = true;
+      event.preventDefault();
+      return;
+    }
     if (!hits || !isOpen) return;
     if (event.key === "ArrowDown") setActive(Math.min(hits.length - 1, active + 1));
     else if (event.key === "ArrowUp") setActive(Math.max(0, active - 1));
-    else if (event.key === "Enter" && settled === text.trim()) choose(hits[active]);
+    else if (event.key === "Enter") choose(hits[active]);
     else if (event.key === "Escape") setOpen(false);
     else return;
     event.preventDefault();
@@ -99,7 +110,7 @@ export function SearchBox({ classes }: { classes: ClassLine[] }) {
       <input ref={box} class="input" type="search" autocomplete="off" value={text} placeholder={t("searchEverywhere")}
              role="combobox" list={undefined} aria-label={t("searchEverywhere")} aria-expanded={isShown} aria-controls="search-hits"
              aria-autocomplete="list" aria-activedescendant={isShown && hits.length > 0 ? `hit-${active}` : undefined}
-             onInput={(event) => { setText(event.currentTarget.value); setOpen(true); }}
+             onInput={(event) => { setText(event.currentTarget.value); setOpen(true); isAwaited.current = false; }}
              onFocus={() => setOpen(true)} onKeyDown={pressed} />
       <div class="hits" id="search-hits" role="listbox" aria-label={t("found")} hidden={!isShown || hits.length === 0}>
         {isShown && hits.map((hit, index) => (

@@ -18,9 +18,16 @@ interface Props {
 
 const kWide = 60; // characters from which a field has the whole line
 
-/** What may be typed into a number: digits, signs and marks. */
-const isTypable = (data: string | null, column: Column): boolean =>
-  data === null || (isNumeric(column) ? /^[\d+\-.,\s]*$/ : column.type === "date" ? /^[\d\-./:\sT]*$/ : /^/).test(data);
+/** Digits, signs and marks into a number, and no key into a full text. What is pasted is cut by nobody: it is
+ * told that it is too long. */
+function isTypable(event: InputEvent & { currentTarget: HTMLInputElement }, column: Column): boolean {
+  const { data, inputType, currentTarget: { value, selectionStart, selectionEnd } } = event;
+  if (data === null || data === undefined) return true;
+  if (isNumeric(column)) return /^[\d+\-.,\s]*$/.test(data);
+  if (column.type === "date") return /^[\d\-./:\sT]*$/.test(data);
+  const isKey = inputType === "insertText" && [...data].length === 1 && selectionStart === selectionEnd;
+  return !isKey || column.size === 0 || [...value].length < column.size;
+}
 
 export function Field({ column, text, flag, fault, isReadOnly, isChanged, setText, setFlag, onLeave }: Props) {
   const { name, label, type, size } = column;
@@ -66,8 +73,7 @@ export function Field({ column, text, flag, fault, isReadOnly, isChanged, setTex
       <span>{label}{column.key && <abbr title={t("keyField")}> *</abbr>}</span>
       <input class={`input${isNumeric(column) ? " number" : ""}`} {...told} value={text} readOnly={isReadOnly} autocomplete="off"
              inputMode={isNumeric(column) ? "decimal" : undefined}
-             maxLength={type === "text" && size > 0 ? size : undefined}
-             onBeforeInput={(event) => { if (!isTypable(event.data, column)) event.preventDefault(); }}
+             onBeforeInput={(event) => { if (!isTypable(event, column)) event.preventDefault(); }}
              onInput={(event) => setText(event.currentTarget.value)} onBlur={leave} />
       {reason}
     </label>

@@ -3,11 +3,12 @@
 import { useEffect, useMemo, useRef, useState } from "preact/hooks";
 import { ask, RequestError } from "../../shared/api.ts";
 import { listen } from "../../shared/events.ts";
+import { shortcuts } from "../../shared/keyboard.ts";
 import { Dialog } from "../../shared/dialog.tsx";
 import { reasonOf, Show, Trouble, useAsked } from "../load.tsx";
 import type { ClassInfo, Column, Key, RecordAnswer, Values } from "../model.ts";
 import { classPath, recordPath } from "../paths.ts";
-import { askBeforeLeaving, go, href } from "../routes.ts";
+import { askBeforeLeaving, go, href, tellAddress } from "../routes.ts";
 import { t } from "../texts.ts";
 import { formPage } from "../where.ts";
 import { readValue, typed } from "../values.ts";
@@ -74,7 +75,13 @@ function Form({ info, record, isNew, reread }: Props) {
     setFaults({});
     setOld(false);
   }
-  useEffect(() => take(record), [record]);
+  // Read once more. Not at the beginning: an effect runs late, and somebody may have typed by then.
+  const taken = useRef(record);
+  useEffect(() => {
+    if (taken.current === record) return;
+    taken.current = record;
+    take(record);
+  }, [record]);
 
   /** What differs from what was read, and what of it does not read. */
   function changes(): { values: Values; wrong: Record<string, string> } {
@@ -98,13 +105,18 @@ function Form({ info, record, isNew, reread }: Props) {
   const pending = changes();
   const isChanged = Object.keys(pending.values).length + Object.keys(pending.wrong).length > 0;
 
+  const isDone = useRef(false); // stored or deleted, and on the way to another page
   const hasPending = useRef(false);
-  hasPending.current = isChanged && canWrite;
+  hasPending.current = isChanged && canWrite && !isDone.current;
   useEffect(() => {
     const release = askBeforeLeaving(() => !hasPending.current || confirm(t("leaveChanges")));
     const unload = (event: BeforeUnloadEvent): void => { if (hasPending.current) event.preventDefault(); };
     addEventListener("beforeunload", unload);
     return () => { release(); removeEventListener("beforeunload", unload); };
+  }, []);
+
+  useEffect(() => {
+    page.current?.querySelector<HTMLElement>(".fields input:not([readonly], :disabled), .fields textarea:not([readonly])")?.focus();
   }, []);
 
   const isBusyNow = useRef(false);
@@ -136,15 +148,17 @@ function Form({ info, record, isNew, reread }: Props) {
   function send(original: Values, values: Values): Promise<void> {
     return during(async () => {
       if (isNew) {
-        const all = { ...stored.values, ...values };
-        const made = (await ask<RecordAnswer>("POST", `${classPath(name)}/records`, { values: all })).body;
+        // Only what was typed: the class begins the row once more, with a code that is free by then.
+        const made = (await ask<RecordAnswer>("POST", `${classPath(name)}/records`, { values })).body;
+        isDone.current = true;
         hasPending.current = false;
-        go(formPage(name, made.key));
+        go(formPage(name, made.key ?? []));
         return;
       }
       const body = { key: stored.key, original, values };
       const answer = (await ask<RecordAnswer>("PATCH", `${classPath(name)}/record`, body)).body;
       take({ ...stored, ...answer });
+      if (answer.key) tellAddress(formPage(name, answer.key)); // its code may be another one now
       setTheirs(undefined);
       setNote(t("stored"));
     });
@@ -165,29 +179,25 @@ function Form({ info, record, isNew, reread }: Props) {
   const remove = (): Promise<void> => during(async () => {
     setAsking(false);
     await ask("DELETE", `${classPath(name)}/record`, { key: stored.key, original: stored.values });
+    isDone.current = true;
     hasPending.current = false;
     go(href`/list/${name}`);
   });
 
-  function pressed(event: KeyboardEvent): void {
-    const isSave = (event.ctrlKey || event.metaKey) && event.key.toLowerCase() === "s";
-    if (isSave) {
-      event.preventDefault();
-      if (canWrite) store();
-    } else if (event.key === "Escape" && !theirs && !isAsking) {
-      event.preventDefault();
-      history.back();
-    }
-  }
+  // Wherever the keyboard is: after a click beside a field it is in none.
+  const keys = useRef<Record<string, () => void>>({});
+  const isPlain = !theirs && !isAsking;
+  keys.current = isPlain ? { "Control+s": () => canWrite && store(), Escape: () => history.back() } : {};
+  useEffect(() => shortcuts(() => (document.querySelector("dialog[open]") ? {} : keys.current)), []);
 
   const few = wanted.trim().toLowerCase();
   const seen = columns.filter(({ label, name: column }) =>
     few === "" || label.toLowerCase().includes(few) || column.toLowerCase().includes(few));
   const title = isNew ? t("newOf", { title: info.title })
-    : Object.values(stored.key).map(String).join(" · ");
+    : Object.values(stored.key ?? {}).map(String).join(" · ");
 
   return (
-    <form class="form-page" ref={page} onKeyDown={pressed} noValidate onSubmit={(event) => { event.preventDefault(); if (canWrite) store(); }}>
+    <form class="form-page" ref={page} noValidate onSubmit={(event) => { event.preventDefault(); if (canWrite) store(); }}>
       <div class="row form-head">
         <p class="soft"><a href={href`/list/${name}`}>{info.title}</a></p>
         <h1>{title}</h1>

@@ -66,6 +66,12 @@ export function Grid({ label, columns, total, rowAt, want, order, cell, setCell,
     return () => observer.disconnect();
   }, []);
 
+  // A list comes later than its page: it takes the keyboard where nobody has begun elsewhere.
+  useLayoutEffect(() => {
+    const { activeElement } = document;
+    if (activeElement === document.body || activeElement?.tagName === "MAIN") box.current?.focus();
+  }, []);
+
   useLayoutEffect(() => {
     if (last >= first) want(first, last);
   }, [first, last, want]);

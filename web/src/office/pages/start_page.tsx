@@ -48,14 +48,14 @@ export function StartPage({ classes }: { classes: ClassLine[] }) {
 }
 
 /** Every list of the shop under what it is about. */
-export function Lists({ classes }: { classes: ClassLine[] }) {
+export function Lists({ classes, isPage }: { classes: ClassLine[]; isPage?: boolean }) {
   return (
     <section aria-labelledby="lists-title">
-      <h2 id="lists-title">{t("lists")}</h2>
+      {isPage ? <h1 id="lists-title">{t("lists")}</h1> : <h2 id="lists-title">{t("lists")}</h2>}
       <div class="groups">
         {grouped(classes).map(({ title, items }) => (
           <section key={title} class="group" aria-label={t(title)}>
-            <h3>{t(title)}</h3>
+            {isPage ? <h2>{t(title)}</h2> : <h3>{t(title)}</h3>}
             <ul>
               {items.map((item) => (
                 <li key={item.name}>
