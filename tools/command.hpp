@@ -51,6 +51,9 @@ void addAccount(CLI::App& app, Common& common);
 void addAgenda(CLI::App& app, Common& common);
 void addStock(CLI::App& app, Common& common);
 void addFiscal(CLI::App& app, Common& common);
+void addServe(CLI::App& app, Common& common);
+void addPin(CLI::App& app, Common& common);
+void addKey(CLI::App& app, Common& common);
 void addSql(CLI::App& app, Common& common);
 void addImport(CLI::App& app, Common& common);
 /// Of the import.

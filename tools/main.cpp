@@ -73,6 +73,9 @@ void addCommands(CLI::App& app, Common& common) {
   addAgenda(app, common);
   addStock(app, common);
   addFiscal(app, common);
+  addServe(app, common);
+  addPin(app, common);
+  addKey(app, common);
   addSql(app, common);
   addImport(app, common);
   addTrace(app, common);

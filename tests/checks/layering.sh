@@ -45,7 +45,7 @@ own_files 'tavelor/*.hpp' 'tavelor/*.cpp' | xargs -r -d '\n' grep -Hn '^ *# *inc
       if (!own) { complain("is on no floor of CMakeLists.txt"); next }
       if (match($0, /<[^>]*>/)) {
         header = substr($0, RSTART + 1, RLENGTH - 2)
-        if (isPublic && header ~ /^(sqlite3|libpq|qrencode|curl|fmt|pugi|utf8proc|iostream|regex|iomanip)/)
+        if (isPublic && header ~ /^(sqlite3|libpq|qrencode|curl|boost|nlohmann|argon2|fmt|pugi|utf8proc|iostream|regex|iomanip)/)
           complain("a public header includes <" header ">")
         if (header ~ /^sqlite3/ && file !~ /^tavelor\/services\/sqlite\//)
           complain("only tavelor/services/sqlite may include <" header ">")
@@ -53,6 +53,10 @@ own_files 'tavelor/*.hpp' 'tavelor/*.cpp' | xargs -r -d '\n' grep -Hn '^ *# *inc
           complain("only tavelor/services/postgres may include <" header ">")
         if (header ~ /^curl/ && file !~ /^tavelor\/sending\//)
           complain("only tavelor/sending may include <" header ">")
+        if (header ~ /^boost\// && file !~ /^tavelor\/web\/line.hpp$/)
+          complain("only tavelor/web/line.hpp may include <" header ">")
+        if (header ~ /^nlohmann\// && file !~ /^tavelor\/web\//)
+          complain("only tavelor/web may include <" header ">")
         next
       }
       if (!match($0, /"[^"]*"/)) next

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+// Every endpoint there is, by the file that has it.
+#pragma once
+
+namespace tavelor::web {
+
+class Routes;
+
+void addPages(Routes& routes);
+void addSession(Routes& routes);
+void addHealth(Routes& routes);
+void addEvents(Routes& routes);
+
+/// All of them.
+inline void addEndpoints(Routes& routes) {
+  addPages(routes);
+  addSession(routes);
+  addHealth(routes);
+  addEvents(routes);
+}
+
+}  // namespace tavelor::web
