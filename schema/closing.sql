@@ -52,3 +52,16 @@ CREATE TABLE Cierres_Formas_Pago (
   Importe DOUBLE
 );
 CREATE INDEX IX_Cierres_Formas_Pago_Cierre ON Cierres_Formas_Pago (Cierre);
+
+-- What was counted in a till's drawer when it was closed; none for a closing that nobody counted.
+CREATE TABLE Cierres_Arqueos (
+  Cierre LONG NOT NULL,
+  Caja TEXT(20),
+  Esperado CURRENCY,                -- the till's balance, and what earlier counts missed or had over
+  Contado CURRENCY,
+  Diferencia CURRENCY,              -- counted less expected: negative where money is missing
+  Empleado TEXT(20),                -- who counted
+  Momento DATETIME,
+  CONSTRAINT PK_Cierres_Arqueos PRIMARY KEY (Cierre)
+);
+CREATE INDEX IX_Cierres_Arqueos_Caja ON Cierres_Arqueos (Caja);

@@ -13,6 +13,7 @@ endforeach()
 
 set(version "")
 set(counters "")
+set(searches "")
 set(assignments "")
 file(STRINGS ${FOLDER}/databases.txt lines)
 foreach(line IN LISTS lines)
@@ -30,6 +31,9 @@ foreach(line IN LISTS lines)
     string(APPEND assignments "    {${selector}, \"${names}\"},\n")
   elseif(line MATCHES "^counters ([A-Za-z_ ]+)$")
     string(REPLACE " " "\", \"" counters "\"${CMAKE_MATCH_1}\"")
+  elseif(line MATCHES "^search ([0-9]+) ([A-Za-z_]+) ([A-Za-z_]+) ([A-Za-z_]+) ([A-Za-z_]+): ([A-Za-z_0-9.= ]+)$")
+    string(APPEND searches "    {${CMAKE_MATCH_1}, \"${CMAKE_MATCH_2}\", \"${CMAKE_MATCH_3}\", "
+           "\"${CMAKE_MATCH_4}\", \"${CMAKE_MATCH_5}\", \"${CMAKE_MATCH_6}\"},\n")
   elseif(NOT line MATCHES "^(#.*)?$")
     message(FATAL_ERROR "databases.txt: this line says nothing: ${line}")
   endif()
@@ -51,12 +55,16 @@ ${families}};
 constexpr Assignment kAssignments[] = {
 ${assignments}};
 
+constexpr Search kSearches[] = {
+${searches}};
+
 constexpr std::string_view kCounters[] = {${counters}};
 
 }  // namespace
 
 std::span<const Family> families() { return kFamilies; }
 std::span<const Assignment> assignments() { return kAssignments; }
+std::span<const Search> searches() { return kSearches; }
 std::span<const std::string_view> counters() { return kCounters; }
 int currentVersion() { return ${version}; }
 

@@ -220,3 +220,29 @@ CREATE TABLE HTickets_Comentarios (
   CONSTRAINT PK_HTickets_Comentarios PRIMARY KEY (Id)
 );
 CREATE INDEX IX_HTickets_Comentarios_Cierre ON HTickets_Comentarios (Cierre);
+
+-- How a ticket was paid that was paid in parts, wherever the ticket lies; none for all others. The
+-- parts add up to its total, and its own Forma_Pago is that of one of them.
+CREATE TABLE Tickets_Pagos (
+  Numero DOUBLE NOT NULL,           -- ticket
+  Linea LONG NOT NULL,              -- from 1
+  Forma_Pago TEXT(50),
+  Importe CURRENCY,
+  CONSTRAINT PK_Tickets_Pagos PRIMARY KEY (Numero, Linea)
+);
+
+-- What a till has put aside to go on with later, at any till. One that was taken stays for some days,
+-- so that whoever took it and lost the answer can ask again.
+CREATE TABLE Tickets_Espera (
+  Id COUNTER NOT NULL,
+  Clave TEXT(50) NOT NULL,          -- whoever holds the same twice has it held once
+  Caja TEXT(20),
+  Empleado TEXT(20),
+  Etiqueta TEXT(100),               -- by which people find it
+  Momento DATETIME,
+  Contenido MEMO,                   -- as the till sent it
+  Tomado DATETIME,                  -- Null until somebody takes it
+  Tomado_Por TEXT(50),              -- the taker's own word, by which the same one is known again
+  CONSTRAINT PK_Tickets_Espera PRIMARY KEY (Id)
+);
+CREATE UNIQUE INDEX IX_Tickets_Espera_Clave ON Tickets_Espera (Clave);

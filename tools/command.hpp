@@ -49,6 +49,7 @@ void addReceive(CLI::App& app, Common& common);
 void addRecover(CLI::App& app, Common& common);
 void addAccount(CLI::App& app, Common& common);
 void addAgenda(CLI::App& app, Common& common);
+void addFind(CLI::App& app, Common& common);
 void addStock(CLI::App& app, Common& common);
 void addFiscal(CLI::App& app, Common& common);
 void addServe(CLI::App& app, Common& common);

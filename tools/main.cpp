@@ -71,6 +71,7 @@ void addCommands(CLI::App& app, Common& common) {
   addRecover(app, common);
   addAccount(app, common);
   addAgenda(app, common);
+  addFind(app, common);
   addStock(app, common);
   addFiscal(app, common);
   addServe(app, common);

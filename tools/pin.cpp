@@ -72,9 +72,8 @@ void changePin(const PinOptions& options, const Common& common) {
                  printable(each.name));
     }
   } else if (options.removes) {
-    fmt::print(
-        web::removePin(options.employee) ? "{} cannot sign in any more\n" : "{} had no PIN\n",
-        printable(options.employee));
+    fmt::print("{} {}\n", printable(options.employee),
+               web::removePin(options.employee) ? "cannot sign in any more" : "had no PIN");
   } else {
     web::setPin(options.employee, newPin(), options.role);
     fmt::print("{} may sign in as {}\n", printable(options.employee), printable(options.role));
@@ -90,9 +89,8 @@ struct KeyOptions {
 void changeKey(const KeyOptions& options, const Common& common) {
   const Session session(common);
   if (options.removes) {
-    fmt::print(
-        web::removeKey(options.name) ? "the key {} is taken back\n" : "there was no key {}\n",
-        printable(options.name));
+    fmt::print("the key {} {}\n", printable(options.name),
+               web::removeKey(options.name) ? "is taken back" : "was not there");
     return;
   }
   // Shown once, and alone, for a script to take.

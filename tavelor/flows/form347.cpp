@@ -17,6 +17,7 @@
 #include "tavelor/fiscal/terms.hpp"
 #include "tavelor/flows/customers.hpp"
 #include "tavelor/flows/issuer.hpp"
+#include "tavelor/flows/parts.hpp"
 #include "tavelor/flows/payments.hpp"
 #include "tavelor/frame/class_info.hpp"
 #include "tavelor/frame/rows.hpp"
@@ -154,6 +155,25 @@ class Year {
         add(declaredOf(false, customer->second.party, &customer->second), rows.day("Fecha"),
             centsOf(rows.number("Suma")), isCash(rows.text("Forma_Pago")));
       }
+      addParts(history, end);
+    }
+  }
+
+  /// Of those tickets what was paid in cash, or was not, otherwise than the ticket says.
+  void addParts(Statement::Constant history, Date end) {
+    Statement statement(
+        "SELECT T.Codigo, T.Forma_Pago AS Pago, P.Forma_Pago AS Parte, Sum(P.Importe) AS Suma "
+        "FROM ");
+    statement << history << "Tickets AS T INNER JOIN Tickets_Pagos AS P ON T.Numero = P.Numero "
+              << "WHERE T.Fecha >= " << sqlLiteral(from_) << " AND T.Fecha < " << sqlLiteral(end)
+              << " AND T.Codigo <> '' AND T.Codigo <> " << sqlText(kWalkIn)
+              << " GROUP BY T.Codigo, T.Forma_Pago, P.Forma_Pago";
+    for (Rows rows(selector::kDocuments, statement, documents_); rows.hasRow(); rows.next()) {
+      const auto customer = customers_.find(rows.text("Codigo"));
+      if (customer == customers_.end()) continue;
+      const int isMore = int{isCash(rows.text("Parte"))} - int{isCash(rows.text("Pago"))};
+      declaredOf(false, customer->second.party, &customer->second).cash +=
+          isMore * centsOf(rows.number("Suma"));
     }
   }
 
@@ -198,6 +218,11 @@ class Year {
   }
   void addCash(fiscal::Declared& declared, std::optional<double> ticket) const {
     if (!ticket) return;
+    const std::vector<PaymentPart> parts = partsOf(*ticket, documents_);
+    for (const PaymentPart& part : parts) {
+      if (isCash(part.payment)) declared.cash += centsOf(part.amount);
+    }
+    if (!parts.empty()) return;
     for (const Statement::Constant history : kTicketHistories) {
       Statement statement("SELECT Total, Forma_Pago FROM ");
       statement << history << "Tickets WHERE Numero = " << sqlLiteral(*ticket);

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "tavelor/flows/closings.hpp"
 #include "tavelor/flows/issuer.hpp"
 #include "tavelor/flows/receipt_lines.hpp"
 #include "tavelor/frame/class_info.hpp"
@@ -92,6 +93,7 @@ class ReceiptLines {
     for (const ContentLine& line : content_.lines) addSold(line);
     add(std::string(width_, '-'));
     add(spread("TOTAL", money(content_.total), width_), Look::kTotal);
+    for (const auto& [name, amount] : content_.parts) add(spread(name, money(amount), width_));
     if (content_.money) {
       add(spread("Entregado", money(content_.money->first), width_));
       add(spread("Cambio", money(content_.money->second), width_));
@@ -249,6 +251,13 @@ std::vector<std::string> slipText(double closing) {
   }
   if (const double surcharge = surchargeOf(closing); surcharge != 0) {
     slip.push_back(spread("Recargo de equivalencia", money(surcharge)));
+  }
+  if (const std::optional<StoredCount> count = countOf(closing)) {
+    slip.push_back(rule("Arqueo"));
+    slip.push_back(spread("Esperado", money(count->expected)));
+    slip.push_back(spread("Contado", money(count->counted)));
+    slip.push_back(spread("Diferencia", money(count->difference)));
+    if (!count->by.empty()) slip.push_back(spread("Empleado", count->by));
   }
   return slip;
 }

@@ -43,7 +43,8 @@ std::string ticketBytes(double number, Paper paper);
 /// The same of an invoice.
 std::string invoiceBytes(const std::string& number, Paper paper);
 
-/// A closing as its slip: who the shop is, the closing, then its families, payments and taxes.
+/// A closing as its slip: who the shop is, the closing, then its families, payments and taxes, and
+/// what was counted where somebody did.
 /// Nothing for a closing that is not there.
 std::vector<std::string> slipText(double closing);
 

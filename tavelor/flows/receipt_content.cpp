@@ -10,6 +10,7 @@
 
 #include "tavelor/fiscal/book.hpp"
 #include "tavelor/fiscal/qr.hpp"
+#include "tavelor/flows/parts.hpp"
 #include "tavelor/flows/prices.hpp"
 #include "tavelor/frame/class_info.hpp"
 #include "tavelor/frame/rows.hpp"
@@ -162,7 +163,7 @@ ContentInvoice invoiceOf(const fiscal::Registration& record, const fiscal::Book&
 class TicketReader {
  public:
   TicketReader(double number, Statement::Constant history, ConnectionPtr documents)
-      : number_(sqlNumber(number, 0)), history_(history), documents_(std::move(documents)) {}
+      : ticket_(number), number_(sqlNumber(number, 0)), history_(history), documents_(std::move(documents)) {}
 
   /// False where the ticket is not there.
   bool read(ReceiptContent& content) {
@@ -182,6 +183,7 @@ class TicketReader {
     readLines(ticket, content);
     content.total = ticket.number("Total");
     content.money = {ticket.number("Entrega"), ticket.number("Cambio")};
+    readParts(content);
     Rows comments = rowsOf("SELECT Comentarios", "Tickets_Comentarios", "Codigo");
     for (; comments.hasRow(); comments.next()) {
       content.comments.push_back(comments.text("Comentarios"));
@@ -196,6 +198,16 @@ class TicketReader {
     statement << " FROM " << history_ << table << " WHERE " << key << " = " << spliced(number_)
               << tail;
     return {selector::kDocuments, statement, documents_};
+  }
+
+  void readParts(ReceiptContent& content) {
+    for (const PaymentPart& part : partsOf(ticket_, documents_)) {
+      Statement statement("SELECT Descripcion FROM Formas_Pago WHERE Codigo = ");
+      statement << sqlText(part.payment);
+      const Rows row(selector::kMain, statement);
+      const std::string name = row.hasRow() ? row.text("Descripcion") : std::string();
+      content.parts.emplace_back(name.empty() ? part.payment : name, part.amount);
+    }
   }
 
   void readHeader(ReceiptContent& content) {
@@ -229,6 +241,7 @@ class TicketReader {
     }
   }
 
+  double ticket_;
   std::string number_;
   Statement::Constant history_;
   ConnectionPtr documents_;

@@ -55,6 +55,8 @@ struct ReceiptContent {
   double total = 0;
   /// What was handed over and given back; an invoice in the place of tickets does not tell it.
   std::optional<std::pair<double, double>> money;
+  /// Names and amounts of what it was paid by, where it was paid in several ways.
+  std::vector<std::pair<std::string, double>> parts;
   std::vector<std::string> comments;
   std::optional<ContentInvoice> invoice{};  ///< of a shop that keeps records
 };

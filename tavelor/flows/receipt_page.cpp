@@ -253,6 +253,9 @@ class ReceiptPage {
   void sums() {
     put("<table class=\"sums\"><tr class=\"total\"><td>TOTAL</td><td class=\"n\">{}</td></tr>\n",
         text_.money(content_.total));
+    for (const auto& [name, amount] : content_.parts) {
+      put("<tr><td>{}</td><td class=\"n\">{}</td></tr>\n", escaped(name), money(amount));
+    }
     if (content_.money) {
       put("<tr><td>Entregado</td><td class=\"n\">{}</td></tr>\n"
           "<tr><td>Cambio</td><td class=\"n\">{}</td></tr>\n",

@@ -118,7 +118,10 @@ SaleTaxes taxesOf(const Sale& sale) {
   return all;
 }
 
-RefusedSale::RefusedSale(const std::string& reference, std::vector<SaleFault> faults)
-    : Error(errors::kInvalidCall, "Shop", message(reference, faults)), faults_(std::move(faults)) {}
+RefusedSale::RefusedSale(const std::string& reference, std::vector<SaleFault> faults,
+                         bool isConflict)
+    : Error(errors::kInvalidCall, "Shop", message(reference, faults)),
+      faults_(std::move(faults)),
+      isConflict_(isConflict) {}
 
 }  // namespace tavelor::flows

@@ -59,6 +59,12 @@ struct SaleLine {
 /// wants a price may come without price and tax.
 std::string faultOf(const SaleLine& line);
 
+/// What was paid of a sale in one way, where it was paid in several.
+struct PaymentPart {
+  std::string payment;  ///< code of one of the shop's payment methods
+  double amount = 0;    ///< euros, whole cents; negative in a return, where it is given back
+};
+
 /// One ticket. What money it makes follows from its lines.
 struct Sale {
   std::string reference;  ///< what the shop calls it elsewhere; of all sales, only this one has it
@@ -69,8 +75,11 @@ struct Sale {
   std::string name;       ///< of the customer, as typed
   std::string place;      ///< where the customer lives
   std::string payment;    ///< code of one of the shop's payment methods
+  /// Where it is paid in several ways: they add up to the total, none is on credit, no method comes
+  /// twice, and `payment`, which the ticket bears, is that of one of them. None: all by `payment`.
+  std::vector<PaymentPart> parts = {};
   double delivered = 0;   ///< euros handed over; less than the total counts as the total, and what
-                          ///< is sold on credit takes none
+                          ///< is sold on credit takes none. Of parts, what was given in cash
   std::string comment;
   /// Somebody answers for it: sold on credit whatever the customer owes, blocked and out of use
   /// too.
@@ -114,12 +123,16 @@ struct SaleFault {
 class RefusedSale final : public Error {
  public:
   /// Of the sale with that reference.
-  RefusedSale(const std::string& reference, std::vector<SaleFault> faults);
+  RefusedSale(const std::string& reference, std::vector<SaleFault> faults,
+              bool isConflict = false);
   /// In the order of the lines, the sale as such first.
   const std::vector<SaleFault>& faults() const { return faults_; }
+  /// Whether nothing is wrong with it but that another one is there by its name.
+  bool isConflict() const { return isConflict_; }
 
  private:
   std::vector<SaleFault> faults_;
+  bool isConflict_;
 };
 
 }  // namespace tavelor::flows

@@ -65,16 +65,22 @@ std::optional<double> Shop::sell(const Sale& sale) {
   return inner_->sell(sale);
 }
 double Shop::takeBack(const Return& what) {
+  return inner_->takeBack(what, false).ticket;
+}
+Returned Shop::takeBackSafely(const Return& what) {
   return inner_->takeBack(what, false);
 }
 double Shop::cancel(const Return& what) {
-  return inner_->takeBack(what, true);
+  return inner_->takeBack(what, true).ticket;
 }
 std::string Shop::invoiceTickets(const InvoiceWish& wish) {
   return inner_->invoiceTickets(wish);
 }
 std::optional<Closing> Shop::close(const std::string& till, Date day) {
-  return inner_->close(till, day);
+  return inner_->close(till, day, nullptr);
+}
+std::optional<Closing> Shop::close(const std::string& till, Date day, const CashCount& count) {
+  return inner_->close(till, day, &count);
 }
 Recovered Shop::recover() {
   return inner_->untilThrough([&](Before /*before*/) { return inner_->recover(); });
@@ -171,6 +177,7 @@ std::optional<double> Shop::Inner::sellOnce(const Sale& given, Before before) {
     askForTicket(sale, settled, onCredit, invoice, ahead);
     const Counters next = firstFree(settled);
     writeTicket(sale, next.a, onCredit);
+    writeParts(sale, next.a, documents_);
     writeInvoice(invoice, next.a);
     writeMovements(sale, next.a);
     if (onCredit) charge(sale, next.a);
@@ -269,17 +276,6 @@ bool Shop::Inner::isOnCredit(const Sale& sale) {
   return method != nullptr && method->isOnCredit;
 }
 
-/// Of a sale that is there, live or in history.
-std::optional<double> Shop::Inner::ticketOf(const std::string& reference) {
-  for (const Statement::Constant table : kTicketTables) {
-    Statement statement("SELECT Numero FROM ");
-    statement << table << " WHERE Referencia = " << sqlText(reference);
-    const Rows row(selector::kDocuments, statement, documents_);
-    if (row.hasRow()) return row.number("Numero");
-  }
-  return std::nullopt;
-}
-
 void Shop::Inner::writeTicket(const Sale& sale, double ticket, bool onCredit) {
   lines_.IniciaRs(documents_, "ninguno", "0");
   for (const SaleLine& line : sale.lines) addLine(line, ticket);
@@ -293,7 +289,7 @@ void Shop::Inner::writeTicket(const Sale& sale, double ticket, bool onCredit) {
   const double total = sale.total();
   // Who hands over no more than the price, or gets money back, gets no change; who pays later hands
   // over nothing.
-  const double paid = total < 0 ? total : std::max(sale.delivered, total);
+  const double paid = total < 0 ? total : std::max(handedOver(sale, known_), total);
   const double delivered = onCredit ? 0 : paid;
   set("Ticket", ticket);
   set("Serie", kSeries);

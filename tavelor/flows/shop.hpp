@@ -26,6 +26,12 @@ struct Closing {
   double total = 0;         ///< euros
 };
 
+/// What somebody has counted in the drawer of a till.
+struct CashCount {
+  double counted = 0;   ///< euros
+  std::string by = {};  ///< code of the employee; "" for nobody
+};
+
 /// A line that the shop has no price for.
 struct Unpriced {
   SaleLine line;       ///< as it came
@@ -59,6 +65,15 @@ struct Return {
   std::vector<ReturnedLine> lines = {};  ///< none: all that has not come back yet
   /// Why an invoice comes back, of R1 to R4, in a shop that keeps records. A ticket's is R5.
   fiscal::InvoiceKind cause = fiscal::InvoiceKind::kRectifying1;
+  /// How many returns of that ticket the caller knows of: then the same return may be asked for
+  /// again, and another one that came meanwhile is a conflict. None: it is another one each time.
+  std::optional<int> earlier = {};
+};
+
+/// A return that was made.
+struct Returned {
+  double ticket = 0;      ///< number of the new ticket
+  bool wasThere = false;  ///< this very return had been made before
 };
 
 /// An invoice that somebody wants in the place of tickets.
@@ -155,7 +170,13 @@ class Shop {
   /// the lots that it was sold from. Gives the number of the new ticket, whose reference tells the
   /// old one and how many came back before it. Raises RefusedSale where the ticket is not there, or
   /// more comes back than is left of one of its lines, and whatever sell() raises.
+  ///
+  /// What comes back of a ticket that was paid in parts is given back in the same ways, unless one
+  /// is told: the ticket's own first, of each what is left of its part.
   double takeBack(const Return& what);
+  /// The same, and whether it had been made before. With Return::earlier, raises RefusedSale with
+  /// isConflict() where somebody has made another return meanwhile.
+  Returned takeBackSafely(const Return& what);
 
   /// Takes back all of a ticket that should not have been sold, and cancels its invoice in place of
   /// rectifying it. Gives the number of the new ticket. Raises as takeBack(), and RefusedSale where
@@ -171,6 +192,10 @@ class Shop {
   /// Closes a till's tickets of a day and moves them to history; nothing where there are none. The
   /// balance grows by what was paid in cash. The slip is written when all is stored.
   std::optional<Closing> close(const std::string& till, Date day);
+  /// And stores with it what was counted, beside what should be there: the till's balance and what
+  /// earlier counts had over or missed. Raises 5 for what is no amount, or an employee wider than
+  /// his column.
+  std::optional<Closing> close(const std::string& till, Date day, const CashCount& count);
 
   /// Mends what a program that died has left, and finds what it cannot mend: as the next sale and
   /// the next closing would. While tickets are lost no closing is touched: whoever puts the lost

@@ -39,8 +39,9 @@ class Faults {
     const auto place = static_cast<std::size_t>(&line - sale_.lines.data()) + 1;
     faults_.push_back({place, line.origin, shown(line.code), std::move(reason)});
   }
-  void refuse() {
-    if (!faults_.empty()) throw RefusedSale(shown(sale_.reference), std::move(faults_));
+  void refuse(bool isConflict = false) {
+    if (faults_.empty()) return;
+    throw RefusedSale(shown(sale_.reference), std::move(faults_), isConflict);
   }
 
  private:
@@ -97,6 +98,7 @@ void Shop::Inner::refuseFaults(const Sale& sale) {
   } else if (known_.payment(sale.payment) == nullptr) {
     faults.add(fmt::format("the shop has no payment method {}", shown(sale.payment)));
   }
+  for (const std::string& fault : faultsOfParts(sale, known_)) faults.add(fault);
   if (!std::isfinite(sale.delivered) || std::abs(sale.delivered) > kMostMoney) {
     faults.add("what was handed over is no amount");
   }
@@ -123,7 +125,7 @@ bool Shop::Inner::isThere(const Sale& sale) {
   if (!ticket) return false;
   Faults faults(sale);
   faults.add(difference(sale, *ticket));
-  faults.refuse();
+  faults.refuse(true);
   return true;
 }
 
@@ -137,7 +139,9 @@ std::string Shop::Inner::difference(const Sale& sale, double ticket) {
   if (other.till != sale.till) return differs("another till");
   if (other.day.dayOnly() != sale.day) return differs("another day");
   if (other.customer != sale.customer) return differs("to another customer");
-  if (other.payment != sale.payment) return differs("paid otherwise");
+  if (other.payment != sale.payment || !areSame(other.parts, sale.parts)) {
+    return differs("paid otherwise");
+  }
   // History numbers the lines anew, in whatever order they lie.
   std::vector<SaleLine> left = other.lines;
   for (const SaleLine& line : sale.lines) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The closing of a till, and its slip.
 #include "tavelor/flows/amounts.hpp"
+#include "tavelor/flows/cash_count.hpp"
 #include "tavelor/flows/receipt.hpp"
 #include "tavelor/flows/shop_inner.hpp"
 #include "tavelor/platform/quotes.hpp"
@@ -8,9 +9,11 @@
 
 namespace tavelor::flows {
 
-std::optional<Closing> Shop::Inner::close(const std::string& till, Date day) {
+std::optional<Closing> Shop::Inner::close(const std::string& till, Date day,
+                                          const CashCount* count) {
+  if (count != nullptr) requireAmount(*count);
   Closing last;  // of the run whose commit may have had no answer
-  return untilThrough([&](Before before) { return closeOnce(till, day, before, last); });
+  return untilThrough([&](Before before) { return closeOnce(till, day, count, before, last); });
 }
 
 /// Whether that closing is there, of that till and day. No closing has the number 0.
@@ -21,7 +24,8 @@ bool Shop::Inner::isClosed(const Closing& closing, const std::string& till, Date
   return row.hasRow() && row.text("Caja") == till && Date(row.number("Fecha")) == day;
 }
 
-std::optional<Closing> Shop::Inner::closeOnce(const std::string& till, Date day, Before before,
+std::optional<Closing> Shop::Inner::closeOnce(const std::string& till, Date day,
+                                              const CashCount* count, Before before,
                                               Closing& closing) {
   forget();  // the one moment of a day at which another look costs nothing
   openTickets();
@@ -43,6 +47,7 @@ std::optional<Closing> Shop::Inner::closeOnce(const std::string& till, Date day,
       closing.tickets = sold.size();
       markAll(sold, closing.number);
       closing.total = writeClosing(closing.number, till, day);
+      if (count != nullptr) writeCount(closing.number, till, *count, main_);
       moveToHistory(closing.number);
     }
   }
@@ -104,12 +109,11 @@ double Shop::Inner::writeClosing(double closing, const std::string& till, Date d
   tickets_.VentasContado(day, day, code, nobody, series, paid, false, documents_);
   tickets_.VentasCredito(day, day, code, nobody, series, credit, false, documents_);
 
-  const auto payments = tickets_.SumColLinTotalFpagoTickets(closing, documents_);
+  const PaymentSums payments = paymentsOf(closing);
   double intoTill = 0;
-  for (std::int32_t i = 1; i <= payments->Count(); ++i) {
-    const ClsRegTicketsPtr payment = payments->Item(i);
-    const PaymentMethod* const method = known_.payment(text(payment->Codigo));
-    if (method != nullptr && method->isCash) intoTill += asNumber(payment->Importe);
+  for (const auto& [payment, amount] : payments) {
+    const PaymentMethod* const method = known_.payment(payment);
+    if (method != nullptr && method->isCash) intoTill += amount;
   }
   double balance = 0;
   closings_.SaldoAnterior(day, code, nobody, series, balance, main_);
@@ -133,11 +137,26 @@ double Shop::Inner::writeClosing(double closing, const std::string& till, Date d
                       .SaldoIni = balance,
                       .SaldoFin = cents(balance + intoTill),
                       .objCn = main_});
-  writeDetails(closing, *payments);
+  writeDetails(closing, payments);
   return cents(cash.dVentasTotal + credit);
 }
 
-void Shop::Inner::writeDetails(double closing, const CollectionTickets& payments) {
+/// As the class sums them, by the method that each ticket bears; the parts of those that were paid
+/// in several ways go to their own.
+PaymentSums Shop::Inner::paymentsOf(double closing) {
+  const auto methods = tickets_.SumColLinTotalFpagoTickets(closing, documents_);
+  PaymentSums sums;
+  for (std::int32_t i = 1; i <= methods->Count(); ++i) {
+    const ClsRegTicketsPtr method = methods->Item(i);
+    sums.emplace_back(text(method->Codigo), asNumber(method->Importe));
+  }
+  Statement which("Tickets.Facturado = 0 AND Tickets.Cierre = ");
+  which << spliced(numberText(closing));
+  splitByParts(sums, which, documents_);
+  return sums;
+}
+
+void Shop::Inner::writeDetails(double closing, const PaymentSums& payments) {
   const auto families = lines_.SumCollectionLinHFamilias(closing, documents_);
   for (std::int32_t i = 1; i <= families->Count(); ++i) {
     const ClsRegTicketsPtr family = families->Item(i);
@@ -147,10 +166,8 @@ void Shop::Inner::writeDetails(double closing, const CollectionTickets& payments
   for (const auto& [rate, split] : taxesOf(closing)) {
     closings_.InsertarCierreImpuestos(closing, text(Variant(rate)), split.base, split.tax, main_);
   }
-  for (std::int32_t i = 1; i <= payments.Count(); ++i) {
-    const ClsRegTicketsPtr payment = payments.Item(i);
-    closings_.InsertarCierreFormasPago(closing, doubledQuotes(text(payment->Codigo)),
-                                       asNumber(payment->Importe), main_);
+  for (const auto& [payment, amount] : payments) {
+    closings_.InsertarCierreFormasPago(closing, doubledQuotes(payment), amount, main_);
   }
 }
 

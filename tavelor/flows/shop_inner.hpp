@@ -25,8 +25,10 @@
 #include "tavelor/flows/audit.hpp"
 #include "tavelor/flows/both_databases.hpp"
 #include "tavelor/flows/known.hpp"
+#include "tavelor/flows/parts.hpp"
 #include "tavelor/flows/prices.hpp"
 #include "tavelor/flows/shop.hpp"
+#include "tavelor/flows/stored_sale.hpp"
 #include "tavelor/frame/reading.hpp"
 #include "tavelor/frame/rows.hpp"
 #include "tavelor/platform/error.hpp"
@@ -45,12 +47,9 @@
 
 namespace tavelor::flows {
 
-inline constexpr std::string_view kSeries = "A";
 inline constexpr std::string_view kWarehouse = "001";
 inline constexpr std::string_view kNoLot = "0";
 inline constexpr std::string_view kNobody = "";  // tickets without an employee
-/// Where tickets lie: until their closing, and behind it.
-inline constexpr std::array<Statement::Constant, 2> kTicketTables{"Tickets", "HTickets"};
 
 /// A whole number as a statement writes it.
 inline std::string numberText(double value) {
@@ -95,9 +94,9 @@ class Shop::Inner {
   std::vector<Unpriced> price(Sale& sale);
   SaleLine price(const PriceQuestion& question);
   std::optional<double> sell(const Sale& given);
-  double takeBack(const Return& what, bool isCancellation);
+  Returned takeBack(const Return& what, bool isCancellation);
   std::string invoiceTickets(const InvoiceWish& wish);
-  std::optional<Closing> close(const std::string& till, Date day);
+  std::optional<Closing> close(const std::string& till, Date day, const CashCount* count);
   Recovered recover();
   Recovered recoverAll(Decision decision);
 
@@ -128,11 +127,12 @@ class Shop::Inner {
   enum class Extent : std::uint8_t { kTail, kWhole };
 
   std::optional<double> sellOnce(const Sale& given, Before before);
-  double takeBackOnce(const Return& what, bool isCancellation, Before before,
-                      std::string& reference);
+  Returned takeBackOnce(const Return& what, bool isCancellation, Before before,
+                        std::string& reference);
+  void payBack(Sale& back, const Sale& sold, const std::vector<Sale>& earlier);
   std::string invoiceTicketsOnce(const InvoiceWish& wish, Before before, std::string& number);
-  std::optional<Closing> closeOnce(const std::string& till, Date day, Before before,
-                                   Closing& closing);
+  std::optional<Closing> closeOnce(const std::string& till, Date day, const CashCount* count,
+                                   Before before, Closing& closing);
 
   void openTickets();
 
@@ -146,7 +146,9 @@ class Shop::Inner {
   bool isThere(const std::string& article);
   bool isByLots(const std::string& article);
   void moveLot(const std::string& code, const std::string& lot, double units, bool isReturn);
-  std::optional<double> ticketOf(const std::string& reference);
+  std::optional<double> ticketOf(const std::string& reference) const {
+    return flows::ticketOf(reference, documents_);
+  }
   bool isOnCredit(const Sale& sale);
   Invoice draftInvoice(const Sale& sale);
   std::string cancelledBy(const Sale& sale, std::vector<std::string>& faults);
@@ -175,7 +177,8 @@ class Shop::Inner {
   void markAll(const std::vector<Variant>& tickets, double closing);
   void mark(const Variant& ticket, double closing);
   double writeClosing(double closing, const std::string& till, Date day);
-  void writeDetails(double closing, const CollectionTickets& payments);
+  PaymentSums paymentsOf(double closing);
+  void writeDetails(double closing, const PaymentSums& payments);
   std::map<double, TaxSplit> taxesOf(double closing);
   void moveToHistory(double closing);
 
@@ -191,8 +194,10 @@ class Shop::Inner {
   void finishSales(double first, Recovered& recovered);
   void bookStored(double ticket);
   bool hasMovedStock(double ticket);
-  std::optional<Sale> findSale(double ticket);
-  Sale storedSale(double ticket) { return findSale(ticket).value_or(Sale()); }
+  std::optional<Sale> findSale(double ticket) const {
+    return flows::findSale(ticket, main_, documents_);
+  }
+  Sale storedSale(double ticket) const { return findSale(ticket).value_or(Sale()); }
   void undo(double ticket);
   void undoEntries(double ticket);
   void takeBackClosings(const Statement& candidates, Recovered& recovered);

@@ -177,46 +177,6 @@ bool Shop::Inner::hasMovedStock(double ticket) {
   return Rows(selector::kMain, statement, main_).hasRow();
 }
 
-/// What a ticket tells of its sale, live or in history; nothing where there is none.
-std::optional<Sale> Shop::Inner::findSale(double ticket) {
-  for (const Statement::Constant table : kTicketTables) {
-    Statement head(
-        "SELECT Referencia, Fecha, Concepto, Codigo, Razon_Social, Forma_Pago, Caja, Recargo, "
-        "Importe_Recargo FROM ");
-    head << table << " WHERE Numero = " << spliced(numberText(ticket));
-    const Rows row(selector::kDocuments, head, documents_);
-    if (!row.hasRow()) continue;
-    Sale sale;
-    sale.reference = row.text("Referencia");
-    sale.till = row.text("Caja");
-    sale.time = row.text("Concepto");
-    sale.day = Date(row.number("Fecha"));
-    sale.customer = row.text("Codigo");
-    sale.name = row.text("Razon_Social");
-    sale.payment = row.text("Forma_Pago");
-    Statement header("SELECT Provincia FROM ");
-    header << table << "_Cabecera WHERE Codigo = " << spliced(numberText(ticket));
-    const Rows place(selector::kDocuments, header, documents_);
-    if (place.hasRow()) sale.place = place.text("Provincia");
-    Statement lines("SELECT Codigo, Descripcion, Familia, Cantidad, Precio, IVA, DTO, Lote FROM ");
-    lines << table << "_Lineas WHERE Numero = " << spliced(numberText(ticket)) << " ORDER BY ID";
-    for (Rows rows(selector::kDocuments, lines, documents_); rows.hasRow(); rows.next()) {
-      sale.lines.push_back({.code = rows.text("Codigo"),
-                            .description = rows.text("Descripcion"),
-                            .family = rows.text("Familia"),
-                            .quantity = rows.number("Cantidad"),
-                            .price = rows.number("Precio"),
-                            .tax = rows.number("IVA"),
-                            .surcharge = surchargeRateOf(row, rows, main_),
-                            .discount = rows.number("DTO"),
-                            .isFree = rows.number("Precio") == 0,
-                            .lot = rows.text("Lote")});
-    }
-    return sale;
-  }
-  return std::nullopt;
-}
-
 /// Undoes what book() did. Articles and customers that were made on the way stay.
 void Shop::Inner::undo(double ticket) {
   Statement statement(
@@ -291,9 +251,12 @@ void Shop::Inner::takeBackClosings(const Statement& candidates, Recovered& recov
 
 void Shop::Inner::deleteClosing(double closing) {
   closings_.DeleteAll(closing, main_);
-  Statement statement("DELETE FROM Cierres WHERE Codigo = ");
-  statement << spliced(numberText(closing));
-  DataSession().Execute(selector::kMain, statement, main_);
+  const auto run = [&](Statement statement) {
+    statement << spliced(numberText(closing));
+    DataSession().Execute(selector::kMain, statement, main_);
+  };
+  run(Statement("DELETE FROM Cierres_Arqueos WHERE Cierre = "));
+  run(Statement("DELETE FROM Cierres WHERE Codigo = "));
 }
 
 /// Whether no ticket belongs to a closing with lines, while those that it closed are open still. A

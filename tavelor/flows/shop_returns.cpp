@@ -5,38 +5,12 @@
 
 #include <fmt/format.h>
 
+#include "tavelor/flows/returned.hpp"
 #include "tavelor/flows/shop_inner.hpp"
 
 namespace tavelor::flows {
 
 namespace {
-
-constexpr double kNothing = 1e-9;  // units; what binary fractions leave of a whole number
-
-/// Of all returns of a ticket, by which they are found again: "Dev. A/12 (1)".
-std::string referenceOf(double ticket, int before) {
-  return fmt::format("Dev. {}/{:.0f} ({})", kSeries, ticket, before + 1);
-}
-
-bool isOf(const SaleLine& returned, const SaleLine& line) {
-  return returned.code == line.code && returned.price == line.price &&
-         returned.discount == line.discount && returned.tax == line.tax &&
-         returned.surcharge == line.surcharge && returned.lot == line.lot;
-}
-
-/// What is left of each line after a return. A return tells no lines: equal ones are taken off in
-/// their order.
-void takeOff(std::vector<double>& left, const std::vector<SaleLine>& lines, const Sale& returned) {
-  for (const SaleLine& back : returned.lines) {
-    double units = -back.quantity;
-    for (std::size_t at = 0; at < lines.size() && units > kNothing; ++at) {
-      if (!isOf(back, lines[at])) continue;
-      const double taken = std::min(units, left[at]);
-      left[at] -= taken;
-      units -= taken;
-    }
-  }
-}
 
 /// Of equal lines it does not matter which one comes back: where one has too little left, others
 /// give theirs.
@@ -64,14 +38,14 @@ std::string ofEqual(const std::vector<double>& units, const std::vector<SaleLine
 
 }  // namespace
 
-double Shop::Inner::takeBack(const Return& what, bool isCancellation) {
+Returned Shop::Inner::takeBack(const Return& what, bool isCancellation) {
   std::string last;  // of the run whose commit may have had no answer
   return untilThrough(
       [&](Before before) { return takeBackOnce(what, isCancellation, before, last); });
 }
 
-double Shop::Inner::takeBackOnce(const Return& what, bool isCancellation, Before before,
-                                 std::string& reference) {
+Returned Shop::Inner::takeBackOnce(const Return& what, bool isCancellation, Before before,
+                                   std::string& reference) {
   // What is left is looked at under the locks of the sale, so that two tills do not take the same
   // back.
   BothDatabases transaction(main_, documents_);
@@ -84,7 +58,7 @@ double Shop::Inner::takeBackOnce(const Return& what, bool isCancellation, Before
     const Sale other = there ? storedSale(*there) : Sale();
     // Another till may have taken some of it back meanwhile, by the same count.
     if (there && other.till == what.till && other.day == what.day && other.time == what.time) {
-      return *there;
+      return {*there};
     }
   }
   const std::optional<Sale> sold = findSale(what.ticket);
@@ -92,14 +66,24 @@ double Shop::Inner::takeBackOnce(const Return& what, bool isCancellation, Before
 
   std::vector<double> left;
   for (const SaleLine& line : sold->lines) left.push_back(std::max(line.quantity, 0.0));
-  int returns = 0;
-  for (; const std::optional<double> other = ticketOf(referenceOf(what.ticket, returns));
-       ++returns) {
-    takeOff(left, sold->lines, storedSale(*other));
+  std::vector<Sale> earlier;
+  const auto isKnown = [&] {
+    return !what.earlier || earlier.size() < static_cast<std::size_t>(std::max(*what.earlier, 0));
+  };
+  while (isKnown()) {
+    const auto other = ticketOf(returnReference(what.ticket, static_cast<int>(earlier.size())));
+    if (!other) break;
+    earlier.push_back(storedSale(*other));
+    takeOff(left, sold->lines, earlier.back());
   }
+  const int returns = static_cast<int>(earlier.size());
 
   std::vector<double> wanted = what.lines.empty() ? left : std::vector<double>(left.size());
   std::vector<SaleFault> faults;
+  if (what.earlier && *what.earlier != returns) {
+    faults.push_back({.reason = fmt::format("it has come back {} times so far, and not {}", returns,
+                                            *what.earlier)});
+  }
   for (const ReturnedLine& line : what.lines) {
     if (line.line == 0 || line.line > left.size()) {
       faults.push_back({.line = line.line, .reason = "the ticket has no such line"});
@@ -112,7 +96,7 @@ double Shop::Inner::takeBackOnce(const Return& what, bool isCancellation, Before
   }
   evenOut(wanted, left, sold->lines);
   Sale back = *sold;
-  back.reference = reference = referenceOf(what.ticket, returns);
+  back.reference = reference = returnReference(what.ticket, returns);
   back.till = what.till;
   back.day = what.day;
   back.time = what.time;
@@ -121,16 +105,16 @@ double Shop::Inner::takeBackOnce(const Return& what, bool isCancellation, Before
   back.invoice.cause = what.cause;
   back.returned = what.ticket;
   back.isCancellation = isCancellation;
-  if (!what.payment.empty()) back.payment = what.payment;
+  back.parts.clear();
   back.lines.clear();
   for (std::size_t at = 0; at < wanted.size(); ++at) {
-    if (wanted[at] > left[at] + kNothing) {
+    if (wanted[at] > left[at] + kNoUnits) {
       faults.push_back(
           {at + 1, 0, sold->lines[at].code,
            fmt::format("{} come back, and {} are left", ofEqual(wanted, sold->lines, at),
                        ofEqual(left, sold->lines, at))});
     }
-    if (wanted[at] <= kNothing) continue;
+    if (wanted[at] <= kNoUnits) continue;
     SaleLine& line = back.lines.emplace_back(sold->lines[at]);
     line.quantity = -roundHalfAway(wanted[at], 6);
   }
@@ -140,7 +124,17 @@ double Shop::Inner::takeBackOnce(const Return& what, bool isCancellation, Before
   }
   if (faults.empty() && back.lines.empty()) faults.push_back({.reason = "nothing is left of it"});
   if (!faults.empty()) refuse(std::move(faults));
+  if (!what.payment.empty()) {
+    back.payment = what.payment;
+  } else if (!sold->parts.empty()) {
+    payBack(back, *sold, earlier);
+  }
 
+  if (const auto there = what.earlier ? ticketOf(reference) : std::nullopt) {
+    back.day = storedSale(*there).day;  // asked for again on another one
+    isThere(back);                      // or raises: somebody has taken something else back
+    return {*there, true};
+  }
   const std::optional<double> number = sell(back);
   if (!number) {
     // Between the look above and the lock of the number; whether it was this very return, the next
@@ -148,7 +142,15 @@ double Shop::Inner::takeBackOnce(const Return& what, bool isCancellation, Before
     raise(errors::kTryAgain, "Shop", fmt::format("Somebody has just brought back ticket {}", name));
   }
   transaction.commit(BothDatabases::First::kDocuments);
-  return *number;
+  return {*number};
+}
+
+/// In the ways in which the sale was paid in parts.
+void Shop::Inner::payBack(Sale& back, const Sale& sold, const std::vector<Sale>& earlier) {
+  std::vector<PaymentPart> parts = givenBack(back, sold, earlier);
+  if (parts.empty()) return;
+  back.payment = parts.front().payment;
+  if (parts.size() > 1) back.parts = std::move(parts);
 }
 
 }  // namespace tavelor::flows

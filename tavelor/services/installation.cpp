@@ -176,9 +176,10 @@ void Installation::prepareDatabases(bool create) const {
     options.shared = &shared;
     options.create = create;
     const auto session = database->engine->open(options);
+    const int selector = database->settings.selector;
     schema::bringUpToDate(*session,
-                          {schema::ddlOf(database->settings.selector), schema::currentVersion(),
-                           create, database->place(settings_.server)},
+                          {schema::ddlOf(selector), schema::currentVersion(), create,
+                           database->place(settings_.server), schema::textIndexesOf(selector)},
                           *database->writer);
   }
   const RegistryTree registry(*this, &shared, create);
@@ -282,6 +283,18 @@ void Installation::addToSchema(int selector, std::string_view ddl) {
   const Database& database = entry(selector);
   const auto session = database.engine->open(openOptions(selector));
   schema::apply(*session, ddl, *database.writer);
+}
+
+void Installation::rebuildTextIndexes() const {
+  for (const auto& database : databases_) {
+    const std::vector<engine::TextIndex> indexes =
+        schema::textIndexesOf(database->settings.selector);
+    if (indexes.empty()) continue;
+    const auto session = database->engine->open(openOptions(database->settings.selector));
+    engine::Transaction transaction(*session);
+    schema::makeTextIndexes(*session, indexes);
+    transaction.commit();
+  }
 }
 
 }  // namespace tavelor

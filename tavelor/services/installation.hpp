@@ -167,6 +167,9 @@ class TAVELOR_API Installation {
   /// Connections taken from then on, of this installation or of any other over the same folder, see
   /// them. Raises 3251 for DDL that drops.
   void addToSchema(int selector, std::string_view ddl);
+  /// Makes the indexes by which rows are found by words anew from their tables, each database in
+  /// one transaction: where a file was damaged, or a program has written past the triggers.
+  void rebuildTextIndexes() const;
 
  private:
   struct Database;

@@ -24,6 +24,7 @@
 #include "tavelor/services/engine/movable.hpp"
 #include "tavelor/services/engines.hpp"
 #include "tavelor/services/installation.hpp"
+#include "tavelor/services/schema.hpp"
 #include "tavelor/services/settings_file.hpp"
 #include "tavelor/services/table_copy.hpp"
 
@@ -52,6 +53,7 @@ struct Side {
   engine::Movable* movable = nullptr;
   std::optional<engine::Transaction> transaction;  // goes before its session
   engine::Catalogue tables;
+  std::vector<engine::TextIndex> textIndexes;  // of the target
 
   std::string place() const { return engine->isFile() ? options.path : options.schema; }
 
@@ -77,8 +79,10 @@ struct Sides {
   std::size_t size() const { return databases.size(); }
 };
 
-void add(Sides& sides, std::string label, std::string_view engine, engine::OpenOptions options) {
+void add(Sides& sides, std::string label, std::string_view engine, engine::OpenOptions options,
+         std::vector<engine::TextIndex> textIndexes = {}) {
   auto side = std::make_unique<Side>();
+  side->textIndexes = std::move(textIndexes);
   side->label = std::move(label);
   side->engine = findEngine(engine);
   side->writer = makeWriter(*side->engine, options.schema);
@@ -110,7 +114,8 @@ Sides sidesOf(const Installation& installation, const Settings& settings) {
   };
   for (const DatabaseSettings& each : settings.databases) {
     add(sides, each.label, each.engine,
-        options(each.file, each.schema.empty() ? each.label : each.schema));
+        options(each.file, each.schema.empty() ? each.label : each.schema),
+        schema::textIndexesOf(each.selector));
   }
   const bool isFile = findEngine(settings.registryEngine)->isFile();
   add(sides, std::string(kRegistry), settings.registryEngine,
@@ -319,6 +324,8 @@ class Mover {
                                              index.isUnique, index.columns};
         to.session->execute(dialect::createIndex(definition, &definition.table, *to.writer));
       }
+      // Their triggers come last, and so cost the copying nothing.
+      schema::makeTextIndexes(*to.session, to.textIndexes);
       to.session->wait();
     }
   }

@@ -43,6 +43,25 @@ std::string_view ddlOfFamily(std::string_view name) {
   return {};
 }
 
+/// Cuts the first word off.
+std::string_view takeWord(std::string_view& words) {
+  const std::size_t blank = std::min(words.find(' '), words.size());
+  const std::string_view word = words.substr(0, blank);
+  words.remove_prefix(std::min(blank + 1, words.size()));
+  return word;
+}
+
+engine::TextIndex::Part partOf(std::string_view word, std::string_view table) {
+  engine::TextIndex::Part part;
+  part.isCode = word.starts_with('=');
+  if (part.isCode) word.remove_prefix(1);
+  const std::size_t point = word.find('.');
+  const bool isOther = point != std::string_view::npos;
+  part.table = isOther ? word.substr(0, point) : table;
+  part.column = isOther ? word.substr(point + 1) : word;
+  return part;
+}
+
 /// Adds the columns that a table lacks, in the order of their declaration.
 void addMissingColumns(engine::Session& session, const engine::Table& present,
                        const engine::Table& declared, const dialect::Writer& writer) {
@@ -110,13 +129,35 @@ std::string ddlOf(int selector) {
     if (assignment.selector != selector) continue;
     std::string_view rest = assignment.families;
     while (!rest.empty()) {
-      const std::size_t blank = std::min(rest.find(' '), rest.size());
-      ddl += ddlOfFamily(rest.substr(0, blank));
+      ddl += ddlOfFamily(takeWord(rest));
       ddl += '\n';
-      rest.remove_prefix(std::min(blank + 1, rest.size()));
     }
   }
   return ddl;
+}
+
+std::vector<engine::TextIndex> textIndexesOf(int selector) {
+  std::vector<engine::TextIndex> indexes;
+  for (const Search& search : searches()) {
+    if (search.selector != selector) continue;
+    engine::TextIndex& index = indexes.emplace_back();
+    index.table = search.table;
+    index.key = search.key;
+    index.title = search.title;
+    index.inUse = search.inUse;
+    std::string_view rest = search.parts;
+    while (!rest.empty()) index.parts.push_back(partOf(takeWord(rest), search.table));
+  }
+  return indexes;
+}
+
+void makeTextIndexes(engine::Session& session, const std::vector<engine::TextIndex>& indexes) {
+  if (indexes.empty()) return;
+  auto* const keeper = dynamic_cast<engine::TextSearch*>(&session);
+  if (keeper == nullptr) {
+    raise(errors::kNotSupported, kSource, "The engine keeps no text indexes.");
+  }
+  for (const engine::TextIndex& index : indexes) keeper->makeTextIndex(index);
 }
 
 int versionOf(engine::Session& session, const dialect::Writer& writer) {
@@ -161,6 +202,7 @@ void bringUpToDate(engine::Session& session, const Target& target, const dialect
     apply(session, kVersionDdl, writer);
   }
   addMissing(session, target.ddl, writer);
+  makeTextIndexes(session, target.textIndexes);
   writeVersion(session, target.version, writer);
   transaction.commit();
 }

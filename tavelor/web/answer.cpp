@@ -132,7 +132,8 @@ Answer answerOf(std::exception_ptr thrown, std::string& forLog) {
     forLog = failure.what();
     return answerOf(failure, errors::kInvalidCall);
   } catch (const flows::RefusedSale& refused) {
-    Failure failure = Failure::refused(refused.description());
+    Failure failure = refused.isConflict() ? Failure::conflict(refused.description())
+                                           : Failure::refused(refused.description());
     for (const flows::SaleFault& fault : refused.faults()) {
       failure.faults.push_back({.line = fault.line, .code = fault.code, .reason = fault.reason});
     }

@@ -69,6 +69,8 @@ class Context {
   /// What was changed, for the log of changes: "ticket 17". A text; "" to begin with.
   void changed(std::string what) { changed_ = std::move(what); }
   const std::string& changed() const { return changed_; }
+  /// No line in the log: what was sent is a question.
+  void changedNothing() { isLogged_ = true; }
   /// Writes the line of the log over a connection of the main database, so that it is stored with
   /// the change itself or not at all. Else it is written right behind the handler.
   void logChangeIn(const std::shared_ptr<Connection>& main);

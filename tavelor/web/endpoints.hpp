@@ -10,6 +10,12 @@ void addPages(Routes& routes);
 void addSession(Routes& routes);
 void addHealth(Routes& routes);
 void addEvents(Routes& routes);
+void addTillSearch(Routes& routes);
+void addTillCustomers(Routes& routes);
+void addTillSales(Routes& routes);
+void addTillHeld(Routes& routes);
+void addTillTickets(Routes& routes);
+void addTillClosings(Routes& routes);
 
 /// All of them.
 inline void addEndpoints(Routes& routes) {
@@ -17,6 +23,12 @@ inline void addEndpoints(Routes& routes) {
   addSession(routes);
   addHealth(routes);
   addEvents(routes);
+  addTillSearch(routes);
+  addTillCustomers(routes);
+  addTillSales(routes);
+  addTillHeld(routes);
+  addTillTickets(routes);
+  addTillClosings(routes);
 }
 
 }  // namespace tavelor::web

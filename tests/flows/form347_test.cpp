@@ -44,13 +44,14 @@ class Form347Test : public ::testing::Test {
     shop_.emplace();
   }
   void sell(const std::string& customer, Date day, double price, const std::string& payment = "1",
-            fiscal::Form form = fiscal::Form::kInvoice) {
+            fiscal::Form form = fiscal::Form::kInvoice, std::vector<PaymentPart> parts = {}) {
     if (!shop_) shop_.emplace();
     Sale sale = saleOf("V" + std::to_string(++sales_));
     sale.day = day;
     sale.customer = customer;
     sale.payment = payment;
     sale.invoice.form = form;
+    sale.parts = std::move(parts);
     sale.lines = {{.code = "PAN", .description = "Barra", .quantity = 1, .price = price}};
     shop_->sell(sale);
   }
@@ -83,6 +84,17 @@ TEST_F(Form347Test, SumsTicketsOfCustomersWhoShareANumberBeforeThereWereRecords)
   EXPECT_EQ(declared.cash, 300'507);
   EXPECT_EQ(declared.province, 8) << "of the one who has it";
   EXPECT_EQ(year.form.declarant.number, "89890001K");
+}
+
+TEST_F(Form347Test, CountsTheCashOfWhatWasPaidInParts) {
+  sell("C1", Date::of(2026, 2, 1), 2000, "2", fiscal::Form::kInvoice, {{"1", 500}, {"2", 1500}});
+  sell("C1", Date::of(2026, 2, 1), 2000, "1", fiscal::Form::kInvoice, {{"1", 1999}, {"2", 1}});
+  shop_->close("01", Date::of(2026, 2, 1));
+  sell("C1", Date::of(2026, 5, 1), 100, "1");
+  EXPECT_EQ(yearOfTrade(2026).form.declared.front().cash, 259'900);
+  keepRecords();
+  sell("C1", kDay, 1000, "2", fiscal::Form::kInvoice, {{"1", 300}, {"2", 700}});
+  EXPECT_EQ(yearOfTrade(2026).form.declared.front().cash, 289'900);
 }
 
 TEST_F(Form347Test, TakesRecordsThatNameWhoBuysFromTheirFirstDayOn) {

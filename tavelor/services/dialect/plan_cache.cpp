@@ -307,6 +307,10 @@ PlanCache::PlanCache(engine::Session& session, std::shared_ptr<const engine::Cat
 
 PlanCache::~PlanCache() = default;
 
+engine::Session& PlanCache::session() {
+  return state_->session;
+}
+
 std::int64_t PlanCache::run(const Statement& statement) {
   return state_->run(statement, State::Counted::kYes);
 }

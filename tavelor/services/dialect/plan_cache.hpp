@@ -51,6 +51,9 @@ class PlanCache {
             std::shared_ptr<const Locale> locale, const Writer& writer);
   ~PlanCache();
 
+  /// Whose statements these are.
+  engine::Session& session();
+
   /// Runs a statement that gives no rows; the number of rows written by its last step. Several
   /// steps run in one transaction: after an error nothing of the statement is left.
   std::int64_t run(const Statement& statement);

@@ -33,7 +33,7 @@ constexpr std::string_view kColumns =
     "LEFT JOIN pg_attrdef f ON f.adrelid = c.oid AND f.adnum = a.attnum AND a.attgenerated = '' "
     "LEFT JOIN pg_index k ON k.indrelid = c.oid AND k.indisprimary "
     "WHERE c.relnamespace = (SELECT oid FROM pg_namespace WHERE nspname = $1) "
-    "AND c.relkind IN ('r', 'p') ORDER BY c.oid, a.attnum";
+    "AND c.relkind IN ('r', 'p') AND left(c.relname, 3) <> 'tv_' ORDER BY c.oid, a.attnum";
 
 enum Place : std::size_t {
   kTable,

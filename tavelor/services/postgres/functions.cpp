@@ -102,12 +102,27 @@ void addTables(std::vector<Insert>& inserts, const std::string& name, const std:
   inserts.push_back({name + " western to", western.to()});
 }
 
+/// Letters without their marks, where that is one character. It takes a moment, once in the life of
+/// a database.
+std::string plain(const std::string& characters) {
+  std::string all;
+  for (std::size_t i = 0; i < characters.size();) {
+    const utf8::Character from = utf8::decode(characters, i);
+    const std::string_view letter = std::string_view(characters).substr(i, from.size);
+    const std::string bare = text::foldAccents(letter);
+    all += text::length(bare) == 1 ? bare : letter;
+    i += from.size;
+  }
+  return all;
+}
+
 std::string makeDdl() {
   const std::string characters = manyCharacters();
   std::vector<Insert> inserts;
   addTables(inserts, "upper", characters, text::upper(characters));
   addTables(inserts, "lower", characters, text::lower(characters));
   addTables(inserts, "fold", characters, text::foldCase(characters));
+  addTables(inserts, "plain", characters, plain(characters));
   std::string ddl;
   for (const std::string_view text : functionTexts()) ddl += text;
   for (const auto& [name, text] : inserts) {

@@ -24,7 +24,7 @@ constexpr std::string_view kIndexes =
     "CROSS JOIN LATERAL unnest(x.indkey[0:x.indnkeyatts - 1]) WITH ORDINALITY AS k (number, place) "
     "LEFT JOIN pg_attribute a ON a.attrelid = t.oid AND a.attnum = k.number AND k.number > 0 "
     "WHERE t.relnamespace = (SELECT oid FROM pg_namespace WHERE nspname = $1) "
-    "AND NOT x.indisprimary AND NOT EXISTS (SELECT FROM pg_attribute h WHERE h.attrelid = t.oid "
+    "AND left(t.relname, 3) <> 'tv_' AND NOT x.indisprimary AND NOT EXISTS (SELECT FROM pg_attribute h WHERE h.attrelid = t.oid "
     "AND h.attname = 'tv_row' AND h.attnum = ANY (x.indkey)) ORDER BY i.oid, k.place";
 
 constexpr std::string_view kLastNumber =

@@ -8,6 +8,7 @@
 #include "tavelor/platform/callback.hpp"
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/engine/movable.hpp"
+#include "tavelor/services/engine/text_index.hpp"
 #include "tavelor/services/postgres/line.hpp"
 
 namespace tavelor::engine::postgres {
@@ -20,7 +21,7 @@ struct SessionState {
   Levels levels;
 };
 
-class ServerSession final : public Session, public Movable {
+class ServerSession final : public Session, public Movable, public TextSearch {
  public:
   explicit ServerSession(std::shared_ptr<SessionState> state) : state_(std::move(state)) {}
   ServerSession(const ServerSession&) = delete;
@@ -54,9 +55,15 @@ class ServerSession final : public Session, public Movable {
   /// Renames the schema, with the transaction.
   void putAway(std::string_view ending) override;
 
+  // Text indexes: text_index.cpp.
+  void makeTextIndex(const TextIndex& index) override;
+  std::vector<TextFound> findText(std::string_view table, std::string_view question,
+                                  std::size_t most) override;
+
  private:
   std::shared_ptr<SessionState> state_;
   std::unique_ptr<Prepared> schemaVersion_;
+  std::unique_ptr<Prepared> findText_;
 };
 
 }  // namespace tavelor::engine::postgres

@@ -5,8 +5,10 @@
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/locale.hpp"
 #include "tavelor/platform/statement.hpp"
+#include "tavelor/platform/utf8.hpp"
 #include "tavelor/services/dialect/plan_cache.hpp"
 #include "tavelor/services/engine/engine.hpp"
+#include "tavelor/services/engine/text_index.hpp"
 #include "tavelor/services/recordset/connection_trace.hpp"
 #include "tavelor/services/recordset/recordset_parts.hpp"
 #include "tavelor/services/recordset/recordset_store.hpp"
@@ -73,6 +75,26 @@ std::int64_t Connection::Execute(const Statement& statement) {
 void Connection::Send(const Statement& statement) {
   SessionLease& open = lease();
   traced([&] { return statement.text(); }, [&] { return open.plans().send(statement); });
+}
+
+std::vector<engine::TextFound> Connection::findText(std::string_view table,
+                                                    std::string_view question,
+                                                    std::size_t most) const {
+  if (State() == ObjectState::kClosed) raise(errors::kInvalidConnection, kRecordsetSource);
+  auto* const finder = dynamic_cast<engine::TextSearch*>(&lease().readingPlans().session());
+  if (finder == nullptr) {
+    raise(errors::kNotSupported, kSource, "The engine keeps no text indexes.");
+  }
+  // More than anybody types would only be cut into words in vain.
+  constexpr std::size_t kLongest = 1024;
+  std::string clean;
+  for (std::size_t at = 0; at < question.size() && clean.size() < kLongest;) {
+    const utf8::Character character = utf8::decode(question, at);
+    const bool isText = character.code >= ' ' && character.code < utf8::kInvalidBase;
+    clean += isText ? question.substr(at, character.size) : std::string_view(" ");
+    at += character.size;
+  }
+  return finder->findText(table, clean, most);
 }
 
 void Connection::HoldNumbersOf(std::string_view table) {

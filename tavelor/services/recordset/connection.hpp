@@ -7,9 +7,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tavelor/platform/export.hpp"
 #include "tavelor/platform/variant.hpp"
+#include "tavelor/services/engine/text_found.hpp"
 #include "tavelor/services/recordset/constants.hpp"
 
 namespace tavelor {
@@ -123,6 +125,13 @@ class TAVELOR_API Connection final : public Object,
   std::optional<Variant> firstValue(const Statement& statement, std::string_view column) const;
   /// True if a SELECT gives a row; looks at no further one.
   bool anyRow(const Statement& statement) const;
+
+  /// Rows of a table that has a text index, by the beginnings of their words: their keys, `most` of
+  /// them, the best ones first. `question` is what somebody types: blanks and signs only part its
+  /// words. Raises kNotSupported for an engine without text indexes, 3709 when closed. No statement
+  /// of the dialect: no trace tells of it.
+  std::vector<engine::TextFound> findText(std::string_view table, std::string_view question,
+                                          std::size_t most) const;
 
   /// Makes every other transaction that calls it for that table wait until this one ends, where the
   /// engine lets several write at a time. A statement that reads the largest number of a table does

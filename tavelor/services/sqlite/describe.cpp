@@ -106,7 +106,7 @@ Catalogue describeTables(Database& database) {
   const StatementHandle names = compile(
       database,
       "SELECT name FROM sqlite_master WHERE type = 'table' AND substr(name, 1, 7) <> 'sqlite_' "
-      "ORDER BY rowid");
+      "AND substr(name, 1, 3) <> 'tv_' ORDER BY rowid");
   std::vector<Table> tables;
   while (next(database, names)) tables.push_back(describeTable(database, textAt(names.get(), 0)));
   return Catalogue(std::move(tables));

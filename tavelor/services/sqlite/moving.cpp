@@ -77,7 +77,8 @@ std::vector<Index> FileSession::indexes() {
       compile(*database_,
               "SELECT m.name, m.tbl_name, l.\"unique\" FROM sqlite_master AS m"
               " JOIN pragma_index_list(m.tbl_name) AS l ON l.name = m.name"
-              " WHERE m.type = 'index' AND l.origin = 'c' ORDER BY m.rowid");
+              " WHERE m.type = 'index' AND l.origin = 'c' AND substr(m.tbl_name, 1, 3) <> 'tv_'"
+              " ORDER BY m.rowid");
   std::vector<Index> indexes;
   while (nextRow(*database_, made)) {
     Index& index = indexes.emplace_back();

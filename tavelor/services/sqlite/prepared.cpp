@@ -74,10 +74,9 @@ std::int64_t PreparedStatement::run() {
   code = sqlite3_reset(statement);
   if (code != SQLITE_OK) [[unlikely]]
     database_->fail(code);
-  // The engine's count wraps at 32 bits; the difference does not care.
-  return static_cast<std::int64_t>(
-      static_cast<std::uint32_t>(sqlite3_total_changes(database_->handle)) -
-      static_cast<std::uint32_t>(before));
+  // The total tells whether this statement wrote at all, and holds what triggers wrote beside it.
+  if (sqlite3_total_changes(database_->handle) == before) return 0;
+  return sqlite3_changes(database_->handle);
 }
 
 void PreparedStatement::fetchRows(RowStore& rows, std::size_t most) {

@@ -7,6 +7,7 @@
 #include "tavelor/services/engine/catalogue.hpp"
 #include "tavelor/services/sqlite/describe.hpp"
 #include "tavelor/services/sqlite/prepared.hpp"
+#include "tavelor/services/sqlite/text_index.hpp"
 
 namespace tavelor::engine::sqlite {
 

@@ -4,11 +4,14 @@
 
 #include "tavelor/services/engine/engine.hpp"
 #include "tavelor/services/engine/movable.hpp"
+#include "tavelor/services/engine/text_index.hpp"
 #include "tavelor/services/sqlite/database.hpp"
 
 namespace tavelor::engine::sqlite {
 
-class FileSession final : public Session, public Movable {
+class TextFinder;
+
+class FileSession final : public Session, public Movable, public TextSearch {
  public:
   /// `readOnly` sessions may begin a transaction too: it gives them one state of the data.
   FileSession(std::shared_ptr<Database> database, bool readOnly);
@@ -37,6 +40,11 @@ class FileSession final : public Session, public Movable {
   /// Renames the file and what of it is still in its log, at once. Raises 75.
   void putAway(std::string_view ending) override;
 
+  // Text indexes: text_index.cpp.
+  void makeTextIndex(const TextIndex& index) override;
+  std::vector<TextFound> findText(std::string_view table, std::string_view question,
+                                  std::size_t most) override;
+
  private:
   /// Runs a statement of the transaction's own, compiled at its first use.
   int control(StatementHandle& statement, std::string_view text);
@@ -45,6 +53,7 @@ class FileSession final : public Session, public Movable {
   std::shared_ptr<Database> database_;
   std::string_view beginText_;
   bool commitFailed_ = false;  // and neither a rollback nor a new transaction came since
+  std::unique_ptr<TextFinder> textFinder_;  // made at the first question
   StatementHandle begin_, commit_, rollback_, savepoint_, release_, undo_, schemaVersion_;
 };
 
