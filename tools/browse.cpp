@@ -6,6 +6,7 @@
 
 #include "tavelor/components.hpp"
 #include "tavelor/frame/component.hpp"
+#include "tavelor/frame/modes.hpp"
 #include "tavelor/frame/record_class.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 #include "tools/command.hpp"
@@ -44,7 +45,7 @@ void browse(const BrowseOptions& options, const Common& common) {
   if (record == nullptr) {
     throw UsageError(fmt::format("{} has no rows to browse", browsed.name()));
   }
-  initialise(browsed, *object, options.word, options.id);
+  openMode(browsed, *object, options.word, options.id);
   const RecordsetPtr rows = record->DataMember("Primary");
   if (!options.filter.empty()) rows->Filter(options.filter);
   if (!options.sort.empty()) rows->Sort(options.sort);

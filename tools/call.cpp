@@ -9,6 +9,7 @@
 
 #include "tavelor/components.hpp"
 #include "tavelor/frame/component.hpp"
+#include "tavelor/frame/modes.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 #include "tools/command.hpp"
@@ -125,7 +126,7 @@ void addCall(CLI::App& app, Common& common) {
     std::vector<Variant> arguments =
         argumentsFor(member, argumentTexts(*command, common), session.locale());
     const std::unique_ptr<Object> object = called.make();
-    if (command->count("--init") > 0) initialise(called, *object, options->word, options->id);
+    if (command->count("--init") > 0) openMode(called, *object, options->word, options->id);
     const Variant result = called.call(*object, options->member, arguments);
     printOutcome(member, result, arguments, session.locale(), Style(common.color, stdout));
   });

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // tavelor edit: the edit cycle of a class on one row.
 #include <CLI/CLI.hpp>
-#include <algorithm>
 
 #include <fmt/format.h>
 
 #include "tavelor/components.hpp"
 #include "tavelor/frame/component.hpp"
+#include "tavelor/frame/modes.hpp"
 #include "tavelor/frame/record_class.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 #include "tools/command.hpp"
@@ -72,14 +72,6 @@ void callPlain(const Component& component, Object& object, std::string_view memb
   component.call(object, member, arguments);
 }
 
-/// Whether a mode of the class opens the rows of an id only. Those that it does not know never do.
-bool looksForId(const ClassInfo& info, std::string_view word) {
-  return std::any_of(info.modes.begin(), info.modes.end(), [&](const Mode& mode) {
-    return mode.word == word && (mode.select.text().find("{id}") != std::string_view::npos ||
-                                 mode.tail.text().find("{id}") != std::string_view::npos);
-  });
-}
-
 /// Leaves the row of the id in view, or none.
 void leaveOne(Recordset& rows, const EditOptions& options, const ClassInfo& info,
               const Locale& locale) {
@@ -131,7 +123,7 @@ void edit(EditOptions options, const std::vector<Assignment>& assignments, const
   if (options.word.empty()) {
     options.word = looksForId(record->info(), "registro") ? "registro" : "todos";
   }
-  initialise(edited, *object, options.word, options.id);
+  openMode(edited, *object, options.word, options.id);
   const RecordsetPtr rows = record->DataMember("Primary");
   if (!options.add) leaveOne(*rows, options, record->info(), session.locale());
 

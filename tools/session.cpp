@@ -12,9 +12,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include "tavelor/frame/component.hpp"
 #include "tavelor/platform/error.hpp"
-#include "tavelor/platform/quotes.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/services/installation.hpp"
 #include "tavelor/services/prompt_global.hpp"
@@ -107,18 +105,6 @@ int Session::selector(std::string_view word) const {
     known += fmt::format("{}{} {}", known.empty() ? "" : ", ", each.selector, each.label);
   }
   throw UsageError(fmt::format("there is no database {}; there are {}", printable(word), known));
-}
-
-void initialise(const Component& component, Object& object, const std::string& word,
-                const std::string& id) {
-  std::vector<Variant> arguments;
-  for (const Parameter& parameter : component.member("IniciaRs").parameters) {
-    Variant argument;
-    if (parameter.name == "sSelecSql") argument = Variant(word);
-    if (parameter.name == "id") argument = Variant(doubledQuotes(id));
-    arguments.push_back(std::move(argument));
-  }
-  component.call(object, "IniciaRs", arguments);
 }
 
 }  // namespace tavelor::tools

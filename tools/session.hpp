@@ -41,8 +41,4 @@ class Session {
   Apartment apartment_;
 };
 
-/// Runs IniciaRs of any of its shapes. `id` is the code itself: its quotes are doubled here.
-void initialise(const Component& component, Object& object, const std::string& word,
-                const std::string& id);
-
 }  // namespace tavelor::tools

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "tavelor/frame/controls.hpp"
+#include "tavelor/frame/list_settings.hpp"
 #include "tavelor/frame/record_class.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/services/apartment.hpp"
@@ -15,13 +16,6 @@
 namespace tavelor {
 
 namespace {
-
-ListConfig settingsOf(const ClassInfo& info, std::string_view sLlave) {
-  ListConfig settings;
-  settings.Key(fmt::format("{}\\Configuracion\\registros\\{}\\{}\\",
-                           Apartment::current().version().registryRoot(), info.word, sLlave));
-  return settings;
-}
 
 struct Operators {
   std::string_view text;
@@ -95,14 +89,21 @@ bool isOfOrder(const Error& error) {
 
 }  // namespace
 
+ListConfig listSettings(const ClassInfo& info, std::string_view sLlave) {
+  ListConfig settings;
+  settings.Key(fmt::format("{}\\Configuracion\\registros\\{}\\{}\\",
+                           Apartment::current().version().registryRoot(), info.word, sLlave));
+  return settings;
+}
+
 std::string RecordClass::GetFilter(std::string_view sLlave) const {
   mustBeHome();
-  return settingsOf(info_, sLlave).GetValue("Criteria", "");
+  return listSettings(info_, sLlave).GetValue(list_value::kFilter, "");
 }
 
 void RecordClass::SetFilter(std::string_view Criteria, std::string_view sLlave) const {
   mustBeHome();
-  settingsOf(info_, sLlave).SetValue("Criteria", Criteria);
+  listSettings(info_, sLlave).SetValue(list_value::kFilter, Criteria);
 }
 
 void RecordClass::AplyFilter(std::string_view Criteria) {
@@ -133,17 +134,17 @@ void RecordClass::SetOrder(std::int16_t index, std::string_view Mode, std::strin
   if (rows.RecordCount() == 0) return;
   mustBeHome();
   sortBy(rows, index, Mode);
-  ListConfig settings = settingsOf(info_, sLlave);
-  settings.SetValue("IndexOrderField", std::to_string(index));
-  settings.SetValue("Mode", Mode);
+  ListConfig settings = listSettings(info_, sLlave);
+  settings.SetValue(list_value::kOrder, std::to_string(index));
+  settings.SetValue(list_value::kDirection, Mode);
 }
 
 void RecordClass::GetOrder(InOut<std::int16_t> index, InOut<std::string> Mode,
                            std::string_view sLlave) const {
   mustBeHome();
-  ListConfig settings = settingsOf(info_, sLlave);
-  index = Variant(settings.GetValue("IndexOrderField", "0")).toInt16(Apartment::current().locale());
-  Mode = settings.GetValue("Mode", "");
+  ListConfig settings = listSettings(info_, sLlave);
+  index = Variant(settings.GetValue(list_value::kOrder, "0")).toInt16(Apartment::current().locale());
+  Mode = settings.GetValue(list_value::kDirection, "");
 }
 
 void RecordClass::restoreOrder(std::string_view sLlave) {
@@ -161,9 +162,9 @@ void RecordClass::restoreOrForgetOrder(std::string_view sLlave) {
     restoreOrder(sLlave);
   } catch (const Error& error) {
     if (!isOfOrder(error)) throw;
-    ListConfig settings = settingsOf(info_, sLlave);
-    settings.SetValue("IndexOrderField", "0");
-    settings.SetValue("Mode", "");
+    ListConfig settings = listSettings(info_, sLlave);
+    settings.SetValue(list_value::kOrder, "0");
+    settings.SetValue(list_value::kDirection, "");
   }
 }
 

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "tavelor/frame/modes.hpp"
 #include "tavelor/frame/strict_modes.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/platform/number_text.hpp"
@@ -151,11 +152,7 @@ void RecordClass::saveRows(Recordset& rows, std::string_view path) const {
 /// more likely a slip, and rows that nobody asked for would be edited or deleted.
 static void requireWholeTable(const ClassInfo& info, const std::string& word) {
   if (word.empty() || text::equalsIgnoreCase(word, "todos")) return;
-  std::vector<std::string> words = {"todos"};
-  for (const Mode& mode : info.modes) {
-    if (mode.word != kAnyOtherWord) words.emplace_back(mode.word);
-  }
-  words.insert(words.end(), info.madeModes.begin(), info.madeModes.end());
+  const std::vector<std::string> words = modeWords(info);
   const std::string nearest = text::nearest(word, words);
   raise(errors::kInvalidArgument, info.word,
         fmt::format("There is no mode \"{}\"{}; the modes are {}.", text::left(word, 40),

@@ -124,6 +124,18 @@ class TAVELOR_API RecordClass : public Object {
   /// From the current row on; at EOF when nothing is found. `Criteria` is not escaped.
   void FindRecord(std::string_view Criteria);
 
+  // ---- One row by its key, for forms that come with a key and not from a list
+
+  /// Columns of the class's table that tell a row from all others: its primary key, or the column
+  /// of its codes where the table has none, of which several rows may have the same.
+  std::vector<std::string> keyColumns() const;
+  /// Opens the primary record set as IniciaRs does, by those rows of the mode `word` that have this
+  /// key, read by their key and not by reading all rows; no order is restored. A value for each of
+  /// keyColumns(); a Null opens no row, as a form begins that only adds. Raises 450 for another
+  /// number of values, 3001 for a word that is none of the class's, and what the engine raises for
+  /// a mode that does not show rows of the class's table; the record set is a closed one then.
+  void openByKey(std::string word, const Variant& id, const std::vector<Variant>& key);
+
   // ---- Validation of a control's entry, by the type of the field that it is bound to.
   // A control whose DataField is no field of the record set raises 3265.
 

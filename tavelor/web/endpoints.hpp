@@ -16,6 +16,10 @@ void addTillSales(Routes& routes);
 void addTillHeld(Routes& routes);
 void addTillTickets(Routes& routes);
 void addTillClosings(Routes& routes);
+void addClasses(Routes& routes);
+void addArticles(Routes& routes);
+void addPartners(Routes& routes);
+void addOpenApi(Routes& routes);
 
 /// All of them.
 inline void addEndpoints(Routes& routes) {
@@ -29,6 +33,10 @@ inline void addEndpoints(Routes& routes) {
   addTillHeld(routes);
   addTillTickets(routes);
   addTillClosings(routes);
+  addClasses(routes);
+  addArticles(routes);
+  addPartners(routes);
+  addOpenApi(routes);
 }
 
 }  // namespace tavelor::web
