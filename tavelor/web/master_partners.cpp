@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
-// /customers/{code} and /suppliers: partners with what belongs to them.
+// /suppliers, and what the office shows of a customer beside his account.
 #include <fmt/format.h>
 
-#include "tavelor/customers/clientes.hpp"
 #include "tavelor/platform/literal.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/suppliers/proveedores.hpp"
@@ -29,18 +28,6 @@ constexpr std::string_view kAccountSchema = R"json({
       "balance": {"type": "number"}}}},
     "opening": {"type": "number"}, "debit": {"type": "number"}, "credit": {"type": "number"},
     "balance": {"type": "number"}}})json";
-constexpr std::string_view kCustomerSchema = R"json({
-  "type": "object", "required": ["customer", "account"],
-  "properties": {
-    "customer": {"$ref": "#/components/schemas/Values"},
-    "account": {"type": "object", "properties": {
-      "balance": {"type": "number"}, "limit": {"type": ["number", "null"]},
-      "blocked": {"type": "boolean"}, "active": {"type": "boolean"}}},
-    "addresses": {"type": "array", "items": {"$ref": "#/components/schemas/Values"}},
-    "contacts": {"type": "array", "items": {"$ref": "#/components/schemas/Values"}},
-    "centres": {"type": "array", "items": {"$ref": "#/components/schemas/Values"}},
-    "prices": {"type": "array", "items": {"$ref": "#/components/schemas/Values"}},
-    "comments": {"type": "array", "items": {"$ref": "#/components/schemas/Values"}}}})json";
 constexpr std::string_view kSupplierSchema = R"json({
   "type": "object", "required": ["supplier", "account"],
   "properties": {
@@ -73,26 +60,6 @@ bool isSet(const Json& row, std::string_view column) {
 /// 2 is there, and not to be had.
 bool isActive(const Json& row) {
   return isSet(row, "Activo") && row["Activo"] != 2;
-}
-
-Answer customerPage(Context& context) {
-  mustWithClass(context, ClsClientes::component(), "read");
-  const std::string& code = context.path("code");
-  Json customer = rowByCode("Clientes", code, "customer");
-  const Json account = accountOf(flows::LedgerOf::kCustomers, code);
-  const auto limit = customer.find("Riesgo");
-  Json page = {{"account",
-                {{"balance", account.is_null() ? Json(0) : account["balance"]},
-                 {"limit", limit == customer.end() ? Json(nullptr) : *limit},
-                 {"blocked", isSet(customer, "Bloqueo")},
-                 {"active", isActive(customer)}}},
-               {"addresses", rowsOfOwner("Clientes_Direcciones", code, "Codigo", "ID")},
-               {"contacts", rowsOfOwner("Clientes_Colaboradores", code, "Codigo", "Id")},
-               {"centres", rowsOfOwner("Clientes_Centros", code, "Codigo", "ID")},
-               {"prices", rowsOfOwner("Articulos_Precios_Ventas", code, "Cliente", "Id")},
-               {"comments", rowsOfOwner("Clientes_Comentarios", code, "Codigo", "Id")}};
-  page["customer"] = std::move(customer);
-  return answer(page);
 }
 
 /// Articles of a supplier of which something is on order.
@@ -179,14 +146,16 @@ Answer findSuppliers(Context& context) {
 
 }  // namespace
 
+void addCustomerFile(Json& page, const std::string& code) {
+  page["record"] = rowByCode("Clientes", code, "customer");
+  page["addresses"] = rowsOfOwner("Clientes_Direcciones", code, "Codigo", "ID");
+  page["contacts"] = rowsOfOwner("Clientes_Colaboradores", code, "Codigo", "Id");
+  page["centres"] = rowsOfOwner("Clientes_Centros", code, "Codigo", "ID");
+  page["prices"] = rowsOfOwner("Articulos_Precios_Ventas", code, "Cliente", "Id");
+  page["comments"] = rowsOfOwner("Clientes_Comentarios", code, "Codigo", "Id");
+}
+
 void addPartners(Routes& routes) {
-  routes.add(Method::kGet, "/api/v1/customers/{code}", Right::kSignedIn,
-             [](Context& context) {
-               if (!context.caller().may(Right::kOfficeRead)) context.must(Right::kTillSell);
-               return customerPage(context);
-             },
-             {.summary = "A customer with account, addresses, contacts, prices and comments",
-              .answer = kCustomerSchema});
   routes.add(Method::kGet, "/api/v1/suppliers/search", Right::kOfficeRead, findSuppliers,
              {.summary = "Suppliers by words of their names, codes, fiscal numbers and places",
               .parameters = {{.name = "q", .text = "Words, all of which must be there"},

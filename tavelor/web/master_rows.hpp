@@ -3,6 +3,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "tavelor/flows/account.hpp"
@@ -25,5 +26,9 @@ std::optional<Json> rowOf(const Statement& select);
 /// there and never was.
 Json accountOf(flows::LedgerOf of, const std::string& owner, std::optional<Date> from = {},
                std::optional<Date> to = {});
+
+/// What only the office sees of a customer: the whole row, addresses, contacts, centres, prices and
+/// comments. Raises Failure 404 for one who is not there.
+void addCustomerFile(Json& page, const std::string& code);
 
 }  // namespace tavelor::web

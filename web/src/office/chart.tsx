@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Bars over the hours of a day, with the same figures as a table for who does not see them.
 import { money } from "./values.ts";
+import type { Hour } from "./pages/day_figures.ts";
 import { t } from "./texts.ts";
-
-export interface Hour {
-  hour: number;
-  tickets: number;
-  amount: number;
-}
 
 // Of the drawing; the page stretches it.
 const kWidth = 720;

@@ -13,27 +13,30 @@ export interface Asked<Answer> {
   again: () => void;
 }
 
-/** The answer of a path, asked anew when the path changes; nothing is asked without one. */
-export function useAsked<Answer>(path: string | undefined): Asked<Answer> {
-  const [state, setState] = useState<{ path?: string | undefined; value?: Answer; error?: unknown }>({});
+/** What `load` gives for a key, anew when the key changes; nothing is loaded without one. */
+export function useLoaded<Answer>(key: string | undefined, load: (key: string, signal: AbortSignal) => Promise<Answer>): Asked<Answer> {
+  const [state, setState] = useState<{ key?: string | undefined; value?: Answer; error?: unknown }>({});
   const [count, setCount] = useState(0);
   useEffect(() => {
-    if (path === undefined) return;
+    if (key === undefined) return;
     const request = new AbortController();
-    get<Answer>(path, request.signal).then(
-      (value) => setState({ path, value }),
+    load(key, request.signal).then(
+      (value) => setState({ key, value }),
       (error: unknown) => {
         if (request.signal.aborted) return;
         noted(error);
-        setState((old) => (old.path === path && old.value !== undefined ? { ...old, error } : { path, error }));
+        setState((old) => (old.key === key && old.value !== undefined ? { ...old, error } : { key, error }));
       },
     );
     return () => request.abort();
-  }, [path, count]);
+  }, [key, count]);
   const again = useCallback(() => setCount((old) => old + 1), []);
-  const isOfPath = state.path === path;
-  return { value: isOfPath ? state.value : undefined, error: isOfPath ? state.error : undefined, again };
+  const isOfKey = state.key === key;
+  return { value: isOfKey ? state.value : undefined, error: isOfKey ? state.error : undefined, again };
 }
+
+/** The answer of a path. */
+export const useAsked = <Answer,>(path: string | undefined): Asked<Answer> => useLoaded<Answer>(path, get<Answer>);
 
 /** Calls the latest `action` when `pause` milliseconds have passed without a further call. */
 export function useLater(action: () => void, pause: number): () => void {

@@ -12,10 +12,12 @@ import { RowsTable } from "../rows_table.tsx";
 
 interface ArticleAnswer {
   article: Values;
-  tariffs?: { tariff: string; name: string; price: number }[];
-  stock?: { warehouse: string; name: string; stock: number }[];
+  tariffs?: { tariff: string; name: string | null; price: number | null }[];
+  stock?: { warehouse: string | null; name: string; stock: number | null }[];
   lots?: Values[];
-  barcodes?: (string | Values)[];
+  barcodes?: string[];
+  purchases?: Values[];
+  components?: Values[];
   movements?: Values[];
 }
 
@@ -27,7 +29,7 @@ export function ArticlePage({ code }: { code: string }) {
   return (
     <>
       <Show asked={asked}>
-        {({ article, tariffs = [], stock = [], lots = [], barcodes = [], movements = [] }) => (
+        {({ article, tariffs = [], stock = [], lots = [], barcodes = [], purchases = [], components = [], movements = [] }) => (
           <>
             <div class="row">
               <h1>{text(article.Descripcion) || code}</h1>
@@ -51,25 +53,25 @@ export function ArticlePage({ code }: { code: string }) {
                        columns={[
                          { title: t("tariff"), cell: (one) => one.tariff },
                          { title: t("name"), cell: (one) => one.name },
-                         { title: t("price"), isNumber: true, cell: (one) => money(one.price) },
+                         { title: t("price"), isNumber: true, cell: (one) => (one.price === null ? "" : money(one.price)) },
                        ]} />
               </Part>
               <Part title={t("stockInPlaces")}>
                 <Table label={t("stockInPlaces")} items={stock}
                        columns={[
                          { title: t("warehouse"), cell: (one) => one.name || one.warehouse },
-                         { title: t("stock"), isNumber: true, cell: (one) => quantity(one.stock) },
+                         { title: t("stock"), isNumber: true, cell: (one) => quantity(one.stock ?? 0) },
                        ]} />
               </Part>
               <Part title={t("barcodes")}>
                 {barcodes.length === 0 ? <p class="soft">{t("nothingHere")}</p>
-                  : typeof barcodes[0] === "string"
-                    ? <ul class="chips">{barcodes.map((one) => <li key={String(one)} class="chip">{String(one)}</li>)}</ul>
-                    : <RowsTable label={t("barcodes")} rows={barcodes as Values[]} without={["Codigo"]} className="ClsArticulosCbarras" />}
+                  : <ul class="chips">{barcodes.map((one) => <li key={one} class="chip">{one}</li>)}</ul>}
               </Part>
               <Part title={t("lots")}><RowsTable label={t("lots")} rows={lots} without={["Codigo"]} className="ClsArticulosLotes" /></Part>
-              <Part title={t("movements")} side={<a href={`${href`/list/ClsArticulosMovAlmacen`}?${new URLSearchParams({ filter: `Articulo:eq:${code}` })}`}>{t("wholeList")}</a>}>
-                <RowsTable label={t("movements")} rows={movements} without={["Codigo", "Articulo"]} className="ClsArticulosMovAlmacen" />
+              {purchases.length > 0 && <Part title={t("purchases")}><RowsTable label={t("purchases")} rows={purchases} without={["Codigo", "Id"]} className="ClsArticulosPrecios" /></Part>}
+              {components.length > 0 && <Part title={t("components")}><RowsTable label={t("components")} rows={components} without={["Codigo", "Id"]} className="ClsArticulosComponentes" /></Part>}
+              <Part title={t("movements")} side={<a href={`${href`/list/ClsArticulosMovAlmacen`}?${new URLSearchParams({ filter: `Codigo:eq:${code}` })}`}>{t("wholeList")}</a>}>
+                <RowsTable label={t("movements")} rows={movements} without={["Codigo", "Id"]} className="ClsArticulosMovAlmacen" />
               </Part>
             </div>
           </>

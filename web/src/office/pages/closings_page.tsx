@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The closings of the tills: each begins with the balance that the one before it has left.
 import { useState } from "preact/hooks";
-import { query } from "../../shared/api.ts";
+import { at, get, query } from "../../shared/api.ts";
 import { daysAfter } from "../../shared/dates.ts";
 import { PeriodFields } from "../period.tsx";
-import { Show, useAsked } from "../load.tsx";
+import { Show, useAsked, useLoaded } from "../load.tsx";
 import { href } from "../routes.ts";
 import { session } from "../../shared/session.ts";
 import { Figure, Part, Table } from "../table.tsx";
@@ -16,13 +16,13 @@ interface ClosingLine {
   till: string;
   day: string;
   total: number;
-  start?: number;
-  end?: number;
+  start: number;
+  end: number;
   counted?: number | null;
   difference?: number | null;
   isBroken?: boolean;
 }
-interface Share { code?: string; name: string; amount: number }
+interface Share { code?: string; name: string; total: number }
 interface ClosingAnswer extends ClosingLine {
   slip?: string[];
   tickets?: number;
@@ -30,10 +30,12 @@ interface ClosingAnswer extends ClosingLine {
   families?: Share[];
   payments?: Share[];
   taxes?: { rate: number; base: number; tax: number }[];
-  previous?: { closing: number; end: number } | null;
-  next?: { closing: number; start: number } | null;
+  previous?: number | null;
 }
 
+interface Chain { closing: ClosingAnswer; before: ClosingLine | undefined; after: ClosingLine | undefined }
+
+const kMostOfATill = 500; // closings looked through for the one after
 const kDaysShown = 31;
 
 const cents = (value: number): number => Math.round(value * 100);
@@ -62,9 +64,9 @@ export function ClosingsPage({ search }: { search: URLSearchParams }) {
                    { title: t("number"), cell: ({ closing }) => <a href={href`/closing/${closing}`}>{closing}</a> },
                    { title: t("day"), cell: (one) => day(one.day) },
                    { title: t("till"), cell: (one) => one.till },
-                   { title: t("startBalance"), isNumber: true, isSpare: true, cell: ({ start }) => (start === undefined ? "" : money(start)) },
+                   { title: t("startBalance"), isNumber: true, isSpare: true, cell: ({ start }) => money(start) },
                    { title: t("sold"), isNumber: true, cell: ({ total }) => money(total) },
-                   { title: t("endBalance"), isNumber: true, isSpare: true, cell: ({ end }) => (end === undefined ? "" : money(end)) },
+                   { title: t("endBalance"), isNumber: true, isSpare: true, cell: ({ end }) => money(end) },
                    { title: t("difference"), isNumber: true, cell: ({ difference }) => <Difference value={difference} /> },
                  ]} />
         )}
@@ -78,28 +80,40 @@ function Difference({ value }: { value: number | null | undefined }) {
   return <span class={cents(value) === 0 ? "good" : "bad"}>{money(value)}</span>;
 }
 
+/** A closing with the one before it at its till and the one after. */
+async function readChain(path: string, signal: AbortSignal): Promise<Chain> {
+  const closing = await get<ClosingAnswer>(path, signal);
+  const { closings } = await get<{ closings: ClosingLine[] }>(`/closings${query({ till: closing.till, from: closing.day, limit: kMostOfATill })}`, signal);
+  const later = closings.filter((one) => one.closing > closing.closing);
+  return {
+    closing,
+    before: closing.previous ? await get<ClosingLine>(at`/closings/${closing.previous}`, signal) : undefined,
+    after: later.reduce<ClosingLine | undefined>((first, one) => (first && first.closing < one.closing ? first : one), undefined),
+  };
+}
+
 export function ClosingPage({ number }: { number: string }) {
-  const asked = useAsked<ClosingAnswer>(`/closings/${encodeURIComponent(number)}`);
+  const asked = useLoaded<Chain>(at`/closings/${number}`, readChain);
   return (
     <>
       <div class="row">
         <h1>{t("closingNumber", { number })}</h1>
         <span class="gap" />
-        <a class="button" href={`/print/closing/${encodeURIComponent(number)}`} target="_blank" rel="noopener">{t("print")}</a>
+        <a class="button" href={at`/print/closing/${number}`} target="_blank" rel="noopener">{t("print")}</a>
       </div>
-      <Show asked={asked}>{(closing) => <Closing closing={closing} />}</Show>
+      <Show asked={asked}>{(chain) => <Closing {...chain} />}</Show>
     </>
   );
 }
 
-function Closing({ closing }: { closing: ClosingAnswer }) {
-  const { previous, next, start, end } = closing;
-  const isWhole = previous === null || previous === undefined || start === undefined || cents(previous.end) === cents(start);
+function Closing({ closing, before, after }: Chain) {
+  const { start, end } = closing;
+  const isWhole = !closing.isBroken && (!before || cents(before.end) === cents(start));
   const shares = (items: Share[], label: string) => (
     <Table label={label} items={items}
            columns={[
              { title: t("name"), cell: ({ name, code }: Share) => name || code },
-             { title: t("amount"), isNumber: true, cell: ({ amount }: Share) => money(amount) },
+             { title: t("amount"), isNumber: true, cell: ({ total }: Share) => money(total) },
            ]} />
   );
   return (
@@ -115,21 +129,21 @@ function Closing({ closing }: { closing: ClosingAnswer }) {
       <ol class="chain" aria-label={t("chain")}>
         <li>
           <span class="soft">{t("closingBefore")}</span>
-          {previous ? <a href={href`/closing/${previous.closing}`}>{t("closingNumber", { number: previous.closing })}</a> : <span>{t("firstClosing")}</span>}
-          {previous && <b>{money(previous.end)}</b>}
+          {before ? <a href={href`/closing/${before.closing}`}>{t("closingNumber", { number: before.closing })}</a> : <span>{t("firstClosing")}</span>}
+          {before && <b>{money(before.end)}</b>}
         </li>
         <li class={isWhole ? "here" : "here bad"}>
           <span class="soft">{t("till")} {closing.till} · {day(closing.day)}</span>
-          <span>{t("startBalance")} <b>{start === undefined ? "–" : money(start)}</b></span>
-          <span>{t("endBalance")} <b>{end === undefined ? "–" : money(end)}</b></span>
+          <span>{t("startBalance")} <b>{money(start)}</b></span>
+          <span>{t("endBalance")} <b>{money(end)}</b></span>
         </li>
         <li>
           <span class="soft">{t("closingAfter")}</span>
-          {next ? <a href={href`/closing/${next.closing}`}>{t("closingNumber", { number: next.closing })}</a> : <span>{t("lastClosing")}</span>}
-          {next && <b>{money(next.start)}</b>}
+          {after ? <a href={href`/closing/${after.closing}`}>{t("closingNumber", { number: after.closing })}</a> : <span>{t("lastClosing")}</span>}
+          {after && <b>{money(after.start)}</b>}
         </li>
       </ol>
-      {!isWhole && previous && <p class="note bad" role="alert">{t("chainBroken", { before: money(previous.end), start: money(start ?? 0) })}</p>}
+      {!isWhole && before && <p class="note bad" role="alert">{t("chainBroken", { before: money(before.end), start: money(start) })}</p>}
       <div class="parts">
         {closing.payments && <Part title={t("byPayment")}>{shares(closing.payments, t("byPayment"))}</Part>}
         {closing.families && <Part title={t("byFamily")}>{shares(closing.families, t("byFamily"))}</Part>}

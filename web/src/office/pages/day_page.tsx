@@ -1,47 +1,24 @@
 // SPDX-License-Identifier: MIT
 // The figures of a day; those of today change while the tills sell.
 import { useEffect } from "preact/hooks";
-import { query } from "../../shared/api.ts";
 import { daysAfter } from "../../shared/dates.ts";
 import { listen } from "../../shared/events.ts";
-import { HoursChart, type Hour } from "../chart.tsx";
-import { Show, useAsked, useLater } from "../load.tsx";
+import { HoursChart } from "../chart.tsx";
+import { Show, useLater, useLoaded } from "../load.tsx";
 import { go, href } from "../routes.ts";
 import { session } from "../../shared/session.ts";
 import { Figure, Part, Table } from "../table.tsx";
 import { t } from "../texts.ts";
 import { day as written, money, quantity, typedDay } from "../values.ts";
-
-interface Takings { tickets: number; amount: number }
-interface Share { code: string; name: string; amount: number; tickets?: number }
-interface SoldArticle { code: string; description: string; units: number; amount: number }
-interface Tax { rate: number; base: number; tax: number }
-export interface DayAnswer {
-  all: Takings;
-  open: Takings;
-  lines?: number;
-  units?: number;
-  hours: Hour[];
-  families?: Share[];
-  payments: Share[];
-  tills?: Share[];
-  articles: SoldArticle[];
-  taxes?: Tax[];
-  returns?: number;
-  closings?: { number: number; till: string; sales: number; isBroken?: boolean }[];
-}
+import { type Day, readDay, type Share, type SoldArticle, takenOf, type Tax } from "./day_figures.ts";
 
 const kTopArticles = 15;
 const kPause = 300; // ms after an event: sales come in bursts
 
-/** What closings took and what none took yet. */
-export const takenOf = ({ all, open }: DayAnswer): Takings =>
-  ({ tickets: all.tickets + open.tickets, amount: all.amount + open.amount });
-
 export function DayPage({ search }: { search: URLSearchParams }) {
   const { today } = session.get();
   const day = search.get("day") ?? today;
-  const asked = useAsked<DayAnswer>(`/day${query({ day })}`);
+  const asked = useLoaded<Day>(day, readDay);
   const again = useLater(asked.again, kPause);
   useEffect(() => {
     if (day !== today) return;
@@ -72,14 +49,14 @@ export function DayPage({ search }: { search: URLSearchParams }) {
   );
 }
 
-function Figures({ figures, day }: { figures: DayAnswer; day: string }) {
+function Figures({ figures, day }: { figures: Day; day: string }) {
   const taken = takenOf(figures);
   const best = [...figures.articles].sort((a, b) => b.amount - a.amount).slice(0, kTopArticles);
   const shares = (items: Share[], label: string) => (
     <Table label={label} items={items} empty={t("noSalesYet")}
            columns={[
              { title: t("name"), cell: ({ code, name }: Share) => name || code },
-             { title: t("amount"), isNumber: true, cell: ({ amount }: Share) => money(amount) },
+             { title: t("amount"), isNumber: true, cell: ({ total }: Share) => money(total) },
            ]} />
   );
   return (
@@ -89,29 +66,29 @@ function Figures({ figures, day }: { figures: DayAnswer; day: string }) {
         <Figure name={t("tickets")} value={quantity(taken.tickets)} />
         <Figure name={t("perTicket")} value={taken.tickets > 0 ? money(taken.amount / taken.tickets) : "–"} />
         <Figure name={t("notClosedYet")} value={money(figures.open.amount)} />
-        {figures.units !== undefined && <Figure name={t("units")} value={quantity(figures.units)} />}
+        
       </div>
       <div class="parts">
         <Part title={t("byHour")} isBroad><HoursChart hours={figures.hours} /></Part>
         <Part title={t("byPayment")}>{shares(figures.payments, t("byPayment"))}</Part>
-        {figures.tills && <Part title={t("byTill")}>{shares(figures.tills, t("byTill"))}</Part>}
+        <Part title={t("byTill")}>{shares(figures.tills, t("byTill"))}</Part>
         <Part title={t("topArticles")} side={<a href={`#/tickets?day=${day}`}>{t("ticketsOfDay")}</a>}>
-          <Table label={t("topArticles")} items={best} empty={t("noSalesYet")}
+          <Table label={t("topArticles")} items={best} empty={t(taken.tickets > 0 ? "onlyClosed" : "noSalesYet")}
                  columns={[
                    { title: t("article"), cell: ({ code, description }: SoldArticle) => <a href={href`/article/${code}`}>{description || code}</a> },
                    { title: t("units"), isNumber: true, cell: ({ units }: SoldArticle) => quantity(units) },
                    { title: t("amount"), isNumber: true, cell: ({ amount }: SoldArticle) => money(amount) },
                  ]} />
         </Part>
-        {figures.taxes && <Part title={t("taxes")}>
-          <Table label={t("taxes")} items={figures.taxes} empty={t("noSalesYet")}
+        <Part title={t("taxes")}>
+          <Table label={t("taxes")} items={figures.taxes} empty={t(taken.tickets > 0 ? "onlyClosed" : "noSalesYet")}
                  columns={[
                    { title: t("rate"), isNumber: true, cell: ({ rate }: Tax) => `${quantity(rate)} %` },
                    { title: t("base"), isNumber: true, cell: ({ base }: Tax) => money(base) },
                    { title: t("tax"), isNumber: true, cell: ({ tax }: Tax) => money(tax) },
                  ]} />
-        </Part>}
-        {figures.closings && figures.closings.length > 0 && <Part title={t("closings")}>
+        </Part>
+        {figures.closings.length > 0 && <Part title={t("closings")}>
           <Table label={t("closings")} items={figures.closings}
                  columns={[
                    { title: t("number"), cell: ({ number }) => <a href={href`/closing/${number}`}>{number}</a> },

@@ -12,9 +12,11 @@ import { day, money } from "../values.ts";
 import { formPage } from "../where.ts";
 import { TicketTable, type TicketLine } from "./tickets_page.tsx";
 
-interface Entry { day: string; text: string; debit: number; credit: number; balance: number; document?: number }
+interface Entry { day: string | null; text: string; debit: number; credit: number; balance: number; document?: number }
 interface Account { entries: Entry[]; balance: number; opening?: number; debit?: number; credit?: number }
 interface PartnerAnswer {
+  /** The whole row of a customer, for who may see it. */
+  record?: Values;
   customer?: Values;
   supplier?: Values;
   account?: { balance?: number; limit?: number | null; blocked?: boolean; active?: boolean; entries?: Entry[] };
@@ -22,7 +24,8 @@ interface PartnerAnswer {
   contacts?: Values[];
   centres?: Values[];
   comments?: Values[];
-  comment?: string | null;
+  prices?: Values[];
+  onOrder?: Values[];
 }
 
 const text = (value: unknown): string => (value === null || value === undefined ? "" : String(value));
@@ -34,13 +37,13 @@ export function PartnerPage({ kind, code }: { kind: "customer" | "supplier"; cod
 }
 
 function Partner({ kind, code, base, partner }: { kind: "customer" | "supplier"; code: string; base: string; partner: PartnerAnswer }) {
-  const who = partner.customer ?? partner.supplier ?? {};
-  const { account = {}, addresses = [], contacts = [], centres = [] } = partner;
+  const who = partner.record ?? partner.supplier ?? {};
+  const { account = {}, addresses = [], contacts = [], centres = [], prices = [], onOrder = [], comments = [] } = partner;
   const isCustomer = kind === "customer";
   return (
     <>
       <div class="row">
-        <h1>{text(who.Razon_Social) || text(who.Nombre) || text(who.name) || code}</h1>
+        <h1>{text(who.Razon_Social) || text(who.Nombre) || text(partner.customer?.name) || code}</h1>
         <span class="gap" />
         {isCustomer && <a class="button" href={`/print/account/${encodeURIComponent(code)}`} target="_blank" rel="noopener">{t("printAccount")}</a>}
         <a class="button main" href={formPage(isCustomer ? "ClsClientes" : "ClsProveedores", { Codigo: code })}>{t("edit")}</a>
@@ -64,7 +67,12 @@ function Partner({ kind, code, base, partner }: { kind: "customer" | "supplier";
         {isCustomer && <Documents base={base} />}
         {addresses.length > 0 && <Part title={t("addresses")}><RowsTable label={t("addresses")} rows={addresses} without={["ID", "Codigo"]} className="ClsClientesDirecciones" /></Part>}
         {centres.length > 0 && <Part title={t("centres")}><RowsTable label={t("centres")} rows={centres} without={["ID", "Codigo"]} className="ClsClientesCentros" /></Part>}
-        {contacts.length > 0 && <Part title={t("contacts")}><RowsTable label={t("contacts")} rows={contacts} without={["ID", "Codigo"]} className="ClsContactos" /></Part>}
+        {contacts.length > 0 && <Part title={t("contacts")}><RowsTable label={t("contacts")} rows={contacts} without={["ID", "Codigo"]} className="ClsClientesColaboradores" /></Part>}
+        {onOrder.length > 0 && <Part title={t("onOrder")}><RowsTable label={t("onOrder")} rows={onOrder} className="clsArticulos" /></Part>}
+        {prices.length > 0 && <Part title={t("prices")}><RowsTable label={t("prices")} rows={prices} without={["Id", isCustomer ? "Cliente" : "Proveedor"]}
+          className={isCustomer ? "ClsArticulosPreciosVentas" : "ClsArticulosPrecios"} /></Part>}
+        {comments.length > 0 && <Part title={t("comments")}><RowsTable label={t("comments")} rows={comments} without={["Id", "Codigo"]}
+          className={isCustomer ? "ClsClientesComentarios" : "ClsProveedoresComentarios"} /></Part>}
       </div>
     </>
   );
@@ -82,7 +90,7 @@ function AccountPart({ base, told, isCustomer }: { base: string; told: Account |
         {({ entries, balance }) => (
           <Table label={t("account")} items={entries} empty={t("noEntries")}
                  columns={[
-                   { title: t("day"), cell: (entry) => day(entry.day) },
+                   { title: t("day"), cell: (entry) => (entry.day ? day(entry.day) : "") },
                    { title: t("concept"), cell: (entry) => entry.text },
                    { title: t("debit"), isNumber: true, cell: ({ debit }) => (debit === 0 ? "" : money(debit)) },
                    { title: t("credit"), isNumber: true, cell: ({ credit }) => (credit === 0 ? "" : money(credit)) },

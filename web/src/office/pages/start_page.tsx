@@ -7,7 +7,7 @@ import { href } from "../routes.ts";
 import { session } from "../../shared/session.ts";
 import { type OfficeText, t } from "../texts.ts";
 import { money } from "../values.ts";
-import { type DayAnswer, takenOf } from "./day_page.tsx";
+import { type DayAnswer, takenOf } from "./day_figures.ts";
 
 interface Tile { title: OfficeText; about: OfficeText; address: string }
 

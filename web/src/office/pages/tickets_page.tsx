@@ -35,11 +35,10 @@ interface SoldLine {
 }
 interface TicketAnswer extends TicketLine {
   lines: SoldLine[];
-  parts?: { payment: string; name?: string; amount: number }[];
+  parts?: { payment: string; amount: number }[];
   returns?: { number: number; total?: number }[];
   returnOf?: number | null;
-  invoice?: string | null;
-  comment?: string | null;
+  comments?: string[];
 }
 
 const kPage = 100;
@@ -143,11 +142,10 @@ function Ticket({ ticket }: { ticket: TicketAnswer }) {
       </div>
       <Facts facts={[
         [t("customer"), ticket.customer ? <a href={href`/customer/${ticket.customer}`}>{ticket.name || ticket.customer}</a> : ticket.name ?? ""],
-        [t("payment"), parts.length > 0 ? parts.map(({ name, payment, amount }) => `${name ?? payment} ${money(amount)}`).join(" · ") : paymentName(ticket.payment)],
-        [t("invoice"), ticket.invoice ?? ""],
+        [t("payment"), parts.length > 0 ? parts.map(({ payment, amount }) => `${paymentName(payment)} ${money(amount)}`).join(" · ") : paymentName(ticket.payment)],
         [t("closing"), ticket.closing ? <a href={href`/closing/${ticket.closing}`}>{ticket.closing}</a> : t("notClosedYet")],
         [t("returnOf"), returnOf ? <a href={href`/ticket/${returnOf}`}>{returnOf}</a> : ""],
-        [t("comment"), ticket.comment ?? ""],
+        [t("comment"), (ticket.comments ?? []).join(" · ")],
       ]} />
       <Part title={t("lines")}><Table label={t("lines")} columns={columns} items={lines} /></Part>
       {returns.length > 0 && (
@@ -160,4 +158,4 @@ function Ticket({ ticket }: { ticket: TicketAnswer }) {
 }
 
 const paymentName = (code: string | undefined): string =>
-  session.get().payments?.find((one) => one.code === code)?.name ?? code ?? "";
+  session.get().payments.find((one) => one.code === code)?.name ?? code ?? "";

@@ -1,2 +1,0 @@
-// SPDX-License-Identifier: MIT
-export default function setup(): void {}
