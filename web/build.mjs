@@ -50,7 +50,7 @@ function writePages(meta) {
     writeFileSync(`dist/${page.file}`, html);
   }
   const named = new Set(pages.map((page) => page.file));
-  const assets = readdirSync("dist").filter((file) => !named.has(file) && file !== "manifest.json").sort();
+  const assets = readdirSync("dist").filter((file) => !named.has(file) && file !== "manifest.json" && file !== "stamp").sort();
   writeFileSync("dist/manifest.json", JSON.stringify([
     ...pages.map((page) => ({ path: page.path, file: page.file, type: "text/html", immutable: false })),
     ...assets.map((file) => ({ path: `/assets/${file}`, file, type: typeOf(file), immutable: true })),

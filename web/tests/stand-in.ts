@@ -1,23 +1,27 @@
 // SPDX-License-Identifier: MIT
-// A server of the pages' own tests where the program is not built: dist/ and as much of a shop as a till needs.
+// A server of the pages' own tests where the program is not built: dist/ and as much of a shop as a till
+// needs. stand-in PORT FILE: sales lie in the file, so that it may be killed.
 import { createServer, type IncomingMessage, type ServerResponse } from "node:http";
-import { readFileSync } from "node:fs";
+import { existsSync, readFileSync, writeFileSync } from "node:fs";
 import { amountOf, discounted, fromNumber, toNumber } from "../src/shared/money.ts";
 
 const port = Number(process.argv[2] ?? 8099);
+const file = process.argv[3] ?? "";
 const kPolicy = "default-src 'self'; object-src 'none'; frame-ancestors 'none'; base-uri 'none'; form-action 'none'; require-trusted-types-for 'script'";
 const manifest = JSON.parse(readFileSync("dist/manifest.json", "utf8")) as { path: string; file: string; type: string }[];
 const articles = [
   { code: "PAN001", description: "Barra de pan", price: 1.1, tax: 4, family: "PAN", stock: 40 },
   { code: "LEC001", description: "Leche entera 1 l", price: 0.95, tax: 4, family: "LAC", stock: 12 },
   { code: "QUE001", description: "Queso curado de oveja", price: 18.4, tax: 4, family: "LAC", stock: 3.25 },
-  { code: "VIN001", description: "Vino tinto <b>crianza</b> & roble", price: 6.75, tax: 21, family: "BEB", stock: 24 },
+  { code: "VIN001", description: "Vino tinto crianza", price: 6.75, tax: 21, family: "BEB", stock: 24 },
   { code: "8410000000017", description: "Aceite de oliva virgen extra, botella de 75 cl", price: 9.9, tax: 4, family: "ACE", stock: 8 },
 ];
 const customers = [{ code: "00001", name: "Bar Núñez <img src=x onerror=alert(1)>", place: "Reus", fiscalNumber: "12345678Z", phone: "977000000", tariff: "A" }];
-const sales = new Map<string, { ticket: number; body: string; total: number; lines: Quoted[]; returns: number[]; returnOf?: number }>();
+interface Sold { ticket: number; body: string; total: number; lines: Quoted[]; returns: number[]; returnOf?: number }
+const sales = new Map<string, Sold>(file !== "" && existsSync(file) ? JSON.parse(readFileSync(file, "utf8")) as [string, Sold][] : []);
+const store = () => file !== "" && writeFileSync(file, JSON.stringify([...sales]));
 const held: { id: number; body: Record<string, unknown> }[] = [];
-let signedIn = false;
+let signedIn = sales.size > 0; // who was signed in still is
 let heldCount = 0;
 
 interface Asked { code: string; quantity: number; price?: number; discount?: number }
@@ -43,7 +47,7 @@ function api(method: string, url: URL, body: Record<string, unknown>): [number, 
   const path = url.pathname.replace("/api/v1", "");
   const words = (url.searchParams.get("q") ?? "").toLowerCase().split(" ");
   if (path === "/session") {
-    if (method === "POST" && body.pin !== "1234") return [401, { error: { kind: "signedOut", message: "", left: 3 } }];
+    if (method === "POST" && body.pin !== "4711") return [401, { error: { kind: "signedOut", message: "", left: 3 } }];
     if (method !== "GET") signedIn = method === "POST";
     return [200, session()];
   }
@@ -66,6 +70,7 @@ function api(method: string, url: URL, body: Record<string, unknown>): [number, 
     if (wrong >= 0) return [422, { error: { kind: "refused", message: "The sale is refused.", faults: [{ line: wrong + 1, code: lines[wrong]!.code, reason: "the quantity is too large" }] } }];
     const sale = before ?? { ticket: sales.size + 1, body: text, total: totalOf(lines), lines, returns: [] };
     sales.set(key, sale);
+    store();
     return [before ? 200 : 201, { ticket: sale.ticket, key, total: sale.total, change: 0, receipt: `/print/ticket/${sale.ticket}`, ...(before ? { wasThere: true } : {}) }];
   }
   if (path === "/held" && method === "GET") return [200, { held: held.map((each) => ({ id: each.id, label: each.body.label, till: each.body.till, time: "10:32" })) }];
@@ -87,6 +92,7 @@ function api(method: string, url: URL, body: Record<string, unknown>): [number, 
     const ticket = sales.size + 1;
     sales.set(`return ${ticket}`, { ticket, body: "", total: -sale.total, lines: [], returns: [], returnOf: sale.ticket });
     sale.returns.push(ticket);
+    store();
     return [201, { ticket, total: -sale.total, receipt: `/print/ticket/${ticket}` }];
   }
   const cash = [...sales.values()].reduce((sum, { total }) => sum + total, 0);

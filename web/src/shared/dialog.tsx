@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A window over the page, of the browser's own kind: it keeps the focus inside, and Escape closes it.
 import type { ComponentChildren } from "preact";
-import { useEffect, useId, useRef } from "preact/hooks";
+import { useId, useLayoutEffect, useRef } from "preact/hooks";
 
 interface Properties {
   title: string;
@@ -15,16 +15,20 @@ interface Properties {
 export function Dialog({ title, close, closeText = "", className = "", footer, children }: Properties) {
   const element = useRef<HTMLDialogElement>(null);
   const heading = useId();
-  useEffect(() => {
+  // Before the next key: who types ahead types into the window.
+  useLayoutEffect(() => {
     const dialog = element.current;
-    const before = document.activeElement;
     if (!dialog) return undefined;
     dialog.showModal();
     // The field that is meant; else the first one, which is the browser's choice.
     dialog.querySelector<HTMLElement>("[data-first]")?.focus();
     return () => {
-      dialog.close();
-      if (before instanceof HTMLElement && before.isConnected) before.focus();
+      dialog.close(); // which gives the focus back
+      // Closed within the key that closes it, Chromium leaves the field without its caret, and typing is lost.
+      const field = document.activeElement;
+      if (!(field instanceof HTMLElement) || field === document.body) return;
+      field.blur();
+      field.focus();
     };
   }, []);
   return (

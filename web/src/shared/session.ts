@@ -55,7 +55,7 @@ export function dayText(day: string): string {
 }
 
 function accept(answer: Session): void {
-  setToken(answer.token);
+  setToken(answer.token ?? "");
   const before = session.get();
   const merged = answer.employee === null ? { ...before, ...answer, tills: before.tills, payments: before.payments,
     taxes: before.taxes, tariffs: before.tariffs, today: before.today, shop: { ...before.shop, ...answer.shop } } : answer;

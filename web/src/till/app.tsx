@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The till's page: head, search, lines, sums and what can be done, with one window over it at most.
 import type { ComponentChildren } from "preact";
-import { useEffect, useState } from "preact/hooks";
+import { useEffect, useLayoutEffect, useState } from "preact/hooks";
 import { Dialog } from "../shared/dialog.tsx";
 import { scanner, shortcuts } from "../shared/keyboard.ts";
 import { may, money, plain, serverAway, session, signedOut, signOut } from "../shared/session.ts";
@@ -45,7 +45,7 @@ export function App() {
   useEffect(() => {
     document.title = `${t("till")} ${tillName()} · ${shop.name}`;
   }, [here, shop]);
-  useEffect(() => {
+  useLayoutEffect(() => {
     if (window === "" && !isOut) focusSearch();
   }, [window, isOut, hasTill]);
   useEffect(() => {

@@ -14,6 +14,7 @@ import { NumberPad } from "./numbers.tsx";
 import { t } from "./texts.ts";
 
 const kNotes = [5n, 10n, 20n, 50n, 100n];
+const kMostChange = 500n * kOne; // less than the largest note
 
 export function PayDialog({ close }: { close: () => void }) {
   const { payments, locale } = useStore(session);
@@ -65,6 +66,8 @@ export function PayDialog({ close }: { close: () => void }) {
     if (isBack || amount === rest) return void sell([...parts, { payment: method, amount: rest }], isBack ? 0n : handed(amount), 0n);
     if (amount <= 0n) return wrong(t("notPositive"));
     if (amount > rest && !payment.isCash) return wrong(t("tooMuch"));
+    // A code that a scanner typed here, say: nobody gets so much change.
+    if (amount > rest + kMostChange) return wrong(t("tooMuch"));
     if (amount > rest) return void sell([...parts, { payment: method, amount: rest }], handed(amount), amount - rest);
     setParts([...parts, { payment: method, amount }]);
     setText("");

@@ -11,6 +11,7 @@ import { t } from "./texts.ts";
 
 const kPause = 40;  // ms after the last key before it is asked
 const kMost = 12;   // results
+const kHaste = 300; // ms within which a second Enter is not meant as "pay"
 
 interface Found {
   text: string;  // what was asked
@@ -37,7 +38,7 @@ async function search(text: string, signal: AbortSignal): Promise<Article[]> {
     articles.forEach((article) => learn(article));
     return articles;
   } catch (error) {
-    if (signal.aborted || !(error instanceof RequestError)) throw error;
+    if (!(error instanceof RequestError)) throw error;
     if (!error.isAway && error.status !== 401) throw error;
     noted(error);
     return knownArticles(text, kMost);
@@ -54,7 +55,9 @@ export function SearchBox({ pay }: { pay: () => void }) {
   const wasMoved = useRef(false);
   const running = useRef<{ text: string; answer: Promise<Article[]>; abort: AbortController } | undefined>(undefined);
   const timer = useRef<ReturnType<typeof setTimeout> | undefined>(undefined);
-  const isBusy = useRef(false);
+  const queue = useRef<Promise<void>>(Promise.resolve());
+  const pending = useRef(0);
+  const lastEnter = useRef(0);
   const { rest } = splitQuantity(text, (number) => read(number, session.get().locale));
   const isOpen = rest !== "" && found.text !== "" && found.articles.length > 0;
 
@@ -102,39 +105,43 @@ export function SearchBox({ pay }: { pay: () => void }) {
     addArticle(article, splitQuantity(text, (number) => read(number, session.get().locale)).quantity);
     clear();
   };
-  // A code that is exactly this goes first, as a scanner means it; then the first that was found.
-  const enter = async (field: HTMLInputElement) => {
+  // What was entered is looked up one after the other, and the field is free for the next at once. A code
+  // that is exactly this goes first, as a scanner means it; then the first that the search finds.
+  const lookUp = async (typed: string, answer: Promise<Article[]> | undefined) => {
+    try {
+      if (await scanned(typed)) return;
+      const { quantity, rest: wanted } = splitQuantity(typed, (number) => read(number, session.get().locale));
+      const first = (await (answer ?? search(wanted, new AbortController().signal)))[0];
+      if (first) {
+        addArticle(first, quantity);
+        return;
+      }
+      say(t("notFound", { text: wanted }), "bad");
+      setText((now) => now || typed); // to be mended, if nothing was typed since
+    } catch (error) {
+      complain(error);
+    }
+  };
+  const enter = (field: HTMLInputElement) => {
     const typed = field.value;
-    const parts = splitQuantity(typed, (number) => read(number, session.get().locale));
-    if (parts.rest === "") {
-      pay();
+    const now = performance.now();
+    const isHasty = now - lastEnter.current < kHaste;
+    lastEnter.current = now;
+    if (splitQuantity(typed, (number) => read(number, session.get().locale)).rest === "") {
+      if (pending.current === 0 && !isHasty) pay();
       return;
     }
-    if (isBusy.current) return;
     const marked = found.articles[chosen];
     if (wasMoved.current && marked) {
       take(marked);
       return;
     }
-    isBusy.current = true;
-    try {
-      if (await scanned(typed)) {
-        if (field.value === typed) clear(); // what was typed on meanwhile stays
-        return;
-      }
-      const first = (await start(parts.rest))[0];
-      if (first) {
-        addArticle(first, parts.quantity);
-        if (field.value === typed) clear();
-      } else {
-        say(t("notFound", { text: parts.rest }), "bad");
-        field.select();
-      }
-    } catch (error) {
-      if (!(error instanceof DOMException)) complain(error);
-    } finally {
-      isBusy.current = false;
-    }
+    // A search that runs for this very text is waited for, and not given up.
+    const own = running.current?.text === rest ? running.current.answer : undefined;
+    if (own) running.current = undefined;
+    pending.current += 1;
+    queue.current = queue.current.then(() => lookUp(typed, own)).catch((error: unknown) => console.error(error)).finally(() => (pending.current -= 1));
+    clear();
   };
   const move = (by: number) => {
     const next = (chosen + by + found.articles.length) % found.articles.length;
@@ -145,7 +152,7 @@ export function SearchBox({ pay }: { pay: () => void }) {
   const key = (event: KeyboardEvent & { currentTarget: HTMLInputElement }) => {
     const isEmpty = event.currentTarget.value === "";
     switch (event.key) {
-      case "Enter": void enter(event.currentTarget); break;
+      case "Enter": enter(event.currentTarget); break;
       case "ArrowDown": isOpen ? move(1) : moveSelection(1); break;
       case "ArrowUp": isOpen ? move(-1) : moveSelection(-1); break;
       case "Escape": clear(); break;
