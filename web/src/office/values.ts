@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
 // Values of columns as people read and type them.
-import { type DateOrder, readDay, writtenDay } from "../shared/dates.ts";
+import { readDay } from "../shared/dates.ts";
 import { fromNumber, read, toNumber, written, writtenMoney } from "../shared/money.ts";
 import type { Column, Value } from "./model.ts";
-import { session } from "../shared/session.ts";
+import { dayText, session } from "../shared/session.ts";
 import { t } from "./texts.ts";
 
 export const money = (value: number): string => writtenMoney(fromNumber(value), session.get().locale);
 export const quantity = (value: number): string => written(fromNumber(value), session.get().locale);
-export const day = (value: string): string => writtenDay(value, session.get().locale.dateOrder as DateOrder);
+export const day = dayText;
 /** What was typed as a day, or undefined. */
 export const typedDay = (text: string): string | undefined =>
-  readDay(text, session.get().today, session.get().locale.dateOrder as DateOrder);
+  readDay(text, session.get().today, session.get().locale.dateOrder);
 
 export const isNumeric = ({ type }: Column): boolean => type === "number" || type === "money" || type === "integer";
 

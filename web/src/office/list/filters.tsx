@@ -5,15 +5,7 @@ import { useState } from "preact/hooks";
 import type { Column } from "../model.ts";
 import { type OfficeText, t } from "../texts.ts";
 import { readValue, shown } from "../values.ts";
-
-export type Comparison = "like" | "eq" | "ne" | "lt" | "le" | "gt" | "ge";
-
-export interface Filter {
-  column: string;
-  comparison: Comparison;
-  /** As the server takes it: 1.5, 2026-11-20, true. */
-  value: string;
-}
+import { type Comparison, type Filter, filterText } from "./filter.ts";
 
 const kWords: Record<Comparison, OfficeText> = {
   like: "contains", eq: "equals", ne: "differs", lt: "below", le: "atMost", gt: "above", ge: "atLeast",
@@ -23,14 +15,6 @@ const kOfNumber: Comparison[] = ["eq", "ge", "le", "gt", "lt", "ne"];
 
 const comparisonsOf = (column: Column): Comparison[] =>
   column.type === "text" || column.type === "memo" ? kOfText : column.type === "flag" ? ["eq"] : kOfNumber;
-
-/** COLUMN:OP:VALUE, as an address holds it. */
-export const filterText = ({ column, comparison, value }: Filter): string => `${column}:${comparison}:${value}`;
-
-export function filterOf(text: string): Filter | undefined {
-  const parts = /^(.*?):(like|eq|ne|lt|le|gt|ge):(.*)$/s.exec(text);
-  return parts ? { column: parts[1]!, comparison: parts[2] as Comparison, value: parts[3]! } : undefined;
-}
 
 interface Props {
   columns: Column[];
