@@ -258,6 +258,7 @@ void requireAmount(const CashCount& count) {
   if (!std::isfinite(count.counted) || std::abs(count.counted) > kMostMoney) {
     refuse("What was counted is no amount.");
   }
+  if (count.counted < 0) refuse("What was counted is below 0.");
   if (std::abs(count.counted - cents(count.counted)) > 1e-6) {
     refuse("What was counted is no whole cents.");
   }

@@ -22,7 +22,7 @@ namespace tavelor::flows {
 namespace {
 
 constexpr Statement::Constant kColumns =
-    "SELECT Id, Clave, Caja, Empleado, Etiqueta, Momento, Contenido, Tomado_Por FROM "
+    "SELECT Id, Clave, Caja, Empleado, Etiqueta, Momento, Contenido, Tomado, Tomado_Por FROM "
     "Tickets_Espera WHERE ";
 
 ConnectionPtr documents() {
@@ -36,7 +36,8 @@ HeldSale saleOf(const Rows& rows) {
           .employee = rows.text("Empleado"),
           .label = rows.text("Etiqueta"),
           .moment = Date(rows.number("Momento")),
-          .content = rows.text("Contenido")};
+          .content = rows.text("Contenido"),
+          .isTaken = !rows.isNull("Tomado")};
 }
 
 void requireText(std::string_view what, const std::string& text, std::size_t most) {
@@ -92,8 +93,11 @@ void sweep(const ConnectionPtr& connection) {
 double holdOnce(const HeldSale& sale, const ConnectionPtr& connection) {
   DatabaseTransaction transaction(connection);
   if (const std::optional<HeldSale> there = byKey(sale.key, connection)) {
-    if (there->content == sale.content) return there->id;
-    throw HeldElsewhere(fmt::format("Another sale waits by the key {}.", sale.key));
+    if (!there->isTaken && there->content == sale.content) return there->id;
+    // It was taken back and is put aside again, or was typed on after an answer was lost.
+    Statement statement("DELETE FROM Tickets_Espera WHERE Clave = ");
+    statement << sqlText(sale.key);
+    run(statement, connection);
   }
   sweep(connection);
   const Rows waiting(selector::kDocuments,

@@ -15,12 +15,13 @@ namespace tavelor::flows {
 /// A sale that waits. Nothing of it is sold, and no stock is taken.
 struct HeldSale {
   double id = 0;         ///< given by holdSale()
-  std::string key;       ///< of whoever holds it: the same one twice is held once
+  std::string key;       ///< that of the sale: the same one twice is held once
   std::string till;      ///< where
   std::string employee;  ///< who
   std::string label;     ///< by which people find it
   Date moment;           ///< when; given by holdSale()
   std::string content;   ///< whatever the till needs to go on, as it sent it
+  bool isTaken = false;  ///< somebody has gone on with it
 };
 
 /// What may wait.
@@ -34,16 +35,16 @@ struct HeldLimits {
   static constexpr double kDaysTaken = 7;  ///< for which one that was taken can be asked for again
 };
 
-/// Raised, by number 5, where another till has taken it, or other contents are held by its key.
+/// Raised, by number 5, where somebody else has taken it.
 class HeldElsewhere final : public Error {
  public:
   explicit HeldElsewhere(const std::string& message)
       : Error(errors::kInvalidCall, "HeldSales", message) {}
 };
 
-/// Puts a sale aside, once by its key, and gives its id. Raises 5 for what is wider than its column
-/// and where too many wait, HeldElsewhere where the key is that of another sale. Nothing is stored
-/// then.
+/// Puts a sale aside, once by its key, and gives its id. By a key that waits with other contents,
+/// or that was taken, it waits anew with these, by another id. Raises 5 for what is wider than its
+/// column and where too many wait; nothing is changed then.
 double holdSale(const HeldSale& sale);
 
 /// All that wait, the oldest first.

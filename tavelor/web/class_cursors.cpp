@@ -31,7 +31,8 @@ std::vector<ClassCursors::KeptPtr> ClassCursors::dropped(const Place& place) {
     return kept_.erase(entry);
   };
   for (auto entry = kept_.begin(); entry != kept_.end();) {
-    entry = now - entry->second->used > limits_.idle ? drop(entry) : std::next(entry);
+    const bool isIdle = !(entry->first == place) && now - entry->second->used > limits_.idle;
+    entry = isIdle ? drop(entry) : std::next(entry);
   }
   /// The one that was used longest ago, of a caller or of all; never the one in use here.
   const auto oldest = [&](const std::string* caller) {

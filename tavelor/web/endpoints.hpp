@@ -10,16 +10,16 @@ void addPages(Routes& routes);
 void addSession(Routes& routes);
 void addHealth(Routes& routes);
 void addEvents(Routes& routes);
+void addClasses(Routes& routes);
+void addArticles(Routes& routes);
+void addPartners(Routes& routes);
+void addOpenApi(Routes& routes);
 void addTillSearch(Routes& routes);
 void addTillCustomers(Routes& routes);
 void addTillSales(Routes& routes);
 void addTillHeld(Routes& routes);
 void addTillTickets(Routes& routes);
 void addTillClosings(Routes& routes);
-void addClasses(Routes& routes);
-void addArticles(Routes& routes);
-void addPartners(Routes& routes);
-void addOpenApi(Routes& routes);
 
 /// All of them.
 inline void addEndpoints(Routes& routes) {
@@ -27,16 +27,16 @@ inline void addEndpoints(Routes& routes) {
   addSession(routes);
   addHealth(routes);
   addEvents(routes);
+  addClasses(routes);
+  addArticles(routes);
+  addPartners(routes);
+  addOpenApi(routes);
   addTillSearch(routes);
   addTillCustomers(routes);
   addTillSales(routes);
   addTillHeld(routes);
   addTillTickets(routes);
   addTillClosings(routes);
-  addClasses(routes);
-  addArticles(routes);
-  addPartners(routes);
-  addOpenApi(routes);
 }
 
 }  // namespace tavelor::web

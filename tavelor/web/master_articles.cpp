@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include "tavelor/articles/articulos.hpp"
-#include "tavelor/reference/almacenes.hpp"
 #include "tavelor/web/answer.hpp"
 #include "tavelor/web/class_shape.hpp"
 #include "tavelor/web/context.hpp"
@@ -41,22 +40,23 @@ Json tariffsOf(const Json& article, const std::string& code) {
   }
   for (const Json& row : rowsOfOwner("Articulos_Tarifas", code, "Codigo", "Tarifa")) {
     tariffs.push_back(
-        {{"tariff", row["Tarifa"]}, {"name", row["Nombre"]}, {"price", row["Precio"]}});
+        {{"tariff", row.at("Tarifa")}, {"name", row.at("Nombre")}, {"price", row.at("Precio")}});
   }
   return tariffs;
 }
 
 Json stockOf(const std::string& code) {
+  Statement select(
+      "SELECT Articulos_Almacenes.Almacen, Almacenes.Descripcion, Articulos_Almacenes.Cantidad,"
+      " Articulos_Almacenes.Pendiente FROM Articulos_Almacenes LEFT JOIN Almacenes"
+      " ON Articulos_Almacenes.Almacen = Almacenes.Codigo WHERE Articulos_Almacenes.Codigo = ");
+  select << sqlText(code) << " ORDER BY Articulos_Almacenes.Almacen";
   Json stock = Json::array();
-  const ClsAlmacenes warehouses;
-  for (const Json& row : rowsOfOwner("Articulos_Almacenes", code, "Codigo", "Almacen")) {
-    const Json& warehouse = row["Almacen"];
-    const std::string name =
-        warehouse.is_string() ? warehouses.GetDescripcion(warehouse.get<std::string>()) : "";
-    stock.push_back({{"warehouse", warehouse},
-                     {"name", name},
-                     {"stock", row["Cantidad"]},
-                     {"pending", row["Pendiente"]}});
+  for (const Json& row : rowsOf(select)) {
+    stock.push_back({{"warehouse", row.at("Almacen")},
+                     {"name", row.at("Descripcion")},
+                     {"stock", row.at("Cantidad")},
+                     {"pending", row.at("Pendiente")}});
   }
   return stock;
 }
@@ -64,15 +64,16 @@ Json stockOf(const std::string& code) {
 Json barcodesOf(const std::string& code) {
   Json barcodes = Json::array();
   for (const Json& row : rowsOfOwner("Articulos_Codigos_barras", code, "Codigo", "Id")) {
-    if (row["Codigo_Barras"].is_string()) barcodes.push_back(row["Codigo_Barras"]);
+    if (row.at("Codigo_barras").is_string()) barcodes.push_back(row.at("Codigo_barras"));
   }
   return barcodes;
 }
 
 Json lastMovements(const std::string& code) {
-  Statement select("SELECT TOP 50 * FROM Articulos_Movimientos_Almacen WHERE Codigo = ");
+  constexpr std::int64_t kLast = 50;
+  Statement select("SELECT * FROM Articulos_Movimientos_Almacen WHERE Codigo = ");
   select << sqlText(code) << " ORDER BY Fecha DESC, Id DESC";
-  return rowsOf(select);
+  return rowsOf(select, kLast);
 }
 
 Answer articlePage(Context& context) {

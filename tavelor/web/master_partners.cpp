@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// /suppliers, and what the office shows of a customer beside his account.
+// /customers/{code}/details and /suppliers: partners with what belongs to them.
 #include <fmt/format.h>
 
+#include "tavelor/customers/clientes.hpp"
 #include "tavelor/platform/literal.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/suppliers/proveedores.hpp"
@@ -28,6 +29,15 @@ constexpr std::string_view kAccountSchema = R"json({
       "balance": {"type": "number"}}}},
     "opening": {"type": "number"}, "debit": {"type": "number"}, "credit": {"type": "number"},
     "balance": {"type": "number"}}})json";
+constexpr std::string_view kCustomerSchema = R"json({
+  "type": "object", "required": ["customer", "addresses", "contacts"],
+  "properties": {
+    "customer": {"$ref": "#/components/schemas/Values"},
+    "addresses": {"type": "array", "items": {"$ref": "#/components/schemas/Values"}},
+    "contacts": {"type": "array", "items": {"$ref": "#/components/schemas/Values"}},
+    "centres": {"type": "array", "items": {"$ref": "#/components/schemas/Values"}},
+    "prices": {"type": "array", "items": {"$ref": "#/components/schemas/Values"}},
+    "comments": {"type": "array", "items": {"$ref": "#/components/schemas/Values"}}}})json";
 constexpr std::string_view kSupplierSchema = R"json({
   "type": "object", "required": ["supplier", "account"],
   "properties": {
@@ -59,7 +69,20 @@ bool isSet(const Json& row, std::string_view column) {
 
 /// 2 is there, and not to be had.
 bool isActive(const Json& row) {
-  return isSet(row, "Activo") && row["Activo"] != 2;
+  return isSet(row, "Activo") && row.at("Activo") != 2;
+}
+
+Answer customerPage(Context& context) {
+  mustWithClass(context, ClsClientes::component(), "read");
+  const std::string& code = context.path("code");
+  Json customer = rowByCode("Clientes", code, "customer");
+  Json page = {{"addresses", rowsOfOwner("Clientes_Direcciones", code, "Codigo", "ID")},
+               {"contacts", rowsOfOwner("Clientes_Colaboradores", code, "Codigo", "Id")},
+               {"centres", rowsOfOwner("Clientes_Centros", code, "Codigo", "ID")},
+               {"prices", rowsOfOwner("Articulos_Precios_Ventas", code, "Cliente", "Id")},
+               {"comments", rowsOfOwner("Clientes_Comentarios", code, "Codigo", "Id")}};
+  page["customer"] = std::move(customer);
+  return answer(page);
 }
 
 /// Articles of a supplier of which something is on order.
@@ -133,29 +156,24 @@ Answer findSuppliers(Context& context) {
   Json found = Json::array();
   for (const Json& row : rowsOf(select)) {
     if (static_cast<std::int64_t>(found.size()) == most) break;
-    const Json& name = row["Razon_Social"];
+    const Json& name = row.at("Razon_Social");
     const bool isUnnamed = name.is_null() || name == "";
-    found.push_back({{"code", row["Codigo"]},
-                     {"name", isUnnamed ? row["Nombre"] : name},
-                     {"place", row["Poblacion"]},
-                     {"fiscalNumber", row["NIF"]},
-                     {"phone", row["Telefono"]}});
+    found.push_back({{"code", row.at("Codigo")},
+                     {"name", isUnnamed ? row.at("Nombre") : name},
+                     {"place", row.at("Poblacion")},
+                     {"fiscalNumber", row.at("NIF")},
+                     {"phone", row.at("Telefono")}});
   }
   return answer({{"suppliers", std::move(found)}});
 }
 
 }  // namespace
 
-void addCustomerFile(Json& page, const std::string& code) {
-  page["record"] = rowByCode("Clientes", code, "customer");
-  page["addresses"] = rowsOfOwner("Clientes_Direcciones", code, "Codigo", "ID");
-  page["contacts"] = rowsOfOwner("Clientes_Colaboradores", code, "Codigo", "Id");
-  page["centres"] = rowsOfOwner("Clientes_Centros", code, "Codigo", "ID");
-  page["prices"] = rowsOfOwner("Articulos_Precios_Ventas", code, "Cliente", "Id");
-  page["comments"] = rowsOfOwner("Clientes_Comentarios", code, "Codigo", "Id");
-}
-
 void addPartners(Routes& routes) {
+  routes.add(Method::kGet, "/api/v1/customers/{code}/details", Right::kOfficeRead, customerPage,
+             {.summary = "A customer's whole row, with addresses, contacts, centres, own prices and "
+                         "comments, by the names of the tables' columns",
+              .answer = kCustomerSchema});
   routes.add(Method::kGet, "/api/v1/suppliers/search", Right::kOfficeRead, findSuppliers,
              {.summary = "Suppliers by words of their names, codes, fiscal numbers and places",
               .parameters = {{.name = "q", .text = "Words, all of which must be there"},

@@ -2,17 +2,19 @@
 // Rows of tables by their own names.
 #include "tavelor/web/master_rows.hpp"
 
+#include "tavelor/frame/class_info.hpp"
 #include "tavelor/services/data_session.hpp"
 #include "tavelor/services/recordset/recordset.hpp"
 
 namespace tavelor::web {
 
-Json rowsOf(const Statement& select, int selector) {
+Json rowsOf(const Statement& select, std::int64_t most) {
   RecordsetPtr rows;
   ConnectionPtr connection;
-  DataSession().OpenRecordset(selector, select, rows, connection);
+  DataSession().OpenRecordset(selector::kMain, select, rows, connection);
   Json list = Json::array();
   for (const Row row : rows) {
+    if (most-- == 0) break;
     Json values = Json::object();
     for (std::int32_t i = 0; i < rows->Fields().Count(); ++i) {
       const std::string& name = rows->Field(i).Name();

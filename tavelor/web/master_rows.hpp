@@ -2,20 +2,20 @@
 // Rows of tables by their own names, for the pages of articles, customers and suppliers.
 #pragma once
 
+#include <cstdint>
 #include <optional>
-#include <string>
 #include <string_view>
 
 #include "tavelor/flows/account.hpp"
-#include "tavelor/frame/class_info.hpp"
 #include "tavelor/platform/date.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/web/json.hpp"
 
 namespace tavelor::web {
 
-/// All rows of a SELECT, each an object by the names of its columns. Bytes are left out.
-Json rowsOf(const Statement& select, int selector = selector::kMain);
+/// The first rows of a SELECT of the main database, each an object by the names of its columns.
+/// Bytes are left out.
+Json rowsOf(const Statement& select, std::int64_t most = 10'000);
 /// The rows of one owner, by the column that names him.
 Json rowsOfOwner(Statement::Constant table, std::string_view owner,
                  Statement::Constant column = "Codigo", Statement::Constant order = {});
@@ -26,9 +26,5 @@ std::optional<Json> rowOf(const Statement& select);
 /// there and never was.
 Json accountOf(flows::LedgerOf of, const std::string& owner, std::optional<Date> from = {},
                std::optional<Date> to = {});
-
-/// What only the office sees of a customer: the whole row, addresses, contacts, centres, prices and
-/// comments. Raises Failure 404 for one who is not there.
-void addCustomerFile(Json& page, const std::string& code);
 
 }  // namespace tavelor::web

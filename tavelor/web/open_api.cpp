@@ -161,9 +161,15 @@ Json operationOf(const Route& route) {
   return operation;
 }
 
+/// Pages are for browsers.
+bool isOfPrograms(const Route& route) {
+  return route.pattern.starts_with("/api/") || route.pattern == "/health";
+}
+
 Json describe(const Application& application, const Installation& installation) {
   Json paths = Json::object();
   for (const Route& route : application.routes().all()) {
+    if (!isOfPrograms(route)) continue;
     paths[route.pattern][text::lower(nameOf(route.method))] = operationOf(route);
   }
   const auto scheme = [](std::string_view place, std::string_view name) {

@@ -8,6 +8,7 @@
 #include "tavelor/flows/day_figures.hpp"
 #include "tavelor/flows/receipt.hpp"
 #include "tavelor/flows/shop.hpp"
+#include "tavelor/platform/text.hpp"
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/clock.hpp"
 #include "tavelor/web/answer.hpp"
@@ -21,7 +22,8 @@ namespace tavelor::web {
 namespace {
 
 constexpr double kHalfACent = 0.005;
-constexpr double kMostDays = 366;  // whose figures are added up at once
+constexpr std::size_t kByWidth = 20;  // characters of who counted; names of programs are longer
+constexpr double kMostDays = 366;     // whose figures are added up at once
 
 constexpr std::string_view kCloseSchema =
     R"({"type":"object","required":["till","counted"],"properties":{"till":{"type":"string"},)"
@@ -142,8 +144,8 @@ Answer close(Context& context) {
   const Date day = body.day("day", today());
   const double counted = body.number("counted");
   mustBeAsMany(body, till, day);
-  const auto made =
-      context.shop().close(till, day, {.counted = counted, .by = context.caller().code});
+  const std::string by(text::left(context.caller().code, kByWidth));
+  const auto made = context.shop().close(till, day, {.counted = counted, .by = by});
   if (!made) return closedBefore(context, till, day, counted);
   const auto closing = flows::findClosing(made->number);
   if (!closing) throw Failure(500, "failure", "The closing was stored, and is not found.");

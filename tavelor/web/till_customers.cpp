@@ -2,18 +2,15 @@
 // Customers at the till: found, and what they owe.
 #include <cmath>
 
-#include "tavelor/customers/clientes.hpp"
 #include "tavelor/flows/account.hpp"
 #include "tavelor/flows/search.hpp"
 #include "tavelor/frame/class_info.hpp"
-#include "tavelor/frame/component.hpp"
 #include "tavelor/frame/rows.hpp"
 #include "tavelor/platform/number_text.hpp"
 #include "tavelor/platform/statement.hpp"
 #include "tavelor/platform/text.hpp"
 #include "tavelor/web/answer.hpp"
 #include "tavelor/web/endpoints.hpp"
-#include "tavelor/web/master_rows.hpp"
 #include "tavelor/web/routes.hpp"
 #include "tavelor/web/till_tickets.hpp"
 #include "tavelor/web/till_values.hpp"
@@ -97,11 +94,7 @@ Answer one(Context& context) {
       {"limit", row.isNull("Riesgo") ? Json(nullptr) : money(row.number("Riesgo"))},
       {"blocked", row.flag("Bloqueo")},
       {"active", active != 0 && active != kSetAside}};
-  Json page = {{"customer", customer}, {"account", account}};
-  const bool isOfOffice = context.caller().may(Right::kOfficeRead) &&
-                          context.mayWithClass(ClsClientes::component().word(), "read");
-  if (isOfOffice) addCustomerFile(page, code);
-  return answer(page);
+  return answer({{"customer", customer}, {"account", account}});
 }
 
 void mustBeThere(const std::string& code) {
@@ -161,8 +154,7 @@ void addTillCustomers(Routes& routes) {
               .parameters = {{"q", "what was typed"},
                              {"most", "how many to give, 20 where it is not told", "integer"}}});
   routes.add(Method::kGet, "/api/v1/customers/{code}", Right::kSignedIn, one,
-             {.summary = "A customer and what he owes: above 0 he owes the shop. For the office with the "
-                         "whole row, addresses, contacts, centres, prices and comments"});
+             {.summary = "A customer and what he owes: above 0 he owes the shop"});
   routes.add(Method::kGet, "/api/v1/customers/{code}/account", Right::kSignedIn, account,
              {.summary = "His account: balances above 0 he owes the shop", .parameters = days});
   routes.add(Method::kGet, "/api/v1/customers/{code}/documents", Right::kSignedIn, documents,

@@ -7,6 +7,7 @@
 
 #include "tavelor/flows/held.hpp"
 #include "tavelor/flows/sale.hpp"
+#include "tavelor/platform/text.hpp"
 #include "tavelor/web/answer.hpp"
 #include "tavelor/web/endpoints.hpp"
 #include "tavelor/web/events.hpp"
@@ -37,14 +38,9 @@ Answer hold(Context& context) {
   sale.till = body.text("till", HeldLimits::kTill);
   sale.label = body.text("label", HeldLimits::kLabel, "");
   body.array("lines", kMostLines);
-  sale.employee = context.caller().code.substr(0, HeldLimits::kEmployee);
+  sale.employee = text::left(context.caller().code, HeldLimits::kEmployee);
   sale.content = dumped(context.body());
-  double id = 0;
-  try {
-    id = flows::holdSale(sale);
-  } catch (const flows::HeldElsewhere& error) {
-    throw Failure::conflict(error.description());
-  }
+  const double id = flows::holdSale(sale);
   context.changed(fmt::format("held {:.0f}", id));
   context.events().publish("held", {{"id", jsonOfNumber(id)}, {"till", sale.till}});
   return answer({{"id", jsonOfNumber(id)}}, 201);

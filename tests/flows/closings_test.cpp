@@ -71,7 +71,7 @@ TEST_F(ClosingsTest, AClosingThatNobodyCountedTellsNothingOfIt) {
 TEST_F(ClosingsTest, WhatIsNoAmountIsRefusedAndNothingClosed) {
   shop_.sell(saleOf("V1"));
   for (const double counted :
-       {std::nan(""), std::numeric_limits<double>::infinity(), 1e300, 0.001}) {
+       {std::nan(""), std::numeric_limits<double>::infinity(), 1e300, 0.001, -1.0}) {
     EXPECT_EQ(test::errorOf([&] { shop_.close("01", kDay, {.counted = counted}); }), 5) << counted;
   }
   EXPECT_EQ(test::errorOf([&] { shop_.close("01", kDay, {1, std::string(21, 'x')}); }), 5);

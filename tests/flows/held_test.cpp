@@ -37,7 +37,18 @@ TEST_F(HeldTest, WaitsAsItWasSentAndIsHeldOnceByItsKey) {
   EXPECT_EQ(all[0].content, saleBy("").content);
   HeldSale other = saleBy("K1");
   other.content = "{}";
-  EXPECT_THROW(holdSale(other), HeldElsewhere);
+  EXPECT_NE(holdSale(other), id);
+  ASSERT_EQ(heldSales().size(), 1U);
+  EXPECT_EQ(heldSales()[0].content, "{}");
+  EXPECT_FALSE(takeHeldSale(id, "till 1"));
+}
+
+TEST_F(HeldTest, WaitsAgainWhereItIsPutAsideOnceMore) {
+  const double id = holdSale(saleBy("K1"));
+  takeHeldSale(id, "till 1");
+  const double again = holdSale(saleBy("K1"));
+  EXPECT_NE(again, id);
+  EXPECT_TRUE(takeHeldSale(again, "till 2"));
 }
 
 TEST_F(HeldTest, IsTakenByOneAndByItAgain) {

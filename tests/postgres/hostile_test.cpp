@@ -2,7 +2,6 @@
 // Hostile values in the places where classes put values, on both engines: what one refuses the
 // other refuses, and where one takes it as a value so does the other.
 #include <array>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -18,6 +17,7 @@
 #include "tavelor/services/sqlite/sqlite_engine.hpp"
 #include "tests/dialect/corpus_case.hpp"
 #include "tests/postgres/server.hpp"
+#include "tests/support/hostile_values.hpp"
 
 namespace tavelor::engine::test {
 namespace {
@@ -107,86 +107,6 @@ const std::array kGaps{
     Gap{"INSERT INTO Bancos (Codigo, Banco, Activo) VALUES (", ", 'b', False)"},
     Gap{"DELETE FROM Bancos WHERE Codigo = '", "';"}};
 
-std::vector<std::string> hostileValues() {
-  std::vector<std::string> values{"'",
-                                  "''",
-                                  "\"",
-                                  "x'",
-                                  "x'); DELETE FROM Bancos; --",
-                                  "' or '1'='1",
-                                  "x', 0, 0 --",
-                                  "1 AS a, 2",
-                                  "(SELECT 1)",
-                                  "1; DELETE FROM Bancos",
-                                  "Saldo",
-                                  "1 OR 1=1",
-                                  "\\",
-                                  "\\'",
-                                  "\\'; DROP TABLE Bancos; --",
-                                  "$1",
-                                  "$$x$$",
-                                  "$tag$",
-                                  "?1",
-                                  ":1",
-                                  "%s",
-                                  "E'x'",
-                                  "U&'\\0041'",
-                                  "x\\000y",
-                                  "\\x41",
-                                  "'; SELECT pg_sleep(9); --",
-                                  "'||version()||'",
-                                  "1::text",
-                                  "current_user",
-                                  "/* x */",
-                                  "--",
-                                  "-- x\n",
-                                  "#",
-                                  "1#",
-                                  "01/01/2025# OR #01/01/2025",
-                                  "NULL",
-                                  "",
-                                  " ",
-                                  "\t",
-                                  "\n",
-                                  "\r\n",
-                                  ";",
-                                  "ñandú",
-                                  "\xE2\x80\x99",
-                                  "\xC2\xA0",
-                                  "\xEF\xBC\x87",
-                                  "\xF0\x9F\x90\x9F",
-                                  "[x]",
-                                  "[",
-                                  "*",
-                                  "?",
-                                  "_",
-                                  "%",
-                                  "1e400",
-                                  "-1e400",
-                                  "99999999999999999999",
-                                  "-0",
-                                  "0x10",
-                                  "1,5",
-                                  "1.5.5",
-                                  "+-1",
-                                  "01/01/0001",
-                                  "31/31/2025",
-                                  "99/99/9999",
-                                  std::string(300, 'x'),
-                                  std::string(70'000, 'y'),
-                                  "true",
-                                  "infinity",
-                                  "NaN",
-                                  "epoch",
-                                  "now",
-                                  "tomorrow"};
-  for (const auto& entry :
-       std::filesystem::directory_iterator(tests::detail::kSource / "fuzz/seeds/value")) {
-    values.push_back(tests::readFile(entry.path()));
-  }
-  return values;
-}
-
 class HostileOnServer : public ServerTest {
  protected:
   void SetUp() override {
@@ -216,7 +136,7 @@ class HostileOnServer : public ServerTest {
 };
 
 TEST_F(HostileOnServer, ValuesDoWhatTheyDoOnTheEmbeddedEngine) {
-  for (const std::string& value : hostileValues()) {
+  for (const std::string& value : tavelor::test::hostileValues()) {
     for (const Gap& gap : kGaps) {
       const Statement statement = filled(gap, value);
       EXPECT_EQ(outcomeOf(server, statement), outcomeOf(embedded, statement))

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // A customer or a supplier: what is owed first, then the entries, addresses and documents.
 import { useState } from "preact/hooks";
-import { at, query } from "../../shared/api.ts";
-import { Show, useAsked } from "../load.tsx";
+import { at, get, query } from "../../shared/api.ts";
+import { Show, useAsked, useLoaded } from "../load.tsx";
 import type { Values } from "../model.ts";
 import { PeriodFields } from "../period.tsx";
 import { RowsTable } from "../rows_table.tsx";
@@ -15,8 +15,6 @@ import { TicketTable, type TicketLine } from "./tickets_page.tsx";
 interface Entry { day: string | null; text: string; debit: number; credit: number; balance: number; document?: number }
 interface Account { entries: Entry[]; balance: number; opening?: number; debit?: number; credit?: number }
 interface PartnerAnswer {
-  /** The whole row of a customer, for who may see it. */
-  record?: Values;
   customer?: Values;
   supplier?: Values;
   account?: { balance?: number; limit?: number | null; blocked?: boolean; active?: boolean; entries?: Entry[] };
@@ -30,20 +28,29 @@ interface PartnerAnswer {
 
 const text = (value: unknown): string => (value === null || value === undefined ? "" : String(value));
 
+/** A customer's account is told to the tills too, and lies apart from the rest of what is known of him. */
+async function readPartner(base: string, signal: AbortSignal): Promise<PartnerAnswer> {
+  if (!base.startsWith("/customers/")) return get<PartnerAnswer>(base, signal);
+  const [{ account }, details] = await Promise.all([
+    get<PartnerAnswer>(base, signal), get<PartnerAnswer>(`${base}/details`, signal),
+  ]);
+  return { ...details, ...(account && { account }) };
+}
+
 export function PartnerPage({ kind, code }: { kind: "customer" | "supplier"; code: string }) {
   const base = kind === "customer" ? at`/customers/${code}` : at`/suppliers/${code}`;
-  const asked = useAsked<PartnerAnswer>(base);
+  const asked = useLoaded<PartnerAnswer>(base, readPartner);
   return <Show asked={asked}>{(partner) => <Partner kind={kind} code={code} base={base} partner={partner} />}</Show>;
 }
 
 function Partner({ kind, code, base, partner }: { kind: "customer" | "supplier"; code: string; base: string; partner: PartnerAnswer }) {
-  const who = partner.record ?? partner.supplier ?? {};
+  const who = partner.customer ?? partner.supplier ?? {};
   const { account = {}, addresses = [], contacts = [], centres = [], prices = [], onOrder = [], comments = [] } = partner;
   const isCustomer = kind === "customer";
   return (
     <>
       <div class="row">
-        <h1>{text(who.Razon_Social) || text(who.Nombre) || text(partner.customer?.name) || code}</h1>
+        <h1>{text(who.Razon_Social) || text(who.Nombre) || code}</h1>
         <span class="gap" />
         {isCustomer && <a class="button" href={`/print/account/${encodeURIComponent(code)}`} target="_blank" rel="noopener">{t("printAccount")}</a>}
         <a class="button main" href={formPage(isCustomer ? "ClsClientes" : "ClsProveedores", { Codigo: code })}>{t("edit")}</a>
