@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The pages in Debian's Chromium. TAVELOR names the program that serves them; without it a stand-in does.
+// The pages in Debian's Chromium. TAVELOR names the program that serves them.
 import { defineConfig } from "@playwright/test";
 
 export default defineConfig({

@@ -24,22 +24,19 @@ const kArticles = [
 export class Shop {
   readonly folder = mkdtempSync(join(tmpdir(), "tavelor-pages-"));
   private process: ChildProcess | undefined;
-  private readonly program = process.env.TAVELOR ?? "";
+  private readonly program = process.env.TAVELOR ?? "../build/release/tools/tavelor";
 
   private constructor(readonly port: number) {}
 
   static async open(): Promise<Shop> {
     const shop = new Shop(await freePort());
-    if (shop.program !== "") shop.make();
+    shop.make();
     await shop.start();
     return shop;
   }
 
   get address(): string {
     return `http://127.0.0.1:${this.port}`;
-  }
-  get isReal(): boolean {
-    return this.program !== "";
   }
 
   private run(arguments_: string[], input = ""): string {
@@ -49,27 +46,26 @@ export class Shop {
   private make(): void {
     const shop = join(this.folder, "shop");
     this.run(["new", shop]);
-    this.run(["seed", shop, "--name", "Colmado Rius", "--nif", "12345678Z", "--tills", "01,02"]);
+    this.run(["seed", shop, "--name", "Colmado Rius", "--nif", "12345678Z"]);
+    this.run(["--in", shop, "edit", "ClsCajas", "--add", "Código=002", "Descripción=Caja 2"]);
     const rows = kArticles.map((fields) => fields.map((text) => `"${text.replaceAll('"', '""')}"`).join(";"));
     const file = join(this.folder, "articles.csv");
     writeFileSync(file, ["Codigo;Descripcion;Tarifa_A;Impuesto", ...rows, ""].join("\n"));
     this.run(["--in", shop, "import", "articles", file]);
-    this.run(["--in", shop, "edit", "ClsEmpleados", "--add", "Codigo=1", "Nombre=Núria"]);
+    this.run(["--in", shop, "edit", "ClsEmpleados", "--add", "Código=1", "Nombre=Núria"]);
     this.run(["--in", shop, "pin", "1", "--role", "owner"], `${kPin}\n`);
-    this.run(["--in", shop, "edit", "ClsEmpleados", "--add", "Codigo=2", "Nombre=Pau"]);
+    this.run(["--in", shop, "edit", "ClsEmpleados", "--add", "Código=2", "Nombre=Pau"]);
     this.run(["--in", shop, "pin", "2", "--role", "seller"], `${kPin}\n`);
   }
 
   async start(): Promise<void> {
-    const command = this.isReal
-      ? [this.program, "serve", join(this.folder, "shop"), "--port", String(this.port), "--rate", "0", "--log", "-"]
-      : [process.execPath, join(process.env.STAND_IN ?? "", "stand-in.mjs"), String(this.port), join(this.folder, "sales.json")];
-    this.process = spawn(command[0]!, command.slice(1), { stdio: ["ignore", "ignore", "inherit"] });
+    const options = ["serve", join(this.folder, "shop"), "--port", String(this.port), "--rate", "0", "--log", "-"];
+    this.process = spawn(this.program, options, { stdio: ["ignore", "ignore", "inherit"] });
     for (let tries = 0; tries < 200; ++tries) {
       if (await fetch(`${this.address}/api/v1/session`).then((answer) => answer.ok, () => false)) return;
       await new Promise((resolve) => setTimeout(resolve, 50));
     }
-    throw new Error(`nobody answers at ${this.address}: ${command.join(" ")}`);
+    throw new Error(`nobody answers at ${this.address}`);
   }
 
   /** As a power cut does it. */

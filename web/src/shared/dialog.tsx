@@ -20,8 +20,6 @@ export function Dialog({ title, close, closeText = "", className = "", footer, c
     const dialog = element.current;
     if (!dialog) return undefined;
     dialog.showModal();
-    // The field that is meant; else the first one, which is the browser's choice.
-    dialog.querySelector<HTMLElement>("[data-first]")?.focus();
     return () => {
       dialog.close(); // which gives the focus back
       // Closed within the key that closes it, Chromium leaves the field without its caret, and typing is lost.
@@ -31,6 +29,14 @@ export function Dialog({ title, close, closeText = "", className = "", footer, c
       field.focus();
     };
   }, []);
+  // What is meant to have the focus, once it is there: it may come with an answer. Until then the browser chooses.
+  const isFocused = useRef(false);
+  useLayoutEffect(() => {
+    const first = isFocused.current ? null : element.current?.querySelector<HTMLElement>("[data-first]");
+    if (!first) return;
+    isFocused.current = true;
+    first.focus();
+  });
   return (
     <dialog ref={element} class={className} aria-labelledby={heading}
       onCancel={(event) => {

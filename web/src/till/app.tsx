@@ -103,7 +103,7 @@ export function App() {
   return (
     <>
       <header class="head">
-        <h1>{shop.name || "Tavelor"} <span class="soft">· {tillName()}</span></h1>
+        <h1>{shop.name || "Tavelor"} {hasTill && <span class="soft">· {tillName()}</span>}</h1>
         <div class="row">
           {waitingCount + refusedCount > 0 && (
             <button type="button" class={`button ${refusedCount > 0 ? "bad" : ""}`} onClick={open("outbox")}>

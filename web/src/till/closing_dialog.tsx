@@ -4,7 +4,7 @@ import { useEffect, useRef, useState } from "preact/hooks";
 import { at, get, post, query, RequestError } from "../shared/api.ts";
 import { Dialog } from "../shared/dialog.tsx";
 import { type Fixed, fromNumber, read, toCents, toNumber } from "../shared/money.ts";
-import { dayText, may, money, plain, session } from "../shared/session.ts";
+import { dayText, loadSession, may, money, plain, session } from "../shared/session.ts";
 import { useStore } from "../shared/store.ts";
 import { draft } from "./draft.ts";
 import { waiting } from "./outbox.ts";
@@ -34,8 +34,9 @@ const kPieces: Fixed[] = [200n, 100n, 50n, 20n, 10n, 5n, 2n, 1n].map((euros) => 
   .concat([50n, 20n, 10n, 5n, 2n, 1n].map((cents) => cents * 100n));
 
 export function ClosingDialog({ close }: { close: () => void }) {
-  const { locale, today } = session.get();
-  const day = today;
+  const { locale, today } = useStore(session);
+  const [chosenDay, setDay] = useState("");
+  const day = chosenDay || today; // yesterday's, where nobody closed it
   const entries = useStore(waiting);
   const { lines } = useStore(draft);
   const [figures, setFigures] = useState<Day | null>(null);
@@ -44,10 +45,15 @@ export function ClosingDialog({ close }: { close: () => void }) {
   const [fault, setFault] = useState("");
   const [done, setDone] = useState<Closing | null>(null);
   const isSending = useRef(false);
+  const asked = useRef("");
   const load = () => {
-    get<Day>(`${at`/tills/${till.get()}/day`}${query({ day })}`).then(setFigures).catch(complain);
+    asked.current = day;
+    get<Day>(`${at`/tills/${till.get()}/day`}${query({ day })}`)
+      .then((answer) => asked.current === day && setFigures(answer)).catch(complain);
   };
-  useEffect(load, []);
+  useEffect(load, [day]);
+  // A page that is open since yesterday knows yesterday's day.
+  useEffect(() => void loadSession(), []);
 
   const hasPieces = Object.values(pieces).some((text) => text !== "");
   const ofPieces = kPieces.reduce((all, piece) => all + piece * BigInt(/^\d{1,6}$/.test(pieces[String(piece)] ?? "") ? pieces[String(piece)]! : "0"), 0n);
@@ -84,6 +90,14 @@ export function ClosingDialog({ close }: { close: () => void }) {
   }
   return (
     <Dialog title={`${t("closingTitle", { till: tillName() })} · ${dayText(day)}`} close={close} closeText={t("cancel")}>
+      <label class="field">
+        <span>{t("day")}</span>
+        <input class="input" type="date" max={today} value={day} onInput={(event) => {
+          setFigures(null);
+          setFault("");
+          setDay(event.currentTarget.value);
+        }} />
+      </label>
       {figures && (
         <section aria-label={t("total")}>
           <p class="line"><span>{t("tickets")}</span> <span class="number">{figures.tickets}</span></p>

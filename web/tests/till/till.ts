@@ -6,7 +6,7 @@ import { kPin, type Shop } from "../shop.ts";
 export class Till {
   constructor(readonly page: Page, readonly shop: Shop) {}
 
-  async open(till = "01", employee = "1"): Promise<void> {
+  async open(till = "001", employee = "1"): Promise<void> {
     await this.page.addInitScript((code) => localStorage.getItem("tavelor.till") ?? localStorage.setItem("tavelor.till", code), till);
     await this.page.goto(`${this.shop.address}/till`);
     await this.signIn(employee);
