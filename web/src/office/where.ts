@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Which page shows what: articles, customers, suppliers and tickets have one of their own.
+// Which page shows what: articles, customers, suppliers, tickets and closings have one of their own.
 import type { Key } from "./model.ts";
 import { href } from "./routes.ts";
 
@@ -12,6 +12,7 @@ const kOwnPages: Record<string, string> = {
   clsclientes: "customer",
   clsproveedores: "supplier",
   clstickets: "ticket",
+  clscierres: "closing",
 };
 
 /** Where a row of a list leads: to the page of its own, or to its form. */
