@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Who is signed in, and what of the shop a page is told once.
 import { ask, get, RequestError, setToken } from "./api.ts";
+import { type DateOrder, writtenDay } from "./dates.ts";
 import { type Fixed, type NumberFormat, written, writtenMoney } from "./money.ts";
 import { store } from "./store.ts";
 import { chosenLanguage, setLanguage } from "./texts.ts";
@@ -19,7 +20,7 @@ export interface Session {
   rights: string[];
   token: string;
   shop: { name: string; fiscalNumber?: string; keepsRecords?: boolean; warehouse?: string };
-  locale: NumberFormat & { language: string; dateOrder: string };
+  locale: NumberFormat & { language: string; dateOrder: DateOrder };
   today: string;
   tills: Named[];
   payments: Payment[];
@@ -47,12 +48,7 @@ export const money = (value: Fixed): string => writtenMoney(value, session.get()
 export const plain = (value: Fixed, least = 0): string => written(value, session.get().locale, least);
 
 /** "2026-11-20" as the country writes days. */
-export function dayText(day: string): string {
-  const [year = "", month = "", date = ""] = day.split("-");
-  const order = session.get().locale.dateOrder;
-  if (order === "ymd") return day;
-  return order === "mdy" ? `${month}/${date}/${year}` : `${date}/${month}/${year}`;
-}
+export const dayText = (day: string): string => writtenDay(day, session.get().locale.dateOrder);
 
 function accept(answer: Session): void {
   setToken(answer.token ?? "");
