@@ -116,8 +116,8 @@ Events& Context::events() {
   return application_.events();
 }
 
-void Context::logChangeIn(const std::shared_ptr<Connection>& main) {
-  logChange(*this, 200, main);
+void Context::logChangeIn(const std::shared_ptr<Connection>& main, int status) {
+  logChange(*this, status, main);
   isLogged_ = true;
 }
 

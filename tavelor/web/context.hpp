@@ -73,7 +73,7 @@ class Context {
   void changedNothing() { isLogged_ = true; }
   /// Writes the line of the log over a connection of the main database, so that it is stored with
   /// the change itself or not at all. Else it is written right behind the handler.
-  void logChangeIn(const std::shared_ptr<Connection>& main);
+  void logChangeIn(const std::shared_ptr<Connection>& main, int status = 200);
   bool isLogged() const { return isLogged_; }
 
  private:

@@ -10,6 +10,7 @@
 
 #include "tavelor/flows/shop.hpp"
 #include "tavelor/flows/tickets.hpp"
+#include "tavelor/flows/transaction.hpp"
 #include "tavelor/platform/error.hpp"
 #include "tavelor/services/apartment.hpp"
 #include "tavelor/services/clock.hpp"
@@ -194,7 +195,17 @@ Answer sell(Context& context) {
   const Buyer buyer{.customer = sale.customer};
   addLines(sale, body, buyer, context.shop());
   mustBeAllowed(sale, buyer, context);
-  const bool isNew = isNewlySold(sale, context.shop());
+  bool isNew = false;
+  {
+    // The line of the log is stored with the sale, or neither is.
+    flows::Transaction transaction(context.shop());
+    isNew = isNewlySold(sale, context.shop());
+    if (isNew) {
+      context.changed(fmt::format("sale {}", sale.reference));
+      context.logChangeIn(transaction.main(), 201);
+    }
+    transaction.commit();
+  }
   const auto ticket = flows::findTicketRow(sale.reference);
   if (!ticket) throw Failure(500, "failure", "The sale was stored, and is not found.");
   Json sold = {{"ticket", jsonOfNumber(ticket->number)},
@@ -207,7 +218,6 @@ Answer sell(Context& context) {
     context.changedNothing();
     return answer(sold);
   }
-  context.changed(fmt::format("ticket {:.0f}", ticket->number));
   context.events().publish("sale", {{"ticket", jsonOfNumber(ticket->number)},
                                     {"till", ticket->till},
                                     {"total", money(ticket->total)},
