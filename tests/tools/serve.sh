@@ -14,7 +14,9 @@ fail() { echo "$*"; exit 1; }
 
 # start [REDIRECTION OF STANDARD ERROR]: begins one on a free port.
 start() {
-  "$program" serve shop --port 0 "$@" >out.txt &
+  rm -f out.txt  # of the one before, whose port is another
+  : >out.txt
+  "$program" serve shop --port 0 "$@" >>out.txt &
   server=$!
   for _ in $(seq 100); do
     port=$(sed -n 's/^back office .*:\([0-9]*\)\/$/\1/p' out.txt)
