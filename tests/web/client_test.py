@@ -5,7 +5,7 @@
 Starts `tavelor serve` over a shop of its own, signs in by a key, and works: by the paths of
 openapi.json it adds an article, reads it back, meets a conflict, lists, sells and asks again.
 
-    client_test.py PATH/TO/tavelor
+    tests/web/client_test.py build/release/tools/tavelor
 """
 
 import json
@@ -47,8 +47,8 @@ class Client:
         except urllib.error.HTTPError as error:
             return error.code, json.load(error)
 
-    def call(self, name, body=None, **values):
-        method, path, operation = self.operations[name]
+    def call(self, called, body=None, /, **values):
+        method, path, operation = self.operations[called]
         query = {}
         for parameter in operation["parameters"]:
             value = values.pop(parameter["name"], None)
@@ -58,7 +58,7 @@ class Client:
                 path = path.replace("{%s}" % parameter["name"], urllib.parse.quote(value, safe=""))
             else:
                 query[parameter["name"]] = value
-        assert not values, f"{name} takes no {list(values)}"
+        assert not values, f"{called} takes no {list(values)}"
         target = path + ("?" + urllib.parse.urlencode(query, doseq=True) if query else "")
         return self.send(method, target, body)
 
@@ -106,8 +106,9 @@ class ClientTest(unittest.TestCase):
 
         def change(original, price):
             return self.client.call(
-                "patch_classes_name_record", name="clsArticulos",
-                body={"key": made["key"], "original": original, "values": {"Tarifa_A": price}})
+                "patch_classes_name_record",
+                {"key": made["key"], "original": original, "values": {"Tarifa_A": price}},
+                name="clsArticulos")
 
         self.assertEqual(change(made["values"], 3.5)[0], 200)
         status, conflict = change(made["values"], 4)
