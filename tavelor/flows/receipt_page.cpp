@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // A receipt as a page: a roll of 58 or 80 mm, or a sheet.
 #include <iterator>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -83,7 +85,9 @@ break-inside:avoid}
 class ReceiptPage {
  public:
   ReceiptPage(const ReceiptContent& content, Paper paper)
-      : content_(content), paper_(paper), locale_(Apartment::current().locale()), text_(locale_) {}
+      : content_(content), paper_(paper), locale_(Apartment::current().locale()), text_(locale_) {
+    if (content_.invoice) symbol_.emplace(content_.invoice->address);
+  }
 
   std::string make() {
     begin();
@@ -133,9 +137,9 @@ class ReceiptPage {
                                   : content_.heads.front().first;
     put("<!DOCTYPE html>\n<html lang=\"es\" class=\"receipt\">\n<head>\n<meta charset=\"utf-8\">\n"
         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-        "<title>{} · {}</title>\n<style>\n{}{}{}</style>\n</head>\n<body>\n",
+        "<title>{} · {}</title>\n<style>\n{}{}{}{}</style>\n</head>\n<body>\n",
         escaped(title), escaped(content_.shop.name), kReceiptStyle,
-        isSheet() ? kSheetStyle : kRollStyle, paperStyle());
+        isSheet() ? kSheetStyle : kRollStyle, paperStyle(), codeStyle());
   }
 
   /// A roll is as long as what is on it, which only the printer's driver knows; a page too short
@@ -156,19 +160,27 @@ class ReceiptPage {
         isNarrow ? "8.5" : "10");
   }
 
-  /// A row's dark modules that follow each other are one stroke.
-  void code() {
-    if (!content_.invoice) return;
-    const fiscal::QrSymbol symbol(content_.invoice->address);
-    const int size = symbol.size();
+  /// Beside the other rules and not at the code: a server lets the one style of a page through.
+  std::string codeStyle() const {
+    if (!symbol_) return {};
+    const int size = symbol_->size();
     const double side = size * fiscal::dotsPerModule(size) * fiscal::kMillimetresPerDot;
     const double quiet = fiscal::kQuietZone * fiscal::kMillimetresPerDot;
     // The white at the sides of a roll is there anyway.
+    return fmt::format(
+        "#qr "
+        "svg{{width:{0:.4f}mm;height:{0:.4f}mm;margin-top:{1:.1f}mm;margin-bottom:{1:.1f}mm}}\n",
+        side, quiet);
+  }
+
+  /// A row's dark modules that follow each other are one stroke.
+  void code() {
+    if (!symbol_) return;
+    const fiscal::QrSymbol& symbol = *symbol_;
+    const int size = symbol.size();
     put("<figure id=\"qr\"><p>{}</p>\n<svg xmlns=\"http://www.w3.org/2000/svg\" role=\"img\" "
-        "aria-label=\"{}\" viewBox=\"0 0 {} {}\" style=\"width:{:.4f}mm;height:{:.4f}mm;"
-        "margin-top:{:.1f}mm;margin-bottom:{:.1f}mm\" shape-rendering=\"crispEdges\"><path "
-        "d=\"",
-        kAboveCode, escaped(content_.invoice->address), size, size, side, side, quiet, quiet);
+        "aria-label=\"{}\" viewBox=\"0 0 {} {}\" shape-rendering=\"crispEdges\"><path d=\"",
+        kAboveCode, escaped(content_.invoice->address), size, size);
     for (int row = 0; row < size; ++row) {
       for (int column = 0; column < size; ++column) {
         if (!symbol.isDark(column, row)) continue;
@@ -282,6 +294,7 @@ class ReceiptPage {
   }
 
   const ReceiptContent& content_;
+  std::optional<fiscal::QrSymbol> symbol_;  // of an invoice
   Paper paper_;
   const Locale& locale_;
   PageText text_;

@@ -156,7 +156,7 @@ std::vector<std::vector<bool>> modulesOf(const std::string& page, int size) {
 
 /// Behind a property of the code's style, in millimetres.
 double styleOf(const std::string& page, const std::string& property) {
-  const std::regex form("<svg[^>]*[\"; ]" + property + ":([0-9.]+)mm");
+  const std::regex form("#qr svg\\{[^}]*\\b" + property + ":([0-9.]+)mm");
   std::smatch found;
   return std::regex_search(page, found, form) ? std::stod(found[1]) : -1;
 }
