@@ -5,7 +5,7 @@ import { useId, useLayoutEffect, useRef } from "preact/hooks";
 
 interface Properties {
   title: string;
-  close?: () => void; // without it, it cannot be closed
+  close?: () => unknown; // without it, it cannot be closed
   closeText?: string;
   className?: string;
   footer?: ComponentChildren;

@@ -20,7 +20,7 @@ import { waiting } from "./outbox.ts";
 import { PayDialog } from "./pay_dialog.tsx";
 import { sums } from "./sale.ts";
 import { scanned, SearchBox } from "./search_box.tsx";
-import { chooseTill, complain, message, say, selectedLine, setLine, till, tillName } from "./state.ts";
+import { busy, chooseTill, complain, lookedUp, lookUpInTurn, lookUps, message, say, selectedLine, setLine, till, tillName } from "./state.ts";
 import { t } from "./texts.ts";
 import { TicketsDialog } from "./tickets_dialog.tsx";
 
@@ -40,7 +40,7 @@ export function App() {
   const { total, surcharge } = sums(sale.lines);
   const hasLines = sale.lines.length > 0;
   const hasTill = tills.some(({ code }) => code === here);
-  const close = () => setWindow("");
+  const close = () => busy.get() || setWindow("");
 
   useEffect(() => {
     document.title = `${t("till")} ${tillName()} · ${shop.name}`;
@@ -54,7 +54,11 @@ export function App() {
   }, [tills, here]);
 
   const open = (wanted: Window, right = "") => () => {
-    if (signedOut.get()) return;
+    if (signedOut.get() || busy.get()) return;
+    if ((wanted === "pay" || wanted === "hold") && lookUps > 0) {
+      void lookedUp().then(open(wanted, right));
+      return;
+    }
     if (right !== "" && !may(right)) {
       say(t("noRight"), "bad");
       return;
@@ -94,8 +98,9 @@ export function App() {
     return other;
   }));
   useEffect(() => scanner((text) => {
+    if (busy.get()) return;
     setWindow((now) => (now === "pay" ? "" : now)); // the sum is another one
-    void scanned(text).then((isFound) => isFound || say(t("notFound", { text }), "bad"));
+    lookUpInTurn(async () => void ((await scanned(text)) || say(t("notFound", { text }), "bad")));
   }, (target) => !signedOut.get() && !(target instanceof HTMLElement && target.id === "search")), []);
 
   const waitingCount = entries.filter(({ isRefused }) => !isRefused).length;
@@ -150,7 +155,7 @@ export function App() {
   );
 }
 
-function LineDialog({ what, close }: { what: "quantity" | "price" | "discount"; close: () => void }) {
+function LineDialog({ what, close }: { what: "quantity" | "price" | "discount"; close: () => unknown }) {
   const line = selectedLine();
   if (!line) return null;
   return (
@@ -165,7 +170,7 @@ function LineDialog({ what, close }: { what: "quantity" | "price" | "discount"; 
   );
 }
 
-function TillDialog({ close, mayClose }: { close: () => void; mayClose: boolean }) {
+function TillDialog({ close, mayClose }: { close: () => unknown; mayClose: boolean }) {
   const { tills } = useStore(session);
   return (
     <Dialog title={t("chooseTill")} className="narrow" {...(mayClose ? { close, closeText: t("cancel") } : {})}>
@@ -186,7 +191,7 @@ function TillDialog({ close, mayClose }: { close: () => void; mayClose: boolean 
 
 interface KeysProperties {
   actions: { shown: string; text: Parameters<typeof t>[0] }[];
-  close: () => void;
+  close: () => unknown;
   changeTill: () => void;
 }
 

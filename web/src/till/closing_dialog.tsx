@@ -33,7 +33,7 @@ interface Closing {
 const kPieces: Fixed[] = [200n, 100n, 50n, 20n, 10n, 5n, 2n, 1n].map((euros) => euros * 10_000n)
   .concat([50n, 20n, 10n, 5n, 2n, 1n].map((cents) => cents * 100n));
 
-export function ClosingDialog({ close }: { close: () => void }) {
+export function ClosingDialog({ close }: { close: () => unknown }) {
   const { locale, today } = useStore(session);
   const [chosenDay, setDay] = useState("");
   const day = chosenDay || today; // yesterday's, where nobody closed it

@@ -19,7 +19,7 @@ interface Account {
 
 const kPause = 80; // ms
 
-export function CustomerDialog({ close }: { close: () => void }) {
+export function CustomerDialog({ close }: { close: () => unknown }) {
   const [text, setText] = useState("");
   const [found, setFound] = useState<Customer[]>([]);
   const [chosen, setChosen] = useState(0);

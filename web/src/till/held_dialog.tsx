@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Sales that wait for their customer: put away under a name, and taken back at any till.
-import { useEffect, useRef, useState } from "preact/hooks";
+import { useEffect, useState } from "preact/hooks";
 import { at, get, post, RequestError } from "../shared/api.ts";
 import { Dialog } from "../shared/dialog.tsx";
 import { fromNumber, toNumber } from "../shared/money.ts";
 import { useStore } from "../shared/store.ts";
 import { draft, written } from "./draft.ts";
 import { type Customer, type Draft, kEmpty, type Line } from "./sale.ts";
-import { complain, say, startAnew, till } from "./state.ts";
+import { busy, complain, say, startAnew, till } from "./state.ts";
 import { t } from "./texts.ts";
 
 type HeldLine = { [Name in keyof Line]: Line[Name] extends bigint ? number : Line[Name] };
@@ -35,14 +35,13 @@ const kNumbers = ["quantity", "price", "discount", "tax", "surcharge"] as const;
 const asHeld = (line: Line): HeldLine => ({ ...line, ...Object.fromEntries(kNumbers.map((name) => [name, toNumber(line[name])])) }) as unknown as HeldLine;
 const asLine = (line: HeldLine): Line => ({ ...line, ...Object.fromEntries(kNumbers.map((name) => [name, fromNumber(line[name])])) }) as unknown as Line;
 
-export function HoldDialog({ close }: { close: () => void }) {
+export function HoldDialog({ close }: { close: () => unknown }) {
   const { customer } = useStore(draft);
   const [label, setLabel] = useState(customer?.name ?? "");
-  const isHolding = useRef(false);
   const hold = async (event: Event) => {
     event.preventDefault();
-    if (isHolding.current) return;
-    isHolding.current = true;
+    if (busy.get()) return;
+    busy.set(true);
     const sale = draft.get();
     try {
       // By the sale's key: the same one held twice is held once.
@@ -52,9 +51,10 @@ export function HoldDialog({ close }: { close: () => void }) {
       });
       startAnew();
       say(t("heldDone", { label }), "good");
+      busy.set(false);
       close();
     } catch (error) {
-      isHolding.current = false;
+      busy.set(false);
       complain(error);
     }
   };
@@ -71,9 +71,8 @@ export function HoldDialog({ close }: { close: () => void }) {
   );
 }
 
-export function HeldDialog({ close }: { close: () => void }) {
+export function HeldDialog({ close }: { close: () => unknown }) {
   const [entries, setEntries] = useState<HeldEntry[] | null>(null);
-  const isTaking = useRef(false);
   const load = () => get<{ held: HeldEntry[] }>("/held").then(({ held }) => {
     const taking = localStorage.getItem(kTaking);
     const isLost = taking !== null && !held.some(({ id }) => String(id) === taking);
@@ -81,12 +80,12 @@ export function HeldDialog({ close }: { close: () => void }) {
   }).catch(complain);
   useEffect(() => void load(), []);
   const take = async (entry: HeldEntry) => {
-    if (isTaking.current) return;
+    if (busy.get()) return;
     if (draft.get().lines.length > 0) {
       say(t("finishFirst"), "bad");
       return;
     }
-    isTaking.current = true;
+    busy.set(true);
     localStorage.setItem(kTaking, String(entry.id));
     try {
       const sale = await post<HeldSale>(at`/held/${entry.id}/take`, {});
@@ -94,9 +93,10 @@ export function HeldDialog({ close }: { close: () => void }) {
       startAnew(back);
       await written();
       localStorage.removeItem(kTaking);
+      busy.set(false);
       close();
     } catch (error) {
-      isTaking.current = false;
+      busy.set(false);
       if (error instanceof RequestError && (error.status === 409 || error.status === 404)) {
         localStorage.removeItem(kTaking);
         say(t("heldGone"), "bad");

@@ -24,7 +24,7 @@ interface Properties {
   start: string;
   // Gives what is wrong with the number, or "" and takes it.
   accept: (value: Fixed) => string;
-  close: () => void;
+  close: () => unknown;
 }
 
 export function NumberDialog({ title, label, start, accept, close }: Properties) {

@@ -8,7 +8,7 @@ import { sendSoon, takeOut, ticketOf, type Waiting, waiting } from "./outbox.ts"
 import { complain, markFaults, say, startAnew } from "./state.ts";
 import { t } from "./texts.ts";
 
-export function OutboxDialog({ close }: { close: () => void }) {
+export function OutboxDialog({ close }: { close: () => unknown }) {
   const entries = useStore(waiting);
   const mend = async (entry: Waiting) => {
     if (draft.get().lines.length > 0) {

@@ -16,7 +16,7 @@ import { t } from "./texts.ts";
 const kNotes = [5n, 10n, 20n, 50n, 100n];
 const kMostChange = 500n * kOne; // less than the largest note
 
-export function PayDialog({ close }: { close: () => void }) {
+export function PayDialog({ close }: { close: () => unknown }) {
   const { payments, locale } = useStore(session);
   const isAway = useStore(serverAway);
   const { customer, lines } = useStore(draft);

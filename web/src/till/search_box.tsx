@@ -6,7 +6,7 @@ import { fromNumber, kOne, read } from "../shared/money.ts";
 import { money, noted, plain, serverAway, session } from "../shared/session.ts";
 import { knownArticles, learn } from "./known.ts";
 import { type Article, splitQuantity } from "./sale.ts";
-import { addArticle, complain, moveSelection, removeLine, say, scan, selected } from "./state.ts";
+import { addArticle, complain, lookUpInTurn, lookUps, moveSelection, removeLine, say, scan, selected } from "./state.ts";
 import { t } from "./texts.ts";
 
 const kPause = 40;  // ms after the last key before it is asked
@@ -55,8 +55,6 @@ export function SearchBox({ pay }: { pay: () => void }) {
   const wasMoved = useRef(false);
   const running = useRef<{ text: string; answer: Promise<Article[]>; abort: AbortController } | undefined>(undefined);
   const timer = useRef<ReturnType<typeof setTimeout> | undefined>(undefined);
-  const queue = useRef<Promise<void>>(Promise.resolve());
-  const pending = useRef(0);
   const lastEnter = useRef(0);
   const { rest } = splitQuantity(text, (number) => read(number, session.get().locale));
   const isOpen = rest !== "" && found.text !== "" && found.articles.length > 0;
@@ -128,7 +126,7 @@ export function SearchBox({ pay }: { pay: () => void }) {
     const isHasty = now - lastEnter.current < kHaste;
     lastEnter.current = now;
     if (splitQuantity(typed, (number) => read(number, session.get().locale)).rest === "") {
-      if (pending.current === 0 && !isHasty) pay();
+      if (lookUps === 0 && !isHasty) pay();
       return;
     }
     const marked = found.articles[chosen];
@@ -139,8 +137,7 @@ export function SearchBox({ pay }: { pay: () => void }) {
     // A search that runs for this very text is waited for, and not given up.
     const own = running.current?.text === rest ? running.current.answer : undefined;
     if (own) running.current = undefined;
-    pending.current += 1;
-    queue.current = queue.current.then(() => lookUp(typed, own)).catch((error: unknown) => console.error(error)).finally(() => (pending.current -= 1));
+    lookUpInTurn(() => lookUp(typed, own));
     clear();
   };
   const move = (by: number) => {

@@ -65,6 +65,18 @@ export function startAnew(with_: Draft = kEmpty): void {
   selected.set(with_.lines[with_.lines.length - 1]?.id ?? "");
 }
 
+/** While an answer is waited for that changes the sale, no key and no scanner may change it. */
+export const busy = store(false);
+
+/** What was entered and is looked up still. Who pays waits for it, or it would come into the next sale. */
+let lookingUp: Promise<void> = Promise.resolve();
+export let lookUps = 0;
+export function lookUpInTurn(lookUp: () => Promise<void>): void {
+  lookUps += 1;
+  lookingUp = lookingUp.then(lookUp).catch((error: unknown) => console.error(error)).finally(() => (lookUps -= 1));
+}
+export const lookedUp = (): Promise<void> => lookingUp;
+
 /** The article of a code or a barcode, from the server, or from what is known while that is away. */
 export async function scan(text: string): Promise<{ article: Article; quantity?: number } | undefined> {
   try {

@@ -6,7 +6,7 @@ import { Dialog } from "../shared/dialog.tsx";
 import { type Fixed, fromNumber, read, toNumber } from "../shared/money.ts";
 import { dayText, may, money, plain, session } from "../shared/session.ts";
 import { print, printsAlways } from "./print.ts";
-import { complain, say, till } from "./state.ts";
+import { busy, complain, say, till } from "./state.ts";
 import { t } from "./texts.ts";
 
 interface Listed {
@@ -33,7 +33,7 @@ interface Ticket extends Listed {
   returnOf?: number | null;
 }
 
-export function TicketsDialog({ close }: { close: () => void }) {
+export function TicketsDialog({ close }: { close: () => unknown }) {
   const [text, setText] = useState("");
   const [list, setList] = useState<Listed[]>([]);
   const [isListed, setListed] = useState(false);
@@ -87,7 +87,7 @@ interface WindowProperties {
   ticket: Ticket;
   again: () => Promise<void>;
   back: () => void;
-  close: () => void;
+  close: () => unknown;
 }
 
 function TicketWindow({ ticket, again, back, close }: WindowProperties) {
@@ -125,11 +125,13 @@ function TicketWindow({ ticket, again, back, close }: WindowProperties) {
       asked.current = { ticket: ticket.number, till: till.get(), earlier: ticket.returns.length, payment, lines };
     }
     isSending.current = true;
+    busy.set(true);
     try {
       const { body } = await ask<{ ticket: number; total: number; receipt: string }>("POST", "/returns", asked.current);
       asked.current = null;
       say(t("returnDone", { number: body.ticket, total: money(fromNumber(body.total)) }), "good");
       if (printsAlways()) print(body.receipt);
+      busy.set(false);
       close();
     } catch (error) {
       if (error instanceof RequestError && error.status === 409) {
@@ -145,6 +147,7 @@ function TicketWindow({ ticket, again, back, close }: WindowProperties) {
         else complain(error);
       }
     } finally {
+      busy.set(false);
       isSending.current = false;
     }
   };

@@ -59,6 +59,7 @@ test("texts of the shop are shown as texts", async ({ page, shop }) => {
   await till.press("F8");
   await page.locator("dialog input").fill(kHostile.slice(0, 50));
   await till.press("Enter");
+  await till.hasLines(0);
   await till.press("F9");
   await expect(page.getByRole("dialog")).toContainText(kHostile.slice(0, 50));
   await till.press("Enter");

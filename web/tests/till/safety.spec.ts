@@ -184,6 +184,34 @@ test("a refused sale comes back with its line marked, and is sold once mended", 
   await soldOnce(till, before, [2.2]);
 });
 
+test("who pays before the last code is found pays for it too, and holding is not overtaken", async ({ page, shop }) => {
+  const till = new Till(page, shop);
+  await till.open();
+  const before = (await till.tickets()).length;
+  const late = async (route: import("@playwright/test").Route) => {
+    await new Promise((resolve) => setTimeout(resolve, 400));
+    await route.continue();
+  };
+  await page.route("**/api/v1/articles/scan/**", late);
+  await page.route("**/api/v1/held", late);
+  await till.add("PAN001", 1);
+  await till.scan("LEC001");
+  await till.press("F12");
+  await expect(page.locator("dialog.pay")).toContainText("2,05");
+  await till.press("Enter");
+  await till.ticket();
+  await soldOnce(till, before, [2.05]);
+  await till.add("VIN001", 1);
+  await till.press("F8");
+  await till.press("Enter");
+  await till.press("F3"); // not before it is held
+  await till.scan("8410000000017");
+  await till.hasLines(0);
+  await expect(page.getByRole("dialog")).toHaveCount(0);
+  await till.press("F9");
+  await expect(page.getByRole("dialog")).toContainText("Recuperar");
+});
+
 test("a return whose answer is lost is made once", async ({ page, shop }) => {
   const till = new Till(page, shop);
   await till.open();
