@@ -83,7 +83,9 @@ function Office() {
     // The list takes the keyboard by itself; elsewhere it begins with the page, not with the menu.
     requestAnimationFrame(() => {
       const within = content.current?.querySelector<HTMLElement>("[data-first], .grid, input[type=search]");
-      if (!content.current?.contains(document.activeElement)) (within ?? content.current)?.focus({ preventScroll: true });
+      const { activeElement } = document;
+      const isTyping = activeElement instanceof HTMLInputElement; // somebody was quicker
+      if (!isTyping && !content.current?.contains(activeElement)) (within ?? content.current)?.focus({ preventScroll: true });
     });
   }, [address]);
   useEffect(() => {

@@ -83,6 +83,7 @@ export function SearchBox({ classes }: { classes: ClassLine[] }) {
     if (!hit) return;
     setOpen(false);
     setText("");
+    box.current?.blur(); // the keyboard goes to the page that opens
     go(hit.address);
   }
 

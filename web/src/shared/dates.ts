@@ -4,13 +4,16 @@
 /** In which order a country writes day, month and year. */
 export type DateOrder = "dmy" | "mdy" | "ymd";
 
+const kDayOfTimes = "1899-12-30"; // the day that a column of times has
+
 const two = (value: number): string => String(value).padStart(2, "0");
 
-/** "20/11/2026", and "20/11/2026 10:32" for a moment; what is no day comes back as it is. */
+/** "20/11/2026", and "20/11/2026 10:32" for a moment; a time alone is one; what is no day comes back as it is. */
 export function writtenDay(value: string, order: DateOrder = "dmy"): string {
   const parts = /^(\d{4})-(\d\d)-(\d\d)(?:[T ](\d\d:\d\d)(?::\d\d)?)?/.exec(value);
   if (!parts) return value;
   const [, year = "", month = "", day = "", time] = parts;
+  if (time !== undefined && `${year}-${month}-${day}` === kDayOfTimes) return time;
   const written = order === "ymd" ? `${year}-${month}-${day}`
     : order === "mdy" ? `${month}/${day}/${year}` : `${day}/${month}/${year}`;
   return time === undefined || time === "00:00" ? written : `${written} ${time}`;
@@ -18,9 +21,11 @@ export function writtenDay(value: string, order: DateOrder = "dmy"): string {
 
 /**
  * What a person typed as the server takes it, or undefined where it is no day of the calendar. A year of
- * two digits is the nearest one; without a year it is that of `today`.
+ * two digits is the nearest one; without a year it is that of `today`. A time alone is one.
  */
 export function readDay(text: string, today: string, order: DateOrder = "dmy"): string | undefined {
+  const alone = /^(\d{1,2}):(\d\d)$/.exec(text.trim());
+  if (alone) return Number(alone[1]) > 23 || Number(alone[2]) > 59 ? undefined : `${kDayOfTimes}T${two(Number(alone[1]))}:${alone[2]}:00`;
   const parts = /^(\d{1,4})[-/. ](\d{1,2})(?:[-/. ](\d{1,4}))?(?:[ T](\d{1,2}):(\d\d)(?::\d\d)?)?$/.exec(text.trim());
   if (!parts) return undefined;
   const numbers = [Number(parts[1]), Number(parts[2]), parts[3] === undefined ? NaN : Number(parts[3])];

@@ -29,6 +29,7 @@ for (const [width, height] of [[1366, 768], [390, 844]] as const) {
 
 test("A new user finds a customer's account from the start, by what it says there", async ({ office }) => {
   await office.getByRole("link", { name: /Cuentas de clientes/ }).click();
+  await expect(office.getByLabel("Nombre, código, NIF o población del cliente")).toBeFocused();
   await office.keyboard.type("pepe");
   await expect(office.getByRole("link", { name: "Bar Pepe SL" })).toBeVisible();
   await office.keyboard.press("Enter");
@@ -69,6 +70,7 @@ test("Texts of the database are shown as texts on every page", async ({ office }
   await show(office, form("clsArticulos", [kHostileArticle]));
   await expect(office.locator("[name=Descripción]")).toHaveValue(kHostile);
   await show(office, "#/articles");
+  await expect(office.getByLabel("Nombre, código o principio de sus palabras")).toBeFocused();
   await office.keyboard.type(kHostileArticle);
   await expect(office.getByText(kHostile).first()).toBeVisible();
 });

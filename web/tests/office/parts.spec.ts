@@ -19,6 +19,8 @@ test("Days are read in each country's order, and what is no day of the calendar 
     expect(readDay(text, today), text).toBeUndefined();
   }
   expect(writtenDay("2026-11-20T10:32:00")).toBe("20/11/2026 10:32");
+  expect(writtenDay("1899-12-30T05:30:00")).toBe("05:30");
+  expect(readDay("5:30", today)).toBe("1899-12-30T05:30:00");
   expect(writtenDay("2026-11-20", "mdy")).toBe("11/20/2026");
   expect(daysAfter("2026-02-28", 1)).toBe("2026-03-01");
 });

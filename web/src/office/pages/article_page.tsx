@@ -70,7 +70,7 @@ export function ArticlePage({ code }: { code: string }) {
               <Part title={t("lots")}><RowsTable label={t("lots")} rows={lots} without={["Codigo"]} className="ClsArticulosLotes" /></Part>
               {purchases.length > 0 && <Part title={t("purchases")}><RowsTable label={t("purchases")} rows={purchases} without={["Codigo", "Id"]} className="ClsArticulosPrecios" /></Part>}
               {components.length > 0 && <Part title={t("components")}><RowsTable label={t("components")} rows={components} without={["Codigo", "Id"]} className="ClsArticulosComponentes" /></Part>}
-              <Part title={t("movements")} side={<a href={`${href`/list/ClsArticulosMovAlmacen`}?${new URLSearchParams({ filter: `Codigo:eq:${code}` })}`}>{t("wholeList")}</a>}>
+              <Part title={t("movements")} isBroad side={<a href={`${href`/list/ClsArticulosMovAlmacen`}?${new URLSearchParams({ filter: `Codigo:eq:${code}` })}`}>{t("wholeList")}</a>}>
                 <RowsTable label={t("movements")} rows={movements} without={["Codigo", "Id"]} className="ClsArticulosMovAlmacen" />
               </Part>
             </div>
