@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// What the server adds to a sale, and how long tills wait when there are many: tavelor_served [TILLS
-// [SECONDS]]. Sales have five lines, and each till sells once in five seconds. TMPDIR names the disk
-// that commits go to; without it the shop lies in memory, and only the processor is measured.
+// What the server adds to a sale, and how long tills wait when there are many: tavelor_served
+// [TILLS [SECONDS]]. Sales have five lines, and each till sells once in five seconds. TMPDIR names
+// the disk that commits go to; without it the shop lies in memory, and only the processor is
+// measured.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>

@@ -54,7 +54,8 @@ TEST_F(OpenApi, HasEveryRouteOnceWithItsPlacesAndItsRight) {
         << operation["operationId"];
     EXPECT_FALSE(operation["summary"].get<std::string>().empty()) << route.pattern;
     std::size_t places = 0;
-    for (const Json& parameter : operation["parameters"]) places += parameter["in"] == "path" ? 1U : 0U;
+    for (const Json& parameter : operation["parameters"])
+      places += parameter["in"] == "path" ? 1U : 0U;
     EXPECT_EQ(places, static_cast<std::size_t>(
                           std::count(route.pattern.begin(), route.pattern.end(), '{')));
     if (!web::nameOf(route.right).empty()) {
@@ -93,7 +94,9 @@ TEST_F(OpenApi, ErrorsAreAsDescribed) {
   for (const char* path : {"classes/Nobody", "articles/Nobody", "classes/ClsBancos/rows?limit=x"}) {
     const auto answer = office.get(Office::at(path));
     ASSERT_GE(answer.status, 400);
-    EXPECT_EQ(test::faultBySchema(document, document["components"]["schemas"]["Error"], answer.json), "") << path;
+    EXPECT_EQ(
+        test::faultBySchema(document, document["components"]["schemas"]["Error"], answer.json), "")
+        << path;
   }
 }
 
