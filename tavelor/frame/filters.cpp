@@ -143,7 +143,8 @@ void RecordClass::GetOrder(InOut<std::int16_t> index, InOut<std::string> Mode,
                            std::string_view sLlave) const {
   mustBeHome();
   ListConfig settings = listSettings(info_, sLlave);
-  index = Variant(settings.GetValue(list_value::kOrder, "0")).toInt16(Apartment::current().locale());
+  index =
+      Variant(settings.GetValue(list_value::kOrder, "0")).toInt16(Apartment::current().locale());
   Mode = settings.GetValue(list_value::kDirection, "");
 }
 

@@ -13,9 +13,9 @@ struct ClassInfo;
 
 /// Under which names SetFilter and SetOrder store.
 namespace list_value {
-inline constexpr std::string_view kFilter = "Criteria";         ///< a text for Filter
-inline constexpr std::string_view kOrder = "IndexOrderField";   ///< a position, from 0
-inline constexpr std::string_view kDirection = "Mode";          ///< behind the name of the field
+inline constexpr std::string_view kFilter = "Criteria";        ///< a text for Filter
+inline constexpr std::string_view kOrder = "IndexOrderField";  ///< a position, from 0
+inline constexpr std::string_view kDirection = "Mode";         ///< behind the name of the field
 }  // namespace list_value
 
 /// The settings of a use of a class: "...\\Configuracion\\registros\\Bancos\\todos\\".

@@ -133,7 +133,8 @@ void RecordClass::openByKey(std::string word, const Variant& id, const std::vect
   Statement condition("(");
   for (std::size_t i = 0; i < columns.size(); ++i) {
     if (i > 0) condition << " AND ";
-    condition << info_.table << "." << Statement::trusted(columns[i]) << " = " << sqlLiteral(key[i]);
+    condition << info_.table << "." << Statement::trusted(columns[i]) << " = "
+              << sqlLiteral(key[i]);
   }
   condition << ")";
   const StrictModes strict;

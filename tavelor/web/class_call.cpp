@@ -50,7 +50,8 @@ Failure wrong(const Parameter& parameter, std::string_view why) {
 Variant argumentOf(const Json& json, const Parameter& parameter) {
   const std::string& type = parameter.type;
   if (json.is_null()) return {};
-  if (!isAnyOf(type, {"String", "Variant", "Boolean", "Date", "Integer", "Long", "Single", "Double"})) {
+  if (!isAnyOf(type,
+               {"String", "Variant", "Boolean", "Date", "Integer", "Long", "Single", "Double"})) {
     throw wrong(parameter, fmt::format("is an object ({}), which a request cannot bring", type));
   }
   if (json.is_structured()) throw wrong(parameter, "must be a text, a number, true, false or null");
@@ -83,8 +84,8 @@ std::vector<Variant> argumentsOf(const Member& member, const Json& given) {
   std::vector<Variant> arguments;
   if (given.is_array()) {
     if (given.size() > parameters.size()) {
-      throw Failure::input(fmt::format("{} takes {} arguments at most.", member.name,
-                                       parameters.size()));
+      throw Failure::input(
+          fmt::format("{} takes {} arguments at most.", member.name, parameters.size()));
     }
     for (std::size_t i = 0; i < given.size(); ++i) {
       arguments.push_back(argumentOf(given[i], parameters[i]));

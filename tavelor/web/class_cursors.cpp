@@ -75,9 +75,8 @@ void ClassCursors::use(const Place& place, Wanted wanted, const Open& open, cons
   std::uint64_t version = 0;
   const KeptPtr kept = take(place, version);
   const std::lock_guard busy(kept->busy);
-  const bool isOld =
-      kept->version != version || wanted == Wanted::kAnew ||
-      (wanted == Wanted::kRecent && Clock::now() - kept->opened > limits_.fresh);
+  const bool isOld = kept->version != version || wanted == Wanted::kAnew ||
+                     (wanted == Wanted::kRecent && Clock::now() - kept->opened > limits_.fresh);
   if (!kept->cursor.rows || isOld) {
     kept->cursor = {};
     kept->cursor = open();

@@ -24,9 +24,9 @@ struct Operator {
   std::string_view word;
   std::string_view sign;
 };
-constexpr std::array kOperators = {Operator{"eq", "="},  Operator{"ne", "<>"}, Operator{"lt", "<"},
-                                   Operator{"le", "<="}, Operator{"gt", ">"},  Operator{"ge", ">="},
-                                   Operator{"like", "Like"}};
+constexpr std::array kOperators = {
+    Operator{"eq", "="}, Operator{"ne", "<>"}, Operator{"lt", "<"},     Operator{"le", "<="},
+    Operator{"gt", ">"}, Operator{"ge", ">="}, Operator{"like", "Like"}};
 
 Failure wrong(const ClassColumn& column, std::string_view why) {
   Failure failure = Failure::input(fmt::format("The filter on {} {}.", column.name, why));
@@ -44,7 +44,8 @@ std::string likeOf(const std::string& field, std::string_view value) {
 std::string emptyCriterion(const ClassColumn& column, const std::string& field,
                            std::string_view op) {
   const bool isText = engine::isText(column.type);
-  if (op == "eq") return isText ? fmt::format("({0} = '' OR {0} = Null)", field) : field + " = Null";
+  if (op == "eq")
+    return isText ? fmt::format("({0} = '' OR {0} = Null)", field) : field + " = Null";
   if (op == "ne") {
     return isText ? fmt::format("({0} <> '' AND {0} <> Null)", field) : field + " <> Null";
   }

@@ -59,9 +59,8 @@ ClassColumns openRow(Context& context, const OpenClass& opened, const Json& key)
   if (count == 1) return columns;
   const std::string of = fmt::format("{} {}", opened.component().name(), dumped(key));
   if (count == 0) throw Failure::missing(fmt::format("There is no row {} any more.", of));
-  throw Failure::conflict(
-      fmt::format("{} rows are {}: their table has no key, and none can be told from the others.",
-                  count, of));
+  throw Failure::conflict(fmt::format(
+      "{} rows are {}: their table has no key, and none can be told from the others.", count, of));
 }
 
 Json recordOf(const OpenClass& opened, const ClassColumns& columns) {
@@ -180,7 +179,8 @@ Failure conflictWith(const Json& theirs) {
   return failure;
 }
 
-/// Raises Failure 409 where the row is no longer as the form has read it, in the columns that count.
+/// Raises Failure 409 where the row is no longer as the form has read it, in the columns that
+/// count.
 void mustBeAsRead(const OpenClass& opened, const ClassColumns& columns, const Json& original,
                   const Json* changed) {
   for (const auto& member : original.items()) {
@@ -271,17 +271,15 @@ void addClassRecords(Routes& routes, const std::shared_ptr<ClassCursors>& cursor
   constexpr std::string_view kOne = "/api/v1/classes/{name}/record";
   routes.add(Method::kGet, kOne, Right::kOfficeRead, getRecord,
              {.summary = "A row by its key", .parameters = ofKey, .answer = kRecordSchema});
-  routes.add(Method::kGet, "/api/v1/classes/{name}/new", Right::kOfficeWrite, newRecord,
-             {.summary = "A row as the class begins it",
-              .parameters = ofMode,
-              .answer = kNewSchema});
   routes.add(
-      Method::kPost, "/api/v1/classes/{name}/records", Right::kOfficeWrite,
-      [cursors](Context& context) { return insertRecord(context, *cursors); },
-      {.summary = "Adds a row: what the class begins it with, and these values",
-       .parameters = ofMode,
-       .body = kInsertSchema,
-       .answer = kRecordSchema});
+      Method::kGet, "/api/v1/classes/{name}/new", Right::kOfficeWrite, newRecord,
+      {.summary = "A row as the class begins it", .parameters = ofMode, .answer = kNewSchema});
+  routes.add(Method::kPost, "/api/v1/classes/{name}/records", Right::kOfficeWrite,
+             [cursors](Context& context) { return insertRecord(context, *cursors); },
+             {.summary = "Adds a row: what the class begins it with, and these values",
+              .parameters = ofMode,
+              .body = kInsertSchema,
+              .answer = kRecordSchema});
   routes.add(
       Method::kPatch, kOne, Right::kOfficeWrite,
       [cursors](Context& context) { return changeRecord(context, *cursors); },

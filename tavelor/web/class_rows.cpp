@@ -81,17 +81,18 @@ void addClassRows(Routes& routes, const std::shared_ptr<ClassCursors>& cursors) 
       [cursors](Context& context) { return pageOfRows(context, *cursors); },
       {.summary = "A page of the rows of a mode. They are read once for a session; the first page "
                   "reads them anew where they are older than some seconds",
-       .parameters =
-           {{.name = "mode", .text = "Word of IniciaRs; todos without one"},
-            {.name = "id", .text = "What the mode looks for, as it is"},
-            {.name = "order",
-             .text = "COLUMN, COLUMN:asc or COLUMN:desc; without one the remembered order"},
-            {.name = "filter",
-             .text = "COLUMN:OP:VALUE, OP of eq, ne, lt, le, gt, ge and like; all must fit",
-             .isRepeated = true},
-            {.name = "offset", .text = "Rows before the first one", .type = "integer"},
-            {.name = "limit", .text = "Rows, at most 500", .type = "integer"},
-            {.name = "fresh", .text = "true: reads them anew", .type = "boolean"}},
+       .parameters = {{.name = "mode", .text = "Word of IniciaRs; todos without one"},
+                      {.name = "id", .text = "What the mode looks for, as it is"},
+                      {.name = "order",
+                       .text =
+                           "COLUMN, COLUMN:asc or COLUMN:desc; without one the remembered order"},
+                      {.name = "filter",
+                       .text =
+                           "COLUMN:OP:VALUE, OP of eq, ne, lt, le, gt, ge and like; all must fit",
+                       .isRepeated = true},
+                      {.name = "offset", .text = "Rows before the first one", .type = "integer"},
+                      {.name = "limit", .text = "Rows, at most 500", .type = "integer"},
+                      {.name = "fresh", .text = "true: reads them anew", .type = "boolean"}},
        .answer = kRowsSchema});
 }
 

@@ -35,8 +35,8 @@ std::string labelOf(std::string_view name) {
 }
 
 Json toJson(const ClassColumn& column) {
-  Json json = {{"name", column.name},          {"label", labelOf(column.name)},
-               {"type", wordOf(column.type)},  {"size", column.size},
+  Json json = {{"name", column.name},           {"label", labelOf(column.name)},
+               {"type", wordOf(column.type)},   {"size", column.size},
                {"nullable", column.isNullable}, {"key", column.isKey},
                {"writable", column.isWritable}};
   if (column.type == ColumnType::kCurrency) json["decimals"] = kMoneyDecimals;
@@ -72,9 +72,9 @@ void opening(const Context& context, std::string_view mode, Work&& work) {
 RecordClass* recordOf(const Component& component, Object& object) {
   auto* const record = dynamic_cast<RecordClass*>(&object);
   if (record != nullptr) return record;
-  throw Failure::refused(fmt::format(
-      "{} has no rows of its own: its members are called, by {}/call.", component.name(),
-      component.name()));
+  throw Failure::refused(
+      fmt::format("{} has no rows of its own: its members are called, by {}/call.",
+                  component.name(), component.name()));
 }
 
 }  // namespace
@@ -114,6 +114,12 @@ ClassColumns columnsOf(const RecordClass& record, const Recordset& rows) {
                        std::find(keys.begin(), keys.end(), each.baseColumn) != keys.end();
     // What only finds a row of a table without a key is nobody's but the record set's.
     if (each.hidden && !isKey) continue;
+    // Of a column that a mode shows twice, engines take one value.
+    const bool isAgain =
+        std::any_of(columns.begin(), columns.end(), [&](const ClassColumn& before) {
+          const dialect::OutputColumn& shown = schema.columns()[before.place];
+          return shown.baseTable == each.baseTable && shown.baseColumn == each.baseColumn;
+        });
     columns.push_back({.name = each.name,
                        .baseColumn = each.baseColumn,
                        .type = each.type,
@@ -121,7 +127,7 @@ ClassColumns columnsOf(const RecordClass& record, const Recordset& rows) {
                        .isNullable = each.nullable,
                        .isKey = isKey,
                        .isHidden = each.hidden,
-                       .isWritable = each.updatable && !each.hidden,
+                       .isWritable = each.updatable && !each.hidden && !isAgain,
                        .isNumbered = each.autoNumber,
                        .place = i});
   }
@@ -168,8 +174,7 @@ std::string modeOf(const Context& context, const RecordClass& record) {
   if (mode.empty()) return words.front();
   if (std::find(words.begin(), words.end(), mode) != words.end()) return mode;
   const std::string nearest = text::nearest(mode, words);
-  throw Failure::input(fmt::format("There is no mode {}{}; the modes are {}.",
-                                   text::left(mode, 40),
+  throw Failure::input(fmt::format("There is no mode {}{}; the modes are {}.", text::left(mode, 40),
                                    nearest.empty() ? "" : ", " + nearest + " is near",
                                    fmt::join(words, ", ")));
 }
@@ -205,19 +210,19 @@ std::vector<Variant> keyOf(const Json& json, const RecordClass& record,
                            const ClassColumns& columns) {
   const std::vector<std::string> names = record.keyColumns();
   const auto wrong = [&](std::string_view why) {
-    return Failure::input(fmt::format("The key {}: it has the columns {}.", why,
-                                      fmt::join(names, ", ")));
+    return Failure::input(
+        fmt::format("The key {}: it has the columns {}.", why, fmt::join(names, ", ")));
   };
   if (!json.is_object() && !json.is_array() && names.size() > 1) throw wrong("is a single value");
   if (json.is_array() && json.size() != names.size()) throw wrong("has another number of values");
   std::vector<Variant> key;
   for (std::size_t i = 0; i < names.size(); ++i) {
-    const auto column =
-        std::find_if(columns.begin(), columns.end(), [&](const ClassColumn& each) {
-          return each.isKey && each.baseColumn == names[i];
-        });
+    const auto column = std::find_if(columns.begin(), columns.end(), [&](const ClassColumn& each) {
+      return each.isKey && each.baseColumn == names[i];
+    });
     if (column == columns.end()) {
-      throw Failure::refused(fmt::format("This mode does not show {}, which is of the key.", names[i]));
+      throw Failure::refused(
+          fmt::format("This mode does not show {}, which is of the key.", names[i]));
     }
     const Json* given = nullptr;
     if (json.is_object()) {

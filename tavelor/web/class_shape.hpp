@@ -27,7 +27,7 @@ struct ClassColumn {
   std::string name;        ///< as the mode calls it: "Código"
   std::string baseColumn;  ///< as the table calls it: "Codigo"; "" for one that is computed
   engine::ColumnType type = engine::ColumnType::kText;
-  std::int32_t size = 0;     ///< characters of a text; 0 of the others
+  std::int32_t size = 0;  ///< characters of a text; 0 of the others
   bool isNullable = true;
   bool isKey = false;       ///< of what tells the row from all others
   bool isHidden = false;    ///< a key that the mode does not show

@@ -52,22 +52,17 @@ std::int64_t countOf(const RecordClass& record) {
   RecordsetPtr rows;
   ConnectionPtr connection;
   DataSession().OpenRecordset(record.info().selector, statement, rows, connection);
-  return static_cast<std::int64_t>(
-      rows->Field(0).Value().toDouble(Apartment::current().locale()));
+  return static_cast<std::int64_t>(rows->Field(0).Value().toDouble(Apartment::current().locale()));
 }
 
 Json lineOf(const Context& context, const Component& component) {
   const std::unique_ptr<Object> object = component.make();
   const auto* const record = dynamic_cast<const RecordClass*>(object.get());
   const std::string fault = whyNot(context, component, record);
-  Json line = {{"name", component.name()},
-               {"word", component.word()},
-               {"table", ""},
-               {"title", titleOf(component)},
-               {"hasRows", record != nullptr},
-               {"canWrite", fault.empty()},
-               {"modes", Json::array()},
-               {"modesWithId", Json::array()}};
+  Json line = {
+      {"name", component.name()},    {"word", component.word()},     {"table", ""},
+      {"title", titleOf(component)}, {"hasRows", record != nullptr}, {"canWrite", fault.empty()},
+      {"modes", Json::array()},      {"modesWithId", Json::array()}};
   if (!fault.empty()) line["whyNot"] = fault;
   if (record == nullptr) return line;
   line["table"] = record->info().table.text();
@@ -82,8 +77,7 @@ Json lineOf(const Context& context, const Component& component) {
 Answer listClasses(Context& context) {
   Json list = Json::array();
   for (const Component* component : components()) {
-    const std::string& word =
-        component->word().empty() ? component->name() : component->word();
+    const std::string& word = component->word().empty() ? component->name() : component->word();
     if (context.mayWithClass(word, "read")) list.push_back(lineOf(context, *component));
   }
   return answer(list);
@@ -95,9 +89,8 @@ Answer describeClass(Context& context) {
   Json json = lineOf(context, component);
   Json members = Json::array();
   for (const Member& member : component.members()) {
-    members.push_back({{"name", member.name},
-                       {"signature", member.signature()},
-                       {"property", member.property}});
+    members.push_back(
+        {{"name", member.name}, {"signature", member.signature()}, {"property", member.property}});
   }
   json["columns"] = Json::array();
   if (json["hasRows"].get<bool>()) {
@@ -122,12 +115,11 @@ void addClassTable(Routes& routes) {
                               .text = "true: with the number of rows of each table",
                               .type = "boolean"}},
               .answer = kList});
-  routes.add(
-      Method::kGet, "/api/v1/classes/{name}", Right::kOfficeRead, describeClass,
-      {.summary = "A class: its modes, the columns of one of them, its members and its view",
-       .parameters = {{.name = "mode", .text = "Whose columns and view; todos without one"},
-                      {.name = "id", .text = "What the mode looks for"}},
-       .answer = kClassSchema});
+  routes.add(Method::kGet, "/api/v1/classes/{name}", Right::kOfficeRead, describeClass,
+             {.summary = "A class: its modes, the columns of one of them, its members and its view",
+              .parameters = {{.name = "mode", .text = "Whose columns and view; todos without one"},
+                             {.name = "id", .text = "What the mode looks for"}},
+              .answer = kClassSchema});
 }
 
 void addClasses(Routes& routes) {

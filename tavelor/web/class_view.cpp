@@ -71,8 +71,8 @@ void storeColumns(ListConfig& settings, const Fields& body, const ClassColumns& 
     const Fields fields(given[i], body.placeOf("columns", i));
     fields.allowOnly({"name", "visible", "width"});
     const ClassColumn& column = shownColumn(fields.text("name", 100), columns);
-    kept.push_back(Json::array({column.name, fields.flag("visible", true),
-                                fields.whole("width", 0, kWidest, 0)}));
+    kept.push_back(Json::array(
+        {column.name, fields.flag("visible", true), fields.whole("width", 0, kWidest, 0)}));
   }
   settings.SetValue(kColumns, dumped(kept));
 }

@@ -103,11 +103,10 @@ Answer supplierPage(Context& context) {
   Json supplier = rowByCode("Proveedores", code, "supplier");
   Json account = accountOf(flows::LedgerOf::kSuppliers, code);
   account["active"] = isActive(supplier);
-  Json page = {
-      {"account", std::move(account)},
-      {"prices", rowsOfOwner("Articulos_Precios_Compras", code, "Proveedor", "Codigo")},
-      {"onOrder", onOrderFrom(code)},
-      {"comments", rowsOfOwner("Proveedores_Comentarios", code, "Codigo", "Id")}};
+  Json page = {{"account", std::move(account)},
+               {"prices", rowsOfOwner("Articulos_Precios_Compras", code, "Proveedor", "Codigo")},
+               {"onOrder", onOrderFrom(code)},
+               {"comments", rowsOfOwner("Proveedores_Comentarios", code, "Codigo", "Id")}};
   page["supplier"] = std::move(supplier);
   return answer(page);
 }
@@ -170,10 +169,11 @@ Answer findSuppliers(Context& context) {
 }  // namespace
 
 void addPartners(Routes& routes) {
-  routes.add(Method::kGet, "/api/v1/customers/{code}/details", Right::kOfficeRead, customerPage,
-             {.summary = "A customer's whole row, with addresses, contacts, centres, own prices and "
-                         "comments, by the names of the tables' columns",
-              .answer = kCustomerSchema});
+  routes.add(
+      Method::kGet, "/api/v1/customers/{code}/details", Right::kOfficeRead, customerPage,
+      {.summary = "A customer's whole row, with addresses, contacts, centres, own prices and "
+                  "comments, by the names of the tables' columns",
+       .answer = kCustomerSchema});
   routes.add(Method::kGet, "/api/v1/suppliers/search", Right::kOfficeRead, findSuppliers,
              {.summary = "Suppliers by words of their names, codes, fiscal numbers and places",
               .parameters = {{.name = "q", .text = "Words, all of which must be there"},

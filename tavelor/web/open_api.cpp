@@ -85,7 +85,8 @@ Json schemas(const Installation& installation) {
     const auto* const record = dynamic_cast<const RecordClass*>(object.get());
     if (record == nullptr) continue;
     const ClassInfo& info = record->info();
-    const engine::Table* const table = installation.catalogue(info.selector)->find(info.table.text());
+    const engine::Table* const table =
+        installation.catalogue(info.selector)->find(info.table.text());
     if (table != nullptr) all[component->name()] = schemaOf(*table);
   }
   return all;
@@ -116,8 +117,8 @@ Json pathParameters(const Route& route) {
 }
 
 Json content(std::string_view schema) {
-  return {{"application/json",
-           {{"schema", schema.empty() ? Json::object() : Json::parse(schema)}}}};
+  return {
+      {"application/json", {{"schema", schema.empty() ? Json::object() : Json::parse(schema)}}}};
 }
 
 /// "get /api/v1/classes/{name}" is "get_classes_name".
@@ -202,7 +203,7 @@ Answer openApi(Context& context) {
 }  // namespace
 
 void addOpenApi(Routes& routes) {
-  routes.add(Method::kGet, "/api/v1/openapi.json", Right::kAnyone, openApi,
+  routes.add(Method::kGet, "/api/v1/openapi.json", Right::kSignedIn, openApi,
              {.summary = "This description",
               .answer = R"json({"type": "object", "required": ["openapi", "paths"]})json"});
 }

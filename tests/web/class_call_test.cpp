@@ -20,7 +20,8 @@ using web::Json;
 class ClassCall : public testing::Test {
  protected:
   ClassCall() {
-    office.run("INSERT INTO Bancos (Codigo, Banco, IBAN, Swift) VALUES ('00001', 'Ahorro', 'ES1', 'BIC')");
+    office.run(
+        "INSERT INTO Bancos (Codigo, Banco, IBAN, Swift) VALUES ('00001', 'Ahorro', 'ES1', 'BIC')");
   }
   Office office;
 };
@@ -31,16 +32,24 @@ TEST_F(ClassCall, GivesTheResultAndTheOutputsByTheirNames) {
   EXPECT_EQ(office.faultOf("post", "/api/v1/classes/{name}/call", found), "");
   EXPECT_EQ(found.json["outputs"], (Json{{"sIban", "ES1"}, {"sBic", "BIC"}}));
   const auto byName = office.call(
-      "ClsBancos", {{"member", "getibanbic"}, {"arguments", {{"vId", "00001"}, {"sIban", nullptr}, {"sBic", nullptr}}}});
+      "ClsBancos", {{"member", "getibanbic"},
+                    {"arguments", {{"vId", "00001"}, {"sIban", nullptr}, {"sBic", nullptr}}}});
   EXPECT_EQ(byName.json["outputs"], found.json["outputs"]);
   EXPECT_EQ(office.call("ClsBancos", {{"member", "sClassName"}}).json["result"], "Bancos");
 }
 
 TEST_F(ClassCall, OpensAModeFirst) {
-  const auto rows = office.call("ClsBancos", {{"member", "DataMember"}, {"arguments", {"Primary"}}, {"mode", "todos"}});
-  const auto any = office.call("ClsBancos", {{"member", "ExistenRegistros"}, {"mode", "registro"}, {"id", "00001"}});
+  const auto rows = office.call(
+      "ClsBancos", {{"member", "DataMember"}, {"arguments", {"Primary"}}, {"mode", "todos"}});
+  const auto any = office.call(
+      "ClsBancos", {{"member", "ExistenRegistros"}, {"mode", "registro"}, {"id", "00001"}});
   EXPECT_EQ(any.json["result"], true) << any.body;
-  EXPECT_EQ(office.call("ClsBancos", {{"member", "ExistenRegistros"}, {"mode", "registro"}, {"id", "x' or '1'='1"}}).json["result"], false);
+  EXPECT_EQ(
+      office
+          .call("ClsBancos",
+                {{"member", "ExistenRegistros"}, {"mode", "registro"}, {"id", "x' or '1'='1"}})
+          .json["result"],
+      false);
   if (rows.status == 200) {
     EXPECT_EQ(rows.json["result"]["rows"].size(), 1U) << rows.body;
   }
@@ -50,7 +59,8 @@ TEST_F(ClassCall, RefusesObjectsByTheirNames) {
   const auto control = office.call("ClsBancos", {{"member", "ValidaValue"}, {"arguments", {"x"}}});
   EXPECT_EQ(control.status, 422);
   EXPECT_THAT(control.body, HasSubstr("ClsBancos.ValidaValue takes Text, an object of a form"));
-  const auto connection = office.call("ClsBancos", {{"member", "GetIbanBic"}, {"arguments", {"00001", nullptr, nullptr, "main"}}});
+  const auto connection = office.call(
+      "ClsBancos", {{"member", "GetIbanBic"}, {"arguments", {"00001", nullptr, nullptr, "main"}}});
   EXPECT_EQ(connection.status, 400);
   EXPECT_THAT(connection.body, HasSubstr("objCn is an object (Connection)"));
 }
@@ -59,7 +69,9 @@ TEST_F(ClassCall, RefusesWhatIsNoCall) {
   const auto status = [&](const Json& body) { return office.call("ClsBancos", body).status; };
   EXPECT_EQ(status(Json::object()), 400);
   EXPECT_EQ(status({{"member", "NoSuch"}}), 404);
-  EXPECT_EQ(status({{"member", "GetIbanBic"}, {"arguments", {"1", nullptr, nullptr, nullptr, "x"}}}), 400);
+  EXPECT_EQ(
+      status({{"member", "GetIbanBic"}, {"arguments", {"1", nullptr, nullptr, nullptr, "x"}}}),
+      400);
   EXPECT_EQ(status({{"member", "GetIbanBic"}, {"arguments", {{"sNada", "1"}}}}), 400);
   EXPECT_EQ(status({{"member", "GetIbanBic"}, {"arguments", {Json::array()}}}), 400);
   EXPECT_EQ(status({{"member", "GetIbanBic"}, {"arguments", "x"}}), 400);
@@ -77,7 +89,8 @@ TEST_F(ClassCall, NeedsItsOwnRight) {
 
 TEST_F(ClassCall, AHostileArgumentIsAValue) {
   for (const std::string& value : test::hostileValues()) {
-    const auto answer = office.call("ClsBancos", {{"member", "GetIbanBic"}, {"arguments", {value}}});
+    const auto answer =
+        office.call("ClsBancos", {{"member", "GetIbanBic"}, {"arguments", {value}}});
     EXPECT_NE(answer.status, 503) << value;
     if (answer.status == 200) {
       EXPECT_EQ(answer.json["outputs"]["sIban"], "") << value;

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 // What is kept of open lists, for how long, and by how many at a time.
+#include "tavelor/web/class_cursors.hpp"
+
 #include <atomic>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
-
-#include "tavelor/web/class_cursors.hpp"
 
 namespace tavelor {
 namespace {

@@ -28,9 +28,7 @@ using web::Json;
 class EveryClass : public testing::TestWithParam<const Component*> {
  protected:
   const std::string& name() const { return GetParam()->name(); }
-  bool hasRows() const {
-    return dynamic_cast<RecordClass*>(GetParam()->make().get()) != nullptr;
-  }
+  bool hasRows() const { return dynamic_cast<RecordClass*>(GetParam()->make().get()) != nullptr; }
   Office office;
 };
 
@@ -85,7 +83,8 @@ TEST_P(EveryClass, GivesAFormForANewRow) {
   ASSERT_EQ(answer.status, 200) << answer.body;
   EXPECT_EQ(office.faultOf("get", "/api/v1/classes/{name}/new", answer), "");
   EXPECT_EQ(answer.json["values"].size(), answer.json["columns"].size());
-  EXPECT_EQ(office.rows(name()).json["total"], office.rows(name(), {{"fresh", "true"}}).json["total"]);
+  EXPECT_EQ(office.rows(name()).json["total"],
+            office.rows(name(), {{"fresh", "true"}}).json["total"]);
 }
 
 /// Added as the form begins it, with a key where the class gives none; read, and deleted again.
@@ -169,10 +168,10 @@ TEST_F(ClassList, FiltersByEachTypeAndOperator) {
 }
 
 TEST_F(ClassList, RefusesWhatIsNoFilter) {
-  for (const char* filter :
-       {"", "Nombre", "Nombre:eq", "Apellido:eq:x", "Nombre:near:x", "IRPF:eq:mucho", "IRPF:eq:1,5",
-        "IRPF:eq:1e999", "IRPF:eq:nan", "Activo:eq:si", "Activo:lt:true", "Fecha_Alta:eq:15/01/2026",
-        "Fecha_Alta:eq:2026-02-30", "IRPF:lt:", "]:eq:1", "[Nombre]:eq:x"}) {
+  for (const char* filter : {"", "Nombre", "Nombre:eq", "Apellido:eq:x", "Nombre:near:x",
+                             "IRPF:eq:mucho", "IRPF:eq:1,5", "IRPF:eq:1e999", "IRPF:eq:nan",
+                             "Activo:eq:si", "Activo:lt:true", "Fecha_Alta:eq:15/01/2026",
+                             "Fecha_Alta:eq:2026-02-30", "IRPF:lt:", "]:eq:1", "[Nombre]:eq:x"}) {
     const auto answer = office.rows("ClsEmpleados", {{"filter", filter}});
     EXPECT_EQ(answer.status, 400) << filter << ": " << answer.body;
     EXPECT_EQ(answer.json["error"]["kind"], "input");
@@ -213,12 +212,17 @@ TEST_F(ClassList, OrdersByAColumnAndPages) {
   EXPECT_THAT(codes({{"offset", "999999"}}), testing::IsEmpty());
   EXPECT_THAT(codes({{"limit", "0"}}), testing::IsEmpty());
   EXPECT_EQ(codes({{"limit", "500"}}).size(), 26U);
-  for (const Office::Parameters& wrong :
-       {Office::Parameters{{"limit", "501"}}, {{"limit", "-1"}}, {{"offset", "-1"}},
-        {{"offset", "x"}}, {{"order", "Apellido"}}, {{"order", "Código:up"}}, {{"mode", "todo"}}}) {
+  for (const Office::Parameters& wrong : {Office::Parameters{{"limit", "501"}},
+                                          {{"limit", "-1"}},
+                                          {{"offset", "-1"}},
+                                          {{"offset", "x"}},
+                                          {{"order", "Apellido"}},
+                                          {{"order", "Código:up"}},
+                                          {{"mode", "todo"}}}) {
     EXPECT_EQ(office.rows("ClsEmpleados", wrong).status, 400) << wrong[0].second;
   }
-  EXPECT_THAT(office.rows("ClsEmpleados", {{"mode", "selecion"}}).body, HasSubstr("seleccion is near"));
+  EXPECT_THAT(office.rows("ClsEmpleados", {{"mode", "selecion"}}).body,
+              HasSubstr("seleccion is near"));
   EXPECT_EQ(office.rows("ClsEmpleado").status, 404);
   EXPECT_THAT(office.rows("ClsEmpleado").body, HasSubstr("ClsEmpleados is near"));
 }
@@ -245,7 +249,9 @@ TEST_F(ClassList, SessionsDoNotShareWhatTheyRead) {
 TEST_F(ClassList, ListsABinaryByItsSizeAndTheBeginningOfAMemo) {
   office.run("INSERT INTO Tipos_Documento (Codigo, Comentarios) VALUES ('Z9', '" +
              std::string(500, 'm') + "')");
-  ASSERT_EQ(office.change("ClsTiposDocumento", "Z9", Json::object(), {{"Logotipo", "AAECAw=="}}).status, 200);
+  ASSERT_EQ(
+      office.change("ClsTiposDocumento", "Z9", Json::object(), {{"Logotipo", "AAECAw=="}}).status,
+      200);
   const auto answer = office.rows("ClsTiposDocumento", {{"filter", "Código:eq:Z9"}});
   ASSERT_EQ(answer.json["rows"].size(), 1U) << answer.body;
   const Json& columns = answer.json["columns"];
@@ -288,8 +294,9 @@ TEST_F(ClassList, CountsRowsWhereItIsAsked) {
 
 TEST_F(ClassList, RemembersItsViewUnderTheKeysOfTheClass) {
   const std::string view = Office::at("classes/ClsEmpleados/view", {{"mode", "todos"}});
-  const Json wanted = {{"columns", {{{"name", "Nombre"}, {"visible", true}, {"width", 240}},
-                                    {{"name", "Código"}, {"visible", false}, {"width", 60}}}},
+  const Json wanted = {{"columns",
+                        {{{"name", "Nombre"}, {"visible", true}, {"width", 240}},
+                         {{"name", "Código"}, {"visible", false}, {"width", 60}}}},
                        {"order", {{"column", "IRPF"}, {"descending", true}}},
                        {"filter", "Activo <> 0"}};
   const auto stored = office.send(web::Method::kPut, view, wanted);
@@ -305,12 +312,16 @@ TEST_F(ClassList, RemembersItsViewUnderTheKeysOfTheClass) {
   EXPECT_EQ(employees.GetFilter("todos"), "Activo <> 0");
   EXPECT_EQ(employees.DataMember("Primary")->Field(0).Value(), Variant("25"));
   // Other modes have views of their own.
-  EXPECT_EQ(office.get(Office::at("classes/ClsEmpleados/view", {{"mode", "seleccion"}})).json["filter"], "");
+  EXPECT_EQ(
+      office.get(Office::at("classes/ClsEmpleados/view", {{"mode", "seleccion"}})).json["filter"],
+      "");
 }
 
 TEST_F(ClassList, AViewThatDoesNotReadIsRefused) {
   const std::string view = Office::at("classes/ClsEmpleados/view");
-  const auto put = [&](const Json& body) { return office.send(web::Method::kPut, view, body).status; };
+  const auto put = [&](const Json& body) {
+    return office.send(web::Method::kPut, view, body).status;
+  };
   EXPECT_EQ(put({{"order", {{"column", "Apellido"}}}}), 400);
   EXPECT_EQ(put({{"columns", {{{"name", "Apellido"}}}}}), 400);
   EXPECT_EQ(put({{"columns", "all"}}), 400);

@@ -12,9 +12,9 @@
 #include "tavelor/frame/component.hpp"
 #include "tavelor/frame/record_class.hpp"
 #include "tavelor/services/apartment.hpp"
+#include "tavelor/services/installation.hpp"
 #include "tavelor/services/registry_store.hpp"
 #include "tavelor/services/registry_tree.hpp"
-#include "tavelor/services/installation.hpp"
 #include "tavelor/web/events.hpp"
 #include "tests/support/hostile_values.hpp"
 #include "tests/web/office.hpp"
@@ -129,9 +129,7 @@ class ClassRecord : public testing::Test {
   ClassRecord() {
     office.run("INSERT INTO Empleados (Codigo, Nombre, NIF, IRPF) VALUES ('01', 'Ana', 'A1', 2)");
   }
-  Json read(const std::string& code) {
-    return office.record("ClsEmpleados", code).json["values"];
-  }
+  Json read(const std::string& code) { return office.record("ClsEmpleados", code).json["values"]; }
   Office office;
 };
 
@@ -140,8 +138,8 @@ TEST_F(ClassRecord, IsFoundByKeysOfAllForms) {
                           Json{{"codigo", "01"}}, Json{{"Código", "01"}, {"Nombre", "other"}}}) {
     EXPECT_EQ(office.record("ClsEmpleados", key).status, 200) << key;
   }
-  for (const Json& key : {Json(1), Json(nullptr), Json{{"Nombre", "Ana"}}, Json::array(), Json(true),
-                          Json::array({"01", "02"}), Json{{"Código", Json::array()}}}) {
+  for (const Json& key : {Json(1), Json(nullptr), Json{{"Nombre", "Ana"}}, Json::array(),
+                          Json(true), Json::array({"01", "02"}), Json{{"Código", Json::array()}}}) {
     EXPECT_EQ(office.record("ClsEmpleados", key).status, 400) << key;
   }
   EXPECT_EQ(office.record("ClsEmpleados", "nobody").status, 404);
@@ -149,8 +147,7 @@ TEST_F(ClassRecord, IsFoundByKeysOfAllForms) {
   EXPECT_EQ(office.get("/api/v1/classes/ClsEmpleados/record").status, 400);
   for (const std::string& value : test::hostileValues()) {
     if (value.size() > 1000) continue;
-    EXPECT_THAT(office.record("ClsEmpleados", {{"Código", value}}).status,
-                testing::AnyOf(400, 404))
+    EXPECT_THAT(office.record("ClsEmpleados", {{"Código", value}}).status, testing::AnyOf(400, 404))
         << value;
   }
 }
@@ -168,9 +165,11 @@ TEST_F(ClassRecord, HostileTextsAreStoredAsTheyAre) {
 }
 
 TEST_F(ClassRecord, TellsAllThatIsWrongByItsField) {
-  const auto refused = office.insert(
-      "ClsEmpleados", {{"Código", "123456789012345678901234567890"}, {"IRPF", "much"},
-                       {"Activo", "yes"}, {"Fecha_Alta", "31/12/2026"}, {"Nombre", 5}});
+  const auto refused = office.insert("ClsEmpleados", {{"Código", "123456789012345678901234567890"},
+                                                      {"IRPF", "much"},
+                                                      {"Activo", "yes"},
+                                                      {"Fecha_Alta", "31/12/2026"},
+                                                      {"Nombre", 5}});
   EXPECT_EQ(refused.status, 422) << refused.body;
   EXPECT_EQ(refused.json["error"]["faults"].size(), 5U);
   EXPECT_THAT(refused.json["error"]["message"].get<std::string>(), HasSubstr("4 more"));
@@ -185,8 +184,11 @@ TEST_F(ClassRecord, RefusesWhatIsNoForm) {
   EXPECT_EQ(office.insert("ClsEmpleados", {{"Código", nullptr}}).status, 422);
   EXPECT_EQ(office.post("/api/v1/classes/ClsEmpleados/records", {{"rows", 1}}).status, 400);
   EXPECT_EQ(office.insert("Nobody", Json::object()).status, 404);
-  EXPECT_EQ(office.post(Office::at("classes/ClsEmpleados/records", {{"mode", "todo"}}),
-                        {{"values", Json::object()}}).status, 400);
+  EXPECT_EQ(office
+                .post(Office::at("classes/ClsEmpleados/records", {{"mode", "todo"}}),
+                      {{"values", Json::object()}})
+                .status,
+            400);
 }
 
 TEST_F(ClassRecord, ANumberOutOfItsRangeIsRefusedByName) {
@@ -228,7 +230,9 @@ TEST_F(ClassRecord, AChangeOfAnotherOneIsShownAndNothingIsWritten) {
   EXPECT_EQ(office.faultOf("patch", "/api/v1/classes/{name}/record", conflict), "");
   EXPECT_EQ(office.text("SELECT Nombre FROM Empleados"), "Berta");
   // Over theirs, once it was seen.
-  EXPECT_EQ(office.change("ClsEmpleados", "01", conflict.json["theirs"], {{"Nombre", "Carla"}}).status, 200);
+  EXPECT_EQ(
+      office.change("ClsEmpleados", "01", conflict.json["theirs"], {{"Nombre", "Carla"}}).status,
+      200);
   EXPECT_EQ(office.text("SELECT Nombre FROM Empleados"), "Carla");
 }
 
@@ -262,7 +266,8 @@ TEST_F(ClassRecord, RowsThatCannotBeToldApartStayAsTheyAre) {
     office.run("INSERT INTO Tickets_Lineas (ID, Numero, Codigo) VALUES (7, 1, 'PAN')",
                selector::kDocuments);
   }
-  const auto both = office.change("ClsTicketsLineas", {{"ID", 7}}, Json::object(), {{"Cantidad", 2}});
+  const auto both =
+      office.change("ClsTicketsLineas", {{"ID", 7}}, Json::object(), {{"Cantidad", 2}});
   EXPECT_EQ(both.status, 409);
   EXPECT_THAT(both.body, HasSubstr("2 rows are"));
 }
@@ -270,8 +275,8 @@ TEST_F(ClassRecord, RowsThatCannotBeToldApartStayAsTheyAre) {
 TEST_F(ClassRecord, NothingChangedWritesNothing) {
   const Json before = read("01");
   std::vector<std::string> events;
-  const auto listener = office.application().events().listen(
-      [&](const auto& text) { events.push_back(*text); });
+  const auto listener =
+      office.application().events().listen([&](const auto& text) { events.push_back(*text); });
   EXPECT_EQ(office.change("ClsEmpleados", "01", before, before).status, 200);
   EXPECT_TRUE(events.empty());
   EXPECT_EQ(office.change("ClsEmpleados", "01", before, {{"Nombre", "Berta"}}).status, 200);
@@ -282,8 +287,10 @@ TEST_F(ClassRecord, NothingChangedWritesNothing) {
 
 TEST_F(ClassRecord, AColumnThatIsComputedOrLookedUpIsTold) {
   office.run("INSERT INTO Articulos (Codigo, Descripcion) VALUES ('A100', 'Pan')");
-  office.run("INSERT INTO Articulos_Movimientos_Almacen (Id, Codigo, Almacen) VALUES (1, 'A100', '1')");
-  const auto form = office.record("ClsArticulosMovAlmacen", {{"Mov", 1}}, {{"mode", "vista rapida"}});
+  office.run(
+      "INSERT INTO Articulos_Movimientos_Almacen (Id, Codigo, Almacen) VALUES (1, 'A100', '1')");
+  const auto form =
+      office.record("ClsArticulosMovAlmacen", {{"Mov", 1}}, {{"mode", "vista rapida"}});
   EXPECT_THAT(form.status, testing::AnyOf(200, 404)) << form.body;
   EXPECT_EQ(office.record("ClsCierres", 1, {{"mode", "familias"}, {"id", "1"}}).status, 422);
 }
@@ -291,7 +298,9 @@ TEST_F(ClassRecord, AColumnThatIsComputedOrLookedUpIsTold) {
 // ---- Who may
 
 TEST_F(ClassRecord, WritingNeedsTheRightAndNoDenial) {
-  const auto put = [&] { return office.change("ClsEmpleados", "01", Json::object(), {{"NIF", "C3"}}).status; };
+  const auto put = [&] {
+    return office.change("ClsEmpleados", "01", Json::object(), {{"NIF", "C3"}}).status;
+  };
   office.as.rights = web::Rights::of("office.read");
   EXPECT_EQ(put(), 403);
   EXPECT_EQ(office.get("/api/v1/classes/ClsEmpleados/new").status, 403);
@@ -303,9 +312,10 @@ TEST_F(ClassRecord, WritingNeedsTheRightAndNoDenial) {
   EXPECT_EQ(put(), 200);
   // The installation's own denials hold for everybody.
   Apartment& apartment = office.apartment();
-  apartment.registry().set(apartment.registryStore().BaseKey(apartment.version().registryRoot() + "\\Seguridad\\") +
-                               "Seguridad\\Configuraciones\\",
-                           "class.Empleados.write", "1");
+  apartment.registry().set(
+      apartment.registryStore().BaseKey(apartment.version().registryRoot() + "\\Seguridad\\") +
+          "Seguridad\\Configuraciones\\",
+      "class.Empleados.write", "1");
   office.as.rights = web::Rights::of("*");
   EXPECT_EQ(put(), 403);
 }

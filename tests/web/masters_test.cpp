@@ -20,14 +20,25 @@ class Masters : public testing::Test {
 };
 
 TEST_F(Masters, AnArticleWithAllThatBelongsToIt) {
-  office.run("INSERT INTO Articulos (Codigo, Descripcion, Tarifa_A, Existencia, Activo) VALUES ('PAN', 'Barra <b>', 1.1, 7, -1)");
-  office.run("INSERT INTO Articulos_Tarifas (Codigo, Nombre, Tarifa, Precio) VALUES ('PAN', 'Bares', 'D', 0.95)");
+  office.run(
+      "INSERT INTO Articulos (Codigo, Descripcion, Tarifa_A, Existencia, Activo) VALUES ('PAN', "
+      "'Barra <b>', 1.1, 7, -1)");
+  office.run(
+      "INSERT INTO Articulos_Tarifas (Codigo, Nombre, Tarifa, Precio) VALUES ('PAN', 'Bares', 'D', "
+      "0.95)");
   office.run("INSERT INTO Almacenes (Codigo, Descripcion) VALUES ('Z1', 'Trastienda')");
-  office.run("INSERT INTO Articulos_Almacenes (Id, Codigo, Almacen, Cantidad) VALUES (1, 'PAN', 'Z1', 7)");
-  office.run("INSERT INTO Articulos_Lotes (Id, Codigo, Lote, Existencia) VALUES (1, 'PAN', 'L1', 7)");
-  office.run("INSERT INTO Articulos_Codigos_barras (Id, Codigo, Codigo_Barras) VALUES (1, 'PAN', '8400000000017')");
+  office.run(
+      "INSERT INTO Articulos_Almacenes (Id, Codigo, Almacen, Cantidad) VALUES (1, 'PAN', 'Z1', 7)");
+  office.run(
+      "INSERT INTO Articulos_Lotes (Id, Codigo, Lote, Existencia) VALUES (1, 'PAN', 'L1', 7)");
+  office.run(
+      "INSERT INTO Articulos_Codigos_barras (Id, Codigo, Codigo_Barras) VALUES (1, 'PAN', "
+      "'8400000000017')");
   for (int i = 1; i <= 60; ++i) {
-    office.run(fmt::format("INSERT INTO Articulos_Movimientos_Almacen (Id, Codigo, Fecha, Cantidad) VALUES ({}, 'PAN', #11/{}/2026#, {})", i, i % 28 + 1, i));
+    office.run(
+        fmt::format("INSERT INTO Articulos_Movimientos_Almacen (Id, Codigo, Fecha, Cantidad) "
+                    "VALUES ({}, 'PAN', #11/{}/2026#, {})",
+                    i, i % 28 + 1, i));
   }
   const auto page = office.get("/api/v1/articles/PAN");
   ASSERT_EQ(page.status, 200) << page.body;
@@ -35,7 +46,9 @@ TEST_F(Masters, AnArticleWithAllThatBelongsToIt) {
   EXPECT_EQ(page.json["article"]["Descripcion"], "Barra <b>");
   EXPECT_EQ(page.json["tariffs"][0]["price"], 1.1);
   EXPECT_EQ(page.json["tariffs"][3], (Json{{"tariff", "D"}, {"name", "Bares"}, {"price", 0.95}}));
-  EXPECT_EQ(page.json["stock"], (Json::array({{{"warehouse", "Z1"}, {"name", "Trastienda"}, {"stock", 7}, {"pending", 0}}})));
+  EXPECT_EQ(
+      page.json["stock"],
+      (Json::array({{{"warehouse", "Z1"}, {"name", "Trastienda"}, {"stock", 7}, {"pending", 0}}})));
   EXPECT_EQ(page.json["lots"][0]["Lote"], "L1");
   EXPECT_EQ(page.json["barcodes"], Json::array({"8400000000017"}));
   ASSERT_EQ(page.json["movements"].size(), 50U);
@@ -57,10 +70,16 @@ TEST_F(Masters, ACustomerWithAddressesAndContacts) {
 }
 
 TEST_F(Masters, ASupplierWithAccountAndWhatIsOnOrder) {
-  office.run("INSERT INTO Proveedores (Codigo, Razon_Social, Poblacion, NIF, Activo) VALUES ('401', 'Conserves del Nord SA', 'Girona', 'A17', -1)");
-  office.run("INSERT INTO Proveedores_Apuntes_Contables (Id, Codigo, Fecha, Concepto, Debe, Haber) VALUES (1, '401', #11/19/2026#, 'Albarán 88/25', 0, 138)");
+  office.run(
+      "INSERT INTO Proveedores (Codigo, Razon_Social, Poblacion, NIF, Activo) VALUES ('401', "
+      "'Conserves del Nord SA', 'Girona', 'A17', -1)");
+  office.run(
+      "INSERT INTO Proveedores_Apuntes_Contables (Id, Codigo, Fecha, Concepto, Debe, Haber) VALUES "
+      "(1, '401', #11/19/2026#, 'Albarán 88/25', 0, 138)");
   office.run("INSERT INTO Articulos (Codigo, Descripcion, Pendiente) VALUES ('ATUN', 'Atún', 24)");
-  office.run("INSERT INTO Articulos_Precios_Compras (Id, Codigo, Proveedor, Precio) VALUES (1, 'ATUN', '401', 1.15)");
+  office.run(
+      "INSERT INTO Articulos_Precios_Compras (Id, Codigo, Proveedor, Precio) VALUES (1, 'ATUN', "
+      "'401', 1.15)");
   const auto page = office.get("/api/v1/suppliers/401");
   ASSERT_EQ(page.status, 200) << page.body;
   EXPECT_EQ(office.faultOf("get", "/api/v1/suppliers/{code}", page), "");
@@ -93,7 +112,8 @@ TEST_F(Masters, WhoIsNotThereIsMissingWhateverTheCode) {
 
 TEST_F(Masters, NeedTheRight) {
   office.as.rights = web::Rights::of("till.close");
-  for (const char* path : {"articles/PAN", "customers/C1/details", "suppliers/401", "suppliers/search"}) {
+  for (const char* path :
+       {"articles/PAN", "customers/C1/details", "suppliers/401", "suppliers/search"}) {
     EXPECT_EQ(office.get(Office::at(path)).status, 403) << path;
   }
 }

@@ -34,12 +34,14 @@ class OpenApi : public testing::Test {
   Json document = office.get("/api/v1/openapi.json").json;
 };
 
-TEST_F(OpenApi, IsToldToAnybody) {
-  office.as = {};
+TEST_F(OpenApi, IsToldToWhoIsSignedIn) {
+  office.as.rights = {};
   const auto answer = office.get("/api/v1/openapi.json");
   ASSERT_EQ(answer.status, 200);
   EXPECT_EQ(answer.json["openapi"], "3.1.0");
   EXPECT_EQ(office.faultOf("get", "/api/v1/openapi.json", answer), "");
+  office.as = {};
+  EXPECT_EQ(office.get("/api/v1/openapi.json").status, 401);
 }
 
 TEST_F(OpenApi, HasEveryRouteOnceWithItsPlacesAndItsRight) {
@@ -54,7 +56,8 @@ TEST_F(OpenApi, HasEveryRouteOnceWithItsPlacesAndItsRight) {
         << operation["operationId"];
     EXPECT_FALSE(operation["summary"].get<std::string>().empty()) << route.pattern;
     std::size_t places = 0;
-    for (const Json& parameter : operation["parameters"]) places += parameter["in"] == "path" ? 1U : 0U;
+    for (const Json& parameter : operation["parameters"])
+      places += parameter["in"] == "path" ? 1U : 0U;
     EXPECT_EQ(places, static_cast<std::size_t>(
                           std::count(route.pattern.begin(), route.pattern.end(), '{')));
     if (!web::nameOf(route.right).empty()) {
@@ -93,7 +96,9 @@ TEST_F(OpenApi, ErrorsAreAsDescribed) {
   for (const char* path : {"classes/Nobody", "articles/Nobody", "classes/ClsBancos/rows?limit=x"}) {
     const auto answer = office.get(Office::at(path));
     ASSERT_GE(answer.status, 400);
-    EXPECT_EQ(test::faultBySchema(document, document["components"]["schemas"]["Error"], answer.json), "") << path;
+    EXPECT_EQ(
+        test::faultBySchema(document, document["components"]["schemas"]["Error"], answer.json), "")
+        << path;
   }
 }
 
