@@ -114,6 +114,12 @@ ClassColumns columnsOf(const RecordClass& record, const Recordset& rows) {
                        std::find(keys.begin(), keys.end(), each.baseColumn) != keys.end();
     // What only finds a row of a table without a key is nobody's but the record set's.
     if (each.hidden && !isKey) continue;
+    // Of a column that a mode shows twice, engines take one value.
+    const bool isAgain =
+        std::any_of(columns.begin(), columns.end(), [&](const ClassColumn& before) {
+          const dialect::OutputColumn& shown = schema.columns()[before.place];
+          return shown.baseTable == each.baseTable && shown.baseColumn == each.baseColumn;
+        });
     columns.push_back({.name = each.name,
                        .baseColumn = each.baseColumn,
                        .type = each.type,
@@ -121,7 +127,7 @@ ClassColumns columnsOf(const RecordClass& record, const Recordset& rows) {
                        .isNullable = each.nullable,
                        .isKey = isKey,
                        .isHidden = each.hidden,
-                       .isWritable = each.updatable && !each.hidden,
+                       .isWritable = each.updatable && !each.hidden && !isAgain,
                        .isNumbered = each.autoNumber,
                        .place = i});
   }

@@ -203,7 +203,7 @@ Answer openApi(Context& context) {
 }  // namespace
 
 void addOpenApi(Routes& routes) {
-  routes.add(Method::kGet, "/api/v1/openapi.json", Right::kAnyone, openApi,
+  routes.add(Method::kGet, "/api/v1/openapi.json", Right::kSignedIn, openApi,
              {.summary = "This description",
               .answer = R"json({"type": "object", "required": ["openapi", "paths"]})json"});
 }

@@ -25,7 +25,7 @@ TAVELOR = sys.argv.pop(1) if len(sys.argv) > 1 else "tavelor"
 class Client:
     """Calls operations by their names, as the description tells where they are."""
 
-    def __init__(self, url, key=None):
+    def __init__(self, url, key):
         self.url, self.key = url.rstrip("/"), key
         self.operations = {}
         self.description = self.send("GET", "/api/v1/openapi.json")[1]
@@ -35,8 +35,7 @@ class Client:
 
     def send(self, method, target, body=None):
         request = urllib.request.Request(self.url + target, method=method)
-        if self.key:
-            request.add_header("Authorization", "Bearer " + self.key)
+        request.add_header("Authorization", "Bearer " + self.key)
         data = None
         if body is not None:
             request.add_header("Content-Type", "application/json")
@@ -77,7 +76,7 @@ class ClientTest(unittest.TestCase):
             [TAVELOR, "serve", shop, "--port", "0", "--log", "-"],
             stdout=subprocess.PIPE, text=True)
         url = re.search(r"https?://\S+?/", cls.server.stdout.readline()).group()
-        cls.anybody = Client(url)
+        cls.url = url
         cls.client = Client(url, re.search(r"tvk_\S+", made.stdout).group())
 
     @classmethod
@@ -94,8 +93,12 @@ class ClientTest(unittest.TestCase):
         return made
 
     def test_nobody_is_refused_and_told_why(self):
-        status, answer = self.anybody.call("get_classes")
-        self.assertEqual((status, answer["error"]["kind"]), (401, "signedOut"))
+        for headers in ({}, {"Authorization": "Bearer tvk_forged"}):
+            request = urllib.request.Request(self.url + "api/v1/openapi.json", headers=headers)
+            with self.assertRaises(urllib.error.HTTPError) as refused:
+                urllib.request.urlopen(request, timeout=20)
+            answer = json.load(refused.exception)
+            self.assertEqual((refused.exception.code, answer["error"]["kind"]), (401, "signedOut"))
 
     def test_reads_back_what_it_wrote_and_meets_a_conflict(self):
         made = self.record(**{"Código": "TE", "Descripción": "Té verde «100 g»", "Tarifa_A": 3.25})

@@ -34,12 +34,14 @@ class OpenApi : public testing::Test {
   Json document = office.get("/api/v1/openapi.json").json;
 };
 
-TEST_F(OpenApi, IsToldToAnybody) {
-  office.as = {};
+TEST_F(OpenApi, IsToldToWhoIsSignedIn) {
+  office.as.rights = {};
   const auto answer = office.get("/api/v1/openapi.json");
   ASSERT_EQ(answer.status, 200);
   EXPECT_EQ(answer.json["openapi"], "3.1.0");
   EXPECT_EQ(office.faultOf("get", "/api/v1/openapi.json", answer), "");
+  office.as = {};
+  EXPECT_EQ(office.get("/api/v1/openapi.json").status, 401);
 }
 
 TEST_F(OpenApi, HasEveryRouteOnceWithItsPlacesAndItsRight) {
