@@ -85,6 +85,7 @@ std::vector<Rows> inBatches(const Rows& rows) {
 void importRows(const std::vector<Rows>& batches) {
   ArticleImport import({sources(), 4, Locale::neutral().get(), false});
   for (const Rows& batch : batches) import.take(batch, batch.size());
+  import.finish();
 }
 
 }  // namespace
