@@ -9,6 +9,7 @@
 #include "bench/shop.hpp"
 #include "bench/works.hpp"
 #include "tavelor/platform/locale.hpp"
+#include "tavelor/services/data_session.hpp"
 #include "tools/article_import.hpp"
 
 namespace tavelor::bench {
@@ -106,7 +107,10 @@ void measureImport(Report& report, const Scale& scale) {
                   importRows(batches);
                   return articlesIn(ours);
                 },
-                [&] { empty(ours); }}},
+                [&] {
+                  empty(ours);
+                  DataSession().OpenConnection(1)->absorbTexts();
+                }}},
       scale));
 }
 

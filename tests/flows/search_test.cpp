@@ -296,9 +296,9 @@ TEST_F(Search, AWriteTellsTheRowsOfItsTableAlone) {
 }
 
 TEST_F(Search, AnotherProgramsWritesAreFound) {
-  engineRun("INSERT INTO Articulos (Codigo, Descripcion, Activo) VALUES ('X', 'Ajeno', -1)",
+  engineRun("INSERT INTO Articulos (Codigo, Descripcion, Activo) VALUES ('X', 'Ajeno łódź', -1)",
             "RESET search_path; INSERT INTO \"main\".\"Articulos\" (\"Codigo\", \"Descripcion\", "
-            "\"Activo\") VALUES ('X', 'Ajéno', -1)");
+            "\"Activo\") VALUES ('X', 'Ajéno ŁÓDŹ Πέρα', -1)");
   EXPECT_THAT(codes("ajeno"), ElementsAre("X"));
 }
 

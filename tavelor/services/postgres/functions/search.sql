@@ -1,6 +1,8 @@
 -- SPDX-License-Identifier: MIT
--- Words of texts, and rows found by their beginnings. {plain from} and {plain to} stand for letters
--- with marks and the letters without, one by one, {plain letters} for the former.
+-- Words of texts, and rows found by their beginnings. What triggers call names its functions with
+-- their schema: another program has a search path of its own, and to set one costs a row a fifth.
+-- {plain from} and {plain to} stand for letters with marks and the letters without, one by one,
+-- {plain letters} for the former.
 
 -- Letters in small, without accents and marks.
 CREATE OR REPLACE FUNCTION tv_plain(t text) RETURNS text
@@ -16,7 +18,7 @@ BEGIN
   IF octet_length(spanish) = length(spanish) THEN
     RETURN spanish;
   END IF;
-  spanish := regexp_replace(tv_fold(spanish), '[\u0300-\u036F]', '', 'g');
+  spanish := regexp_replace(tavelor.tv_fold(spanish), '[\u0300-\u036F]', '', 'g');
   letters := regexp_replace(spanish, '[^{plain letters}]+', '', 'g');
   RETURN translate(spanish, letters, CASE WHEN letters ~ '[^{plain western}]'
     THEN translate(letters, '{plain from}', '{plain to}')
@@ -28,7 +30,7 @@ END $$;
 CREATE OR REPLACE FUNCTION tv_runs(t text) RETURNS text[]
 LANGUAGE plpgsql IMMUTABLE STRICT PARALLEL SAFE AS $$
 DECLARE
-  plain text := tv_plain(t);
+  plain text := tavelor.tv_plain(t);
   every text[];
 BEGIN
   IF octet_length(plain) = length(plain) THEN
@@ -59,7 +61,7 @@ END $$;
 -- The same, each once, in their order.
 CREATE OR REPLACE FUNCTION tv_words(t text) RETURNS text[]
 LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE AS $$
-  SELECT ARRAY(SELECT word FROM unnest(tv_runs(t)) WITH ORDINALITY AS w (word, place)
+  SELECT ARRAY(SELECT word FROM unnest(tavelor.tv_runs(t)) WITH ORDINALITY AS w (word, place)
     GROUP BY word ORDER BY min(place)) $$;
 
 -- What the index has of a row: its words, and the title's first one once more, behind a mark that
@@ -67,9 +69,9 @@ LANGUAGE sql IMMUTABLE STRICT PARALLEL SAFE AS $$
 CREATE OR REPLACE FUNCTION tv_search_words(title text, others text) RETURNS tsvector
 LANGUAGE plpgsql IMMUTABLE STRICT PARALLEL SAFE AS $$
 DECLARE
-  first text[] := tv_runs(title);
+  first text[] := tavelor.tv_runs(title);
 BEGIN
-  RETURN array_to_tsvector(first || tv_runs(others) || (chr(57344) || coalesce(first[1], '')));
+  RETURN array_to_tsvector(first || tavelor.tv_runs(others) || (chr(57344) || coalesce(first[1], '')));
 END $$;
 
 -- Rows of a table of texts, with 'most' candidates for a ranking. The plan is made for these words:
