@@ -6,8 +6,8 @@
 //   tv_search_T        a row for each of T, with the texts that the index was given: title, codes a
 //                      line each, the rest
 //   tv_search_T_words  the index over it, which keeps no texts of its own
-//   tv_search_T_new    keys whose rows were written since: what the index has of them counts nothing
-//   tv_search_T_of     the columns that are searched
+//   tv_search_T_new    keys whose rows were written since: what the index has of them counts
+//   nothing tv_search_T_of     the columns that are searched
 //
 // A trigger notes the key of a row that is written and no more: to make its texts, and to take them
 // into the index, costs ten times as much where each row does it by itself. Whoever asks reads the
@@ -34,7 +34,8 @@ namespace {
 
 /// So many rows are read with each question before they are taken into the index.
 constexpr std::size_t kMostWaiting = 64;
-/// Of a question, so that a stroke of a key lasts a tenth of a second at most; the next one goes on.
+/// Of a question, so that a stroke of a key lasts a tenth of a second at most; the next one goes
+/// on.
 constexpr std::size_t kAbsorbedAtOnce = 10'000;
 /// Of rows that can't be taken into the index now, as another writes. Reading more would be felt.
 constexpr std::size_t kMostRead = 50'000;
@@ -125,9 +126,10 @@ std::string absorbText(const Names& names, std::string_view now, std::size_t mos
       fmt::format("(SELECT Clave FROM {} ORDER BY Clave LIMIT {})", names.waiting, most);
   const std::string ofThem = "WHERE Clave IN " + first;
   return indexText(names, true, ofThem) +
-         fmt::format("DELETE FROM {0} {1};\nINSERT INTO {0} ({2}) SELECT v.* FROM {3} n "
-                     "CROSS JOIN {4} v ON v.Clave = n.Clave;\n",
-                     names.texts, ofThem, kTextColumns, first, now) +
+         fmt::format(
+             "DELETE FROM {0} {1};\nINSERT INTO {0} ({2}) SELECT v.* FROM {3} n "
+             "CROSS JOIN {4} v ON v.Clave = n.Clave;\n",
+             names.texts, ofThem, kTextColumns, first, now) +
          indexText(names, false, ofThem) +
          fmt::format("DELETE FROM {} {};\n", names.waiting, ofThem);
 }
@@ -269,15 +271,17 @@ TextIndex readIndex(const std::shared_ptr<Database>& database, std::string_view 
   RowStore rows({ColumnType::kMemo, ColumnType::kMemo, ColumnType::kBoolean});
   read.fetch(rows);
   if (rows.rows() < kOwnColumns) {
-    throw Error(errors::kUnspecified, std::string(kSource),
-                fmt::format("The text index of {} is damaged: tavelor find --rebuild makes it anew.",
-                            table));
+    throw Error(
+        errors::kUnspecified, std::string(kSource),
+        fmt::format("The text index of {} is damaged: tavelor find --rebuild makes it anew.",
+                    table));
   }
   const auto column = [&](std::size_t i) { return std::string(rows.row(i).text(1)); };
   TextIndex index{std::string(table), column(0), column(1), column(2), {}};
   for (std::size_t i = kOwnColumns; i < rows.rows(); ++i) {
     const RowStore::Row row = rows.row(i);
-    index.parts.push_back({std::string(row.text(0)), std::string(row.text(1)), row.integer(2) != 0});
+    index.parts.push_back(
+        {std::string(row.text(0)), std::string(row.text(1)), row.integer(2) != 0});
   }
   return index;
 }

@@ -42,8 +42,8 @@ class TextFinder {
 
   /// Takes rows that wait into the index first, where they are many and nobody else writes.
   std::vector<TextFound> find(std::string_view table, std::string_view question, std::size_t most);
-  /// Takes all rows that wait into their indexes, some thousand a transaction where none is open, and
-  /// waits for the right to write as any writer. What fails is left for those who ask.
+  /// Takes all rows that wait into their indexes, some thousand a transaction where none is open,
+  /// and waits for the right to write as any writer. What fails is left for those who ask.
   void absorbAll();
 
  private:
