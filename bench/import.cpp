@@ -9,6 +9,7 @@
 #include "bench/shop.hpp"
 #include "bench/works.hpp"
 #include "tavelor/platform/locale.hpp"
+#include "tavelor/services/data_session.hpp"
 #include "tools/article_import.hpp"
 
 namespace tavelor::bench {
@@ -85,6 +86,7 @@ std::vector<Rows> inBatches(const Rows& rows) {
 void importRows(const std::vector<Rows>& batches) {
   ArticleImport import({sources(), 4, Locale::neutral().get(), false});
   for (const Rows& batch : batches) import.take(batch, batch.size());
+  import.finish();
 }
 
 }  // namespace
@@ -105,7 +107,10 @@ void measureImport(Report& report, const Scale& scale) {
                   importRows(batches);
                   return articlesIn(ours);
                 },
-                [&] { empty(ours); }}},
+                [&] {
+                  empty(ours);
+                  DataSession().OpenConnection(1)->absorbTexts();
+                }}},
       scale));
 }
 

@@ -216,6 +216,7 @@ DatabaseImport::~DatabaseImport() = default;
 void DatabaseImport::commit() {
   if (first_) first_->commit();
   if (second_) second_->commit();
+  for (const auto& [selector, connection] : connections_) connection->absorbTexts();
 }
 
 ConnectionPtr& DatabaseImport::connectionOf(int selector) {

@@ -137,6 +137,7 @@ void takeRows(CsvFile& file, RowImport& import, Refusals& refusals, std::uint64_
     refusals.add(import.refusals());
     progress.at(import.counts().total());
   } while (count == rows.size() && !Interruptible::interrupted());
+  import.finish();
 }
 
 /// The key is a column: one code for all rows would be one row.

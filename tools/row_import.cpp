@@ -166,6 +166,10 @@ void RowImport::take(const std::vector<CsvFile::Row>& rows, std::size_t count) {
                    [](const Refusal& a, const Refusal& b) { return a.line < b.line; });
 }
 
+void RowImport::finish() {
+  if (!setup_.isDryRun) connection_->absorbTexts();
+}
+
 // One read a batch, by all its keys: a read a row would take longer than its write.
 RowImport::Stored RowImport::stored(const std::vector<Record>& batch) {
   Statement statement("SELECT ");

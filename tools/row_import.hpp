@@ -55,6 +55,9 @@ class RowImport {
   /// One transaction.
   void take(const std::vector<CsvFile::Row>& rows, std::size_t count);
 
+  /// Behind the last batch: what it has written is brought into the indexes at once.
+  void finish();
+
   const ImportCounts& counts() const { return counts_; }
   /// Of the last call, by line: rows that were refused, and rows that were taken with a remark.
   const std::vector<Refusal>& refusals() const { return refusals_; }

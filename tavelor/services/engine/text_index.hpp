@@ -54,6 +54,10 @@ class TextSearch {
   /// words finds the row whose key it is.
   virtual std::vector<TextFound> findText(std::string_view table, std::string_view question,
                                           std::size_t most) = 0;
+  /// Behind the writing of very many rows: brings into the index what the triggers only noted, so
+  /// that the next question need not. Whatever is in its way stays for those who ask, and raises
+  /// nothing. Nothing to do where the triggers write the index themselves.
+  virtual void absorbTexts() {}
 };
 
 }  // namespace tavelor::engine

@@ -83,7 +83,7 @@ class Definition {
     one.condition_ = fmt::format(" WHERE a.{} = which", key_);
     return fmt::format(
         "CREATE OR REPLACE FUNCTION {0}(which text) RETURNS void LANGUAGE plpgsql "
-        "SET search_path = tavelor, pg_catalog SET enable_seqscan = off AS $body$ BEGIN "
+        "SET enable_seqscan = off AS $body$ BEGIN "
         "PERFORM 1 FROM {0} WHERE \"Clave\" = which FOR UPDATE; "
         "{1} ON CONFLICT (\"Clave\") DO UPDATE SET \"Titulo\" = excluded.\"Titulo\", "
         "\"Codigos\" = excluded.\"Codigos\", \"Uso\" = excluded.\"Uso\", "

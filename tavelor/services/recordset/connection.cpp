@@ -97,6 +97,13 @@ std::vector<engine::TextFound> Connection::findText(std::string_view table,
   return finder->findText(table, clean, most);
 }
 
+void Connection::absorbTexts() const {
+  if (State() == ObjectState::kClosed) raise(errors::kInvalidConnection, kRecordsetSource);
+  if (auto* const keeper = dynamic_cast<engine::TextSearch*>(&lease().session())) {
+    keeper->absorbTexts();
+  }
+}
+
 void Connection::HoldNumbersOf(std::string_view table) {
   lease().session().holdNumbersOf(table);
 }

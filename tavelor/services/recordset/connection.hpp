@@ -132,6 +132,10 @@ class TAVELOR_API Connection final : public Object,
   /// of the dialect: no trace tells of it.
   std::vector<engine::TextFound> findText(std::string_view table, std::string_view question,
                                           std::size_t most) const;
+  /// Behind the writing of very many rows, so that the next question need not bring them into the
+  /// text indexes. Raises nothing but 3709 when closed: what can't be done now is done by those who
+  /// ask.
+  void absorbTexts() const;
 
   /// Makes every other transaction that calls it for that table wait until this one ends, where the
   /// engine lets several write at a time. A statement that reads the largest number of a table does

@@ -44,8 +44,10 @@ class FileSession final : public Session, public Movable, public TextSearch {
   void makeTextIndex(const TextIndex& index) override;
   std::vector<TextFound> findText(std::string_view table, std::string_view question,
                                   std::size_t most) override;
+  void absorbTexts() override;
 
  private:
+  TextFinder& textFinder();
   /// Runs a statement of the transaction's own, compiled at its first use.
   int control(StatementHandle& statement, std::string_view text);
   void mustControl(StatementHandle& statement, std::string_view text);

@@ -122,16 +122,14 @@ void set(Database& database, std::string_view pragma) {
 void configure(Database& database, const OpenOptions& options) {
   sqlite3* const handle = database.handle;
   sqlite3_busy_handler(handle, waitForOther, &database);
-  // A name in double quotes is a name, never a text.
-  for (const int off : {SQLITE_DBCONFIG_DQS_DML, SQLITE_DBCONFIG_DQS_DDL,
-                        SQLITE_DBCONFIG_ENABLE_FKEY, SQLITE_DBCONFIG_ENABLE_VIEW}) {
+  // A name in double quotes is a name, never a text; what the file brings along is not trusted.
+  for (const int off :
+       {SQLITE_DBCONFIG_DQS_DML, SQLITE_DBCONFIG_DQS_DDL, SQLITE_DBCONFIG_TRUSTED_SCHEMA,
+        SQLITE_DBCONFIG_ENABLE_FKEY, SQLITE_DBCONFIG_ENABLE_VIEW}) {
     sqlite3_db_config(handle, off, 0, nullptr);
   }
-  // Triggers keep the text indexes, and the engine lets them write there only where the schema is
-  // trusted. In a file from elsewhere they reach that file alone: no function of ours does more.
-  for (const int on : {SQLITE_DBCONFIG_ENABLE_TRIGGER, SQLITE_DBCONFIG_TRUSTED_SCHEMA}) {
-    sqlite3_db_config(handle, on, 1, nullptr);
-  }
+  // Triggers note what the text indexes lack.
+  sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 1, nullptr);
   sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   set(database, "PRAGMA temp_store = MEMORY");
   set(database, "PRAGMA cache_size = -16384");

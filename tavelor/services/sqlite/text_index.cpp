@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: MIT
 // Text indexes of a database file.
 //
-// Of a table T there are three of the engine's own:
+// Of a table T there are four of the engine's own:
 //
-//   tv_search_T        a row for each of T, with its texts: title, codes a line each, the rest
+//   tv_search_T        a row for each of T, with the texts that the index was given: title, codes a
+//                      line each, the rest
 //   tv_search_T_words  the index over it, which keeps no texts of its own
-//   tv_search_T_new    numbers of rows of tv_search_T that the index does not have yet
+//   tv_search_T_new    keys whose rows were written since: what the index has of them counts
+//   nothing tv_search_T_of     the columns that are searched
 //
-// A statement that writes one row to the index costs it a segment, some 25 microseconds; one that
-// writes 64 costs it hardly more. So rows wait in tv_search_T_new, which is read with each question
-// as it is, until there are that many.
+// A trigger notes the key of a row that is written and no more: to make its texts, and to take them
+// into the index, costs ten times as much where each row does it by itself. Whoever asks reads the
+// rows that wait from T itself, and takes them into the index where they are many.
 #include "tavelor/services/sqlite/text_index.hpp"
 
 #include <algorithm>
@@ -30,7 +32,13 @@ namespace tavelor::engine::sqlite {
 
 namespace {
 
-constexpr int kMostWaiting = 64;
+/// So many rows are read with each question before they are taken into the index.
+constexpr std::size_t kMostWaiting = 64;
+/// Of a question, so that a stroke of a key lasts a tenth of a second at most; the next one goes
+/// on.
+constexpr std::size_t kAbsorbedAtOnce = 10'000;
+/// Of rows that can't be taken into the index now, as another writes. Reading more would be felt.
+constexpr std::size_t kMostRead = 50'000;
 /// A title begins with it in the index, in a text of its own: so rows whose title begins with a
 /// word are found among very many that have it somewhere. It is of no script, and a letter.
 constexpr char32_t kTitleMark = 0xE000;
@@ -46,151 +54,162 @@ std::string joined(const std::vector<std::string>& parts, std::string_view separ
   return fmt::format("{}", fmt::join(parts, separator));
 }
 
+/// What the engine has of an index.
+struct Names {
+  explicit Names(std::string_view table)
+      : columns(quoted(fmt::format("{}{}_of", kSearchTables, table))),
+        texts(quoted(fmt::format("{}{}", kSearchTables, table))),
+        words(quoted(fmt::format("{}{}_words", kSearchTables, table))),
+        waiting(quoted(fmt::format("{}{}_new", kSearchTables, table))) {}
+
+  std::string columns, texts, words, waiting;
+};
+
+constexpr std::string_view kTextColumns = "Clave, Titulo, Codigos, Resto, Uso";
+
+/// The parts of one kind, each behind a separator: of the row `a`, and of those that name it.
+std::string partsText(const TextIndex& index, bool isCode, std::string_view separator) {
+  std::string out;
+  for (const TextIndex::Part& part : index.parts) {
+    if (part.isCode != isCode) continue;
+    const std::string column = quoted(part.column);
+    if (part.table == index.table) {
+      out += fmt::format(" || coalesce({} || a.{}, '')", separator, column);
+    } else {
+      out += fmt::format(
+          " || coalesce((SELECT {0} || group_concat(o.{1}, {0}) FROM {2} o WHERE o.{3} = a.{3} "
+          "AND o.{1} IS NOT NULL), '')",
+          separator, column, quoted(part.table), quoted(index.key));
+    }
+  }
+  return out;
+}
+
+/// The texts of the rows as they are now.
+std::string textsNow(const TextIndex& index) {
+  return fmt::format(
+      "(SELECT a.{0} AS Clave, coalesce(a.{1}, '') AS Titulo, a.{0}{2} AS Codigos, ''{3} AS Resto, "
+      "coalesce(a.{4} <> 0, 0) AS Uso FROM {5} a WHERE a.{0} IS NOT NULL)",
+      quoted(index.key), quoted(index.title), partsText(index, true, "char(10)"),
+      partsText(index, false, "' '"), quoted(index.inUse), quoted(index.table));
+}
+
+/// Key, title and what tells whether a row is in use come first in tv_search_T_of.
+constexpr std::size_t kOwnColumns = 3;
+
+std::string columnsText(const Names& names, const TextIndex& index) {
+  std::vector<TextIndex::Part> all{{index.table, index.key, true},
+                                   {index.table, index.title, false},
+                                   {index.table, index.inUse, false}};
+  all.insert(all.end(), index.parts.begin(), index.parts.end());
+  std::vector<std::string> rows;
+  for (const TextIndex::Part& part : all) {
+    rows.push_back(
+        fmt::format("('{}', '{}', {})", part.table, part.column, static_cast<int>(part.isCode)));
+  }
+  return fmt::format("INSERT INTO {} (Tabla, Columna, Codigo) VALUES {};\n", names.columns,
+                     joined(rows, ", "));
+}
+
+/// Writes the texts that `condition` chooses into the index, or takes them out of it.
+std::string indexText(const Names& names, bool isTakenOut, std::string_view condition) {
+  return fmt::format(
+      "INSERT INTO {0} ({1}rowid, Inicio, Titulo, Codigos, Resto) "
+      "SELECT {2}Id, Inicio, Titulo, Codigos, Resto FROM {3} {4} ORDER BY Id;\n",
+      names.words, isTakenOut ? names.words + ", " : "", isTakenOut ? "'delete', " : "",
+      names.texts, condition);
+}
+
+/// Takes the first ones of the rows that wait into the index.
+std::string absorbText(const Names& names, std::string_view now, std::size_t most) {
+  const std::string first =
+      fmt::format("(SELECT Clave FROM {} ORDER BY Clave LIMIT {})", names.waiting, most);
+  const std::string ofThem = "WHERE Clave IN " + first;
+  return indexText(names, true, ofThem) +
+         fmt::format(
+             "DELETE FROM {0} {1};\nINSERT INTO {0} ({2}) SELECT v.* FROM {3} n "
+             "CROSS JOIN {4} v ON v.Clave = n.Clave;\n",
+             names.texts, ofThem, kTextColumns, first, now) +
+         indexText(names, false, ofThem) +
+         fmt::format("DELETE FROM {} {};\n", names.waiting, ofThem);
+}
+
 /// The names and expressions that the definitions of one index share.
 class Definition {
  public:
   explicit Definition(const TextIndex& index)
-      : index_(index),
-        texts_(quoted(std::string(kSearchTables) + index.table)),
-        words_(quoted(std::string(kSearchTables) + index.table + "_words")),
-        waiting_(quoted(std::string(kSearchTables) + index.table + "_new")) {}
+      : index_(index), names_(index.table), key_(quoted(index.key)) {}
 
-  std::string text() { return tables() + fill() + ofTheTable() + ofOthers() + ofTheTexts(); }
+  std::string text() {
+    return tables() +
+           fmt::format("INSERT INTO {} ({}) SELECT * FROM {};\n", names_.texts, kTextColumns,
+                       textsNow(index_)) +
+           indexText(names_, false, "") + ofTheTable() + ofOthers();
+  }
 
  private:
+  std::string tables() const {
+    return fmt::format(
+        "DROP TABLE IF EXISTS {0};\nDROP TABLE IF EXISTS {1};\nDROP TABLE IF EXISTS {2};\n"
+        "DROP TABLE IF EXISTS {6};\n"
+        "CREATE TABLE {6} (Id INTEGER PRIMARY KEY, Tabla TEXT NOT NULL, Columna TEXT NOT NULL, "
+        "Codigo INT NOT NULL);\n{7}"
+        "CREATE TABLE {2} (Id INTEGER PRIMARY KEY, Clave TEXT NOT NULL UNIQUE, "
+        "Titulo TEXT NOT NULL, Codigos TEXT NOT NULL, Resto TEXT NOT NULL, Uso INT NOT NULL, "
+        "Inicio TEXT AS (char({3}) || substr(ltrim(Titulo), 1, 24)) VIRTUAL);\n"
+        "CREATE TABLE {1} (Clave TEXT PRIMARY KEY) WITHOUT ROWID;\n"
+        "CREATE VIRTUAL TABLE {0} USING fts5(Inicio, Titulo, Codigos, Resto, content={2}, "
+        "content_rowid='Id', tokenize='unicode61 {4} {5}', prefix='1 2 3 4', detail=none, "
+        "columnsize=0);\n",
+        names_.words, names_.waiting, names_.texts, static_cast<std::uint32_t>(kTitleMark),
+        kTokenizer[0], kTokenizer[1], names_.columns, columnsText(names_, index_));
+  }
+
   std::string trigger(std::string_view when, std::string_view body) {
     return fmt::format("CREATE TRIGGER {} AFTER {} BEGIN {} END;\n",
                        quoted(fmt::format("{}{}_{}", kSearchTables, index_.table, ++triggers_)),
                        when, body);
   }
 
-  std::string tables() const {
+  /// A row of another table may name none. ON CONFLICT holds whatever the writer's statement says.
+  std::string note(std::string_view row) const {
     return fmt::format(
-        "DROP TABLE IF EXISTS {0};\nDROP TABLE IF EXISTS {1};\nDROP TABLE IF EXISTS {2};\n"
-        "CREATE TABLE {2} (Id INTEGER PRIMARY KEY, Clave TEXT NOT NULL UNIQUE, "
-        "Titulo TEXT NOT NULL, Codigos TEXT NOT NULL, Resto TEXT NOT NULL, Uso INT NOT NULL, "
-        "Inicio TEXT AS (char({3}) || substr(ltrim(Titulo), 1, 24)) VIRTUAL);\n"
-        "CREATE TABLE {1} (Id INTEGER PRIMARY KEY);\n"
-        "CREATE VIRTUAL TABLE {0} USING fts5(Inicio, Titulo, Codigos, Resto, content={2}, "
-        "content_rowid='Id', tokenize='unicode61 {4} {5}', prefix='1 2 3 4', detail=none, "
-        "columnsize=0);\n",
-        words_, waiting_, texts_, static_cast<std::uint32_t>(kTitleMark), kTokenizer[0],
-        kTokenizer[1]);
+        "INSERT INTO {0} SELECT {1}.{2} WHERE {1}.{2} IS NOT NULL ON CONFLICT DO NOTHING;",
+        names_.waiting, row, key_);
   }
 
-  /// The parts of one kind, each behind a separator: of the row `a`, and of those that name it.
-  std::string partsText(bool isCode, std::string_view separator) const {
-    std::string out;
-    for (const TextIndex::Part& part : index_.parts) {
-      if (part.isCode != isCode) continue;
-      const std::string column = quoted(part.column);
-      if (part.table == index_.table) {
-        out += fmt::format(" || coalesce({} || a.{}, '')", separator, column);
-      } else {
-        out += fmt::format(
-            " || coalesce((SELECT {0} || group_concat(o.{1}, {0}) FROM {2} o WHERE o.{3} = a.{3} "
-            "AND o.{1} IS NOT NULL), '')",
-            separator, column, quoted(part.table), quoted(index_.key));
-      }
-    }
-    return out;
-  }
-
-  std::string selectText() const {
-    return fmt::format(
-        "SELECT a.{0}, coalesce(a.{1}, ''), a.{0}{2}, ''{3}, coalesce(a.{4} <> 0, 0) FROM {5} a",
-        quoted(index_.key), quoted(index_.title), partsText(true, "char(10)"),
-        partsText(false, "' '"), quoted(index_.inUse), quoted(index_.table));
-  }
-  std::string insertText() const {
-    return fmt::format("INSERT INTO {} (Clave, Titulo, Codigos, Resto, Uso) {}", texts_,
-                       selectText());
-  }
-  std::string indexText(std::string_view condition) const {
-    return fmt::format(
-        "INSERT INTO {} (rowid, Inicio, Titulo, Codigos, Resto) "
-        "SELECT Id, Inicio, Titulo, Codigos, Resto FROM {} {};",
-        words_, texts_, condition);
-  }
-
-  std::string fill() const { return insertText() + ";\n" + indexText("ORDER BY Id") + "\n"; }
-
-  /// Writes the texts of one row anew.
-  std::string refresh(std::string_view row) const {
-    return fmt::format(
-        "{0} WHERE a.{1} = {2}.{1} ON CONFLICT (Clave) DO UPDATE SET Titulo = excluded.Titulo, "
-        "Codigos = excluded.Codigos, Resto = excluded.Resto, Uso = excluded.Uso;",
-        insertText(), quoted(index_.key), row);
-  }
-
-  std::string ofTheTable() {
-    const std::string key = quoted(index_.key);
-    std::vector<std::string> columns = {key, quoted(index_.title), quoted(index_.inUse)};
-    for (const TextIndex::Part& part : index_.parts) {
-      if (part.table == index_.table) columns.push_back(quoted(part.column));
-    }
+  std::string onWrites(std::string_view table, const std::vector<std::string>& columns) {
     std::vector<std::string> changes;
     for (const std::string& column : columns) {
       changes.push_back(fmt::format("old.{0} IS NOT new.{0}", column));
     }
-    const std::string table = quoted(index_.table);
-    return trigger("INSERT ON " + table, refresh("new")) +
-           trigger(fmt::format("UPDATE OF {} ON {} WHEN {}", joined(columns, ", "), table,
+    const std::string name = quoted(table);
+    return trigger("INSERT ON " + name, note("new")) +
+           trigger(fmt::format("UPDATE OF {} ON {} WHEN {}", joined(columns, ", "), name,
                                joined(changes, " OR ")),
-                   fmt::format("DELETE FROM {0} WHERE Clave = old.{1} AND old.{1} <> new.{1}; {2}",
-                               texts_, key, refresh("new"))) +
-           trigger("DELETE ON " + table,
-                   fmt::format("DELETE FROM {} WHERE Clave = old.{};", texts_, key));
+                   note("old") + " " + note("new")) +
+           trigger("DELETE ON " + name, note("old"));
+  }
+
+  std::string ofTheTable() {
+    std::vector<std::string> columns = {key_, quoted(index_.title), quoted(index_.inUse)};
+    for (const TextIndex::Part& part : index_.parts) {
+      if (part.table == index_.table) columns.push_back(quoted(part.column));
+    }
+    return onWrites(index_.table, columns);
   }
 
   std::string ofOthers() {
     std::string out;
     for (const TextIndex::Part& part : index_.parts) {
-      if (part.table == index_.table) continue;
-      const std::string table = quoted(part.table);
-      const std::string key = quoted(index_.key);
-      const std::string column = quoted(part.column);
-      out += trigger("INSERT ON " + table, refresh("new"));
-      out += trigger(fmt::format("UPDATE OF {0}, {1} ON {2} WHEN old.{0} IS NOT new.{0} OR "
-                                 "old.{1} IS NOT new.{1}",
-                                 key, column, table),
-                     refresh("old") + " " + refresh("new"));
-      out += trigger("DELETE ON " + table, refresh("old"));
+      if (part.table != index_.table) out += onWrites(part.table, {key_, quoted(part.column)});
     }
     return out;
   }
 
-  /// Takes what the index has of a row out of it, by the very texts that it was given.
-  std::string unindex() const {
-    return fmt::format(
-        "INSERT INTO {0} ({0}, rowid, Inicio, Titulo, Codigos, Resto) SELECT 'delete', old.Id, "
-        "old.Inicio, old.Titulo, old.Codigos, old.Resto WHERE NOT EXISTS (SELECT 1 FROM {1} WHERE "
-        "Id = old.Id);",
-        words_, waiting_);
-  }
-  std::string ofTheTexts() {
-    return trigger("INSERT ON " + texts_,
-                   fmt::format("INSERT INTO {} VALUES (new.Id);", waiting_)) +
-           trigger(
-               fmt::format("UPDATE OF Titulo, Codigos, Resto ON {} WHEN old.Titulo <> new.Titulo "
-                           "OR old.Codigos <> new.Codigos OR old.Resto <> new.Resto",
-                           texts_),
-               fmt::format("{0} INSERT INTO {1} SELECT new.Id WHERE NOT EXISTS (SELECT 1 FROM "
-                           "{1} WHERE Id = new.Id);",
-                           unindex(), waiting_)) +
-           trigger("DELETE ON " + texts_,
-                   fmt::format("{} DELETE FROM {} WHERE Id = old.Id;", unindex(), waiting_)) +
-           trigger(fmt::format("INSERT ON {0} WHEN (SELECT count(*) FROM {0}) >= {1}", waiting_,
-                               kMostWaiting),
-                   fmt::format("{} DELETE FROM {};",
-                               indexText(fmt::format("WHERE Id IN (SELECT Id FROM {})", waiting_)),
-                               waiting_));
-  }
-
   const TextIndex& index_;
-  std::string texts_;
-  std::string words_;
-  std::string waiting_;
+  Names names_;
+  std::string key_;
   int triggers_ = 0;
 };
 
@@ -232,6 +251,54 @@ std::string allWhole(const std::vector<std::string>& words) {
   }
   return out;
 }
+
+std::vector<std::string> indexedTables(Database& database) {
+  const StatementHandle names = compile(
+      database, fmt::format("SELECT substr(name, {0}, length(name) - {0} - 2) FROM sqlite_master "
+                            "WHERE type = 'table' AND name GLOB '{1}*_of'",
+                            kSearchTables.size() + 1, kSearchTables));
+  std::vector<std::string> tables;
+  while (sqlite3_step(names.get()) == SQLITE_ROW) {
+    tables.emplace_back(reinterpret_cast<const char*>(sqlite3_column_text(names.get(), 0)));
+  }
+  return tables;
+}
+
+/// Of the file that is there: it may have been made by another version.
+TextIndex readIndex(const std::shared_ptr<Database>& database, std::string_view table) {
+  PreparedStatement read(database, fmt::format("SELECT Tabla, Columna, Codigo FROM {} ORDER BY Id",
+                                               Names(table).columns));
+  RowStore rows({ColumnType::kMemo, ColumnType::kMemo, ColumnType::kBoolean});
+  read.fetch(rows);
+  if (rows.rows() < kOwnColumns) {
+    throw Error(
+        errors::kUnspecified, std::string(kSource),
+        fmt::format("The text index of {} is damaged: tavelor find --rebuild makes it anew.",
+                    table));
+  }
+  const auto column = [&](std::size_t i) { return std::string(rows.row(i).text(1)); };
+  TextIndex index{std::string(table), column(0), column(1), column(2), {}};
+  for (std::size_t i = kOwnColumns; i < rows.rows(); ++i) {
+    const RowStore::Row row = rows.row(i);
+    index.parts.push_back(
+        {std::string(row.text(0)), std::string(row.text(1)), row.integer(2) != 0});
+  }
+  return index;
+}
+
+/// Where another writes, whoever asks goes on without waiting.
+class NoPatience {
+ public:
+  explicit NoPatience(Database& database)
+      : database_(database), patience_(std::exchange(database.busyTimeoutMs, 0)) {}
+  NoPatience(const NoPatience&) = delete;
+  NoPatience& operator=(const NoPatience&) = delete;
+  ~NoPatience() { database_.busyTimeoutMs = patience_; }
+
+ private:
+  Database& database_;
+  int patience_;
+};
 
 }  // namespace
 
@@ -307,30 +374,84 @@ TextFinder::TextFinder(std::shared_ptr<Database> database)
 
 TextFinder::Statements& TextFinder::statementsOf(std::string_view table) {
   if (const auto known = statements_.find(table); known != statements_.end()) return known->second;
-  const std::string texts = quoted(fmt::format("{}{}", kSearchTables, table));
-  const std::string words = quoted(fmt::format("{}{}_words", kSearchTables, table));
-  const std::string waiting = quoted(fmt::format("{}{}_new", kSearchTables, table));
-  const auto matching = [&](int number, std::string_view rest) {
+  const Names names(table);
+  Statements made;
+  made.now = textsNow(readIndex(database_, table));
+  const auto matching = [&](int number) {
     return fmt::format(
-        "SELECT t.Clave, t.Titulo, t.Codigos, t.Uso, {3} FROM (SELECT rowid AS r FROM {0} "
-        "WHERE {0} MATCH ?{1} LIMIT {4}) JOIN {2} t ON t.Id = r",
-        words, number, texts, rest, kMostCandidates);
+        "SELECT * FROM (SELECT t.Clave, t.Titulo, t.Codigos, t.Uso, NULL FROM {0} "
+        "CROSS JOIN {1} t ON t.Id = {0}.rowid WHERE {0} MATCH ?{2} "
+        "AND NOT EXISTS (SELECT 1 FROM {3} n WHERE n.Clave = t.Clave) LIMIT {4})",
+        names.words, names.texts, number, names.waiting, kMostCandidates);
+  };
+  const auto waiting = [&](std::string_view condition, std::size_t most) {
+    return fmt::format(
+        "SELECT v.Clave, v.Titulo, v.Codigos, v.Uso, v.Resto FROM (SELECT Clave FROM {} {} "
+        "ORDER BY Clave LIMIT {}) n CROSS JOIN {} v ON v.Clave = n.Clave",
+        names.waiting, condition, most, made.now);
   };
   const auto coded = [&](int from, int to) {
+    const std::string condition = fmt::format("WHERE Clave >= ?{} AND Clave < ?{}", from, to);
     return fmt::format(
-        "SELECT Clave, Titulo, Codigos, Uso, NULL FROM (SELECT * FROM {} WHERE Clave >= ?{} AND "
-        "Clave < ?{} ORDER BY Clave LIMIT 50)",
-        texts, from, to);
+        "SELECT Clave, Titulo, Codigos, Uso, NULL FROM (SELECT * FROM {} t {} AND NOT EXISTS "
+        "(SELECT 1 FROM {} n WHERE n.Clave = t.Clave) ORDER BY Clave LIMIT 50) UNION ALL {}",
+        names.texts, condition, names.waiting, waiting(condition, 50));
   };
-  Statements made;
+  made.waiting = std::make_unique<PreparedStatement>(
+      database_, fmt::format("SELECT count(*) FROM (SELECT 1 FROM {} LIMIT {})", names.waiting,
+                             kMostWaiting + 1));
   made.words = std::make_unique<PreparedStatement>(
-      database_, fmt::format("{} UNION ALL SELECT t.Clave, t.Titulo, t.Codigos, t.Uso, t.Resto "
-                             "FROM {} n JOIN {} t ON t.Id = n.Id",
-                             matching(1, "NULL"), waiting, texts));
+      database_, fmt::format("{} UNION ALL {}", matching(1), waiting("", kMostRead)));
   made.best = std::make_unique<PreparedStatement>(
-      database_, fmt::format("{} UNION ALL {} UNION ALL {} UNION ALL {}", matching(1, "NULL"),
-                             matching(2, "NULL"), coded(3, 4), coded(5, 6)));
+      database_, fmt::format("{} UNION ALL {} UNION ALL {} UNION ALL {}", matching(1), matching(2),
+                             coded(3, 4), coded(5, 6)));
   return statements_.emplace(table, std::move(made)).first->second;
+}
+
+std::size_t TextFinder::waiting(Statements& statements) const {
+  RowStore count({ColumnType::kInt32});
+  statements.waiting->fetch(count);
+  return static_cast<std::size_t>(count.integer(0, 0));
+}
+
+bool TextFinder::absorb(std::string_view table, const Statements& statements) {
+  sqlite3* const handle = database_->handle;
+  const auto run = [&](const std::string& text) {
+    return sqlite3_exec(handle, text.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+  };
+  if (database_->lost || sqlite3_db_readonly(handle, "main") != 0) return false;
+  const bool isInside = database_->depth > 0;
+  if (!isInside) {
+    try {
+      database_->takeTurn();
+    } catch (const Error&) {
+      return false;
+    }
+  }
+  const sqlite3_int64 number = sqlite3_last_insert_rowid(handle);
+  bool isDone = run(isInside ? "SAVEPOINT search" : "BEGIN IMMEDIATE");
+  if (isDone) {
+    isDone = run(absorbText(Names(table), statements.now, kAbsorbedAtOnce)) &&
+             run(isInside ? "RELEASE search" : "COMMIT");
+    // An engine that has no room left may have ended the transaction by itself.
+    if (!isDone && sqlite3_get_autocommit(handle) == 0) {
+      run(isInside ? "ROLLBACK TO search; RELEASE search" : "ROLLBACK");
+    } else if (!isDone && isInside) {
+      database_->lost = true;
+      database_->endTurn();
+    }
+  }
+  sqlite3_set_last_insert_rowid(handle, number);
+  if (!isInside) database_->endTurn();
+  return isDone;
+}
+
+void TextFinder::absorbAll() {
+  for (const std::string& table : indexedTables(*database_)) {
+    Statements& statements = statementsOf(table);
+    while (waiting(statements) > 0 && absorb(table, statements)) {
+    }
+  }
 }
 
 bool TextFinder::hasAll(std::string_view texts, const std::vector<std::string>& beginnings) const {
@@ -353,6 +474,10 @@ std::vector<TextFound> TextFinder::find(std::string_view table, std::string_view
   Statements& statements = statementsOf(table);
   TextRanking ranking(trimmed);
 
+  if (waiting(statements) > kMostWaiting) {
+    const NoPatience now(*database_);
+    absorb(table, statements);
+  }
   RowStore having(types);
   std::size_t indexed = 0;
   if (!words.empty()) {
@@ -395,14 +520,22 @@ std::vector<TextFound> TextFinder::find(std::string_view table, std::string_view
   return ranking.best(most);
 }
 
+TextFinder& FileSession::textFinder() {
+  if (!textFinder_) textFinder_ = std::make_unique<TextFinder>(database_);
+  return *textFinder_;
+}
+
 void FileSession::makeTextIndex(const TextIndex& index) {
   execute(dropTriggers(*database_, index) + textIndexDdl(index));
 }
 
+void FileSession::absorbTexts() {
+  textFinder().absorbAll();
+}
+
 std::vector<TextFound> FileSession::findText(std::string_view table, std::string_view question,
                                              std::size_t most) {
-  if (!textFinder_) textFinder_ = std::make_unique<TextFinder>(database_);
-  return textFinder_->find(table, question, most);
+  return textFinder().find(table, question, most);
 }
 
 }  // namespace tavelor::engine::sqlite

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Text indexes of a database file: one of FTS5 over a table of texts that triggers keep.
+// Text indexes of a database file: one of FTS5 over a table of texts; triggers note what it lacks.
 #pragma once
 
 #include <map>
@@ -40,14 +40,23 @@ class TextFinder {
  public:
   explicit TextFinder(std::shared_ptr<Database> database);
 
+  /// Takes rows that wait into the index first, where they are many and nobody else writes.
   std::vector<TextFound> find(std::string_view table, std::string_view question, std::size_t most);
+  /// Takes all rows that wait into their indexes, some thousand a transaction where none is open,
+  /// and waits for the right to write as any writer. What fails is left for those who ask.
+  void absorbAll();
 
  private:
   struct Statements {
-    std::unique_ptr<Prepared> words;  // rows that have them, and those not indexed yet
-    std::unique_ptr<Prepared> best;   // of too many: those whose beginning or code it is
+    std::string now;                    // the texts as the tables have them, to be selected from
+    std::unique_ptr<Prepared> waiting;  // how many, to where they are too many
+    std::unique_ptr<Prepared> words;    // rows that have them, and those that wait
+    std::unique_ptr<Prepared> best;     // of too many: those whose beginning or code it is
   };
   Statements& statementsOf(std::string_view table);
+  std::size_t waiting(Statements& statements) const;
+  /// False where it can't be done now: nothing is changed then.
+  bool absorb(std::string_view table, const Statements& statements);
   bool hasAll(std::string_view texts, const std::vector<std::string>& beginnings) const;
 
   std::shared_ptr<Database> database_;

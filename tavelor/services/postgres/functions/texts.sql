@@ -69,7 +69,7 @@ LANGUAGE sql IMMUTABLE PARALLEL SAFE AS $$
 CREATE OR REPLACE FUNCTION tv_fold(t text) RETURNS text
 LANGUAGE sql IMMUTABLE PARALLEL SAFE AS $$
   SELECT CASE WHEN octet_length(t) = length(t) OR t !~ '[{fold letters}]'
-    THEN lower(t COLLATE "C") ELSE tv_fold_wide(t) END $$;
+    THEN lower(t COLLATE "C") ELSE tavelor.tv_fold_wide(t) END $$;
 
 CREATE OR REPLACE FUNCTION tv_left(t text, n int8) RETURNS text
 LANGUAGE sql STABLE PARALLEL SAFE AS $$
