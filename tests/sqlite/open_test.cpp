@@ -162,7 +162,7 @@ TEST(SqliteOpen, SettingsHoldWhateverTheFileSays) {
   EXPECT_EQ(textOf(*session, "PRAGMA journal_mode"), "wal");
   EXPECT_EQ(wholeOf(*session, "PRAGMA synchronous"), 2);
   EXPECT_EQ(wholeOf(*session, "PRAGMA foreign_keys"), 0);
-  EXPECT_EQ(wholeOf(*session, "PRAGMA trusted_schema"), 1);  // else no trigger keeps a text index
+  EXPECT_EQ(wholeOf(*session, "PRAGMA trusted_schema"), 0);
   EXPECT_EQ(wholeOf(*session, "PRAGMA temp_store"), 2);
   EXPECT_EQ(wholeOf(*openExisting(folder.file("a.db")), "PRAGMA synchronous"), 1);
 }
