@@ -26,6 +26,11 @@ set(TAVELOR_ALONE
   tavelor/sales/tickets_componente.cpp tavelor/sales/tickets_documento.cpp tavelor/sending/transport.cpp
   tavelor/services/dialect/sqlite_writer.cpp tavelor/services/recordset/sort.cpp
   tavelor/services/recordset/xml_save.cpp)
+# Addresses of the server, whose handlers are called after what they do: list, one, print.
+file(GLOB TAVELOR_ADDRESSES RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS
+  ${PROJECT_SOURCE_DIR}/tavelor/web/till_*.cpp ${PROJECT_SOURCE_DIR}/tavelor/web/class_*.cpp
+  ${PROJECT_SOURCE_DIR}/tavelor/web/master_*.cpp ${PROJECT_SOURCE_DIR}/tavelor/web/open_api.cpp)
+list(APPEND TAVELOR_ALONE ${TAVELOR_ADDRESSES})
 
 # g++ takes a source that is included for a header, where a class may not hold what is unnamed.
 set(before "#if defined(__GNUC__) && !defined(__clang__)\n#pragma GCC diagnostic ignored \"-Wsubobject-linkage\"\n#endif\n")

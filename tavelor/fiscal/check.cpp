@@ -58,7 +58,7 @@ enum RecordColumn : std::int32_t {
   kSeries,
   kNumber,
   kNumberText,
-  kDay,
+  kIssued,
   kQuota,
   kTotal,
   kMoment,
@@ -315,7 +315,7 @@ class Check {
     if (row.text(kHash) != hash) return differs("Huella");
     if (row.text(kMoment) != chaining.moment) return differs("Momento");
     if (row.text(kNumberText) != invoice.number) return differs("Serie_Numero");
-    if (Date(row.number(kDay)) != invoice.day) return differs("Fecha_Expedicion");
+    if (Date(row.number(kIssued)) != invoice.day) return differs("Fecha_Expedicion");
     if (row.text(kKind) !=
         (registration != nullptr ? word(registration->kind) : kCancellationWord)) {
       return differs("Tipo");

@@ -116,7 +116,7 @@ Json rowsAsJson(Recordset& rows) {
     if (left-- == 0) break;
     Json cells = Json::array();
     for (std::int32_t i = 0; i < rows.Fields().Count(); ++i) {
-      cells.push_back(toJson(row.value(static_cast<std::size_t>(i))));
+      cells.push_back(toJson(row.value(i)));
     }
     list.push_back(std::move(cells));
   }

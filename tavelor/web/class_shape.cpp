@@ -169,7 +169,7 @@ void mustWithClass(const Context& context, const Component& component, std::stri
 }
 
 std::string modeOf(const Context& context, const RecordClass& record) {
-  const std::string mode = context.query("mode", "todos");
+  std::string mode = context.query("mode", "todos");
   const std::vector<std::string> words = modeWords(record.info());
   if (mode.empty()) return words.front();
   if (std::find(words.begin(), words.end(), mode) != words.end()) return mode;

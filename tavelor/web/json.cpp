@@ -28,7 +28,7 @@ std::string base64(const Bytes& bytes) {
 
 std::string momentText(Date moment) {
   const CivilTime at = moment.civil();
-  const std::string day = fmt::format("{:04}-{:02}-{:02}", at.year, at.month, at.day);
+  std::string day = fmt::format("{:04}-{:02}-{:02}", at.year, at.month, at.day);
   if (at.hour == 0 && at.minute == 0 && at.second == 0) return day;
   return fmt::format("{}T{:02}:{:02}:{:02}", day, at.hour, at.minute, at.second);
 }

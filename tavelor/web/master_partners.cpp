@@ -156,7 +156,7 @@ Answer findSuppliers(Context& context) {
   for (const Json& row : rowsOf(select)) {
     if (static_cast<std::int64_t>(found.size()) == most) break;
     const Json& name = row.at("Razon_Social");
-    const bool isUnnamed = name.is_null() || name == "";
+    const bool isUnnamed = name.is_null() || name.get_ref<const std::string&>().empty();
     found.push_back({{"code", row.at("Codigo")},
                      {"name", isUnnamed ? row.at("Nombre") : name},
                      {"place", row.at("Poblacion")},

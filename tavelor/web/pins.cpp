@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <utility>
 
 #include <fmt/format.h>
@@ -51,7 +52,7 @@ Tries triesOf(std::string_view employee, Date now, const ConnectionPtr& connecti
   tries.wrong = rows.whole("Fallos");
   const double rest = (rows.number("Bloqueado") - now.days()) * kSecondsOfDay;
   // A clock that was put back must not lock anybody out for longer than a wait can be.
-  tries.seconds = std::clamp(static_cast<int>(rest + 0.5), 0, kLongestWait);
+  tries.seconds = static_cast<int>(std::lround(std::clamp<double>(rest, 0, kLongestWait)));
   return tries;
 }
 
