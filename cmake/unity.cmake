@@ -29,7 +29,8 @@ set(TAVELOR_ALONE
 # Addresses of the server, whose handlers are called after what they do: list, one, print.
 file(GLOB TAVELOR_ADDRESSES RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/tavelor/web/till_*.cpp ${PROJECT_SOURCE_DIR}/tavelor/web/class_*.cpp
-  ${PROJECT_SOURCE_DIR}/tavelor/web/master_*.cpp ${PROJECT_SOURCE_DIR}/tavelor/web/open_api.cpp)
+  ${PROJECT_SOURCE_DIR}/tavelor/web/master_*.cpp ${PROJECT_SOURCE_DIR}/tavelor/web/open_api.cpp
+  ${PROJECT_SOURCE_DIR}/tavelor/web/session.cpp)
 list(APPEND TAVELOR_ALONE ${TAVELOR_ADDRESSES})
 
 # g++ takes a source that is included for a header, where a class may not hold what is unnamed.

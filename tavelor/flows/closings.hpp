@@ -64,6 +64,7 @@ struct ClosingList {
   std::size_t total = 0;         ///< that there are
 };
 
+/// The closings that the question asks for, of all tills unless it names one.
 ClosingList listClosings(const ClosingQuestion& question);
 
 /// A closing with all that is told of it.

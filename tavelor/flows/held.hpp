@@ -38,6 +38,7 @@ struct HeldLimits {
 /// Raised, by number 5, where somebody else has taken it.
 class HeldElsewhere final : public Error {
  public:
+  /// `message` says which sale it is, and who has it.
   explicit HeldElsewhere(const std::string& message)
       : Error(errors::kInvalidCall, "HeldSales", message) {}
 };

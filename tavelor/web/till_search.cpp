@@ -78,11 +78,11 @@ void addTillSearch(Routes& routes) {
   routes.add(Method::kGet, "/api/v1/articles/search", Right::kSignedIn, articles,
              {.summary = "Articles by beginnings of words, codes and barcodes, the best first",
               .parameters = {{"q", "what was typed"},
-                             {"most", "how many to give, 20 where it is not told", "integer"},
-                             {"tariff", "of the prices; A where it is not told"}}});
+                             {"most", "how many to give, 20 unless it is told", "integer"},
+                             {"tariff", "of the prices; A unless it is told"}}});
   routes.add(Method::kGet, "/api/v1/articles/scan/{text}", Right::kSignedIn, scan,
              {.summary = "The article with exactly that code or barcode",
-              .parameters = {{"tariff", "of the price; A where it is not told"}}});
+              .parameters = {{"tariff", "of the price; A unless it is told"}}});
 }
 
 }  // namespace tavelor::web

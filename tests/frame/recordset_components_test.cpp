@@ -48,7 +48,8 @@ std::set<std::string> publicMembers(const std::string& header, const std::string
   for (const std::string& own :
        {name, std::string("typeName"), std::string("begin"), std::string("end"),
         std::string("parts"), std::string("CurrentRow"), std::string("rowOf"),
-        std::string("shownRows"), std::string("shownRowsStamp"), std::string("open")}) {
+        std::string("shownRows"), std::string("shownRowsStamp"), std::string("open"),
+        std::string("absorbTexts"), std::string("findText")}) {
     found.erase(own);
   }
   return found;
