@@ -43,7 +43,7 @@ rewritten with --rewrite. So the same command brings nothing twice.
 All tables of a database are one transaction, and on a server all of them: who is
 interrupted has brought nothing. Others wait to write meanwhile. With --dry-run all
 is tried and nothing stays written. The records of invoices that the law wants are
-never taken: the shop alone writes them.
+never taken, nor who may sign in: the shop alone writes them.
 
   tavelor import database old.mdb --dry-run --report left-out.csv
   tavelor import database old.mdb --map Products=Articulos Products.Name=Descripcion Log=

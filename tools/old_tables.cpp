@@ -34,10 +34,11 @@ std::string folded(std::string_view name) {
   return text;
 }
 
-/// Records of invoices are proof only if nobody else writes them.
+/// Records of invoices are proof only if nobody else writes them, and so is who may sign in to the
+/// server.
 bool isTheShopsOwn(std::string_view table) {
   const std::string name = text::foldCase(table);
-  return name.starts_with("fiscal_") || name.starts_with("tavelor_");
+  return name.starts_with("fiscal_") || name.starts_with("tavelor_") || name.starts_with("web_");
 }
 
 std::string_view wordOf(OldType type) {

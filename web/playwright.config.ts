@@ -8,6 +8,7 @@ export default defineConfig({
   outputDir: "../build/browser",
   reporter: process.env.CI ? "line" : "list",
   workers: 1, // each has a server of its own, and two cores are few
+  retries: 1, // a machine that does something else types slower than a scanner
   timeout: 60_000,
   expect: { timeout: 10_000 },
   use: {

@@ -19,7 +19,8 @@ set(depends =libtavelor-dev qt6-base-dev)
 if(TARGET tavelor_qt_shared)
   tavelor_package(qt NAME ${name} SECTION libs SHARED "libtavelor_qt6 ${PROJECT_VERSION_MAJOR}"
     SUMMARY "business layer of a Spanish shop - Qt adapter"
-    DESCRIPTION "Models and forms over the record sets and classes of Tavelor, for programs with\nQt 6.")
+    DESCRIPTION "Models and forms over the record sets and classes of Tavelor, for programs with\nQt 6."
+    DEPENDS =libtavelor${PROJECT_VERSION_MAJOR})
   list(APPEND depends =${name})
 endif()
 tavelor_package(qt_development NAME libtavelor-qt6-dev SECTION libdevel
