@@ -244,7 +244,7 @@ void addTillSales(Routes& routes) {
              {.summary = "What lines come to, at the shop's prices where they tell none",
               .body = quoteSchema});
   routes.add(Method::kPost, "/api/v1/sales", Right::kTillSell, sell,
-             {.summary = "Sells, once by its key: 201, or 200 where that very sale was made before",
+             {.summary = "Sells, once by its key: 201, or 200 if that very sale was made before",
               .body = saleSchema,
               .answer = kSoldSchema});
   routes.add(Method::kGet, "/api/v1/sales/{key}", Right::kSignedIn, soldBy,

@@ -65,7 +65,7 @@ compile() { "$compiler" -std=c++20 "$@"; }
 pkg-config --exists tavelor-sending tavelor-fiscal
 # The Qt adapter, where it was built: on the shared library, and with the flows on the static one.
 if [[ -s all_qt_headers.hpp ]]; then
-  [[ $(field libtavelor-qt6-1 Depends) == *libqt6widgets6*libtavelor1* && $(field libtavelor-qt6-dev Depends) == *qt6-base-dev* ]]
+  [[ $(field libtavelor-qt6-1 Depends) == *libtavelor1*libqt6widgets6* && $(field libtavelor-qt6-dev Depends) == *qt6-base-dev* ]]
   read -r -a flags < <(pkg-config --cflags --libs tavelor-qt6)
   compile -fPIC qt.cpp -o with_qt "${flags[@]}"
   LD_LIBRARY_PATH=$libraries ./with_qt "$scratch/of-qt"
